@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How long the timeline takes to paint 100,000 clips in 50 rows, 1900 pixels wide, at several scales; beside
+// it a painter that draws every visible clip as a rounded rectangle. Milliseconds.
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <functional>
+#include <random>
+
+#include "shell/qt_run_loop.h"
+#include "shell/theme.h"
+#include "shell/timeline_canvas.h"
+#include "shell/timeline_state.h"
+#include "util/uuid.h"
+
+using namespace vistels;
+
+namespace {
+
+constexpr int row_count = 50;
+constexpr int clips_in_row = 2000;
+constexpr int width = 1900;
+constexpr int rounds = 60;
+
+class bench_transport final : public transport {
+  public:
+    double collection_time() const override { return seconds_; }
+    double collection_time_at(double) const override { return seconds_; }
+    bool is_playing() const override { return false; }
+    double rate() const override { return 1; }
+    void play() override {}
+    void pause() override {}
+    void set_rate(double) override {}
+    void seek(double seconds) override { seconds_ = seconds; }
+
+  private:
+    double seconds_ = 3000;
+};
+
+sxy_ROW make_row(int number, std::mt19937& random) {
+    sxy_ROW row;
+    row.set_name("Row " + std::to_string(number));
+    row.set_uuid(shared_text(new_uuid()));
+    row.set_col(from_qt(theme::current().item_colour(static_cast<std::size_t>(number))));
+    std::uniform_real_distribution<double> gap(0.2, 2.4);
+    std::uniform_real_distribution<double> length(0.5, 4);
+    std::uniform_int_distribution<std::size_t> player(0, 10);
+    double at = gap(random);
+    std::vector<clip_pointer> clips;
+    for (int index = 0; index < clips_in_row; ++index) {
+        auto clip = std::make_shared<sxy_CLIP>();
+        clip->set_id(new_uuid());
+        clip->set_secs_start(at);
+        clip->set_secs_end(at + length(random));
+        clip->set_stars(index % 7 == 0 ? 3 : 0);
+        if (index % 9 == 0) clip->set_col(from_qt(theme::current().item_colour(player(random))));
+        qual_ITEM qualifier;
+        qualifier.set_name(shared_text("Player " + std::to_string(player(random))));
+        clip->set_qualifiers({qualifier});
+        at = clip->secs_end() + gap(random);
+        clips.push_back(std::move(clip));
+    }
+    row.clips().assign(std::move(clips));
+    return row;
+}
+
+struct spread {
+    double median = 0;
+    double p95 = 0;
+    double wall_median = 0;
+};
+
+double thread_seconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// Milliseconds of the thread's processor time, which other programs on the machine do not disturb, and of the
+// clock on the wall.
+spread measure(const std::function<void()>& work) {
+    const steady_clock clock;
+    std::vector<double> taken;
+    std::vector<double> wall;
+    for (int round = 0; round < rounds; ++round) {
+        const double wall_before = clock.seconds();
+        const double before = thread_seconds();
+        work();
+        taken.push_back((thread_seconds() - before) * 1000);
+        wall.push_back((clock.seconds() - wall_before) * 1000);
+    }
+    std::sort(taken.begin(), taken.end());
+    std::sort(wall.begin(), wall.end());
+    return {taken[rounds / 2], taken[rounds * 95 / 100], wall[rounds / 2]};
+}
+
+// The peer: as a first version of such a view would do it.
+void paint_every_clip(QPainter& painter, const timeline_document& document, const timeline_scale& scale) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const theme& look = theme::current();
+    int y = look.metrics.ruler_height;
+    for (const row_pointer& row : document.timeline().rows()) {
+        const QColor given = to_qt(*row->col());
+        for (const clip_pointer& clip : row->clips()) {
+            const double left = scale.x_of(clip->secs_start());
+            const double right = scale.x_of(clip->secs_end());
+            if (right < 0 || left > width) continue;
+            const auto colour = clip->col();
+            const QColor fill = colour ? to_qt(*colour) : given;
+            painter.setPen(look.clip_edge(fill));
+            painter.setBrush(fill);
+            painter.drawRoundedRect(QRectF(left, y + 3, right - left, 24), 3, 3);
+        }
+        y += look.metrics.row_height;
+    }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(count, arguments);
+    use_theme(application, theme_choice::dark);
+    const auto folder = std::filesystem::temp_directory_path() / ("timeline_paint_" + new_uuid());
+    qt_run_loop loop;
+    {
+        // Written and read back: an edit of 100,000 clips is not what is measured here.
+        sxy_DATA_root made;
+        std::mt19937 random(7);
+        for (int row = 0; row < row_count; ++row) made.insert_row(made.rows().size(), make_row(row, random));
+        std::filesystem::create_directories(folder);
+        if (const auto saved = save_timeline(made.snapshot(), folder.string(), false, machine_files());
+            !saved) {
+            std::fprintf(stderr, "%s\n", saved.message().c_str());
+            return 1;
+        }
+    }
+    auto opened = timeline_document::open(folder.string(), loop);
+    if (!opened) {
+        std::fprintf(stderr, "%s\n", opened.message().c_str());
+        return 1;
+    }
+    timeline_document& document = *opened.value();
+    bench_transport playing;
+    timeline_state state;
+    state.set_timeline(&document, &playing);
+    timeline_canvas canvas(state, nullptr);
+    canvas.resize(width, theme::current().metrics.ruler_height + state.rows().total_height());
+    canvas.show();
+    QApplication::processEvents();
+    QImage image(canvas.size(), QImage::Format_RGB32);
+
+    std::printf("%zu clips in %zu rows, %d x %d pixels, milliseconds\n", document.timeline().clip_count(),
+                state.rows().size(), canvas.width(), canvas.height());
+    std::printf("%14s %8s %8s %12s %12s %8s\n", "pixels/second", "median", "p95", "wall median", "every clip",
+                "ratio");
+    const double fit = state.reach().fit_seconds_per_pixel();
+    for (const double seconds_per_pixel : {fit, 1.5, 0.6, 0.3, 0.1, 0.02}) {
+        state.set_scale({2000, seconds_per_pixel});
+        const spread ours = measure([&] { canvas.render(&image); });
+        const spread peer = measure([&] {
+            image.fill(theme::current().pane);
+            QPainter painter(&image);
+            paint_every_clip(painter, document, state.scale());
+        });
+        std::printf("%14.2f %8.2f %8.2f %12.2f %12.2f %8.2f\n", 1 / seconds_per_pixel, ours.median, ours.p95,
+                    ours.wall_median, peer.median, peer.median / ours.median);
+    }
+    const spread all_rows = measure([&] { state.refresh_marks(); });
+    std::printf("reading all rows anew %.2f, p95 %.2f\n", all_rows.median, all_rows.p95);
+    opened.value().reset();
+    std::filesystem::remove_all(folder);
+    return 0;
+}

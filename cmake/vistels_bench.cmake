@@ -1,0 +1,45 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# bench/NAME.cpp -> program bench_NAME; bench/shell/NAME.cpp -> bench_shell_NAME.
+# A benchmark has its own main or BENCHMARK_MAIN(). The peers it compares with are
+# linked when they are installed and announced as VISTELS_HAVE_<PEER>.
+
+find_package(benchmark REQUIRED)
+pkg_check_modules(vistels_mpv IMPORTED_TARGET mpv)
+pkg_check_modules(vistels_plist IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(vistels_sqlite IMPORTED_TARGET sqlite3)
+find_path(VISTELS_NLOHMANN_INCLUDE nlohmann/json.hpp)
+mark_as_advanced(VISTELS_NLOHMANN_INCLUDE)
+
+add_library(vistels_peers INTERFACE)
+target_link_libraries(vistels_peers INTERFACE benchmark::benchmark)
+foreach(peer mpv plist sqlite)
+    string(TOUPPER ${peer} peer_upper)
+    if(TARGET PkgConfig::vistels_${peer})
+        target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_${peer})
+        target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_${peer_upper}=1)
+    endif()
+endforeach()
+if(VISTELS_NLOHMANN_INCLUDE)
+    target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_NLOHMANN=1)
+endif()
+
+get_property(folders GLOBAL PROPERTY vistels_folders)
+list(REMOVE_ITEM folders shell cli)
+list(TRANSFORM folders PREPEND vistels_)
+
+file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/bench/*.cpp")
+foreach(source IN LISTS sources)
+    get_filename_component(stem "${source}" NAME_WE)
+    add_executable(bench_${stem} "${source}")
+    target_link_libraries(bench_${stem} PRIVATE ${folders} vistels_peers)
+endforeach()
+
+if(TARGET vistels_shell)
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/bench/shell/*.cpp")
+    foreach(source IN LISTS sources)
+        get_filename_component(stem "${source}" NAME_WE)
+        add_executable(bench_shell_${stem} "${source}")
+        set_target_properties(bench_shell_${stem} PROPERTIES AUTOMOC ON)
+        target_link_libraries(bench_shell_${stem} PRIVATE vistels_shell vistels_peers)
+    endforeach()
+endif()

@@ -1,0 +1,75 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# tests/<folder>/*.cpp    -> one GoogleTest program test_<folder>, linked to that folder's library
+# tests/cli/*_test.py     -> run with the path of vistels-cli in VISTELS_CLI
+# tests/structure/*_test.py -> run on the sources
+#
+# Golden files are found under VISTELS_GOLDEN_FOLDER, helpers are included as "support/name.h".
+
+find_package(GTest REQUIRED)
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+include(GoogleTest)
+
+set(test_root "${CMAKE_SOURCE_DIR}/tests")
+set(test_seconds 120)
+if(VISTELS_SANITIZE)
+    set(test_seconds 600)
+endif()
+set(test_environment "LC_ALL=C.UTF-8")
+
+function(vistels_folder_tests name)
+    file(GLOB sources CONFIGURE_DEPENDS "${test_root}/${name}/*.cpp")
+    if(name STREQUAL "media" AND NOT VISTELS_MEDIA)
+        list(FILTER sources INCLUDE REGEX "/(plain_[^/]*|[^/]*stub[^/]*)\\.cpp$")
+    endif()
+    if(NOT sources)
+        return()
+    endif()
+    set(program test_${name})
+    add_executable(${program} ${sources})
+    target_include_directories(${program} PRIVATE "${test_root}")
+    target_compile_definitions(${program} PRIVATE VISTELS_GOLDEN_FOLDER="${test_root}/golden"
+                               VISTELS_SOURCE_FOLDER="${CMAKE_SOURCE_DIR}")
+    target_link_libraries(${program} PRIVATE vistels_${name} GTest::gtest)
+    if(NOT "${test_root}/${name}/main.cpp" IN_LIST sources)
+        target_link_libraries(${program} PRIVATE GTest::gtest_main)
+    endif()
+    if(name STREQUAL "shell")
+        find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+        target_link_libraries(${program} PRIVATE Qt6::Test)
+        # Started through an environment that holds for listing the tests as well, not for running alone.
+        set_target_properties(${program} PROPERTIES AUTOMOC ON
+            CROSSCOMPILING_EMULATOR "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen")
+    endif()
+    gtest_discover_tests(${program} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
+                         DISCOVERY_TIMEOUT 60
+                         PROPERTIES TIMEOUT ${test_seconds} ENVIRONMENT ${test_environment})
+endfunction()
+
+get_property(folders GLOBAL PROPERTY vistels_folders)
+foreach(folder IN LISTS folders)
+    if(NOT folder STREQUAL "cli")
+        vistels_folder_tests(${folder})
+    endif()
+endforeach()
+
+# vistels_script_tests(FOLDER variable=value...)
+function(vistels_script_tests folder)
+    file(GLOB scripts CONFIGURE_DEPENDS "${test_root}/${folder}/*_test.py")
+    foreach(script IN LISTS scripts)
+        get_filename_component(stem "${script}" NAME_WE)
+        add_test(NAME ${folder}.${stem} COMMAND Python3::Interpreter -B "${script}")
+        set_tests_properties(${folder}.${stem} PROPERTIES TIMEOUT 300
+                             ENVIRONMENT "${test_environment};${ARGN}")
+    endforeach()
+endfunction()
+
+vistels_script_tests(structure)
+if(TARGET vistels-cli)
+    if(VISTELS_MEDIA)
+        set(have_media 1)
+    else()
+        set(have_media 0)
+    endif()
+    vistels_script_tests(cli "VISTELS_CLI=$<TARGET_FILE:vistels-cli>" "VISTELS_HAVE_MEDIA=${have_media}"
+                         "VISTELS_GOLDEN_FOLDER=${test_root}/golden")
+endif()

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/places.h"
+#include "app/undo_stack.h"
+#include "timeline/timeline_document.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+#include "video/video_collection_ROOT.h"
+
+namespace vistels {
+
+class press_engine;
+class synchronised_playback;
+
+// One open collection with everything that belongs to it: its record, its timeline, its code window, the
+// playback of its vistels and the undo history of its timeline. Main thread.
+class open_event {
+  public:
+    // Opens the collection in `folder`. A vistel or a code window that cannot be read does not keep the rest
+    // from opening: it is told in messages(). A damaged collection record or timeline is an error that names
+    // the file. A collection without a code window gets a general one. Playback stands at the stored movie
+    // time. `loop` must outlive the event.
+    static result<std::unique_ptr<open_event>> open(const std::string& folder, const home_places& places,
+                                                    run_loop& loop);
+    // Closes: releases the buttons that are down, saves the timeline and the movie time.
+    ~open_event();
+    open_event(const open_event&) = delete;
+    open_event& operator=(const open_event&) = delete;
+
+    const std::string& folder() const { return folder_; }
+    const video_collection_ROOT& collection() const { return collection_; }
+    timeline_document& timeline() { return *timeline_; }
+    press_engine& logger() { return *logger_; }
+    synchronised_playback& playback() { return *playback_; }
+    undo_stack& undo() { return *undo_; }
+
+    // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
+    const std::vector<std::string>& messages() const { return messages_; }
+    // Edits that the journal brought back when the timeline was opened.
+    std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
+
+    // Seconds on the collection's clock between which there is a picture of any vistel.
+    double start_seconds() const;
+    double end_seconds() const;
+
+    // Why a vistel, or the movie part at the present time, cannot be shown; empty when all is well.
+    std::string problem(const std::string& vistel) const;
+
+    // Each changes the collection, brings playback into step and saves. `vistel` is a UUID.
+    result<void> set_offset(const std::string& vistel, double seconds);
+    result<void> set_sound_vistel(const std::string& vistel);
+    // From 0 to 1, below the application's volume; saved with the next change, or on closing.
+    result<void> set_volume(double volume);
+    // The enlarged vistel; an empty text: none. Saved with the next change, or on closing.
+    void set_enlarged(const std::string& vistel);
+    std::string enlarged() const;
+
+    // Saves the collection record with the present movie time.
+    result<void> save_collection();
+    // Saves the timeline and waits for it, then the collection.
+    result<void> save_all();
+
+    // The collection record changed.
+    signal<> collection_changed;
+
+  private:
+    open_event(std::string folder, home_places places, run_loop& loop);
+    result<void> load();
+    result<void> open_timeline();
+    void open_code_window();
+    void link_records();
+    void feed_playback();
+    void feed_volume();
+    double movie_time_to_restore() const;
+    result<void> save_changed_collection();
+    void follow_presses();
+    void tick();
+
+    const std::string folder_;
+    const home_places places_;
+    run_loop& loop_;
+    video_collection_ROOT collection_;
+    property_dictionary saved_record_;  // as written last, without its time
+    std::vector<std::string> messages_;
+    std::unique_ptr<timeline_document> timeline_;
+    std::unique_ptr<synchronised_playback> playback_;
+    std::unique_ptr<press_engine> logger_;
+    std::unique_ptr<undo_stack> undo_;
+    std::optional<run_loop::timer_id> tick_timer_;
+    connection edited_;
+    connection fired_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <memory>
+
+#include "cli/collection_playback.h"
+#include "cli/commands.h"
+#include "timeline/writer_lock.h"
+#include "util/file_system.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+#include "video/video_coll_Offsets.h"
+
+namespace vistels {
+
+namespace {
+
+property_array parts_of(const single_Vistel_CTR& vistel) {
+    const auto parts = vistel.parts();
+    const auto starts = parts.starts();
+    property_array printed;
+    for (std::size_t index = 0; index < starts.size(); ++index) {
+        const auto& part = parts.parts[index];
+        property_dictionary one;
+        one.add("file", part.path.empty() ? property_value() : property_value(absolute_path(part.path)));
+        one.add("gap_before", part.gap_before);
+        one.add("part_duration", part.part_duration);
+        one.add("start", starts[index]);
+        printed.emplace_back(std::move(one));
+    }
+    return printed;
+}
+
+property_dictionary vistel_document(const single_Vistel_CTR& vistel,
+                                    const std::vector<vistel_offset>& items) {
+    property_dictionary one;
+    one.add("uuid", vistel.uuid());
+    one.add("number", vistel.number());
+    one.add("name", vistel.name());
+    one.add("offset", vistel.manual_start_offset().value_or(0));
+    one.add("lead_clips", lead_for_clips(items, {vistel.number(), vistel.manual_start_offset()}));
+    one.add("lead_composer", lead_for_composer(items, vistel.number()));
+    one.add("duration", vistel.parts().duration());
+    one.add("parts", parts_of(vistel));
+    if (!vistel.problem().empty()) one.add("problem", vistel.problem());
+    return one;
+}
+
+property_dictionary collection_document(const video_collection_ROOT& collection) {
+    const auto items = offsets_of(collection);
+    property_dictionary printed;
+    printed.add("uuid", collection.uuid());
+    printed.add("coll_id", collection.quick_number());
+    printed.add("name", collection.name());
+    printed.add("state", video_type_state_text(collection.state()));
+    printed.add("movie_time", collection.movie_time());
+    printed.add("largest_offset_clips", largest_offset_for_clips(items));
+    printed.add("largest_offset_composer", largest_offset_for_composer(items));
+    property_array vistels;
+    for (const auto& vistel : collection.vistels()) vistels.emplace_back(vistel_document(*vistel, items));
+    printed.add("vistels", std::move(vistels));
+    return printed;
+}
+
+result<command_outcome> show(const std::string& folder, const home_places& places) {
+    const auto loaded = load_collection(folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    return command_outcome{collection_document(loaded.value().collection)};
+}
+
+struct new_values {
+    std::string folder, name;
+    std::vector<std::string> movies;
+    bool append = false;
+};
+
+result<command_outcome> make_new(const new_values& values, command_line& line) {
+    const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
+    const auto made = new_collection(values.folder, values.name, values.movies, how, line.long_work());
+    if (!made) return made.error();
+    return show(values.folder, line.places());
+}
+
+result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const video_collection_ROOT& collection,
+                                                     const std::string& folder, const std::string& name) {
+    auto vistel = collection.find_vistel(name);
+    if (!vistel) return failure{"The collection \"" + folder + "\" has no vistel \"" + name + "\"."};
+    return vistel;
+}
+
+struct vistel_values {
+    std::string folder, vistel;
+    double first = 0;
+    double second = 0;
+};
+
+result<command_outcome> set_offset(const vistel_values& values, const home_places& places) {
+    auto loaded = load_collection(values.folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    auto& collection = loaded.value().collection;
+    const auto vistel = vistel_of(collection, values.folder, values.vistel);
+    if (!vistel) return vistel.error();
+    const auto lock = writer_lock::take(values.folder);
+    if (!lock) return lock.error();
+    vistel.value()->set_manual_start_offset(values.first);
+    if (auto saved = save_collection(collection, values.folder); !saved) return saved.error();
+    return show(values.folder, places);
+}
+
+result<command_outcome> range(const vistel_values& values, const home_places& places) {
+    const auto loaded = load_collection(values.folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    const auto& collection = loaded.value().collection;
+    const auto vistel = vistel_of(collection, values.folder, values.vistel);
+    if (!vistel) return vistel.error();
+    const auto& chosen = *vistel.value();
+    const double lead =
+        lead_for_clips(offsets_of(collection), {chosen.number(), chosen.manual_start_offset()});
+    const auto source = source_range_of(values.first, values.second, lead, chosen.parts().duration());
+    property_dictionary printed;
+    printed.add("from", source.from);
+    printed.add("seconds", source.seconds);
+    printed.add("from_600", source.from_600);
+    printed.add("duration_600", source.duration_600);
+    return command_outcome{std::move(printed)};
+}
+
+void register_new_and_show(CLI::App& collection, command_line& line) {
+    const auto made = std::make_shared<new_values>();
+    CLI::App* command = line.command(collection, "new", "make a collection of movies",
+                                     [made, &line] { return make_new(*made, line); });
+    command->add_option("FOLDER", made->folder, "folder to make")->required();
+    command->add_option("--name", made->name, "the collection's name")->required();
+    command->add_option("MOVIE", made->movies, "movie files, one vistel for each")->required();
+    command->add_flag("--append", made->append, "one vistel of all movies, one after another");
+
+    const auto folder = std::make_shared<std::string>();
+    command = line.command(collection, "show", "load a collection",
+                           [folder, &line] { return show(*folder, line.places()); });
+    command->add_option("FOLDER", *folder, "the collection's folder")->required();
+}
+
+void register_offset_and_range(CLI::App& collection, command_line& line) {
+    const auto offset = std::make_shared<vistel_values>();
+    CLI::App* command = line.command(collection, "offset", "set a vistel's start offset",
+                                     [offset, &line] { return set_offset(*offset, line.places()); });
+    command->add_option("FOLDER", offset->folder, "the collection's folder")->required();
+    command->add_option("VISTEL", offset->vistel, "UUID or number of the vistel")->required();
+    add_number(command, "SECONDS", offset->first, "its start offset")->required();
+
+    const auto clip = std::make_shared<vistel_values>();
+    command = line.command(collection, "range", "what a clip shows of a vistel's movie",
+                           [clip, &line] { return range(*clip, line.places()); });
+    command->add_option("FOLDER", clip->folder, "the collection's folder")->required();
+    command->add_option("VISTEL", clip->vistel, "UUID or number of the vistel")->required();
+    add_number(command, "START", clip->first, "start of the clip, collection time")->required();
+    add_number(command, "END", clip->second, "its end")->required();
+}
+
+}  // namespace
+
+void register_collection_commands(CLI::App& program, command_line& line) {
+    CLI::App* collection = line.group(program, "collection", "make, show and play collections");
+    register_new_and_show(*collection, line);
+    register_offset_and_range(*collection, line);
+    register_collection_playback(*collection, line);
+}
+
+}  // namespace vistels

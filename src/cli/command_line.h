@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "app/places.h"
+#include "util/job.h"
+#include "util/property_value.h"
+#include "util/result.h"
+
+namespace vistels {
+
+// What a command prints on standard output as JSON, and the exit status.
+struct command_outcome {
+    property_value printed;
+    int exit_status = 0;
+};
+
+// The command line while it is parsed: commands are registered, the one that was chosen is run. Main thread.
+class command_line {
+  public:
+    using work = std::function<result<command_outcome>()>;
+
+    // `on_progress` gets the progress of long work (0 to 1).
+    explicit command_line(std::function<void(double)> on_progress) : job_(std::move(on_progress)) {}
+
+    // A command that holds commands: exactly one must follow.
+    CLI::App* group(CLI::App& above, const std::string& name, const std::string& description);
+    // A command that is run by `run` when it is chosen. The values that its options are bound to must live as
+    // long as `run` does.
+    CLI::App* command(CLI::App& above, const std::string& name, const std::string& description, work run);
+
+    const work& chosen() const { return chosen_; }
+    home_places places() const { return find_home_places(home_); }
+    // Cancelled by Ctrl-C.
+    job& long_work() { return job_; }
+    std::string& home() { return home_; }
+
+  private:
+    std::string home_;
+    job job_;
+    work chosen_;
+};
+
+// A number of seconds or the like, taken as it stands ("-3", "-.5"); one that is not finite is wrong usage.
+CLI::Option* add_number(CLI::App* command, const std::string& name, double& number,
+                        const std::string& description);
+
+// "1,2.5,-3" as numbers; a failure names what is no number.
+result<std::vector<double>> numbers_from_list(const std::string& text);
+// "a,b" as texts, without empty ones.
+std::vector<std::string> texts_from_list(const std::string& text);
+
+}  // namespace vistels

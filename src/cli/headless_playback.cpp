@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/headless_playback.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "video/video_coll_LOAD.h"
+#include "video/video_coll_Playback.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double longest_wait_seconds = 60;
+constexpr int largest_side = 3840;
+constexpr int bytes_a_pixel = 4;
+
+// Whole pixels of a side; even, as most formats want it.
+int whole_side(double pixels) {
+    return std::clamp(static_cast<int>(std::lround(pixels / 2)) * 2, 2, largest_side);
+}
+
+picture black_picture(int width, int height) {
+    constexpr int row_alignment = 64;
+    picture black;
+    black.width = width;
+    black.height = height;
+    black.stride = (width * bytes_a_pixel + row_alignment - 1) / row_alignment * row_alignment;
+    black.bytes.assign(static_cast<std::size_t>(black.stride) * static_cast<std::size_t>(height), 0);
+    for (std::size_t alpha = 3; alpha < black.bytes.size(); alpha += bytes_a_pixel) black.bytes[alpha] = 255;
+    return black;
+}
+
+// What fits of `shown` with its upper left corner at (left, top).
+void paint(picture& on, const picture& shown, int left, int top) {
+    const int width = std::min(shown.width, on.width - left);
+    const int height = std::min(shown.height, on.height - top);
+    if (width <= 0) return;
+    for (int y = 0; y < height; ++y) {
+        auto* to = on.bytes.data() + static_cast<std::ptrdiff_t>(top + y) * on.stride + left * bytes_a_pixel;
+        std::memcpy(to, shown.row(y), static_cast<std::size_t>(width) * bytes_a_pixel);
+    }
+}
+
+}  // namespace
+
+result<void> headless_playback::open(const std::string& folder, const home_places& places,
+                                     const std::string& vistel) {
+    auto loaded = load_collection(folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    folder_ = folder;
+    collection_ = std::move(loaded.value().collection);
+    played_ = playback_vistels_of(collection_);
+    if (!vistel.empty()) {
+        const auto chosen = collection_.find_vistel(vistel);
+        if (!chosen) return failure{"The collection \"" + folder + "\" has no vistel \"" + vistel + "\"."};
+        std::erase_if(played_, [&](const auto& one) { return one.uuid != chosen->uuid(); });
+    }
+    if (played_.empty()) return failure{"The collection \"" + folder + "\" has no vistels."};
+    playback_.set_volume(0);
+    playback_.set_vistels(played_);
+    if (auto settled = seek(collection_.movie_time()); !settled) return settled;
+    std::string first_problem;
+    for (const auto& one : played_) {
+        const std::string text = problem(one.uuid);
+        if (text.empty()) return {};
+        if (first_problem.empty()) first_problem = text;
+    }
+    return failure{"No vistel of \"" + folder + "\" can be shown: " + first_problem};
+}
+
+void headless_playback::set_view_sizes(int width, int height) {
+    for (const auto& vistel : played_) playback_.set_view_size(vistel.uuid, width, height);
+}
+
+result<void> headless_playback::seek(double collection_seconds) {
+    bool done = false;
+    playback_.seek(collection_seconds, [&done] { done = true; });
+    const bool settled = loop_.run_until([&] { return done || work_.is_cancelled(); }, longest_wait_seconds);
+    if (work_.is_cancelled()) return failure{"Seeking in \"" + folder_ + "\" was cancelled."};
+    if (!settled) return failure{"The vistels of \"" + folder_ + "\" did not show their frames in time."};
+    return {};
+}
+
+void headless_playback::run(double seconds, const std::function<bool()>& done) {
+    loop_.run_until([&] { return work_.is_cancelled() || done(); }, seconds);
+}
+
+std::optional<double> headless_playback::frame_time(const std::string& vistel) const {
+    return playback_.state(vistel) == vistel_state::showing ? playback_.picture_seconds(vistel)
+                                                            : std::nullopt;
+}
+
+std::string headless_playback::problem(const std::string& vistel) const {
+    const std::string from_playback = playback_.problem(vistel);
+    return from_playback.empty() ? collection_.find_vistel(vistel)->problem() : from_playback;
+}
+
+rectangle headless_playback::frame_of(const std::string& vistel) const {
+    if (played_.size() == 1) return {0, 0, 1, 1};
+    return collection_.find_vistel(vistel)->proportion_rect().value_or(rectangle{0, 0, 1, 1});
+}
+
+result<picture> headless_playback::compose() {
+    // As large as the movies are, so that none is enlarged.
+    double width = 0;
+    double height = 0;
+    for (const auto& vistel : played_) {
+        const auto shown = playback_.picture(vistel.uuid);
+        const auto frame = frame_of(vistel.uuid);
+        if (!shown || !(frame.width > 0) || !(frame.height > 0)) continue;
+        width = std::max(width, shown->width / frame.width);
+        height = std::max(height, shown->height / frame.height);
+    }
+    if (width <= 0 || height <= 0) {
+        constexpr int plain_width = 1280;
+        constexpr int plain_height = 720;
+        return black_picture(plain_width, plain_height);
+    }
+    const double shrink = std::min({1.0, largest_side / width, largest_side / height});
+    picture composed = black_picture(whole_side(width * shrink), whole_side(height * shrink));
+    for (const auto& vistel : played_) {
+        const auto shown = playback_.picture(vistel.uuid);
+        if (!shown) continue;
+        const auto frame = frame_of(vistel.uuid);
+        const double scale = std::min(frame.width * composed.width / shown->width,
+                                      frame.height * composed.height / shown->height);
+        playback_.set_view_size(vistel.uuid, whole_side(shown->width * scale),
+                                whole_side(shown->height * scale));
+    }
+    if (auto settled = seek(playback_.collection_time()); !settled) return settled.error();
+    for (const auto& vistel : played_) {
+        const auto shown = playback_.picture(vistel.uuid);
+        if (!shown) continue;
+        const auto frame = frame_of(vistel.uuid);
+        const double left = frame.x * composed.width + (frame.width * composed.width - shown->width) / 2;
+        const double top = frame.y * composed.height + (frame.height * composed.height - shown->height) / 2;
+        paint(composed, *shown, static_cast<int>(std::max(left, 0.0)), static_cast<int>(std::max(top, 0.0)));
+    }
+    return composed;
+}
+
+}  // namespace vistels

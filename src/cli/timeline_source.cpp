@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/timeline_source.h"
+
+#include <algorithm>
+
+#include "timeline/timeline_edit.h"
+#include "timeline/timeline_journal.h"
+#include "util/file_system.h"
+
+namespace vistels {
+
+namespace {
+
+// An edit that does not fit is passed over, as when the application opens the timeline.
+void replay(sxy_DATA_root& timeline, const journal_content& journal) {
+    change_set touched;
+    (void)apply_edit(timeline, journal.base.growing, touched);
+    for (const auto& edit : journal.edits) (void)apply_edit(timeline, edit, touched);
+    timeline_edit finish;
+    for (const auto& place : timeline.live_clips()) {
+        const double start = place.clip->secs_start();
+        const double end = std::max({start, place.clip->secs_end(), journal.last_time.value_or(start)});
+        finish.operations.emplace_back(operation::finish_clip{place.clip->id(), start, end});
+    }
+    (void)apply_edit(timeline, finish, touched);
+}
+
+}  // namespace
+
+result<loaded_timeline> read_source(const std::string& source) {
+    if (!is_folder(source)) return load_timeline(source);
+    const std::string path = path_join(source, timeline_file_name);
+    loaded_timeline loaded;
+    file_content_mark mark;
+    if (file_exists(path)) {
+        const auto bytes = read_file(path);
+        if (!bytes) return bytes.error();
+        mark = content_mark_of(bytes.value());
+    }
+    const auto journal = read_journal(source, mark);
+    const bool has_edits = !journal.edits.empty() || !journal.base.growing.operations.empty();
+    if (file_exists(path) || !has_edits) {
+        auto from_file = load_timeline(source);
+        if (!from_file) return from_file;
+        loaded = std::move(from_file).value();
+    }
+    if (!has_edits) return loaded;
+    sxy_DATA_root timeline(std::move(loaded.content));
+    replay(timeline, journal);
+    loaded.content = timeline.snapshot();
+    return loaded;
+}
+
+}  // namespace vistels

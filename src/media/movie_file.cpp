@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/movie_file.h"
+
+#include <sys/stat.h>
+
+#include <cmath>
+
+namespace vistels {
+
+namespace {
+
+constexpr const char* could_not_open = "Could not open the movie";
+
+int rotation_of(const AVStream& stream) {
+    const auto* matrix = reinterpret_cast<const std::int32_t*>(
+        av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
+    if (matrix == nullptr) return 0;
+    const double degrees = av_display_rotation_get(matrix);  // anticlockwise, NaN when it makes no sense
+    if (!std::isfinite(degrees)) return 0;
+    const int quarters = static_cast<int>(std::lround(-degrees / 90)) % 4;
+    return (quarters + 4) % 4 * 90;
+}
+
+double duration_of(const AVFormatContext& format, const AVStream* stream) {
+    if (stream != nullptr && stream->duration > 0) {
+        return static_cast<double>(stream->duration) * seconds_of(stream->time_base);
+    }
+    return format.duration > 0 ? static_cast<double>(format.duration) / AV_TIME_BASE : 0;
+}
+
+movie_information information_of(const AVFormatContext& format, const AVStream* video,
+                                 const AVStream* sound) {
+    movie_information known;
+    known.tracks = static_cast<int>(format.nb_streams);
+    known.duration = duration_of(format, video != nullptr ? video : sound);
+    known.data_rate = static_cast<double>(format.bit_rate);
+    if (video != nullptr) {
+        known.has_video = true;
+        known.rotation = rotation_of(*video);
+        const bool lies = known.rotation % 180 != 0;
+        known.width = lies ? video->codecpar->height : video->codecpar->width;
+        known.height = lies ? video->codecpar->width : video->codecpar->height;
+        known.frame_rate = seconds_of(video->avg_frame_rate);
+        known.video_codec = avcodec_get_name(video->codecpar->codec_id);
+    }
+    if (sound != nullptr) {
+        known.has_sound = true;
+        known.sound_codec = avcodec_get_name(sound->codecpar->codec_id);
+        known.sound_rate = sound->codecpar->sample_rate;
+        known.sound_channels = sound->codecpar->ch_layout.nb_channels;
+    }
+    return known;
+}
+
+AVStream* best_stream(AVFormatContext& format, AVMediaType kind) {
+    const int index = av_find_best_stream(&format, kind, -1, -1, nullptr, 0);
+    if (index < 0) return nullptr;
+    AVStream* const stream = format.streams[index];
+    return (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 ? nullptr : stream;
+}
+
+}  // namespace
+
+int movie_file::is_late(void* self) {
+    return std::chrono::steady_clock::now() > static_cast<movie_file*>(self)->deadline_ ? 1 : 0;
+}
+
+result<std::unique_ptr<movie_file>> movie_file::open(const std::string& path) {
+    silence_ffmpeg();
+    // A pipe or a device could keep the opening call waiting for ever.
+    struct stat about {};
+    if (stat(path.c_str(), &about) != 0) return ffmpeg_failure(could_not_open, path, AVERROR(errno));
+    if (!S_ISREG(about.st_mode)) {
+        return failure{std::string(could_not_open) + " “" + path + "”: it is not a file"};
+    }
+    // What is wrong with a movie is told in results, not on standard error.
+    av_log_set_level(AV_LOG_QUIET);
+    auto made = std::make_unique<movie_file>();
+    made->path_ = path;
+    made->limit_ = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+        std::chrono::duration<double>(read_limit_seconds));
+    made->start_limit();
+    AVFormatContext* format = avformat_alloc_context();
+    if (format == nullptr) return ffmpeg_failure(could_not_open, path, AVERROR(ENOMEM));
+    format->interrupt_callback = {&movie_file::is_late, made.get()};
+    // A movie's text must not send the reader to other files or to the network.
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "protocol_whitelist", "file", 0);
+    int error = avformat_open_input(&format, ("file:" + path).c_str(), nullptr, &options);
+    av_dict_free(&options);
+    if (error < 0) return ffmpeg_failure(could_not_open, path, error);
+    made->format_.reset(format);
+    error = avformat_find_stream_info(format, nullptr);
+    if (error < 0) return ffmpeg_failure(could_not_open, path, error);
+    made->video_ = best_stream(*format, AVMEDIA_TYPE_VIDEO);
+    made->sound_ = best_stream(*format, AVMEDIA_TYPE_AUDIO);
+    if (made->video_ == nullptr && made->sound_ == nullptr) {
+        return failure{std::string(could_not_open) + " “" + path + "”: it holds neither pictures nor sound"};
+    }
+    made->information_ = information_of(*format, made->video_, made->sound_);
+    return made;
+}
+
+int movie_file::read(AVPacket& packet) {
+    start_limit();
+    return av_read_frame(format_.get(), &packet);
+}
+
+int movie_file::seek(const AVStream& stream, std::int64_t stamp) {
+    start_limit();
+    return av_seek_frame(format_.get(), stream.index, stamp, AVSEEK_FLAG_BACKWARD);
+}
+
+result<ffmpeg_owner<AVCodecContext>> movie_file::open_decoder(const AVStream& stream, int threads) const {
+    const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    if (codec == nullptr) return ffmpeg_failure(could_not_open, path_, AVERROR_DECODER_NOT_FOUND);
+    ffmpeg_owner<AVCodecContext> decoder(avcodec_alloc_context3(codec));
+    if (!decoder) return ffmpeg_failure(could_not_open, path_, AVERROR(ENOMEM));
+    if (const int error = avcodec_parameters_to_context(decoder.get(), stream.codecpar); error < 0) {
+        return ffmpeg_failure(could_not_open, path_, error);
+    }
+    decoder->pkt_timebase = stream.time_base;
+    decoder->thread_count = threads;
+    if (const int error = avcodec_open2(decoder.get(), codec, nullptr); error < 0) {
+        return ffmpeg_failure(could_not_open, path_, error);
+    }
+    return decoder;
+}
+
+result<movie_information> probe_movie(const std::string& path) {
+    auto opened = movie_file::open(path);
+    if (!opened.ok()) return opened.error();
+    return opened.value()->information();
+}
+
+}  // namespace vistels

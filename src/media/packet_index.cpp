@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/packet_index.h"
+
+#include <algorithm>
+
+#include "media/movie_file.h"
+
+namespace vistels {
+
+result<packet_index> read_packet_index(const std::string& path) {
+    auto opened = movie_file::open(path);
+    if (!opened.ok()) return opened.error();
+    movie_file& file = *opened.value();
+    if (file.video() == nullptr) return failure{"The movie “" + path + "” holds no pictures"};
+    packet_index made;
+    made.seconds_per_tick = seconds_of(file.video()->time_base);
+    const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
+    int error = 0;
+    while ((error = file.read(*packet)) >= 0) {
+        const bool is_shown = packet->stream_index == file.video()->index && packet->pts != AV_NOPTS_VALUE &&
+                              (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
+        if (is_shown) made.stamps.push_back(packet->pts);
+        av_packet_unref(packet.get());
+    }
+    if (error != AVERROR_EOF) return ffmpeg_failure("Could not read the movie", path, error);
+    if (made.stamps.empty()) return failure{"The movie “" + path + "” holds no pictures"};
+    std::sort(made.stamps.begin(), made.stamps.end());
+    const std::int64_t first = made.stamps.front();
+    for (auto& stamp : made.stamps) stamp -= first;
+    return made;
+}
+
+}  // namespace vistels

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "util/result.h"
+
+namespace vistels {
+
+// One frame of a movie, ready to be painted: rows from the top, 4 bytes a pixel in the order B, G, R, 255.
+// Does not change once it is handed out.
+struct picture {
+    int width = 0;
+    int height = 0;
+    int stride = 0;                   // bytes from one row to the next, a multiple of 64
+    std::vector<std::uint8_t> bytes;  // stride * height
+    double time = 0;                  // seconds from the movie's first frame to this one
+    double until = 0;                 // ... and to the next one, or to the movie's end
+    std::int64_t stamp = 0;           // `time` and `until` in the stream's time base
+    std::int64_t until_stamp = 0;
+    bool last = false;    // no frame comes after it
+    bool sparse = false;  // frames between this one and the next were passed over: the next one may be nearer
+
+    const std::uint8_t* row(int y) const {
+        return bytes.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(stride);
+    }
+};
+
+using picture_pointer = std::shared_ptr<const picture>;
+
+// Keeps the memory of pictures that were let go for the next ones of the same size. Any thread.
+class picture_pool {
+  public:
+    picture_pool();
+    // A picture of that size whose pixels are not set yet; it may outlive the pool.
+    std::shared_ptr<picture> make(int width, int height);
+
+  private:
+    struct shelf;
+    std::shared_ptr<shelf> shelf_;
+};
+
+// Writes a picture as a PNG file. Fails when built without media.
+result<void> write_png(const picture& shown, const std::string& path);
+
+}  // namespace vistels

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "media/picture_scaler.h"
+
+#include "media/halve_picture.h"
+
+namespace vistels {
+
+namespace {
+
+bool is_bt709(const AVFrame& frame) {
+    if (frame.colorspace == AVCOL_SPC_BT709) return true;
+    // Movies that do not say: as everyone does, by size.
+    return frame.colorspace == AVCOL_SPC_UNSPECIFIED && frame.height >= 720;
+}
+
+bool is_full_range(const AVFrame& frame) {
+    return frame.color_range == AVCOL_RANGE_JPEG || frame.format == AV_PIX_FMT_YUVJ420P;
+}
+
+bool can_halve(const AVFrame& frame, int width, int height) {
+    return (frame.format == AV_PIX_FMT_YUV420P || frame.format == AV_PIX_FMT_YUVJ420P) &&
+           frame.width == 2 * width && frame.height == 2 * height;
+}
+
+void halve(const AVFrame& frame, picture& to) {
+    const colour_weights weights = weights_for(is_bt709(frame), is_full_range(frame));
+    for (int y = 0; y < to.height; ++y) {
+        const std::uint8_t* luma = frame.data[0] + static_cast<std::ptrdiff_t>(2 * y) * frame.linesize[0];
+        halve_row(to.bytes.data() + static_cast<std::ptrdiff_t>(y) * to.stride, to.width, luma,
+                  luma + frame.linesize[0],
+                  frame.data[1] + static_cast<std::ptrdiff_t>(y) * frame.linesize[1],
+                  frame.data[2] + static_cast<std::ptrdiff_t>(y) * frame.linesize[2], weights);
+    }
+}
+
+void turn(const picture& from, picture& to, int rotation) {
+    for (int y = 0; y < to.height; ++y) {
+        std::uint8_t* out = to.bytes.data() + static_cast<std::ptrdiff_t>(y) * to.stride;
+        for (int x = 0; x < to.width; ++x, out += 4) {
+            int from_x = from.width - 1 - x;  // 180
+            int from_y = from.height - 1 - y;
+            if (rotation == 90) {
+                from_x = y;
+                from_y = from.height - 1 - x;
+            } else if (rotation == 270) {
+                from_x = from.width - 1 - y;
+                from_y = x;
+            }
+            const std::uint8_t* pixel = from.row(from_y) + static_cast<std::ptrdiff_t>(from_x) * 4;
+            for (int byte = 0; byte < 4; ++byte) out[byte] = pixel[byte];
+        }
+    }
+}
+
+}  // namespace
+
+result<std::shared_ptr<picture>> picture_scaler::scale(const AVFrame& frame, int width, int height,
+                                                       int rotation) {
+    const bool lies = rotation == 90 || rotation == 270;
+    const int own_width = lies ? height : width;
+    const int own_height = lies ? width : height;
+    auto made = (rotation == 0 ? pool_ : turned_pool_).make(own_width, own_height);
+    if (can_halve(frame, own_width, own_height)) {
+        halve(frame, *made);
+    } else {
+        const auto format = static_cast<AVPixelFormat>(frame.format);
+        SwsContext* const context =
+            sws_getCachedContext(context_.release(), frame.width, frame.height, format, own_width, own_height,
+                                 AV_PIX_FMT_BGRA, SWS_FAST_BILINEAR, nullptr, nullptr, nullptr);
+        context_.reset(context);
+        if (context == nullptr) return failure{"pictures of this kind cannot be shown"};
+        const int* weights = sws_getCoefficients(is_bt709(frame) ? SWS_CS_ITU709 : SWS_CS_ITU601);
+        sws_setColorspaceDetails(context, weights, is_full_range(frame) ? 1 : 0, weights, 1, 0, 1 << 16,
+                                 1 << 16);
+        std::uint8_t* rows[4] = {made->bytes.data(), nullptr, nullptr, nullptr};
+        const int strides[4] = {made->stride, 0, 0, 0};
+        sws_scale(context, frame.data, frame.linesize, 0, frame.height, rows, strides);
+    }
+    if (rotation == 0) return made;
+    auto turned = pool_.make(width, height);
+    turn(*made, *turned, rotation);
+    return turned;
+}
+
+}  // namespace vistels

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/event_opener.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+
+#include "app/vaults.h"
+#include "shell/event_session.h"
+#include "shell/long_work.h"
+#include "util/file_system.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+#if VISTELS_HAVE_MEDIA
+#include "demo/demo_event.h"
+#endif
+
+namespace vistels {
+
+event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session)
+    : window_(window), places_(std::move(places)), loop_(loop), session_(session) {}
+
+event_opener::~event_opener() = default;
+
+void event_opener::open(const opening& what) {
+    switch (what.what) {
+        case opening::kind::nothing:
+            return;
+        case opening::kind::collection:
+            if (const std::string vault = vault_of(what.folder); !vault.empty()) remember_vault(vault);
+            return open_folder(what.folder);
+        case opening::kind::vault:
+            return open_vault(what.folder);
+        case opening::kind::movies:
+            return make_collection(what.movies);
+    }
+}
+
+void event_opener::open_paths(const std::vector<std::string>& paths) {
+    const auto what = what_to_open(paths);
+    if (what) return open(what.value());
+    tell_failure(tr("This can't be opened"), what.message());
+    Q_EMIT settled();
+}
+
+void event_opener::open_folder(const std::string& folder) {
+    if (const auto done = session_.open(folder, places_); !done) {
+        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
+                     done.message());
+    }
+    Q_EMIT settled();
+}
+
+void event_opener::remember_vault(const std::string& vault) {
+    if (const auto added = add_known_vault(places_, vault); !added) {
+        tell_failure(tr("The vault is not remembered"), added.message());
+    }
+    Q_EMIT content_changed();
+}
+
+void event_opener::open_vault(const std::string& vault) {
+    remember_vault(vault);
+    const std::string first = first_collection_in(vault);
+    if (!first.empty()) return open_folder(first);
+    Q_EMIT told({user_message::tone::warning,
+                 tr("“%1” holds no collection yet").arg(QString::fromStdString(path_name(vault))),
+                 tr("Make one from movies: File, New Collection from Movies."),
+                 {},
+                 {}});
+    Q_EMIT settled();
+}
+
+void event_opener::open_last_or_demo(const std::string& open_last) {
+    const std::string folder = collection_to_reopen(places_, open_last);
+    if (!folder.empty()) return open_folder(folder);
+    make_demo();
+}
+
+void event_opener::make_demo() {
+#if VISTELS_HAVE_MEDIA
+    const auto does = [vault = places_.home_vault](job& work) -> result<std::string> {
+        auto made = make_demo_collection(vault, demo_options(), work);
+        if (!made) return made.error();
+        return made.value().collection;
+    };
+    run(tr("Making a demo event"),
+        tr("Four cameras film a small game of one minute, and the game is coded. This is done once and takes "
+           "about "
+           "a minute."),
+        true, does, tr("The demo event could not be made"));
+#else
+    Q_EMIT settled();
+#endif
+}
+
+void event_opener::make_collection(const std::vector<std::string>& movies) {
+    const std::string name = name_from_movies(movies);
+    const std::string folder = new_collection_folder(places_.home_vault, name);
+    const auto does = [folder, name, movies](job& work) -> result<std::string> {
+        if (const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work); !made) {
+            return made.error();
+        }
+        return folder;
+    };
+    run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),
+        tr("The movies are brought into the home vault."), false, does,
+        tr("The collection could not be made"));
+}
+
+void event_opener::run(const QString& title, const QString& words, bool at_once,
+                       std::function<result<std::string>(job&)> does, const QString& failed) {
+    work_ = std::make_unique<long_work>(title, words, loop_, &window_);
+    if (at_once) work_->show_now();
+    work_->start(std::move(does), [this, failed](const result<std::string>& outcome, bool cancelled) {
+        // This runs in the work's own window, which goes when the loop is next at rest.
+        work_.release()->deleteLater();
+        Q_EMIT content_changed();
+        if (outcome) return open_folder(outcome.value());
+        if (!cancelled) tell_failure(failed, outcome.message());
+        Q_EMIT settled();
+    });
+}
+
+void event_opener::tell_failure(const QString& headline, const std::string& message) {
+    Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(message), {}, {}});
+}
+
+void event_opener::ask_new_collection() {
+    const QStringList chosen = QFileDialog::getOpenFileNames(
+        &window_, tr("New Collection from Movies"), {},
+        tr("Movies (*.mp4 *.mov *.m4v *.mkv *.avi *.mts *.m2ts *.webm *.mpg *.ts);;All files (*)"));
+    std::vector<std::string> movies;
+    for (const QString& one : chosen) movies.push_back(one.toStdString());
+    if (!movies.empty()) make_collection(movies);
+}
+
+void event_opener::ask_open() {
+    const QString start = QString::fromStdString(places_.home_vault);
+    const QString chosen =
+        QFileDialog::getExistingDirectory(&window_, tr("Open a Collection or a Vault"), start);
+    if (!chosen.isEmpty()) open_paths({chosen.toStdString()});
+}
+
+void event_opener::ask_new_vault() {
+    const QString parent = QFileDialog::getExistingDirectory(&window_, tr("Where to Make the Vault"));
+    if (parent.isEmpty()) return;
+    const QString name = QInputDialog::getText(&window_, tr("New Vault"), tr("Name of the vault"));
+    if (name.trimmed().isEmpty()) return;
+    const auto made = create_vault(parent.toStdString(), name.trimmed().toStdString());
+    if (!made) return tell_failure(tr("The vault could not be made"), made.message());
+    remember_vault(made.value());
+}
+
+}  // namespace vistels

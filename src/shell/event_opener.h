@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/places.h"
+#include "shell/message_bar.h"
+#include "shell/openings.h"
+#include "util/job.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+
+class QWidget;
+
+namespace vistels {
+
+class event_session;
+class long_work;
+
+// Opens events in a session: by path, by dialogs, from movies, and the demo event when there is nothing else.
+// What takes long shows its progress and can be cancelled. Main thread.
+class event_opener : public QObject {
+    Q_OBJECT
+  public:
+    // All must outlive the opener. `window` is the dialogs' parent.
+    event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session);
+    ~event_opener() override;
+
+    void open(const opening& what);
+    void open_folder(const std::string& folder);
+    void open_paths(const std::vector<std::string>& paths);
+    // The event that was open last; in a home vault without any event the demo event is made.
+    void open_last_or_demo(const std::string& open_last);
+
+    void ask_new_collection();
+    void ask_open();
+    void ask_new_vault();
+
+  Q_SIGNALS:
+    void told(const vistels::user_message& message);
+    // There is something new in a vault.
+    void content_changed();
+    // Nothing more is under way; an event is open or not.
+    void settled();
+
+  private:
+    void make_demo();
+    void make_collection(const std::vector<std::string>& movies);
+    // From now on the side bar lists the vault.
+    void remember_vault(const std::string& vault);
+    void open_vault(const std::string& vault);
+    void tell_failure(const QString& headline, const std::string& message);
+    void run(const QString& title, const QString& words, bool at_once,
+             std::function<result<std::string>(job&)> does, const QString& failed);
+
+    QWidget& window_;
+    const home_places places_;
+    run_loop& loop_;
+    event_session& session_;
+    std::unique_ptr<long_work> work_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,425 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/event_session.h"
+
+#include <QTime>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "logger/press_engine.h"
+#include "shell/clip_edits.h"
+#include "shell/code_window_view.h"
+#include "shell/collection_pane.h"
+#include "shell/collection_view.h"
+#include "shell/inspector_view.h"
+#include "shell/key_router.h"
+#include "shell/key_strokes.h"
+#include "shell/pane_header.h"
+#include "shell/shuttle.h"
+#include "shell/timeline_view.h"
+#include "shell/transport_bar.h"
+#include "util/file_system.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double nowhere = std::numeric_limits<double>::infinity();
+constexpr double tick_seconds = 1.0 / 60;
+constexpr double volume_step = 0.1;
+constexpr double fastest_shuttle = 8;
+// A clip that starts at the playhead is neither before nor after it.
+constexpr double beside_seconds = 0.02;
+
+}  // namespace
+
+event_session::event_session(event_panes panes, run_loop& loop)
+    : panes_(panes), loop_(loop), pictures_(*panes.collection), play_until_(nowhere) {
+    connect_panes();
+    panes_.collection->bar().setEnabled(false);
+}
+
+event_session::~event_session() {
+    close();
+}
+
+result<void> event_session::open(const std::string& folder, const home_places& places) {
+    if (event_ && event_->folder() == folder) return {};
+    auto opened_event = open_event::open(folder, places, loop_);
+    if (!opened_event) return opened_event.error();
+    close();
+    event_ = std::move(opened_event).value();
+    volume_ = event_->collection().volume();
+    connect_event();
+    for (auto& message : messages_of_opening(name(), event_->recovered_edits(), event_->messages())) {
+        Q_EMIT told(message);
+    }
+    Q_EMIT opened();
+    Q_EMIT facts_changed();
+    return {};
+}
+
+void event_session::close() {
+    if (!event_) return;
+    event_->playback().pause();
+    release_buttons();
+    connections_.clear();
+    panes_.keys->set_code({});
+    panes_.code->set_source(nullptr);
+    panes_.timeline->set_timeline(nullptr, nullptr);
+    panes_.inspector->set_document(nullptr, {});
+    pictures_.set_event(nullptr);
+    panes_.collection->bar().setEnabled(false);
+    if (volume_ != event_->collection().volume()) tell(event_->set_volume(volume_));
+    tell(event_->save_all());
+    event_.reset();
+    tick_while_needed();
+    play_until_ = nowhere;
+    Q_EMIT closed();
+}
+
+QString event_session::name() const {
+    if (!event_) return {};
+    const std::string name = event_->collection().name();
+    return QString::fromStdString(name.empty() ? path_name(event_->folder()) : name);
+}
+
+std::string event_session::folder() const {
+    return event_ ? event_->folder() : std::string();
+}
+
+QString event_session::fact() const {
+    if (!event_) return {};
+    const auto cameras = event_->collection().vistels().size();
+    const auto live = event_->timeline().timeline().live_clips().size();
+    QString fact = cameras == 1 ? tr("1 camera") : tr("%1 cameras").arg(cameras);
+    if (live > 0) return fact + (live == 1 ? tr(" · 1 live clip") : tr(" · %1 live clips").arg(live));
+    const auto clips = event_->timeline().timeline().clip_count();
+    return fact + (clips == 1 ? tr(" · 1 clip") : tr(" · %1 clips").arg(clips));
+}
+
+bool event_session::has_all_pictures() const {
+    return event_ && pictures_.are_complete();
+}
+
+void event_session::connect_panes() {
+    transport_bar& bar = panes_.collection->bar();
+    connect(&bar, &transport_bar::play_asked, this, &event_session::play_or_pause);
+    connect(&bar, &transport_bar::step_asked, this, &event_session::step);
+    connect(&bar, &transport_bar::rate_asked, this, &event_session::set_rate);
+    connect(&bar, &transport_bar::loop_asked, this, &event_session::set_looping);
+    connect(&bar, &transport_bar::volume_asked, this, &event_session::set_volume);
+    connect(&bar, &transport_bar::mute_asked, this, &event_session::set_muted);
+    connect(&bar, &transport_bar::seek_asked, this, [this](double seconds, bool) { seek(seconds); });
+    collection_view& view = panes_.collection->view();
+    connect(&view, &collection_view::enlarge_asked, this,
+            [this](const QString& vistel) { enlarge(vistel.toStdString()); });
+    connect(&view, &collection_view::sound_asked, this,
+            [this](const QString& vistel) { set_sound_vistel(vistel.toStdString()); });
+    connect(panes_.collection, &collection_pane::all_vistels_asked, this, [this] { enlarge({}); });
+    connect(panes_.timeline, &timeline_view::selection_changed, panes_.inspector, &inspector_view::refresh);
+    connect(panes_.timeline, &timeline_view::selection_changed, this, &event_session::find_loop);
+    const auto refused = [this](const QString& message) {
+        Q_EMIT told({user_message::tone::error, tr("This could not be changed"), message, {}, {}});
+    };
+    connect(panes_.timeline, &timeline_view::failed, this, refused);
+    connect(panes_.inspector, &inspector_view::failed, this, refused);
+    connect(panes_.inspector, &inspector_view::play_asked, this,
+            [this](double, double) { play_selected_clip(); });
+}
+
+void event_session::connect_event() {
+    synchronised_playback& playback = event_->playback();
+    timeline_document& timeline = event_->timeline();
+    pictures_.set_event(event_.get());
+    panes_.timeline->set_timeline(&timeline, &playback);
+    panes_.code->set_source(source_of(event_->logger(), timeline, playback));
+    panes_.code->set_name(name());
+    panes_.inspector->set_document(&timeline, [&playback] { return playback.collection_time(); });
+    connect_keys();
+    panes_.collection->header().set_name(name());
+    connections_.push_back(playback.pictures_changed.connect([this] {
+        pictures_.show_pictures();
+        if (!tick_timer_) tick();
+    }));
+    connections_.push_back(playback.state_changed.connect([this] { show_state(); }));
+    connections_.push_back(
+        event_->logger().fired.connect([this](const button_fired&) { tick_while_needed(); }));
+    connections_.push_back(
+        event_->logger().trouble.connect([this](const std::string& why) { tell_trouble(why); }));
+    connections_.push_back(event_->collection_changed.connect([this] { show_state(); }));
+    connections_.push_back(event_->undo().changed.connect([this] { Q_EMIT facts_changed(); }));
+    connections_.push_back(timeline.changed.connect([this](const change_set& change) {
+        if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
+        find_loop();
+        Q_EMIT facts_changed();
+    }));
+    connections_.push_back(timeline.saved.connect(
+        [this](const std::string& problem) { Q_EMIT saved(QString::fromStdString(problem)); }));
+    panes_.collection->bar().setEnabled(true);
+    apply_volume();
+    show_state();
+}
+
+void event_session::connect_keys() {
+    press_engine& engine = event_->logger();
+    synchronised_playback& playback = event_->playback();
+    panes_.keys->set_code({
+        [&engine](const QKeyEvent& event) { return engine.buttons_for_key(key_stroke_of(event)); },
+        [&engine, &playback](const std::string& button, double at) {
+            engine.press(button, playback.collection_time_at(at));
+        },
+        [&engine, &playback](const std::string& button, double at) {
+            engine.release(button, playback.collection_time_at(at));
+        },
+        [&engine, &playback](double at) {
+            if (engine.down_buttons().empty()) return false;
+            engine.tab(playback.collection_time_at(at));
+            return true;
+        },
+        [this](double) { panes_.code->release_mouse(); },
+    });
+}
+
+// Time runs while the event plays, and while a button waits for its time or for the disk.
+void event_session::tick_while_needed() {
+    const bool needed =
+        event_ && (event_->playback().is_playing() || !event_->logger().down_buttons().empty() ||
+                   event_->logger().unrecorded() > 0);
+    if (needed == (tick_timer_ != 0)) return;
+    if (needed) {
+        tick_timer_ = loop_.start_timer(tick_seconds, true, [this] { tick(); });
+    } else {
+        loop_.stop_timer(std::exchange(tick_timer_, 0));
+    }
+}
+
+void event_session::tell_trouble(const std::string& reason) {
+    if (reason.empty()) return;
+    Q_EMIT told({user_message::tone::error,
+                 tr("Presses are kept in memory only"),
+                 QString::fromStdString(reason),
+                 tr("They are recorded as soon as that is possible."),
+                 {}});
+}
+
+// The times and the state of playing, in all panes.
+void event_session::show_state() {
+    if (!event_) return;
+    const synchronised_playback& playback = event_->playback();
+    transport_bar& bar = panes_.collection->bar();
+    const double end = std::max(event_->end_seconds(), event_->timeline().timeline().last_end());
+    bar.set_range(event_->start_seconds(), end);
+    bar.set_playing(playback.is_playing());
+    bar.set_rate(playback.rate());
+    bar.set_looping(looping_);
+    bar.set_volume(volume_);
+    bar.set_muted(muted_);
+    panes_.timeline->set_reach(event_->start_seconds(), event_->end_seconds());
+    pictures_.show_vistels();
+    pictures_.show_pictures();
+    tick();
+    Q_EMIT facts_changed();
+}
+
+void event_session::tick() {
+    if (!event_) return;
+    const double seconds = event_->playback().collection_time();
+    panes_.collection->bar().set_seconds(seconds);
+    panes_.collection->bar().set_frame(pictures_.frame_number());
+    panes_.timeline->tick();
+    panes_.code->tick();
+    if (event_->playback().is_playing()) keep_within_loop(seconds);
+    tick_while_needed();
+}
+
+// What is played again and again: the selected clip, or else the event.
+void event_session::find_loop() {
+    if (!event_ || !looping_) return;
+    const auto chosen = selected_clips(event_->timeline().timeline());
+    const bool one = chosen.size() == 1;
+    loop_start_ = one ? chosen.front().clip->secs_start() : event_->start_seconds();
+    loop_end_ = one ? chosen.front().clip->secs_end() : event_->end_seconds();
+}
+
+void event_session::keep_within_loop(double seconds) {
+    synchronised_playback& playback = event_->playback();
+    if (looping_) {
+        const double to = looped(seconds, playback.rate(), loop_start_, loop_end_);
+        if (to != seconds) playback.seek(to);
+    } else if (seconds >= play_until_) {
+        play_until_ = nowhere;
+        playback.pause();
+    }
+}
+
+void event_session::play_or_pause() {
+    if (!event_) return;
+    synchronised_playback& playback = event_->playback();
+    play_until_ = nowhere;
+    if (playback.is_playing()) return playback.pause();
+    if (playback.rate() < 0) playback.set_rate(1);
+    // At the end there is nothing left to play: begin anew.
+    if (playback.collection_time() >= event_->end_seconds()) playback.seek(event_->start_seconds());
+    playback.play();
+}
+
+void event_session::pause() {
+    if (!event_) return;
+    event_->playback().pause();
+    event_->playback().set_rate(1);
+}
+
+void event_session::shuttle(int direction) {
+    if (!event_) return;
+    synchronised_playback& playback = event_->playback();
+    play_until_ = nowhere;
+    playback.set_rate(next_shuttle_rate(playback.rate(), playback.is_playing(), direction, fastest_shuttle));
+    playback.play();
+}
+
+void event_session::step(int frames) {
+    if (event_) event_->playback().step(frames);
+}
+
+void event_session::jump(double seconds) {
+    if (event_) seek(event_->playback().collection_time() + seconds);
+}
+
+void event_session::seek(double seconds) {
+    if (!event_) return;
+    play_until_ = nowhere;
+    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), event_->end_seconds()));
+    tick();
+}
+
+void event_session::to_start() {
+    if (event_) seek(event_->start_seconds());
+}
+
+void event_session::to_end() {
+    if (event_) seek(event_->end_seconds());
+}
+
+void event_session::set_rate(double rate) {
+    if (event_) event_->playback().set_rate(rate);
+}
+
+void event_session::set_looping(bool looping) {
+    looping_ = looping;
+    find_loop();
+    show_state();
+}
+
+void event_session::apply_volume() {
+    if (event_) event_->playback().set_volume(muted_ ? 0 : volume_);
+    panes_.collection->bar().set_volume(volume_);
+    panes_.collection->bar().set_muted(muted_);
+}
+
+void event_session::set_volume(double volume) {
+    volume_ = std::clamp(volume, 0.0, 1.0);
+    muted_ = false;
+    apply_volume();
+    Q_EMIT facts_changed();
+}
+
+void event_session::change_volume(int steps) {
+    set_volume(volume_ + steps * volume_step);
+}
+
+void event_session::set_muted(bool muted) {
+    muted_ = muted;
+    apply_volume();
+    Q_EMIT facts_changed();
+}
+
+void event_session::enlarge(const std::string& vistel) {
+    if (!event_) return;
+    event_->set_enlarged(vistel);
+    panes_.collection->view().set_enlarged(vistel);
+    event_->playback().set_enlarged(vistel);
+}
+
+void event_session::enlarge_next() {
+    if (!event_) return;
+    const auto all = event_->collection().vistels();
+    const std::string now = panes_.collection->view().enlarged();
+    const auto at = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == now; });
+    const auto next = at == all.end() ? all.begin() : at + 1;
+    enlarge(next == all.end() ? std::string() : (*next)->uuid());
+}
+
+void event_session::set_sound_vistel(const std::string& vistel) {
+    if (event_) tell(event_->set_sound_vistel(vistel));
+}
+
+void event_session::undo() {
+    if (event_) tell(event_->undo().undo());
+}
+
+void event_session::redo() {
+    if (event_) tell(event_->undo().redo());
+}
+
+void event_session::save() {
+    if (event_) tell(event_->save_all());
+}
+
+void event_session::release_buttons() {
+    if (!event_) return;
+    panes_.keys->release_all();
+    panes_.code->release_mouse();
+    event_->logger().release_all(event_->playback().collection_time());
+}
+
+void event_session::go_to_clip(int direction) {
+    if (!event_) return;
+    const double now = event_->playback().collection_time();
+    std::string best;
+    double nearest = nowhere;
+    for (const auto& row : event_->timeline().timeline().rows()) {
+        for (const auto& clip : row->clips()) {
+            const double away = (clip->secs_start() - now) * direction;
+            if (!clip->filtered_in() || away <= beside_seconds || away >= nearest) continue;
+            nearest = away;
+            best = clip->id();
+        }
+    }
+    if (!best.empty()) panes_.timeline->go_to_clip(best);
+}
+
+void event_session::mark_clip(bool start) {
+    if (!event_) return;
+    const auto chosen = selected_clips(event_->timeline().timeline());
+    if (chosen.size() != 1) return;
+    const sxy_CLIP& clip = *chosen.front().clip;
+    const double now = event_->playback().collection_time();
+    auto edit = plan_clip_times(event_->timeline().timeline(), clip.id(), start ? now : clip.secs_start(),
+                                start ? clip.secs_end() : now);
+    if (!edit.operations.empty()) tell(event_->timeline().apply(std::move(edit)));
+}
+
+void event_session::play_selected_clip() {
+    if (!event_) return;
+    const auto chosen = selected_clips(event_->timeline().timeline());
+    if (chosen.empty()) return;
+    const sxy_CLIP& clip = *chosen.front().clip;
+    seek(clip.secs_start());
+    play_until_ = clip.secs_end();
+    if (event_->playback().rate() < 0) event_->playback().set_rate(1);
+    event_->playback().play();
+}
+
+void event_session::tell(const result<void>& done) {
+    if (done) return;
+    Q_EMIT told({user_message::tone::error,
+                 tr("This could not be done"),
+                 QString::fromStdString(done.message()),
+                 {},
+                 {}});
+}
+
+}  // namespace vistels

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/open_event.h"
+#include "shell/message_bar.h"
+#include "shell/vistel_pictures.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+
+namespace vistels {
+
+class code_window_view;
+class collection_pane;
+class inspector_view;
+class key_router;
+class timeline_view;
+
+// The panes that show one event.
+struct event_panes {
+    collection_pane* collection = nullptr;
+    code_window_view* code = nullptr;
+    timeline_view* timeline = nullptr;
+    inspector_view* inspector = nullptr;
+    key_router* keys = nullptr;
+};
+
+// The event that a window shows, connected to the window's panes. Every command is harmless while no event is
+// open. Main thread.
+class event_session : public QObject {
+    Q_OBJECT
+  public:
+    // Panes and loop must outlive the session.
+    event_session(event_panes panes, run_loop& loop);
+    ~event_session() override;
+
+    // Opens the event in place of the one that is open. When it cannot be opened that one stays.
+    result<void> open(const std::string& folder, const home_places& places);
+    // Saves and closes.
+    void close();
+    bool is_open() const { return event_ != nullptr; }
+    open_event* shown_event() { return event_.get(); }  // null when none is open
+    QString name() const;
+    std::string folder() const;
+    // For the side bar: "4 cameras · 1 live clip".
+    QString fact() const;
+
+    // Every vistel that can be shown shows a picture.
+    bool has_all_pictures() const;
+
+    void play_or_pause();
+    void pause();
+    void shuttle(int direction);
+    void step(int frames);
+    void jump(double seconds);
+    void seek(double seconds);
+    void to_start();
+    void to_end();
+    void set_rate(double rate);
+    void set_looping(bool looping);
+    bool is_looping() const { return looping_; }
+    void set_volume(double volume);
+    void change_volume(int steps);
+    double volume() const { return volume_; }
+    void set_muted(bool muted);
+    bool is_muted() const { return muted_; }
+    void enlarge(const std::string& vistel);
+    void enlarge_next();
+    void set_sound_vistel(const std::string& vistel);
+
+    void undo();
+    void redo();
+    void save();
+    void release_buttons();
+    // The clip that starts before or after the playhead.
+    void go_to_clip(int direction);
+    void mark_clip(bool start);
+    void play_selected_clip();
+
+  Q_SIGNALS:
+    void opened();
+    void closed();
+    // What the undo menu, the saved label or the side bar's line show changed.
+    void facts_changed();
+    void saved(const QString& problem);  // empty: done
+    void told(const vistels::user_message& message);
+
+  private:
+    void connect_panes();
+    void connect_event();
+    void connect_keys();
+    void show_state();
+    void tick();
+    void tick_while_needed();
+    void tell_trouble(const std::string& reason);
+    void find_loop();
+    void keep_within_loop(double seconds);
+    void apply_volume();
+    void tell(const result<void>& done);
+
+    const event_panes panes_;
+    run_loop& loop_;
+    vistel_pictures pictures_;
+    std::unique_ptr<open_event> event_;
+    std::vector<connection> connections_;
+    run_loop::timer_id tick_timer_ = 0;  // 0: none runs
+    bool looping_ = false;
+    double loop_start_ = 0;  // seconds
+    double loop_end_ = 0;
+    bool muted_ = false;
+    double volume_ = 1;
+    double play_until_;  // seconds: the end of the clip that is played; infinite: none is
+};
+
+}  // namespace vistels

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "timeline/timeline_document.h"
+#include "util/signal.h"
+
+class QLabel;
+class QScrollArea;
+class QVBoxLayout;
+
+namespace vistels {
+
+class clip_title_block;
+class icon_button;
+class pane_header;
+class qualifier_chips;
+class star_row;
+class swatch_row;
+class time_field;
+
+// What is known of the selected clips, to be looked at and changed. Several clips show the values that they
+// share. Changes go to the document as edits; a refused one is told by `failed`. Main thread.
+class inspector_view : public QWidget {
+    Q_OBJECT
+  public:
+    explicit inspector_view(QWidget* parent = nullptr);
+
+    // Null shows nothing. The document must outlive its being shown; `now` gives the collection time.
+    void set_document(timeline_document* document, std::function<double()> now);
+    // The selection changed.
+    void refresh();
+
+  Q_SIGNALS:
+    void play_asked(double start, double end);
+    void failed(const QString& message);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QWidget* build_body();
+    void add_section(QVBoxLayout& column, const QString& title, QLabel** fact = nullptr);
+    void build_times(QVBoxLayout& column);
+    void build_look(QVBoxLayout& column);
+    void connect_parts();
+    bool concerns_shown(const change_set& change) const;
+    void show_clips(const std::vector<clip_place>& clips);
+    void show_title(const std::vector<clip_place>& clips);
+    void show_values(const std::vector<clip_place>& clips);
+    void apply(timeline_edit edit);
+    void ask_times(double start, double end);
+
+    timeline_document* document_ = nullptr;
+    std::function<double()> now_;
+    connection changed_;
+    std::vector<std::string> clips_;
+    std::vector<shared_text> rows_;
+    double start_ = 0;
+    double end_ = 0;
+
+    pane_header* header_;
+    QLabel* empty_;
+    QScrollArea* scroll_;
+    clip_title_block* title_;
+    time_field* start_field_;
+    time_field* end_field_;
+    QLabel* length_;
+    icon_button* start_here_;
+    icon_button* end_here_;
+    swatch_row* swatches_;
+    star_row* stars_;
+    QLabel* qualifier_count_ = nullptr;
+    qualifier_chips* chips_;
+    QLabel* note_;
+    QWidget* note_section_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QApplication>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "app/places.h"
+#include "app/start_up.h"
+#include "shell/application_options.h"
+#include "shell/display_check.h"
+#include "shell/event_opener.h"
+#include "shell/event_session.h"
+#include "shell/main_window.h"
+#include "shell/openings.h"
+#include "shell/qt_run_loop.h"
+#include "shell/screenshot.h"
+#include "shell/start_trace.h"
+#include "shell/termination_watch.h"
+#include "shell/theme.h"
+
+namespace vistels {
+namespace {
+
+constexpr int wrong_usage = 2;
+
+// Qt ends the process when it cannot reach the display that the environment names.
+void say_fatal(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    const bool is_warning = type == QtWarningMsg || type == QtCriticalMsg;
+    if (type == QtFatalMsg) {
+        std::fprintf(
+            stderr,
+            "vistels: no window can be shown: the display cannot be reached. vistels-cli does its work "
+            "without one; see \"vistels-cli --help\".\n");
+        std::_Exit(EXIT_FAILURE);
+    }
+    if (is_warning && qEnvironmentVariableIsSet("VISTELS_TRACE_QT")) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(message));
+    }
+}
+
+theme_choice wanted_theme(const std::string& name) {
+    if (name == "dark") return theme_choice::dark;
+    if (name == "light") return theme_choice::light;
+    return theme_choice::desktop;
+}
+
+void tell_start(main_window& window, const start_up_report& report) {
+    for (const auto& message : report.messages) {
+        window.tell({user_message::tone::warning,
+                     QObject::tr("From the start"),
+                     QString::fromStdString(message),
+                     {},
+                     {}});
+    }
+    for (const auto& path : report.recovered) {
+        window.tell({user_message::tone::warning,
+                     QObject::tr("A file was put back whole"),
+                     QString::fromStdString("“" + path + "”"),
+                     {},
+                     {}});
+    }
+}
+
+// Opens what was asked for, once the window is there.
+void open_first(main_window& window, const application_options& options, const start_up_report& report) {
+    trace_start("window shown");
+    window.refresh_content();
+    tell_start(window, report);
+    QObject::connect(&window.opener(), &event_opener::settled, &window, [&window] {
+        if (window.session().is_open()) trace_start("event open");
+    });
+    if (!options.paths.empty()) return window.opener().open_paths(options.paths);
+    const std::string last = report.windows.empty() ? std::string() : report.windows.front().open_from_path;
+    window.opener().open_last_or_demo(last);
+}
+
+int run(QApplication& application, const application_options& options, termination_watch& ending) {
+    const home_places places = find_home_places(options.home);
+    const auto started = start_up(places, VISTELS_BUILD_NUMBER, 0);
+    if (!started) {
+        std::fprintf(stderr, "vistels: %s\n", started.message().c_str());
+        return EXIT_FAILURE;
+    }
+    const std::string theme = options.theme.empty() ? load_window_memory(places).theme : options.theme;
+    use_theme(application, wanted_theme(theme));
+    qt_run_loop loop;
+    main_window window(places, loop);
+    if (options.width > 0) window.resize(options.width, options.height);
+    QObject::connect(
+        &window, &main_window::appeared, &window, [&] { open_first(window, options, started.value()); },
+        Qt::QueuedConnection);
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &window, [&] {
+        if (!window.session().has_all_pictures()) return;
+        trace_start("first pictures of all vistels");
+        watch.stop();
+    });
+    if (qEnvironmentVariableIsSet("VISTELS_TRACE_START")) watch.start(5);
+    std::unique_ptr<screenshot> picture;
+    if (!options.screenshot.empty()) {
+        picture = std::make_unique<screenshot>(
+            window, options.screenshot, options.at_seconds,
+            [](bool written) { QApplication::exit(written ? 0 : EXIT_FAILURE); });
+    }
+    ending.start([&window] { window.close(); });
+    window.show();
+    const int status = QApplication::exec();
+    const auto noted = note_clean_quit(places, {});
+    if (!noted) std::fprintf(stderr, "vistels: %s\n", noted.message().c_str());
+    return status;
+}
+
+}  // namespace
+}  // namespace vistels
+
+int main(int argument_count, char** arguments) {
+    using namespace vistels;
+    trace_start("begin");
+    const auto options = read_options({arguments + 1, arguments + argument_count});
+    if (!options) {
+        std::fprintf(stderr, "vistels: %s See \"vistels --help\".\n", options.message().c_str());
+        return wrong_usage;
+    }
+    if (options.value().show_help || options.value().show_version) {
+        std::fputs(options.value().show_help ? help_text().c_str() : "vistels " VISTELS_VERSION "\n", stdout);
+        return EXIT_SUCCESS;
+    }
+    const auto missing =
+        missing_display([](const char* name) { return qEnvironmentVariable(name).toStdString(); });
+    if (missing) {
+        std::fprintf(stderr, "%s\n", missing->c_str());
+        return EXIT_FAILURE;
+    }
+    qInstallMessageHandler(say_fatal);
+    termination_watch ending;
+    QApplication application(argument_count, arguments);
+    QApplication::setApplicationName(QStringLiteral("vistels"));
+    QApplication::setApplicationVersion(QLatin1String(VISTELS_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("io.vistels.Vistels"));
+    return run(application, options.value(), ending);
+}

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QScreen>
+#include <QTime>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "app/start_up.h"
+#include "shell/code_window_view.h"
+#include "shell/collection_pane.h"
+#include "shell/content_keeper.h"
+#include "shell/content_side_bar.h"
+#include "shell/event_opener.h"
+#include "shell/event_session.h"
+#include "shell/inspector_view.h"
+#include "shell/key_router.h"
+#include "shell/saved_label.h"
+#include "shell/super_tab_row.h"
+#include "shell/theme.h"
+#include "shell/timeline_view.h"
+#include "shell/window_actions.h"
+#include "shell/window_frame.h"
+#include "shell/work_area.h"
+#include "util/file_system.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr int code_tab = 0;
+constexpr QSize usual_size(1600, 1000);
+
+}  // namespace
+
+main_window::main_window(home_places places, run_loop& loop)
+    : places_(std::move(places)),
+      loop_(loop),
+      memory_(load_window_memory(places_)),
+      actions_(new window_actions(*this)),
+      collection_(new collection_pane),
+      code_(new code_window_view),
+      timeline_(new timeline_view),
+      inspector_(new inspector_view),
+      content_(new content_side_bar),
+      tabs_(new super_tab_row({tr("Code"), tr("Review")})),
+      work_(new work_area(collection_, code_, timeline_)),
+      messages_(new message_bar),
+      saved_(new saved_label) {
+    setObjectName(QStringLiteral("main_window"));
+    setWindowTitle(tr("Vistels"));
+    setAcceptDrops(true);
+    build();
+    keys_ = std::make_unique<key_router>(*this, loop_.time());
+    session_ = std::make_unique<event_session>(
+        event_panes{collection_, code_, timeline_, inspector_, keys_.get()}, loop_);
+    opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_);
+    keeper_ = std::make_unique<content_keeper>(places_, loop_, [this](const content_keeper::finding& found) {
+        content_->set_content(found.vaults);
+        content_->set_disk_space(found.space);
+    });
+    connect_session();
+    connect_side_bar();
+    connect_frame();
+    connect_event_commands();
+    connect_play_commands();
+    connect_timeline_commands();
+    connect_view_commands();
+    connect_window_commands();
+    restore();
+    show_facts();
+}
+
+main_window::~main_window() {
+    // The session speaks to the panes when it closes, so it goes before them.
+    session_->disconnect(this);
+    opener_.reset();
+    session_.reset();
+    keys_.reset();
+}
+
+void main_window::build() {
+    const theme_metrics& metrics = theme::current().metrics;
+    setMinimumSize(metrics.least_window_width, metrics.least_window_height);
+    build_menu_bar();
+    auto* middle = new QWidget;
+    auto* middle_column = new QVBoxLayout(middle);
+    middle_column->setContentsMargins(0, 0, 0, 0);
+    middle_column->setSpacing(0);
+    middle_column->addWidget(tabs_);
+    middle_column->addWidget(work_, 1);
+    frame_ = new window_frame(content_, middle, inspector_);
+    auto* whole = new QWidget;
+    auto* column = new QVBoxLayout(whole);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(messages_);
+    column->addWidget(frame_, 1);
+    setCentralWidget(whole);
+}
+
+void main_window::build_menu_bar() {
+    QMenuBar* bar = menuBar();
+    bar->setFixedHeight(theme::current().metrics.menu_bar_height);
+    bar->setNativeMenuBar(false);
+    actions_->fill(*bar);
+    bar->setCornerWidget(saved_);
+}
+
+void main_window::connect_session() {
+    connect(session_.get(), &event_session::told, this, &main_window::tell);
+    connect(opener_.get(), &event_opener::told, this, &main_window::tell);
+    connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
+    connect(session_.get(), &event_session::saved, this, &main_window::show_saved);
+    connect(session_.get(), &event_session::facts_changed, this, &main_window::show_facts);
+    connect(session_.get(), &event_session::opened, this, [this] {
+        setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
+        work_->set_code_content_width(code_->sizeHint().width());
+        saved_->show_saved({});
+        collection_->setFocus();
+    });
+    connect(session_.get(), &event_session::closed, this, [this] {
+        setWindowTitle(tr("Vistels"));
+        saved_->show_nothing();
+        show_facts();
+    });
+}
+
+void main_window::connect_side_bar() {
+    connect(content_, &content_side_bar::open_asked, this,
+            [this](const QString& folder) { opener_->open_folder(folder.toStdString()); });
+    connect(content_, &content_side_bar::new_collection_asked, opener_.get(),
+            &event_opener::ask_new_collection);
+    connect(content_, &content_side_bar::new_vault_asked, opener_.get(), &event_opener::ask_new_vault);
+}
+
+void main_window::connect_frame() {
+    const auto show_state = [this] {
+        const bool left = frame_->is_shown(window_frame::side::left);
+        const bool right = frame_->is_shown(window_frame::side::right);
+        tabs_->set_side_bar_shown(left);
+        tabs_->set_inspector_shown(right);
+        (*actions_)[command::side_bar]->setChecked(left);
+        (*actions_)[command::inspector]->setChecked(right);
+    };
+    connect(frame_, &window_frame::shown_changed, this, show_state);
+    connect(tabs_, &super_tab_row::side_bar_asked, this,
+            [this](bool shown) { frame_->set_shown(window_frame::side::left, shown); });
+    connect(tabs_, &super_tab_row::inspector_asked, this,
+            [this](bool shown) { frame_->set_shown(window_frame::side::right, shown); });
+    connect(tabs_, &super_tab_row::current_changed, this, &main_window::show_tab);
+    show_state();
+}
+
+void main_window::tell(user_message message) {
+    messages_->tell(std::move(message));
+}
+
+void main_window::refresh_content() {
+    keeper_->refresh();
+}
+
+void main_window::show_facts() {
+    window_actions& actions = *actions_;
+    actions.set_event_open(session_->is_open());
+    content_->set_open(session_->folder(), session_->fact());
+    const auto word = [](const QString& verb, const std::string& name) {
+        return name.empty() ? verb : verb + QLatin1Char(' ') + QString::fromStdString(name);
+    };
+    open_event* event = session_->shown_event();
+    const bool can_undo = event && event->undo().can_undo();
+    const bool can_redo = event && event->undo().can_redo();
+    actions[command::undo]->setEnabled(can_undo);
+    actions[command::redo]->setEnabled(can_redo);
+    actions[command::undo]->setText(word(tr("Undo"), can_undo ? event->undo().undo_name() : std::string()));
+    actions[command::redo]->setText(word(tr("Redo"), can_redo ? event->undo().redo_name() : std::string()));
+    actions[command::loop]->setChecked(session_->is_looping());
+    actions[command::mute]->setChecked(session_->is_muted());
+    if (event && event->timeline().has_unsaved_edits()) saved_->show_unsaved();
+}
+
+void main_window::show_saved(const QString& problem) {
+    if (!problem.isEmpty()) return saved_->show_failure(problem);
+    const bool more = session_->shown_event() && session_->shown_event()->timeline().has_unsaved_edits();
+    if (more) return saved_->show_unsaved();
+    saved_->show_saved(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
+}
+
+void main_window::show_tab(int index) {
+    work_->set_shows_code(index == code_tab);
+    tabs_->set_current(index);
+}
+
+void main_window::choose_theme(const std::string& name) {
+    memory_.theme = name;
+    use_theme(*qApp, name == "dark"    ? theme_choice::dark
+                     : name == "light" ? theme_choice::light
+                                       : theme_choice::desktop);
+}
+
+void main_window::restore() {
+    const QRect room = screen()->availableGeometry();
+    const QRect usual(
+        QPoint((room.width() - usual_size.width()) / 2, (room.height() - usual_size.height()) / 2) +
+            room.topLeft(),
+        usual_size);
+    setGeometry(place_on_screen(memory_.place.isNull() ? usual : memory_.place, room));
+    if (memory_.is_maximized) setWindowState(Qt::WindowMaximized);
+    using side = window_frame::side;
+    if (memory_.side_bar_width > 0) frame_->set_column_width(side::left, memory_.side_bar_width);
+    if (memory_.inspector_width > 0) frame_->set_column_width(side::right, memory_.inspector_width);
+    frame_->set_wanted(side::left, memory_.side_bar_shown);
+    frame_->set_wanted(side::right, memory_.inspector_shown);
+    work_->set_sizes(memory_.work_sizes);
+    show_tab(memory_.tab == code_tab ? code_tab : code_tab + 1);
+    const command themes[] = {command::theme_desktop, command::theme_dark, command::theme_light};
+    (*actions_)[themes[memory_.theme == "dark" ? 1 : memory_.theme == "light" ? 2 : 0]]->setChecked(true);
+}
+
+void main_window::remember() {
+    using side = window_frame::side;
+    memory_.is_maximized = isMaximized();
+    memory_.place = isMaximized() || isFullScreen() ? normalGeometry() : geometry();
+    memory_.side_bar_width = frame_->column_width(side::left);
+    memory_.inspector_width = frame_->column_width(side::right);
+    memory_.side_bar_shown = frame_->is_wanted(side::left);
+    memory_.inspector_shown = frame_->is_wanted(side::right);
+    memory_.tab = tabs_->current();
+    memory_.work_sizes = work_->sizes();
+    // What can't be remembered is no reason to keep the window open.
+    static_cast<void>(save_window_memory(places_, memory_));
+    std::vector<open_window> windows;
+    if (session_->is_open()) {
+        windows.push_back({session_->shown_event()->collection().uuid(), session_->name().toStdString(), 0,
+                           session_->folder()});
+    }
+    static_cast<void>(save_open_windows(places_, windows));
+}
+
+void main_window::closeEvent(QCloseEvent* event) {
+    if (session_->is_open()) {
+        if (const auto done = session_->shown_event()->save_all(); !done) {
+            QMessageBox question(QMessageBox::Warning, tr("The event could not be saved"),
+                                 QString::fromStdString(done.message()), QMessageBox::NoButton, this);
+            question.setInformativeText(tr("What was coded is on record and comes back at the next start."));
+            const QAbstractButton* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
+            question.addButton(tr("Close Anyway"), QMessageBox::AcceptRole);
+            question.exec();
+            if (question.clickedButton() == stay) return event->ignore();
+        }
+    }
+    remember();
+    session_->close();
+    event->accept();
+}
+
+void main_window::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void main_window::dropEvent(QDropEvent* event) {
+    std::vector<std::string> paths;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) paths.push_back(url.toLocalFile().toStdString());
+    }
+    if (!paths.empty()) opener_->open_paths(paths);
+}
+
+bool main_window::event(QEvent* event) {
+    const bool done = QMainWindow::event(event);
+    if (event->type() == QEvent::Paint && !appeared_) {
+        appeared_ = true;
+        Q_EMIT appeared();
+    }
+    return done;
+}
+
+}  // namespace vistels

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What each command of the main window's menus does.
+#include <QApplication>
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QUrl>
+
+#include "shell/code_window_view.h"
+#include "shell/event_opener.h"
+#include "shell/event_session.h"
+#include "shell/keys_window.h"
+#include "shell/main_window.h"
+#include "shell/super_tab_row.h"
+#include "shell/timeline_view.h"
+#include "shell/window_actions.h"
+#include "shell/window_frame.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double second = 1;
+
+}  // namespace
+
+void main_window::connect_event_commands() {
+    const window_actions& actions = *actions_;
+    event_session* session = session_.get();
+    connect(actions[command::new_collection], &QAction::triggered, opener_.get(),
+            &event_opener::ask_new_collection);
+    connect(actions[command::open_folder], &QAction::triggered, opener_.get(), &event_opener::ask_open);
+    connect(actions[command::new_vault], &QAction::triggered, opener_.get(), &event_opener::ask_new_vault);
+    connect(actions[command::show_folder], &QAction::triggered, session, [session] {
+        QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(session->folder())));
+    });
+    connect(actions[command::save], &QAction::triggered, session, &event_session::save);
+    connect(actions[command::quit], &QAction::triggered, this, &QWidget::close);
+    connect(actions[command::undo], &QAction::triggered, session, &event_session::undo);
+    connect(actions[command::redo], &QAction::triggered, session, &event_session::redo);
+    connect(actions[command::release_buttons], &QAction::triggered, session, &event_session::release_buttons);
+}
+
+void main_window::connect_play_commands() {
+    const window_actions& actions = *actions_;
+    event_session* session = session_.get();
+    const auto on = [&](command which, auto does) {
+        connect(actions[which], &QAction::triggered, session, does);
+    };
+    on(command::play, [session] { session->play_or_pause(); });
+    on(command::shuttle_back, [session] { session->shuttle(-1); });
+    on(command::pause, [session] { session->pause(); });
+    on(command::shuttle_on, [session] { session->shuttle(1); });
+    on(command::frame_back, [session] { session->step(-1); });
+    on(command::frame_on, [session] { session->step(1); });
+    on(command::second_back, [session] { session->jump(-second); });
+    on(command::second_on, [session] { session->jump(second); });
+    on(command::to_start, [session] { session->to_start(); });
+    on(command::to_end, [session] { session->to_end(); });
+    on(command::rate_half, [session] { session->set_rate(0.5); });
+    on(command::rate_one, [session] { session->set_rate(1); });
+    on(command::rate_two, [session] { session->set_rate(2); });
+    on(command::loop, [session](bool loops) { session->set_looping(loops); });
+    on(command::mute, [session](bool mutes) { session->set_muted(mutes); });
+    on(command::louder, [session] { session->change_volume(1); });
+    on(command::softer, [session] { session->change_volume(-1); });
+}
+
+void main_window::connect_timeline_commands() {
+    const window_actions& actions = *actions_;
+    event_session* session = session_.get();
+    connect(actions[command::delete_clips], &QAction::triggered, timeline_, &timeline_view::delete_selected);
+    connect(actions[command::select_all], &QAction::triggered, timeline_, &timeline_view::select_all);
+    connect(actions[command::select_none], &QAction::triggered, timeline_, [this] { timeline_->select({}); });
+    connect(actions[command::zoom_in], &QAction::triggered, timeline_, &timeline_view::zoom_in);
+    connect(actions[command::zoom_out], &QAction::triggered, timeline_, &timeline_view::zoom_out);
+    connect(actions[command::zoom_fit], &QAction::triggered, timeline_, &timeline_view::zoom_to_fit);
+    connect(actions[command::clip_before], &QAction::triggered, session,
+            [session] { session->go_to_clip(-1); });
+    connect(actions[command::clip_after], &QAction::triggered, session,
+            [session] { session->go_to_clip(1); });
+    connect(actions[command::mark_in], &QAction::triggered, session, [session] { session->mark_clip(true); });
+    connect(actions[command::mark_out], &QAction::triggered, session,
+            [session] { session->mark_clip(false); });
+    connect(actions[command::play_clip], &QAction::triggered, session, &event_session::play_selected_clip);
+}
+
+void main_window::connect_view_commands() {
+    const window_actions& actions = *actions_;
+    event_session* session = session_.get();
+    connect(actions[command::side_bar], &QAction::triggered, frame_,
+            [this](bool shown) { frame_->set_shown(window_frame::side::left, shown); });
+    connect(actions[command::inspector], &QAction::triggered, frame_,
+            [this](bool shown) { frame_->set_shown(window_frame::side::right, shown); });
+    connect(actions[command::all_vistels], &QAction::triggered, session, [session] { session->enlarge({}); });
+    connect(actions[command::next_vistel], &QAction::triggered, session, &event_session::enlarge_next);
+    connect(actions[command::theme_desktop], &QAction::triggered, this, [this] { choose_theme({}); });
+    connect(actions[command::theme_dark], &QAction::triggered, this, [this] { choose_theme("dark"); });
+    connect(actions[command::theme_light], &QAction::triggered, this, [this] { choose_theme("light"); });
+    connect(actions[command::full_screen], &QAction::triggered, this,
+            [this](bool full) { full ? showFullScreen() : showNormal(); });
+}
+
+void main_window::connect_window_commands() {
+    const window_actions& actions = *actions_;
+    connect(actions[command::tab_code], &QAction::triggered, this, [this] { show_tab(0); });
+    connect(actions[command::tab_review], &QAction::triggered, this, [this] { show_tab(1); });
+    connect(actions[command::minimize], &QAction::triggered, this, &QWidget::showMinimized);
+    connect(actions[command::keys], &QAction::triggered, this, [this] {
+        auto* window = new keys_window(*actions_, session_->shown_event(), this);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->open();
+    });
+    connect(actions[command::about], &QAction::triggered, this, [this] {
+        QMessageBox::about(
+            this, tr("About Vistels"),
+            tr("Vistels %1\n\nVideo analysis of sport: cameras in step, coded by keys and buttons.\n\n"
+               "Free software under the GNU General Public License, version 3 or later.")
+                .arg(QLatin1String(VISTELS_VERSION)));
+    });
+}
+
+}  // namespace vistels

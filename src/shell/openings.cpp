@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/openings.h"
+
+#include <filesystem>
+
+#include "app/vaults.h"
+#include "util/file_system.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr const char* collections_folder = "Video Groups";
+
+std::string absolute(const std::string& path) {
+    std::error_code failed;
+    const auto whole = std::filesystem::weakly_canonical(path, failed);
+    return failed ? path : whole.string();
+}
+
+bool is_vault(const std::string& folder) {
+    return is_folder(folder) && folder.ends_with(vault_ending);
+}
+
+bool holds_collection(const std::string& folder) {
+    return file_exists(path_join(folder, collection_file_name));
+}
+
+// The collection that `path` is or lies in, looking no further up than its vault.
+std::string collection_of(const std::string& path) {
+    for (std::string at = path; at.size() > 1 && at != "." && !is_vault(at); at = path_folder(at)) {
+        if (holds_collection(at)) return at;
+    }
+    return {};
+}
+
+}  // namespace
+
+result<opening> what_to_open(const std::vector<std::string>& paths) {
+    opening found;
+    for (const auto& given : paths) {
+        const std::string path = absolute(given);
+        if (!file_exists(path) && !is_folder(path)) return failure{"“" + given + "” is not there."};
+        opening one;
+        if (is_vault(path)) {
+            one = {opening::kind::vault, path, {}};
+        } else if (!is_folder(path) && is_movie_name(path)) {
+            one = {opening::kind::movies, {}, {path}};
+        } else if (const auto folder = collection_of(path); !folder.empty()) {
+            one = {opening::kind::collection, folder, {}};
+        } else {
+            return failure{"“" + given + "” is neither a vault nor a collection nor a movie."};
+        }
+        const bool more_movies = one.what == opening::kind::movies && found.what == opening::kind::movies;
+        if (found.what != opening::kind::nothing && !more_movies) {
+            return failure{"“" + given + "” can't be opened together with what stands before it."};
+        }
+        if (more_movies) one.movies.insert(one.movies.begin(), found.movies.begin(), found.movies.end());
+        found = std::move(one);
+    }
+    return found;
+}
+
+std::string first_collection_in(const std::string& vault) {
+    const auto content = scan_vault(vault);
+    if (!content) return {};
+    std::string first;
+    for (const auto& item : content.value().items) {
+        if (item.kind != item_kind::collection) continue;
+        if (first.empty() || natural_before(item.full_file_path, first)) first = item.full_file_path;
+    }
+    return first;
+}
+
+std::string collection_to_reopen(const home_places& places, const std::string& open_last) {
+    if (!open_last.empty() && holds_collection(open_last)) return open_last;
+    return first_collection_in(places.home_vault);
+}
+
+std::string new_collection_folder(const std::string& vault, const std::string& name) {
+    std::string clean = name;
+    for (char& one : clean) {
+        if (one == '/' || one == ':' || static_cast<unsigned char>(one) < ' ') one = '-';
+    }
+    while (!clean.empty() && (clean.front() == '.' || clean.front() == ' ')) clean.erase(0, 1);
+    if (clean.empty()) clean = "Collection";
+    const std::string parent = path_join(vault, collections_folder);
+    std::string folder = path_join(parent, clean);
+    for (int number = 2; file_exists(folder) || is_folder(folder); ++number) {
+        folder = path_join(parent, clean + " " + std::to_string(number));
+    }
+    return folder;
+}
+
+std::string name_from_movies(const std::vector<std::string>& movies) {
+    if (movies.empty()) return "Collection";
+    const std::string stem = std::filesystem::path(movies.front()).stem().string();
+    return stem.empty() ? "Collection" : stem;
+}
+
+}  // namespace vistels

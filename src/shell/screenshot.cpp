@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/screenshot.h"
+
+#include <QPixmap>
+#include <chrono>
+#include <utility>
+
+#include "shell/event_opener.h"
+#include "shell/event_session.h"
+#include "shell/main_window.h"
+#include "shell/timeline_view.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr auto interval = std::chrono::milliseconds(50);
+constexpr int most_looks = 600;
+// The pictures stand, and animations are over, when this many looks in a row found nothing under way.
+constexpr int enough_looks = 10;
+
+}  // namespace
+
+screenshot::screenshot(main_window& window, std::string file, double at_seconds,
+                       std::function<void(bool)> done)
+    : window_(window), file_(std::move(file)), at_seconds_(at_seconds), done_(std::move(done)) {
+    connect(&window.opener(), &event_opener::settled, this, [this] {
+        if (!window_.session().is_open()) finish(false);
+    });
+    timer_.setInterval(interval);
+    connect(&timer_, &QTimer::timeout, this, &screenshot::look);
+    timer_.start();
+}
+
+void screenshot::prepare() {
+    prepared_ = true;
+    event_session& session = window_.session();
+    if (at_seconds_ >= 0) session.seek(at_seconds_);
+    const double now = session.shown_event()->playback().collection_time();
+    select_clip(now);
+    session.seek(now);
+}
+
+void screenshot::select_clip(double seconds) {
+    std::string last;
+    double start = -1;
+    for (const auto& row : window_.session().shown_event()->timeline().timeline().rows()) {
+        for (const auto& clip : row->clips()) {
+            if (clip->secs_start() > seconds || clip->secs_start() <= start) continue;
+            start = clip->secs_start();
+            last = clip->id();
+        }
+    }
+    if (!last.empty()) window_.timeline().select({last});
+}
+
+void screenshot::look() {
+    event_session& session = window_.session();
+    if (!session.is_open()) return;
+    if (++looks_ > most_looks) return finish(false);
+    if (!session.has_all_pictures()) return;
+    if (!prepared_) return prepare();
+    settled_looks_ = session.shown_event()->playback().is_settled() ? settled_looks_ + 1 : 0;
+    if (settled_looks_ < enough_looks) return;
+    finish(window_.grab().save(QString::fromStdString(file_)));
+}
+
+void screenshot::finish(bool written) {
+    timer_.stop();
+    done_(written);
+}
+
+}  // namespace vistels

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/timeline_rows.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace vistels {
+namespace {
+
+constexpr int most_stars = 5;
+
+// Numbers for the colours of a row's clips.
+class row_palette {
+  public:
+    explicit row_palette(std::vector<QColor>& colours) : colours_(colours) {}
+
+    std::uint8_t number_of(const QColor& colour) {
+        const auto [found, is_new] = numbers_.try_emplace(colour.rgb(), colours_.size());
+        if (is_new) {
+            // More colours than can be told apart share the last number.
+            if (colours_.size() > 255) return static_cast<std::uint8_t>(found->second = 255);
+            colours_.push_back(colour);
+        }
+        return static_cast<std::uint8_t>(found->second);
+    }
+
+  private:
+    std::vector<QColor>& colours_;
+    std::unordered_map<QRgb, std::size_t> numbers_;
+};
+
+int height_of(const sxy_ROW& record, const theme_metrics& metrics, bool compact) {
+    const double stored = record.height();
+    if (compact && stored == sxy_ROW::default_height) return metrics.row_small_height;
+    return std::clamp(static_cast<int>(stored), metrics.row_least_height, metrics.row_greatest_height);
+}
+
+void read_clips(timeline_row& row) {
+    if (!row.record) return;
+    const clip_list& records = row.record->clips();
+    std::vector<track_clip> shown;
+    std::vector<track_clip> dimmed;
+    std::vector<track_clip> selected;
+    shown.reserve(records.size());
+    row.palette.clear();
+    row.extras.clear();
+    row.extras.reserve(records.size());
+    row_palette palette(row.palette);
+    std::uint32_t index = 0;
+    for (const clip_pointer& record : records) {
+        const auto colour = record->col();
+        const bool passes = record->filtered_in();
+        const track_clip clip{record->secs_start(), record->secs_end(), index++,
+                              palette.number_of(colour ? to_qt(*colour) : row.colour), !passes};
+        (passes ? shown : dimmed).push_back(clip);
+        if (record->selected()) selected.push_back(clip);
+        const auto stars = static_cast<std::uint8_t>(std::clamp(record->stars(), 0, most_stars));
+        const bool noted = !record->note_text().empty();
+        row.extras.push_back(noted ? stars | timeline_row::has_note : stars);
+    }
+    row.clips = index;
+    row.passing = static_cast<std::uint32_t>(shown.size());
+    row.shown.assign(std::move(shown));
+    row.dimmed.assign(std::move(dimmed));
+    row.selected.assign(std::move(selected));
+}
+
+}  // namespace
+
+void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, bool compact) {
+    rows_.clear();
+    compact_ = compact;
+    int top = 0;
+    std::size_t number = 0;
+    for (const row_pointer& record : timeline.rows()) {
+        const auto colour = record->col();
+        const QColor given = colour ? to_qt(*colour) : look.item_colour(number);
+        ++number;
+        if (record->real_height() && record->height() <= 0) continue;  // hidden
+        timeline_row row;
+        row.uuid = record->uuid();
+        row.name = QString::fromStdString(record->name());
+        row.colour = given;
+        row.top = top;
+        row.height = height_of(*record, look.metrics, compact);
+        row.record = record;
+        read_clips(row);
+        top += row.height;
+        rows_.push_back(std::move(row));
+    }
+    read_live(timeline);
+}
+
+void timeline_rows::update(const sxy_DATA_root& timeline, const change_set& change, const theme& look) {
+    if ((change.kinds & change_set::rows_changed) != 0) {
+        read(timeline, look, compact_);
+        return;
+    }
+    for (const shared_text& uuid : change.rows) {
+        const std::size_t index = row_with(uuid);
+        if (index == size()) continue;
+        rows_[index].record = timeline.row(uuid);
+        read_clips(rows_[index]);
+    }
+    read_live(timeline);
+}
+
+void timeline_rows::clear() {
+    rows_.clear();
+}
+
+std::size_t timeline_rows::row_at(int y) const {
+    if (y < 0) return size();
+    const auto found = std::upper_bound(rows_.begin(), rows_.end(), y, [](int at, const timeline_row& row) {
+        return at < row.top + row.height;
+    });
+    return static_cast<std::size_t>(found - rows_.begin());
+}
+
+std::size_t timeline_rows::row_with(const shared_text& uuid) const {
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [&uuid](const timeline_row& row) { return row.uuid == uuid; });
+    return static_cast<std::size_t>(found - rows_.begin());
+}
+
+void timeline_rows::read_live(const sxy_DATA_root& timeline) {
+    for (timeline_row& row : rows_) row.live.clear();
+    for (const clip_place& place : timeline.live_clips()) {
+        const std::size_t index = row_with(place.row);
+        if (index == size()) continue;
+        const auto colour = place.clip->col();
+        rows_[index].live.push_back({place.clip, colour ? to_qt(*colour) : rows_[index].colour});
+    }
+}
+
+clip_pointer clip_of(const timeline_row& row, std::uint32_t index) {
+    if (!row.record || index >= row.record->clips().size()) return nullptr;
+    return row.record->clips()[index];
+}
+
+}  // namespace vistels

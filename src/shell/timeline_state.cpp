@@ -1,0 +1,333 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/timeline_state.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "shell/clip_edits.h"
+#include "util/clock.h"
+#include "util/uuid.h"
+
+namespace vistels {
+namespace {
+
+constexpr double least_reach_seconds = 10;
+constexpr double follow_share = 0.85;
+constexpr double snap_pixels = 6;
+
+}  // namespace
+
+timeline_state::timeline_state() {
+    theme_changed_ = theme::changed().connect([this] { read_rows(); });
+}
+
+void timeline_state::set_timeline(timeline_document* document, transport* playing) {
+    document_ = document;
+    playing_ = playing;
+    changed_.disconnect();
+    last_selected_.clear();
+    first_y_ = 0;
+    fits_ = true;
+    if (document_)
+        changed_ = document_->changed.connect([this](const change_set& change) { take_change(change); });
+    playhead_ = playing_ ? playing_->collection_time() : 0;
+    read_rows();
+    selection_changed.emit();
+}
+
+timeline_reach timeline_state::reach() const {
+    return {start_seconds_, end_seconds_, width_};
+}
+
+void timeline_state::set_width(double pixels) {
+    if (pixels == width_) return;
+    width_ = std::max(pixels, 1.0);
+    scale_ = fits_ ? timeline_scale{start_seconds_, reach().fit_seconds_per_pixel()}
+                   : scale_within(reach(), scale_);
+    scale_changed.emit();
+}
+
+void timeline_state::set_reach(double start_seconds, double end_seconds) {
+    start_seconds_ = start_seconds;
+    given_end_seconds_ = end_seconds;
+    grow_reach();
+}
+
+// The reach holds what was given, all clips and the playhead.
+void timeline_state::grow_reach() {
+    const double last = document_ ? document_->timeline().last_end() : 0;
+    const double end = std::max({given_end_seconds_, last, playhead_});
+    end_seconds_ = std::max(end, start_seconds_ + least_reach_seconds);
+    const timeline_scale before = scale_;
+    scale_ = fits_ ? timeline_scale{start_seconds_, reach().fit_seconds_per_pixel()}
+                   : scale_within(reach(), scale_);
+    if (!(scale_ == before)) scale_changed.emit();
+}
+
+void timeline_state::set_scale(const timeline_scale& wanted) {
+    const timeline_scale made = scale_within(reach(), wanted);
+    fits_ = made.seconds_per_pixel >= reach().fit_seconds_per_pixel();
+    const double x = made.x_of(playhead_);
+    follows_ = x >= 0 && x <= width_;
+    if (made == scale_) return;
+    scale_ = made;
+    scale_changed.emit();
+}
+
+void timeline_state::zoom(double factor, double x) {
+    set_scale(scale_zoomed(reach(), scale_, factor, x));
+}
+
+double timeline_state::zoom_anchor() const {
+    const double x = scale_.x_of(playhead_);
+    return x >= 0 && x <= width_ ? x : width_ / 2;
+}
+
+void timeline_state::zoom_in_place(double factor) {
+    zoom(factor, zoom_anchor());
+}
+
+void timeline_state::zoom_to_fit() {
+    set_scale({start_seconds_, reach().fit_seconds_per_pixel()});
+}
+
+void timeline_state::scroll_to(double seconds) {
+    set_scale({seconds, scale_.seconds_per_pixel});
+}
+
+void timeline_state::set_compact(bool compact) {
+    if (compact == compact_) return;
+    compact_ = compact;
+    read_rows();
+}
+
+void timeline_state::set_rows_height(int pixels) {
+    rows_height_ = pixels;
+    scroll_rows_to(first_y_);
+}
+
+void timeline_state::scroll_rows_to(int y) {
+    const int last = std::max(0, rows_.total_height() - rows_height_);
+    const int made = std::clamp(y, 0, last);
+    if (made == first_y_) return;
+    first_y_ = made;
+    rows_scrolled.emit();
+}
+
+void timeline_state::tick() {
+    if (!playing_) return;
+    const double now = playing_->collection_time();
+    const bool plays = playing_->is_playing();
+    if (plays && !was_playing_) follows_ = true;
+    was_playing_ = plays;
+    if (now == playhead_) return;
+    const double jump = std::abs(now - playhead_);
+    playhead_ = now;
+    if (now > end_seconds_) grow_reach();
+    // A jump is somebody's wish to be there; a step of playing is not.
+    if (jump > 1) follows_ = true;
+    follow_playhead();
+    playhead_moved.emit();
+}
+
+void timeline_state::follow_playhead() {
+    const double x = scale_.x_of(playhead_);
+    if (x >= 0 && x <= width_ * follow_share) follows_ = true;
+    if (!follows_) return;
+    timeline_scale wanted = scale_;
+    if (x < 0) {
+        wanted.first_seconds = playhead_ - (1 - follow_share) * width_ * scale_.seconds_per_pixel;
+    } else if (is_playing() || x > width_) {
+        wanted.first_seconds = first_seconds_following(scale_, width_, playhead_, follow_share);
+    }
+    wanted = scale_within(reach(), wanted);
+    if (wanted == scale_) return;
+    scale_ = wanted;
+    scale_changed.emit();
+}
+
+void timeline_state::seek(double seconds) {
+    if (!playing_) return;
+    playing_->seek(std::clamp(seconds, start_seconds_, end_seconds_));
+    tick();
+}
+
+std::vector<std::string> timeline_state::selected() const {
+    std::vector<std::string> found;
+    for (const timeline_row& row : rows_) {
+        for (std::size_t position = 0; position < row.selected.size(); ++position) {
+            if (const auto clip = clip_of(row, row.selected[position].index)) found.push_back(clip->id());
+        }
+    }
+    return found;
+}
+
+std::size_t timeline_state::selected_count() const {
+    std::size_t count = 0;
+    for (const timeline_row& row : rows_) count += row.selected.size();
+    return count;
+}
+
+void timeline_state::mark(const std::vector<std::string>& clips, bool selected, change_set& touched) {
+    for (const std::string& clip : clips) {
+        const auto place = document_->timeline().find_clip(clip);
+        if (!place || place->is_live) continue;
+        place->clip->set_selected(selected);
+        const bool known =
+            std::find(touched.rows.begin(), touched.rows.end(), place->row) != touched.rows.end();
+        if (!known) touched.rows.push_back(place->row);
+    }
+}
+
+void timeline_state::show_marks(const change_set& touched) {
+    rows_.update(document_->timeline(), touched, theme::current());
+    rows_changed.emit();
+    selection_changed.emit();
+}
+
+void timeline_state::select(const std::vector<std::string>& clips) {
+    if (!document_) return;
+    change_set touched;
+    mark(selected(), false, touched);
+    mark(clips, true, touched);
+    last_selected_ = clips.empty() ? std::string() : clips.back();
+    show_marks(touched);
+}
+
+void timeline_state::toggle(const std::string& clip) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place || place->is_live) return;
+    change_set touched;
+    mark({clip}, !place->clip->selected(), touched);
+    last_selected_ = clip;
+    show_marks(touched);
+}
+
+void timeline_state::extend_to(const std::string& clip) {
+    const auto here = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    const auto from = document_ ? document_->timeline().find_clip(last_selected_) : std::nullopt;
+    if (!here || !from || !(here->row == from->row)) {
+        select({clip});
+        return;
+    }
+    const clip_list& clips = document_->timeline().row(here->row)->clips();
+    const auto [first, last] = std::minmax(clips.position(*here->clip), clips.position(*from->clip));
+    std::vector<std::string> wanted;
+    for (std::size_t index = first; index <= last && index < clips.size(); ++index) {
+        if (clips[index]->filtered_in()) wanted.push_back(clips[index]->id());
+    }
+    const std::string anchor = last_selected_;
+    select(wanted);
+    last_selected_ = anchor;
+}
+
+void timeline_state::select_all() {
+    if (!document_) return;
+    for (const row_pointer& row : document_->timeline().rows()) {
+        for (const clip_pointer& clip : row->clips()) clip->set_selected(clip->filtered_in());
+    }
+    refresh_marks();
+}
+
+void timeline_state::refresh_marks() {
+    read_rows();
+    selection_changed.emit();
+}
+
+void timeline_state::go_to(const std::string& clip) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place) return;
+    select({clip});
+    const double start = place->clip->secs_start();
+    seek(start);
+    const double x = scale_.x_of(start);
+    if (x < 0 || x > width_) scroll_to(start - width_ / 2 * scale_.seconds_per_pixel);
+    const std::size_t index = rows_.row_with(place->row);
+    if (index == rows_.size()) return;
+    const timeline_row& row = rows_[index];
+    if (row.top < first_y_) scroll_rows_to(row.top);
+    if (row.top + row.height > first_y_ + rows_height_) scroll_rows_to(row.top + row.height - rows_height_);
+}
+
+bool timeline_state::apply(timeline_edit edit) {
+    if (!document_ || edit.operations.empty()) return false;
+    const auto done = document_->apply(std::move(edit));
+    if (!done) refused.emit(done.message());
+    return bool(done);
+}
+
+void timeline_state::delete_selected() {
+    const std::vector<std::string> clips = selected();
+    if (clips.empty()) return;
+    if (apply(plan_delete_clips(document_->timeline(), clips, std::string(), seconds_since_1970()))) {
+        selection_changed.emit();
+    }
+}
+
+void timeline_state::trim(const std::string& clip, double start, double end) {
+    if (!document_ || !(end > start)) return;
+    apply(plan_clip_times(document_->timeline(), clip, start, end));
+}
+
+void timeline_state::copy(const std::string& clip, double start) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place || place->is_live) return;
+    sxy_CLIP made = *place->clip;
+    made.set_id(new_uuid());
+    made.set_secs_end(start + (made.secs_end() - made.secs_start()));
+    made.set_secs_start(start);
+    made.set_selected(false);
+    const std::string uuid = made.id();
+    if (apply({"Copy Clip", uuid, {operation::insert_clip{place->row, std::move(made)}}})) select({uuid});
+}
+
+void timeline_state::set_snaps(bool snaps) {
+    snaps_ = snaps;
+}
+
+double timeline_state::snapped(double seconds, const std::string& moving_clip) const {
+    if (!snaps_) return seconds;
+    const double reach_seconds = snap_pixels * scale_.seconds_per_pixel;
+    double nearest = seconds;
+    double nearest_distance = reach_seconds;
+    const auto consider = [&](double edge) {
+        const double distance = std::abs(edge - seconds);
+        if (distance > nearest_distance) return;
+        nearest = edge;
+        nearest_distance = distance;
+    };
+    for (const timeline_row& row : rows_) {
+        const clip_track& track = row.shown;
+        for (std::size_t at = track.first_reaching(seconds - reach_seconds); at < track.size(); ++at) {
+            if (track[at].start > seconds + reach_seconds) break;
+            const auto clip = clip_of(row, track[at].index);
+            if (!clip || clip->id() == moving_clip) continue;
+            consider(track[at].start);
+            consider(track[at].end);
+        }
+    }
+    consider(playhead_);  // last, so that it wins when equally near
+    return nearest;
+}
+
+void timeline_state::take_change(const change_set& change) {
+    const std::size_t selected_before = selected_count();
+    rows_.update(document_->timeline(), change, theme::current());
+    scroll_rows_to(first_y_);
+    grow_reach();
+    rows_changed.emit();
+    if (selected_count() != selected_before) selection_changed.emit();
+}
+
+void timeline_state::read_rows() {
+    if (document_) {
+        rows_.read(document_->timeline(), theme::current(), compact_);
+    } else {
+        rows_.clear();
+    }
+    scroll_rows_to(first_y_);
+    grow_reach();
+    rows_changed.emit();
+}
+
+}  // namespace vistels

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "shell/timeline_rows.h"
+#include "shell/timeline_scale.h"
+#include "timeline/timeline_document.h"
+#include "util/result.h"
+#include "util/signal.h"
+#include "util/transport.h"
+
+namespace vistels {
+
+// What the parts of a timeline pane have in common: the rows as drawn, the scale, the playhead, what is
+// selected. Turns the user's wishes into marks, edits and seeks. Main thread.
+class timeline_state {
+  public:
+    timeline_state();
+
+    void set_timeline(timeline_document* document, transport* playing);
+    bool has_timeline() const { return document_ != nullptr; }
+
+    // The scale, and what it may show. The width is that of the clips' part.
+    const timeline_scale& scale() const { return scale_; }
+    timeline_reach reach() const;
+    void set_width(double pixels);
+    double width() const { return width_; }
+    void set_reach(double start_seconds, double end_seconds);
+    // As near to it as the reach allows. A scale set by the user ends the following of the playhead until it
+    // is in view again.
+    void set_scale(const timeline_scale& wanted);
+    void zoom(double factor, double x);
+    // About the playhead when it is in view, else about the middle.
+    void zoom_in_place(double factor);
+    double zoom_anchor() const;
+    void zoom_to_fit();
+    void scroll_to(double seconds);
+
+    const timeline_rows& rows() const { return rows_; }
+    void set_compact(bool compact);
+    int first_y() const { return first_y_; }  // pixels that are scrolled out above
+    void set_rows_height(int pixels);         // the height of the rows' part
+    int rows_height() const { return rows_height_; }
+    void scroll_rows_to(int y);
+
+    double playhead() const { return playhead_; }
+    bool is_playing() const { return playing_ != nullptr && playing_->is_playing(); }
+    // Reads the transport.
+    void tick();
+    void seek(double seconds);
+
+    // The UUIDs of what is selected, in row order.
+    std::vector<std::string> selected() const;
+    std::size_t selected_count() const;
+    // By UUID; unknown ones are passed over.
+    void select(const std::vector<std::string>& clips);
+    void toggle(const std::string& clip);
+    // From the clip that was selected last up to this one, when both are in one row.
+    void extend_to(const std::string& clip);
+    void select_all();
+    void refresh_marks();
+    void go_to(const std::string& clip);
+
+    // Refused edits leave everything as it is; `refused` tells why.
+    void delete_selected();
+    void trim(const std::string& clip, double start, double end);
+    void copy(const std::string& clip, double start);
+
+    bool snaps() const { return snaps_; }
+    void set_snaps(bool snaps);
+    // The nearest of the playhead and the edges of other clips, when it is near and snapping is on.
+    double snapped(double seconds, const std::string& moving_clip) const;
+
+    signal<> scale_changed;
+    signal<> rows_changed;  // clips, marks, live ones, row positions
+    signal<> rows_scrolled;
+    signal<> playhead_moved;
+    signal<> selection_changed;
+    signal<const std::string&> refused;
+
+  private:
+    void take_change(const change_set& change);
+    void read_rows();
+    void grow_reach();
+    bool apply(timeline_edit edit);
+    // Sets the mark and adds the clips' rows to `touched`.
+    void mark(const std::vector<std::string>& clips, bool selected, change_set& touched);
+    void show_marks(const change_set& touched);
+    void follow_playhead();
+
+    timeline_document* document_ = nullptr;
+    transport* playing_ = nullptr;
+    timeline_scale scale_;
+    double width_ = 1;
+    double start_seconds_ = 0;
+    double given_end_seconds_ = 0;
+    double end_seconds_ = 0;
+    bool fits_ = true;  // the whole reach is in view and stays so
+    timeline_rows rows_;
+    bool compact_ = false;
+    int first_y_ = 0;
+    int rows_height_ = 0;
+    double playhead_ = 0;
+    bool was_playing_ = false;
+    bool follows_ = true;
+    bool snaps_ = true;
+    std::string last_selected_;
+    connection changed_;
+    connection theme_changed_;
+};
+
+}  // namespace vistels

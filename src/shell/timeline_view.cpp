@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/timeline_view.h"
+
+#include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "shell/controls.h"
+#include "shell/pane_header.h"
+#include "shell/theme.h"
+#include "shell/timeline_canvas.h"
+#include "shell/timeline_parts.h"
+#include "shell/timeline_state.h"
+
+namespace vistels {
+namespace {
+
+constexpr double button_zoom = 1.5;
+
+}  // namespace
+
+timeline_view::timeline_view(QWidget* parent) : QWidget(parent), state_(std::make_unique<timeline_state>()) {
+    setObjectName(QStringLiteral("timeline_view"));
+    setAccessibleName(tr("Timeline pane"));
+    build_header();
+    names_ = new timeline_names(*state_, this);
+    canvas_ = new timeline_canvas(*state_, this);
+    whole_ = new timeline_whole_event(*state_, this);
+    rows_bar_ = new QScrollBar(Qt::Vertical, this);
+    rows_bar_->setObjectName(QStringLiteral("timeline_rows_bar"));
+    rows_bar_->setAccessibleName(tr("Scroll rows"));
+    connect(rows_bar_, &QScrollBar::valueChanged, this, [this](int y) { state_->scroll_rows_to(y); });
+    connections_.push_back(state_->scale_changed.connect([this] { follow_scale(); }));
+    connections_.push_back(state_->rows_changed.connect([this] { follow_rows(); }));
+    connections_.push_back(state_->rows_scrolled.connect([this] { rows_bar_->setValue(state_->first_y()); }));
+    connections_.push_back(state_->selection_changed.connect([this] {
+        show_counts();
+        Q_EMIT selection_changed();
+    }));
+    connections_.push_back(state_->refused.connect(
+        [this](const std::string& why) { Q_EMIT failed(QString::fromStdString(why)); }));
+}
+
+timeline_view::~timeline_view() {
+    // The parts listen to the state, which goes before Qt deletes them.
+    delete canvas_;
+    delete names_;
+    delete whole_;
+}
+
+void timeline_view::build_header() {
+    header_ = new pane_header(QStringLiteral("timeline"), tr("Timeline"), this);
+    const auto add = [this](const char* icon, const char* name, const QString& tip) {
+        auto* button = new icon_button(QLatin1String(icon), tip, this);
+        button->setObjectName(QLatin1String(name));
+        header_->add_control(button);
+        return button;
+    };
+    snap_ = add("snap", "timeline_snap", tr("Snap to the playhead and to clips' edges"));
+    snap_->setCheckable(true);
+    snap_->setChecked(state_->snaps());
+    connect(snap_, &QAbstractButton::toggled, this, [this](bool on) { state_->set_snaps(on); });
+    connect(add("zoom-out", "timeline_zoom_out", tr("Show more (Ctrl+wheel)")), &QAbstractButton::clicked,
+            this, &timeline_view::zoom_out);
+    zoom_ = new value_slider(this);
+    zoom_->setObjectName(QStringLiteral("timeline_zoom"));
+    zoom_->setAccessibleName(tr("Zoom"));
+    zoom_->setToolTip(tr("Zoom"));
+    zoom_->set_has_handle(true);
+    zoom_->setFixedWidth(theme::current().metrics.zoom_slider_width);
+    header_->add_control(zoom_);
+    connect(zoom_, &value_slider::moved, this, [this](double share) {
+        state_->set_scale(scale_with_share(state_->reach(), state_->scale(), share, state_->zoom_anchor()));
+    });
+    connect(add("zoom-in", "timeline_zoom_in", tr("Show less (Ctrl+wheel)")), &QAbstractButton::clicked, this,
+            &timeline_view::zoom_in);
+    connect(add("fit", "timeline_fit", tr("Show the whole event")), &QAbstractButton::clicked, this,
+            &timeline_view::zoom_to_fit);
+}
+
+void timeline_view::set_timeline(timeline_document* document, transport* playing) {
+    state_->set_timeline(document, playing);
+    show_counts();
+}
+
+void timeline_view::set_reach(double start_seconds, double end_seconds) {
+    state_->set_reach(start_seconds, end_seconds);
+}
+
+void timeline_view::tick() {
+    state_->tick();
+}
+void timeline_view::go_to_clip(const std::string& clip) {
+    state_->go_to(clip);
+}
+void timeline_view::select(const std::vector<std::string>& clips) {
+    state_->select(clips);
+}
+void timeline_view::select_all() {
+    state_->select_all();
+}
+void timeline_view::delete_selected() {
+    state_->delete_selected();
+}
+void timeline_view::zoom_in() {
+    state_->zoom_in_place(button_zoom);
+}
+void timeline_view::zoom_out() {
+    state_->zoom_in_place(1 / button_zoom);
+}
+void timeline_view::zoom_to_fit() {
+    state_->zoom_to_fit();
+}
+void timeline_view::refresh_marks() {
+    state_->refresh_marks();
+}
+
+void timeline_view::follow_scale() {
+    zoom_->set_value(zoom_share(state_->reach(), state_->scale()));
+}
+
+void timeline_view::follow_rows() {
+    show_counts();
+    place_parts();
+}
+
+void timeline_view::show_counts() {
+    std::uint32_t clips = 0;
+    std::uint32_t passing = 0;
+    for (const timeline_row& row : state_->rows()) {
+        clips += row.clips;
+        passing += row.passing;
+    }
+    const std::size_t selected = state_->selected_count();
+    QString fact = clips == 1 ? tr("1 clip") : tr("%1 clips").arg(clips);
+    if (passing != clips) fact = tr("%1 of %2 clips").arg(passing).arg(clips);
+    if (selected > 0) fact += tr(" · %1 selected").arg(selected);
+    header_->set_fact(state_->has_timeline() ? fact : QString());
+}
+
+void timeline_view::place_parts() {
+    const theme_metrics& metrics = theme::current().metrics;
+    const int head = metrics.pane_header_height;
+    const int foot = metrics.whole_event_height + 2 * metrics.grid;
+    const int middle = std::max(metrics.ruler_height + metrics.row_least_height, height() - head - foot);
+    const int rows_height = middle - metrics.ruler_height;
+    header_->setGeometry(0, 0, width(), head);
+    names_->setGeometry(0, head, metrics.row_names_width, middle);
+    canvas_->setGeometry(metrics.row_names_width, head, std::max(1, width() - metrics.row_names_width),
+                         middle);
+    whole_->setGeometry(0, head + middle, width(), foot);
+    const int too_much = state_->rows().total_height() - rows_height;
+    const int bar = rows_bar_->sizeHint().width();
+    rows_bar_->setGeometry(width() - bar, head + metrics.ruler_height, bar, rows_height);
+    rows_bar_->setRange(0, std::max(0, too_much));
+    rows_bar_->setPageStep(std::max(1, rows_height));
+    rows_bar_->setSingleStep(metrics.row_height);
+    rows_bar_->setValue(state_->first_y());
+    rows_bar_->setVisible(too_much > 0);
+}
+
+void timeline_view::resizeEvent(QResizeEvent*) {
+    const theme_metrics& metrics = theme::current().metrics;
+    state_->set_compact(window()->height() < metrics.compact_below_height);
+    place_parts();
+}
+
+void timeline_view::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), theme::current().pane);
+}
+
+}  // namespace vistels

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/vistel_pictures.h"
+
+#include <QImage>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+
+#include "app/open_event.h"
+#include "shell/collection_pane.h"
+#include "shell/collection_view.h"
+#include "shell/pane_header.h"
+#include "util/file_system.h"
+#include "video/synchronised_playback.h"
+#include "video/video_coll_Offsets.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr auto size_patience = std::chrono::milliseconds(80);
+
+// The picture's pixels without a copy; they live as long as the image does.
+QImage image_of(const picture_pointer& picture) {
+    if (!picture) return {};
+    auto* held = new picture_pointer(picture);
+    return QImage(
+        picture->bytes.data(), picture->width, picture->height, picture->stride, QImage::Format_RGB32,
+        [](void* pointer) { delete static_cast<picture_pointer*>(pointer); }, held);
+}
+
+std::vector<shown_vistel> vistels_of(const video_collection_ROOT& collection) {
+    const auto all = collection.vistels();
+    const auto grid = grid_layout(all.size());
+    const std::string heard = collection.vistel_for_sound();
+    const bool someone_heard = collection.find_vistel(heard) != nullptr;
+    std::vector<shown_vistel> vistels;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        shown_vistel one;
+        one.uuid = all[i]->uuid();
+        const QString name = QString::fromStdString(all[i]->name());
+        const QString number = QString::number(i + 1);
+        one.name = name.startsWith(number) ? name : number + QLatin1Char(' ') + name;
+        one.frame = all[i]->proportion_rect().value_or(grid[i]);
+        one.has_sound = someone_heard ? one.uuid == heard : i == 0;
+        vistels.push_back(std::move(one));
+    }
+    return vistels;
+}
+
+}  // namespace
+
+vistel_pictures::vistel_pictures(collection_pane& pane) : pane_(pane) {
+    size_time_.setSingleShot(true);
+    size_time_.setInterval(size_patience);
+    connect(&size_time_, &QTimer::timeout, this, &vistel_pictures::tell_sizes);
+    // While a border is dragged the pictures that are there are stretched.
+    connect(&pane.view(), &collection_view::sizes_changed, &size_time_, qOverload<>(&QTimer::start));
+}
+
+void vistel_pictures::set_event(open_event* event) {
+    event_ = event;
+    shown_.clear();
+    pane_.view().set_vistels({});
+    pane_.header().set_name(tr("Collection"));
+    pane_.header().set_fact({});
+    if (!event_) return;
+    show_vistels();
+    show_pictures();
+}
+
+void vistel_pictures::show_vistels() {
+    if (!event_) return;
+    auto vistels = vistels_of(event_->collection());
+    for (auto& one : vistels) {
+        shown_.try_emplace(one.uuid);
+        one.problem = QString::fromStdString(event_->problem(one.uuid));
+    }
+    pane_.view().set_vistels(std::move(vistels));
+}
+
+void vistel_pictures::tell_sizes() {
+    if (!event_) return;
+    for (auto& [vistel, one] : shown_) {
+        // The first picture comes in its movie's own size and tells the aspect.
+        if (one.aspect <= 0) continue;
+        const QSize size = pane_.view().picture_size(vistel);
+        if (size.isEmpty() || size == one.asked) continue;
+        one.asked = size;
+        event_->playback().set_view_size(vistel, size.width(), size.height());
+    }
+}
+
+void vistel_pictures::show_pictures() {
+    if (!event_) return;
+    const bool knew_all = are_complete();
+    for (auto& [vistel, one] : shown_) show_picture(vistel, one);
+    pane_.header().set_fact(fact());
+    if (!knew_all) tell_sizes();
+}
+
+void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
+    const synchronised_playback& playback = event_->playback();
+    collection_view& view = pane_.view();
+    const std::string problem = event_->problem(vistel);
+    if (!problem.empty()) {
+        view.set_problem(vistel, QString::fromStdString(problem));
+        return;
+    }
+    switch (playback.state(vistel)) {
+        case vistel_state::unreadable:
+            return;
+        case vistel_state::blank:
+            one.picture.reset();
+            view.set_gap(vistel, gap_end(vistel));
+            return;
+        case vistel_state::waiting:
+        case vistel_state::showing:
+            break;
+    }
+    view.set_problem(vistel, {});
+    const picture_pointer picture = playback.picture(vistel);
+    if (!picture || picture == one.picture) return;
+    one.picture = picture;
+    if (one.aspect <= 0 && picture->height > 0)
+        one.aspect = static_cast<double>(picture->width) / picture->height;
+    view.set_picture(vistel, image_of(picture), one.aspect);
+}
+
+bool vistel_pictures::are_complete() const {
+    if (!event_) return false;
+    return std::all_of(shown_.begin(), shown_.end(), [this](const auto& one) {
+        const vistel_state state = event_->playback().state(one.first);
+        return one.second.picture || state == vistel_state::blank || state == vistel_state::unreadable;
+    });
+}
+
+QString vistel_pictures::fact() const {
+    const auto count = static_cast<int>(shown_.size());
+    const auto unreadable = std::count_if(shown_.begin(), shown_.end(), [this](const auto& one) {
+        return event_->playback().state(one.first) == vistel_state::unreadable;
+    });
+    if (unreadable > 0) return tr("%1 of %2 vistels play").arg(count - unreadable).arg(count);
+    return count == 1 ? tr("1 vistel") : tr("%1 vistels in step").arg(count);
+}
+
+long long vistel_pictures::frame_number() const {
+    if (!event_) return -1;
+    const auto all = event_->collection().vistels();
+    if (all.empty()) return -1;
+    const std::string enlarged = pane_.view().enlarged();
+    const std::string vistel = enlarged.empty() ? all.front()->uuid() : enlarged;
+    const auto seconds = event_->playback().picture_seconds(vistel);
+    const auto picture = event_->playback().picture(vistel);
+    if (!seconds || !picture || picture->sparse || !(picture->until > picture->time)) return -1;
+    return std::llround(*seconds / (picture->until - picture->time));
+}
+
+double vistel_pictures::gap_end(const std::string& vistel) const {
+    const auto record = event_->collection().find_vistel(vistel);
+    if (!record) return std::numeric_limits<double>::infinity();
+    const vistel_offset offset{record->number(), record->manual_start_offset()};
+    const double lead = lead_for_clips(offsets_of(event_->collection()), offset);
+    const double now = event_->playback().collection_time();
+    for (const double start : record->parts().starts()) {
+        if (start - lead > now) return start - lead;
+    }
+    return std::numeric_limits<double>::infinity();
+}
+
+}  // namespace vistels

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <QTimer>
+#include <map>
+#include <string>
+
+#include "media/picture.h"
+
+namespace vistels {
+
+class collection_pane;
+class open_event;
+
+// Brings the pictures of an event's playback to the collection's view, and the sizes of the views to
+// playback. Main thread.
+class vistel_pictures : public QObject {
+    Q_OBJECT
+  public:
+    // The pane must outlive this object.
+    explicit vistel_pictures(collection_pane& pane);
+
+    // Null: none. The event must outlive its use here.
+    void set_event(open_event* event);
+    // The vistels as they are laid out, named and heard.
+    void show_vistels();
+    // What playback shows by now.
+    void show_pictures();
+
+    // Every vistel shows a picture, or says why it has none.
+    bool are_complete() const;
+    // The number of the frame that the enlarged vistel, or the first, shows, counted from its beginning; -1
+    // when it shows none.
+    long long frame_number() const;
+
+  private:
+    struct shown {
+        picture_pointer picture;
+        double aspect = 0;  // 0: not known yet
+        QSize asked;        // the size that playback was told
+    };
+
+    void tell_sizes();
+    void show_picture(const std::string& vistel, shown& one);
+    QString fact() const;
+    // When there is a picture again, on the collection's clock; infinite: never.
+    double gap_end(const std::string& vistel) const;
+
+    collection_pane& pane_;
+    open_event* event_ = nullptr;
+    QTimer size_time_;
+    std::map<std::string, shown> shown_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/window_actions.h"
+
+#include <QActionGroup>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QWidget>
+#include <array>
+
+namespace vistels {
+
+namespace {
+
+struct action_line {
+    command which;
+    const char* menu;
+    const char* name;  // object name
+    const char* words;
+    const char* keys;  // alternatives separated by blanks
+    const char* tip;
+    bool needs_event = true;
+    bool checkable = false;
+    bool begins_group = false;
+};
+
+// In the order of `command`, which is also that of the menus.
+constexpr action_line action_lines[] = {
+    {command::new_collection, "File", "new_collection", "New Collection from Movies…", "Ctrl+N",
+     "Make a collection in the home vault from movie files", false},
+    {command::open_folder, "File", "open_folder", "Open…", "Ctrl+O", "Open a collection's folder or a vault",
+     false},
+    {command::new_vault, "File", "new_vault", "New Vault…", "", "Make a vault for collections", false},
+    {command::show_folder, "File", "show_folder", "Show in Files", "", "Show the event's folder", true, false,
+     true},
+    {command::save, "File", "save", "Save Now", "Ctrl+S", "Save now; the program also saves by itself"},
+    {command::quit, "File", "quit", "Quit", "Ctrl+Q", "Save and close", false, false, true},
+    {command::undo, "Edit", "undo", "Undo", "Ctrl+Z", "Take back the last change", false},
+    {command::redo, "Edit", "redo", "Redo", "Ctrl+Shift+Z Ctrl+Y", "Do again what was taken back", false},
+    {command::delete_clips, "Edit", "delete_clips", "Delete Clips", "Delete Backspace",
+     "Delete the selected clips", true, false, true},
+    {command::select_all, "Edit", "select_all", "Select All Clips", "Ctrl+A", "Select all clips"},
+    {command::select_none, "Edit", "select_none", "Select None", "Ctrl+Shift+A", "Select no clip"},
+    {command::side_bar, "View", "side_bar", "Side Bar", "Ctrl+B", "Show or hide the side bar", false, true},
+    {command::inspector, "View", "inspector", "Inspector", "Ctrl+I", "Show or hide the inspector", false,
+     true},
+    {command::all_vistels, "View", "all_vistels", "All Vistels", "Ctrl+0", "Show all vistels as laid out",
+     true, false, true},
+    {command::next_vistel, "View", "next_vistel", "Enlarge Next Vistel", "Ctrl+E",
+     "Enlarge one vistel after another"},
+    {command::theme_desktop, "View", "theme_desktop", "Colours of the Desktop", "",
+     "Dark or light as the desktop is", false, true, true},
+    {command::theme_dark, "View", "theme_dark", "Dark", "", "Dark colours", false, true},
+    {command::theme_light, "View", "theme_light", "Light", "", "Light colours", false, true},
+    {command::full_screen, "View", "full_screen", "Full Screen", "F11", "Fill the screen", false, true, true},
+    {command::play, "Play", "play", "Play or Pause", "Space", "Play or pause"},
+    {command::shuttle_back, "Play", "shuttle_back", "Play Backwards", "J", "Play backwards; again: faster"},
+    {command::pause, "Play", "pause", "Pause", "K", "Pause"},
+    {command::shuttle_on, "Play", "shuttle_on", "Play Forwards", "L", "Play; again: faster"},
+    {command::frame_back, "Play", "frame_back", "One Frame Back", "Left", "One frame back", true, false,
+     true},
+    {command::frame_on, "Play", "frame_on", "One Frame On", "Right", "One frame on"},
+    {command::second_back, "Play", "second_back", "One Second Back", "Shift+Left", "One second back"},
+    {command::second_on, "Play", "second_on", "One Second On", "Shift+Right", "One second on"},
+    {command::to_start, "Play", "to_start", "To the Beginning", "Home", "Go to the beginning of the event"},
+    {command::to_end, "Play", "to_end", "To the End", "End", "Go to the end of the event"},
+    {command::rate_half, "Play", "rate_half", "Half Rate", "Alt+1", "Play at half rate", true, false, true},
+    {command::rate_one, "Play", "rate_one", "Normal Rate", "Alt+2", "Play at the normal rate"},
+    {command::rate_two, "Play", "rate_two", "Double Rate", "Alt+3", "Play at double rate"},
+    {command::loop, "Play", "loop", "Loop", "Ctrl+L", "Play the selected clip, or the event, again and again",
+     true, true, true},
+    {command::mute, "Play", "mute", "Mute", "M", "Sound off and on", true, true},
+    {command::louder, "Play", "louder", "Louder", "Ctrl+Up", "More volume"},
+    {command::softer, "Play", "softer", "Softer", "Ctrl+Down", "Less volume"},
+    {command::release_buttons, "Code", "release_buttons", "Release All Buttons", "Shift+Esc",
+     "Let every button that is down come up"},
+    {command::zoom_in, "Timeline", "zoom_in", "Zoom In",
+     "Ctrl++ Ctrl+=", "Show less of the timeline, larger"},
+    {command::zoom_out, "Timeline", "zoom_out", "Zoom Out", "Ctrl+-", "Show more of the timeline"},
+    {command::zoom_fit, "Timeline", "zoom_fit", "Whole Event", "Ctrl+9", "Show the whole event"},
+    {command::clip_before, "Timeline", "clip_before", "Clip Before", "Ctrl+Left",
+     "Go to the start of the clip before", true, false, true},
+    {command::clip_after, "Timeline", "clip_after", "Clip After", "Ctrl+Right",
+     "Go to the start of the next clip"},
+    {command::mark_in, "Timeline", "mark_in", "Start Clip Here", "I",
+     "The selected clip starts at the playhead", true, false, true},
+    {command::mark_out, "Timeline", "mark_out", "End Clip Here", "O",
+     "The selected clip ends at the playhead"},
+    {command::play_clip, "Timeline", "play_clip", "Play Clip", "Shift+Space", "Play the selected clip"},
+    {command::tab_code, "Window", "tab_code", "Code", "Ctrl+1", "Video, code window and timeline", false},
+    {command::tab_review, "Window", "tab_review", "Review", "Ctrl+2", "Video and timeline", false},
+    {command::minimize, "Window", "minimize", "Minimize", "Ctrl+M", "Put the window away", false, false,
+     true},
+    {command::keys, "Help", "keys", "Keys", "F1", "What the keys do", false},
+    {command::about, "Help", "about", "About Vistels", "", "About this program", false, false, true},
+};
+
+const char* const menu_order[] = {"File", "Edit", "View", "Play", "Code", "Timeline", "Window", "Help"};
+
+QList<QKeySequence> key_sequences(const char* keys) {
+    QList<QKeySequence> all;
+    for (const QString& one : QString::fromLatin1(keys).split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        all << QKeySequence(one);
+    }
+    return all;
+}
+
+}  // namespace
+
+window_actions::window_actions(QWidget& window) : QObject(&window) {
+    for (const auto& line : action_lines) {
+        auto* action = new QAction(tr(line.words), this);
+        action->setObjectName(QLatin1String(line.name));
+        action->setShortcuts(key_sequences(line.keys));
+        action->setToolTip(tr(line.tip));
+        action->setStatusTip(tr(line.tip));
+        action->setCheckable(line.checkable);
+        // A held key repeats only where that is of use.
+        const bool steps = line.which >= command::frame_back && line.which <= command::second_on;
+        action->setAutoRepeat(steps || line.which == command::clip_before ||
+                              line.which == command::clip_after || line.which == command::undo ||
+                              line.which == command::redo);
+        window.addAction(action);
+        actions_.push_back(action);
+    }
+    auto* themes = new QActionGroup(this);
+    for (const command one : {command::theme_desktop, command::theme_dark, command::theme_light}) {
+        themes->addAction((*this)[one]);
+    }
+    set_event_open(false);
+}
+
+QAction* window_actions::operator[](command which) const {
+    return actions_[static_cast<std::size_t>(which)];
+}
+
+void window_actions::fill(QMenuBar& bar) const {
+    for (const char* title : menu_order) {
+        QMenu* menu = bar.addMenu(tr(title));
+        menu->setObjectName(QStringLiteral("menu.") + QLatin1String(title));
+        menu->setToolTipsVisible(true);
+        for (const auto& line : action_lines) {
+            if (qstrcmp(line.menu, title) != 0) continue;
+            if (line.begins_group && !menu->isEmpty()) menu->addSeparator();
+            menu->addAction((*this)[line.which]);
+        }
+    }
+}
+
+void window_actions::set_event_open(bool open) {
+    for (const auto& line : action_lines) {
+        if (line.needs_event) (*this)[line.which]->setEnabled(open);
+    }
+}
+
+}  // namespace vistels

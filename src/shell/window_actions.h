@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QAction>
+#include <QObject>
+#include <vector>
+
+class QMenuBar;
+class QWidget;
+
+namespace vistels {
+
+// Everything that the window's menus and keys can do.
+enum class command {
+    new_collection,
+    open_folder,
+    new_vault,
+    show_folder,
+    save,
+    quit,
+    undo,
+    redo,
+    delete_clips,
+    select_all,
+    select_none,
+    side_bar,
+    inspector,
+    all_vistels,
+    next_vistel,
+    theme_desktop,
+    theme_dark,
+    theme_light,
+    full_screen,
+    play,
+    shuttle_back,
+    pause,
+    shuttle_on,
+    frame_back,
+    frame_on,
+    second_back,
+    second_on,
+    to_start,
+    to_end,
+    rate_half,
+    rate_one,
+    rate_two,
+    loop,
+    mute,
+    louder,
+    softer,
+    release_buttons,
+    zoom_in,
+    zoom_out,
+    zoom_fit,
+    clip_before,
+    clip_after,
+    mark_in,
+    mark_out,
+    play_clip,
+    tab_code,
+    tab_review,
+    minimize,
+    keys,
+    about,
+};
+
+// The window's actions: one for each command, each with a name, a tool tip and, mostly, a key. They belong to
+// the window and work wherever the focus in it is. Main thread.
+class window_actions : public QObject {
+    Q_OBJECT
+  public:
+    explicit window_actions(QWidget& window);
+
+    QAction* operator[](command which) const;
+    // Menus in their order, filled.
+    void fill(QMenuBar& bar) const;
+    const std::vector<QAction*>& all() const { return actions_; }
+    // Those that need an open event.
+    void set_event_open(bool open);
+
+  private:
+    std::vector<QAction*> actions_;  // in the order of `command`
+};
+
+}  // namespace vistels

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSize>
+#include <QWidget>
+
+#include "util/property_value.h"
+
+namespace vistels {
+
+class pane_splitter;
+
+// How the panes of a super tab share its room.
+struct work_sizes {
+    int code_width = 0;    // of the code window
+    int upper_height = 0;  // of what stands above the timeline
+};
+
+// The sizes for a room of that size: the video has the room first, then the code window up to `code_content`,
+// then the timeline, which keeps what it needs to be of use. `beside_picture` is the height of what the
+// collection's pane holds beside the picture.
+work_sizes plan_work_sizes(QSize room, int code_content, int beside_picture, bool with_code);
+
+// A super tab's panes: the collection with the code window beside it, the timeline below. Main thread.
+class work_area : public QWidget {
+    Q_OBJECT
+  public:
+    // Takes the panes over.
+    work_area(QWidget* collection, QWidget* code, QWidget* timeline, QWidget* parent = nullptr);
+
+    // The width at which the code window shows all it has.
+    void set_code_content_width(int width);
+    void set_shows_code(bool shows);
+    bool shows_code() const { return shows_code_; }
+
+    // The sizes the user gave the panes; nothing while they are of the window's own choosing.
+    property_dictionary sizes() const;
+    void set_sizes(const property_dictionary& stored);
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void arrange();
+
+    QWidget* collection_;
+    QWidget* code_;
+    QWidget* timeline_;
+    pane_splitter* rows_;
+    pane_splitter* columns_;
+    int code_content_width_;
+    bool shows_code_ = true;
+};
+
+}  // namespace vistels

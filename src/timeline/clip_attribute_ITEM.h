@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "util/colour_text.h"
+#include "util/property_value.h"
+#include "util/shared_text.h"
+
+namespace vistels {
+
+// An attribute of a qualifier: a finer label on a label. Part of its qual_ITEM, whose lock guards it.
+struct clip_attribute_ITEM {
+    std::string uuid;  // stored as "attr_uuid"
+    shared_text name;
+    shared_text attribute_category;          // may be empty
+    std::optional<double> attribute_time;    // seconds on the collection's clock
+    std::optional<colour> attribute_colour;  // stored with 3 decimals
+    property_dictionary kept;                // stored values that have no field of their own ("x", "y")
+
+    bool operator==(const clip_attribute_ITEM&) const = default;
+};
+
+clip_attribute_ITEM read_clip_attribute(const property_dictionary& stored);
+property_dictionary write_clip_attribute(const clip_attribute_ITEM& attribute);
+
+}  // namespace vistels

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "timeline/sxy_DATA_root.h"
+#include "util/property_value.h"
+#include "util/result.h"
+
+namespace vistels {
+
+// The single changes of which edits are made. They hold UUIDs and values, never pointers into a timeline.
+namespace operation {
+
+struct insert_row {
+    std::size_t index = 0;  // raised to the number of rows at most
+    sxy_ROW row;            // without clips
+};
+struct remove_row {
+    shared_text row;  // must have no clips
+};
+struct move_row {
+    shared_text row;
+    std::size_t index = 0;
+};
+// Sets and takes away stored values of a row by their stored keys.
+struct change_row {
+    shared_text row;
+    property_dictionary set;
+    property_array unset;
+};
+struct insert_clip {
+    shared_text row;
+    sxy_CLIP clip;
+};
+// Takes away a clip, in a row or live.
+struct remove_clip {
+    std::string clip;
+};
+// Sets and takes away stored values of a clip by their stored keys ("time_start", "stars", "color" ...).
+struct change_clip {
+    std::string clip;
+    property_dictionary set;
+    property_array unset;
+};
+struct move_clip {
+    std::string clip;
+    shared_text row;
+};
+struct insert_qualifier {
+    std::string clip;
+    std::size_t index = 0;  // raised to the number of qualifiers at most
+    qual_ITEM qualifier;
+};
+struct remove_qualifier {
+    std::string clip;
+    std::string qualifier;
+};
+// A clip begins to grow: its button is down. It is in no row until finish_clip.
+struct begin_clip {
+    shared_text row;
+    sxy_CLIP clip;
+};
+// A growing clip gets its times and goes into its row.
+struct finish_clip {
+    std::string clip;
+    double secs_start = 0;
+    double secs_end = 0;
+};
+
+using any = std::variant<insert_row, remove_row, move_row, change_row, insert_clip, remove_clip, change_clip,
+                         move_clip, insert_qualifier, remove_qualifier, begin_clip, finish_clip>;
+
+}  // namespace operation
+
+// One change of a timeline as a person sees it, planned whole and applied whole.
+struct timeline_edit {
+    std::string name;   // shown in the undo menu: "Shot", "Delete 3 Clips"
+    std::string scope;  // the object that it belongs to; edits of one scope and name may be merged by undo
+    std::vector<operation::any> operations;
+};
+
+// What an edit touched.
+struct change_set {
+    enum kind : unsigned {
+        rows_changed = 1,        // a row came, went, moved or changed
+        clips_changed = 2,       // a clip came, went, moved or changed
+        qualifiers_changed = 4,  // of a clip
+        live_changed = 8,        // a growing clip came, went or changed
+        everything = 15,
+    };
+    unsigned kinds = 0;
+    std::vector<shared_text> rows;   // each once
+    std::vector<std::string> clips;  // UUIDs, each once
+    std::uint64_t revision = 0;      // of the timeline after the edit
+};
+
+// Applies the operations in order and returns the edit that takes them back. When one cannot be done the
+// timeline is left as it was. `touched` is added to. A finished clip is taken back by taking the clip away, a
+// begun one too.
+result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched);
+
+// The edit that deletes the clips (unknown UUIDs are passed over) and leaves a tombstone of each in its row.
+// `now` in seconds since 1970.
+timeline_edit plan_delete_clips(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
+                                const std::string& author, double now);
+
+// The stored form, for the journal and the undo history.
+property_dictionary write_edit(const timeline_edit& edit);
+result<timeline_edit> read_edit(const property_dictionary& stored);
+
+}  // namespace vistels

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "timeline/timeline_edit.h"
+
+namespace vistels {
+
+namespace {
+
+// Each operation beside its reader: the code under "do", then its values.
+
+property_dictionary write_one(const operation::insert_row& one) {
+    property_dictionary stored;
+    stored.add("do", "insert row");
+    stored.add("index", static_cast<std::int64_t>(one.index));
+    stored.add("values", write_row_values(one.row, 0));
+    return stored;
+}
+
+property_dictionary write_one(const operation::remove_row& one) {
+    property_dictionary stored;
+    stored.add("do", "remove row");
+    stored.add("row", one.row.str());
+    return stored;
+}
+
+property_dictionary write_one(const operation::move_row& one) {
+    property_dictionary stored;
+    stored.add("do", "move row");
+    stored.add("row", one.row.str());
+    stored.add("index", static_cast<std::int64_t>(one.index));
+    return stored;
+}
+
+property_dictionary write_one(const operation::change_row& one) {
+    property_dictionary stored;
+    stored.add("do", "change row");
+    stored.add("row", one.row.str());
+    stored.add("set", one.set);
+    stored.add("unset", one.unset);
+    return stored;
+}
+
+property_dictionary clip_in_row(const char* code, const shared_text& row, const sxy_CLIP& clip) {
+    property_dictionary stored;
+    stored.add("do", code);
+    stored.add("row", row.str());
+    stored.add("values", write_clip(clip));
+    return stored;
+}
+
+property_dictionary write_one(const operation::insert_clip& one) {
+    return clip_in_row("insert clip", one.row, one.clip);
+}
+
+property_dictionary write_one(const operation::begin_clip& one) {
+    return clip_in_row("begin clip", one.row, one.clip);
+}
+
+property_dictionary write_one(const operation::remove_clip& one) {
+    property_dictionary stored;
+    stored.add("do", "remove clip");
+    stored.add("clip", one.clip);
+    return stored;
+}
+
+property_dictionary write_one(const operation::change_clip& one) {
+    property_dictionary stored;
+    stored.add("do", "change clip");
+    stored.add("clip", one.clip);
+    stored.add("set", one.set);
+    stored.add("unset", one.unset);
+    return stored;
+}
+
+property_dictionary write_one(const operation::move_clip& one) {
+    property_dictionary stored;
+    stored.add("do", "move clip");
+    stored.add("clip", one.clip);
+    stored.add("row", one.row.str());
+    return stored;
+}
+
+property_dictionary write_one(const operation::insert_qualifier& one) {
+    property_dictionary stored;
+    stored.add("do", "insert qualifier");
+    stored.add("clip", one.clip);
+    stored.add("index", static_cast<std::int64_t>(one.index));
+    stored.add("values", write_qual_item(one.qualifier));
+    return stored;
+}
+
+property_dictionary write_one(const operation::remove_qualifier& one) {
+    property_dictionary stored;
+    stored.add("do", "remove qualifier");
+    stored.add("clip", one.clip);
+    stored.add("qualifier", one.qualifier);
+    return stored;
+}
+
+property_dictionary write_one(const operation::finish_clip& one) {
+    property_dictionary stored;
+    stored.add("do", "finish clip");
+    stored.add("clip", one.clip);
+    stored.add("start", one.secs_start);
+    stored.add("end", one.secs_end);
+    return stored;
+}
+
+property_dictionary dictionary_or_empty(const property_dictionary& stored, const char* key) {
+    const auto* found = stored.dictionary(key);
+    return found ? *found : property_dictionary();
+}
+
+property_array array_or_empty(const property_dictionary& stored, const char* key) {
+    const auto* found = stored.array(key);
+    return found ? *found : property_array();
+}
+
+std::optional<operation::any> read_row_operation(const std::string& code, const property_dictionary& stored) {
+    const auto index =
+        static_cast<std::size_t>(std::max<std::int64_t>(stored.integer("index").value_or(0), 0));
+    const shared_text row(stored.text_or_empty("row"));
+    if (code == "insert row") {
+        return operation::insert_row{index, read_row_values(dictionary_or_empty(stored, "values"), 0)};
+    }
+    if (code == "remove row") return operation::remove_row{row};
+    if (code == "move row") return operation::move_row{row, index};
+    if (code == "change row") {
+        return operation::change_row{row, dictionary_or_empty(stored, "set"),
+                                     array_or_empty(stored, "unset")};
+    }
+    return std::nullopt;
+}
+
+std::optional<operation::any> read_clip_operation(const std::string& code,
+                                                  const property_dictionary& stored) {
+    const auto index =
+        static_cast<std::size_t>(std::max<std::int64_t>(stored.integer("index").value_or(0), 0));
+    const shared_text row(stored.text_or_empty("row"));
+    const std::string clip = stored.text_or_empty("clip");
+    if (code == "insert clip" || code == "begin clip") {
+        auto values = read_clip(dictionary_or_empty(stored, "values"));
+        if (!values) return std::nullopt;
+        if (code == "insert clip") return operation::insert_clip{row, std::move(*values)};
+        return operation::begin_clip{row, std::move(*values)};
+    }
+    if (code == "remove clip") return operation::remove_clip{clip};
+    if (code == "change clip") {
+        return operation::change_clip{clip, dictionary_or_empty(stored, "set"),
+                                      array_or_empty(stored, "unset")};
+    }
+    if (code == "move clip") return operation::move_clip{clip, row};
+    if (code == "insert qualifier") {
+        return operation::insert_qualifier{clip, index,
+                                           read_qual_item(dictionary_or_empty(stored, "values"))};
+    }
+    if (code == "remove qualifier") {
+        return operation::remove_qualifier{clip, stored.text_or_empty("qualifier")};
+    }
+    const auto start = stored.number("start");
+    const auto end = stored.number("end");
+    if (code == "finish clip" && start && end) return operation::finish_clip{clip, *start, *end};
+    return std::nullopt;
+}
+
+}  // namespace
+
+property_dictionary write_edit(const timeline_edit& edit) {
+    property_array operations;
+    for (const auto& one : edit.operations) {
+        operations.emplace_back(std::visit([](const auto& concrete) { return write_one(concrete); }, one));
+    }
+    property_dictionary stored;
+    stored.add("name", edit.name);
+    if (!edit.scope.empty()) stored.add("scope", edit.scope);
+    stored.add("operations", std::move(operations));
+    return stored;
+}
+
+result<timeline_edit> read_edit(const property_dictionary& stored) {
+    timeline_edit edit{stored.text_or_empty("name"), stored.text_or_empty("scope"), {}};
+    for (const auto& value : array_or_empty(stored, "operations")) {
+        const auto* one = value.dictionary();
+        const std::string code = one ? one->text_or_empty("do") : std::string();
+        auto read = one ? read_row_operation(code, *one) : std::nullopt;
+        if (one && !read) read = read_clip_operation(code, *one);
+        if (!read)
+            return failure{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
+        edit.operations.push_back(std::move(*read));
+    }
+    return edit;
+}
+
+}  // namespace vistels

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "util/file_system.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace vistels {
+
+namespace {
+
+int outcome(int returned) {
+    return returned == 0 ? 0 : errno;
+}
+
+constexpr bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string reason_text(int error_number) {
+    switch (error_number) {
+        case ENOSPC:
+        case EDQUOT:
+            return "there is no space left on the volume";
+        case EROFS:
+            return "the volume is read-only";
+        case EACCES:
+        case EPERM:
+            return "you are not allowed to";
+        case ENOENT:
+            return "there is no such file or folder";
+        case EIO:
+            return "the volume reports an input or output error";
+        case EMFILE:
+        case ENFILE:
+            return "too many files are open";
+        default:
+            return std::strerror(error_number);
+    }
+}
+
+}  // namespace
+
+int file_system::open(const std::string& path, int flags, int& descriptor) {
+    constexpr mode_t readable_by_all = 0644;
+    descriptor = ::open(path.c_str(), flags | O_CLOEXEC, readable_by_all);
+    return descriptor >= 0 ? 0 : errno;
+}
+
+int file_system::write(int descriptor, std::string_view bytes, std::size_t& written) {
+    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
+    written = count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (count < 0) return errno;
+    return count == 0 && !bytes.empty() ? EIO : 0;
+}
+
+int file_system::sync(int descriptor) {
+    return outcome(::fsync(descriptor));
+}
+int file_system::sync_data(int descriptor) {
+    return outcome(::fdatasync(descriptor));
+}
+int file_system::close(int descriptor) {
+    return outcome(::close(descriptor));
+}
+
+int file_system::hard_link(const std::string& from, const std::string& to) {
+    return outcome(::link(from.c_str(), to.c_str()));
+}
+
+int file_system::rename(const std::string& from, const std::string& to) {
+    return outcome(std::rename(from.c_str(), to.c_str()));
+}
+
+int file_system::remove(const std::string& path) {
+    return outcome(::unlink(path.c_str()));
+}
+
+int file_system::sync_folder(const std::string& folder) {
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return errno;
+    int fault = outcome(::fsync(descriptor));
+    if (fault == EINVAL) fault = 0;  // a volume that cannot sync folders keeps them in order itself
+    ::close(descriptor);
+    return fault;
+}
+
+int file_system::make_folder(const std::string& path) {
+    constexpr mode_t searchable_by_all = 0755;
+    return outcome(::mkdir(path.c_str(), searchable_by_all));
+}
+
+int file_system::identity(const std::string& path, file_identity& found) {
+    struct stat state {};
+    if (::stat(path.c_str(), &state) != 0) return errno;
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    found = {state.st_dev, state.st_ino, state.st_size,
+             state.st_mtim.tv_sec * nanoseconds + state.st_mtim.tv_nsec};
+    return 0;
+}
+
+file_system& machine_files() {
+    static file_system files;
+    return files;
+}
+
+failure file_failure(const std::string& path, const std::string& what, int error_number) {
+    return {"\"" + path + "\" " + what + ": " + reason_text(error_number) + "."};
+}
+
+int write_whole(file_system& files, int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        std::size_t written = 0;
+        const int fault = files.write(descriptor, bytes, written);
+        if (fault == EINTR) continue;
+        if (fault != 0) return fault;
+        bytes.remove_prefix(written);
+    }
+    return 0;
+}
+
+result<std::string> read_file(const std::string& path) {
+    int descriptor = -1;
+    if (const int fault = machine_files().open(path, O_RDONLY, descriptor)) {
+        return file_failure(path, "cannot be read", fault);
+    }
+    std::string bytes;
+    struct stat state {};
+    if (::fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode)) {
+        bytes.reserve(static_cast<std::size_t>(state.st_size) + 1);
+    }
+    constexpr std::size_t step = 1 << 16;
+    int fault = 0;
+    for (;;) {
+        const std::size_t have = bytes.size();
+        bytes.resize(std::max(have + step, bytes.capacity()));
+        const ssize_t count = ::read(descriptor, bytes.data() + have, bytes.size() - have);
+        bytes.resize(have + (count > 0 ? static_cast<std::size_t>(count) : 0));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) fault = errno;
+        if (count <= 0) break;
+    }
+    ::close(descriptor);
+    if (fault != 0) return file_failure(path, "cannot be read", fault);
+    return bytes;
+}
+
+result<void> make_folders(const std::string& path, file_system& files) {
+    if (is_folder(path)) return {};
+    const std::string above = path_folder(path);
+    if (above != path && !above.empty()) {
+        if (auto made = make_folders(above, files); !made) return made;
+    }
+    const int fault = files.make_folder(path);
+    if (fault != 0 && fault != EEXIST) return file_failure(path, "could not be made", fault);
+    return {};
+}
+
+std::vector<std::string> names_in_folder(const std::string& folder) {
+    std::vector<std::string> names;
+    DIR* const listing = ::opendir(folder.c_str());
+    if (!listing) return names;
+    while (const dirent* entry = ::readdir(listing)) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+    }
+    ::closedir(listing);
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return natural_before(a, b); });
+    return names;
+}
+
+bool natural_before(std::string_view a, std::string_view b) {
+    const std::string_view whole_a = a;
+    const std::string_view whole_b = b;
+    const auto take_digits = [](std::string_view& text) {
+        std::size_t end = 0;
+        while (end < text.size() && is_digit(text[end])) ++end;
+        std::string_view digits = text.substr(0, end);
+        text.remove_prefix(end);
+        while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
+        return digits;
+    };
+    while (!a.empty() && !b.empty()) {
+        if (is_digit(a.front()) && is_digit(b.front())) {
+            const auto digits_a = take_digits(a);
+            const auto digits_b = take_digits(b);
+            if (digits_a.size() != digits_b.size()) return digits_a.size() < digits_b.size();
+            if (digits_a != digits_b) return digits_a < digits_b;
+        } else {
+            if (a.front() != b.front()) return a.front() < b.front();
+            a.remove_prefix(1);
+            b.remove_prefix(1);
+        }
+    }
+    return a.size() != b.size() ? a.size() < b.size() : whole_a < whole_b;
+}
+
+bool file_exists(const std::string& path) {
+    struct stat state {};
+    return ::stat(path.c_str(), &state) == 0;
+}
+
+bool is_folder(const std::string& path) {
+    struct stat state {};
+    return ::stat(path.c_str(), &state) == 0 && S_ISDIR(state.st_mode);
+}
+
+std::string path_join(std::string_view folder, std::string_view name) {
+    std::string path(folder);
+    if (!path.empty() && path.back() != '/') path += '/';
+    path += name;
+    return path;
+}
+
+std::string path_name(std::string_view path) {
+    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+    const auto slash = path.rfind('/');
+    return std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
+}
+
+std::string path_folder(std::string_view path) {
+    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+    const auto slash = path.rfind('/');
+    if (slash == std::string_view::npos) return ".";
+    return std::string(path.substr(0, slash == 0 ? 1 : slash));
+}
+
+}  // namespace vistels

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <utility>
+
+#include "util/record_lock.h"
+
+namespace vistels {
+
+// What the records share: the lock `lk`, taken for one read or write of a field and let go at once. A copy of
+// a record has a lock of its own.
+class record {
+  protected:
+    template <class Field>
+    Field read(const Field& field) const {
+        const record_guard guard(lk);
+        return field;
+    }
+    template <class Field>
+    void write(Field& field, Field value) const {
+        const record_guard guard(lk);
+        field = std::move(value);
+    }
+
+    mutable record_lock lk;
+};
+
+}  // namespace vistels

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "util/serial_queue.h"
+
+#include <pthread.h>
+
+#include <utility>
+
+namespace vistels {
+
+serial_queue::serial_queue(std::string name) : thread_([this, name = std::move(name)] { run(name); }) {}
+
+serial_queue::~serial_queue() {
+    {
+        const std::lock_guard lock(mutex_);
+        ending_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+}
+
+void serial_queue::post(std::function<void()> work) {
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(work));
+    }
+    wake_.notify_one();
+}
+
+void serial_queue::drain() {
+    std::unique_lock lock(mutex_);
+    idle_.wait(lock, [this] { return waiting_.empty() && !working_; });
+}
+
+void serial_queue::forget_waiting() {
+    const std::lock_guard lock(mutex_);
+    waiting_.clear();
+    if (!working_) idle_.notify_all();
+}
+
+void serial_queue::run(const std::string& name) {
+    pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        wake_.wait(lock, [this] { return ending_ || !waiting_.empty(); });
+        if (waiting_.empty()) return;
+        auto work = std::move(waiting_.front());
+        waiting_.pop_front();
+        working_ = true;
+        lock.unlock();
+        work();
+        work = nullptr;  // what the work held is let go here, not under the lock
+        lock.lock();
+        working_ = false;
+        if (waiting_.empty()) idle_.notify_all();
+    }
+}
+
+}  // namespace vistels

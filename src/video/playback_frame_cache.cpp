@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/playback_frame_cache.h"
+
+#include <iterator>
+#include <utility>
+
+namespace vistels {
+
+namespace {
+
+bool follows(const picture& earlier, const picture& later) {
+    return earlier.until_stamp == later.stamp;
+}
+
+}  // namespace
+
+void playback_frame_cache::insert(picture_pointer made) {
+    picture_pointer& place = frames_[made->stamp];
+    if (place) bytes_ -= place->bytes.size();
+    bytes_ += made->bytes.size();
+    place = std::move(made);
+}
+
+playback_frame_cache::frame_map::const_iterator playback_frame_cache::standing_at(std::int64_t stamp) const {
+    const auto after = frames_.upper_bound(stamp);
+    if (after == frames_.begin()) return frames_.end();
+    const auto before = std::prev(after);
+    return stamp < before->second->until_stamp || before->second->last ? before : frames_.end();
+}
+
+picture_pointer playback_frame_cache::at(std::int64_t stamp) const {
+    const auto found = standing_at(stamp);
+    return found == frames_.end() ? nullptr : found->second;
+}
+
+picture_pointer playback_frame_cache::at_or_before(std::int64_t stamp) const {
+    const auto after = frames_.upper_bound(stamp);
+    return after == frames_.begin() ? nullptr : std::prev(after)->second;
+}
+
+playback_frame_cache::run playback_frame_cache::run_at(std::int64_t stamp) const {
+    const auto found = standing_at(stamp);
+    if (found == frames_.end()) return {stamp, stamp, 0, 0, false};
+    auto first = found;
+    run held;
+    while (first != frames_.begin() && follows(*std::prev(first)->second, *first->second)) {
+        --first;
+        ++held.frames_before;
+    }
+    auto last = found;
+    while (std::next(last) != frames_.end() && follows(*last->second, *std::next(last)->second)) {
+        ++last;
+        ++held.frames_after;
+    }
+    held.from = first->first;
+    held.until = last->second->until_stamp;
+    held.reaches_end = last->second->last;
+    return held;
+}
+
+void playback_frame_cache::erase(frame_map::iterator gone) {
+    bytes_ -= gone->second->bytes.size();
+    frames_.erase(gone);
+}
+
+void playback_frame_cache::keep_within(std::size_t budget, std::int64_t stamp, int direction) {
+    while (bytes_ > budget && frames_.size() > 1) {
+        const auto first = frames_.begin();
+        const auto last = std::prev(frames_.end());
+        std::int64_t behind = stamp - first->first;
+        std::int64_t ahead = last->first - stamp;
+        if (direction > 0) ahead /= 2;
+        if (direction < 0) behind /= 2;
+        erase(behind >= ahead ? first : last);
+    }
+}
+
+void playback_frame_cache::forget_sparse() {
+    for (auto place = frames_.begin(); place != frames_.end();) {
+        const auto next = std::next(place);
+        if (place->second->sparse) erase(place);
+        place = next;
+    }
+}
+
+void playback_frame_cache::clear() {
+    frames_.clear();
+    bytes_ = 0;
+}
+
+}  // namespace vistels

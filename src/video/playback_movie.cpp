@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/playback_movie.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace vistels {
+
+namespace {
+
+constexpr double ahead_seconds = 0.4;  // held ahead while playing, of the machine's time
+constexpr double fallen_behind_seconds = 0.3;
+constexpr double recovered_seconds = 3;  // enough was held for so long: decode more again
+constexpr double fast_forward_rate = 4;  // beyond, unreferenced frames are passed over
+constexpr double key_frame_rate = 8;     // beyond, all but key frames
+constexpr double key_frame_reverse_rate = 3;
+constexpr std::size_t still_ahead_frames = 8;
+constexpr std::size_t still_behind_frames = 3;
+constexpr std::size_t stepping_frames = 24;
+constexpr std::size_t frames_on_the_way = 6;  // painted before the wanted one, for stepping back
+
+frames_decoded usual_decoded(double rate) {
+    if (rate > key_frame_rate || rate < -key_frame_reverse_rate) return frames_decoded::key_frames_only;
+    return rate > fast_forward_rate ? frames_decoded::without_unreferenced : frames_decoded::all;
+}
+
+}  // namespace
+
+playback_movie::playback_movie(std::string path, std::size_t memory_budget)
+    : path_(std::move(path)), budget_(memory_budget) {}
+
+playback_movie::progress playback_movie::fail(std::string message) {
+    reader_.reset();
+    const std::lock_guard lock(mutex_);
+    problem_ = std::move(message);
+    return progress::failed;
+}
+
+playback_movie::progress playback_movie::open() {
+    auto opened = frame_reader::open(path_);
+    if (!opened.ok()) return fail(opened.message());
+    reader_ = std::move(opened).value();
+    reader_has_current_ = false;
+    nothing_before_.reset();
+    reader_->set_decoded(decoded_);
+    const double frame_rate = reader_->information().frame_rate;
+    const std::lock_guard lock(mutex_);
+    seconds_per_tick_ = reader_->seconds_per_tick();
+    if (frame_rate > 0) frame_seconds_ = 1 / frame_rate;
+    return progress::worked;
+}
+
+void playback_movie::close() {
+    reader_.reset();
+    const std::lock_guard lock(mutex_);
+    cache_.clear();
+}
+
+void playback_movie::set_size(int width, int height) {
+    if (width == width_ && height == height_) return;
+    width_ = width;
+    height_ = height;
+    nothing_before_.reset();
+    const std::lock_guard lock(mutex_);
+    cache_.clear();
+}
+
+playback_movie::targets playback_movie::targets_for(const playback_demand& demand) const {
+    const movie_information& known = reader_->information();
+    const auto width = static_cast<std::size_t>(width_ > 0 ? width_ : known.width);
+    const auto height = static_cast<std::size_t>(height_ > 0 ? height_ : known.height);
+    const std::size_t held = std::max<std::size_t>(6, budget_ / std::max<std::size_t>(1, 4 * width * height));
+    const auto playing =
+        static_cast<std::size_t>(std::ceil(ahead_seconds * std::abs(demand.rate) / frame_seconds()));
+    targets wanted{still_ahead_frames, still_behind_frames, held / 2};
+    if (demand.rate > 0) {
+        wanted.ahead = std::max(playing, still_behind_frames);
+        wanted.behind = 0;
+    } else if (demand.rate < 0) {
+        wanted.ahead = 0;
+        wanted.behind = std::max(playing, stepping_frames);
+    } else if (demand.direction < 0) {
+        wanted.behind = stepping_frames;
+    }
+    wanted.ahead = std::min(wanted.ahead, held / 3);
+    wanted.behind = std::min(wanted.behind, held / 4);
+    return wanted;
+}
+
+// Passes over more when decoding falls behind, and over less again when it has kept up for a while.
+void playback_movie::choose_decoded(const playback_demand& demand, bool is_missing, std::int64_t stamp,
+                                    bool is_full) {
+    frames_decoded wanted = std::max(decoded_, usual_decoded(demand.rate));
+    const double tick = reader_->seconds_per_tick();
+    const auto next = reader_->next_stamp();
+    has_caught_up_ = has_caught_up_ || (next && *next > stamp);
+    if (demand.rate != last_rate_) {
+        wanted = usual_decoded(demand.rate);
+        full_since_.reset();
+    } else if (is_missing && demand.rate > 0 && next && reader_has_current_) {
+        const double behind = static_cast<double>(stamp - *next) * tick / demand.rate;
+        // The way from a key frame to the frame that was sought is no falling behind, unless it takes too
+        // long.
+        const double under_way = static_cast<double>(stamp - sought_stamp_) * tick / demand.rate;
+        const bool has_fallen = behind > fallen_behind_seconds &&
+                                (has_caught_up_ || under_way > fallen_behind_seconds || under_way < 0);
+        if (has_fallen && wanted != frames_decoded::key_frames_only) {
+            wanted = wanted == frames_decoded::all ? frames_decoded::without_unreferenced
+                                                   : frames_decoded::key_frames_only;
+        }
+    }
+    if (!is_full || is_missing) {
+        full_since_.reset();
+    } else if (!full_since_) {
+        full_since_ = stamp;
+    } else if (std::abs(static_cast<double>(stamp - *full_since_)) * tick >
+               recovered_seconds * std::abs(demand.rate)) {
+        wanted = usual_decoded(demand.rate);
+        full_since_.reset();
+    }
+    last_rate_ = demand.rate;
+    if (wanted == decoded_) return;
+    decoded_ = wanted;
+    reader_->set_decoded(wanted);
+}
+
+playback_movie::progress playback_movie::seek(std::int64_t stamp, std::int64_t needed_from) {
+    reader_has_current_ = false;
+    has_caught_up_ = false;
+    sought_stamp_ = wanted_stamp_;
+    if (auto moved = reader_->seek(stamp, needed_from); !moved.ok()) return fail(moved.message());
+    if (!reader_->next_stamp()) return fail("The movie “" + path_ + "” has no picture here");
+    return progress::worked;
+}
+
+std::int64_t playback_movie::ticks_of(std::size_t frames) const {
+    return static_cast<std::int64_t>(static_cast<double>(frames) * frame_seconds() /
+                                     reader_->seconds_per_tick());
+}
+
+playback_movie::progress playback_movie::paint_current() {
+    auto painted = reader_->paint(width_, height_);
+    if (!painted.ok()) return fail(painted.message());
+    const std::lock_guard lock(mutex_);
+    cache_.insert(std::move(painted).value());
+    cache_.keep_within(budget_, wanted_stamp_, cache_direction_);
+    return progress::worked;
+}
+
+// Reads the next frame, and scales it when it stands at or after `paint_from` and is not held yet.
+playback_movie::progress playback_movie::read_one(std::int64_t paint_from) {
+    auto advanced = reader_->advance();
+    if (!advanced.ok()) return fail(advanced.message());
+    if (!advanced.value()) return progress::nothing_to_do;
+    reader_has_current_ = true;
+    if (reader_->current_until() <= paint_from && reader_->next_stamp()) return progress::worked;
+    if (!reader_->is_certain()) return progress::worked;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto held = cache_.at(reader_->current_stamp());
+        if (held && !held->sparse && held->stamp == reader_->current_stamp()) return progress::worked;
+    }
+    return paint_current();
+}
+
+playback_movie::progress playback_movie::fetch(const playback_demand& demand, std::int64_t stamp) {
+    const bool is_read = reader_has_current_ && reader_->current_stamp() <= stamp &&
+                         (!reader_->next_stamp() || stamp < reader_->current_until());
+    if (is_read && !reader_->is_certain()) return seek(stamp, 0);
+    if (is_read) return paint_current();
+    const std::int64_t needed_from = stamp - ticks_of(frames_on_the_way);
+    if (reader_->should_seek(stamp)) return seek(stamp, needed_from);
+    return read_one(demand.rate > 0 ? stamp : needed_from);
+}
+
+playback_movie::progress playback_movie::fetch_ahead(const playback_frame_cache::run& held) {
+    if (reader_->should_seek(held.until)) return seek(held.until, held.until);
+    return read_one(held.until);
+}
+
+playback_movie::progress playback_movie::fetch_behind(const playback_frame_cache::run& held,
+                                                      const targets& wanted) {
+    const std::int64_t target = held.from - 1;
+    if (reader_->should_seek(target)) {
+        // Here again with the frames before read already: they do not join what is held, let it be.
+        if (nothing_before_ == held.from) return progress::nothing_to_do;
+        nothing_before_ = held.from;
+        return seek(target, held.from - ticks_of(wanted.group));
+    }
+    return read_one(held.from - ticks_of(wanted.group));
+}
+
+playback_movie::progress playback_movie::work(const playback_demand& demand) {
+    if (!problem().empty()) return progress::nothing_to_do;
+    if (!reader_) return open();
+    set_size(demand.width, demand.height);
+    const std::int64_t stamp = std::max<std::int64_t>(0, reader_->stamp_at(demand.seconds));
+    wanted_stamp_ = stamp;
+    cache_direction_ = demand.rate > 0 ? 1 : demand.rate < 0 ? -1 : demand.direction;
+
+    picture_pointer standing;
+    playback_frame_cache::run held;
+    {
+        const std::lock_guard lock(mutex_);
+        standing = cache_.at(stamp);
+        if (standing) held = cache_.run_at(stamp);
+    }
+    const targets wanted = targets_for(demand);
+    const bool needs_ahead = held.frames_after < wanted.ahead && !held.reaches_end;
+    const bool needs_behind = held.frames_before < wanted.behind && held.from > 0;
+    choose_decoded(demand, !standing, stamp, !needs_ahead && !needs_behind);
+    if (standing && standing->sparse && decoded_ == frames_decoded::all) {
+        {
+            const std::lock_guard lock(mutex_);
+            cache_.forget_sparse();
+        }
+        return seek(stamp, 0);
+    }
+    if (!standing) {
+        nothing_before_.reset();
+        const progress made = fetch(demand, stamp);
+        if (made == progress::nothing_to_do) return fail("The movie “" + path_ + "” has no picture here");
+        return made == progress::worked && frame_at(demand.seconds) ? progress::wanted_frame_came : made;
+    }
+    if (needs_behind && cache_direction_ < 0) {
+        if (const progress made = fetch_behind(held, wanted); made != progress::nothing_to_do) return made;
+    }
+    if (needs_ahead) return fetch_ahead(held);
+    return needs_behind ? fetch_behind(held, wanted) : progress::nothing_to_do;
+}
+
+picture_pointer playback_movie::frame_at(double seconds) const {
+    const std::lock_guard lock(mutex_);
+    if (seconds_per_tick_ <= 0) return nullptr;
+    const double ticks = std::floor((seconds + frame_tolerance_seconds) / seconds_per_tick_);
+    return cache_.at(std::max<std::int64_t>(0, static_cast<std::int64_t>(ticks)));
+}
+
+picture_pointer playback_movie::frame_before(double seconds) const {
+    const std::lock_guard lock(mutex_);
+    if (seconds_per_tick_ <= 0) return nullptr;
+    const double ticks = std::floor((seconds + frame_tolerance_seconds) / seconds_per_tick_);
+    return cache_.at_or_before(std::max<std::int64_t>(0, static_cast<std::int64_t>(ticks)));
+}
+
+picture_pointer playback_movie::frame_preceding(const picture& shown) const {
+    const std::lock_guard lock(mutex_);
+    auto before = cache_.at_or_before(shown.stamp - 1);
+    return before && before->until_stamp == shown.stamp && !before->sparse ? before : nullptr;
+}
+
+std::string playback_movie::problem() const {
+    const std::lock_guard lock(mutex_);
+    return problem_;
+}
+
+double playback_movie::frame_seconds() const {
+    const std::lock_guard lock(mutex_);
+    return frame_seconds_;
+}
+
+}  // namespace vistels

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "media/frame_reader.h"
+#include "video/playback_frame_cache.h"
+
+namespace vistels {
+
+// What playback wants of one movie.
+struct playback_demand {
+    double seconds = 0;  // from the movie's first frame
+    double rate = 0;     // 0: standing still
+    int direction = 0;   // of the last step while standing still: 1, -1 or 0
+    int width = 0;       // of the pictures; 0: the movie's own size
+    int height = 0;
+};
+
+// Reads one movie for playback: fetches the frame that is wanted, then those that will be wanted next, within
+// a memory budget. When decoding cannot keep up it passes over frames that no other needs, then all but key
+// frames. work() and close() are called on the vistel's queue, everything else on any thread.
+class playback_movie {
+  public:
+    enum class progress { nothing_to_do, worked, wanted_frame_came, failed };
+
+    playback_movie(std::string path, std::size_t memory_budget);
+
+    // One piece of work towards what is demanded: opens, seeks, or reads a frame.
+    progress work(const playback_demand& demand);
+    // Lets go of the file and the frames.
+    void close();
+
+    // The frame that stands at a time; null when it is not there (yet).
+    picture_pointer frame_at(double seconds) const;
+    // The latest frame held that is not later than that, for showing while the right one is being read.
+    picture_pointer frame_before(double seconds) const;
+    // The frame that precedes `shown`, when it is held.
+    picture_pointer frame_preceding(const picture& shown) const;
+    // Why the movie cannot be shown; empty when it can.
+    std::string problem() const;
+    double frame_seconds() const;  // how long a frame stands on average
+
+  private:
+    // What is held around the wanted frame, in frames.
+    struct targets {
+        std::size_t ahead;
+        std::size_t behind;
+        std::size_t group;  // read at once when going back
+    };
+
+    progress open();
+    progress fail(std::string message);
+    progress fetch(const playback_demand& demand, std::int64_t stamp);
+    progress fetch_ahead(const playback_frame_cache::run& held);
+    progress fetch_behind(const playback_frame_cache::run& held, const targets& wanted);
+    progress seek(std::int64_t stamp, std::int64_t needed_from);
+    std::int64_t ticks_of(std::size_t frames) const;
+    progress read_one(std::int64_t paint_from);
+    progress paint_current();
+    targets targets_for(const playback_demand& demand) const;
+    void choose_decoded(const playback_demand& demand, bool is_missing, std::int64_t stamp, bool is_full);
+    void set_size(int width, int height);
+
+    const std::string path_;
+    const std::size_t budget_;
+
+    // Of the queue.
+    std::unique_ptr<frame_reader> reader_;
+    bool reader_has_current_ = false;
+    int width_ = 0;
+    int height_ = 0;
+    std::int64_t wanted_stamp_ = 0;
+    std::int64_t sought_stamp_ = 0;  // what was wanted at the last seek
+    bool has_caught_up_ = false;     // the reader came to what was wanted since then
+    int cache_direction_ = 0;
+    double last_rate_ = 0;
+    frames_decoded decoded_ = frames_decoded::all;
+    std::optional<std::int64_t> full_since_;      // wanted stamp from which on enough was held ahead
+    std::optional<std::int64_t> nothing_before_;  // going back from here brought nothing
+
+    mutable std::mutex mutex_;
+    playback_frame_cache cache_;   // guarded by mutex_, changed on the queue only
+    std::string problem_;          // guarded by mutex_
+    double seconds_per_tick_ = 0;  // guarded by mutex_; 0: not open yet
+    double frame_seconds_ = 0.04;  // guarded by mutex_
+};
+
+}  // namespace vistels

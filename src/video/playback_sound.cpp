@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/playback_sound.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <utility>
+
+#include "media/sound_output.h"
+#include "media/sound_reader.h"
+#include "util/serial_queue.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double added_ahead_seconds = 0.2;
+constexpr std::size_t frames_at_once = 1920;  // 40 ms
+constexpr auto feeding_pause = std::chrono::milliseconds(15);
+constexpr double largest_drift_seconds = 0.25;  // beyond, sound starts afresh
+
+}  // namespace
+
+struct playback_sound::implementation {
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<playback_part> parts;  // guarded by mutex, like all down to `ending`
+    double volume = 1;
+    double seconds = 0;  // where playback is
+    double rate = 0;
+    bool restart = false;
+    bool feeding = false;
+    bool ending = false;
+    std::optional<double> heard;
+
+    // Of the queue.
+    std::unique_ptr<sound_output> output;
+    bool output_failed = false;
+    double set_volume = -1;
+    double from_seconds = 0;  // the vistel's time of the first sound since the last flush
+    double fed_rate = 0;
+    bool running = false;
+    std::map<std::string, std::unique_ptr<sound_reader>> readers;  // null: has no sound
+    std::vector<float> read_samples;
+    std::vector<float> made_samples;
+
+    serial_queue queue{"sound"};
+
+    ~implementation() {
+        const std::lock_guard lock(mutex);
+        ending = true;
+        changed.notify_all();
+    }
+    void feed();
+    bool feed_once(std::unique_lock<std::mutex>& lock);
+    void begin(double at, double at_rate);
+    void add_some(const std::vector<playback_part>& from);
+    void read_from(const std::vector<playback_part>& from, double at, std::size_t frames);
+    bool can_sound() const {
+        return rate > 0 && rate <= fastest_rate && volume > 0 && !parts.empty() && !output_failed;
+    }
+};
+
+// Feeds the device while there is something to hear.
+void playback_sound::implementation::feed() {
+    std::unique_lock lock(mutex);
+    while (!ending && can_sound()) {
+        if (!feed_once(lock)) changed.wait_for(lock, feeding_pause);
+    }
+    feeding = false;
+    running = false;
+    heard.reset();
+    lock.unlock();
+    if (output) output->flush();
+}
+
+// Adds the next piece of sound; false when enough is waiting.
+bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& lock) {
+    const double at = seconds;
+    const double at_rate = rate;
+    const double at_volume = volume;
+    bool afresh = std::exchange(restart, false) || !running || fed_rate != at_rate;
+    if (heard && std::abs(*heard - at) > largest_drift_seconds) afresh = true;
+    const auto from = parts;
+    lock.unlock();
+    if (!output) {
+        auto opened = sound_output::open();
+        if (opened.ok()) output = std::move(opened).value();
+    }
+    bool added = false;
+    std::optional<double> now;
+    if (output) {
+        if (set_volume != at_volume) output->set_volume(at_volume);
+        set_volume = at_volume;
+        if (afresh) begin(at, at_rate);
+        added = output->added_seconds() - output->heard_seconds() < added_ahead_seconds;
+        if (added) add_some(from);
+        if (output->heard_seconds() > 0) now = from_seconds + output->heard_seconds() * fed_rate;
+    }
+    lock.lock();
+    if (!output) output_failed = true;
+    if (!restart) heard = now;
+    return added;
+}
+
+void playback_sound::implementation::begin(double at, double at_rate) {
+    output->flush();
+    from_seconds = at;
+    fed_rate = at_rate;
+    running = true;
+}
+
+void playback_sound::implementation::add_some(const std::vector<playback_part>& from) {
+    const double at = from_seconds + output->added_seconds() * fed_rate;
+    const auto needed = static_cast<std::size_t>(std::ceil(frames_at_once * fed_rate)) + 1;
+    read_from(from, at, needed);
+    made_samples.resize(frames_at_once * sound_channels);
+    for (std::size_t i = 0; i < frames_at_once; ++i) {
+        const double place = static_cast<double>(i) * fed_rate;
+        const auto before = static_cast<std::size_t>(place);
+        const auto part = static_cast<float>(place - static_cast<double>(before));
+        for (std::size_t channel = 0; channel < sound_channels; ++channel) {
+            const float a = read_samples[before * sound_channels + channel];
+            const float b = read_samples[std::min(before + 1, needed - 1) * sound_channels + channel];
+            made_samples[i * sound_channels + channel] = a + (b - a) * part;
+        }
+    }
+    if (!output->add(made_samples.data(), frames_at_once).ok()) output.reset();
+}
+
+// The vistel's sound from a time on; silence in gaps and where it cannot be read.
+void playback_sound::implementation::read_from(const std::vector<playback_part>& from, double at,
+                                               std::size_t frames) {
+    read_samples.assign(frames * sound_channels, 0.0F);
+    for (const auto& part : from) {
+        if (at < part.start || at >= part.start + part.duration) continue;
+        auto [place, is_new] = readers.try_emplace(part.path);
+        if (is_new) {
+            auto opened = sound_reader::open(part.path);
+            if (opened.ok()) place->second = std::move(opened).value();
+        }
+        if (!place->second) return;
+        if (!place->second->read(at - part.start, read_samples.data(), frames).ok()) place->second.reset();
+        return;
+    }
+}
+
+playback_sound::playback_sound() : its_(std::make_unique<implementation>()) {}
+playback_sound::~playback_sound() = default;
+
+void playback_sound::set_parts(std::vector<playback_part> parts) {
+    const std::lock_guard lock(its_->mutex);
+    its_->parts = std::move(parts);
+    its_->restart = true;
+    its_->heard.reset();
+}
+
+void playback_sound::set_volume(double volume) {
+    const std::lock_guard lock(its_->mutex);
+    its_->volume = volume;
+}
+
+void playback_sound::restart() {
+    const std::lock_guard lock(its_->mutex);
+    its_->restart = true;
+    its_->heard.reset();
+}
+
+void playback_sound::update(double seconds, double rate) {
+    implementation& its = *its_;
+    {
+        const std::lock_guard lock(its.mutex);
+        its.seconds = seconds;
+        if (its.rate != rate) its.changed.notify_all();
+        its.rate = rate;
+        if (its.feeding || !its.can_sound()) return;
+        its.feeding = true;
+    }
+    its.queue.post([&its] { its.feed(); });
+}
+
+std::optional<double> playback_sound::heard_seconds() const {
+    const std::lock_guard lock(its_->mutex);
+    return its_->heard;
+}
+
+}  // namespace vistels

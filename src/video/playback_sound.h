@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "video/vistel_player.h"
+
+namespace vistels {
+
+// Sounds one vistel along with playback. Speeds other than 1 change the pitch; backwards, and forwards beyond
+// `fastest_rate`, it is silent. Main thread only; files and the device are handled on a queue of its own.
+class playback_sound {
+  public:
+    static constexpr double fastest_rate = 2;
+
+    playback_sound();
+    ~playback_sound();
+
+    // Whose sound is heard; empty: none.
+    void set_parts(std::vector<playback_part> parts);
+    void set_volume(double volume);  // 0 to 1; at 0 the device rests
+
+    // Playback is at `seconds` of the vistel's own time line and moves at `rate`; 0: it stands still.
+    void update(double seconds, double rate);
+    // After a jump: what was read ahead is not heard any more.
+    void restart();
+
+    // The time on the vistel's time line that is being heard; nothing while silent, or before the device
+    // runs.
+    std::optional<double> heard_seconds() const;
+
+  private:
+    struct implementation;
+    std::unique_ptr<implementation> its_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,314 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/synchronised_playback.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <utility>
+
+namespace vistels {
+
+namespace {
+
+constexpr double timer_interval_seconds = 1.0 / 60;
+constexpr double follow_interval_seconds = 0.2;
+// Enough to come before a frame by the tolerance with which frames are found.
+constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
+
+bool same_parts(const std::vector<playback_part>& a, const std::vector<playback_part>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const playback_part& x, const playback_part& y) {
+                          return x.path == y.path && x.start == y.start && x.duration == y.duration;
+                      });
+}
+
+}  // namespace
+
+// What the vistels' queues hold on to, so that news which comes late finds nobody instead of somebody gone.
+struct synchronised_playback::arrival_link {
+    synchronised_playback* playback;     // main thread only
+    std::atomic<bool> is_posted{false};  // one visit to the main thread serves all news until then
+};
+
+synchronised_playback::synchronised_playback(run_loop& loop)
+    : loop_(loop), clock_(loop.time()), arrivals_(std::make_shared<arrival_link>()) {
+    arrivals_->playback = this;
+}
+
+synchronised_playback::~synchronised_playback() {
+    arrivals_->playback = nullptr;
+    if (timer_) loop_.stop_timer(*timer_);
+}
+
+std::unique_ptr<vistel_player> synchronised_playback::make_player(const playback_vistel& vistel) {
+    const auto tell = [link = arrivals_, &loop = loop_] {
+        if (link->is_posted.exchange(true)) return;
+        loop.post([link] {
+            link->is_posted = false;
+            if (link->playback != nullptr) link->playback->tick();
+        });
+    };
+    return std::make_unique<vistel_player>(vistel.parts, tell);
+}
+
+void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
+    std::vector<entry> made;
+    for (auto& vistel : vistels) {
+        entry* const before = find(vistel.uuid);
+        if (before != nullptr && before->player && same_parts(before->vistel.parts, vistel.parts)) {
+            made.push_back(std::move(*before));
+        } else {
+            made.emplace_back();
+            made.back().player = make_player(vistel);
+        }
+        made.back().vistel = std::move(vistel);
+    }
+    vistels_ = std::move(made);
+    update_range();
+    set_sound_vistel(sound_vistel_);
+    tick();
+    pictures_changed.emit();
+}
+
+void synchronised_playback::update_range() {
+    double first = 0;
+    double last = 0;
+    for (const auto& vistel : vistels_) {
+        first = std::min(first, -vistel.vistel.lead);
+        last = std::max(last, vistel.player->duration() - vistel.vistel.lead);
+    }
+    clock_.set_range(first, last);
+    state_changed.emit();
+}
+
+const synchronised_playback::entry* synchronised_playback::find(const std::string& uuid) const {
+    const auto found =
+        std::find_if(vistels_.begin(), vistels_.end(), [&](const entry& v) { return v.vistel.uuid == uuid; });
+    return found == vistels_.end() ? nullptr : &*found;
+}
+
+synchronised_playback::entry* synchronised_playback::find(const std::string& uuid) {
+    return const_cast<entry*>(std::as_const(*this).find(uuid));
+}
+
+synchronised_playback::entry* synchronised_playback::stepped() {
+    entry* const enlarged = find(enlarged_);
+    return enlarged != nullptr || vistels_.empty() ? enlarged : &vistels_.front();
+}
+
+void synchronised_playback::set_lead(const std::string& uuid, double lead) {
+    entry* const found = find(uuid);
+    if (found == nullptr || !std::isfinite(lead)) return;
+    found->vistel.lead = lead;
+    update_range();
+    sound_.restart();
+    tick();
+}
+
+void synchronised_playback::set_view_size(const std::string& uuid, int width, int height) {
+    entry* const found = find(uuid);
+    if (found == nullptr || (found->width == width && found->height == height)) return;
+    found->width = width;
+    found->height = height;
+    found->player->set_size(width, height);
+    tick();
+}
+
+void synchronised_playback::set_sound_vistel(const std::string& uuid) {
+    sound_vistel_ = uuid;
+    const entry* found = find(uuid);
+    if (found == nullptr && !vistels_.empty()) found = &vistels_.front();
+    sound_.set_parts(found == nullptr ? std::vector<playback_part>{} : found->vistel.parts);
+}
+
+void synchronised_playback::set_volume(double volume) {
+    sound_.set_volume(std::clamp(volume, 0.0, 1.0));
+}
+
+void synchronised_playback::set_top_speed(double stored) {
+    const double top = clamped_top_speed(stored);
+    if (top > 0) top_forward_ = top;
+    if (top < 0) top_reverse_ = top;
+    set_rate(clock_.rate());
+}
+
+void synchronised_playback::play() {
+    if (is_playing() || !clock_.can_move()) return;
+    direction_ = 0;
+    snap_to_frame_ = false;
+    clock_.play();
+    start_timer();
+    state_changed.emit();
+    tick();
+}
+
+void synchronised_playback::pause() {
+    if (!is_playing()) return;
+    clock_.pause();
+    state_changed.emit();
+    tick();
+}
+
+void synchronised_playback::set_rate(double rate) {
+    if (!std::isfinite(rate) || rate == 0) return;
+    const double bounded = std::clamp(rate, top_reverse_, top_forward_);
+    if (bounded == clock_.rate()) return;
+    clock_.set_rate(bounded);
+    sound_.restart();
+    state_changed.emit();
+    tick();
+}
+
+void synchronised_playback::seek(double collection_seconds, std::function<void()> done) {
+    move_to(collection_seconds, 0, false, std::move(done));
+}
+
+void synchronised_playback::move_to(double seconds, int direction, bool snap, std::function<void()> done) {
+    clock_.seek(seconds);
+    direction_ = direction;
+    snap_to_frame_ = snap;
+    done_ = std::move(done);
+    sound_.restart();
+    start_timer();
+    tick();
+}
+
+void synchronised_playback::step(int direction, std::function<void()> done) {
+    if (is_playing()) pause();
+    const entry* const by = stepped();
+    if (by == nullptr || direction == 0) return;
+    const double lead = by->vistel.lead;
+    const double seconds = clock_.time() + lead;
+    const auto seen = by->player->look(seconds);
+    const bool is_known = seen.state == vistel_state::showing;
+    const double usual = by->player->frame_seconds(seconds);
+    if (direction > 0) {
+        move_to((is_known ? seen.until_seconds : seconds + usual) - lead, 1, false, std::move(done));
+        return;
+    }
+    const auto before = is_known ? by->player->preceding(seconds) : std::nullopt;
+    double to = seconds - usual;
+    if (is_known) to = before ? *before : seen.frame_seconds - before_frame_seconds;
+    move_to(to - lead, -1, !before, std::move(done));
+}
+
+void synchronised_playback::start_timer() {
+    if (timer_) return;
+    timer_record_ = {};
+    timer_ = loop_.start_timer(timer_interval_seconds, true, [this] { timer_tick(); });
+}
+
+void synchronised_playback::timer_tick() {
+    if (!timer_record_.tick(clock_.time()) && timer_) {
+        loop_.stop_timer(*timer_);
+        timer_.reset();
+    }
+    if (is_playing()) correct_lags();
+    tick();
+}
+
+// What a vistel shows at a time of its own time line; true when that is something else than before.
+bool synchronised_playback::show(entry& vistel, double seconds) {
+    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_);
+    auto seen = vistel.player->look(seconds);
+    const bool is_news = seen.state != vistel.state || seen.problem != vistel.problem;
+    vistel.state = seen.state;
+    vistel.problem = std::move(seen.problem);
+    if (seen.state == vistel_state::waiting) {
+        // Better the last picture than none; while playing, better a late one than one that stands still.
+        const bool is_nearer = seen.frame && (!vistel.shown || std::abs(seen.frame_seconds - seconds) <
+                                                                   std::abs(vistel.shown_seconds - seconds));
+        if (!is_playing() || !is_nearer) return is_news;
+    }
+    const bool is_same = vistel.shown == seen.frame;
+    vistel.shown = std::move(seen.frame);
+    vistel.shown_seconds = seen.frame_seconds;
+    return !is_same || is_news;
+}
+
+void synchronised_playback::tick() {
+    const double now = clock_.time();
+    bool changed = false;
+    for (auto& vistel : vistels_) changed = show(vistel, now + vistel.vistel.lead) || changed;
+    update_sound(now);
+    if (is_playing() && !clock_.can_move()) {
+        clock_.pause();
+        state_changed.emit();
+    }
+    if (changed) pictures_changed.emit();
+    settle();
+}
+
+void synchronised_playback::settle() {
+    if (!is_settled()) return;
+    if (snap_to_frame_) {
+        snap_to_frame_ = false;
+        const entry* const by = stepped();
+        if (by != nullptr && by->state == vistel_state::showing) {
+            clock_.seek(by->shown_seconds - by->vistel.lead);
+            tick();
+            return;
+        }
+    }
+    if (const auto done = std::exchange(done_, nullptr)) done();
+}
+
+bool synchronised_playback::is_settled() const {
+    return std::none_of(vistels_.begin(), vistels_.end(),
+                        [](const entry& vistel) { return vistel.state == vistel_state::waiting; });
+}
+
+// A vistel that lags is asked for the time that the others are at.
+void synchronised_playback::correct_lags() {
+    std::vector<lagging_vistel> looked_at;
+    for (const auto& vistel : vistels_) {
+        lagging_vistel made;
+        made.number = vistel.vistel.number;
+        made.is_playing = vistel.state == vistel_state::waiting;
+        made.last_correction_seconds = vistel.last_correction_seconds;
+        if (vistel.shown) made.seconds = vistel.shown_seconds - vistel.vistel.lead;
+        looked_at.push_back(made);
+    }
+    const auto moves = advance_lagging_players(looked_at, loop_.time().seconds());
+    for (std::size_t i = 0; i < vistels_.size(); ++i) {
+        vistels_[i].last_correction_seconds = looked_at[i].last_correction_seconds;
+    }
+    for (const auto& move : moves) {
+        entry& late = vistels_[move.vistel];
+        late.player->want(move.to_seconds + late.vistel.lead, clock_.rate(), 0);
+    }
+    correction_note_ = moves.empty() ? "" : time_fix_note;
+}
+
+void synchronised_playback::update_sound(double now) {
+    const entry* heard = find(sound_vistel_);
+    if (heard == nullptr && !vistels_.empty()) heard = &vistels_.front();
+    if (heard == nullptr) return;
+    sound_.update(now + heard->vistel.lead, is_playing() ? clock_.rate() : 0);
+    const double machine_now = loop_.time().seconds();
+    if (machine_now - last_follow_seconds_ < follow_interval_seconds) return;
+    last_follow_seconds_ = machine_now;
+    if (const auto seconds = sound_.heard_seconds()) clock_.follow(*seconds - heard->vistel.lead);
+}
+
+picture_pointer synchronised_playback::picture(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? nullptr : found->shown;
+}
+
+std::optional<double> synchronised_playback::picture_seconds(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr || !found->shown ? std::nullopt : std::optional(found->shown_seconds);
+}
+
+vistel_state synchronised_playback::state(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? vistel_state::blank : found->state;
+}
+
+std::string synchronised_playback::problem(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? std::string() : found->problem;
+}
+
+}  // namespace vistels

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "util/run_loop.h"
+#include "util/signal.h"
+#include "util/transport.h"
+#include "video/collection_clock.h"
+#include "video/playback_rules.h"
+#include "video/playback_sound.h"
+#include "video/vistel_player.h"
+
+namespace vistels {
+
+// A vistel as playback sees it. Its movie time is the collection time plus its lead.
+struct playback_vistel {
+    std::string uuid;
+    double lead = 0;  // seconds
+    std::vector<playback_part> parts;
+    double number = 0;  // above 100000: not a camera's movie
+};
+
+// Plays the vistels of a collection in step: one clock, and at each tick every vistel's frame at its movie
+// time. Collection time runs from minus the largest lead to the end of the vistel that lasts longest; playing
+// stops there. Everything happens on the main thread, driven by a timer of the run loop, and nothing waits
+// for a file.
+class synchronised_playback final : public transport {
+  public:
+    // `loop` outlives the playback.
+    explicit synchronised_playback(run_loop& loop);
+    ~synchronised_playback() override;
+
+    // Vistels that were there before with the same movies go on undisturbed.
+    void set_vistels(std::vector<playback_vistel> vistels);
+    void set_lead(const std::string& uuid, double lead);
+    // The size, in pixels, that a vistel's pictures are made in; 0, 0: the movie's own.
+    void set_view_size(const std::string& uuid, int width, int height);
+    // Whose frames are stepped by; empty: the first vistel's.
+    void set_enlarged(const std::string& uuid) { enlarged_ = uuid; }
+    // Who is heard; empty: the first vistel.
+    void set_sound_vistel(const std::string& uuid);
+    void set_volume(double volume);  // 0 to 1
+    // A positive top speed bounds playing forwards, a negative one playing backwards.
+    void set_top_speed(double stored);
+
+    double collection_time() const override { return clock_.time(); }
+    double collection_time_at(double clock_seconds) const override { return clock_.time_at(clock_seconds); }
+    bool is_playing() const override { return clock_.is_playing(); }
+    double rate() const override { return clock_.rate(); }
+    void play() override;
+    void pause() override;
+    void set_rate(double rate) override;
+    void seek(double collection_seconds) override { seek(collection_seconds, nullptr); }
+    // `done` is called once every vistel shows its frame at that time, or cannot; not at all when another
+    // seek or step comes first.
+    void seek(double collection_seconds, std::function<void()> done);
+    // One frame on (1) or back (-1), of the enlarged vistel or the first; playing stops.
+    void step(int direction, std::function<void()> done = nullptr);
+
+    double first_time() const { return clock_.first(); }
+    double last_time() const { return clock_.last(); }
+
+    // Brings what is shown up to the clock. The timer calls it; a display may call it as often as it
+    // refreshes.
+    void tick();
+
+    // What a vistel shows as of the last tick. A null picture: black.
+    picture_pointer picture(const std::string& uuid) const;
+    // The shown frame's time on the vistel's own time line.
+    std::optional<double> picture_seconds(const std::string& uuid) const;
+    vistel_state state(const std::string& uuid) const;
+    std::string problem(const std::string& uuid) const;
+    // Whether every vistel shows its very frame, or cannot show any.
+    bool is_settled() const;
+    // Whether the timer runs: while the collection's time moves, and half a second longer.
+    bool timer_runs() const { return timer_.has_value(); }
+    // What the last correction of lagging vistels had to say.
+    const std::string& correction_note() const { return correction_note_; }
+
+    signal<> pictures_changed;  // what some vistel shows
+    signal<> state_changed;     // playing or not, rate, range, a vistel's state
+
+  private:
+    struct entry {
+        playback_vistel vistel;
+        std::unique_ptr<vistel_player> player;
+        picture_pointer shown;
+        double shown_seconds = 0;
+        int width = 0;
+        int height = 0;
+        vistel_state state = vistel_state::waiting;
+        std::string problem;
+        std::optional<double> last_correction_seconds;
+    };
+    struct arrival_link;
+
+    const entry* find(const std::string& uuid) const;
+    entry* find(const std::string& uuid);
+    entry* stepped();
+    std::unique_ptr<vistel_player> make_player(const playback_vistel& vistel);
+    void update_range();
+    void start_timer();
+    void timer_tick();
+    bool show(entry& vistel, double seconds);
+    void correct_lags();
+    void update_sound(double now);
+    void settle();
+    void move_to(double seconds, int direction, bool snap, std::function<void()> done);
+
+    run_loop& loop_;
+    collection_clock clock_;
+    std::vector<entry> vistels_;
+    std::string enlarged_;
+    std::string sound_vistel_;
+    double top_forward_ = top_forward_rate;
+    double top_reverse_ = top_reverse_rate;
+    int direction_ = 0;           // of the last step
+    bool snap_to_frame_ = false;  // stand at the frame's own time once it is known
+    std::function<void()> done_;
+    std::optional<run_loop::timer_id> timer_;
+    playback_timer_record timer_record_;
+    std::string correction_note_;
+    playback_sound sound_;
+    double last_follow_seconds_ = 0;  // machine time
+    std::shared_ptr<arrival_link> arrivals_;
+};
+
+}  // namespace vistels

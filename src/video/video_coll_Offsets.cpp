@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/video_coll_Offsets.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vistels {
+
+namespace {
+
+constexpr double clip_timescale = 600;
+
+std::int64_t media_time(double seconds) {
+    const double ticks = std::round(seconds * clip_timescale);
+    return std::abs(ticks) < 9e18 ? static_cast<std::int64_t>(ticks) : 0;
+}
+
+}  // namespace
+
+std::vector<vistel_offset> offsets_of(const video_collection_ROOT& collection) {
+    std::vector<vistel_offset> items;
+    for (const auto& vistel : collection.vistels()) {
+        items.push_back({vistel->number(), vistel->manual_start_offset()});
+    }
+    return items;
+}
+
+double largest_offset_for_clips(const std::vector<vistel_offset>& items) {
+    double largest = 0;
+    for (const auto& item : items) largest = std::max(largest, item.offset.value_or(0));
+    return largest;
+}
+
+double largest_offset_for_composer(const std::vector<vistel_offset>& items) {
+    std::optional<double> largest;
+    for (const auto& item : items) {
+        if (item.offset && (!largest || *item.offset > *largest)) largest = item.offset;
+    }
+    return largest.value_or(0);
+}
+
+double offset_of_number(const std::vector<vistel_offset>& items, double number) {
+    for (const auto& item : items) {
+        if (item.number > 0 && item.number == number) return item.offset.value_or(0);
+    }
+    return 0;
+}
+
+double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item) {
+    return largest_offset_for_clips(items) - item.offset.value_or(0);
+}
+
+double lead_for_composer(const std::vector<vistel_offset>& items, double number) {
+    return largest_offset_for_composer(items) - offset_of_number(items, number);
+}
+
+source_range source_range_of(double start, double end, double lead, double movie_duration) {
+    const auto within_movie = [&](double time) { return std::min(std::max(time, 0.0), movie_duration); };
+    const auto [lower, upper] = std::minmax({start + lead, end + lead});
+    source_range range;
+    range.from = within_movie(lower);
+    range.seconds = within_movie(upper) - range.from;
+    range.from_600 = media_time(range.from);
+    range.duration_600 = media_time(range.seconds);
+    return range;
+}
+
+}  // namespace vistels

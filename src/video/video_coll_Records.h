@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cmath>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "util/colour_text.h"
+#include "util/property_value.h"
+
+namespace vistels {
+
+// Writes a stored record: the keys of `order` first, with the values set here or else as they were read, then
+// the keys as read that `order` does not know. Both arguments must outlive it.
+class record_writer {
+  public:
+    record_writer(std::span<const char* const> order, const property_dictionary& as_read)
+        : order_(order), as_read_(as_read) {}
+
+    void value(const char* key, property_value value) { set_.set(key, std::move(value)); }
+    // An empty text is left out.
+    void text(const char* key, const std::string& text) {
+        set_.set(key, text.empty() ? property_value() : property_value(text));
+    }
+    // A value that is the default stays as it was read, in the file or not.
+    void flag(const char* key, bool flag) {
+        if (flag || as_read_.boolean(key).value_or(false)) set_.set(key, flag);
+    }
+    void integer(const char* key, std::int64_t number) {
+        if (number != as_read_.integer(key).value_or(0)) set_.set(key, number);
+    }
+    void number(const char* key, std::optional<double> number) {
+        if (number != as_read_.number(key))
+            set_.set(key, number ? property_value(*number) : property_value());
+    }
+    // A frame that did not change keeps the form in which it was read.
+    void frame(const char* key, const std::optional<rectangle>& frame) {
+        const auto* read = as_read_.find(key);
+        if (read && rectangle_from(*read) == frame) return;
+        set_.set(key, frame ? property_value(rectangle_text(*frame)) : property_value());
+    }
+
+    property_dictionary finish() const {
+        property_dictionary stored;
+        for (const char* key : order_) {
+            const auto* value = set_.find(key);
+            if (!value) value = as_read_.find(key);
+            if (value && !value->is_null()) stored.add(key, *value);
+        }
+        for (const auto& entry : as_read_) {
+            if (!knows(entry.key) && !entry.value.is_null()) stored.set(entry.key, entry.value);
+        }
+        return stored;
+    }
+
+  private:
+    bool knows(std::string_view key) const {
+        for (const char* known : order_) {
+            if (key == known) return true;
+        }
+        return false;
+    }
+
+    std::span<const char* const> order_;
+    const property_dictionary& as_read_;
+    property_dictionary set_;  // null: left out
+};
+
+// The finite number under `key`.
+inline std::optional<double> finite_number(const property_dictionary& stored, const char* key) {
+    const auto number = stored.number(key);
+    return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+inline std::optional<rectangle> stored_frame(const property_dictionary& stored, const char* key) {
+    const auto* value = stored.find(key);
+    return value ? rectangle_from(*value) : std::nullopt;
+}
+
+}  // namespace vistels

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "util/serial_queue.h"
+#include "video/playback_movie.h"
+
+namespace vistels {
+
+// One movie file of a vistel, on the vistel's own time line.
+struct playback_part {
+    std::string path;
+    double start = 0;     // seconds
+    double duration = 0;  // seconds
+};
+
+enum class vistel_state {
+    waiting,     // the frame is being read
+    showing,     // the very frame is there
+    blank,       // nothing was filmed at that time
+    unreadable,  // the movie cannot be shown
+};
+
+// Plays one vistel: says which picture stands at a time, and reads ahead and behind on a queue of its own.
+// Main thread only; nothing here waits for a file.
+class vistel_player {
+  public:
+    struct view {
+        vistel_state state = vistel_state::waiting;
+        picture_pointer frame;  // the right one when `showing`; while `waiting`, the latest before it or null
+        double frame_seconds = 0;  // the frame's time on the vistel's own time line
+        double until_seconds = 0;  // ... and the next one's, or the part's end
+        std::string problem;       // when unreadable, for the user
+    };
+
+    // `on_arrival` is called on the queue when a frame that was asked for has come, or cannot come.
+    vistel_player(std::vector<playback_part> parts, std::function<void()> on_arrival);
+    // Waits for the piece of work that the queue is at.
+    ~vistel_player();
+
+    // Asks for the frame at a time of the vistel's own time line, and for those that playing at `rate` (0:
+    // standing still, having last stepped in `direction`) will need. Takes the place of what was asked
+    // before.
+    void want(double seconds, double rate, int direction);
+    // The pictures' size; 0, 0: the movie's own. Takes effect with the next want().
+    void set_size(int width, int height);
+
+    // What stands at a time.
+    view look(double seconds) const;
+    // The time of the frame before that one, when it is held.
+    std::optional<double> preceding(double seconds) const;
+    // How long a frame stands on average.
+    double frame_seconds(double seconds) const;
+    // The end of the last part.
+    double duration() const;
+    const std::vector<playback_part>& parts() const { return parts_; }
+
+  private:
+    struct place {
+        int part;  // -1: in a gap, or before all
+        double seconds;
+    };
+
+    place place_of(double seconds) const;
+    int part_at_or_after(double seconds) const;
+    void work();
+    playback_movie::progress work_once(double seconds, const playback_demand& demand);
+    void close_far_parts(int near_part);
+
+    const std::vector<playback_part> parts_;  // by start
+    std::vector<std::unique_ptr<playback_movie>> movies_;
+    const std::function<void()> on_arrival_;
+
+    std::mutex mutex_;
+    double wanted_seconds_ = 0;  // guarded by mutex_, like the following
+    playback_demand demand_;
+    std::uint64_t demand_number_ = 0;
+    bool working_ = false;
+    bool ending_ = false;
+
+    serial_queue queue_{"vistel"};  // last, so that its work ends before anything else goes
+};
+
+}  // namespace vistels

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/open_event.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "logger/press_engine.h"
+#include "support/stored_event.h"
+#include "support/temporary_folder.h"
+#include "util/safe_write.h"
+#include "util/simulated_run_loop.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::file_bytes;
+using testing::put_file;
+using testing::temporary_folder;
+
+// A vault with a collection of two vistels of 20 seconds whose movies hold nothing.
+class event : public ::testing::Test {
+  protected:
+    event() { testing::put_stored_event(vault, folder, 3.5); }
+
+    std::unique_ptr<open_event> open() {
+        auto opened = open_event::open(folder, find_home_places(home.path()), loop);
+        EXPECT_TRUE(opened) << opened.message();
+        return opened ? std::move(opened).value() : nullptr;
+    }
+    static const markup_Button_Item& clip_button(open_event& opened) {
+        const auto& buttons = opened.logger().buttons();
+        return *std::find_if(buttons.begin(), buttons.end(),
+                             [](const auto& button) { return button.is(button_type::clip); });
+    }
+    static bool tells(const open_event& opened, const std::string& text) {
+        const auto& all = opened.messages();
+        return std::any_of(all.begin(), all.end(),
+                           [&](const auto& message) { return message.find(text) != std::string::npos; });
+    }
+
+    temporary_folder home;
+    const std::string vault = home / "Cup.VVault";
+    const std::string folder = vault + "/Video Groups/Final";
+    simulated_run_loop loop;
+};
+
+TEST_F(event, what_is_coded_is_there_after_reopening) {
+    std::string button;
+    {
+        const auto opened = open();
+        EXPECT_EQ(opened->playback().collection_time(), 3.5);
+        EXPECT_EQ(opened->end_seconds(), 20);
+        button = clip_button(*opened).uuid();
+        EXPECT_TRUE(opened->logger().press(button, 5));
+        EXPECT_TRUE(opened->logger().release(button, 7));
+        EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+        EXPECT_TRUE(opened->undo().undo());
+        EXPECT_EQ(opened->timeline().timeline().clip_count(), 0U);
+        EXPECT_TRUE(opened->undo().redo());
+        opened->playback().seek(12.25);
+        EXPECT_TRUE(opened->set_offset("A", 2));
+    }
+    const auto opened = open();
+    EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+    EXPECT_EQ(opened->playback().collection_time(), 12.25);
+    EXPECT_EQ(opened->start_seconds(), -2);
+    EXPECT_NE(opened->logger().button(button), nullptr);  // the same code window
+    EXPECT_EQ(opened->timeline().header().linked_collection, opened->collection().uuid());
+}
+
+TEST_F(event, closing_releases_what_is_down) {
+    {
+        const auto opened = open();
+        EXPECT_TRUE(opened->logger().press(clip_button(*opened).uuid(), 3.5));
+    }
+    const auto opened = open();
+    EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+    EXPECT_TRUE(opened->timeline().timeline().live_clips().empty());
+}
+
+TEST_F(event, opening_and_closing_without_a_change_writes_nothing) {
+    open();  // links the records and makes the code window
+    const auto record = file_bytes(folder + "/video group.plist");
+    open();
+    EXPECT_EQ(file_bytes(folder + "/video group.plist"), record);
+}
+
+TEST_F(event, an_auto_up_comes_without_playing) {
+    const auto opened = open();
+    auto button = clip_button(*opened);
+    button.set_uuid("AUTO");
+    button.set_auto_up(true);
+    button.set_auto_up_duration(1);
+    opened->logger().set_buttons({button}, 0);
+    EXPECT_TRUE(opened->logger().press("AUTO", 5));
+    loop.advance(0.5);
+    EXPECT_TRUE(opened->logger().is_down("AUTO"));
+    loop.advance(0.6);
+    EXPECT_FALSE(opened->logger().is_down("AUTO"));
+    EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+}
+
+TEST_F(event, what_is_broken_is_told_and_the_rest_opens) {
+    fs::remove(vault + "/Single Videos/A/single video.plist");
+    fs::create_directories(folder + "/Logger");
+    put_file(folder + "/Logger/button dict.plist", "<plist><dict>");
+    const auto opened = open();
+    EXPECT_TRUE(tells(*opened, "Single Videos/A/single video.plist"));
+    EXPECT_TRUE(tells(*opened, "Logger/button dict.plist"));
+    EXPECT_NE(opened->problem("A"), "");
+    EXPECT_FALSE(opened->logger().buttons().empty());
+    EXPECT_EQ(file_bytes(folder + "/Logger/button dict.plist"), "<plist><dict>");
+}
+
+TEST_F(event, a_damaged_record_or_timeline_is_an_error_that_names_it) {
+    for (const char* name : {"/chron data.plist", "/video group.plist"}) {
+        put_file(folder + name, "<plist>");
+        const auto opened = open_event::open(folder, find_home_places(home.path()), loop);
+        ASSERT_FALSE(opened);
+        EXPECT_NE(opened.message().find(folder + name), std::string::npos) << opened.message();
+        EXPECT_EQ(file_bytes(folder + name), "<plist>");
+        fs::remove(folder + name);
+    }
+}
+
+TEST_F(event, a_second_opening_cannot_write) {
+    const auto first = open();
+    const auto record = file_bytes(folder + "/video group.plist");
+    {
+        const auto second = open();
+        EXPECT_TRUE(second->timeline().is_read_only());
+        EXPECT_FALSE(second->messages().empty());
+        second->playback().seek(9);
+        EXPECT_FALSE(second->set_offset("A", 4));
+    }
+    EXPECT_EQ(file_bytes(folder + "/video group.plist"), record);
+    EXPECT_FALSE(first->timeline().is_read_only());
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/undo_stack.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
+#include "util/json.h"
+#include "util/simulated_run_loop.h"
+
+namespace vistels {
+namespace {
+
+using testing::temporary_folder;
+
+sxy_CLIP clip(const std::string& uuid, double start, double end) {
+    sxy_CLIP made;
+    made.set_id(uuid);
+    made.set_secs_start(start);
+    made.set_secs_end(end);
+    return made;
+}
+
+operation::insert_row row(const std::string& uuid) {
+    operation::insert_row insert{9, {}};
+    insert.row.set_uuid(shared_text(uuid));
+    insert.row.set_name(uuid);
+    return insert;
+}
+
+operation::change_clip change(const std::string& uuid, const char* key, property_value value) {
+    operation::change_clip made{uuid, {}, {}};
+    made.set.add(key, std::move(value));
+    return made;
+}
+
+operation::insert_qualifier stamp(const std::string& clip, const std::string& qualifier) {
+    operation::insert_qualifier made{clip, 9, {}};
+    made.qualifier.set_uuid(qualifier);
+    made.qualifier.set_name(shared_text(qualifier));
+    return made;
+}
+
+class undo : public ::testing::Test {
+  protected:
+    undo() {
+        auto opened = timeline_document::open(folder.path(), loop);
+        document = std::move(opened).value();
+        apply({"setup", "", {row("R"), operation::insert_clip{shared_text("R"), clip("A", 0, 10)}}});
+        stack = std::make_unique<undo_stack>(*document, loop);
+    }
+
+    void apply(timeline_edit edit) {
+        const auto applied = document->apply(std::move(edit));
+        EXPECT_TRUE(applied) << applied.message();
+    }
+    void apply(const std::string& name, operation::any one) { apply({name, name, {std::move(one)}}); }
+
+    // The stored form with the clips that grow.
+    std::string state() const {
+        const auto& now = document->timeline();
+        const timeline_snapshot snapshot{now.uuid(), now.description(), now.kept(), now.rows(),
+                                         now.live_clips()};
+        std::string text = write_json(write_timeline(snapshot));
+        for (const auto& place : snapshot.live_clips) text += "growing " + place.clip->id();
+        return text;
+    }
+    bool has(const std::string& uuid) const { return document->timeline().find_clip(uuid).has_value(); }
+
+    temporary_folder folder;
+    simulated_run_loop loop;
+    std::unique_ptr<timeline_document> document;
+    std::unique_ptr<undo_stack> stack;
+};
+
+TEST_F(undo, every_step_is_taken_back_and_done_again) {
+    std::vector<std::string> states{state()};
+    const std::vector<timeline_edit> edits{
+        {"one", "", {row("S"), operation::insert_clip{shared_text("S"), clip("B", 3, 4)}}},
+        {"two", "", {stamp("B", "Q"), change("A", "stars", 3)}},
+        {"three", "", {operation::move_clip{"A", shared_text("S")}, operation::remove_clip{"B"}}},
+        {"four", "", {operation::move_row{shared_text("S"), 0}}},
+    };
+    for (const auto& edit : edits) {
+        apply(edit);
+        EXPECT_EQ(stack->undo_name(), edit.name);
+        states.push_back(state());
+    }
+    for (int round = 0; round < 2; ++round) {
+        for (std::size_t at = edits.size(); at-- > 0;) {
+            EXPECT_TRUE(stack->undo());
+            EXPECT_EQ(state(), states[at]) << edits[at].name;
+            EXPECT_EQ(stack->redo_name(), edits[at].name);
+        }
+        EXPECT_FALSE(stack->can_undo());
+        EXPECT_TRUE(stack->undo());
+        for (std::size_t at = 0; at < edits.size(); ++at) {
+            EXPECT_TRUE(stack->redo());
+            EXPECT_EQ(state(), states[at + 1]) << edits[at].name;
+        }
+        EXPECT_FALSE(stack->can_redo());
+    }
+}
+
+TEST_F(undo, an_edit_forgets_what_was_taken_back) {
+    apply("stars", change("A", "stars", 1));
+    EXPECT_TRUE(stack->undo());
+    apply("other", change("A", "stars", 2));
+    EXPECT_FALSE(stack->can_redo());
+}
+
+TEST_F(undo, what_is_taken_back_is_on_record) {
+    apply("stars", change("A", "stars", 5));
+    EXPECT_TRUE(stack->undo());
+    const std::string before = state();
+    stack.reset();
+    document.reset();
+    document = std::move(timeline_document::open(folder.path(), loop)).value();
+    EXPECT_EQ(state(), before);
+}
+
+TEST_F(undo, a_finished_clip_goes_with_the_row_that_its_button_made) {
+    const std::string before = state();
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
+    EXPECT_FALSE(stack->can_undo());
+    apply("Shot", operation::finish_clip{"N", 4, 9});
+    const std::string finished = state();
+    EXPECT_TRUE(stack->undo());
+    EXPECT_EQ(state(), before);
+    EXPECT_TRUE(stack->redo());
+    EXPECT_EQ(state(), finished);
+}
+
+TEST_F(undo, a_row_that_was_used_since_stays) {
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
+    apply({"Goal", "c", {operation::begin_clip{shared_text("S"), clip("M", 6, 6)}}});
+    apply("Shot", operation::finish_clip{"N", 4, 9});
+    EXPECT_TRUE(stack->undo());
+    EXPECT_FALSE(has("N"));
+    EXPECT_TRUE(document->timeline().row(shared_text("S")));
+    EXPECT_EQ(document->timeline().live_clips().size(), 1U);
+}
+
+TEST_F(undo, a_stamp_on_a_growing_clip_goes_alone_while_it_grows_and_with_it_afterwards) {
+    apply("Shot", operation::begin_clip{shared_text("R"), clip("N", 5, 5)});
+    apply("Player", stamp("N", "Q1"));
+    apply("Zone", stamp("N", "Q2"));
+    EXPECT_TRUE(stack->undo());
+    EXPECT_EQ(document->timeline().live_clips()[0].clip->qualifiers()->size(), 1U);
+    apply("Shot", operation::finish_clip{"N", 4, 9});
+    EXPECT_TRUE(stack->undo());
+    EXPECT_FALSE(has("N"));
+    EXPECT_FALSE(stack->can_undo());  // the stamp went with the clip
+    EXPECT_TRUE(stack->redo());
+    EXPECT_EQ(document->timeline().find_clip("N")->clip->qualifiers()->size(), 1U);
+}
+
+TEST_F(undo, merges_a_drag_but_not_two_presses) {
+    const struct {
+        const char* what;
+        std::vector<timeline_edit> edits;
+        double seconds_between;
+        int steps;
+    } cases[] = {
+        {"drag",
+         {{"Trim", "A", {change("A", "time_end", 11)}}, {"Trim", "A", {change("A", "time_end", 12)}}},
+         0.1,
+         1},
+        {"two drags",
+         {{"Trim", "A", {change("A", "time_end", 11)}}, {"Trim", "A", {change("A", "time_end", 12)}}},
+         2,
+         2},
+        {"both ends",
+         {{"Trim", "A", {change("A", "time_end", 11)}}, {"Trim", "A", {change("A", "time_start", 2)}}},
+         0.1,
+         1},
+        {"two names",
+         {{"Trim", "A", {change("A", "time_end", 11)}}, {"Stars", "A", {change("A", "stars", 2)}}},
+         0.1,
+         2},
+        {"stamps", {{"Player", "b", {stamp("A", "Q1")}}, {"Player", "b", {stamp("A", "Q2")}}}, 0.1, 2},
+    };
+    for (const auto& one : cases) {
+        const std::string before = state();
+        for (const auto& edit : one.edits) {
+            apply(edit);
+            loop.advance(one.seconds_between);
+        }
+        const std::string after = state();
+        for (int step = 0; step < one.steps; ++step) {
+            EXPECT_NE(state(), before) << one.what;
+            EXPECT_TRUE(stack->undo());
+        }
+        EXPECT_EQ(state(), before) << one.what;
+        for (int step = 0; step < one.steps; ++step) EXPECT_TRUE(stack->redo());
+        EXPECT_EQ(state(), after) << one.what;
+        for (int step = 0; step < one.steps; ++step) EXPECT_TRUE(stack->undo());
+    }
+}
+
+TEST_F(undo, a_group_is_one_step) {
+    const std::string before = state();
+    stack->begin_group("Import");
+    for (const char* uuid : {"B", "C", "D"})
+        apply("add", operation::insert_clip{shared_text("R"), clip(uuid, 1, 2)});
+    stack->end_group();
+    apply("other", change("A", "stars", 1));
+    EXPECT_TRUE(stack->undo());
+    EXPECT_EQ(stack->undo_name(), "Import");
+    EXPECT_TRUE(stack->undo());
+    EXPECT_EQ(state(), before);
+}
+
+TEST_F(undo, knows_the_saved_state) {
+    EXPECT_TRUE(stack->is_at_saved_state());
+    apply("one", stamp("A", "Q1"));
+    EXPECT_FALSE(stack->is_at_saved_state());
+    stack->mark_saved();
+    apply("two", stamp("A", "Q2"));
+    EXPECT_TRUE(stack->undo());
+    EXPECT_TRUE(stack->is_at_saved_state());
+    EXPECT_TRUE(stack->undo());
+    EXPECT_FALSE(stack->is_at_saved_state());
+    EXPECT_TRUE(stack->redo());
+    EXPECT_TRUE(stack->is_at_saved_state());
+    EXPECT_TRUE(stack->redo());
+    EXPECT_FALSE(stack->is_at_saved_state());
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,171 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Collections made of movies, their offsets, and what a clip shows of a vistel."""
+
+import os
+import plistlib
+import shutil
+import unittest
+
+from support import HAVE_MEDIA, CommandTest
+
+
+def item(uuid, number=None, **more):
+    stored = {"UUID single video - g": uuid, **more}
+    if number is not None:
+        stored["Vistel name UUID - coll"] = float(number)
+    return stored
+
+
+class StoredCollection(CommandTest):
+    """Collections written by hand; their movies are never opened."""
+
+    def setUp(self):
+        super().setUp()
+        self.vault = self.folder / "Cup.VVault"
+        self.collection = self.vault / "Video Groups/Final"
+
+    def store(self, *items):
+        self.write(self.collection / "video group.plist",
+                   {"UUID video group": "C", "video group name": "Final", "video type state": "PLAYBACK",
+                    "movie time": 12.5, "array video group items": list(items)})
+        for one in items:
+            folder = self.vault / "Single Videos" / one["UUID single video - g"]
+            self.write(folder / "single video.plist",
+                       {"drone_array": [{"gap_before": 1.0, "part_duration": 20.0},
+                                        {"gap_before": 2.0, "part_duration": 30.5}]})
+            for name in ("part 001.mp4", "part 002.mp4"):
+                (folder / name).write_bytes(b"movie")
+
+    def test_show(self):
+        self.store(item("A", 5, **{"manual start offset": -3.0, "Vistel video name - coll": "wide"}),
+                   item("B", 6, **{"manual start offset": -5.0}))
+        shown = self.printed("collection", "show", self.collection)
+        self.assertEqual((shown["uuid"], shown["name"], shown["state"], shown["movie_time"]),
+                         ("C", "Final", "PLAYBACK", 12.5))
+        self.assertEqual((shown["largest_offset_clips"], shown["largest_offset_composer"]), (0, -3))
+        self.assertEqual([(one["number"], one["name"], one["offset"], one["lead_clips"], one["lead_composer"])
+                          for one in shown["vistels"]], [(5, "wide", -3, 3, 0), (6, "", -5, 5, 2)])
+        self.assertEqual(shown["vistels"][0]["duration"], 53.5)
+        self.assertEqual(shown["vistels"][0]["parts"][1],
+                         {"file": str(self.vault / "Single Videos/A/part 002.mp4"), "gap_before": 2.0,
+                          "part_duration": 30.5, "start": 23.0})
+
+    def test_offset_is_saved_and_the_rest_is_kept(self):
+        self.store(item("A", 5, overlay={"kept": 1}), item("B", 6))
+        for name, seconds in (("A", "-1.25"), ("6", "2")):
+            self.printed("collection", "offset", self.collection, name, seconds)
+        stored = plistlib.loads((self.collection / "video group.plist").read_bytes())
+        first, second = stored["array video group items"]
+        self.assertEqual((first["manual start offset"], second["manual start offset"]), (-1.25, 2.0))
+        self.assertEqual(first["overlay"], {"kept": 1})
+        self.assertEqual([one["lead_clips"] for one in
+                          self.printed("collection", "show", self.collection)["vistels"]], [3.25, 0])
+        self.assertIn("7", self.complaint("collection", "offset", self.collection, "7", "1"))
+
+    def test_range(self):
+        self.store(item("A", 5, **{"manual start offset": -1.5}), item("B", 6))
+        for vistel, start, end, wanted in (("A", 10, 12, (11.5, 2, 6900, 1200)), ("5", 12, 10, (11.5, 2, 6900, 1200)),
+                                           ("A", -4, 1, (0, 2.5, 0, 1500)), ("B", 50, 70, (50, 3.5, 30000, 2100)),
+                                           ("B", 60, 70, (53.5, 0, 32100, 0))):
+            found = self.printed("collection", "range", self.collection, vistel, start, end)
+            self.assertEqual(tuple(found.values()), wanted)
+
+    def test_what_is_broken_in_one_vistel_leaves_the_other(self):
+        self.store(item("A", 5), item("B", 6))
+        (self.vault / "Single Videos/A/single video.plist").write_text("<plist>")
+        first, second = self.printed("collection", "show", self.collection)["vistels"]
+        self.assertIn("Single Videos/A/single video.plist", first["problem"])
+        self.assertEqual((first["parts"], second["duration"]), ([], 53.5))
+
+    def test_a_damaged_record_is_named(self):
+        self.store(item("A", 5))
+        record = self.collection / "video group.plist"
+        record.write_bytes(record.read_bytes()[:200])
+        before = record.read_bytes()
+        for command in (["show"], ["range"], ["offset"]):
+            more = {"show": [], "range": ["A", "0", "1"], "offset": ["A", "1"]}[command[0]]
+            self.assertIn(str(record), self.complaint("collection", *command, self.collection, *more))
+        self.assertEqual(record.read_bytes(), before)
+
+
+@unittest.skipUnless(HAVE_MEDIA and shutil.which("ffmpeg"), "needs movies")
+class NewCollection(CommandTest):
+    @classmethod
+    def setUpClass(cls):
+        import subprocess
+        import tempfile
+        cls.movies = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.movies.cleanup)
+        cls.movie = os.path.join(cls.movies.name, "wide.mp4")
+        subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "testsrc2=size=128x72:rate=25:duration=2",
+                        "-c:v", "libx264", "-pix_fmt", "yuv420p", cls.movie], check=True, timeout=60)
+
+    def test_a_vistel_for_each_movie_or_one_of_all(self):
+        folder = self.folder / "Cup.VVault/Video Groups/Final"
+        shown = self.printed("collection", "new", folder, "--name", "Final", self.movie, self.movie)
+        self.assertEqual([(one["number"], one["name"], len(one["parts"])) for one in shown["vistels"]],
+                         [(1, "wide", 1), (2, "wide", 1)])
+        self.assertAlmostEqual(shown["vistels"][0]["duration"], 2, places=2)
+        part = shown["vistels"][0]["parts"][0]["file"]
+        self.assertEqual(os.path.dirname(os.path.dirname(part)), str(self.folder / "Cup.VVault/Single Videos"))
+        self.assertEqual(os.path.basename(part), "part 001.mp4")
+        stored = plistlib.loads((folder / "video group.plist").read_bytes())
+        self.assertIn(int(stored["UUID video group quick"]), range(1, 2**53))
+        appended = self.printed("collection", "new", self.folder / "joined", "--name", "J", "--append",
+                                self.movie, self.movie)
+        self.assertEqual([one["start"] for one in appended["vistels"][0]["parts"]],
+                         [0, appended["vistels"][0]["parts"][0]["part_duration"]])
+
+    def test_a_failure_leaves_nothing_behind(self):
+        broken = self.folder / "broken.mp4"
+        broken.write_bytes(b"no movie" * 100)
+        before = self.files_below(self.folder)
+        target = self.folder / "Cup.VVault/Video Groups/Final"
+        for movie in (broken, self.folder / "none.mp4"):
+            self.assertIn(movie.name, self.complaint("collection", "new", target, "--name", "F", self.movie, movie))
+        self.assertEqual(self.files_below(self.folder), before)
+        self.assertFalse(target.exists())
+
+    def test_every_vistel_shows_the_frame_that_its_offset_asks_for(self):
+        folder = self.folder / "two"
+        self.printed("collection", "new", folder, "--name", "Two", self.movie, self.movie)
+        uuids = [one["uuid"] for one in self.printed("collection", "offset", folder, "1", "0.5")["vistels"]]
+        found = self.printed("collection", "seek", folder, "--times", "0.3,1.21,-.25")
+        self.assertEqual([one["time"] for one in found], [0.3, 1.21, -0.25])
+        for one, wanted in zip(found, ((0.28, 0.8), (1.2, 1.68), (None, 0.24))):
+            for uuid, time in zip(uuids, wanted):
+                if time is None:
+                    self.assertIsNone(one["frame_times"][uuid])
+                else:
+                    self.assertAlmostEqual(one["frame_times"][uuid], time, places=6)
+
+        picture = self.folder / "picture.png"
+        shown = self.printed("collection", "frame", folder, "1", picture, "--vistel", "2")
+        self.assertEqual((shown["width"], shown["height"]), (128, 72))
+        self.assertEqual([(one["uuid"], one["movie_time"]) for one in shown["vistels"]], [(uuids[1], 1.5)])
+        self.assertTrue(picture.read_bytes().startswith(b"\x89PNG"))
+        both = self.printed("collection", "frame", folder, "1", picture)
+        self.assertEqual((both["width"], len(both["vistels"])), (256, 2))
+
+        played = self.printed("collection", "play", folder, "--from", "0.2", "--seconds", "0.5", "--rate", "2")
+        self.assertEqual((played["rate"], list(played["frames"])), (2, uuids))
+        self.assertGreater(played["frames"][uuids[0]], 0)
+
+    def test_a_broken_movie_leaves_the_others_playing(self):
+        folder = self.folder / "two"
+        made = self.printed("collection", "new", folder, "--name", "Two", self.movie, self.movie)
+        broken = made["vistels"][0]["parts"][0]["file"]
+        os.unlink(broken)  # a link to the movie itself
+        with open(broken, "wb") as file:
+            file.write(b"no movie")
+        shown = self.printed("collection", "frame", folder, "1", self.folder / "picture.png")["vistels"]
+        self.assertIsNone(shown[0]["frame_time"])
+        self.assertIn("part 001.mp4", shown[0]["problem"])
+        self.assertAlmostEqual(shown[1]["frame_time"], 1, places=6)
+        os.unlink(broken)
+        line = self.complaint("collection", "frame", folder, "1", self.folder / "x.png", "--vistel", "1")
+        self.assertIn(os.path.dirname(broken), line)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Code windows shown, saved again, and their buttons pressed by scripts."""
+
+import json
+import plistlib
+import unittest
+
+from support import CommandTest
+
+BUTTONS = {"version markup": 3, "array objects": [
+    {"odd": [1, 2.5], "uuid": "U1", "name": "Shot", "button Type": 10, "secs in": 2.0, "secs out": 1},
+    {"uuid": "U2", "name": "Goal", "name category": "Outcome", "button Type": 20},
+    {"uuid": "U3", "name": "Half", "button Type": 30, "auto up": True, "auto up duration": 1.5}]}
+
+
+class Logger(CommandTest):
+    def setUp(self):
+        super().setUp()
+        self.event = self.folder / "event"
+        self.write(self.event / "Logger/button dict.plist", BUTTONS)
+        self.script = self.folder / "script.json"
+
+    def press(self, *events):
+        self.script.write_text(json.dumps({"events": list(events)}))
+        return self.printed("logger", "press", self.event, self.event, self.script)
+
+    def test_show_and_resave_keep_what_is_stored(self):
+        self.assertEqual(self.printed("logger", "show", self.event), BUTTONS)
+        self.assertEqual(self.printed("logger", "show", self.event / "Logger"), BUTTONS)
+        self.assertEqual(self.printed("logger", "resave", self.event, "--to", self.folder / "new"),
+                         {"buttons": 3})
+        saved = (self.folder / "new/Logger/button dict.plist").read_bytes()
+        self.assertEqual(plistlib.loads(saved), BUTTONS)
+
+    def test_press_fires_in_order_and_saves_the_timeline(self):
+        done = self.press({"at": 10, "button": "Shot", "do": "down"}, {"at": 11.5, "button": "U2", "do": "down"},
+                          {"at": 12, "button": "Half", "do": "down"}, {"at": 20, "button": "U1", "do": "up"},
+                          {"at": 21, "do": "tab"}, {"at": 40, "button": "Shot", "do": "down"},
+                          {"at": 45, "do": "end"}, {"at": 50, "button": "Shot", "do": "up"})
+        fired = [(one["at"], one["name"], one["state"], one["cause"], one["made"]) for one in done["fired"]]
+        self.assertEqual(fired, [(10, "Shot", "down", "press", None), (11.5, "Goal", "down", "press", "qualifier"),
+                                 (12, "Half", "down", "press", None), (13.5, "Half", "up", "auto up", None),
+                                 (20, "Shot", "up", "press", "clip"), (21, "Goal", "up", "tab", None),
+                                 (40, "Shot", "down", "press", None)])
+        self.assertEqual(done["down"], ["U1"])
+        rows = plistlib.loads((self.event / "chron data.plist").read_bytes())["rows"]
+        self.assertEqual([(one["time_start"], one["time_end"]) for one in rows[0]["clips"]],
+                         [(8, 21), (38, 46)])
+        self.assertEqual(rows[0]["clips"][0]["qualifiers"]["qualifiers_array"][0]["category"], "Outcome")
+
+    def test_a_wrong_script_is_named_and_nothing_is_pressed(self):
+        for text in ("{}", "[", '{"events": [{"at": 1, "do": "fly"}]}',
+                     '{"events": [{"at": 1, "button": "zz", "do": "down"}]}',
+                     '{"events": [{"at": 2, "do": "tab"}, {"at": 1, "do": "tab"}]}'):
+            self.script.write_text(text)
+            told = self.complaint("logger", "press", self.event, self.folder / "other", self.script)
+            self.assertIn(str(self.script), told)
+        self.assertFalse((self.folder / "other").exists())
+        self.assertIn("button dict.plist", self.complaint("logger", "show", self.folder / "none"))
+
+
+if __name__ == "__main__":
+    unittest.main()

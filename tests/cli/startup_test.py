@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The steps of a start, settings and vaults, by what other programs see of them."""
+
+import os
+import plistlib
+import time
+import unittest
+
+from support import CommandTest
+
+
+class Startup(CommandTest):
+    def test_a_first_start_makes_home_vault_and_state_folder(self):
+        first = self.printed("startup", "--build", "7")
+        self.assertEqual(first, {"home_vault": str(self.home / "Home Vault.VVault"),
+                                 "state_folder": str(self.state), "cleaned": [], "recovered": [],
+                                 "messages": [], "windows": []})
+        information = plistlib.loads(
+            (self.home / "Home Vault.VVault/home vault information.plist").read_bytes())
+        self.assertEqual(list(information), ["ID for this file:", "home vault creation date:"])
+        self.assertEqual(self.printed("startup", "--build", "6.5")["messages"],
+                         ["This version of Vistels is an older build than the previous version that was used."
+                          "\r\rBuild number of this version  6.5.\rPrevious build number used  7."])
+
+    def test_strays_and_torn_files(self):
+        self.printed("startup")
+        stray = self.write(self.state / "Inspector/pane.plist temp file 5", {})
+        os.utime(stray, (time.time() - 7200,) * 2)
+        torn = self.home / "Home Vault.VVault/Video Groups/a/video group.plist"
+        self.write(torn, {})
+        torn.write_bytes(torn.read_bytes()[:60])
+        self.write(torn.with_name("video group.plist <previous> 99"), {"video group name": "whole"})
+        report = self.printed("startup")
+        self.assertEqual((report["cleaned"], report["recovered"]), ([str(stray)], [str(torn)]))
+        self.assertEqual(plistlib.loads(torn.read_bytes()), {"video group name": "whole"})
+
+    def test_windows_come_back_to_front(self):
+        windows = [{"root ID": "B", "order": 2, "open_from_path": "/b"},
+                   {"root ID": "A", "name": "Final", "order": 1, "open_from_path": "/a"}]
+        self.write(self.state / "Windows/windows open.plist", {"open windows": windows})
+        self.assertEqual(self.printed("startup")["windows"], [windows[1], windows[0]])
+
+    def test_damaged_state_files_read_as_nothing(self):
+        for name in ("Windows/windows open.plist", "System/last build used.plist",
+                     "Playback/playback top speed.plist"):
+            (self.state / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.state / name).write_text("<plist><dict>")
+        self.assertEqual(self.printed("startup")["windows"], [])
+        self.assertEqual(self.printed("settings", "show")["playback top speed"], 64)
+
+    def test_vaults(self):
+        vault = self.folder / "Cup.VVault"
+        self.assertEqual(self.printed("vault", "create", self.folder, "Cup"), {"vault": str(vault)})
+        self.assertIn("Vault 'Cup' already exists.", self.complaint("vault", "create", self.folder, "Cup"))
+        # A name that is a command's name is a name here.
+        self.printed("vault", "create", self.folder, "startup")
+        self.write(vault / "Video Groups/Final/video group.plist", {})
+        self.write(vault / "Video Groups/Final/chron data.plist", {})
+        found = self.printed("vault", "scan", vault)
+        self.assertEqual(list(found["counts"].values()), [1, 1, 0, 0, 0, 0])
+        self.assertEqual(found["items"][0], {"file_name_": "Final", "type": "collection",
+                                             "full_file_path": str(vault / "Video Groups/Final")})
+        self.assertIn("nowhere", self.complaint("vault", "scan", self.folder / "nowhere"))
+        self.printed("vault", "create", self.folder, "Cup", "--replace")
+        self.assertEqual(self.printed("vault", "scan", vault)["items"], [])
+
+
+if __name__ == "__main__":
+    unittest.main()

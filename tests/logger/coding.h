@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "logger/press_engine.h"
+#include "support/failing_files.h"
+#include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
+#include "util/simulated_run_loop.h"
+#include "util/text_forms.h"
+
+namespace vistels::testing {
+
+inline markup_Button_Item button_of(const std::string& name, button_type type) {
+    markup_Button_Item button;
+    button.set_uuid("id " + name);
+    button.set_name(name);
+    button.set_category("cat");
+    button.set_type(type);
+    return button;
+}
+
+// "A 1-2(Q) 5-6; B 3-4": the clips of each row with their qualifiers, growing ones last as "live B 3".
+inline std::string clips_text(const sxy_DATA_root& timeline) {
+    std::string text;
+    for (const auto& row : timeline.rows()) {
+        text += (text.empty() ? "" : "; ") + row->name();
+        for (const auto& clip : row->clips()) {
+            text += ' ';
+            append_shortest(text, clip->secs_start());
+            text += '-';
+            append_shortest(text, clip->secs_end());
+            if (clip->qualifiers()->empty()) continue;
+            std::string names;
+            for (const auto& item : *clip->qualifiers())
+                names += (names.empty() ? "" : ",") + item.name().str();
+            text += "(" + names + ")";
+        }
+    }
+    for (const auto& live : timeline.live_clips()) {
+        text += "; live " + timeline.row(live.row)->name() + " ";
+        append_shortest(text, live.clip->secs_start());
+    }
+    return text;
+}
+
+// Files that are never synced to the volume, which the death of a process does not ask for: much faster.
+struct unsynced_files : failing_files {
+    int sync(int) override { return 0; }
+    int sync_data(int) override { return 0; }
+    int sync_folder(const std::string&) override { return 0; }
+};
+
+// A timeline in a folder of its own with the clip buttons A and B, the qualifiers Q and R and the button N
+// that makes nothing. The collection's clock is the loop's.
+struct coding {
+    temporary_folder folder;
+    unsynced_files files;
+    simulated_run_loop loop;
+    std::unique_ptr<timeline_document> document;
+    std::unique_ptr<press_engine> engine;
+    std::vector<markup_Button_Item> buttons{
+        button_of("A", button_type::clip), button_of("B", button_type::clip),
+        button_of("Q", button_type::qualifier), button_of("R", button_type::qualifier),
+        button_of("N", button_type::none)};
+    std::string fired;  // "A+1 Q+2~ A-3!": down and up; ~ nothing to stamp; ! not recorded; (tab), (auto up)
+    connection reporting;
+
+    coding() {
+        auto opened = timeline_document::open(folder.path(), loop, files);
+        EXPECT_TRUE(opened) << opened.message();
+        document = std::move(opened).value();
+        engine = std::make_unique<press_engine>(*document, loop.time());
+        reporting = engine->fired.connect([this](const button_fired& one) {
+            fired += (fired.empty() ? "" : " ") + one.name + (one.is_down ? "+" : "-");
+            append_shortest(fired, one.at);
+            if (one.nothing_to_stamp) fired += '~';
+            if (!one.recorded) fired += '!';
+            if (one.cause != press_cause::press)
+                fired += "(" + std::string(press_cause_text(one.cause)) + ")";
+        });
+        engine->set_buttons(buttons, 0);
+    }
+
+    // "1+A 2-A 3tab 4": at each time a press, a release, a tab or only a tick.
+    void run(const std::string& script) {
+        engine->set_buttons(buttons, 0);
+        std::istringstream steps(script);
+        for (std::string step; steps >> step;) {
+            const auto sign = step.find_first_not_of("0123456789.");
+            const double at = *number_from_text(step.substr(0, sign));
+            if (at > loop.time().seconds()) loop.advance_to(at);
+            engine->tick(at);
+            if (sign == std::string::npos) continue;
+            const std::string button = "id " + step.substr(sign + 1);
+            if (step[sign] == '+') engine->press(button, at);
+            if (step[sign] == '-') engine->release(button, at);
+            if (step.substr(sign) == "tab") engine->tab(at);
+        }
+    }
+    std::string clips() const { return clips_text(document->timeline()); }
+};
+
+}  // namespace vistels::testing

@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logger/press_engine.h"
+
+#include <filesystem>
+#include <functional>
+
+#include "logger/coding.h"
+
+namespace vistels {
+namespace {
+
+using testing::button_of;
+using testing::clips_text;
+using testing::coding;
+
+using setting = std::function<void(coding&)>;
+
+setting of_a(std::function<void(markup_Button_Item&)> set) {
+    return [set](coding& code) { set(code.buttons[0]); };
+}
+setting lead_and_lag(double in, double out) {
+    return of_a([=](markup_Button_Item& a) {
+        a.set_secs_in(in);
+        a.set_secs_out(out);
+    });
+}
+
+struct press_case {
+    const char* what;
+    setting set;
+    const char* script;
+    const char* clips;
+};
+
+void expect_all(const std::vector<press_case>& cases) {
+    for (const auto& one : cases) {
+        coding code;
+        if (one.set) one.set(code);
+        code.run(one.script);
+        EXPECT_EQ(code.clips(), one.clips) << one.what;
+    }
+}
+
+TEST(press, makes_the_clip_that_was_held_widened_by_lead_and_lag) {
+    expect_all({
+        {"down only", nullptr, "5+A 7", "A; live A 5"},
+        {"down and up", nullptr, "5+A 7-A", "A 5-7"},
+        {"a second down counts for nothing", nullptr, "5+A 6+A 7-A 8-A", "A 5-7"},
+        {"lead and lag", lead_and_lag(3, 2), "5+A 7-A", "A 2-9"},
+        {"a start below the earliest time", lead_and_lag(9, 0), "5+A 7-A", "A 0-7"},
+        {"an earliest time below zero",
+         [](coding& code) {
+             lead_and_lag(9, 0)(code);
+             code.engine->set_earliest_time(-3);
+         },
+         "5+A 7-A", "A -3-7"},
+        {"an earliest time behind the press", [](coding& code) { code.engine->set_earliest_time(6); },
+         "5+A 7-A", "A 5-7"},
+        {"a lag below zero does not turn the clip round", lead_and_lag(0, -9), "5+A 7-A", "A 5-5"},
+        {"playback went back meanwhile", nullptr, "20+A 12-A", "A 12-20"},
+        {"no length", nullptr, "5+A 5-A", "A 5-5"},
+        {"two at once", nullptr, "5+A 6+B 7-A 8-B", "A 5-7; B 6-8"},
+        {"no such button", nullptr, "5+X 6-X", ""},
+        {"none makes nothing", nullptr, "5+N 6-N", ""},
+    });
+}
+
+TEST(press, clips_of_one_row_overlap_only_when_they_may) {
+    const auto allow = of_a([](auto& a) { a.set_allow_overlapping_clips(true); });
+    const auto merge = of_a([](auto& a) { a.set_merge_clips(true); });
+    // Row A has the clips 10-20 (with Q) and 30-40 before.
+    const auto after = [](setting set, bool lead = false) -> setting {
+        return [=](coding& code) {
+            code.run("10+A 15+Q 20-A 30+A 40-A");
+            if (set) set(code);
+            if (lead) code.buttons[0].set_secs_in(5);
+        };
+    };
+    expect_all({
+        {"cut at its start", after(nullptr), "18+A 25-A", "A 10-20(Q) 20-25 30-40"},
+        {"cut at its end", after(nullptr), "25+A 35-A", "A 10-20(Q) 25-30 30-40"},
+        {"cut at both", after(nullptr), "18+A 32-A", "A 10-20(Q) 20-30 30-40"},
+        {"the lead is cut", after(nullptr, true), "23+A 25-A", "A 10-20(Q) 20-25 30-40"},
+        {"the piece that was held longest", after(nullptr), "5+A 23-A", "A 5-10 10-20(Q) 30-40"},
+        {"the free piece of a moment", after(nullptr, true), "9+A 9-A", "A 4-9 10-20(Q) 30-40"},
+        {"no piece is free", after(nullptr), "12+A 15-A", "A 10-20(Q) 12-15 30-40"},
+        {"touching is no overlap", after(nullptr), "20+A 30-A", "A 10-20(Q) 20-30 30-40"},
+        {"allowed", after(allow), "18+A 35-A", "A 10-20(Q) 18-35 30-40"},
+        {"merged into the one before", after(merge), "18+A 19+R 25-A", "A 10-25(Q,R) 30-40"},
+        {"merged with one after", after(merge), "25+A 26+R 30-A", "A 10-20(Q) 25-40(R)"},
+        {"merged with both", after(merge), "20+A 35-A", "A 10-40(Q)"},
+        {"nothing met", after(merge), "22+A 28-A", "A 10-20(Q) 22-28 30-40"},
+    });
+}
+
+TEST(press, goes_to_the_row_of_its_name_and_makes_a_missing_one) {
+    coding code;
+    const auto add_row = [&](const char* uuid, const char* category) {
+        auto row = testing::row_of(uuid, "A");
+        row.set_category(category);
+        ASSERT_TRUE(code.document->apply({"Row", "", {operation::insert_row{9, row}}}));
+    };
+    add_row("other", "else");
+    code.run("1+A 2-A");
+    EXPECT_EQ(code.clips(), "A 1-2") << "by its name alone";
+    add_row("same", "cat");
+    auto display = code.buttons[1].display();
+    display.button_colour = colour{1, 0, 0, 1};
+    code.buttons[1].set_display(display);
+    code.run("3+A 4-A 5+B 6-B");
+    EXPECT_EQ(code.clips(), "A 1-2; A 3-4; B 5-6");
+    const auto row = code.document->timeline().row_named("B");
+    EXPECT_EQ(row->category(), "cat");
+    EXPECT_EQ(row->col(), display.button_colour);
+    EXPECT_EQ(row->clips()[0]->row_uuid_in_clip(), row->uuid());
+}
+
+TEST(press, stamps_a_qualifier_where_it_belongs) {
+    const auto blocks = of_a([](auto& a) { a.set_block_qualifiers(true); });
+    const auto overlaps = of_a([](auto& a) { a.set_allow_overlapping_clips(true); });
+    expect_all({
+        {"growing clips", nullptr, "1+A 2+B 3+Q 4-A 5-B", "A 1-4(Q); B 2-5(Q)"},
+        {"growing ones before those that hold the time", nullptr, "1+A 9-A 3+B 4+Q 5-B", "A 1-9; B 3-5(Q)"},
+        {"a growing one that blocks", blocks, "1+A 2+B 3+Q 4-A 5-B", "A 1-4; B 2-5(Q)"},
+        {"the last started of each row", overlaps, "1+A 9-A 3+A 9-A 2+B 8-B 5+Q", "A 1-9 3-9(Q); B 2-8(Q)"},
+        {"a clip's end is behind it", nullptr, "1+A 5-A 1+B 6-B 5+Q", "A 1-5; B 1-6(Q)"},
+        {"a row that blocks", blocks, "1+A 9-A 2+B 8-B 5+Q", "A 1-9; B 2-8(Q)"},
+        {"else the last made", nullptr, "20+A 21-A 5+B 6-B 30+Q", "A 20-21; B 5-6(Q)"},
+        {"else the last made that does not block", blocks, "5+B 6-B 20+A 21-A 30+Q", "B 5-6(Q); A 20-21"},
+        {"twice", nullptr, "1+A 2+Q 3-Q 4+Q 5+R 9-A", "A 1-9(Q,Q,R)"},
+        {"no clip", nullptr, "1+Q", ""},
+    });
+    coding code;
+    code.run("1+Q 2-Q");
+    EXPECT_EQ(code.fired, "Q+1~ Q-2");
+}
+
+TEST(press, stamps_the_clip_that_ended_last_when_none_was_made_since_opening) {
+    coding code;
+    ASSERT_TRUE(
+        code.document->apply({"Rows",
+                              "",
+                              {operation::insert_row{0, testing::row_of("r", "A")},
+                               operation::insert_clip{shared_text("r"), testing::clip_of("c", 1, 4)},
+                               operation::insert_clip{shared_text("r"), testing::clip_of("d", 2, 3)},
+                               operation::insert_clip{shared_text("r"), testing::clip_of("e", 8, 9)}}}));
+    code.run("6+Q");
+    EXPECT_EQ(code.clips(), "A 1-4(Q) 2-3 8-9");
+    const auto item = code.document->timeline().find_clip("c")->clip->qualifiers()->front();
+    EXPECT_EQ(item.category(), "cat");
+    EXPECT_EQ(item.time(), 6);
+    EXPECT_EQ(item.real_local_time().size(), 8U);
+}
+
+TEST(press, goes_up_by_itself_by_tab_and_when_all_must) {
+    const auto auto_up = [](double seconds, bool delayed) {
+        return of_a([=](auto& a) {
+            a.set_auto_up(true);
+            a.set_delayed_up(delayed);
+            a.set_auto_up_duration(seconds);
+        });
+    };
+    const auto no_tab = of_a([](auto& a) { a.set_ignore_tab(true); });
+    struct fired_case {
+        setting set;
+        const char* script;
+        const char* fired;
+    };
+    const fired_case cases[] = {
+        {auto_up(2, false), "1+A 1.2-A 9", "A+1 A-3(auto up)"},
+        {auto_up(2, false), "1+A 3+B 4-A 5-B", "A+1 A-3(auto up) B+3 B-5"},
+        {auto_up(2, false), "1+A 5+A", "A+1 A-3(auto up) A+5"},
+        {auto_up(0, false), "1+A 2-A", "A+1 A-1(auto up)"},
+        {auto_up(-1, false), "1+A", "A+1 A-1(auto up)"},
+        {auto_up(2, true), "1+A 9-A 10-A 10.5 12", "A+1 A-11(auto up)"},
+        {auto_up(2, false), "1+A 2tab 9", "A+1 A-2(tab)"},
+        {no_tab, "1+A 2+N 3tab 4-A", "A+1 N+2 N-3(tab) A-4"},
+    };
+    for (const auto& one : cases) {
+        coding code;
+        one.set(code);
+        code.run(one.script);
+        EXPECT_EQ(code.fired, one.fired) << one.script;
+    }
+    coding code;
+    auto_up(60, false)(code);
+    no_tab(code);
+    code.run("1+A 2+N");
+    ASSERT_EQ(code.engine->down_buttons().size(), 2U);
+    EXPECT_EQ(code.engine->next_auto_up(), 61);
+    code.engine->set_buttons({button_of("A", button_type::clip)}, 3);
+    code.engine->release_all(4);
+    EXPECT_EQ(code.fired, "A+1 N+2 N-3 A-4");
+}
+
+TEST(press, an_auto_up_comes_while_playback_stands) {
+    coding code;
+    code.buttons[0].set_auto_up(true);
+    code.buttons[0].set_auto_up_duration(2);
+    code.run("10+A");
+    code.loop.advance_to(11.9);
+    code.engine->tick(10);
+    EXPECT_TRUE(code.engine->is_down("id A"));
+    code.loop.advance_to(12);
+    code.engine->tick(10);
+    EXPECT_EQ(code.clips(), "A 10-12");
+}
+
+TEST(press, that_cannot_be_recorded_is_told_and_made_up_for_in_order) {
+    coding code;
+    std::vector<std::string> told;
+    const auto listening = code.engine->trouble.connect([&](const std::string& why) { told.push_back(why); });
+    code.run("1+A 2-A 3+B");
+    code.files.set_fault([](int) { return ENOSPC; });
+    code.run("4+A 5+Q 6-B 7-A");
+    EXPECT_EQ(code.fired, "A+1 A-2 B+3 A+4! Q+5! B-6! A-7!");
+    EXPECT_EQ(code.engine->unrecorded(), 4U);
+    EXPECT_EQ(code.clips(), "A 1-2; B; live B 3");
+    code.files.set_fault([](int) { return 0; });
+    code.run("7.5 8.5");
+    EXPECT_EQ(code.engine->unrecorded(), 0U);
+    EXPECT_EQ(code.clips(), "A 1-2 4-7(Q); B 3-6(Q)");
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_NE(told[0].find("chron data journal"), std::string::npos);
+    EXPECT_EQ(told[1], "");
+}
+
+TEST(press, that_a_kill_broke_off_made_its_clip_up_to_the_last_noted_time) {
+    coding code;
+    code.run("50+A 60 61-A");
+    ASSERT_TRUE(code.document->save_now());  // so that no save changes the folder while it is copied
+    const auto after_death = [&] {
+        const testing::temporary_folder grave;
+        std::filesystem::copy(code.folder.path(), grave / "copy", std::filesystem::copy_options::recursive);
+        simulated_run_loop loop;
+        auto opened = timeline_document::open(grave / "copy", loop, code.files);
+        return opened ? clips_text(opened.value()->timeline()) : opened.message();
+    };
+    // Playback went back: what was noted there before does not count.
+    code.engine->press("id B", 10);
+    EXPECT_EQ(after_death(), "A 50-61; B 10-10");
+    code.loop.advance(0.2);
+    code.engine->tick(10.2);
+    EXPECT_EQ(after_death(), "A 50-61; B 10-10") << "too soon to be noted";
+    code.loop.advance(0.1);
+    code.engine->tick(10.3);
+    EXPECT_EQ(after_death(), "A 50-61; B 10-10.3");
+}
+
+TEST(press, a_clip_taken_away_while_it_grows_is_not_made_again) {
+    coding code;
+    code.run("1+A");
+    const auto growing = code.document->timeline().live_clips().front().clip->id();
+    ASSERT_TRUE(code.document->apply({"Take away", "", {operation::remove_clip{growing}}}));
+    code.run("2-A 3+A 4-A");
+    EXPECT_EQ(code.clips(), "A 3-4");
+}
+
+}  // namespace
+}  // namespace vistels

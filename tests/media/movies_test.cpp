@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+#include "media/frame_reader.h"
+#include "media/packet_index.h"
+#include "media/sound_reader.h"
+#include "support/coded_movie.h"
+#include "support/temporary_folder.h"
+
+namespace vistels {
+namespace {
+
+using namespace vistels::testing;
+
+constexpr unsigned frame_count = 70;
+
+movie_writer_settings small_movie() {
+    movie_writer_settings made;
+    made.width = 320;
+    made.height = 240;
+    made.gop_frames = 12;
+    made.video_bit_rate = 1'000'000;
+    made.preset = "ultrafast";
+    made.threads = 1;
+    return made;
+}
+
+// Frames 20 to 60 ms apart, and one that stands for 2 seconds.
+std::vector<double> uneven_times() {
+    std::vector<double> times;
+    double at = 0;
+    for (unsigned i = 0; i < frame_count; ++i) {
+        times.push_back(at);
+        at += i == 30 ? 2.0 : 0.02 + 0.01 * (i * 7 % 5);
+    }
+    return times;
+}
+
+struct movie_case {
+    const char* name;
+    const char* file;
+    int b_frames;
+    int rate;
+    int divisor;
+    bool uneven;
+};
+
+class exact_frames : public ::testing::TestWithParam<movie_case> {};
+
+TEST_P(exact_frames, are_found_by_their_time) {
+    const movie_case& c = GetParam();
+    const temporary_folder folder;
+    const std::string path = folder / c.file;
+    auto settings = small_movie();
+    settings.b_frames = c.b_frames;
+    settings.frame_rate = c.rate;
+    settings.frame_rate_divisor = c.divisor;
+    const auto times = c.uneven ? uneven_times() : std::vector<double>{};
+    const auto written = write_coded_movie(path, settings, frame_count, times);
+    ASSERT_TRUE(written.ok()) << written.message();
+
+    const auto index = read_packet_index(path);
+    ASSERT_TRUE(index.ok()) << index.message();
+    ASSERT_EQ(index.value().stamps.size(), frame_count);
+    auto opened = frame_reader::open(path);
+    ASSERT_TRUE(opened.ok()) << opened.message();
+    frame_reader& reader = *opened.value();
+
+    const auto expect_frame = [&](double seconds, int width, unsigned frame) {
+        const auto shown = reader.frame_at(seconds, width, width * 3 / 4);
+        ASSERT_TRUE(shown.ok()) << shown.message();
+        EXPECT_EQ(read_frame_number(*shown.value()), static_cast<int>(frame)) << seconds;
+        EXPECT_EQ(shown.value()->width, width);
+    };
+    std::minstd_rand random(3);
+    for (int i = 0; i < 150; ++i) {
+        const auto frame = static_cast<unsigned>(random() % frame_count);
+        const double at = index.value().seconds_of(frame);
+        if (!times.empty()) {
+            EXPECT_NEAR(at, times[frame], 0.001);
+        }
+        expect_frame(at, i % 2 == 0 ? 160 : 200, frame);
+        if (frame > 0) expect_frame(at - 0.002, 320, frame - 1);
+    }
+    expect_frame(-5, 160, 0);
+    expect_frame(1e6, 160, frame_count - 1);
+
+    // And one after another.
+    ASSERT_TRUE(reader.seek(0).ok());
+    for (unsigned frame = 0; frame < frame_count; ++frame) {
+        const auto shown = reader.next(160, 120);
+        ASSERT_TRUE(shown.ok() && shown.value());
+        ASSERT_EQ(read_frame_number(*shown.value()), static_cast<int>(frame));
+        EXPECT_EQ(shown.value()->last, frame + 1 == frame_count);
+    }
+    EXPECT_EQ(reader.next(160, 120).value(), nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(movies, exact_frames,
+                         ::testing::Values(movie_case{"plain", "plain.mp4", 0, 30, 1, false},
+                                           movie_case{"b_frames", "b frames.mp4", 2, 30, 1, false},
+                                           movie_case{"ntsc", "ntsc.mov", 3, 30000, 1001, false},
+                                           movie_case{"uneven", "uneven.mp4", 2, 30, 1, true},
+                                           movie_case{"coarse_time_base", "coarse.mkv", 2, 50, 1, false},
+                                           movie_case{"without_index", "stream.ts", 2, 25, 1, false}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST(movie_information, says_what_was_written) {
+    const temporary_folder folder;
+    for (const int rotation : {0, 90, 180, 270}) {
+        const std::string path = folder / (std::to_string(rotation) + ".mp4");
+        auto settings = small_movie();
+        settings.rotation = rotation;
+        settings.sound_channels = 1;
+        ASSERT_TRUE(write_coded_movie(path, settings, 30).ok());
+        const auto probed = probe_movie(path);
+        ASSERT_TRUE(probed.ok()) << probed.message();
+        const movie_information& known = probed.value();
+        EXPECT_NEAR(known.duration, 1.0, 0.001);
+        EXPECT_NEAR(known.frame_rate, 30, 0.01);
+        EXPECT_EQ(known.tracks, 2);
+        EXPECT_EQ(known.rotation, rotation);
+        EXPECT_EQ(known.width, rotation % 180 == 0 ? 320 : 240);
+        EXPECT_EQ(known.video_codec, "h264");
+        EXPECT_EQ(known.sound_rate, 48000);
+        EXPECT_EQ(known.sound_channels, 1);
+        EXPECT_GT(known.data_rate, 0);
+
+        // The code, at the stored picture's upper left, has gone to another corner.
+        auto opened = frame_reader::open(path);
+        ASSERT_TRUE(opened.ok());
+        const auto shown = opened.value()->frame_at(0.5, 0, 0);
+        ASSERT_TRUE(shown.ok());
+        EXPECT_EQ(read_frame_number(*shown.value()) == 15, rotation == 0);
+        EXPECT_EQ(shown.value()->height, rotation % 180 == 0 ? 240 : 320);
+    }
+}
+
+TEST(broken_movies, are_refused_by_name_or_read_as_far_as_they_go) {
+    const temporary_folder folder;
+    const std::string whole_path = folder / "whole.mp4";
+    auto settings = small_movie();
+    settings.fast_start = true;
+    ASSERT_TRUE(write_coded_movie(whole_path, settings, frame_count).ok());
+    const std::string whole = file_bytes(whole_path);
+
+    struct {
+        const char* name;
+        std::string bytes;
+    } const refused[] = {
+        {"empty.mp4", ""}, {"text.mp4", "not a movie at all"}, {"head.mp4", whole.substr(0, 900)}};
+    for (const auto& c : refused) {
+        const std::string path = folder / c.name;
+        put_file(path, c.bytes);
+        const auto opened = frame_reader::open(path);
+        ASSERT_FALSE(opened.ok()) << c.name;
+        EXPECT_NE(opened.message().find(c.name), std::string::npos) << opened.message();
+    }
+    for (const std::string& path : {folder / "missing.mp4", folder.path()}) {
+        const auto probed = probe_movie(path);
+        ASSERT_FALSE(probed.ok());
+        EXPECT_NE(probed.message().find(path), std::string::npos);
+    }
+
+    // Damaged anywhere: whatever happens, it comes to an end.
+    std::minstd_rand random(5);
+    const std::string damaged_path = folder / "damaged.mp4";
+    for (int round = 0; round < 30; ++round) {
+        std::string damaged = whole;
+        for (int i = 0; i < 40; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
+        if (round % 3 == 0) damaged.resize(damaged.size() / 2);
+        put_file(damaged_path, damaged);
+        auto opened = frame_reader::open(damaged_path);
+        if (!opened.ok()) continue;
+        for (const double seconds : {0.0, 2.0, 0.7, 100.0}) {
+            const auto shown = opened.value()->frame_at(seconds, 160, 120);
+            EXPECT_TRUE(shown.ok() || !shown.message().empty());
+        }
+    }
+}
+
+TEST(movie_writer, removes_what_was_not_finished) {
+    const temporary_folder folder;
+    const std::string path = folder / "half.mp4";
+    {
+        auto made = movie_writer::create(path, small_movie());
+        ASSERT_TRUE(made.ok()) << made.message();
+        const std::vector<std::uint8_t> pixels(320 * 240 * 4, 90);
+        ASSERT_TRUE(made.value()->add_picture(pixels.data(), 320 * 4).ok());
+        EXPECT_TRUE(std::filesystem::exists(path));
+        ASSERT_TRUE(made.value()->add_picture_at(pixels.data(), 320 * 4, 0.5).ok());
+        EXPECT_FALSE(made.value()->add_picture_at(pixels.data(), 320 * 4, 0.1).ok());
+    }
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_FALSE(movie_writer::create(folder / "no folder/a.mp4", small_movie()).ok());
+    auto odd = small_movie();
+    odd.width = 321;
+    EXPECT_FALSE(movie_writer::create(path, odd).ok());
+}
+
+TEST(sound_reader, finds_sound_by_time) {
+    const temporary_folder folder;
+    const std::string path = folder / "beeps.mp4";
+    auto settings = small_movie();
+    settings.sound_channels = 2;
+    ASSERT_TRUE(write_coded_movie(path, settings, 100).ok());
+    auto opened = sound_reader::open(path);
+    ASSERT_TRUE(opened.ok()) << opened.message();
+    const auto loudness = [&](double seconds) {
+        std::vector<float> samples(960 * sound_channels);
+        EXPECT_TRUE(opened.value()->read(seconds, samples.data(), 960).ok());
+        double sum = 0;
+        for (const float sample : samples) sum += std::abs(sample);
+        return sum / static_cast<double>(samples.size());
+    };
+    // Forwards, back, on from where it was, before the beginning and after the end.
+    for (const double second : {1.0, 2.0, 3.0, 0.0, 1.0}) {
+        EXPECT_GT(loudness(second + 0.02), 0.2) << second;
+        EXPECT_LT(loudness(second + 0.2), 0.02) << second;
+        EXPECT_LT(loudness(second - 0.05), 0.02) << second;
+    }
+    EXPECT_LT(loudness(50), 0.02);
+    EXPECT_FALSE(sound_reader::open(folder / "missing.mp4").ok());
+}
+
+TEST(picture, is_written_as_png) {
+    const temporary_folder folder;
+    const std::string path = folder / "a.png";
+    picture_pool pool;
+    auto made = pool.make(21, 9);
+    std::fill(made->bytes.begin(), made->bytes.end(), std::uint8_t{200});
+    ASSERT_TRUE(write_png(*made, path).ok());
+    EXPECT_EQ(file_bytes(path).substr(0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_FALSE(write_png(*made, folder / "no/a.png").ok());
+}
+
+}  // namespace
+}  // namespace vistels

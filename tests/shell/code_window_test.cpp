@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The code window pane under real mouse and key events.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QScrollArea>
+#include <QTest>
+
+#include "logger/press_engine.h"
+#include "shell/code_window_canvas.h"
+#include "shell/code_window_view.h"
+#include "shell/pane_header.h"
+#include "shell/qt_run_loop.h"
+#include "shell/theme.h"
+#include "support/temporary_folder.h"
+
+namespace vistels {
+namespace {
+
+code_button button_at(const char* uuid, double x, double y, double width = 100, double height = 56) {
+    code_button made;
+    made.uuid = uuid;
+    made.name = QLatin1String(uuid);
+    made.what = QStringLiteral("Clip");
+    made.marks = code_button::band::left;
+    made.place = QRectF(x, y, width, height);
+    made.colour = theme::dark().item_colour(1);
+    return made;
+}
+
+// Remembers what it was asked, and does it.
+class recording_source final : public code_window_source {
+  public:
+    std::vector<code_button> buttons() const override { return all; }
+    code_button_state state(const std::string& button) const override {
+        const auto found = states.find(button);
+        return found == states.end() ? code_button_state{} : found->second;
+    }
+    void press(const std::string& button, double clock_seconds) override {
+        (*log) += "+" + button;
+        EXPECT_GT(clock_seconds, 0);
+        states[button].is_down = true;
+        states[button].down_since = now;
+        states_changed.emit();
+    }
+    void release(const std::string& button, double) override {
+        (*log) += "-" + button;
+        states[button] = {};
+        states_changed.emit();
+    }
+    double collection_time() const override { return now; }
+
+    std::vector<code_button> all = {button_at("a", 8, 8), button_at("b", 114, 8), button_at("c", 8, 70),
+                                    button_at("d", 114, 70, 100, 46)};
+    std::map<std::string, code_button_state> states;
+    std::shared_ptr<std::string> log = std::make_shared<std::string>();
+    double now = 5;
+};
+
+class code_window_pane : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        use_theme(*qApp, theme_choice::dark);
+        auto source = std::make_unique<recording_source>();
+        source_ = source.get();
+        log_ = source->log;
+        view_.resize(260, 300);
+        view_.set_source(std::move(source));
+        view_.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+    }
+    code_window_button* button(const char* uuid) { return view_.canvas().button(uuid); }
+
+    code_window_view view_;
+    recording_source* source_ = nullptr;
+    std::shared_ptr<std::string> log_;
+};
+
+TEST_F(code_window_pane, a_button_is_down_from_the_press_to_the_release) {
+    QTest::mousePress(button("b"), Qt::LeftButton);
+    EXPECT_EQ(*log_, "+b");
+    EXPECT_TRUE(button("b")->looks_down());
+    source_->now = 16.68;
+    view_.tick();
+    EXPECT_EQ(button("b")->time_shown(), QStringLiteral("0:11.6"));
+    QTest::mouseMove(button("b"), QPoint(400, 400));
+    QTest::mouseRelease(button("b"), Qt::LeftButton, {}, QPoint(400, 400));
+    EXPECT_EQ(*log_, "+b-b");
+    EXPECT_FALSE(button("b")->state().is_down);
+    EXPECT_TRUE(button("b")->time_shown().isEmpty());
+}
+
+TEST_F(code_window_pane, a_momentary_press_stays_drawn_for_a_moment) {
+    QElapsedTimer since_press;
+    since_press.start();
+    QTest::mouseClick(button("a"), Qt::LeftButton);
+    EXPECT_EQ(*log_, "+a-a");
+    EXPECT_FALSE(button("a")->state().is_down);
+    const bool shown = button("a")->looks_down();
+    EXPECT_TRUE(shown || since_press.elapsed() >= theme::current().motion.momentary);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !button("a")->looks_down(); }));
+}
+
+TEST_F(code_window_pane, several_are_down_at_once_and_the_header_counts_them) {
+    auto* header = view_.findChild<pane_header*>();
+    EXPECT_EQ(header->fact(), QStringLiteral("4 buttons"));
+    QTest::mousePress(button("a"), Qt::LeftButton);
+    source_->press("c", 1);  // by a key
+    EXPECT_EQ(view_.canvas().down_count(), 2U);
+    EXPECT_EQ(header->fact(), QStringLiteral("2 down"));
+    source_->release("c", 1);
+    QTest::mouseRelease(button("a"), Qt::LeftButton);
+    EXPECT_EQ(header->fact(), QStringLiteral("4 buttons"));
+}
+
+TEST_F(code_window_pane, the_gap_belongs_to_the_nearest_button) {
+    const QPoint corner = view_.canvas().mapTo(&view_, QPoint(109, 30));  // 1 px right of "a"
+    EXPECT_EQ(view_.childAt(corner), button("a"));
+    EXPECT_EQ(view_.childAt(corner + QPoint(3, 0)), button("b"));
+}
+
+TEST_F(code_window_pane, return_presses_what_has_the_focus_and_repeats_do_not_count) {
+    button("c")->setFocus(Qt::TabFocusReason);
+    QTest::keyPress(button("c"), Qt::Key_Return);
+    QKeyEvent again(QEvent::KeyPress, Qt::Key_Return, {}, QString(), true);
+    QApplication::sendEvent(button("c"), &again);
+    EXPECT_EQ(*log_, "+c");
+    QTest::keyRelease(button("c"), Qt::Key_Return);
+    EXPECT_EQ(*log_, "+c-c");
+    QTest::keyClick(button("c"), Qt::Key_Space);  // the transport's
+    EXPECT_EQ(*log_, "+c-c");
+}
+
+TEST_F(code_window_pane, what_the_mouse_holds_goes_up_when_the_pane_is_left_or_goes) {
+    QTest::mousePress(button("a"), Qt::LeftButton);
+    view_.release_mouse();
+    EXPECT_EQ(*log_, "+a-a");
+    QTest::mousePress(button("b"), Qt::LeftButton);
+    view_.hide();
+    EXPECT_EQ(*log_, "+a-a+b-b");
+    view_.show();
+    QTest::mousePress(button("d"), Qt::LeftButton);
+    source_->buttons_changed.emit();
+    EXPECT_EQ(*log_, "+a-a+b-b+d-d");
+    QTest::mousePress(button("c"), Qt::LeftButton);
+    view_.set_source(nullptr);
+    EXPECT_EQ(*log_, "+a-a+b-b+d-d+c-c");
+    EXPECT_TRUE(view_.canvas().buttons().empty());
+}
+
+TEST_F(code_window_pane, assistive_programs_find_and_press_buttons) {
+    EXPECT_EQ(button("a")->accessibleName(), QStringLiteral("a"));
+    EXPECT_EQ(view_.findChild<QWidget*>(QStringLiteral("code_button.d")), button("d"));
+    button("d")->click();
+    EXPECT_EQ(*log_, "+d-d");
+    source_->states["a"].is_blocked = true;
+    source_->states_changed.emit();
+    EXPECT_TRUE(button("a")->accessibleDescription().contains(QStringLiteral("blocked")));
+}
+
+TEST_F(code_window_pane, the_canvas_shrinks_to_the_pane_and_is_scrolled_below_that) {
+    struct row {
+        int pane;
+        double scale;
+        bool scrolls;
+    };
+    // The narrowest button is 100 wide, the lowest 46 high: at 32 high nothing is made smaller.
+    const double least = 32.0 / 46;
+    const row rows[] = {{500, 1, false}, {222, 1, false}, {200, 200 / 222.0, false}, {120, least, true}};
+    for (const row& each : rows) {
+        view_.resize(each.pane, 300);
+        QApplication::processEvents();
+        EXPECT_NEAR(view_.canvas().scale(), each.scale, 1e-9) << each.pane;
+        EXPECT_EQ(view_.canvas().width() > each.pane, each.scrolls) << each.pane;
+        const QSize face = button("d")->size() - QSize(2, 2) * code_window_button::margin();
+        EXPECT_GE(face.height(), 32);
+        EXPECT_GE(face.width(), 40);
+    }
+}
+
+class standing_transport final : public transport {
+  public:
+    double collection_time() const override { return seconds; }
+    double collection_time_at(double) const override { return seconds; }
+    bool is_playing() const override { return true; }
+    double rate() const override { return 1; }
+    void play() override {}
+    void pause() override {}
+    void set_rate(double) override {}
+    void seek(double to) override { seconds = to; }
+    double seconds = 20;
+};
+
+// The pane on a real press engine: what the mouse does is on the timeline, and what is there is counted.
+TEST(code_window_engine, a_press_makes_its_clip_and_is_counted) {
+    const testing::temporary_folder folder;
+    qt_run_loop loop;
+    auto opened = timeline_document::open(folder / "timeline", loop);
+    ASSERT_TRUE(opened) << opened.message();
+    timeline_document& timeline = *opened.value();
+    press_engine engine(timeline, loop.time());
+    std::vector<markup_Button_Item> buttons(2);
+    buttons[0].set_uuid("shot");
+    buttons[0].set_name("Shot");
+    buttons[0].set_type(button_type::clip);
+    logger_item_display_info display;
+    display.logger_rect = {8, 8, 100, 56};
+    display.show_keys = true;
+    display.binding = button_key_binding{};
+    display.binding->chars_no_mod = "h";
+    buttons[0].set_display(display);
+    buttons[1].set_uuid("goal");
+    buttons[1].set_name("On target");
+    buttons[1].set_type(button_type::qualifier);
+    display.logger_rect = {8, 70, 100, 46};
+    display.binding.reset();
+    buttons[1].set_display(display);
+    standing_transport playing;
+    engine.set_buttons(buttons, 0);
+    code_window_view view;
+    view.set_source(source_of(engine, timeline, playing));
+    view.resize(300, 200);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    code_window_button* shot = view.canvas().button("shot");
+    code_window_button* goal = view.canvas().button("goal");
+    EXPECT_EQ(shot->button().key, QStringLiteral("H"));
+    EXPECT_EQ(goal->button().marks, code_button::band::below);
+
+    QTest::mousePress(shot, Qt::LeftButton);
+    EXPECT_TRUE(shot->state().is_live);
+    ASSERT_EQ(timeline.timeline().live_clips().size(), 1U);
+    playing.seconds = 24;
+    engine.press("goal", 24);  // by a key, while the mouse holds the other
+    EXPECT_TRUE(goal->state().is_down);
+    EXPECT_FALSE(goal->state().is_live);
+    engine.release("goal", 24);
+    QTest::mouseRelease(shot, Qt::LeftButton);
+    EXPECT_FALSE(shot->state().is_down);
+    EXPECT_EQ(shot->state().count, 1U);
+    const row_pointer row = timeline.timeline().row_named("Shot");
+    ASSERT_TRUE(row && row->clips().size() == 1);
+    EXPECT_DOUBLE_EQ(row->clips()[0]->secs_start(), 20);
+    EXPECT_DOUBLE_EQ(row->clips()[0]->secs_end(), 24);
+    EXPECT_EQ(row->clips()[0]->qualifiers()->size(), 1U);
+    ASSERT_TRUE(timeline.apply(plan_delete_clips(timeline.timeline(), {row->clips()[0]->id()}, "", 0)));
+    EXPECT_EQ(shot->state().count, 0U);
+    view.set_source(nullptr);
+}
+
+}  // namespace
+}  // namespace vistels

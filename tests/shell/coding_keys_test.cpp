@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Coding by the keyboard in the whole window: which press counts, what it presses, and when it comes up.
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+#include "shell/event_stamp.h"
+#include "shell/key_router.h"
+#include "shell/timeline_view.h"
+#include "shell/window_actions.h"
+#include "support/shown_event.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+using names = std::vector<std::string>;
+
+class coding_keys : public testing::shown_event {
+  protected:
+    void SetUp() override {
+        shown_event::SetUp();
+        if (!IsSkipped()) open();
+    }
+    // A key by its place on the keyboard, typing what the modifiers make of it.
+    static void send(QWidget& to, QEvent::Type type, quint32 scan_code, Qt::Key key, const char* types,
+                     Qt::KeyboardModifiers held = {}, bool repeats = false) {
+        QKeyEvent event(type, key, held, scan_code, 0, 0, QLatin1String(types), repeats);
+        QApplication::sendEvent(&to, &event);
+    }
+    // Gives the first button of that name another key.
+    void bind(const std::string& name, const std::string& key) {
+        auto buttons = event().logger().buttons();
+        for (auto& one : buttons) {
+            if (one.name() != name) continue;
+            auto display = one.display();
+            ASSERT_TRUE(display.binding);
+            display.binding->chars_no_mod = key;
+            display.binding->chars = key;
+            one.set_display(display);
+        }
+        event().logger().set_buttons(buttons, 0);
+    }
+};
+
+TEST_F(coding_keys, keys_without_a_button_still_play_while_one_is_down) {
+    QTest::keyPress(window.get(), Qt::Key_A);
+    QTest::keyClick(window.get(), Qt::Key_Space);
+    EXPECT_TRUE(event().playback().is_playing());
+    QTest::keyClick(window.get(), Qt::Key_K);
+    EXPECT_FALSE(event().playback().is_playing());
+    QTest::keyClick(window.get(), Qt::Key_Home);
+    EXPECT_EQ(down(), names{"Attack"});
+    EXPECT_EQ(event().playback().collection_time(), 0);
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    EXPECT_EQ(down(), names{});
+    EXPECT_EQ(timeline().clip_count(), 1U);
+}
+
+TEST_F(coding_keys, several_are_down_at_once_and_come_up_one_by_one) {
+    for (const Qt::Key key : {Qt::Key_A, Qt::Key_D, Qt::Key_G}) QTest::keyPress(window.get(), key);
+    EXPECT_EQ(down(), (names{"Attack", "Defence", "Goal"}));
+    QTest::keyClick(window.get(), Qt::Key_Q);
+    QTest::keyRelease(window.get(), Qt::Key_D);
+    EXPECT_EQ(down(), (names{"Attack", "Goal"}));
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    QTest::keyRelease(window.get(), Qt::Key_G);
+    ASSERT_EQ(timeline().clip_count(), 3U);
+    for (const auto& row : timeline().rows()) {
+        ASSERT_EQ(row->clips().size(), 1U) << row->name();
+        EXPECT_EQ(row->clips()[0]->qualifiers()->size(), 1U) << row->name();
+    }
+}
+
+TEST_F(coding_keys, a_release_is_the_keys_whatever_it_types_by_then) {
+    struct row {
+        quint32 scan_code;
+        Qt::Key key;
+        const char* types;
+        Qt::Key key_by_then;
+        const char* types_by_then;
+        Qt::KeyboardModifiers held;
+        const char* button;
+    };
+    const row rows[] = {
+        {38, Qt::Key_A, "a", Qt::Key_A, "A", Qt::ShiftModifier, "Attack"},
+        {38, Qt::Key_A, "a", Qt::Key_A, "\x01", Qt::ControlModifier, "Attack"},
+        {38, Qt::Key_A, "a", Qt::Key_AE, "", Qt::GroupSwitchModifier, "Attack"},
+        {42, Qt::Key_G, "g", Qt::Key_G, "g", Qt::AltModifier | Qt::MetaModifier, "Goal"},
+    };
+    for (const row& each : rows) {
+        const auto clips = timeline().clip_count();
+        send(*window, QEvent::KeyPress, each.scan_code, each.key, each.types);
+        ASSERT_EQ(down(), names{each.button});
+        send(*window, QEvent::KeyRelease, each.scan_code, each.key_by_then, each.types_by_then, each.held);
+        EXPECT_EQ(down(), names{}) << each.button << " " << each.held;
+        EXPECT_EQ(timeline().clip_count(), clips + 1);
+    }
+}
+
+TEST_F(coding_keys, repeats_press_nothing_and_start_no_shortcut) {
+    send(*window, QEvent::KeyPress, 38, Qt::Key_A, "a");
+    for (int i = 0; i < 5; ++i) {
+        send(*window, QEvent::KeyRelease, 38, Qt::Key_A, "a", {}, true);
+        send(*window, QEvent::KeyPress, 38, Qt::Key_A, "a", {}, true);
+        EXPECT_EQ(down(), names{"Attack"});
+    }
+    EXPECT_EQ(timeline().live_clips().size(), 1U);
+    send(*window, QEvent::KeyRelease, 38, Qt::Key_A, "a");
+    EXPECT_EQ(timeline().clip_count(), 1U);
+    // A key that was down before the window had the keyboard repeats into it.
+    send(*window, QEvent::KeyPress, 40, Qt::Key_D, "d", {}, true);
+    EXPECT_EQ(down(), names{});
+}
+
+TEST_F(coding_keys, a_bound_letter_is_no_shortcut_as_long_as_it_is_bound) {
+    for (const char* key : {"j", "k", "l", "i", "o", "m"}) {
+        bind("Goal", key);
+        const auto code = static_cast<Qt::Key>(QChar::fromLatin1(*key).toUpper().unicode());
+        QTest::keyPress(window.get(), code);
+        EXPECT_EQ(down(), names{"Goal"}) << key;
+        EXPECT_FALSE(event().playback().is_playing()) << key;
+        EXPECT_FALSE(window->session().is_muted()) << key;
+        QTest::keyRelease(window.get(), code);
+        EXPECT_EQ(down(), names{}) << key;
+    }
+    bind("Goal", "g");
+    QTest::keyClick(window.get(), Qt::Key_L);
+    EXPECT_TRUE(event().playback().is_playing());
+    QTest::keyClick(window.get(), Qt::Key_K);
+}
+
+TEST_F(coding_keys, what_is_typed_into_a_field_is_text_and_what_was_held_before_comes_up) {
+    QTest::keyClick(window.get(), Qt::Key_A);
+    window->timeline().select({timeline().rows().front()->clips()[0]->id()});
+    auto* field = find<QLineEdit>("inspector.start");
+    QTest::keyPress(window.get(), Qt::Key_G);
+    field->setFocus();
+    field->clear();
+    for (const Qt::Key key : {Qt::Key_D, Qt::Key_L, Qt::Key_Space, Qt::Key_I}) QTest::keyClick(field, key);
+    EXPECT_EQ(field->text(), "dl i");
+    EXPECT_EQ(down(), names{"Goal"});
+    EXPECT_FALSE(event().playback().is_playing());
+    QTest::keyRelease(field, Qt::Key_G);
+    EXPECT_EQ(down(), names{});
+    // Delete and Ctrl+A are the field's, too.
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(field, Qt::Key_Delete);
+    EXPECT_EQ(field->text(), "");
+    EXPECT_EQ(timeline().clip_count(), 2U);
+}
+
+TEST_F(coding_keys, a_window_that_is_left_lets_all_come_up_once) {
+    QTest::keyPress(window.get(), Qt::Key_A);
+    QTest::keyPress(window.get(), Qt::Key_D);
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_EQ(down(), names{});
+    EXPECT_EQ(timeline().clip_count(), 2U);
+    // Back again with the keys still held: their releases mean nothing, a new press counts.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    QTest::keyRelease(window.get(), Qt::Key_D);
+    EXPECT_EQ(timeline().clip_count(), 2U);
+    QTest::keyClick(window.get(), Qt::Key_D);
+    EXPECT_EQ(timeline().clip_count(), 3U);
+}
+
+TEST_F(coding_keys, undo_while_a_button_is_down_leaves_it_to_come_up) {
+    QTest::keyClick(window.get(), Qt::Key_A);
+    QTest::keyPress(window.get(), Qt::Key_G);
+    QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyRelease(window.get(), Qt::Key_G);
+    EXPECT_EQ(down(), names{});
+    EXPECT_TRUE(timeline().live_clips().empty());
+    for (const auto& row : timeline().rows()) {
+        for (const auto& clip : row->clips()) EXPECT_LE(clip->secs_start(), clip->secs_end());
+    }
+}
+
+class clock_at_hundred final : public clock {
+  public:
+    double seconds() const override { return now; }
+    double now = 100;
+};
+
+// Presses and releases count from their events' stamps, however late they are handled.
+TEST(key_moments, are_those_of_the_events) {
+    clock_at_hundred time;
+    QWidget window;
+    key_router router(window, time);
+    std::vector<double> pressed;
+    std::vector<double> released;
+    router.set_code({[](const QKeyEvent&) {
+                         return names{"one", "two"};
+                     },
+                     [&](const std::string&, double at) { pressed.push_back(at); },
+                     [&](const std::string&, double at) { released.push_back(at); },
+                     [](double) { return false; },
+                     {}});
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const auto send = [&](QEvent::Type type, Qt::Key key, quint64 stamp) {
+        QKeyEvent event(type, key, {}, "x");
+        event.setTimestamp(stamp);
+        QApplication::sendEvent(&window, &event);
+    };
+    using moments = std::vector<double>;
+    send(QEvent::KeyPress, Qt::Key_A, 99'400);
+    EXPECT_EQ(pressed, (moments{99.4, 99.4}));
+    time.now = 101;
+    send(QEvent::KeyRelease, Qt::Key_A, 100'250);
+    // The next press settles it: no repeat of the same key came in between.
+    send(QEvent::KeyPress, Qt::Key_B, 100'300);
+    EXPECT_EQ(released, (moments{100.25, 100.25}));
+    EXPECT_EQ(pressed, (moments{99.4, 99.4, 100.3, 100.3}));
+    time.now = 102;
+    router.release_all();
+    EXPECT_EQ(released, (moments{100.25, 100.25, 102, 102}));
+}
+
+}  // namespace
+}  // namespace vistels

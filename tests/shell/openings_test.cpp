@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What paths stand for, what the side bar lists, and how fast a shuttle goes.
+#include <gtest/gtest.h>
+
+#include "app/start_up.h"
+#include "shell/content_list.h"
+#include "shell/openings.h"
+#include "shell/shuttle.h"
+#include "support/temporary_folder.h"
+#include "util/file_system.h"
+
+namespace vistels {
+namespace {
+
+using testing::put_file;
+using testing::temporary_folder;
+
+// A home with a vault that holds two collections, one of them with a code window.
+struct vault_home : public ::testing::Test {
+    vault_home() {
+        places = {home / "Home Vault.VVault", home / "Home Folder.VVault"};
+        EXPECT_TRUE(start_up(places, 1, 0).ok());
+        for (const char* name : {"Match 10", "Match 2"})
+            make(path_join("Video Groups", name), "video group.plist");
+        make("Video Groups/Match 2", "chron data.plist");
+        make("Video Groups/Match 2/Logger", "logger.plist");
+        put_file(home / "a.mp4", "movie");
+        put_file(home / "b.mov", "movie");
+        put_file(home / "notes.txt", "text");
+    }
+    void make(const std::string& folder, const char* file) {
+        const std::string whole = path_join(places.home_vault, folder);
+        ASSERT_TRUE(make_folders(whole).ok());
+        put_file(path_join(whole, file),
+                 "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><true/></dict></plist>");
+    }
+    std::string in_vault(const char* path) const { return path_join(places.home_vault, path); }
+
+    temporary_folder home;
+    home_places places;
+};
+
+TEST_F(vault_home, paths_are_what_they_stand_for) {
+    struct line {
+        std::vector<std::string> paths;
+        opening::kind what;
+        std::string folder;
+        std::size_t movies;
+    };
+    const std::string match = in_vault("Video Groups/Match 2");
+    const line cases[] = {
+        {{}, opening::kind::nothing, "", 0},
+        {{places.home_vault}, opening::kind::vault, places.home_vault, 0},
+        {{match}, opening::kind::collection, match, 0},
+        {{match + "/"}, opening::kind::collection, match, 0},
+        {{match + "/Logger"}, opening::kind::collection, match, 0},
+        {{match + "/video group.plist"}, opening::kind::collection, match, 0},
+        {{home / "b.mov", home / "a.mp4"}, opening::kind::movies, "", 2},
+    };
+    for (const auto& one : cases) {
+        const auto found = what_to_open(one.paths);
+        ASSERT_TRUE(found.ok()) << found.message();
+        EXPECT_EQ(found.value().what, one.what);
+        EXPECT_EQ(found.value().folder, one.folder);
+        EXPECT_EQ(found.value().movies.size(), one.movies);
+    }
+    const std::vector<std::string> refused[] = {
+        {home / "gone.mp4"}, {home / "notes.txt"}, {home.path()}, {home / "a.mp4", match}, {match, match}};
+    for (const auto& paths : refused) {
+        const auto found = what_to_open(paths);
+        ASSERT_FALSE(found.ok()) << paths.front();
+        EXPECT_NE(found.message().find(path_name(paths.back())), std::string::npos) << found.message();
+    }
+}
+
+TEST_F(vault_home, the_last_event_comes_back_or_else_the_first) {
+    const std::string last = in_vault("Video Groups/Match 10");
+    EXPECT_EQ(collection_to_reopen(places, last), last);
+    EXPECT_EQ(collection_to_reopen(places, in_vault("Video Groups/Gone")), in_vault("Video Groups/Match 2"));
+}
+
+TEST_F(vault_home, new_collections_get_folders_of_their_own) {
+    const auto name_of = [&](const char* name) {
+        return path_name(new_collection_folder(places.home_vault, name));
+    };
+    EXPECT_EQ(name_of("Match 2"), "Match 2 2");
+    EXPECT_EQ(name_of("Cup 1/2: final"), "Cup 1-2- final");
+    EXPECT_EQ(name_of(".."), "Collection");
+}
+
+TEST_F(vault_home, the_list_shows_each_thing_once) {
+    const auto vaults = read_content(places);
+    ASSERT_EQ(vaults.size(), 1u);
+    EXPECT_TRUE(vaults[0].is_home);
+    EXPECT_EQ(vaults[0].name, "Home Vault");
+    std::vector<std::pair<item_kind, std::string>> found;
+    for (const auto& item : vaults[0].items) found.emplace_back(item.kind, item.name);
+    const std::vector<std::pair<item_kind, std::string>> expected = {{item_kind::collection, "Match 2"},
+                                                                     {item_kind::collection, "Match 10"},
+                                                                     {item_kind::markup, "Match 2"}};
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(vaults[0].items[2].opens, in_vault("Video Groups/Match 2"));
+}
+
+TEST(shuttle, goes_faster_at_each_press_and_turns_at_once) {
+    struct line {
+        double rate;
+        bool playing;
+        int direction;
+        double next;
+    };
+    const line cases[] = {{1, false, 1, 1},  {1, true, 1, 2},   {2, true, 1, 4},    {8, true, 1, 8},
+                          {0.5, true, 1, 1}, {4, true, -1, -1}, {-1, true, -1, -2}, {-2, true, 1, 1},
+                          {4, false, 1, 1},  {1, false, -1, -1}};
+    for (const auto& one : cases) {
+        EXPECT_EQ(next_shuttle_rate(one.rate, one.playing, one.direction, 8), one.next) << one.rate;
+    }
+    EXPECT_EQ(looped(20, 1, 10, 20), 10);
+    EXPECT_EQ(looped(10, -1, 10, 20), 20);
+    EXPECT_EQ(looped(15, 1, 10, 20), 15);
+    EXPECT_EQ(looped(15, 1, 10, 10), 15);
+}
+
+}  // namespace
+}  // namespace vistels

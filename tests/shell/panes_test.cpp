@@ -1,0 +1,290 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Commands and the panes around the timeline, by real events: transport, side bar, inspector, long work.
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+#include <atomic>
+#include <set>
+
+#include "app/undo_stack.h"
+#include "shell/content_keeper.h"
+#include "shell/content_side_bar.h"
+#include "shell/controls.h"
+#include "shell/inspector_parts.h"
+#include "shell/inspector_view.h"
+#include "shell/key_strokes.h"
+#include "shell/long_work.h"
+#include "shell/pane_splitter.h"
+#include "shell/qt_run_loop.h"
+#include "shell/transport_bar.h"
+#include "shell/window_actions.h"
+#include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
+
+namespace vistels {
+namespace {
+
+using testing::clip_of;
+using testing::qualifier_of;
+using testing::row_of;
+using testing::temporary_folder;
+
+TEST(window_actions, no_key_does_two_things_and_all_are_in_a_menu) {
+    QWidget window;
+    const window_actions actions(window);
+    QMenuBar bar;
+    actions.fill(bar);
+    std::set<QString> keys;
+    std::set<QString> names;
+    for (const QAction* action : actions.all()) {
+        const std::string name = action->objectName().toStdString();
+        EXPECT_TRUE(names.insert(action->objectName()).second) << name;
+        EXPECT_FALSE(action->toolTip().isEmpty()) << name;
+        for (const auto& key : action->shortcuts()) {
+            EXPECT_FALSE(key.isEmpty()) << name;
+            EXPECT_TRUE(keys.insert(key.toString()).second) << name << " " << key.toString().toStdString();
+        }
+        int menus = 0;
+        for (const auto* menu : bar.findChildren<QMenu*>()) menus += menu->actions().contains(action) ? 1 : 0;
+        EXPECT_EQ(menus, 1) << name;
+    }
+    EXPECT_EQ(actions[command::about]->objectName(), "about");
+}
+
+TEST(key_strokes, know_a_key_whatever_is_held_with_it) {
+    struct line {
+        int key;
+        Qt::KeyboardModifiers held;
+        const char* text;
+        const char* typed;
+    };
+    const line cases[] = {
+        {Qt::Key_G, {}, "g", "g"},
+        {Qt::Key_G, Qt::ShiftModifier, "G", "g"},
+        {Qt::Key_G, Qt::ControlModifier, "\x07", "g"},
+        {Qt::Key_7, Qt::KeypadModifier, "7", "7"},
+        {Qt::Key_Space, {}, " ", " "},
+        {Qt::Key_Odiaeresis, {}, "ö", "ö"},
+        {Qt::Key_F5, {}, "", ""},
+        {Qt::Key_Return, {}, "\r", ""},
+    };
+    for (const auto& one : cases) {
+        const QKeyEvent event(QEvent::KeyPress, one.key, one.held, QString::fromUtf8(one.text));
+        const key_stroke stroke = key_stroke_of(event);
+        EXPECT_EQ(stroke.chars_no_mod, one.typed) << one.key;
+        EXPECT_EQ(stroke.shift, one.held.testFlag(Qt::ShiftModifier)) << one.key;
+        EXPECT_EQ(stroke.ctr, one.held.testFlag(Qt::ControlModifier)) << one.key;
+    }
+}
+
+TEST(transport_bar, asks_for_what_is_pressed) {
+    transport_bar bar;
+    bar.resize(700, bar.height());
+    bar.set_range(-2, 58);
+    bar.show();
+    QStringList asked;
+    QObject::connect(&bar, &transport_bar::play_asked, &bar, [&] { asked << "play"; });
+    QObject::connect(&bar, &transport_bar::step_asked, &bar, [&](int n) { asked << QString::number(n); });
+    QObject::connect(&bar, &transport_bar::rate_asked, &bar,
+                     [&](double r) { asked << "x" + QString::number(r); });
+    for (const char* name : {"transport.back", "transport.play", "transport.forward", "transport.rates.2"}) {
+        auto* button = bar.findChild<QAbstractButton*>(name);
+        ASSERT_TRUE(button) << name;
+        EXPECT_FALSE(button->accessibleName().isEmpty()) << name;
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    EXPECT_EQ(asked.join(" "), "-1 play 1 x2");
+}
+
+TEST(transport_bar, a_drag_seeks_along_and_the_clock_does_not_pull_it_back) {
+    transport_bar bar;
+    bar.resize(700, bar.height());
+    bar.set_range(0, 60);
+    bar.show();
+    auto* slider = bar.findChild<value_slider*>("transport.position");
+    std::vector<std::pair<double, bool>> asked;
+    QObject::connect(&bar, &transport_bar::seek_asked, &bar,
+                     [&](double s, bool ended) { asked.emplace_back(s, ended); });
+    const auto at = [&](double share) { return QPoint(static_cast<int>(slider->width() * share), 5); };
+    QTest::mousePress(slider, Qt::LeftButton, {}, at(0.25));
+    bar.set_seconds(0);
+    EXPECT_NEAR(slider->value(), 0.25, 0.01);
+    QTest::mouseMove(slider, at(0.5));
+    QTest::mouseRelease(slider, Qt::LeftButton, {}, at(0.5));
+    ASSERT_GE(asked.size(), 2u);
+    EXPECT_NEAR(asked.front().first, 15, 0.5);
+    EXPECT_TRUE(asked.back().second);
+    bar.set_seconds(12);
+    EXPECT_NEAR(slider->value(), 0.2, 1e-9);
+}
+
+TEST(transport_bar, keeps_what_is_pressed_where_room_is_short) {
+    transport_bar bar;
+    bar.set_range(0, 60);
+    bar.show();
+    const int least = bar.minimumSizeHint().width();
+    for (const int width : {least, least + 100, least}) {
+        bar.resize(width, bar.height());
+        QCoreApplication::processEvents();
+        for (const char* name : {"transport.back", "transport.play", "transport.forward"}) {
+            const auto* button = bar.findChild<QAbstractButton*>(name);
+            EXPECT_TRUE(bar.rect().contains(button->geometry())) << width << name;
+            EXPECT_GE(button->height(), 40);
+        }
+        EXPECT_EQ(bar.findChild<QWidget*>("transport.volume")->isVisible(), width > least) << width;
+    }
+}
+
+std::vector<content_vault> two_vaults() {
+    content_vault home{"Home Vault", "/h", true, {}, {}};
+    home.items.push_back({item_kind::collection, "Harbour", "/h/harbour", "/h/harbour", 29});
+    home.items.push_back({item_kind::collection, "Training", "/h/training", "/h/training", 63});
+    return {home, {"Team Vault", "/t", false, "“/t” is not there.", {}}};
+}
+
+TEST(content_side_bar, opens_by_double_click_and_by_key) {
+    content_side_bar bar;
+    bar.resize(208, 600);
+    bar.set_content(two_vaults());
+    bar.show();
+    QStringList opened;
+    QObject::connect(&bar, &content_side_bar::open_asked, &bar,
+                     [&](const QString& folder) { opened << folder; });
+    const auto index_of = [&](const char* words) {
+        auto* model = bar.list()->model();
+        return model
+            ->match(model->index(0, 0), Qt::DisplayRole, words, 1, Qt::MatchRecursive | Qt::MatchExactly)
+            .value(0);
+    };
+    const auto click = [&](const char* words, bool twice) {
+        const QPoint at = bar.list()->visualRect(index_of(words)).center();
+        QTest::mouseClick(bar.list()->viewport(), Qt::LeftButton, {}, at);
+        if (twice) QTest::mouseDClick(bar.list()->viewport(), Qt::LeftButton, {}, at);
+    };
+    click("Training", true);
+    click("Harbour", false);
+    QTest::keyClick(bar.list(), Qt::Key_Return);
+    EXPECT_EQ(opened.join(" "), "/h/training /h/harbour");
+    // A folded vault stays folded when the list is brought up to date.
+    click("Home Vault", false);
+    bar.set_content(two_vaults());
+    EXPECT_FALSE(bar.list()->isExpanded(index_of("Home Vault")));
+    EXPECT_TRUE(bar.list()->isExpanded(index_of("Team Vault")));
+}
+
+TEST(pane_splitter, moves_by_keys_and_makes_equal_parts) {
+    pane_splitter splitter(Qt::Horizontal);
+    splitter.addWidget(new QWidget);
+    splitter.addWidget(new QWidget);
+    splitter.resize(601, 100);
+    splitter.setSizes({400, 200});
+    splitter.show();
+    const int before = splitter.sizes()[0];
+    EXPECT_FALSE(splitter.was_moved());
+    QTest::keyClick(splitter.handle(1), Qt::Key_Left);
+    EXPECT_EQ(splitter.sizes()[0], before - 8);
+    EXPECT_TRUE(splitter.was_moved());
+    QTest::mouseDClick(splitter.handle(1), Qt::LeftButton);
+    EXPECT_EQ(splitter.sizes()[0], splitter.sizes()[1]);
+}
+
+struct inspected : public ::testing::Test {
+    inspected() {
+        auto opened = timeline_document::open(folder.path(), loop);
+        EXPECT_TRUE(opened.ok());
+        document = std::move(opened).value();
+        timeline_edit edit{"made", "", {operation::insert_row{0, row_of("r", "Shot")}}};
+        for (const char* name : {"one", "two"}) {
+            sxy_CLIP clip = clip_of(name, *name == 'o' ? 10 : 20, 30);
+            clip.set_qualifiers({qualifier_of(name + std::string("-q1"), "Marek"),
+                                 qualifier_of(name + std::string("-q2"), "Box")});
+            edit.operations.emplace_back(operation::insert_clip{shared_text("r"), clip});
+        }
+        EXPECT_TRUE(document->apply(edit).ok());
+        undo = std::make_unique<undo_stack>(*document, loop);
+        view.resize(272, 800);
+        view.set_document(document.get(), [] { return 25.0; });
+        view.show();
+    }
+    const sxy_CLIP& clip(const char* name) { return *document->timeline().find_clip(name)->clip; }
+    void select(std::initializer_list<const char*> names) {
+        for (const char* name : names) clip(name).set_selected(true);
+        view.refresh();
+        QCoreApplication::processEvents();
+    }
+
+    temporary_folder folder;
+    qt_run_loop loop;
+    std::unique_ptr<timeline_document> document;
+    std::unique_ptr<undo_stack> undo;
+    inspector_view view;
+};
+
+TEST_F(inspected, several_clips_are_changed_by_one_step) {
+    select({"one", "two"});
+    EXPECT_FALSE(view.findChild<QLineEdit*>("inspector.start")->isEnabled());
+    auto* stars = view.findChild<star_row*>("inspector.stars");
+    QTest::mouseClick(stars, Qt::LeftButton, {}, QPoint(stars->width() - 4, stars->height() / 2));
+    EXPECT_EQ(clip("one").stars(), 5);
+    EXPECT_EQ(clip("two").stars(), 5);
+    ASSERT_TRUE(undo->undo().ok());
+    EXPECT_EQ(clip("one").stars() + clip("two").stars(), 0);
+    EXPECT_FALSE(undo->can_undo());
+}
+
+TEST_F(inspected, the_cross_takes_away_its_qualifier) {
+    select({"two"});
+    auto* chips = view.findChild<qualifier_chips*>("inspector.qualifiers");
+    QTest::mouseClick(chips, Qt::LeftButton, {}, chips->cross_of(1).center());
+    ASSERT_EQ(clip("two").qualifiers()->size(), 1u);
+    EXPECT_EQ(clip("two").qualifiers()->front().name().str(), "Marek");
+    EXPECT_EQ(clip("one").qualifiers()->size(), 2u);
+}
+
+TEST_F(inspected, the_playhead_gives_start_and_end) {
+    select({"two"});
+    QTest::mouseClick(view.findChild<QWidget*>("inspector.start_here"), Qt::LeftButton);
+    EXPECT_EQ(clip("two").secs_start(), 25);
+    EXPECT_EQ(view.findChild<QLineEdit*>("inspector.start")->text(), "0:00:25.000");
+    EXPECT_EQ(view.findChild<QLabel*>("inspector.length")->text(), "0:00:05.000");
+}
+
+TEST(long_work, is_cancelled_and_waited_for) {
+    qt_run_loop loop;
+    std::atomic<bool> ended = false;
+    bool told_cancelled = false;
+    long_work work("Working", "on it", loop);
+    work.show_now();
+    work.start(
+        [&](job& one) -> result<std::string> {
+            one.set_progress(0.5);
+            while (!one.is_cancelled()) std::this_thread::yield();
+            ended = true;
+            return failure{"cancelled"};
+        },
+        [&](const result<std::string>&, bool cancelled) { told_cancelled = cancelled; });
+    QTest::mouseClick(work.findChild<QPushButton*>("long_work.cancel"), Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told_cancelled; }));
+    EXPECT_TRUE(ended);
+    EXPECT_FALSE(work.isVisible());
+}
+
+TEST(long_work, short_work_shows_no_window) {
+    qt_run_loop loop;
+    std::string value;
+    long_work work("Working", "on it", loop);
+    work.start([](job&) -> result<std::string> { return std::string("done"); },
+               [&](const result<std::string>& outcome, bool) { value = outcome.value(); });
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        EXPECT_FALSE(work.isVisible());
+        return value == "done";
+    }));
+}
+
+}  // namespace
+}  // namespace vistels

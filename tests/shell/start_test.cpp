@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What happens before a window is there: options, the display, and where the window was.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "shell/application_options.h"
+#include "shell/display_check.h"
+#include "shell/event_stamp.h"
+#include "shell/window_memory.h"
+#include "support/temporary_folder.h"
+
+namespace vistels {
+namespace {
+
+using testing::temporary_folder;
+
+struct refused_options {
+    const char* name;
+    std::vector<std::string> arguments;
+    std::string named;  // what the message must name
+};
+
+TEST(options, what_is_wrong_is_named) {
+    const refused_options cases[] = {
+        {"unknown", {"--fast"}, "--fast"},           {"value missing", {"--home"}, "--home"},
+        {"value empty", {"--home="}, "--home"},      {"no theme", {"--theme", "blue"}, "blue"},
+        {"half a size", {"--size", "1600"}, "1600"}, {"a size of nothing", {"--size", "0x100"}, "0x100"},
+        {"a time before all", {"--at", "-3"}, "-3"}, {"no time", {"--at", "nan"}, "nan"},
+    };
+    for (const auto& one : cases) {
+        const auto read = read_options(one.arguments);
+        ASSERT_FALSE(read.ok()) << one.name;
+        EXPECT_NE(read.message().find(one.named), std::string::npos) << one.name << ": " << read.message();
+    }
+}
+
+TEST(options, are_read) {
+    const auto read =
+        read_options({"a.mp4", "--home=/h", "--theme", "light", "--size", "1600x1000", "--", "--b"});
+    ASSERT_TRUE(read.ok()) << read.message();
+    EXPECT_EQ(read.value().paths, (std::vector<std::string>{"a.mp4", "--b"}));
+    EXPECT_EQ(read.value().home, "/h");
+    EXPECT_EQ(read.value().theme, "light");
+    EXPECT_EQ(read.value().width, 1600);
+    EXPECT_EQ(read.value().height, 1000);
+}
+
+TEST(display, is_missed_only_when_it_is_needed) {
+    struct line {
+        std::map<std::string, std::string> set;
+        bool missing;
+    };
+    const line cases[] = {
+        {{}, true},
+        {{{"DISPLAY", ":0"}}, false},
+        {{{"WAYLAND_DISPLAY", "wayland-0"}}, false},
+        {{{"QT_QPA_PLATFORM", "offscreen"}}, false},
+        {{{"QT_QPA_PLATFORM", "xcb"}}, true},
+        {{{"QT_QPA_PLATFORM", "wayland;xcb"}}, true},
+    };
+    for (const auto& one : cases) {
+        const auto message = missing_display([&](const char* name) {
+            const auto found = one.set.find(name);
+            return found == one.set.end() ? std::string() : found->second;
+        });
+        ASSERT_EQ(message.has_value(), one.missing);
+        if (message) {
+            EXPECT_NE(message->find("vistels-cli"), std::string::npos);
+        }
+    }
+}
+
+TEST(event_stamp, is_the_moment_of_the_event) {
+    const double wrap = 4294967.296;  // where 32 bits of milliseconds begin anew
+    struct line {
+        const char* name;
+        std::uint64_t stamp;
+        double now;
+        double expected;
+    };
+    const line cases[] = {
+        {"40 ms ago", 5'000'000, 5000.040, 5000.0},
+        {"this very millisecond", 5'000'000, 5000.0004, 5000.0004},
+        {"none", 0, 5000, 5000},
+        {"of another clock, behind", 1'234, 5000, 5000},
+        {"of another clock, ahead", 9'000'000, 5000, 5000},
+        {"across the end of 32 bits", 4'294'967'290, wrap + 0.010, wrap - 0.006},
+    };
+    for (const auto& one : cases) {
+        EXPECT_NEAR(event_seconds(one.stamp, one.now), one.expected, 0.0011) << one.name;
+        EXPECT_LE(event_seconds(one.stamp, one.now), one.now) << one.name;
+    }
+}
+
+TEST(window_memory, comes_back) {
+    const temporary_folder folder;
+    const home_places places{folder.path(), folder.path()};
+    window_memory memory;
+    memory.place = {100, 40, 1600, 1000};
+    memory.is_maximized = true;
+    memory.side_bar_width = 240;
+    memory.inspector_shown = false;
+    memory.tab = 1;
+    memory.theme = "light";
+    memory.work_sizes.set("rows", property_array{600, 300});
+    ASSERT_TRUE(save_window_memory(places, memory).ok());
+    const window_memory read = load_window_memory(places);
+    EXPECT_EQ(read.place, memory.place);
+    EXPECT_TRUE(read.is_maximized);
+    EXPECT_EQ(read.side_bar_width, 240);
+    EXPECT_TRUE(read.side_bar_shown);
+    EXPECT_FALSE(read.inspector_shown);
+    EXPECT_EQ(read.tab, 1);
+    EXPECT_EQ(read.theme, "light");
+    EXPECT_EQ(read.work_sizes, memory.work_sizes);
+}
+
+TEST(window_memory, a_window_stays_within_reach) {
+    const QRect screen(0, 30, 1920, 1050);
+    const std::pair<QRect, QRect> cases[] = {
+        {{100, 100, 800, 600}, {100, 100, 800, 600}},
+        {{5000, 100, 800, 600}, {1120, 100, 800, 600}},
+        {{-700, -500, 800, 600}, {0, 30, 800, 600}},
+        {{0, 0, 4000, 3000}, {0, 30, 1920, 1050}},
+    };
+    for (const auto& [wanted, placed] : cases) EXPECT_EQ(place_on_screen(wanted, screen), placed);
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,393 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The timeline: its arithmetic, and the pane under real mouse, wheel and key events.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+#include <cmath>
+#include <random>
+
+#include "shell/qt_run_loop.h"
+#include "shell/theme.h"
+#include "shell/timeline_canvas.h"
+#include "shell/timeline_parts.h"
+#include "shell/timeline_state.h"
+#include "shell/timeline_view.h"
+#include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
+
+namespace vistels {
+namespace {
+
+using testing::clip_of;
+using testing::qualifier_of;
+using testing::row_of;
+
+TEST(timeline_scale, ruler_takes_the_first_step_that_gives_room) {
+    struct row {
+        double seconds_per_pixel;
+        double major;
+        int parts;
+    };
+    const row rows[] = {{0.001, 0.1, 5}, {0.01, 1, 5},  {0.5, 60, 5},    {0.11, 10, 5},
+                        {1, 120, 5},     {3.4, 600, 5}, {40, 3600, 5},   {100, 10800, 5},
+                        {0.166, 15, 5},  {0.3, 30, 5},  {1.0 / 90, 1, 5}};
+    for (const row& each : rows) {
+        const ruler_steps steps = ruler_steps_for(each.seconds_per_pixel, 90, 6);
+        EXPECT_DOUBLE_EQ(steps.major_seconds, each.major) << each.seconds_per_pixel;
+        EXPECT_EQ(steps.minor_parts, each.parts) << each.seconds_per_pixel;
+        EXPECT_GE(steps.major_seconds / each.seconds_per_pixel, 90 - 1e-9);
+    }
+    EXPECT_EQ(ruler_steps_for(1, 24, 7).minor_parts, 4);
+    EXPECT_EQ(ruler_steps_for(1, 10, 6).minor_parts, 1);
+}
+
+TEST(timeline_scale, zoom_keeps_what_is_under_the_pointer_and_stays_within_reach) {
+    const timeline_reach reach{-5, 7200, 1000};
+    const timeline_scale now{3000, 0.5};
+    for (const double factor : {0.5, 0.9, 1.3, 4.0, 40.0}) {
+        const timeline_scale zoomed = scale_zoomed(reach, now, factor, 400);
+        EXPECT_NEAR(zoomed.seconds_at(400), now.seconds_at(400), 1e-6) << factor;
+    }
+    const timeline_scale all = scale_zoomed(reach, now, 0.0001, 400);
+    EXPECT_DOUBLE_EQ(all.first_seconds, -5);
+    EXPECT_NEAR(all.seconds_at(1000), 7200, 1e-6);
+    EXPECT_DOUBLE_EQ(scale_zoomed(reach, now, 1e9, 400).seconds_per_pixel, closest_seconds_per_pixel);
+    EXPECT_NEAR(scale_within(reach, {99999, 0.5}).seconds_at(1000), 7200, 1e-6);
+    for (const double share : {0.0, 0.3, 0.5, 1.0}) {
+        EXPECT_NEAR(zoom_share(reach, scale_with_share(reach, now, share, 0)), share, 1e-9);
+    }
+}
+
+TEST(timeline_scale, playing_holds_the_playhead_in_place_by_whole_pixels) {
+    timeline_scale scale{100, 0.2};
+    EXPECT_DOUBLE_EQ(first_seconds_following(scale, 1000, 260, 0.85), 100);
+    for (double playhead = 270; playhead < 280; playhead += 1 / 60.0) {
+        const double first = first_seconds_following(scale, 1000, playhead, 0.85);
+        const double moved = (first - scale.first_seconds) / scale.seconds_per_pixel;
+        EXPECT_NEAR(moved, std::round(moved), 1e-6);
+        scale.first_seconds = first;
+        EXPECT_LE(scale.x_of(playhead), 850 + 1e-6);
+        EXPECT_GT(scale.x_of(playhead), 848);
+    }
+}
+
+// What a pixel shows, by bars and by asking every clip.
+TEST(clip_track, merging_covers_the_pixels_that_clips_cover_and_no_others) {
+    std::mt19937 random(5);
+    for (const double longest : {0.2, 3.0, 400.0}) {
+        std::vector<track_clip> clips;
+        double at = 0;
+        for (std::uint32_t index = 0; index < 5000; ++index) {
+            at += std::uniform_real_distribution<double>(0, longest)(random);
+            const double length = std::uniform_real_distribution<double>(0, longest)(random);
+            clips.push_back({at, at + length, index, static_cast<std::uint8_t>(index % 3), false});
+        }
+        clip_track track;
+        track.assign(clips);
+        for (const double share : {1.0, 0.1, 0.01}) {
+            const timeline_scale scale{at * 0.3, at * share / 500};
+            std::vector<timeline_bar> bars;
+            track.add_bars(scale, 500, {}, bars);
+            EXPECT_LE(bars.size(), 1200U);
+            for (double x = 0.5; x < 500; ++x) {
+                const double seconds = scale.seconds_at(x);
+                const auto in_bar = std::any_of(bars.begin(), bars.end(), [x](const timeline_bar& bar) {
+                    return bar.left <= x && x <= bar.right;
+                });
+                double nearest = 1e9;
+                for (const track_clip& clip : clips) {
+                    nearest = std::min(nearest, std::max({clip.start - seconds, seconds - clip.end, 0.0}));
+                }
+                const double pixels = nearest / scale.seconds_per_pixel;
+                EXPECT_TRUE(in_bar || pixels > 0) << x;
+                EXPECT_TRUE(!in_bar || pixels <= 1.01) << x;
+            }
+        }
+    }
+}
+
+TEST(clip_track, the_most_frequent_colour_wins_and_wide_clips_stand_alone) {
+    clip_track track;
+    track.assign({{0, 1, 0, 7, false}, {1, 2, 1, 4, false}, {2, 3, 2, 4, false}, {10, 40, 3, 7, false}});
+    std::vector<timeline_bar> bars;
+    track.add_bars({0, 1}, 100, {}, bars);
+    ASSERT_EQ(bars.size(), 2U);
+    EXPECT_EQ(bars[0].colour, 4);
+    EXPECT_EQ(bars[0].count, 3U);
+    EXPECT_EQ(bars[1].index, 3U);
+    EXPECT_EQ(bars[1].count, 1U);
+}
+
+TEST(clip_track, long_clips_that_began_before_are_found) {
+    std::vector<track_clip> clips{{0, 10000, 0, 0, false}};
+    for (std::uint32_t index = 1; index < 500; ++index)
+        clips.push_back({index * 10.0, index * 10.0 + 1, index, 0, false});
+    clip_track track;
+    track.assign(clips);
+    EXPECT_EQ(track.at(4000.5, 0), 400U);
+    EXPECT_EQ(track.at(4005, 0), 0U);
+    EXPECT_EQ(track.at(20000, 0), track.size());
+    std::vector<timeline_bar> bars;
+    track.add_bars({7000, 1}, 100, {}, bars);
+    ASSERT_EQ(bars.size(), 1U);
+}
+
+class standing_transport final : public transport {
+  public:
+    double collection_time() const override { return seconds; }
+    double collection_time_at(double) const override { return seconds; }
+    bool is_playing() const override { return playing; }
+    double rate() const override { return 1; }
+    void play() override { playing = true; }
+    void pause() override { playing = false; }
+    void set_rate(double) override {}
+    void seek(double to) override { seconds = to; }
+
+    double seconds = 0;
+    bool playing = false;
+};
+
+// A pane 1140 wide: a thousand pixels of clips. Rows "a" and "b"; a second is ten pixels from second 0 on.
+class timeline_pane : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        use_theme(*qApp, theme_choice::dark);
+        auto opened = timeline_document::open(folder_ / "timeline", loop_);
+        ASSERT_TRUE(opened) << opened.message();
+        document_ = std::move(opened.value());
+        timeline_edit made{"made", "", {}};
+        made.operations.push_back(operation::insert_row{0, row_of("a", "Attack")});
+        made.operations.push_back(operation::insert_row{1, row_of("b", "Shot")});
+        sxy_CLIP noted = clip_of("a1", 10, 20);
+        noted.set_qualifiers({qualifier_of("q", "Marek")});
+        made.operations.push_back(operation::insert_clip{shared_text("a"), noted});
+        made.operations.push_back(operation::insert_clip{shared_text("a"), clip_of("a2", 30, 40)});
+        made.operations.push_back(operation::insert_clip{shared_text("a"), clip_of("a3", 50, 60)});
+        made.operations.push_back(operation::insert_clip{shared_text("b"), clip_of("b1", 25, 35)});
+        ASSERT_TRUE(document_->apply(made));
+        view_.resize(1140, 400);
+        view_.set_timeline(document_.get(), &transport_);
+        view_.set_reach(0, 600);
+        view_.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
+        view_.state().set_scale({0, 0.1});
+        canvas_ = view_.findChild<timeline_canvas*>(QStringLiteral("timeline_canvas"));
+        ASSERT_EQ(canvas_->width(), 1000);
+    }
+    void TearDown() override { view_.set_timeline(nullptr, nullptr); }
+
+    QPoint at(double seconds, int row) const {
+        const theme_metrics& metrics = theme::current().metrics;
+        const int y = metrics.ruler_height + view_rows()[static_cast<std::size_t>(row)].top + 12;
+        return {static_cast<int>(std::lround(view_state().scale().x_of(seconds))), y};
+    }
+    timeline_state& view_state() const { return const_cast<timeline_view&>(view_).state(); }
+    const timeline_rows& view_rows() const { return view_state().rows(); }
+    void click(double seconds, int row, Qt::KeyboardModifiers keys = {}) {
+        QTest::mouseClick(canvas_, Qt::LeftButton, keys, at(seconds, row));
+    }
+    void drag(QPoint from, QPoint to, Qt::KeyboardModifiers keys = {}) {
+        QTest::mousePress(canvas_, Qt::LeftButton, keys, from);
+        QMouseEvent moved(QEvent::MouseMove, to, canvas_->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                          keys);
+        QApplication::sendEvent(canvas_, &moved);
+        QTest::mouseRelease(canvas_, Qt::LeftButton, keys, to);
+    }
+    void turn_wheel(QPoint where, QPoint angle, Qt::KeyboardModifiers keys) {
+        QWheelEvent event(where, canvas_->mapToGlobal(where), {}, angle, Qt::NoButton, keys,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(canvas_, &event);
+    }
+    std::vector<std::string> selected() const { return view_state().selected(); }
+    std::optional<clip_place> find(const char* clip) const { return document_->timeline().find_clip(clip); }
+
+    testing::temporary_folder folder_;
+    qt_run_loop loop_;
+    std::unique_ptr<timeline_document> document_;
+    standing_transport transport_;
+    timeline_view view_;
+    timeline_canvas* canvas_ = nullptr;
+};
+
+using clips = std::vector<std::string>;
+
+TEST_F(timeline_pane, click_selects_a_clip_and_goes_to_its_start) {
+    QSignalSpy told(&view_, &timeline_view::selection_changed);
+    click(33, 0);
+    EXPECT_EQ(selected(), clips{"a2"});
+    EXPECT_DOUBLE_EQ(transport_.seconds, 30);
+    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(canvas_->accessibleDescription(), QStringLiteral("Attack 2, 0:00:30.00 to 0:00:40.00"));
+    click(30, 1);
+    EXPECT_EQ(selected(), clips{"b1"});
+    EXPECT_FALSE(find("a2")->clip->selected());
+    click(70, 1);  // beside all clips
+    EXPECT_TRUE(selected().empty());
+    EXPECT_NEAR(transport_.seconds, 70, 0.051);
+}
+
+TEST_F(timeline_pane, control_adds_and_takes_away_and_shift_extends) {
+    click(15, 0);
+    click(55, 0, Qt::ControlModifier);
+    click(30, 1, Qt::ControlModifier);
+    EXPECT_EQ(selected(), (clips{"a1", "a3", "b1"}));
+    click(55, 0, Qt::ControlModifier);
+    EXPECT_EQ(selected(), (clips{"a1", "b1"}));
+    click(15, 0);
+    click(55, 0, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), (clips{"a1", "a2", "a3"}));
+    EXPECT_DOUBLE_EQ(transport_.seconds, 10);
+}
+
+TEST_F(timeline_pane, delete_removes_what_is_selected_and_only_that) {
+    click(15, 0);
+    click(30, 1, Qt::ControlModifier);
+    QTest::keyClick(canvas_, Qt::Key_Delete);
+    EXPECT_FALSE(find("a1"));
+    EXPECT_FALSE(find("b1"));
+    EXPECT_TRUE(find("a2"));
+    EXPECT_TRUE(selected().empty());
+    EXPECT_EQ(view_rows()[0].clips, 2U);
+}
+
+TEST_F(timeline_pane, an_edge_drag_trims_by_one_edit_and_escape_leaves_all) {
+    int edits = 0;
+    const auto listening =
+        document_->edited.connect([&](const timeline_edit&, const timeline_edit&) { ++edits; });
+    view_state().set_snaps(false);
+    drag(at(39.9, 0), at(44.9, 0));
+    EXPECT_EQ(edits, 1);
+    EXPECT_NEAR(find("a2")->clip->secs_end(), 45, 0.02);
+    EXPECT_DOUBLE_EQ(find("a2")->clip->secs_start(), 30);
+    EXPECT_EQ(selected(), clips{"a2"});
+    drag(at(10.1, 0), at(90, 0));  // not past its end
+    EXPECT_LT(find("a1")->clip->secs_start(), 20);
+    EXPECT_EQ(edits, 2);
+    QTest::mousePress(canvas_, Qt::LeftButton, {}, at(59.9, 0));
+    QTest::mouseMove(canvas_, at(80, 0));
+    QTest::keyClick(canvas_, Qt::Key_Escape);
+    QTest::mouseRelease(canvas_, Qt::LeftButton, {}, at(80, 0));
+    EXPECT_DOUBLE_EQ(find("a3")->clip->secs_end(), 60);
+    EXPECT_EQ(edits, 2);
+}
+
+TEST_F(timeline_pane, a_trim_snaps_to_another_clips_edge_and_to_the_playhead) {
+    drag(at(39.9, 0), at(49.7, 0));
+    EXPECT_DOUBLE_EQ(find("a2")->clip->secs_end(), 50);
+    transport_.seconds = 44;
+    view_.tick();
+    drag(at(49.9, 0) - QPoint(1, 0), at(44.1, 0));
+    EXPECT_DOUBLE_EQ(find("a2")->clip->secs_end(), 44);
+}
+
+TEST_F(timeline_pane, alt_drags_a_copy) {
+    view_state().set_snaps(false);
+    drag(at(15, 0), at(75, 0), Qt::AltModifier);
+    EXPECT_EQ(view_rows()[0].clips, 4U);
+    EXPECT_DOUBLE_EQ(find("a1")->clip->secs_start(), 10);
+    ASSERT_EQ(selected().size(), 1U);
+    const auto copy = find(selected()[0].c_str());
+    EXPECT_NEAR(copy->clip->secs_start(), 70, 0.02);
+    EXPECT_NEAR(copy->clip->secs_end(), 80, 0.02);
+    EXPECT_EQ(copy->clip->qualifiers()->size(), 1U);
+}
+
+TEST_F(timeline_pane, the_playhead_is_dragged_by_its_flag_and_set_on_the_ruler) {
+    QTest::mouseClick(canvas_, Qt::LeftButton, {}, QPoint(600, 10));
+    EXPECT_NEAR(transport_.seconds, 60, 1e-6);
+    drag(QPoint(610, 10), QPoint(710, 10));  // held ten pixels beside its line
+    EXPECT_NEAR(transport_.seconds, 70, 1e-6);
+}
+
+TEST_F(timeline_pane, the_wheel_scrolls_time_with_shift_zooms_with_control) {
+    const double under_pointer = view_state().scale().seconds_at(400);
+    turn_wheel({400, 60}, {0, 240}, Qt::ControlModifier);
+    EXPECT_LT(view_state().scale().seconds_per_pixel, 0.1);
+    EXPECT_NEAR(view_state().scale().seconds_at(400), under_pointer, 1e-6);
+    const timeline_scale before = view_state().scale();
+    turn_wheel({400, 60}, {0, -120}, Qt::ShiftModifier);
+    EXPECT_GT(view_state().scale().first_seconds, before.first_seconds);
+    turn_wheel({400, 60}, {120, 0}, {});
+    EXPECT_NEAR(view_state().scale().first_seconds, before.first_seconds, 1e-6);
+    EXPECT_EQ(view_state().scale().seconds_per_pixel, before.seconds_per_pixel);
+}
+
+TEST_F(timeline_pane, the_wheel_scrolls_rows_when_there_are_more_than_fit) {
+    timeline_edit more{"more", "", {}};
+    for (int row = 0; row < 30; ++row) {
+        more.operations.push_back(operation::insert_row{2, row_of("r" + std::to_string(row), "row")});
+    }
+    ASSERT_TRUE(document_->apply(more));
+    turn_wheel({400, 100}, {0, -120}, {});
+    EXPECT_GT(view_state().first_y(), 0);
+    for (int turn = 0; turn < 100; ++turn) turn_wheel({400, 100}, {0, -120}, {});
+    EXPECT_EQ(view_state().first_y(), view_rows().total_height() - view_state().rows_height());
+}
+
+TEST_F(timeline_pane, playing_keeps_the_playhead_at_its_place_unless_scrolled_away) {
+    transport_.playing = true;
+    for (double seconds = 80; seconds < 95; seconds += 0.25) {
+        transport_.seconds = seconds;
+        view_.tick();
+    }
+    EXPECT_NEAR(view_state().scale().x_of(transport_.seconds), 850, 2);
+    view_state().scroll_to(300);
+    const timeline_scale away = view_state().scale();
+    transport_.seconds += 0.25;
+    view_.tick();
+    EXPECT_EQ(view_state().scale(), away);
+}
+
+TEST_F(timeline_pane, a_growing_clip_is_shown_until_it_has_ended) {
+    ASSERT_TRUE(
+        document_->apply({"Shot", "", {operation::begin_clip{shared_text("b"), clip_of("l", 50, 50)}}}));
+    ASSERT_EQ(view_rows()[1].live.size(), 1U);
+    EXPECT_EQ(view_rows()[1].clips, 1U);
+    ASSERT_TRUE(document_->apply({"Shot", "", {operation::finish_clip{"l", 50, 58}}}));
+    EXPECT_TRUE(view_rows()[1].live.empty());
+    EXPECT_EQ(view_rows()[1].clips, 2U);
+}
+
+TEST_F(timeline_pane, arrows_walk_from_clip_to_clip) {
+    QTest::keyClick(canvas_, Qt::Key_Down);
+    EXPECT_EQ(selected(), clips{"a1"});
+    QTest::keyClick(canvas_, Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(selected(), clips{"a2"});
+    QTest::keyClick(canvas_, Qt::Key_Down);
+    EXPECT_EQ(selected(), clips{"b1"});
+    QTest::keyClick(canvas_, Qt::Key_Up);
+    EXPECT_EQ(selected(), clips{"a2"});
+    QTest::keyClick(canvas_, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(selected(), clips{"a1"});
+    EXPECT_DOUBLE_EQ(transport_.seconds, 10);
+}
+
+TEST_F(timeline_pane, the_frame_on_the_whole_event_is_dragged) {
+    auto* whole = view_.findChild<timeline_whole_event*>(QStringLiteral("timeline_whole_event"));
+    const QRectF frame = whole->frame();
+    const QPoint from = frame.center().toPoint();
+    QTest::mousePress(whole, Qt::LeftButton, {}, from);
+    QMouseEvent moved(QEvent::MouseMove, from + QPoint(200, 0), whole->mapToGlobal(from + QPoint(200, 0)),
+                      Qt::NoButton, Qt::LeftButton, {});
+    QApplication::sendEvent(whole, &moved);
+    QTest::mouseRelease(whole, Qt::LeftButton, {}, from + QPoint(200, 0));
+    EXPECT_NEAR(whole->frame().left() - frame.left(), 200, 1.5);
+    EXPECT_DOUBLE_EQ(view_state().scale().seconds_per_pixel, 0.1);
+}
+
+TEST_F(timeline_pane, parts_can_be_found_by_name) {
+    for (const char* name : {"timeline_canvas", "timeline_names", "timeline_whole_event", "timeline_zoom",
+                             "timeline_zoom_in", "timeline_zoom_out", "timeline_fit", "timeline_snap"}) {
+        const auto* part = view_.findChild<QWidget*>(QLatin1String(name));
+        ASSERT_NE(part, nullptr) << name;
+        EXPECT_FALSE(part->accessibleName().isEmpty()) << name;
+    }
+    QTest::mouseClick(view_.findChild<QWidget*>(QStringLiteral("timeline_fit")), Qt::LeftButton);
+    EXPECT_NEAR(view_state().scale().seconds_at(1000), 600, 1e-6);
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "util/colour_text.h"
+#include "util/plain_run_loop.h"
+#include "util/record_lock.h"
+#include "util/serial_queue.h"
+#include "util/shared_text.h"
+#include "util/signal.h"
+#include "util/simulated_run_loop.h"
+
+namespace vistels {
+namespace {
+
+TEST(colour_text, is_written_in_shortest_decimals) {
+    struct {
+        colour value;
+        int decimals;
+        const char* text;
+    } const cases[] = {
+        {{1, 0, 0, 1}, 4, "1.0,0.0,0.0"},
+        {{1, 0, 0, 0.5}, 4, "1.0,0.0,0.0,0.5"},
+        {{1.0 / 3, 2.0 / 3, 0.00005, 1}, 4, "0.3333,0.6667,0.0001"},
+        {{0.0625, -0.00001, 0.1234565, 0.99999}, 3, "0.063,0.0,0.123,1.0"},
+    };
+    for (const auto& one : cases) EXPECT_EQ(colour_text(one.value, one.decimals), one.text);
+    EXPECT_EQ(colour_from_text(" 0.5, 1 ,0"), (colour{0.5, 1, 0, 1}));
+    for (const char* bad : {"", "1,2", "1,2,3,4,5", "a,b,c", "1,,2", "nan,0,0", "1 2 3"}) {
+        EXPECT_FALSE(colour_from_text(bad)) << bad;
+    }
+}
+
+TEST(rectangle_text, reads_every_form) {
+    const rectangle expected{-1.5, 0, 100, 56};
+    EXPECT_EQ(rectangle_text(expected), "-1.5,0,100,56");
+    property_dictionary named;
+    for (const auto& [key, value] : {std::pair{"x", -1.5}, {"y", 0.0}, {"width", 100.0}, {"height", 56.0}}) {
+        named.add(key, value);
+    }
+    const property_value forms[] = {
+        property_value("-1.5,0,100,56"),
+        property_value("{{-1.5, 0}, {100, 56}}"),
+        property_value(
+            property_array{property_value(-1.5), property_value(0), property_value(100), property_value(56)}),
+        property_value(named),
+    };
+    for (const auto& form : forms) EXPECT_EQ(rectangle_from(form), expected);
+    for (const auto& bad : {property_value("1,2,3"), property_value("1,2,3,4,5"), property_value(4)}) {
+        EXPECT_FALSE(rectangle_from(bad));
+    }
+}
+
+TEST(record_lock, is_recursive_and_excludes_other_threads) {
+    record_lock lock;
+    int counter = 0;
+    const auto work = [&] {
+        for (int n = 0; n < 20'000; ++n) {
+            const record_guard outer(lock);
+            const record_guard inner(lock);
+            ++counter;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(counter, 40'000);
+    EXPECT_EQ(sizeof(record_lock), 8U);
+}
+
+TEST(shared_text, is_kept_once_across_threads) {
+    std::atomic<int> different = 0;
+    const auto work = [&] {
+        for (int n = 0; n < 5'000; ++n) {
+            const shared_text a("text " + std::to_string(n % 7));
+            const shared_text b("text " + std::to_string(n % 7));
+            if (!(a == b) || a.str() != "text " + std::to_string(n % 7)) ++different;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(different, 0);
+    EXPECT_FALSE(shared_text("a") == shared_text("b"));
+    EXPECT_TRUE(shared_text("") == shared_text());
+}
+
+TEST(serial_queue, runs_in_order_and_drains) {
+    std::vector<int> ran;
+    {
+        serial_queue queue("test");
+        for (int n = 0; n < 100; ++n) queue.post([&ran, n] { ran.push_back(n); });
+        queue.drain();
+        EXPECT_EQ(ran.size(), 100U);
+        queue.post([&ran] { ran.push_back(100); });
+    }
+    ASSERT_EQ(ran.size(), 101U);
+    EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST(signal, observers_may_come_and_go_while_it_is_emitted) {
+    signal<int> emitted;
+    std::vector<std::string> heard;
+    connection late;
+    connection second;
+    const connection first = emitted.connect([&](int value) {
+        heard.push_back("first " + std::to_string(value));
+        second.disconnect();
+        if (value > 1) return;
+        late = emitted.connect([&](int again) { heard.push_back("late " + std::to_string(again)); });
+    });
+    second = emitted.connect([&](int value) { heard.push_back("second " + std::to_string(value)); });
+    emitted.emit(1);
+    EXPECT_EQ(heard, (std::vector<std::string>{"first 1"}));
+    emitted.emit(2);
+    EXPECT_EQ(heard, (std::vector<std::string>{"first 1", "first 2", "late 2"}));
+}
+
+TEST(run_loops, run_timers_at_their_times_and_posted_work_from_other_threads) {
+    simulated_run_loop simulated;
+    std::vector<std::pair<char, double>> ran;
+    const auto note = [&](char name) {
+        return [&, name] { ran.emplace_back(name, simulated.time().seconds()); };
+    };
+    simulated.start_timer(2, false, note('b'));
+    const auto repeating = simulated.start_timer(1, true, note('a'));
+    simulated.start_timer(3.5, false, [&] { simulated.stop_timer(repeating); });
+    simulated.advance_to(10);
+    EXPECT_EQ(ran, (std::vector<std::pair<char, double>>{{'a', 1}, {'b', 2}, {'a', 2}, {'a', 3}}));
+
+    plain_run_loop plain;
+    bool posted = false;
+    std::thread other([&] { plain.post([&] { posted = true; }); });
+    EXPECT_TRUE(plain.run_until([&] { return posted; }, 30));
+    other.join();
+    EXPECT_FALSE(plain.run_until([] { return false; }, 0.0));
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include "util/simulated_run_loop.h"
+#include "video/collection_clock.h"
+#include "video/playback_frame_cache.h"
+#include "video/playback_rules.h"
+
+namespace vistels {
+namespace {
+
+TEST(playback_rules, top_speed_stays_within_bounds) {
+    const double cases[][2] = {{100, 64}, {-20, -8}, {64, 64}, {2, 2}, {-8, -8}, {-0.5, -0.5}};
+    for (const auto& [stored, used] : cases) EXPECT_EQ(clamped_top_speed(stored), used);
+}
+
+TEST(playback_rules, timer_stops_after_the_31st_tick_without_movement) {
+    playback_timer_record record;
+    EXPECT_TRUE(record.tick(1.0));
+    for (int round = 0; round < 2; ++round) {
+        for (int tick = 1; tick <= 30; ++tick) ASSERT_TRUE(record.tick(1.0 + round)) << tick;
+        ASSERT_TRUE(record.tick(std::nullopt));
+        if (round == 0) {
+            ASSERT_TRUE(record.tick(2.0));
+        }
+    }
+    EXPECT_FALSE(record.tick(2.0));
+}
+
+lagging_vistel at(double seconds) {
+    lagging_vistel made;
+    made.seconds = seconds;
+    made.is_playing = true;
+    return made;
+}
+
+TEST(playback_rules, those_that_lag_are_moved_to_the_leader) {
+    const auto moved = [](std::vector<lagging_vistel> vistels) {
+        std::vector<double> to;
+        for (const auto& move : advance_lagging_players(vistels, 50)) to.push_back(move.to_seconds);
+        return to;
+    };
+    using list = std::vector<double>;
+    EXPECT_EQ(moved({}), list{});
+    EXPECT_EQ(moved({at(10), at(5.1)}), list{});        // 4.9 s
+    EXPECT_EQ(moved({at(10), at(4.9)}), (list{10.0}));  // 5.1 s
+    EXPECT_EQ(moved({at(0), at(20), at(1)}), (list{20.0, 20.0}));
+    auto inserted = at(0);
+    inserted.number = 100001;
+    EXPECT_EQ(moved({at(10), inserted}), list{});
+    EXPECT_EQ(moved({inserted, at(100), at(10)}), (list{100.0}));
+    auto overlay = at(100);
+    overlay.has_overlay = true;
+    EXPECT_EQ(moved({overlay, at(1), at(2)}), list{});
+    auto unknown = at(0);
+    unknown.seconds.reset();
+    EXPECT_EQ(moved({at(10), unknown}), list{});
+    auto standing = at(0);
+    standing.is_playing = false;
+    EXPECT_EQ(moved({at(10), standing}), list{});
+}
+
+TEST(playback_rules, a_vistel_is_looked_at_once_a_second) {
+    std::vector<lagging_vistel> vistels{at(10), at(0)};
+    EXPECT_EQ(advance_lagging_players(vistels, 50).size(), 1U);
+    EXPECT_EQ(advance_lagging_players(vistels, 50.9).size(), 0U);
+    EXPECT_EQ(advance_lagging_players(vistels, 51).size(), 1U);
+}
+
+TEST(collection_clock, runs_by_rate_within_its_range) {
+    simulated_run_loop loop;
+    collection_clock time(loop.time());
+    time.set_range(-2, 10);
+    time.seek(-5);
+    EXPECT_EQ(time.time(), -2);
+    time.seek(1);
+    loop.advance(3);
+    EXPECT_EQ(time.time(), 1);  // stands still
+    time.play();
+    loop.advance(2);
+    EXPECT_DOUBLE_EQ(time.time(), 3);
+    time.set_rate(0.5);
+    loop.advance(2);
+    EXPECT_DOUBLE_EQ(time.time(), 4);
+    EXPECT_DOUBLE_EQ(time.time_at(loop.time().seconds() - 3), 2);  // before the rate changed
+    time.set_rate(-2);
+    loop.advance(100);
+    EXPECT_EQ(time.time(), -2);
+    EXPECT_FALSE(time.can_move());
+    time.set_rate(2);
+    EXPECT_TRUE(time.can_move());
+    time.pause();
+    loop.advance(1);
+    EXPECT_EQ(time.time(), -2);
+}
+
+TEST(collection_clock, follows_another_without_jumping) {
+    for (const double rate : {1.0, 2.0}) {
+        for (const double error : {-0.04, 0.03, 2.0, -2.0}) {
+            simulated_run_loop loop;
+            collection_clock time(loop.time());
+            time.set_range(0, 1000);
+            time.set_rate(rate);
+            time.play();
+            double last = 0;
+            for (int i = 0; i < 400; ++i) {
+                loop.advance(0.2);
+                const double now = time.time();
+                const double moved = (now - last) / (0.2 * rate);
+                EXPECT_GE(moved, 0.9499);
+                EXPECT_LE(moved, 1.0501);
+                last = now;
+                time.follow(loop.time().seconds() * rate + error);
+            }
+            EXPECT_NEAR(time.time() - loop.time().seconds() * rate, error, 0.001);
+        }
+    }
+}
+
+picture_pointer frame(std::int64_t stamp, std::int64_t until, bool last = false, bool sparse = false) {
+    auto made = std::make_shared<picture>();
+    made->stamp = stamp;
+    made->until_stamp = until;
+    made->last = last;
+    made->sparse = sparse;
+    made->bytes.resize(100);
+    return made;
+}
+
+TEST(playback_frame_cache, knows_what_stands_when) {
+    playback_frame_cache cache;
+    for (const auto& made : {frame(0, 10), frame(10, 30), frame(50, 60), frame(60, 70, true)})
+        cache.insert(made);
+    const std::int64_t cases[][2] = {{-1, -1}, {0, 0},   {9, 0},   {10, 10}, {29, 10},
+                                     {30, -1}, {49, -1}, {55, 50}, {999, 60}};
+    for (const auto& [asked, stamp] : cases) {
+        const auto found = cache.at(asked);
+        EXPECT_EQ(found ? found->stamp : -1, stamp) << asked;
+    }
+    EXPECT_EQ(cache.at_or_before(40)->stamp, 10);
+    const auto first = cache.run_at(12);
+    EXPECT_EQ(first.from, 0);
+    EXPECT_EQ(first.until, 30);
+    EXPECT_EQ(first.frames_before, 1U);
+    EXPECT_EQ(first.frames_after, 0U);
+    EXPECT_FALSE(first.reaches_end);
+    EXPECT_TRUE(cache.run_at(50).reaches_end);
+}
+
+TEST(playback_frame_cache, forgets_the_farthest_first) {
+    struct {
+        int direction;
+        std::int64_t first, last;
+    } const cases[] = {{0, 30, 60}, {1, 40, 70}, {-1, 20, 50}};
+    for (const auto& c : cases) {
+        playback_frame_cache cache;
+        for (int i = 0; i < 10; ++i) cache.insert(frame(i * 10, i * 10 + 10, false, i == 5));
+        EXPECT_EQ(cache.bytes(), 1000U);
+        cache.keep_within(400, 46, c.direction);
+        EXPECT_EQ(cache.bytes(), 400U);
+        EXPECT_TRUE(cache.at(46));
+        EXPECT_TRUE(cache.at(c.first)) << c.direction;
+        EXPECT_TRUE(cache.at(c.last)) << c.direction;
+        cache.forget_sparse();
+        EXPECT_FALSE(cache.at(50));
+    }
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include "video/synchronised_playback.h"
+
+#if VISTELS_HAVE_MEDIA
+
+#include "media/packet_index.h"
+#include "support/coded_movie.h"
+#include "support/temporary_folder.h"
+#include "util/plain_run_loop.h"
+
+namespace vistels {
+namespace {
+
+using namespace vistels::testing;
+
+constexpr double wait_seconds = 60;
+
+// Two cameras of 4 seconds; the second one's movie is cut in two with a second between.
+class playback : public ::testing::Test {
+  protected:
+    playback() {
+        movie_writer_settings settings;
+        settings.width = 320;
+        settings.height = 240;
+        settings.gop_frames = 20;
+        settings.preset = "ultrafast";
+        settings.threads = 1;
+        EXPECT_TRUE(write_coded_movie(folder_ / "long.mp4", settings, 120).ok());
+        EXPECT_TRUE(write_coded_movie(folder_ / "short.mp4", settings, 30).ok());
+        played_.set_volume(0);
+    }
+
+    void set_both() {
+        played_.set_vistels({{"a", 0.0, {{folder_ / "long.mp4", 0, 4}}},
+                             {"b", 0.5, {{folder_ / "long.mp4", 0, 4}, {folder_ / "short.mp4", 5, 1}}}});
+        for (const char* uuid : {"a", "b"}) played_.set_view_size(uuid, 160, 120);
+    }
+
+    bool wait_for(const std::function<bool()>& done) { return loop_.run_until(done, wait_seconds); }
+
+    void seek(double seconds) {
+        bool done = false;
+        played_.seek(seconds, [&] { done = true; });
+        ASSERT_TRUE(wait_for([&] { return done; }));
+    }
+
+    void step(int direction) {
+        bool done = false;
+        played_.step(direction, [&] { done = true; });
+        ASSERT_TRUE(wait_for([&] { return done; }));
+    }
+
+    // -1: nothing is shown.
+    int shown(const char* uuid) const {
+        const auto picture = played_.picture(uuid);
+        return picture ? read_frame_number(*picture) : -1;
+    }
+
+    temporary_folder folder_;
+    plain_run_loop loop_;
+    synchronised_playback played_{loop_};
+};
+
+TEST_F(playback, seeks_are_exact_by_the_offset_rule) {
+    set_both();
+    EXPECT_EQ(played_.first_time(), -0.5);
+    EXPECT_EQ(played_.last_time(), 5.5);
+    struct {
+        double seconds;
+        int a, b;
+    } const cases[] = {{1.0, 30, 45},     {0, 0, 15},       {3.98, 119, -1}, {-0.5, -1, 0},  {2.5, 75, 90},
+                       {3.4999, 105, -1}, {3.49, 104, 119}, {4.6, 119, 3},   {5.5, 119, 29}, {-99, -1, 0}};
+    for (const auto& c : cases) {
+        seek(c.seconds);
+        EXPECT_EQ(shown("a"), c.a) << c.seconds;
+        EXPECT_EQ(shown("b"), c.b) << c.seconds;
+    }
+    played_.set_lead("b", 0.25);
+    seek(1);
+    EXPECT_EQ(shown("b"), 37);
+}
+
+TEST_F(playback, the_latest_seek_wins) {
+    set_both();
+    bool first_done = false;
+    played_.seek(3.0, [&] { first_done = true; });
+    seek(1.0);
+    EXPECT_FALSE(first_done);
+    EXPECT_EQ(shown("a"), 30);
+}
+
+TEST_F(playback, steps_frame_by_frame_over_groups_of_pictures) {
+    set_both();
+    seek(2.1);
+    for (int frame = 62; frame > 15; --frame) {
+        step(-1);
+        ASSERT_EQ(shown("a"), frame);
+        ASSERT_NEAR(played_.collection_time(), frame / 30.0, 0.001);
+    }
+    for (int frame = 17; frame < 40; ++frame) {
+        step(1);
+        ASSERT_EQ(shown("a"), frame);
+        ASSERT_EQ(shown("b"), frame + 15);
+    }
+    seek(0);
+    step(-1);
+    EXPECT_LT(played_.collection_time(), 0);
+    EXPECT_EQ(shown("b"), 14);
+}
+
+TEST_F(playback, plays_on_and_back_to_the_end_and_stops) {
+    set_both();
+    for (const double rate : {8.0, -8.0}) {
+        seek(rate > 0 ? 3 : 2);
+        int changes = 0;
+        const auto kept = played_.pictures_changed.connect([&] { ++changes; });
+        played_.set_rate(rate);
+        played_.play();
+        EXPECT_TRUE(played_.is_playing());
+        EXPECT_TRUE(played_.timer_runs());
+        ASSERT_TRUE(wait_for([&] { return !played_.is_playing() && played_.is_settled(); }));
+        EXPECT_EQ(played_.collection_time(), rate > 0 ? played_.last_time() : played_.first_time());
+        EXPECT_GT(changes, 0);
+        // Frames passed over while playing fast are not left in place of the right one.
+        EXPECT_EQ(shown("b"), rate > 0 ? 29 : 0);
+        ASSERT_TRUE(wait_for([&] { return !played_.timer_runs(); }));
+    }
+}
+
+TEST_F(playback, one_unreadable_movie_leaves_the_others_alone) {
+    put_file(folder_ / "broken.mp4", "this is no movie");
+    played_.set_vistels({{"a", 0.0, {{folder_ / "long.mp4", 0, 4}}},
+                         {"missing", 0.0, {{folder_ / "missing.mp4", 0, 4}}},
+                         {"broken", 0.0, {{folder_ / "broken.mp4", 0, 4}}},
+                         {"empty", 0.0, {}}});
+    seek(1);
+    EXPECT_EQ(shown("a"), 30);
+    for (const char* uuid : {"missing", "broken"}) {
+        EXPECT_EQ(played_.state(uuid), vistel_state::unreadable);
+        EXPECT_NE(played_.problem(uuid).find(std::string(uuid) + ".mp4"), std::string::npos);
+        EXPECT_EQ(played_.picture(uuid), nullptr);
+    }
+    EXPECT_EQ(played_.state("empty"), vistel_state::unreadable);
+    played_.set_rate(4);
+    played_.play();
+    ASSERT_TRUE(wait_for([&] { return !played_.is_playing() && played_.is_settled(); }));
+    EXPECT_EQ(shown("a"), 119);
+}
+
+TEST_F(playback, pictures_come_in_the_size_asked_for) {
+    set_both();
+    seek(1);
+    EXPECT_EQ(played_.picture("a")->width, 160);
+    played_.set_view_size("a", 200, 150);
+    ASSERT_TRUE(wait_for([&] { return played_.picture("a")->width == 200; }));
+    EXPECT_EQ(shown("a"), 30);
+}
+
+TEST_F(playback, goes_away_in_the_middle_of_work) {
+    bool is_gone = false;
+    for (int i = 0; i < 20; ++i) {
+        is_gone = false;
+        {
+            synchronised_playback short_lived(loop_);
+            short_lived.set_vistels({{"a", 0.0, {{folder_ / "long.mp4", 0, 4}}}});
+            short_lived.seek(i * 0.1, [&] { EXPECT_FALSE(is_gone); });
+        }
+        is_gone = true;
+        loop_.run_until([] { return false; }, 0);
+    }
+}
+
+}  // namespace
+}  // namespace vistels
+
+#endif
