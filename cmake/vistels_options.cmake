@@ -14,8 +14,11 @@ if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
     find_program(VISTELS_CCACHE ccache)
     mark_as_advanced(VISTELS_CCACHE)
     if(VISTELS_CCACHE)
-        set(CMAKE_C_COMPILER_LAUNCHER "${VISTELS_CCACHE}")
-        set(CMAKE_CXX_COMPILER_LAUNCHER "${VISTELS_CCACHE}")
+        # Paths below the source folder count from the build folder, so that every checkout shares the cache.
+        set(launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+            "${VISTELS_CCACHE}")
+        set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+        set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
     endif()
 endif()
 

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/property_value.h"
+
+namespace vistels {
+
+// What records are written to, value by value in the stored order: a property list's bytes or a
+// property_dictionary. In a dictionary every value has a key; in an array the key is not looked at and is
+// given as an empty text.
+class stored_sink {
+  public:
+    virtual ~stored_sink() = default;
+    virtual void put(std::string_view key, bool value) = 0;
+    virtual void put(std::string_view key, std::int64_t value) = 0;
+    virtual void put(std::string_view key, double value) = 0;
+    virtual void put(std::string_view key, std::string_view value) = 0;
+    virtual void put(std::string_view key, const property_value& value) = 0;
+    virtual void begin_dictionary(std::string_view key) = 0;
+    virtual void begin_array(std::string_view key) = 0;
+    virtual void end() = 0;  // of the dictionary or array begun last
+
+    void put(std::string_view key, int value) { put(key, std::int64_t{value}); }
+    void put(std::string_view key, const char* value) { put(key, std::string_view(value)); }
+    void put(std::string_view key, const std::string& value) { put(key, std::string_view(value)); }
+};
+
+// Builds a dictionary.
+class dictionary_sink : public stored_sink {
+  public:
+    dictionary_sink();
+    using stored_sink::put;
+    void put(std::string_view key, bool value) override;
+    void put(std::string_view key, std::int64_t value) override;
+    void put(std::string_view key, double value) override;
+    void put(std::string_view key, std::string_view value) override;
+    void put(std::string_view key, const property_value& value) override;
+    void begin_dictionary(std::string_view key) override;
+    void begin_array(std::string_view key) override;
+    void end() override;
+
+    // What was put; everything begun must have ended.
+    property_dictionary take();
+
+  private:
+    struct level {
+        std::string key;
+        property_value value;
+    };
+    void add(std::string_view key, property_value value);
+
+    std::vector<level> levels_;
+};
+
+// Writes the bytes of a property list, exactly as write_property_list does. What is put first must be one
+// value: begin_dictionary("") for a dictionary.
+class property_list_sink : public stored_sink {
+  public:
+    property_list_sink();
+    using stored_sink::put;
+    void put(std::string_view key, bool value) override;
+    void put(std::string_view key, std::int64_t value) override;
+    void put(std::string_view key, double value) override;
+    void put(std::string_view key, std::string_view value) override;
+    void put(std::string_view key, const property_value& value) override;
+    void begin_dictionary(std::string_view key) override;
+    void begin_array(std::string_view key) override;
+    void end() override;
+
+    // The whole file; everything begun must have ended.
+    std::string take();
+
+  private:
+    std::string bytes_;
+    std::string tags_;  // what closes each level
+};
+
+}  // namespace vistels
