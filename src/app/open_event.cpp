@@ -55,6 +55,7 @@ open_event::~open_event() {
     logger_->release_all(playback_->collection_time());
     // What cannot be saved of the timeline stays in its journal.
     (void)save_all();
+    timeline_->set_save_companion({});
 }
 
 result<void> open_event::load() {
@@ -74,7 +75,7 @@ result<void> open_event::load() {
     logger_->set_earliest_time(playback_->first_time());
     open_code_window();
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
-    undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
+    open_undo();
     return {};
 }
 
@@ -88,6 +89,21 @@ result<void> open_event::open_timeline() {
         if (playback_) timeline_->header().cursor_seconds = playback_->collection_time();
     });
     return {};
+}
+
+// The history is kept for each file that is saved; what the journal brought back comes after it.
+void open_event::open_undo() {
+    const std::string uuid = timeline_->timeline().uuid();
+    undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
+    undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
+    for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
+    timeline_->set_save_companion([this, uuid] {
+        return [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
+            // Without it the steps before are not taken back after closing; the timeline is saved all the
+            // same.
+            (void)save_undo_history(places, uuid, coming, earlier, history);
+        };
+    });
 }
 
 // Collection and timeline name each other; an older collection gets what it lacks.

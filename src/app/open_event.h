@@ -74,6 +74,7 @@ class open_event {
     open_event(std::string folder, home_places places, run_loop& loop);
     result<void> load();
     result<void> open_timeline();
+    void open_undo();
     void open_code_window();
     void link_records();
     void feed_playback();

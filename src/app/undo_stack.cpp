@@ -148,8 +148,15 @@ operations still_possible(const sxy_DATA_root& timeline, const operations& all) 
     return possible;
 }
 
-void put_before(operations& all, const operations& first) {
-    all.insert(all.begin(), first.begin(), first.end());
+using shared_operations = std::shared_ptr<const operations>;
+
+shared_operations shared(operations all) {
+    return std::make_shared<const operations>(std::move(all));
+}
+
+shared_operations put_before(const operations& all, operations first) {
+    first.insert(first.end(), all.begin(), all.end());
+    return shared(std::move(first));
 }
 
 }  // namespace
@@ -182,11 +189,13 @@ void undo_stack::take(const timeline_edit& edit, const timeline_edit& inverse) {
     const double now = loop_.time().seconds();
     if (joins_last(edit, now)) {
         auto& last = undo_.back();
-        if (!cover(last.operations, back)) put_before(last.operations, back);
+        if (!cover(*last.operations, back)) {
+            last.operations = put_before(*last.operations, std::move(back));
+        }
         last.seconds = now;
     } else {
         const bool in_group = group_depth_ > 0;
-        undo_.push_back({in_group ? group_name_ : edit.name, edit.scope, std::move(back), state_, now,
+        undo_.push_back({in_group ? group_name_ : edit.name, edit.scope, shared(std::move(back)), state_, now,
                          !in_group && only_sets_values(edit.operations)});
         group_has_step_ = in_group;
         if (undo_.size() > most_steps) undo_.erase(undo_.begin());
@@ -236,14 +245,14 @@ result<void> undo_stack::move_back(std::vector<step>& from, std::vector<step>& t
     moved_.reset();
     is_moving_ = true;
     auto applied =
-        document_.apply({back.name, back.scope, still_possible(document_.timeline(), back.operations)});
+        document_.apply({back.name, back.scope, still_possible(document_.timeline(), *back.operations)});
     is_moving_ = false;
     // A step that cannot be put on record stays; so does the history before it.
     if (!applied) return applied;
     from.pop_back();
     const std::uint64_t state_after = std::exchange(state_, back.state_before);
     if (moved_) {
-        to.push_back({back.name, back.scope, std::move(moved_->operations), state_after, 0, false});
+        to.push_back({back.name, back.scope, shared(std::move(moved_->operations)), state_after, 0, false});
     }
     forget_void_steps();
     changed.emit();
@@ -252,10 +261,28 @@ result<void> undo_stack::move_back(std::vector<step>& from, std::vector<step>& t
 
 void undo_stack::forget_void_steps() {
     for (auto* steps : {&undo_, &redo_}) {
-        while (!steps->empty() && still_possible(document_.timeline(), steps->back().operations).empty()) {
+        while (!steps->empty() && still_possible(document_.timeline(), *steps->back().operations).empty()) {
             steps->pop_back();
         }
     }
+}
+
+// The states before the steps are counted anew; the present one is the saved one.
+void undo_stack::restore(undo_history history) {
+    undo_ = std::move(history.undo);
+    redo_ = std::move(history.redo);
+    begun_ = std::move(history.begun);
+    last_state_ = 0;
+    for (auto& one : undo_) one.state_before = last_state_++;
+    state_ = saved_state_ = last_state_;
+    for (auto one = redo_.rbegin(); one != redo_.rend(); ++one) one->state_before = ++last_state_;
+    forget_void_steps();
+    changed.emit();
+}
+
+void undo_stack::add(const timeline_edit& edit, const timeline_edit& inverse) {
+    take(edit, inverse);
+    if (!undo_.empty()) undo_.back().may_merge = false;  // when it was done is not known
 }
 
 void undo_stack::begin_group(std::string name) {

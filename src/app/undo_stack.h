@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/undo_history.h"
 #include "timeline/timeline_document.h"
 #include "timeline/timeline_edit.h"
 #include "util/result.h"
@@ -49,6 +50,13 @@ class undo_stack {
 
     void clear();
 
+    // The steps as they are now, at little cost; kept when the timeline is saved.
+    undo_history history() const { return {undo_, redo_, begun_}; }
+    // Takes over steps that were kept. The timeline must be in the state to which they belong.
+    void restore(undo_history history);
+    // Adds an edit that was done before this stack was connected.
+    void add(const timeline_edit& edit, const timeline_edit& inverse);
+
     // What the menus show changed.
     signal<> changed;
 
@@ -57,15 +65,7 @@ class undo_stack {
     static constexpr std::size_t most_steps = 500;
 
   private:
-    // What takes one step back, as the operations of one edit.
-    struct step {
-        std::string name;
-        std::string scope;
-        std::vector<operation::any> operations;
-        std::uint64_t state_before = 0;
-        double seconds = 0;  // on the loop's clock, of its last edit
-        bool may_merge = false;
-    };
+    using step = undo_step;
 
     void take(const timeline_edit& edit, const timeline_edit& inverse);
     void take_growing(const timeline_edit& edit, const timeline_edit& inverse);

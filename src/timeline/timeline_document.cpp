@@ -93,6 +93,7 @@ result<void> timeline_document::load() {
         const std::string bytes = write_property_list(write_timeline(timeline_.snapshot()));
         if (auto made = safe_write_bytes(path, bytes, files_)) mark = content_mark_of(bytes);
     }
+    opened_file_ = written_file_ = mark;
     header_ = load_timeline_header(folder_);
     auto journal = read_journal(folder_, mark);
     messages_.insert(messages_.end(), journal.messages.begin(), journal.messages.end());
@@ -140,10 +141,12 @@ void timeline_document::replay(const journal_content& journal) {
     for (const auto* edit : all) {
         if (edit->operations.empty()) continue;
         change_set touched;
-        if (const auto applied = apply_edit(timeline_, *edit, touched); !applied) {
+        const auto applied = apply_edit(timeline_, *edit, touched);
+        if (!applied) {
             messages_.push_back(applied.message());
             continue;
         }
+        recovered_.emplace_back(*edit, applied.value());
         ++revision_;
     }
     recovered_edits_ = journal.edits.size();
@@ -158,6 +161,10 @@ void timeline_document::finish_growing(const char* name) {
         edit.operations.emplace_back(operation::finish_clip{place.clip->id(), start, end});
     }
     if (edit.operations.empty()) return;
+    const connection recording =
+        edited.connect([this](const timeline_edit& done, const timeline_edit& inverse) {
+            recovered_.emplace_back(done, inverse);
+        });
     if (auto applied = apply(std::move(edit)); !applied) messages_.push_back(applied.message());
 }
 
@@ -202,14 +209,20 @@ void timeline_document::save_soon() {
     if (has_unsaved_edits()) begin_save();
 }
 
+void timeline_document::set_save_companion(std::function<save_companion()> begin) {
+    begin_companion_ = std::move(begin);
+    if (!begin_companion_ && save_queue_) save_queue_->drain();
+}
+
 void timeline_document::begin_save() {
     if (running_save_ || !journal_) return;  // the end of the save that runs begins the next
     auto save = std::make_shared<running_save>();
     save->revision = revision_;
     save->through = journal_->last_number();
     running_save_ = save;
-    save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(), alive = alive_] {
-        save->saved = write_files(snapshot, header, save->through);
+    save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(), alive = alive_,
+                       companion = begin_companion_ ? begin_companion_() : save_companion()] {
+        save->saved = write_files(snapshot, header, save->through, companion);
         loop_.post([this, save, alive] {
             if (*alive && running_save_ == save) (void)end_save();  // `saved` tells
         });
@@ -218,11 +231,13 @@ void timeline_document::begin_save() {
 
 // On the save queue.
 result<void> timeline_document::write_files(const timeline_snapshot& snapshot, const timeline_header& header,
-                                            std::uint64_t through) {
+                                            std::uint64_t through, const save_companion& companion) {
     const std::string bytes = write_property_list(write_timeline(snapshot));
     const journal_base coming{content_mark_of(bytes), through, growing_clips(snapshot)};
     if (auto noted = journal_->note_save(coming); !noted) return noted;
+    if (companion) companion(coming.content, written_file_);
     auto written = safe_write_bytes(path_join(folder_, timeline_file_name), bytes, files_);
+    if (written) written_file_ = coming.content;
     if (written) written = save_timeline_header(header, folder_, files_);
     if (written) written = save_save_time(folder_, instance_, files_);
     if (!written) return written;

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "timeline/sxy_DATA_root.h"
@@ -58,6 +60,17 @@ class timeline_document {
     signal<const std::string&> saved;
 
     bool has_unsaved_edits() const { return revision_ != saved_revision_; }
+    // Called on the main thread when a save begins; what it returns is called on the save queue, with the
+    // mark of the file that is coming and that of the one it replaces, before the file is put in place.
+    // Before what these use is gone the companion must be taken away, which waits for a save that runs.
+    using save_companion =
+        std::function<void(const file_content_mark& coming, const file_content_mark& earlier)>;
+    void set_save_companion(std::function<save_companion()> begin);
+    // The file that was read. Together with the edits that the journal brought back, which are given away
+    // here, each with its inverse, it makes the state after opening.
+    const file_content_mark& opened_file() const { return opened_file_; }
+    std::vector<std::pair<timeline_edit, timeline_edit>> take_recovered() { return std::move(recovered_); }
+
     // Begins a save now when there is something unsaved; `saved` tells the outcome.
     void save_soon();
     // Saves and waits until it is done.
@@ -75,7 +88,7 @@ class timeline_document {
     void begin_save();
     result<void> end_save();
     result<void> write_files(const timeline_snapshot& snapshot, const timeline_header& header,
-                             std::uint64_t through);
+                             std::uint64_t through, const save_companion& companion);
 
     const std::string folder_;
     run_loop& loop_;
@@ -96,6 +109,10 @@ class timeline_document {
     double first_unsaved_seconds_ = 0;
     run_loop::timer_id save_timer_ = 0;  // 0 = none
     std::shared_ptr<running_save> running_save_;
+    std::function<save_companion()> begin_companion_;
+    file_content_mark opened_file_;
+    file_content_mark written_file_;  // used on the save queue once opened
+    std::vector<std::pair<timeline_edit, timeline_edit>> recovered_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // for work that is posted to the loop
     std::unique_ptr<serial_queue> save_queue_;
 };

@@ -72,6 +72,55 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
     EXPECT_EQ(opened->timeline().header().linked_collection, opened->collection().uuid());
 }
 
+TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
+    std::string button;
+    const auto clip_count = [](open_event& opened) { return opened.timeline().timeline().clip_count(); };
+    {
+        const auto opened = open();
+        button = clip_button(*opened).uuid();
+        for (const double at : {5.0, 8.0, 11.0}) {
+            EXPECT_TRUE(opened->logger().press(button, at));
+            EXPECT_TRUE(opened->logger().release(button, at + 2));
+        }
+        EXPECT_TRUE(opened->undo().undo());
+    }
+    temporary_folder killed;
+    {
+        const auto opened = open();
+        EXPECT_EQ(clip_count(*opened), 2U);
+        EXPECT_TRUE(opened->undo().redo());
+        EXPECT_EQ(clip_count(*opened), 3U);
+        EXPECT_TRUE(opened->timeline().save_now());
+        EXPECT_TRUE(opened->logger().press(button, 14));
+        EXPECT_TRUE(opened->logger().release(button, 15));
+        fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+    }
+    fs::remove_all(vault);
+    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+    fs::remove(folder + "/chron data writer.plist");
+    const auto opened = open();
+    EXPECT_EQ(opened->recovered_edits(), 2U);
+    for (std::size_t left = 4; left > 0; --left) {
+        EXPECT_EQ(clip_count(*opened), left);
+        EXPECT_TRUE(opened->undo().can_undo());
+        EXPECT_TRUE(opened->undo().undo());
+    }
+    EXPECT_EQ(clip_count(*opened), 0U);
+    EXPECT_FALSE(opened->undo().can_undo());
+}
+
+TEST_F(event, the_history_of_another_file_is_not_used) {
+    {
+        const auto opened = open();
+        const std::string button = clip_button(*opened).uuid();
+        EXPECT_TRUE(opened->logger().press(button, 5));
+        EXPECT_TRUE(opened->logger().release(button, 7));
+    }
+    auto bytes = file_bytes(folder + "/chron data.plist");
+    put_file(folder + "/chron data.plist", bytes + "\n");
+    EXPECT_FALSE(open()->undo().can_undo());
+}
+
 TEST_F(event, closing_releases_what_is_down) {
     {
         const auto opened = open();
