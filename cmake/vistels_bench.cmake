@@ -2,6 +2,7 @@
 # bench/NAME.cpp -> program bench_NAME; bench/shell/NAME.cpp -> bench_shell_NAME.
 # A benchmark has its own main or BENCHMARK_MAIN(). The peers it compares with are
 # linked when they are installed and announced as VISTELS_HAVE_<PEER>.
+# What they share is bench/support, included as "support/NAME.h".
 
 find_package(benchmark REQUIRED)
 pkg_check_modules(vistels_mpv IMPORTED_TARGET mpv)
@@ -11,6 +12,7 @@ find_path(VISTELS_NLOHMANN_INCLUDE nlohmann/json.hpp)
 mark_as_advanced(VISTELS_NLOHMANN_INCLUDE)
 
 add_library(vistels_peers INTERFACE)
+target_include_directories(vistels_peers INTERFACE "${CMAKE_SOURCE_DIR}/bench")
 target_link_libraries(vistels_peers INTERFACE benchmark::benchmark)
 foreach(peer mpv plist sqlite)
     string(TOUPPER ${peer} peer_upper)

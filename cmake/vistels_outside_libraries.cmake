@@ -27,8 +27,8 @@ if(TARGET vistels_cli)
 endif()
 
 if(VISTELS_SHELL)
-    find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg)
-    vistels_link(shell Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Svg)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Svg)
+    vistels_link(shell Qt6::Core Qt6::DBus Qt6::Gui Qt6::Widgets Qt6::Svg)
     # util/signal.h has a member called emit.
     vistels_define(shell QT_NO_KEYWORDS)
     if(TARGET vistels_shell)

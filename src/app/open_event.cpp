@@ -21,6 +21,8 @@ namespace vistels {
 namespace {
 
 constexpr double tick_seconds = 1.0 / 60;
+// How far the clock of a timeline without a collection runs.
+constexpr double longest_event_seconds = 24 * 3600;
 
 void add_all(std::vector<std::string>& to, const std::vector<std::string>& from) {
     std::copy(from.begin(), from.end(), std::back_inserter(to));
@@ -35,6 +37,16 @@ bool has_movies(const video_collection_ROOT& collection) {
     const auto vistels = collection.vistels();
     return std::any_of(vistels.begin(), vistels.end(),
                        [](const auto& vistel) { return !vistel->parts().parts.empty(); });
+}
+
+// A collection whose record is gone, with copies of it left, is still a collection.
+bool is_timeline_alone(const std::string& folder) {
+    bool has_timeline = false;
+    for (const auto& name : names_in_folder(folder)) {
+        if (name.starts_with(collection_file_name)) return false;
+        has_timeline = has_timeline || name.starts_with(timeline_file_name);
+    }
+    return has_timeline;
 }
 
 }  // namespace
@@ -59,15 +71,15 @@ open_event::~open_event() {
 }
 
 result<void> open_event::load() {
-    auto loaded = load_collection(folder_, places_.local_vistels());
-    if (!loaded) return loaded.error();
-    collection_ = std::move(loaded.value().collection);
-    add_all(messages_, loaded.value().messages);
-    saved_record_ = record_of(collection_);
+    has_collection_ = !is_timeline_alone(folder_);
+    if (has_collection_) {
+        if (auto loaded = load_collection_record(); !loaded) return loaded;
+    }
     if (auto opened = open_timeline(); !opened) return opened;
-    link_records();
+    has_collection_ ? link_records() : name_timeline();
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
+    if (!has_collection_) playback_->set_least_range(start_seconds(), longest_event_seconds);
     feed_playback();
     playback_->seek(movie_time_to_restore());
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
@@ -76,6 +88,25 @@ result<void> open_event::load() {
     open_code_window();
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     open_undo();
+    return {};
+}
+
+result<void> open_event::load_collection_record() {
+    auto loaded = load_collection(folder_, places_.local_vistels());
+    if (!loaded) return loaded.error();
+    collection_ = std::move(loaded.value().collection);
+    add_all(messages_, loaded.value().messages);
+    saved_record_ = record_of(collection_);
+    return {};
+}
+
+result<void> open_event::try_to_write(bool take_over) {
+    if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
+    // What the other program saved meanwhile is not written over.
+    if (auto loaded = load_collection_record(); !loaded) return loaded;
+    link_records();
+    feed_playback();
+    collection_changed.emit();
     return {};
 }
 
@@ -95,8 +126,8 @@ result<void> open_event::open_timeline() {
 void open_event::open_undo() {
     const std::string uuid = timeline_->timeline().uuid();
     undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
-    undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
-    for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
+    take_up_history();
+    access_ = timeline_->access_changed.connect([this] { take_up_history(); });
     timeline_->set_save_companion([this, uuid] {
         return [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
             // Without it the steps before are not taken back after closing; the timeline is saved all the
@@ -104,6 +135,23 @@ void open_event::open_undo() {
             (void)save_undo_history(places, uuid, coming, earlier, history);
         };
     });
+}
+
+void open_event::take_up_history() {
+    const std::string uuid = timeline_->timeline().uuid();
+    undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
+    for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
+}
+
+void open_event::name_timeline() {
+    auto& header = timeline_->header();
+    if (header.uuid.empty()) header.uuid = timeline_->timeline().uuid();
+    if (header.name.empty()) header.name = path_name(folder_);
+}
+
+std::string open_event::name() const {
+    const std::string& name = has_collection_ ? collection_.name() : timeline_->header().name;
+    return name.empty() ? path_name(folder_) : name;
 }
 
 // Collection and timeline name each other; an older collection gets what it lacks.
@@ -124,9 +172,9 @@ void open_event::link_records() {
 // The later of the two records of the playhead: the collection's, or after a kill the timeline's.
 double open_event::movie_time_to_restore() const {
     const auto& header = timeline_->header();
+    if (!has_collection_) return header.cursor_seconds;
     const double saved = collection_.stored().number("seconds updated").value_or(0);
-    return header.kept.number("last saved").value_or(0) > saved ? header.cursor_seconds
-                                                                : collection_.movie_time();
+    return header.last_saved > saved ? header.cursor_seconds : collection_.movie_time();
 }
 
 void open_event::feed_playback() {
@@ -142,7 +190,9 @@ void open_event::feed_volume() {
 
 // A code window that cannot be read is not written over; a general one stands in for it.
 void open_event::open_code_window() {
-    const std::string logger_folder = logger_folder_of(folder_);
+    std::string logger_folder = logger_folder_of(folder_);
+    // A timeline's code window may lie beside it.
+    if (!has_collection_ && has_button_dict(folder_)) logger_folder = folder_;
     button_dict buttons;
     if (has_button_dict(logger_folder)) {
         auto loaded = load_button_dict(logger_folder);
@@ -150,6 +200,8 @@ void open_event::open_code_window() {
         buttons = loaded ? std::move(loaded).value() : general_code_window();
     } else {
         buttons = general_code_window();
+    }
+    if (has_collection_ && !has_button_dict(logger_folder)) {
         auto settings = load_logger_settings(logger_folder);
         settings.linked_timeline_uuid = timeline_->timeline().uuid();
         auto saved = save_button_dict(buttons, logger_folder);
@@ -172,10 +224,19 @@ void open_event::tick() {
 }
 
 double open_event::start_seconds() const {
+    if (!has_collection_) {
+        double first = 0;
+        for (const auto& row : timeline_->timeline().rows()) {
+            const auto& clips = row->clips();
+            if (clips.size() > 0) first = std::min(first, clips[0]->secs_start());
+        }
+        return first;
+    }
     return playback_->first_time();
 }
 
 double open_event::end_seconds() const {
+    if (!has_collection_) return std::max(timeline_->timeline().last_end(), playback_->collection_time());
     return playback_->last_time();
 }
 
@@ -228,6 +289,7 @@ std::string open_event::enlarged() const {
 }
 
 result<void> open_event::save_collection() {
+    if (!has_collection_) return {};
     if (timeline_->is_read_only()) {
         return failure{"\"" + path_join(folder_, collection_file_name) +
                        "\" was not saved: another program has the event open."};
@@ -239,12 +301,13 @@ result<void> open_event::save_collection() {
 }
 
 result<void> open_event::save_changed_collection() {
-    if (timeline_->is_read_only()) return {};
+    if (!has_collection_ || timeline_->is_read_only()) return {};
     collection_.set_movie_time(playback_->collection_time());
     return record_of(collection_) == saved_record_ ? result<void>() : save_collection();
 }
 
 result<void> open_event::save_all() {
+    if (timeline_->is_read_only()) return {};  // changes were refused, or are on record
     timeline_->header().cursor_seconds = playback_->collection_time();
     auto saved = timeline_->save_now();
     auto collection_saved = save_changed_collection();

@@ -20,13 +20,15 @@ class press_engine;
 class synchronised_playback;
 
 // One open collection with everything that belongs to it: its record, its timeline, its code window, the
-// playback of its vistels and the undo history of its timeline. Main thread.
+// playback of its vistels and the undo history of its timeline. A timeline that belongs to no collection
+// opens too: its event has no pictures, and a clock that runs on beyond its last clip. Main thread.
 class open_event {
   public:
     // Opens the collection in `folder`. A vistel or a code window that cannot be read does not keep the rest
     // from opening: it is told in messages(). A damaged collection record or timeline is an error that names
     // the file. A collection without a code window gets a general one. Playback stands at the stored movie
-    // time. `loop` must outlive the event.
+    // time. A timeline without a collection gets a general code window that is not saved. `loop` must outlive
+    // the event.
     static result<std::unique_ptr<open_event>> open(const std::string& folder, const home_places& places,
                                                     run_loop& loop);
     // Closes: releases the buttons that are down, saves the timeline and the movie time.
@@ -36,6 +38,10 @@ class open_event {
 
     const std::string& folder() const { return folder_; }
     const video_collection_ROOT& collection() const { return collection_; }
+    // False for a timeline that belongs to no collection.
+    bool has_collection() const { return has_collection_; }
+    // The collection's, or else the timeline's.
+    std::string name() const;
     timeline_document& timeline() { return *timeline_; }
     press_engine& logger() { return *logger_; }
     synchronised_playback& playback() { return *playback_; }
@@ -46,7 +52,8 @@ class open_event {
     // Edits that the journal brought back when the timeline was opened.
     std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
 
-    // Seconds on the collection's clock between which there is a picture of any vistel.
+    // Seconds on the collection's clock between which there is a picture of any vistel; without a collection,
+    // between which there are clips or the playhead stands.
     double start_seconds() const;
     double end_seconds() const;
 
@@ -58,6 +65,10 @@ class open_event {
     result<void> set_sound_vistel(const std::string& vistel);
     // From 0 to 1, below the application's volume; saved with the next change, or on closing.
     result<void> set_volume(double volume);
+    // Tries again to change an event that another program had open, see timeline_document::try_to_write().
+    // The collection record is read anew. On failure all is as it was.
+    result<void> try_to_write(bool take_over);
+
     // The enlarged vistel; an empty text: none. Saved with the next change, or on closing.
     void set_enlarged(const std::string& vistel);
     std::string enlarged() const;
@@ -73,9 +84,12 @@ class open_event {
   private:
     open_event(std::string folder, home_places places, run_loop& loop);
     result<void> load();
+    result<void> load_collection_record();
     result<void> open_timeline();
     void open_undo();
+    void take_up_history();
     void open_code_window();
+    void name_timeline();
     void link_records();
     void feed_playback();
     void feed_volume();
@@ -88,6 +102,7 @@ class open_event {
     const home_places places_;
     run_loop& loop_;
     video_collection_ROOT collection_;
+    bool has_collection_ = true;
     property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
     std::unique_ptr<timeline_document> timeline_;
@@ -96,6 +111,7 @@ class open_event {
     std::unique_ptr<undo_stack> undo_;
     std::optional<run_loop::timer_id> tick_timer_;
     connection edited_;
+    connection access_;
     connection fired_;
 };
 

@@ -71,10 +71,12 @@ home_places find_home_places(const std::string& home) {
     const std::string chosen = home.empty() ? environment("VISTELS_HOME") : home;
     if (!chosen.empty()) {
         const std::string folder = absolute_path(chosen);
-        return {path_join(folder, home_vault_name), path_join(folder, state_folder_name)};
+        return {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
+                path_join(folder, "Trash")};
     }
-    const std::string data = path_join(folder_from("XDG_DATA_HOME", ".local/share"), "vistels");
-    return {path_join(documents_folder(), home_vault_name), path_join(data, state_folder_name)};
+    const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
+    return {path_join(documents_folder(), home_vault_name),
+            path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash")};
 }
 
 }  // namespace vistels

@@ -9,14 +9,15 @@ namespace vistels {
 struct home_places {
     std::string home_vault;    // ".../Home Vault.VVault"
     std::string state_folder;  // ".../Home Folder.VVault", also the folder of the settings
+    std::string trash = {};    // the user's trash; empty: that of each volume
 
     // Data of vistels that is kept on this machine only.
     std::string local_vistels() const;
 };
 
-// Both folders lie in `home` when it is not empty, else in the folder that VISTELS_HOME names, else the vault
+// All lie in `home` when it is not empty, else in the folder that VISTELS_HOME names, else the vault
 // in the user's documents folder and the state in the user's data folder ("$XDG_DATA_HOME/vistels",
-// "~/.local/share/vistels"). Nothing is made.
+// "~/.local/share/vistels"), beside which the desktop's trash lies. Nothing is made.
 home_places find_home_places(const std::string& home = {});
 
 // The path from the root, without "." and "..", and without a slash at its end. Nothing is looked up.

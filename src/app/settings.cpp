@@ -5,41 +5,30 @@
 #include <cmath>
 #include <optional>
 
-#include "util/file_system.h"
-#include "util/property_list.h"
-#include "util/safe_write.h"
+#include "app/known_vaults.h"
+#include "app/vault_preferences.h"
 
 namespace vistels {
 
 namespace {
 
-// Where a setting is stored: a file of its own in a folder of the state folder.
+// Where a setting is stored: the one key of a file of its own.
 struct setting_place {
-    const char* folder;  // may be empty
-    const char* file;
+    settings_file file;
     const char* key;
 };
 
-constexpr setting_place top_speed_place{"Playback", "playback top speed.plist", "playback top speed"};
-constexpr setting_place pitch_place{"Collection", "pitch algorithm.plist", "pitch algorithm"};
-constexpr setting_place volume_place{"", "application volume.plist", "application volume"};
-constexpr setting_place operator_place{"Formulas", "default formula operator.plist",
+constexpr setting_place top_speed_place{{"Playback", "playback top speed.plist"}, "playback top speed"};
+constexpr setting_place pitch_place{{"Collection", "pitch algorithm.plist"}, "pitch algorithm"};
+constexpr setting_place volume_place{{"", "application volume.plist"}, "application volume"};
+constexpr setting_place operator_place{{"Formulas", "default formula operator.plist"},
                                        "default formula operator"};
-constexpr setting_place free_space_place{"Vault preferences",
-                                         "minimum free space for vault for warning.plist",
-                                         "minimum vault free space percent (valid range 1-99, default 10)"};
-constexpr setting_place focus_vault_place{"Vault preferences", "focus vault.plist", "path of focus vault"};
 
 constexpr double largest_rate = 64;
 constexpr double fastest_rewind = -8;
-constexpr int default_free_space_percent = 10;
-
-std::string folder_of(const home_places& places, const setting_place& place) {
-    return *place.folder ? path_join(places.state_folder, place.folder) : places.state_folder;
-}
 
 property_value load(const home_places& places, const setting_place& place) {
-    const auto stored = read_dictionary_or_empty(path_join(folder_of(places, place), place.file));
+    const auto stored = read_settings(places, place.file);
     const auto* value = stored.find(place.key);
     return value ? *value : property_value();
 }
@@ -55,11 +44,9 @@ std::string load_text(const home_places& places, const setting_place& place) {
 }
 
 result<void> save(const home_places& places, const setting_place& place, property_value value) {
-    const std::string folder = folder_of(places, place);
-    if (auto made = make_folders(folder); !made) return made;
     property_dictionary stored;
     stored.add(place.key, std::move(value));
-    return safe_write(path_join(folder, place.file), stored);
+    return write_settings(places, place.file, stored);
 }
 
 struct operator_word {
@@ -119,21 +106,10 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
     return failure{std::string("\"") + symbol + "\" is no operator of formulas."};
 }
 
-int load_minimum_free_space_percent(const home_places& places) {
-    const auto percent = load(places, free_space_place).integer().value_or(default_free_space_percent);
-    return percent >= 1 && percent <= 99 ? static_cast<int>(percent) : default_free_space_percent;
-}
-
-result<void> save_minimum_free_space_percent(const home_places& places, int percent) {
-    return save(places, free_space_place, std::clamp(percent, 1, 99));
-}
-
-std::string load_focus_vault(const home_places& places) {
-    return load_text(places, focus_vault_place);
-}
-
-result<void> save_focus_vault(const home_places& places, const std::string& vault) {
-    return save(places, focus_vault_place, vault);
+const std::vector<settings_file>& application_settings_files() {
+    static const std::vector<settings_file> files{top_speed_place.file, pitch_place.file, volume_place.file,
+                                                  operator_place.file};
+    return files;
 }
 
 property_dictionary settings_in_force(const home_places& places) {
@@ -142,8 +118,15 @@ property_dictionary settings_in_force(const home_places& places) {
     all.add("pitch algorithm", pitch_algorithm_text(load_pitch_algorithm(places)));
     all.add("application volume", load_application_volume(places));
     all.add("default formula operator", std::string(1, load_default_formula_operator(places)));
-    all.add("minimum vault free space percent", load_minimum_free_space_percent(places));
-    all.add("path of focus vault", load_focus_vault(places));
+    all.add("minimum vault free space percent", load_minimum_free_space(places).percent);
+    all.add("show unavailable vaults", load_show_unavailable_vaults(places).shown);
+    all.add("path of focus vault", focus_vault_of(places).path);
+    all.add("set focus to new vault", load_set_focus_to_new_vault(places).set);
+    const auto new_vault = load_create_new_vault_settings(places);
+    all.add("parent folder of new vaults", new_vault.parent_folder);
+    property_array vaults;
+    for (auto& vault : known_vaults(places)) vaults.emplace_back(std::move(vault));
+    all.add("vaults", std::move(vaults));
     return all;
 }
 

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/places.h"
+#include "app/settings_file.h"
 #include "util/property_value.h"
 #include "util/result.h"
 
@@ -30,15 +32,10 @@ result<void> save_application_volume(const home_places& places, double volume);
 char load_default_formula_operator(const home_places& places);
 result<void> save_default_formula_operator(const home_places& places, char symbol);
 
-// Below this share of free space a vault's volume is shown as nearly full; 1 to 99, any other value is 10.
-int load_minimum_free_space_percent(const home_places& places);
-result<void> save_minimum_free_space_percent(const home_places& places, int percent);
+// All files above.
+const std::vector<settings_file>& application_settings_files();
 
-// The vault into which new items are saved; empty: the home vault.
-std::string load_focus_vault(const home_places& places);
-result<void> save_focus_vault(const home_places& places, const std::string& vault);
-
-// All settings in force, by their stored keys.
+// All settings in force, those of the vaults too, by the keys under which `settings show` prints them.
 property_dictionary settings_in_force(const home_places& places);
 
 }  // namespace vistels

@@ -1,42 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/start_up.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <filesystem>
-#include <optional>
+#include <iterator>
+#include <memory>
+#include <utility>
 
+#include "app/settings.h"
+#include "app/vault_preferences.h"
 #include "app/vaults.h"
 #include "timeline/writer_lock.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
+#include "util/text_forms.h"
 #include "util/uuid.h"
 
 namespace vistels {
 
 namespace {
 
-constexpr int deepest_folder = 64;
+constexpr const char* home_information_name = "home vault information.plist";
+constexpr const char* home_id_key = "ID for this file:";
+constexpr const char* home_date_key = "home vault creation date:";
 
-std::string state_path(const home_places& places, const char* folder, const char* file) {
-    return path_join(*folder ? path_join(places.state_folder, folder) : places.state_folder, file);
-}
-std::string windows_path(const home_places& places) {
-    return state_path(places, "Windows", "windows open.plist");
-}
-std::string run_path(const home_places& places) {
-    return state_path(places, "", "correctly terminated.plist");
-}
-std::string last_build_path(const home_places& places) {
-    return state_path(places, "System", "last build used.plist");
-}
-
-result<void> write_state(const std::string& path, const property_dictionary& stored) {
-    if (auto made = make_folders(path_folder(path)); !made) return made;
-    return safe_write(path, stored);
+void add_all(std::vector<std::string>& to, std::vector<std::string> from) {
+    std::move(from.begin(), from.end(), std::back_inserter(to));
 }
 
 // Tells what goes wrong without ending the start.
@@ -44,157 +33,143 @@ void tell(start_up_report& report, const result<void>& done) {
     if (!done) report.messages.push_back(done.message());
 }
 
-result<void> make_places(const home_places& places) {
-    for (const auto& folder : {places.home_vault, places.state_folder}) {
+result<void> make_places(const home_places& places, start_up_report& report) {
+    for (const auto& folder : {places.state_folder, places.home_vault}) {
         if (auto made = make_folders(folder); !made) return made;
     }
     for (const char* folder : {"Windows", "System", "Inspector", "Vault preferences"}) {
-        if (auto made = make_folders(path_join(places.state_folder, folder)); !made) return made;
+        tell(report, make_folders(path_join(places.state_folder, folder)));
     }
     return {};
 }
 
-result<void> identify_home_vault(const home_places& places) {
-    if (is_home_vault(places.home_vault)) return {};
+// A home vault whose information is damaged keeps it aside and gets a new one: it stays the home vault.
+result<void> identify_home_vault(const home_places& places, start_up_report& report) {
+    const std::string path = path_join(places.home_vault, home_information_name);
+    if (file_exists(path)) {
+        const auto stored = read_property_list_file(path);
+        const auto* information = stored ? stored.value().dictionary() : nullptr;
+        if (information && !information->text_or_empty(home_id_key).empty()) return {};
+        const std::string kept = damaged_name(path);
+        if (const int fault = machine_files().rename(path, kept)) {
+            return file_failure(path, "is damaged and could not be set aside", fault);
+        }
+        report.messages.push_back("\"" + path + "\" was damaged and is kept as \"" + path_name(kept) +
+                                  "\"; the home vault has a new identity.");
+    }
     property_dictionary stored;
-    stored.add("ID for this file:", new_uuid());
-    stored.add("home vault creation date:", property_date{seconds_since_1970()});
-    return safe_write(path_join(places.home_vault, "home vault information.plist"), stored);
+    stored.add(home_id_key, new_uuid());
+    stored.add(home_date_key, property_date{seconds_since_1970()});
+    return safe_write(path, stored);
 }
 
-bool holds_copies(const std::vector<std::string>& names) {
-    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
-        return name.find(temporary_mark) != std::string::npos ||
-               name.find(previous_mark) != std::string::npos;
-    });
+void mend_folder(const std::string& folder, start_up_report& report) {
+    auto mended = recover_folder(folder);
+    add_all(report.recovered, std::move(mended.recovered));
+    add_all(report.messages, std::move(mended.messages));
 }
 
-// Another program has the timeline there open; its copies are its own.
-bool is_being_written(const std::string& folder, const std::vector<std::string>& names) {
-    const bool has_writer = std::any_of(names.begin(), names.end(), [](const std::string& name) {
-        return name.starts_with("chron data writer");
-    });
-    return has_writer && !writer_lock::take(folder);
-}
-
-void mend_folders(const std::string& folder, int depth, start_up_report& report) {
-    const auto names = names_in_folder(folder);
-    if (holds_copies(names) && !is_being_written(folder, names)) {
-        auto mended = recover_folder(folder);
-        std::move(mended.recovered.begin(), mended.recovered.end(), std::back_inserter(report.recovered));
-        std::move(mended.messages.begin(), mended.messages.end(), std::back_inserter(report.messages));
+// Mends the torn files that were seen; where another program has the timeline open its copies are its own.
+// True when a file was put back, which is to be seen too.
+bool mend(const vault_tree& tree, start_up_report& report) {
+    const std::size_t before = report.recovered.size();
+    for (const auto& [folder, has_writer] : tree.folders_with_copies()) {
+        std::unique_ptr<writer_lock> lock;
+        if (has_writer) {
+            auto taken = writer_lock::take(folder);
+            if (!taken) continue;
+            lock = std::move(taken).value();
+        }
+        mend_folder(folder, report);
     }
-    if (depth >= deepest_folder) return;
-    for (const auto& name : names) {
-        const std::string path = path_join(folder, name);
-        std::error_code ignored;
-        if (!is_folder(path) || std::filesystem::is_symlink(path, ignored)) continue;
-        mend_folders(path, depth + 1, report);
+    return report.recovered.size() > before;
+}
+
+void mend_state_folder(const home_places& places, start_up_report& report) {
+    vault_tree tree(places.state_folder);
+    if (const auto looked = tree.look(); !looked) return tell(report, looked.error());
+    mend(tree, report);
+    std::vector<settings_file> files = vault_preference_files();
+    const auto& others = application_settings_files();
+    files.insert(files.end(), others.begin(), others.end());
+    for (const auto& file :
+         {windows_open_file, correctly_terminated_file, last_build_file, build_number_file}) {
+        files.push_back(file);
+    }
+    add_all(report.messages, set_damaged_settings_aside(places, files));
+}
+
+void tell_problems(const vault_tree& tree, start_up_report& report) {
+    constexpr std::size_t most_told = 3;
+    auto problems = tree.content().problems;
+    const std::size_t untold = problems.size() > most_told ? problems.size() - most_told : 0;
+    problems.resize(problems.size() - untold);
+    add_all(report.messages, std::move(problems));
+    if (untold == 0) return;
+    report.messages.push_back("\"" + tree.vault() + "\" holds " + std::to_string(untold) +
+                              " more folders that cannot be looked into.");
+}
+
+void mend_vaults(const home_places& places, start_up_report& report) {
+    for (const auto& vault : known_vaults(places)) {
+        vault_tree tree(vault);
+        if (!tree.look()) continue;  // its volume is away
+        if (mend(tree, report)) (void)tree.look();
+        tell_problems(tree, report);
+        report.trees.push_back(std::move(tree));
     }
 }
 
-// "last build" keeps the number of the build that ran last, whichever is older.
-void check_build(const home_places& places, double build, start_up_report& report) {
-    const std::string path = last_build_path(places);
-    auto stored = read_dictionary_or_empty(path);
-    if (const auto last = stored.number("last build")) {
-        const auto message = build_message(build, *last);
-        if (!message.empty()) report.messages.push_back(message);
+std::string told_of_unclean_end(const run_record::last_run& last, const std::vector<std::string>& recovered) {
+    std::string text = "Vistels was not quit properly the last time";
+    if (last.loaded_at) text += " (it was started " + date_text(*last.loaded_at) + ")";
+    text += ".\r\r";
+    if (recovered.empty()) {
+        return text +
+               "No file was damaged. Changes of a timeline that were not saved are brought back when it "
+               "is opened.";
     }
-    stored.set("last build", build);
-    tell(report, write_state(path, stored));
+    text += "These files were put back whole:";
+    for (const auto& path : recovered) text += "\r" + path;
+    return text;
 }
 
-// A time as a number of seconds or as a date.
-std::optional<double> stored_time(const property_dictionary& stored, const char* key) {
-    if (const auto* value = stored.find(key)) {
-        if (value->date()) return value->date()->seconds;
-        return value->number();
-    }
-    return std::nullopt;
-}
-
-void note_run(const home_places& places, start_up_report& report) {
-    auto stored = read_dictionary_or_empty(run_path(places));
-    const auto loaded = stored_time(stored, "loaded at");
-    const auto ended = stored_time(stored, "terminated correctly at");
-    report.ended_well_before = !loaded || (ended && *ended >= *loaded);
-    stored.set("loaded at", seconds_since_1970());
-    tell(report, write_state(run_path(places), stored));
-}
-
-// At most five decimals, without zeros at the end.
-std::string build_text(double build) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.5f", std::isfinite(build) && std::abs(build) < 1e15 ? build : 0.0);
-    std::string shown = text;
-    shown.erase(shown.find_last_not_of('0') + 1);
-    if (shown.ends_with('.')) shown.pop_back();
-    return shown;
+void note_build(const home_places& places, double build, start_up_report& report) {
+    const auto checked = check_build(places, build);
+    const std::string& message = checked ? checked.value() : checked.message();
+    if (!message.empty()) report.messages.push_back(message);
+    tell(report, note_build_in_use(places, build));
 }
 
 }  // namespace
 
 result<start_up_report> start_up(const home_places& places, double build, double running_seconds) {
-    if (auto made = make_places(places); !made) return made.error();
     start_up_report report;
+    if (auto made = make_places(places, report); !made) return made.error();
+    report.run = std::make_shared<run_record>(places);
     report.cleaned = clean_up_strays(path_join(places.state_folder, "Inspector"), running_seconds);
-    mend_folders(places.state_folder, 0, report);
-    for (const auto& vault : known_vaults(places)) mend_folders(vault, 0, report);
-    tell(report, identify_home_vault(places));
-    check_build(places, build, report);
-    note_run(places, report);
+    if (report.run->is_alone()) mend_state_folder(places, report);
+    mend_folder(places.home_vault, report);  // its identity may be in a copy
+    tell(report, identify_home_vault(places, report));
+    mend_vaults(places, report);
+    result<void> noted;
+    const auto last = report.run->begin(noted);
+    tell(report, noted);
+    report.ended_well_before = last.ended_well;
+    report.uuid_last_focus = last.uuid_last_focus;
+    if (!last.ended_well) {
+        report.messages.insert(report.messages.begin(), told_of_unclean_end(last, report.recovered));
+    }
+    note_build(places, build, report);
+    if (auto focus = focus_vault_of(places); !focus.message.empty()) {
+        report.messages.push_back(std::move(focus.message));
+    }
     report.windows = load_open_windows(places);
     return report;
 }
 
-result<void> note_clean_quit(const home_places& places, const std::string& uuid_last_focus) {
-    auto stored = read_dictionary_or_empty(run_path(places));
-    stored.set("terminated correctly at", seconds_since_1970());
-    if (!uuid_last_focus.empty()) stored.set("uuid last focus 2", uuid_last_focus);
-    return write_state(run_path(places), stored);
-}
-
-std::vector<open_window> load_open_windows(const home_places& places) {
-    std::vector<open_window> windows;
-    const auto stored = read_dictionary_or_empty(windows_path(places));
-    if (const auto* all = stored.array("open windows")) {
-        for (const auto& value : *all) {
-            const auto* window = value.dictionary();
-            if (!window) continue;
-            windows.push_back({window->text_or_empty("root ID"), window->text_or_empty("name"),
-                               window->integer("order").value_or(0),
-                               window->text_or_empty("open_from_path")});
-        }
-    }
-    std::stable_sort(windows.begin(), windows.end(),
-                     [](const auto& a, const auto& b) { return a.order < b.order; });
-    return windows;
-}
-
-result<void> save_open_windows(const home_places& places, const std::vector<open_window>& windows) {
-    property_array all;
-    property_array order;
-    for (const auto& window : windows) {
-        property_dictionary stored;
-        stored.add("root ID", window.root_id);
-        if (!window.name.empty()) stored.add("name", window.name);
-        stored.add("order", window.order);
-        stored.add("open_from_path", window.open_from_path);
-        all.emplace_back(std::move(stored));
-        order.emplace_back(window.root_id);
-    }
-    property_dictionary stored;
-    stored.add("open windows", std::move(all));
-    stored.add("window_order_on_save", std::move(order));
-    return write_state(windows_path(places), stored);
-}
-
-std::string build_message(double running_build, double last_build) {
-    if (!(running_build < last_build)) return {};
-    return "This version of Vistels is an older build than the previous version that was used.\r\r"
-           "Build number of this version  " +
-           build_text(running_build) + ".\rPrevious build number used  " + build_text(last_build) + ".";
+result<void> note_clean_quit(const start_up_report& report, const std::string& uuid_last_focus) {
+    return report.run ? report.run->end(uuid_last_focus) : result<void>();
 }
 
 }  // namespace vistels

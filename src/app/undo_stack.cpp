@@ -102,8 +102,8 @@ class follower {
     }
 
     bool check(const operation::insert_row& one) {
-        if (has_row(one.row.uuid())) return false;
-        come_rows_.insert(one.row.uuid().str());
+        if (has_row(one.row->uuid())) return false;
+        come_rows_.insert(one.row->uuid().str());
         return true;
     }
     bool check(const operation::remove_row& one) {
@@ -114,8 +114,10 @@ class follower {
     }
     bool check(const operation::move_row& one) { return has_row(one.row); }
     bool check(const operation::change_row& one) { return has_row(one.row); }
-    bool check(const operation::insert_clip& one) { return add(one.clip.id(), one.row); }
-    bool check(const operation::begin_clip& one) { return add(one.clip.id(), one.row); }
+    bool check(const operation::add_tombstones& one) { return has_row(one.row); }
+    bool check(const operation::remove_tombstones& one) { return has_row(one.row); }
+    bool check(const operation::insert_clip& one) { return add(one.clip->id(), one.row); }
+    bool check(const operation::begin_clip& one) { return add(one.clip->id(), one.row); }
     bool check(const operation::remove_clip& one) {
         if (!has_clip(one.clip)) return false;
         come_.erase(one.clip);
@@ -210,7 +212,7 @@ void undo_stack::take(const timeline_edit& edit, const timeline_edit& inverse) {
 void undo_stack::take_growing(const timeline_edit& edit, const timeline_edit& inverse) {
     std::set<std::string> growing;
     for (const auto& any : edit.operations) {
-        if (const auto* begin = std::get_if<operation::begin_clip>(&any)) growing.insert(begin->clip.id());
+        if (const auto* begin = std::get_if<operation::begin_clip>(&any)) growing.insert(begin->clip->id());
     }
     operations rest;
     for (const auto& any : inverse.operations) {

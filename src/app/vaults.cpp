@@ -2,193 +2,181 @@
 #include "app/vaults.h"
 
 #include <sys/stat.h>
-#include <sys/statvfs.h>
+#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <set>
+#include <string_view>
 
-#include "util/file_system.h"
-#include "util/property_list.h"
-#include "util/safe_write.h"
+#include "app/trash.h"
+#include "app/vault_lock.h"
+#include "app/vault_messages.h"
+#include "app/vault_preferences.h"
+#include "timeline/writer_lock.h"
+#include "util/text_forms.h"
 #include "util/uuid.h"
 
 namespace vistels {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr int deepest_folder = 64;
-
-std::string known_vaults_path(const home_places& places) {
-    return path_join(path_join(places.state_folder, "Vault preferences"), "vaults.plist");
+failure no_folder(const std::string& reason) {
+    return failure{std::string(no_folder_message) + " " + reason};
 }
 
-bool is_link(const std::string& path) {
-    std::error_code ignored;
-    return fs::is_symlink(path, ignored);
+failure no_folder(const std::string& path, int fault) {
+    return no_folder(file_failure(path, "could not be made", fault).message);
 }
 
-void scan_folder(const std::string& folder, int depth, vault_content& found) {
-    if (depth > deepest_folder) return;
-    const auto names = names_in_folder(folder);
-    for (std::size_t index = 0; index < item_kinds().size(); ++index) {
-        const auto& kind = item_kinds()[index];
-        if (std::find(names.begin(), names.end(), kind.marker_file) == names.end()) continue;
-        ++found.counts[index];
-        found.items.push_back({path_name(folder), folder, kind.kind});
+failure in_the_way(const std::string& vault) {
+    return failure{about_vault(vault_exists_message, vault) + " It is \"" + vault + "\"."};
+}
+
+std::string trimmed(std::string_view name) {
+    constexpr std::string_view white_space = " \t\n\r\f\v";
+    const auto first = name.find_first_not_of(white_space);
+    if (first == name.npos) return {};
+    return std::string(name.substr(first, name.find_last_not_of(white_space) + 1 - first));
+}
+
+bool is_there(const std::string& path) {
+    struct stat state {};
+    return ::lstat(path.c_str(), &state) == 0;
+}
+
+// The longest name in bytes on the volume of a folder that may not be made yet.
+std::size_t longest_name_in(std::string folder) {
+    constexpr std::size_t usual = 255;
+    while (!is_there(folder) && folder != "/" && folder != ".") folder = path_folder(folder);
+    const long longest = ::pathconf(folder.c_str(), _PC_NAME_MAX);
+    return longest > 0 ? static_cast<std::size_t>(longest) : usual;
+}
+
+// A timeline in it that is open in another program or in this one; empty when there is none.
+result<std::string> timeline_in_use(const std::string& vault) {
+    vault_tree tree(vault);
+    const auto looked = tree.look();
+    if (!looked) return looked.error();
+    for (const auto& folder : tree.folders_with_writer()) {
+        if (!writer_lock::take(folder)) return folder;
     }
-    for (const auto& name : names) {
-        const std::string path = path_join(folder, name);
-        if (name.starts_with('.') || name.ends_with(vault_ending) || !is_folder(path) || is_link(path))
-            continue;
-        scan_folder(path, depth + 1, found);
+    return std::string();
+}
+
+result<void> check_replaceable(const home_places& places, const std::string& vault) {
+    struct stat state {};
+    if (::lstat(vault.c_str(), &state) == 0 && S_ISLNK(state.st_mode)) {
+        return failure{"\"" + vault + "\" is a symbolic link and cannot be replaced."};
     }
-}
-
-// The vaults that the user added, as stored.
-std::vector<std::string> added_vaults(const home_places& places) {
-    std::vector<std::string> vaults;
-    const auto stored = read_dictionary_or_empty(known_vaults_path(places));
-    if (const auto* paths = stored.array("vaults")) {
-        for (const auto& path : *paths) {
-            if (path.text() && !path.text()->empty()) vaults.push_back(*path.text());
-        }
+    if (is_home_vault(vault) || is_same_folder(vault, places.home_vault)) {
+        return failure{"\"" + vault + "\" is the home vault and cannot be replaced."};
     }
-    return vaults;
-}
-
-result<void> save_added_vaults(const home_places& places, const std::vector<std::string>& vaults) {
-    const std::string path = known_vaults_path(places);
-    if (auto made = make_folders(path_folder(path)); !made) return made;
-    property_array paths;
-    for (const auto& vault : vaults) paths.emplace_back(vault);
-    property_dictionary stored;
-    stored.add("vaults", std::move(paths));
-    return safe_write(path, stored);
-}
-
-failure no_folder(const std::string& path, int error_number) {
-    return failure{"Could not create folder. " +
-                   file_failure(path, "could not be made", error_number).message};
-}
-
-// Puts a new folder in the place of the vault, and only then deletes what was there.
-result<void> replace_vault(const std::string& vault) {
-    if (is_home_vault(vault)) return failure{"\"" + vault + "\" is the home vault and cannot be replaced."};
-    const std::string aside = path_join(path_folder(vault), ".replaced " + new_uuid());
-    auto& files = machine_files();
-    if (const int fault = files.rename(vault, aside)) return no_folder(vault, fault);
-    if (const int fault = files.make_folder(vault)) {
-        files.rename(aside, vault);
-        return no_folder(vault, fault);
+    if (is_same_folder(vault, places.state_folder)) {
+        return failure{"\"" + vault + "\" holds the application's own state and cannot be replaced."};
     }
-    std::error_code fault;
-    fs::remove_all(aside, fault);
-    if (fault) return file_failure(aside, "could not be deleted", fault.value());
-    return {};
+    if (!is_folder(vault)) return {};
+    const auto used = timeline_in_use(vault);
+    if (!used) return used.error();
+    if (used.value().empty()) return {};
+    return failure{about_vault(vault_is_being_modified_message, vault) + " The timeline in \"" +
+                   used.value() + "\" is open."};
+}
+
+// Puts the folder `made` in the place of the vault.
+result<void> put_in_place(const std::string& made, const std::string& vault, const std::string& home_trash,
+                          file_system& files) {
+    std::unique_ptr<vault_lock> lock;
+    if (is_folder(vault)) {
+        auto taken = vault_lock::take(vault);
+        if (!taken) return taken.error();
+        lock = std::move(taken).value();
+    }
+    const auto old = move_to_trash(vault, home_trash, files);
+    if (!old) return old.error();
+    const int fault = files.rename(made, vault);
+    if (fault == 0) {
+        files.sync_folder(path_folder(vault));
+        return {};
+    }
+    const auto restored = restore_from_trash(old.value(), vault, files);
+    return failure{no_folder(vault, fault).message + (restored ? "" : " " + restored.message())};
 }
 
 }  // namespace
-
-const std::array<item_kind_names, 6>& item_kinds() {
-    static const std::array<item_kind_names, 6> kinds{{
-        {item_kind::collection, "video group.plist", "number of collections", "collection"},
-        {item_kind::timeline, "chron data.plist", "number of timelines", "timeline"},
-        {item_kind::composer, "composer info.plist", "number of composers", "composer"},
-        {item_kind::markup, "logger.plist", "number of markups", "markup"},
-        {item_kind::table, "Table.plist", "number of tables", "table"},
-        {item_kind::matrix, "Matrix.plist", "number of matrices", "matrix"},
-    }};
-    return kinds;
-}
-
-result<vault_content> scan_vault(const std::string& vault) {
-    const std::string folder = absolute_path(vault);
-    if (!is_folder(folder)) return failure{"\"" + vault + "\" is missing or is no folder."};
-    vault_content found;
-    scan_folder(folder, 0, found);
-    return found;
-}
-
-result<std::string> create_vault(const std::string& parent, const std::string& name, bool replace) {
-    const bool has_ending =
-        name.size() > std::string_view(vault_ending).size() && name.ends_with(vault_ending);
-    const std::string bare =
-        has_ending ? name.substr(0, name.size() - std::string_view(vault_ending).size()) : name;
-    if (bare.empty() || bare.find('/') != std::string::npos) {
-        return failure{"Could not create folder. \"" + name + "\" is no name for a vault."};
-    }
-    const std::string vault = path_join(absolute_path(parent), bare + vault_ending);
-    if (!file_exists(vault)) {
-        if (auto made = make_folders(path_folder(vault)); !made) {
-            return failure{"Could not create folder. " + made.message()};
-        }
-        if (const int fault = machine_files().make_folder(vault)) return no_folder(vault, fault);
-        return vault;
-    }
-    if (!replace) return failure{"Vault '" + bare + "' already exists. It is \"" + vault + "\"."};
-    if (auto replaced = replace_vault(vault); !replaced) return replaced.error();
-    return vault;
-}
 
 bool is_home_vault(const std::string& folder) {
     return path_name(folder).ends_with(vault_ending) &&
            file_exists(path_join(folder, "home vault information.plist"));
 }
 
-std::vector<std::string> known_vaults(const home_places& places) {
-    std::vector<std::string> vaults{places.home_vault};
-    for (auto& vault : added_vaults(places)) {
-        if (std::find(vaults.begin(), vaults.end(), vault) == vaults.end())
-            vaults.push_back(std::move(vault));
+result<std::string> new_vault_path(const std::string& parent, const std::string& name) {
+    std::string bare = trimmed(name);
+    if (bare.ends_with(vault_ending)) {
+        bare = trimmed(std::string_view(bare).substr(0, bare.size() - std::string_view(vault_ending).size()));
     }
-    return vaults;
-}
-
-result<void> add_known_vault(const home_places& places, const std::string& vault) {
-    const std::string path = absolute_path(vault);
-    auto vaults = added_vaults(places);
-    if (path == places.home_vault || std::find(vaults.begin(), vaults.end(), path) != vaults.end()) return {};
-    vaults.push_back(path);
-    return save_added_vaults(places, vaults);
-}
-
-result<void> remove_known_vault(const home_places& places, const std::string& vault) {
-    auto vaults = added_vaults(places);
-    if (std::erase(vaults, absolute_path(vault)) == 0) return {};
-    return save_added_vaults(places, vaults);
-}
-
-std::vector<files_Items_Master_list_ITEM_DATA> files_MASTER_LIST(const std::vector<std::string>& vaults,
-                                                                 std::vector<std::string>& messages) {
-    std::vector<files_Items_Master_list_ITEM_DATA> all;
-    std::set<std::pair<std::string, item_kind>> met;
-    for (const auto& vault : vaults) {
-        const auto content = scan_vault(vault);
-        if (!content) continue;  // its volume is away
-        for (const auto& item : content.value().items) {
-            std::error_code ignored;
-            const std::string real = fs::weakly_canonical(item.full_file_path, ignored).string();
-            if (met.emplace(real, item.kind).second) {
-                all.push_back(item);
-            } else {
-                messages.push_back("duplicate found 🥁🥁🥁 " + item.full_file_path);
-            }
-        }
+    if (bare.empty()) return no_folder("A vault needs a name.");
+    if (bare.find('/') != bare.npos) {
+        return no_folder("\"" + bare + "\" is no name for a vault: it holds \"/\".");
     }
-    return all;
+    bool is_text = is_valid_text(bare);
+    for (const char one : bare) is_text = is_text && (static_cast<unsigned char>(one) >= ' ' && one != 127);
+    if (!is_text) {
+        return no_folder("\"" + bare + "\" is no name for a vault: it holds characters that are no text.");
+    }
+    const std::string folder = absolute_path(parent);
+    const std::string file_name = bare + vault_ending;
+    if (const auto longest = longest_name_in(folder); file_name.size() > longest) {
+        return no_folder("\"" + file_name + "\" is too long for a name: it has " +
+                         std::to_string(file_name.size()) + " bytes, and in \"" + folder +
+                         "\" there is room for " + std::to_string(longest) + ".");
+    }
+    return path_join(folder, file_name);
 }
 
-result<volume_space> space_of(const std::string& path) {
-    struct statvfs volume {};
-    if (::statvfs(path.c_str(), &volume) != 0)
-        return file_failure(path, "cannot be asked for its space", errno);
-    const auto block = static_cast<double>(volume.f_frsize);
-    return volume_space{static_cast<double>(volume.f_bavail) * block,
-                        static_cast<double>(volume.f_blocks) * block};
+result<std::string> create_vault(const std::string& parent, const std::string& name, file_system& files) {
+    auto vault = new_vault_path(parent, name);
+    if (!vault) return vault;
+    const std::string& path = vault.value();
+    if (is_there(path)) return in_the_way(path);
+    if (auto made = make_folders(path_folder(path), files); !made) return no_folder(made.message());
+    const int fault = files.make_folder(path);
+    if (fault == EEXIST) return in_the_way(path);
+    if (fault != 0) return no_folder(path, fault);
+    return vault;
+}
+
+result<std::string> replace_vault(const home_places& places, const std::string& parent,
+                                  const std::string& name, file_system& files) {
+    auto vault = new_vault_path(parent, name);
+    if (!vault) return vault;
+    const std::string& path = vault.value();
+    if (!is_there(path)) return create_vault(parent, name, files);
+    if (auto checked = check_replaceable(places, path); !checked) return checked.error();
+    // Made first, so that a full volume is found out before the old vault is moved.
+    const std::string made = path_join(path_folder(path), ".making " + new_uuid());
+    if (const int fault = files.make_folder(made)) return no_folder(path, fault);
+    auto placed = put_in_place(made, path, places.trash, files);
+    if (placed) return vault;
+    ::rmdir(made.c_str());
+    return placed.error();
+}
+
+result<new_vault> create_new_vault(const home_places& places, const new_vault_request& request) {
+    const auto made = request.replace ? replace_vault(places, request.parent, request.name)
+                                      : create_vault(request.parent, request.name);
+    if (!made) return made.error();
+    new_vault done{made.value(), false, {}};
+    const auto listed = add_known_vault(places, done.path);
+    if (!listed) {
+        done.problem = listed.message();
+    } else if (load_set_focus_to_new_vault(places).set) {
+        const auto chosen = choose_focus_vault(places, done.path);
+        done.problem = chosen.message();
+        done.is_focus = chosen.ok();
+    }
+    // Forgetting where it was made is no reason to complain of a vault that is there.
+    (void)save_create_new_vault_settings(places, {path_folder(done.path), vault_name(done.path)});
+    return done;
 }
 
 }  // namespace vistels

@@ -1,68 +1,49 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <string>
-#include <vector>
 
+#include "app/known_vaults.h"
 #include "app/places.h"
+#include "app/vault_scan.h"
+#include "app/vault_space.h"
+#include "util/file_system.h"
 #include "util/result.h"
 
 namespace vistels {
 
-inline constexpr const char* vault_ending = ".VVault";
+// The path that a vault of that name has in `parent`: white space around the name is left off, the ending
+// ".VVault" is added when it is not there. A name that is empty, that no folder can have, or that is too long
+// for the volume, is an error.
+result<std::string> new_vault_path(const std::string& parent, const std::string& name);
 
-// What a folder in a vault may be; a folder with several marker files is several items.
-enum class item_kind { collection, timeline, composer, markup, table, matrix };
+// Makes the vault and the folders above it, and returns its path. What stands there already, of whatever
+// kind, is an error that begins with "Vault 'NAME' already exists."
+result<std::string> create_vault(const std::string& parent, const std::string& name,
+                                 file_system& files = machine_files());
 
-// One table for everything by which kinds are known and shown.
-struct item_kind_names {
-    item_kind kind;
-    const char* marker_file;
-    const char* count_key;  // "number of collections"
-    const char* type;       // "collection"
+// The same in the place of one that exists, which goes to the desktop's trash with all it holds: at every
+// instant it is in its place or there. When that cannot be done the old vault stays and the failure says why.
+// The home vault, the state folder, a link, and a vault that another program changes or has a timeline of
+// open for writing, are not replaced. Where there is none it is made.
+result<std::string> replace_vault(const home_places& places, const std::string& parent,
+                                  const std::string& name, file_system& files = machine_files());
+
+// The command for a new vault: makes it, or with `replace` replaces it, adds it to the list of vaults, and
+// makes it the focus vault when the settings say so; parent folder and name are remembered for the next time.
+struct new_vault_request {
+    std::string parent;
+    std::string name;
+    bool replace = false;
 };
-const std::array<item_kind_names, 6>& item_kinds();
-
-// An entry of the list of everything in the known vaults.
-struct files_Items_Master_list_ITEM_DATA {
-    std::string file_name_;      // of the folder
-    std::string full_file_path;  // of the folder
-    item_kind kind = item_kind::collection;
+struct new_vault {
+    std::string path;
+    bool is_focus = false;
+    std::string problem;  // the vault is made, but not listed, or not the focus: why; else empty
 };
-
-struct vault_content {
-    std::array<std::size_t, 6> counts{};  // in the order of item_kinds()
-    std::vector<files_Items_Master_list_ITEM_DATA> items;
-};
-
-// Looks through the vault by marker files; hidden folders and vaults inside are passed over. A folder that
-// cannot be listed counts as empty; a `vault` that is no folder is an error. Any thread.
-result<vault_content> scan_vault(const std::string& vault);
-
-// Makes "NAME.VVault" in `parent` and returns its path. One that exists is an error unless `replace`: then it
-// is deleted with all it holds.
-result<std::string> create_vault(const std::string& parent, const std::string& name, bool replace = false);
+result<new_vault> create_new_vault(const home_places& places, const new_vault_request& request);
 
 // Ends in ".VVault" and holds "home vault information.plist".
 bool is_home_vault(const std::string& folder);
-
-// The vaults that the user added, home vault first. Those whose volume is away are listed too.
-std::vector<std::string> known_vaults(const home_places& places);
-result<void> add_known_vault(const home_places& places, const std::string& vault);
-result<void> remove_known_vault(const home_places& places, const std::string& vault);
-
-// The list of everything in these vaults. An item met twice is listed once and told in `messages`.
-std::vector<files_Items_Master_list_ITEM_DATA> files_MASTER_LIST(const std::vector<std::string>& vaults,
-                                                                 std::vector<std::string>& messages);
-
-// Free space of the volume that holds `path`.
-struct volume_space {
-    double free_bytes = 0;
-    double total_bytes = 0;
-    double free_percent() const { return total_bytes > 0 ? free_bytes / total_bytes * 100 : 0; }
-};
-result<volume_space> space_of(const std::string& path);
 
 }  // namespace vistels

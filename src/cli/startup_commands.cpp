@@ -35,7 +35,7 @@ result<command_outcome> run_startup(const home_places& places, double build) {
     printed.add("recovered", texts(report.value().recovered));
     printed.add("messages", texts(report.value().messages));
     printed.add("windows", std::move(windows));
-    if (auto noted = note_clean_quit(places, {}); !noted) return noted.error();
+    if (auto noted = note_clean_quit(report.value(), {}); !noted) return noted.error();
     return command_outcome{std::move(printed)};
 }
 
@@ -68,16 +68,19 @@ void register_vault_commands(CLI::App& program, command_line& line) {
         bool replace = false;
     };
     const auto create = std::make_shared<create_values>();
-    CLI::App* command = line.command(*vault, "create", "make a vault", [create]() -> result<command_outcome> {
-        const auto made = create_vault(create->parent, create->name, create->replace);
-        if (!made) return made.error();
-        property_dictionary printed;
-        printed.add("vault", made.value());
-        return command_outcome{std::move(printed)};
-    });
+    CLI::App* command =
+        line.command(*vault, "create", "make a vault", [create, &line]() -> result<command_outcome> {
+            const auto made = create->replace ? replace_vault(line.places(), create->parent, create->name)
+                                              : create_vault(create->parent, create->name);
+            if (!made) return made.error();
+            property_dictionary printed;
+            printed.add("vault", made.value());
+            return command_outcome{std::move(printed)};
+        });
     command->add_option("PARENT", create->parent, "folder in which it is made")->required();
     command->add_option("NAME", create->name, "its name, without the ending")->required();
-    command->add_flag("--replace", create->replace, "delete a vault of that name with all it holds");
+    command->add_flag("--replace", create->replace,
+                      "put it in the place of one of that name, which goes to the trash");
 
     const auto scanned = std::make_shared<std::string>();
     command = line.command(*vault, "scan", "count and list what a vault holds",

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "cli/commands.h"
+#include "cli/timeline_edit_commands.h"
 #include "cli/timeline_source.h"
 #include "timeline/sxy_Adjust_Clip_Overlaps.h"
 #include "timeline/writer_lock.h"
@@ -189,6 +190,7 @@ void register_timeline_commands(CLI::App& program, command_line& line) {
 
     register_resave(*timeline, line);
     register_overlap_and_split(*timeline, line);
+    register_timeline_edits(*timeline, line);
 }
 
 }  // namespace vistels

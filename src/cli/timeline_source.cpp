@@ -2,6 +2,7 @@
 #include "cli/timeline_source.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "timeline/timeline_edit.h"
 #include "timeline/timeline_journal.h"
@@ -25,10 +26,19 @@ void replay(sxy_DATA_root& timeline, const journal_content& journal) {
     (void)apply_edit(timeline, finish, touched);
 }
 
+// What was wrong with its notes does not stop the work.
+result<loaded_timeline> load_and_tell(const std::string& source) {
+    auto loaded = load_timeline(source);
+    if (loaded) {
+        for (const auto& message : loaded.value().messages) std::cerr << message << '\n';
+    }
+    return loaded;
+}
+
 }  // namespace
 
 result<loaded_timeline> read_source(const std::string& source) {
-    if (!is_folder(source)) return load_timeline(source);
+    if (!is_folder(source)) return load_and_tell(source);
     const std::string path = path_join(source, timeline_file_name);
     loaded_timeline loaded;
     file_content_mark mark;
@@ -37,10 +47,12 @@ result<loaded_timeline> read_source(const std::string& source) {
         if (!bytes) return bytes.error();
         mark = content_mark_of(bytes.value());
     }
-    const auto journal = read_journal(source, mark);
+    const auto read = read_journal(source, mark);
+    if (!read) return read.error();
+    const auto& journal = read.value();
     const bool has_edits = !journal.edits.empty() || !journal.base.growing.operations.empty();
     if (file_exists(path) || !has_edits) {
-        auto from_file = load_timeline(source);
+        auto from_file = load_and_tell(source);
         if (!from_file) return from_file;
         loaded = std::move(from_file).value();
     }

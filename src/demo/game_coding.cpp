@@ -74,15 +74,13 @@ class game_coder {
         clip.set_row_uuid_in_clip(row.uuid());
         clip.set_stars(stars_of(one));
         clip.set_qualifiers(qualifiers_of(one, place));
-        property_dictionary kept;
-        kept.add("coll_id", static_cast<double>(collection_number_));
-        if (const std::string text = note_of(one); !text.empty()) {
-            property_dictionary note;
-            note.add("clip_notes_uuid", new_uuid());
-            note.add("note_string", text);
-            kept.add("notes_dict", std::move(note));
+        clip.set_coll_id(static_cast<double>(collection_number_));
+        if (std::string text = note_of(one); !text.empty()) {
+            clip_note note;
+            note.clip_notes_uuid = new_uuid();
+            note.note_string = std::move(text);
+            clip.set_note(std::make_shared<const clip_note>(std::move(note)));
         }
-        clip.set_kept(std::move(kept));
         return clip;
     }
 
@@ -103,9 +101,7 @@ class game_coder {
         qual_ITEM who = qualifier(member(one.player).name, player_category, player_palette_index,
                                   inside(one.start + 0.2));
         if (one.other >= 0 && one.other != one.player) {
-            property_dictionary kept;
-            kept.add("recepient", std::string(member(one.other).name));
-            who.set_kept(std::move(kept));
+            who.set_recepient(shared_text(member(one.other).name));
         }
         if (one.kind == play_kind::shot) who.set_attributes({body_part_of(one)});
         all.push_back(std::move(who));

@@ -32,6 +32,16 @@ collection_pane::collection_pane(QWidget* parent)
     connect(all_, &icon_button::clicked, this, &collection_pane::all_vistels_asked);
 }
 
+void collection_pane::set_shows_pictures(bool shows) {
+    view_->setVisible(shows);
+    all_->setVisible(shows);
+    header_->set_icon(shows ? QStringLiteral("collection") : QStringLiteral("timeline"));
+    setSizePolicy(QSizePolicy::Preferred, shows ? QSizePolicy::Preferred : QSizePolicy::Fixed);
+    const int height = header_->height() + bar_->minimumHeight();
+    setMaximumHeight(shows ? QWIDGETSIZE_MAX : height);
+    setMinimumHeight(shows ? 0 : height);
+}
+
 void collection_pane::paintEvent(QPaintEvent*) {
     QPainter(this).fillRect(rect(), theme::current().pane);
 }

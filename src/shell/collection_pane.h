@@ -19,6 +19,8 @@ class collection_pane : public QWidget {
     pane_header& header() { return *header_; }
     collection_view& view() { return *view_; }
     transport_bar& bar() { return *bar_; }
+    // Without pictures there are the header and the transport alone, at their height.
+    void set_shows_pictures(bool shows);
 
   Q_SIGNALS:
     void all_vistels_asked();

@@ -1,40 +1,65 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <map>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "app/files_MASTER_LIST.h"
 #include "app/places.h"
-#include "app/vaults.h"
 #include "shell/content_list.h"
+#include "util/file_system.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
+#include "util/signal.h"
 
 namespace vistels {
 
-// Looks through the vaults away from the main thread and hands over what it finds: first what there is, then
-// again with the counts. Made, asked and destroyed on the main thread, where `found` is called too.
+// What the side bar shows, kept up to date: the application's list of vaults and items, with the numbers of
+// clips, which are counted away from the main thread and come in several steps where there is much to count.
+// Main thread.
 class content_keeper {
   public:
-    struct finding {
-        std::vector<content_vault> vaults;
-        volume_space space;  // of the home vault's volume; zero when not known
-    };
+    using observer = std::function<void(std::vector<content_vault>)>;
 
-    content_keeper(home_places places, run_loop& loop, std::function<void(const finding&)> found);
+    // Nothing is looked at before refresh(). `loop` must outlive the keeper; `found` is called whenever there
+    // is something new.
+    content_keeper(home_places places, run_loop& loop, observer found,
+                   files_MASTER_LIST::options how = files_MASTER_LIST::options());
     ~content_keeper();
 
-    // Looks again; a look that has not begun yet is enough for several calls.
+    // Looks at every vault again, soon; several calls are one look.
     void refresh();
 
-  private:
-    void look();
-    void hand_over(finding what);
+    // Something to tell the user about vaults.
+    signal<const std::string&>& told() { return list_.told; }
 
-    const home_places places_;
+  private:
+    struct counted {
+        file_identity file;
+        long long clips = -1;
+    };
+    using counts = std::vector<std::pair<std::string, long long>>;  // by folder
+
+    void show();
+    void count_in_background();
+    void count(const std::vector<std::string>& folders, unsigned wanted);
+    long long count_of(const std::string& folder);
+    void take(const counts& news);
+
     run_loop& loop_;
-    std::shared_ptr<std::function<void(const finding&)>> found_;
+    const observer found_;
+    files_MASTER_LIST list_;
+    connection changed_;
+    bool started_ = false;
+    std::map<std::string, long long> clips_;  // by folder
+    std::shared_ptr<content_keeper*> self_;   // for counts that come too late
+    std::atomic<unsigned> wanted_{0};         // a counting that is not the newest ends
+    std::map<std::string, counted> counted_;  // on the queue only
     serial_queue queue_{"content"};
 };
 

@@ -11,67 +11,65 @@ namespace vistels {
 
 namespace {
 
-std::string vault_name(const std::string& path) {
-    std::string name = path_name(path);
-    const std::string ending = vault_ending;
-    if (name.ends_with(ending)) name.resize(name.size() - ending.size());
-    return name;
-}
-
-// The collection whose folder is, or holds, `folder`; empty when there is none.
-std::string collection_around(const std::set<std::string>& collections, const std::string& folder) {
+// The one of `owners` that is the folder, or holds it; empty when there is none.
+std::string owner_of(const std::set<std::string>& owners, const std::string& folder) {
     for (std::string at = folder; at.size() > 1 && at != "."; at = path_folder(at)) {
-        if (collections.contains(at)) return at;
+        if (owners.contains(at)) return at;
     }
     return {};
 }
 
-void list_items(content_vault& vault, const vault_content& content) {
+}  // namespace
+
+std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITEM_DATA>& found) {
     std::set<std::string> collections;
-    for (const auto& item : content.items) {
+    std::set<std::string> timelines;
+    for (const auto& item : found) {
         if (item.kind == item_kind::collection) collections.insert(item.full_file_path);
+        if (item.kind == item_kind::timeline) timelines.insert(item.full_file_path);
     }
-    for (const auto& item : content.items) {
+    std::vector<content_item> items;
+    for (const auto& item : found) {
         content_item one{item.kind, item.file_name_, item.full_file_path, {}, -1};
-        one.opens = collection_around(collections, item.full_file_path);
+        one.opens = owner_of(collections, item.full_file_path);
         const bool belongs = item.kind != item_kind::collection && !one.opens.empty();
         if (belongs && item.kind != item_kind::markup) continue;
         if (belongs) one.name = path_name(one.opens);
-        vault.items.push_back(std::move(one));
+        if (item.kind == item_kind::timeline) one.opens = item.full_file_path;
+        if (item.kind == item_kind::markup && one.opens.empty()) {
+            one.opens = owner_of(timelines, item.full_file_path);
+            if (!one.opens.empty()) one.name = path_name(one.opens);
+        }
+        items.push_back(std::move(one));
     }
-    std::stable_sort(vault.items.begin(), vault.items.end(), [](const auto& a, const auto& b) {
+    std::stable_sort(items.begin(), items.end(), [](const auto& a, const auto& b) {
         return a.kind != b.kind ? a.kind < b.kind : natural_before(a.name, b.name);
     });
+    return items;
 }
 
-}  // namespace
-
-std::vector<content_vault> read_content(const home_places& places) {
-    std::vector<content_vault> vaults;
-    for (const auto& path : known_vaults(places)) {
-        content_vault vault{vault_name(path), path, path == places.home_vault, {}, {}};
-        if (const auto content = scan_vault(path)) {
-            list_items(vault, content.value());
-        } else {
-            vault.problem = content.message();
-        }
-        vaults.push_back(std::move(vault));
+content_vault content_of(const listed_vault& listed) {
+    content_vault vault;
+    vault.name = listed.name;
+    vault.path = listed.path;
+    vault.is_home = listed.is_home;
+    vault.is_focus = listed.is_focus;
+    vault.space = listed.space;
+    vault.is_limited = listed.has_limited_free_space;
+    if (!listed.is_available) {
+        vault.problem = listed.problem.empty() ? "It is not available." : listed.problem;
+    } else {
+        vault.items = items_of(listed.content->items);
     }
-    return vaults;
+    return vault;
 }
 
-void count_clips(std::vector<content_vault>& vaults) {
-    for (auto& vault : vaults) {
-        for (auto& item : vault.items) {
-            if (item.kind != item_kind::collection && item.kind != item_kind::timeline) continue;
-            const auto loaded = load_timeline(item.path);
-            if (!loaded) continue;
-            item.count = 0;
-            for (const auto& row : loaded.value().content.rows) {
-                item.count += static_cast<long long>(row->clips().size());
-            }
-        }
-    }
+long long count_clips(const std::string& folder) {
+    const auto loaded = load_timeline(folder);
+    if (!loaded) return -1;
+    long long count = 0;
+    for (const auto& row : loaded.value().content.rows) count += static_cast<long long>(row->clips().size());
+    return count;
 }
 
 const char* group_heading(item_kind kind) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "app/places.h"
-#include "app/vaults.h"
+#include "app/files_MASTER_LIST.h"
+#include "app/vault_scan.h"
+#include "app/vault_space.h"
 
 namespace vistels {
 
@@ -13,9 +15,11 @@ namespace vistels {
 struct content_item {
     item_kind kind = item_kind::collection;
     std::string name;
-    std::string path;   // of its folder
-    std::string opens;  // the collection's folder that is opened for it; empty: it cannot be opened by itself
+    std::string path;      // of its folder
+    std::string opens;     // the folder that is opened for it; empty: it cannot be opened by itself
     long long count = -1;  // clips of a collection or timeline; -1: not known
+
+    bool operator==(const content_item&) const = default;
 };
 
 struct content_vault {
@@ -24,16 +28,26 @@ struct content_vault {
     bool is_home = false;
     std::string problem;              // why it cannot be listed, for the user; empty when it can
     std::vector<content_item> items;  // by kind, then by name in natural order
+    bool is_focus = false;            // new items are saved into it
+    std::optional<volume_space> space;
+    bool is_limited = false;  // its volume has less free space than the user wants to be warned of
 };
 
-// What the known vaults hold, the home vault first. What belongs to a collection (its timeline, its code
-// window) is not listed beside it, except the code window, under the collection's name. Any thread.
-std::vector<content_vault> read_content(const home_places& places);
+// The items of a vault that holds these things. What belongs to a collection (its timeline, its code window)
+// is not listed beside it, except the code window, under the collection's name; so is a timeline's.
+std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITEM_DATA>& found);
 
-// Fills in the counts; reads the timelines, so it takes its time. Any thread.
-void count_clips(std::vector<content_vault>& vaults);
+// A vault of the application's list as the side bar shows it.
+content_vault content_of(const listed_vault& listed);
+
+// The clips of a collection or timeline, or -1; reads the whole timeline, so it takes its time. Any thread.
+long long count_clips(const std::string& folder);
 
 // How a group of items is headed: "Collections".
 const char* group_heading(item_kind kind);
+
+// The kinds in the order of their groups.
+inline constexpr item_kind group_order[] = {item_kind::collection, item_kind::timeline, item_kind::composer,
+                                            item_kind::markup,     item_kind::table,    item_kind::matrix};
 
 }  // namespace vistels

@@ -1,17 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/content_side_bar.h"
 
-#include <QFontMetrics>
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
-#include <QStandardItemModel>
-#include <QStyledItemDelegate>
+#include <QScrollBar>
 #include <QTreeView>
+#include <QUrl>
 #include <QVBoxLayout>
-#include <set>
+#include <algorithm>
 
+#include "shell/content_delegate.h"
+#include "shell/content_model.h"
 #include "shell/controls.h"
+#include "shell/disk_line.h"
 #include "shell/icons.h"
 #include "shell/pane_header.h"
 #include "shell/theme.h"
@@ -20,107 +27,21 @@ namespace vistels {
 
 namespace {
 
-enum line_kind { vault_line, heading_line, item_line };
-enum line_role { kind_role = Qt::UserRole + 1, icon_role, folder_role, count_role, fact_role };
+using line_kind = content_model::line_kind;
 
-QString icon_of(item_kind kind) {
-    switch (kind) {
-        case item_kind::collection:
-            return QStringLiteral("collection");
-        case item_kind::timeline:
-            return QStringLiteral("timeline");
-        case item_kind::composer:
-            return QStringLiteral("composer");
-        case item_kind::markup:
-            return QStringLiteral("code-window");
-        case item_kind::table:
-            return QStringLiteral("table");
-        case item_kind::matrix:
-            return QStringLiteral("matrix");
-    }
-    return {};
+// From so many items on the filter field is shown unasked.
+constexpr std::size_t many_items = 40;
+
+bool is_vault(const QModelIndex& index) {
+    return index.isValid() &&
+           index.data(content_model::kind_role).toInt() == static_cast<int>(line_kind::vault);
 }
 
-// Draws the lines of the list.
-class content_delegate final : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex& index) const override {
-        const theme_metrics& metrics = theme::current().metrics;
-        const bool two_lines = !index.data(fact_role).toString().isEmpty();
-        return {0, two_lines ? metrics.list_two_lines_height : metrics.list_line_height};
-    }
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        const theme& look = theme::current();
-        const int kind = index.data(kind_role).toInt();
-        if (option.state & QStyle::State_Selected) {
-            painter->fillRect(option.rect, look.accent_ground);
-        } else if (kind != heading_line && (option.state & QStyle::State_MouseOver)) {
-            painter->fillRect(option.rect, look.hover);
-        }
-        const QRect inside =
-            option.rect.adjusted(look.metrics.wide_padding, 0, -look.metrics.wide_padding, 0);
-        if (kind == heading_line) {
-            paint_words(*painter, inside, index, type_step::secondary, look.muted);
-        } else {
-            paint_line(*painter, inside, option, index, kind == vault_line);
-        }
-        if (option.state & QStyle::State_HasFocus) paint_inner_focus_ring(*painter, look, option.rect);
-    }
-
-  private:
-    static void paint_words(QPainter& painter, const QRect& place, const QModelIndex& index, type_step step,
-                            const QColor& colour) {
-        const QFont font = theme::font(step);
-        painter.setFont(font);
-        painter.setPen(colour);
-        painter.drawText(
-            place, Qt::AlignLeft | Qt::AlignVCenter,
-            QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideRight, place.width()));
-    }
-
-    static void paint_line(QPainter& painter, QRect place, const QStyleOptionViewItem& option,
-                           const QModelIndex& index, bool is_vault) {
-        const theme& look = theme::current();
-        const bool open = option.state & QStyle::State_Open;
-        const QString icon = is_vault
-                                 ? (open ? QStringLiteral("chevron-down") : QStringLiteral("chevron-right"))
-                                 : index.data(icon_role).toString();
-        const double ratio = painter.device()->devicePixelRatioF();
-        painter.drawPixmap(place.left(), place.center().y() - look.metrics.icon / 2 + 1,
-                           icon_pixmap(icon, look.muted, look.metrics.icon, ratio));
-        place.setLeft(place.left() + look.metrics.icon + look.metrics.padding);
-        const QString fact = index.data(fact_role).toString();
-        // What is said about the open event holds the count, and the newer one.
-        if (const QString count = index.data(count_role).toString(); !count.isEmpty() && fact.isEmpty()) {
-            const QFont font = theme::font(type_step::smallest);
-            painter.setFont(font);
-            painter.setPen(look.muted);
-            painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, count);
-            place.setRight(place.right() - QFontMetrics(font).horizontalAdvance(count) -
-                           look.metrics.padding);
-        }
-        if (!fact.isEmpty()) {
-            QRect below = place;
-            below.setTop(place.center().y());
-            below.setBottom(place.bottom() - look.metrics.grid);
-            painter.setFont(theme::font(type_step::smallest));
-            painter.setPen(look.muted);
-            painter.drawText(below, Qt::AlignLeft | Qt::AlignVCenter, fact);
-            place.setTop(place.top() + look.metrics.grid);
-            place.setBottom(below.top());
-        }
-        paint_words(painter, place, index, is_vault ? type_step::title : type_step::body, look.text);
-    }
-};
-
-// Keeps Left, Right, Home and End from the transport while the list has the focus.
+// Keeps Left, Right, Home and End from the transport while the list has the focus, and says so when the
+// filter leaves nothing.
 class content_tree final : public QTreeView {
   public:
-    using QTreeView::QTreeView;
+    explicit content_tree(QWidget* parent) : QTreeView(parent) {}
 
   protected:
     bool event(QEvent* event) override {
@@ -135,72 +56,54 @@ class content_tree final : public QTreeView {
         }
         return QTreeView::event(event);
     }
+
+    void paintEvent(QPaintEvent* event) override {
+        QTreeView::paintEvent(event);
+        const auto* shown = qobject_cast<content_model*>(model());
+        if (!shown || shown->rowCount() > 0 || shown->filter().isEmpty()) return;
+        const theme& look = theme::current();
+        QPainter painter(viewport());
+        painter.setFont(theme::font(type_step::secondary));
+        painter.setPen(look.muted);
+        const int margin = look.metrics.wide_padding;
+        painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                         Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
+                         QObject::tr("Nothing here is called “%1”.").arg(shown->filter()));
+    }
 };
 
-QStandardItem* make_line(line_kind kind, const QString& words) {
-    auto* line = new QStandardItem(words);
-    line->setEditable(false);
-    line->setSelectable(kind == item_line);
-    line->setData(kind, kind_role);
-    return line;
+QStringList dropped_folders(const QMimeData& data) {
+    QStringList folders;
+    for (const QUrl& url : data.urls()) {
+        const QString path = url.toLocalFile();
+        if (url.isLocalFile() && path.endsWith(QLatin1String(vault_ending))) folders << path;
+    }
+    return folders;
 }
 
 }  // namespace
 
-disk_line::disk_line(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("content.disk"));
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-}
-
-QSize disk_line::sizeHint() const {
-    const theme_metrics& metrics = theme::current().metrics;
-    return {0, theme::line_height(type_step::smallest) + 2 * metrics.wide_padding + metrics.grid};
-}
-
-void disk_line::set_space(const volume_space& space) {
-    constexpr double gigabyte = 1e9;
-    used_share_ = space.total_bytes > 0 ? 1 - space.free_bytes / space.total_bytes : 0;
-    text_ =
-        tr("%1 GB free").arg(space.free_bytes / gigabyte, 0, 'f', space.free_bytes < 10 * gigabyte ? 1 : 0);
-    setAccessibleName(tr("Home Vault disk: %1").arg(text_));
-    update();
-}
-
-void disk_line::paintEvent(QPaintEvent*) {
-    const theme& look = theme::current();
-    const theme_metrics& metrics = look.metrics;
-    QPainter painter(this);
-    const QRect inside = rect().adjusted(metrics.wide_padding, metrics.padding, -metrics.wide_padding, 0);
-    const int text_height = theme::line_height(type_step::smallest);
-    const QRect words(inside.left(), inside.top(), inside.width(), text_height);
-    const QFont font = theme::font(type_step::smallest);
-    painter.setFont(font);
-    painter.setPen(look.muted);
-    painter.drawText(words, Qt::AlignRight | Qt::AlignVCenter, text_);
-    const int left = words.width() - QFontMetrics(font).horizontalAdvance(text_) - metrics.padding;
-    painter.drawText(words, Qt::AlignLeft | Qt::AlignVCenter,
-                     QFontMetrics(font).elidedText(tr("Home Vault disk"), Qt::ElideRight, left));
-    QRectF bar(inside.left(), words.bottom() + metrics.grid, inside.width(), metrics.slider_groove);
-    painter.fillRect(bar, look.line);
-    bar.setWidth(bar.width() * used_share_);
-    painter.fillRect(bar, look.edge);
-}
-
 content_side_bar::content_side_bar(QWidget* parent)
     : QWidget(parent),
       header_(new pane_header({}, tr("Content"), this)),
+      search_(new icon_button(QStringLiteral("search"), tr("Find by name (Ctrl+Shift+B)"), this)),
       add_(new icon_button(QStringLiteral("plus"), tr("New collection or vault"), this)),
-      model_(new QStandardItemModel(this)),
+      more_(new icon_button(QStringLiteral("more"), tr("Vaults"), this)),
+      filter_room_(new QWidget(this)),
+      filter_(new QLineEdit(filter_room_)),
+      model_(new content_model(this)),
       list_(new content_tree(this)),
+      delegate_(new content_delegate(*list_)),
       disk_(new disk_line(this)) {
     setObjectName(QStringLiteral("content"));
     setAccessibleName(tr("Content"));
-    add_->setObjectName(QStringLiteral("content.add"));
-    header_->add_control(add_);
+    setAcceptDrops(true);
+    build_header();
+    build_filter();
     list_->setObjectName(QStringLiteral("content.list"));
     list_->setAccessibleName(tr("Vaults and what they hold"));
     list_->setModel(model_);
-    list_->setItemDelegate(new content_delegate(list_));
+    list_->setItemDelegate(delegate_);
     list_->setHeaderHidden(true);
     list_->setRootIsDecorated(false);
     list_->setIndentation(0);
@@ -208,104 +111,260 @@ content_side_bar::content_side_bar(QWidget* parent)
     list_->setExpandsOnDoubleClick(false);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     list_->setFrameShape(QFrame::NoFrame);
+    list_->installEventFilter(this);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(header_);
+    column->addWidget(filter_room_);
     column->addWidget(list_, 1);
     column->addWidget(disk_);
+    connect_list();
+}
 
-    connect(add_, &icon_button::clicked, this, &content_side_bar::show_menu);
+void content_side_bar::build_header() {
+    search_->setObjectName(QStringLiteral("content.search"));
+    search_->setCheckable(true);
+    add_->setObjectName(QStringLiteral("content.add"));
+    more_->setObjectName(QStringLiteral("content.more"));
+    for (QWidget* control : {search_, add_, more_}) header_->add_control(control);
+    connect(search_, &icon_button::clicked, this, [this](bool on) { on ? find() : show_filter(false); });
+    const auto below = [](const QWidget* button) { return button->mapToGlobal(QPoint(0, button->height())); };
+    connect(add_, &icon_button::clicked, this, [this, below] { show_menu(actions_.make, below(add_)); });
+    connect(more_, &icon_button::clicked, this, [this, below] { show_menu(actions_.all, below(more_)); });
+}
+
+void content_side_bar::build_filter() {
+    const theme_metrics& metrics = theme::current().metrics;
+    filter_->setObjectName(QStringLiteral("content.filter"));
+    filter_->setAccessibleName(tr("Find by name"));
+    filter_->setPlaceholderText(tr("Find by name"));
+    filter_->setClearButtonEnabled(true);
+    filter_->setFixedHeight(metrics.field_height);
+    filter_->installEventFilter(this);
+    auto* row = new QHBoxLayout(filter_room_);
+    row->setContentsMargins(metrics.wide_padding, metrics.padding, metrics.wide_padding, metrics.padding);
+    row->addWidget(filter_);
+    filter_room_->hide();
+    connect(filter_, &QLineEdit::textChanged, this, &content_side_bar::set_filter);
+}
+
+void content_side_bar::connect_list() {
     connect(list_, &QTreeView::activated, this, &content_side_bar::activate);
     connect(list_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
-        if (index.data(kind_role).toInt() == vault_line) list_->setExpanded(index, !list_->isExpanded(index));
+        if (is_vault(index)) list_->setExpanded(index, !list_->isExpanded(index));
+    });
+    connect(list_, &QTreeView::expanded, this, [this](const QModelIndex& index) { fold(index, false); });
+    connect(list_, &QTreeView::collapsed, this, [this](const QModelIndex& index) { fold(index, true); });
+    // A vault that appears is open unless it was folded before.
+    connect(model_, &QAbstractItemModel::rowsInserted, this, [this](const QModelIndex& parent) {
+        if (!parent.isValid()) show_folding();
     });
 }
 
-void content_side_bar::set_content(const std::vector<content_vault>& vaults) {
-    std::set<QString> folded;
-    for (int i = 0; i < model_->rowCount(); ++i) {
-        const QModelIndex index = model_->index(i, 0);
-        if (!list_->isExpanded(index)) folded.insert(index.data(folder_role).toString());
+void content_side_bar::set_content(std::vector<content_vault> vaults) {
+    // What stands at the top stays there, whatever comes and goes above it.
+    const QPersistentModelIndex top = list_->indexAt(QPoint(0, 0));
+    const int place = list_->visualRect(top).top();
+    model_->set_content(std::move(vaults));
+    show_folding();
+    show_disk();
+    const QModelIndex open = model_->index_of(open_folder_);
+    if (open.isValid() && !list_->currentIndex().isValid()) go_to(open);
+    if (model_->item_count() >= many_items && !filter_was_offered_) {
+        filter_was_offered_ = true;
+        show_filter(true);
     }
-    const QString chosen = list_->currentIndex().data(folder_role).toString();
-    model_->clear();
-    for (const auto& vault : vaults) add_vault(vault);
-    for (int i = 0; i < model_->rowCount(); ++i) {
-        const QModelIndex index = model_->index(i, 0);
-        list_->setExpanded(index, !folded.contains(index.data(folder_role).toString()));
-    }
-    if (auto* item = find_item(chosen.toStdString())) list_->setCurrentIndex(item->index());
-    set_open(open_folder_, open_fact_);
+    if (!top.isValid()) return;
+    QScrollBar* scroll = list_->verticalScrollBar();
+    scroll->setValue(scroll->value() + list_->visualRect(top).top() - place);
 }
 
-void content_side_bar::add_vault(const content_vault& vault) {
-    auto* line = make_line(vault_line, QString::fromStdString(vault.name));
-    line->setData(QString::fromStdString(vault.path), folder_role);
-    line->setToolTip(QString::fromStdString(vault.problem.empty() ? vault.path : vault.problem));
-    model_->appendRow(line);
-    if (!vault.problem.empty()) {
-        line->appendRow(make_line(heading_line, tr("Cannot be read")));
-    } else if (vault.items.empty()) {
-        line->appendRow(make_line(heading_line, tr("Nothing in it yet")));
-    }
-    const content_item* before = nullptr;
-    for (const auto& item : vault.items) {
-        if (!before || before->kind != item.kind) {
-            line->appendRow(make_line(heading_line, tr(group_heading(item.kind))));
+// With a filter everything that passes is in sight.
+void content_side_bar::show_folding() {
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        const QModelIndex index = model_->index(row, 0);
+        const bool folded =
+            model_->filter().isEmpty() && folded_.contains(index.data(content_model::folder_role).toString());
+        if (list_->isExpanded(index) == folded && model_->rowCount(index) > 0) {
+            const QSignalBlocker no_memory(list_);
+            list_->setExpanded(index, !folded);
+            delegate_->tell_height_changed(index);
         }
-        before = &item;
-        auto* one = make_line(item_line, QString::fromStdString(item.name));
-        one->setData(icon_of(item.kind), icon_role);
-        one->setData(QString::fromStdString(item.opens), folder_role);
-        one->setToolTip(QString::fromStdString(item.path));
-        if (item.count >= 0) one->setData(QLocale::c().toString(item.count), count_role);
-        line->appendRow(one);
     }
+}
+
+void content_side_bar::fold(const QModelIndex& vault, bool folded) {
+    delegate_->tell_height_changed(vault);
+    if (!model_->filter().isEmpty()) return;
+    const QString path = vault.data(content_model::folder_role).toString();
+    folded ? static_cast<void>(folded_.insert(path)) : static_cast<void>(folded_.erase(path));
+}
+
+std::vector<std::string> content_side_bar::folded() const {
+    std::vector<std::string> paths;
+    for (const QString& path : folded_) paths.push_back(path.toStdString());
+    return paths;
+}
+
+void content_side_bar::set_folded(const std::vector<std::string>& vaults) {
+    folded_.clear();
+    for (const auto& path : vaults) folded_.insert(QString::fromStdString(path));
+    show_folding();
 }
 
 void content_side_bar::set_open(const std::string& folder, const QString& fact) {
-    if (auto* before = find_item(open_folder_)) before->setData(QString(), fact_role);
     const bool is_other = folder != open_folder_;
+    const bool had_fact = !model_->index_of(folder).data(content_model::fact_role).toString().isEmpty();
     open_folder_ = folder;
-    open_fact_ = fact;
-    auto* item = find_item(folder);
-    if (!item) return;
-    item->setData(fact, fact_role);
-    if (is_other || !list_->currentIndex().isValid()) list_->setCurrentIndex(item->index());
+    model_->set_open(folder, fact);
+    const QModelIndex open = model_->index_of(folder);
+    // A layout of the whole list, so only where a line has come or gone.
+    if (open.isValid() && (is_other || had_fact == fact.isEmpty())) delegate_->tell_height_changed(open);
+    if (open.isValid() && (is_other || !list_->currentIndex().isValid())) go_to(open);
 }
 
-void content_side_bar::set_disk_space(const volume_space& space) {
-    disk_->set_space(space);
+// Into sight once the heights of the lines are known.
+void content_side_bar::go_to(const QModelIndex& line) {
+    list_->setCurrentIndex(line);
+    QMetaObject::invokeMethod(
+        this, [this, place = QPersistentModelIndex(line)] { list_->scrollTo(place); }, Qt::QueuedConnection);
+}
+
+// The focus vault's volume, since new items go there.
+void content_side_bar::show_disk() {
+    const auto& vaults = model_->content();
+    auto shown = std::find_if(vaults.begin(), vaults.end(), [](const auto& one) { return one.is_focus; });
+    if (shown == vaults.end()) {
+        shown = std::find_if(vaults.begin(), vaults.end(), [](const auto& one) { return one.is_home; });
+    }
+    if (shown != vaults.end() && shown->space) {
+        disk_->set_space(QString::fromStdString(shown->name), *shown->space, shown->is_limited);
+    }
+}
+
+const std::vector<content_vault>& content_side_bar::content() const {
+    return model_->content();
+}
+
+const content_vault* content_side_bar::current_vault() const {
+    return model_->vault_of(list_->currentIndex());
+}
+
+QString content_side_bar::current_path() const {
+    return list_->currentIndex().data(content_model::path_role).toString();
 }
 
 void content_side_bar::activate(const QModelIndex& index) {
-    const QString folder = index.data(folder_role).toString();
-    if (index.data(kind_role).toInt() == item_line && !folder.isEmpty()) Q_EMIT open_asked(folder);
+    const auto kind = static_cast<line_kind>(index.data(content_model::kind_role).toInt());
+    // A click has opened or closed the vault already; a key has not.
+    if (kind != line_kind::item) return;
+    const QString folder = index.data(content_model::folder_role).toString();
+    if (!folder.isEmpty()) {
+        Q_EMIT open_asked(folder);
+    } else {
+        Q_EMIT unknown_asked(index.data(content_model::item_kind_role).toInt(), index.data().toString(),
+                             index.data(content_model::path_role).toString());
+    }
 }
 
-QStandardItem* content_side_bar::find_item(const std::string& folder) const {
-    if (folder.empty()) return nullptr;
-    const QString wanted = QString::fromStdString(folder);
-    for (int i = 0; i < model_->rowCount(); ++i) {
-        const QStandardItem* vault = model_->item(i);
-        for (int j = 0; j < vault->rowCount(); ++j) {
-            QStandardItem* item = vault->child(j);
-            if (item->data(kind_role).toInt() == item_line && item->data(folder_role).toString() == wanted) {
-                return item;
+void content_side_bar::find() {
+    show_filter(true);
+    filter_->setFocus();
+    filter_->selectAll();
+}
+
+void content_side_bar::show_filter(bool shown) {
+    search_->setChecked(shown);
+    if (shown == !filter_room_->isHidden()) return;
+    const bool had_focus = filter_->hasFocus();
+    filter_room_->setVisible(shown);
+    if (shown) return;
+    filter_->clear();
+    if (had_focus) list_->setFocus();
+}
+
+void content_side_bar::set_filter(const QString& text) {
+    model_->set_filter(text);
+    show_folding();
+    const QModelIndex current = list_->currentIndex();
+    if (current.isValid()) list_->scrollTo(current);
+    list_->viewport()->update();
+}
+
+void content_side_bar::show_menu(const QList<QAction*>& actions, QPoint at) {
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("content.menu"));
+    menu.setToolTipsVisible(true);
+    menu.addActions(actions);
+    menu.exec(at);
+}
+
+void content_side_bar::show_context_menu(QPoint at) {
+    const QModelIndex index = list_->currentIndex();
+    if (!index.isValid()) return show_menu(actions_.all, at);
+    if (is_vault(index)) return show_menu(actions_.vault, at);
+    QAction open(tr("Open"), this);
+    open.setObjectName(QStringLiteral("content.open"));
+    open.setToolTip(tr("Open it in this window (Return)"));
+    connect(&open, &QAction::triggered, this,
+            [this, place = QPersistentModelIndex(index)] { activate(place); });
+    show_menu(QList<QAction*>{&open} + actions_.item, at);
+}
+
+bool content_side_bar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ContextMenu && watched == list_) {
+        const auto* asked = static_cast<QContextMenuEvent*>(event);
+        if (asked->reason() == QContextMenuEvent::Keyboard) {
+            const QRect line = list_->visualRect(list_->currentIndex());
+            show_context_menu(list_->viewport()->mapToGlobal(line.bottomLeft()));
+        } else {
+            const QModelIndex under = list_->indexAt(list_->viewport()->mapFromGlobal(asked->globalPos()));
+            if (under.isValid() && (under.flags() & Qt::ItemIsSelectable)) {
+                list_->setCurrentIndex(under);
+                show_context_menu(asked->globalPos());
+            } else {
+                show_menu(actions_.all, asked->globalPos());
             }
         }
+        return true;
     }
-    return nullptr;
+    if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    if (watched == filter_ && key == Qt::Key_Escape) {
+        show_filter(false);
+        return true;
+    }
+    if (watched == filter_ && (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        // On to the first item that passes.
+        for (QModelIndex at = model_->index(0, 0); at.isValid(); at = list_->indexBelow(at)) {
+            if (at.data(content_model::kind_role).toInt() != static_cast<int>(line_kind::item)) continue;
+            list_->setCurrentIndex(at);
+            break;
+        }
+        list_->setFocus();
+        return true;
+    }
+    if (watched == list_ && is_vault(list_->currentIndex()) &&
+        (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        const QModelIndex vault = list_->currentIndex();
+        list_->setExpanded(vault, !list_->isExpanded(vault));
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
-void content_side_bar::show_menu() {
-    QMenu menu(this);
-    menu.addAction(tr("New Collection from Movies…"), this, &content_side_bar::new_collection_asked);
-    menu.addAction(tr("New Vault…"), this, &content_side_bar::new_vault_asked);
-    menu.exec(add_->mapToGlobal(QPoint(0, add_->height())));
+void content_side_bar::dragEnterEvent(QDragEnterEvent* event) {
+    // Anything but a vault is left to the window.
+    dropped_folders(*event->mimeData()).isEmpty() ? event->ignore() : event->acceptProposedAction();
+}
+
+void content_side_bar::dropEvent(QDropEvent* event) {
+    Q_EMIT folders_dropped(dropped_folders(*event->mimeData()));
+    event->acceptProposedAction();
 }
 
 void content_side_bar::paintEvent(QPaintEvent*) {

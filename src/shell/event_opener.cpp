@@ -2,9 +2,10 @@
 #include "shell/event_opener.h"
 
 #include <QFileDialog>
-#include <QInputDialog>
 
+#include "app/known_vaults.h"
 #include "app/vaults.h"
+#include "shell/event_messages.h"
 #include "shell/event_session.h"
 #include "shell/long_work.h"
 #include "util/file_system.h"
@@ -26,6 +27,7 @@ void event_opener::open(const opening& what) {
         case opening::kind::nothing:
             return;
         case opening::kind::collection:
+        case opening::kind::timeline:
             if (const std::string vault = vault_of(what.folder); !vault.empty()) remember_vault(vault);
             return open_folder(what.folder);
         case opening::kind::vault:
@@ -70,7 +72,8 @@ void event_opener::open_vault(const std::string& vault) {
 }
 
 void event_opener::open_last_or_demo(const std::string& open_last) {
-    const std::string folder = collection_to_reopen(places_, open_last);
+    if (!open_last.empty() && !can_be_opened(open_last)) Q_EMIT told(gone_message(open_last));
+    const std::string folder = event_to_reopen(places_, open_last);
     if (!folder.empty()) return open_folder(folder);
     make_demo();
 }
@@ -92,9 +95,14 @@ void event_opener::make_demo() {
 #endif
 }
 
+std::string event_opener::vault_for_new() const {
+    return focus_vault_of(places_).path;
+}
+
 void event_opener::make_collection(const std::vector<std::string>& movies) {
     const std::string name = name_from_movies(movies);
-    const std::string folder = new_collection_folder(places_.home_vault, name);
+    const std::string vault = vault_for_new();
+    const std::string folder = new_collection_folder(vault, name);
     const auto does = [folder, name, movies](job& work) -> result<std::string> {
         if (const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work); !made) {
             return made.error();
@@ -102,7 +110,7 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
         return folder;
     };
     run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),
-        tr("The movies are brought into the home vault."), false, does,
+        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))), false, does,
         tr("The collection could not be made"));
 }
 
@@ -138,16 +146,6 @@ void event_opener::ask_open() {
     const QString chosen =
         QFileDialog::getExistingDirectory(&window_, tr("Open a Collection or a Vault"), start);
     if (!chosen.isEmpty()) open_paths({chosen.toStdString()});
-}
-
-void event_opener::ask_new_vault() {
-    const QString parent = QFileDialog::getExistingDirectory(&window_, tr("Where to Make the Vault"));
-    if (parent.isEmpty()) return;
-    const QString name = QInputDialog::getText(&window_, tr("New Vault"), tr("Name of the vault"));
-    if (name.trimmed().isEmpty()) return;
-    const auto made = create_vault(parent.toStdString(), name.trimmed().toStdString());
-    if (!made) return tell_failure(tr("The vault could not be made"), made.message());
-    remember_vault(made.value());
 }
 
 }  // namespace vistels

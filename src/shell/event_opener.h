@@ -38,7 +38,6 @@ class event_opener : public QObject {
 
     void ask_new_collection();
     void ask_open();
-    void ask_new_vault();
 
   Q_SIGNALS:
     void told(const vistels::user_message& message);
@@ -50,6 +49,8 @@ class event_opener : public QObject {
   private:
     void make_demo();
     void make_collection(const std::vector<std::string>& movies);
+    // Where new collections are made: the focus vault, or the home vault while that one is away.
+    std::string vault_for_new() const;
     // From now on the side bar lists the vault.
     void remember_vault(const std::string& vault);
     void open_vault(const std::string& vault);

@@ -12,10 +12,12 @@
 #include "shell/code_window_view.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
+#include "shell/event_messages.h"
 #include "shell/inspector_view.h"
 #include "shell/key_router.h"
 #include "shell/key_strokes.h"
 #include "shell/pane_header.h"
+#include "shell/read_only_guard.h"
 #include "shell/shuttle.h"
 #include "shell/timeline_view.h"
 #include "shell/transport_bar.h"
@@ -32,11 +34,18 @@ constexpr double volume_step = 0.1;
 constexpr double fastest_shuttle = 8;
 // A clip that starts at the playhead is neither before nor after it.
 constexpr double beside_seconds = 0.02;
+// A step where there are no frames.
+constexpr double frame_without_pictures = 0.04;
 
 }  // namespace
 
 event_session::event_session(event_panes panes, run_loop& loop)
-    : panes_(panes), loop_(loop), pictures_(*panes.collection), play_until_(nowhere) {
+    : panes_(panes),
+      loop_(loop),
+      pictures_(*panes.collection),
+      read_only_(new read_only_mark(panes.timeline)),
+      play_until_(nowhere) {
+    panes_.timeline->header().add_first_control(read_only_);
     connect_panes();
     panes_.collection->bar().setEnabled(false);
 }
@@ -53,10 +62,8 @@ result<void> event_session::open(const std::string& folder, const home_places& p
     event_ = std::move(opened_event).value();
     volume_ = event_->collection().volume();
     connect_event();
-    for (auto& message : messages_of_opening(name(), event_->recovered_edits(), event_->messages())) {
-        Q_EMIT told(message);
-    }
     Q_EMIT opened();
+    show_opening();
     Q_EMIT facts_changed();
     return {};
 }
@@ -76,14 +83,14 @@ void event_session::close() {
     tell(event_->save_all());
     event_.reset();
     tick_while_needed();
+    show_read_only();
     play_until_ = nowhere;
+    Q_EMIT state_over(QLatin1String(save_failed_key));
     Q_EMIT closed();
 }
 
 QString event_session::name() const {
-    if (!event_) return {};
-    const std::string name = event_->collection().name();
-    return QString::fromStdString(name.empty() ? path_name(event_->folder()) : name);
+    return event_ ? QString::fromStdString(event_->name()) : QString();
 }
 
 std::string event_session::folder() const {
@@ -95,6 +102,7 @@ QString event_session::fact() const {
     const auto cameras = event_->collection().vistels().size();
     const auto live = event_->timeline().timeline().live_clips().size();
     QString fact = cameras == 1 ? tr("1 camera") : tr("%1 cameras").arg(cameras);
+    if (!event_->has_collection()) fact = tr("No pictures");
     if (live > 0) return fact + (live == 1 ? tr(" · 1 live clip") : tr(" · %1 live clips").arg(live));
     const auto clips = event_->timeline().timeline().clip_count();
     return fact + (clips == 1 ? tr(" · 1 clip") : tr(" · %1 clips").arg(clips));
@@ -121,11 +129,9 @@ void event_session::connect_panes() {
     connect(panes_.collection, &collection_pane::all_vistels_asked, this, [this] { enlarge({}); });
     connect(panes_.timeline, &timeline_view::selection_changed, panes_.inspector, &inspector_view::refresh);
     connect(panes_.timeline, &timeline_view::selection_changed, this, &event_session::find_loop);
-    const auto refused = [this](const QString& message) {
-        Q_EMIT told({user_message::tone::error, tr("This could not be changed"), message, {}, {}});
-    };
-    connect(panes_.timeline, &timeline_view::failed, this, refused);
-    connect(panes_.inspector, &inspector_view::failed, this, refused);
+    connect(panes_.timeline, &timeline_view::failed, this, &event_session::refuse_change);
+    connect(panes_.inspector, &inspector_view::failed, this, &event_session::refuse_change);
+    connect(read_only_, &read_only_mark::try_again_asked, this, [this] { try_to_write(false); });
     connect(panes_.inspector, &inspector_view::play_asked, this,
             [this](double, double) { play_selected_clip(); });
 }
@@ -135,7 +141,7 @@ void event_session::connect_event() {
     timeline_document& timeline = event_->timeline();
     pictures_.set_event(event_.get());
     panes_.timeline->set_timeline(&timeline, &playback);
-    panes_.code->set_source(source_of(event_->logger(), timeline, playback));
+    show_buttons();
     panes_.code->set_name(name());
     panes_.inspector->set_document(&timeline, [&playback] { return playback.collection_time(); });
     connect_keys();
@@ -154,10 +160,17 @@ void event_session::connect_event() {
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
         if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
         find_loop();
+        if (!event_->has_collection()) follow_end(event_->playback().collection_time());
         Q_EMIT facts_changed();
     }));
-    connections_.push_back(timeline.saved.connect(
-        [this](const std::string& problem) { Q_EMIT saved(QString::fromStdString(problem)); }));
+    connections_.push_back(
+        timeline.saved.connect([this](const std::string& problem) { tell_save(problem); }));
+    connections_.push_back(timeline.conflict.connect(
+        [this](const file_conflict& conflict) { Q_EMIT told(conflict_message(name(), conflict)); }));
+    connections_.push_back(timeline.access_changed.connect([this] {
+        show_buttons();
+        show_read_only();
+    }));
     panes_.collection->bar().setEnabled(true);
     apply_volume();
     show_state();
@@ -168,8 +181,12 @@ void event_session::connect_keys() {
     synchronised_playback& playback = event_->playback();
     panes_.keys->set_code({
         [&engine](const QKeyEvent& event) { return engine.buttons_for_key(key_stroke_of(event)); },
-        [&engine, &playback](const std::string& button, double at) {
-            engine.press(button, playback.collection_time_at(at));
+        [this, &engine, &playback](const std::string& button, double at) {
+            if (!event_->timeline().is_read_only()) {
+                engine.press(button, playback.collection_time_at(at));
+            } else if (const auto* pressed = engine.button(button)) {
+                refuse_press(QString::fromStdString(pressed->name()));
+            }
         },
         [&engine, &playback](const std::string& button, double at) {
             engine.release(button, playback.collection_time_at(at));
@@ -196,28 +213,20 @@ void event_session::tick_while_needed() {
     }
 }
 
-void event_session::tell_trouble(const std::string& reason) {
-    if (reason.empty()) return;
-    Q_EMIT told({user_message::tone::error,
-                 tr("Presses are kept in memory only"),
-                 QString::fromStdString(reason),
-                 tr("They are recorded as soon as that is possible."),
-                 {}});
-}
-
 // The times and the state of playing, in all panes.
 void event_session::show_state() {
     if (!event_) return;
     const synchronised_playback& playback = event_->playback();
     transport_bar& bar = panes_.collection->bar();
-    const double end = std::max(event_->end_seconds(), event_->timeline().timeline().last_end());
-    bar.set_range(event_->start_seconds(), end);
+    end_shown_ = shown_end();
+    bar.set_range(event_->start_seconds(), end_shown_);
     bar.set_playing(playback.is_playing());
     bar.set_rate(playback.rate());
     bar.set_looping(looping_);
     bar.set_volume(volume_);
     bar.set_muted(muted_);
-    panes_.timeline->set_reach(event_->start_seconds(), event_->end_seconds());
+    panes_.timeline->set_reach(event_->start_seconds(),
+                               event_->has_collection() ? event_->end_seconds() : end_shown_);
     pictures_.show_vistels();
     pictures_.show_pictures();
     tick();
@@ -227,6 +236,7 @@ void event_session::show_state() {
 void event_session::tick() {
     if (!event_) return;
     const double seconds = event_->playback().collection_time();
+    if (!event_->has_collection()) follow_end(seconds);
     panes_.collection->bar().set_seconds(seconds);
     panes_.collection->bar().set_frame(pictures_.frame_number());
     panes_.timeline->tick();
@@ -261,8 +271,9 @@ void event_session::play_or_pause() {
     play_until_ = nowhere;
     if (playback.is_playing()) return playback.pause();
     if (playback.rate() < 0) playback.set_rate(1);
-    // At the end there is nothing left to play: begin anew.
-    if (playback.collection_time() >= event_->end_seconds()) playback.seek(event_->start_seconds());
+    // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
+    if (event_->has_collection() && playback.collection_time() >= event_->end_seconds())
+        playback.seek(event_->start_seconds());
     playback.play();
 }
 
@@ -281,7 +292,10 @@ void event_session::shuttle(int direction) {
 }
 
 void event_session::step(int frames) {
-    if (event_) event_->playback().step(frames);
+    if (!event_) return;
+    if (event_->has_collection()) return event_->playback().step(frames);
+    pause();
+    jump(frames * frame_without_pictures);
 }
 
 void event_session::jump(double seconds) {
@@ -291,7 +305,8 @@ void event_session::jump(double seconds) {
 void event_session::seek(double seconds) {
     if (!event_) return;
     play_until_ = nowhere;
-    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), event_->end_seconds()));
+    const double end = event_->has_collection() ? event_->end_seconds() : event_->playback().last_time();
+    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), end));
     tick();
 }
 
@@ -300,7 +315,8 @@ void event_session::to_start() {
 }
 
 void event_session::to_end() {
-    if (event_) seek(event_->end_seconds());
+    if (event_)
+        seek(event_->has_collection() ? event_->end_seconds() : event_->timeline().timeline().last_end());
 }
 
 void event_session::set_rate(double rate) {
@@ -365,7 +381,8 @@ void event_session::redo() {
 }
 
 void event_session::save() {
-    if (event_) tell(event_->save_all());
+    if (!event_) return;
+    if (const auto done = event_->save_all(); !done) tell_save(done.message());
 }
 
 void event_session::release_buttons() {
@@ -392,14 +409,7 @@ void event_session::go_to_clip(int direction) {
 }
 
 void event_session::mark_clip(bool start) {
-    if (!event_) return;
-    const auto chosen = selected_clips(event_->timeline().timeline());
-    if (chosen.size() != 1) return;
-    const sxy_CLIP& clip = *chosen.front().clip;
-    const double now = event_->playback().collection_time();
-    auto edit = plan_clip_times(event_->timeline().timeline(), clip.id(), start ? now : clip.secs_start(),
-                                start ? clip.secs_end() : now);
-    if (!edit.operations.empty()) tell(event_->timeline().apply(std::move(edit)));
+    if (event_) panes_.timeline->trim_selected(start, event_->playback().collection_time());
 }
 
 void event_session::play_selected_clip() {

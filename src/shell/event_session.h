@@ -19,6 +19,7 @@ class code_window_view;
 class collection_pane;
 class inspector_view;
 class key_router;
+class read_only_mark;
 class timeline_view;
 
 // The panes that show one event.
@@ -39,8 +40,12 @@ class event_session : public QObject {
     event_session(event_panes panes, run_loop& loop);
     ~event_session() override;
 
-    // Opens the event in place of the one that is open. When it cannot be opened that one stays.
+    // Opens the event, a collection or a timeline alone, in place of the one that is open. When it cannot be
+    // opened that one stays.
     result<void> open(const std::string& folder, const home_places& places);
+    // Tries again to change an event that can only be read; with `take_over` it is taken from the program
+    // that has it.
+    void try_to_write(bool take_over);
     // Saves and closes.
     void close();
     bool is_open() const { return event_ != nullptr; }
@@ -76,6 +81,8 @@ class event_session : public QObject {
     void undo();
     void redo();
     void save();
+    // Begins to save what is unsaved and does not wait for it.
+    void save_in_background();
     void release_buttons();
     // The clip that starts before or after the playhead.
     void go_to_clip(int direction);
@@ -89,6 +96,8 @@ class event_session : public QObject {
     void facts_changed();
     void saved(const QString& problem);  // empty: done
     void told(const vistels::user_message& message);
+    // The state that the lasting message with this key told of is over.
+    void state_over(const QString& key);
 
   private:
     void connect_panes();
@@ -102,13 +111,25 @@ class event_session : public QObject {
     void keep_within_loop(double seconds);
     void apply_volume();
     void tell(const result<void>& done);
+    void tell_save(const std::string& problem);
+    void show_opening();
+    void show_buttons();
+    void show_read_only();
+    void watch_writer();
+    void refuse_press(const QString& button);
+    void refuse_change(const QString& reason);
+    double shown_end() const;
+    void follow_end(double seconds);
 
     const event_panes panes_;
     run_loop& loop_;
     vistel_pictures pictures_;
+    read_only_mark* read_only_;  // in the timeline's header
     std::unique_ptr<open_event> event_;
     std::vector<connection> connections_;
-    run_loop::timer_id tick_timer_ = 0;  // 0: none runs
+    run_loop::timer_id tick_timer_ = 0;   // 0: none runs
+    run_loop::timer_id watch_timer_ = 0;  // while the timeline can only be read
+    double end_shown_ = 0;                // seconds, where the transport ends
     bool looping_ = false;
     double loop_start_ = 0;  // seconds
     double loop_end_ = 0;

@@ -14,9 +14,12 @@
 #include "shell/clip_title_block.h"
 #include "shell/controls.h"
 #include "shell/inspector_parts.h"
+#include "shell/note_field.h"
 #include "shell/pane_header.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
+#include "timeline/clip_operations.h"
+#include "util/clock.h"
 
 namespace vistels {
 
@@ -67,7 +70,7 @@ inspector_view::inspector_view(QWidget* parent)
       swatches_(new swatch_row),
       stars_(new star_row),
       chips_(new qualifier_chips),
-      note_(make_label({}, type_step::body, {}, nullptr)),
+      note_(new note_field),
       note_section_(new QWidget) {
     const theme_metrics& metrics = theme::current().metrics;
     setObjectName(QStringLiteral("inspector"));
@@ -114,11 +117,10 @@ QWidget* inspector_view::build_body() {
     note->setSpacing(0);
     add_section(*note, tr("Note"));
     note_->setObjectName(QStringLiteral("inspector.note"));
-    note_->setWordWrap(true);
-    note_->setTextFormat(Qt::PlainText);
-    note_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    note_->setContentsMargins(metrics.wide_padding, 0, metrics.wide_padding, 0);
-    note->addWidget(note_);
+    auto* field = new QVBoxLayout;
+    field->setContentsMargins(metrics.wide_padding, 0, metrics.wide_padding, 0);
+    field->addWidget(note_);
+    note->addLayout(field);
     column->addWidget(note_section_);
     column->addStretch(1);
     return body;
@@ -197,8 +199,8 @@ void inspector_view::connect_parts() {
     connect(title_, &clip_title_block::play_asked, this, [this] { Q_EMIT play_asked(start_, end_); });
     connect(start_field_, &time_field::seconds_asked, this, [this](double s) { ask_times(s, end_); });
     connect(end_field_, &time_field::seconds_asked, this, [this](double s) { ask_times(start_, s); });
-    connect(start_here_, &icon_button::clicked, this, [this] { ask_times(now_(), end_); });
-    connect(end_here_, &icon_button::clicked, this, [this] { ask_times(start_, now_()); });
+    connect(start_here_, &icon_button::clicked, this, [this] { trim_here(true); });
+    connect(end_here_, &icon_button::clicked, this, [this] { trim_here(false); });
     connect(stars_, &star_row::stars_asked, this, [this](int stars) {
         if (document_) apply(plan_clip_stars(document_->timeline(), clips_, stars));
     });
@@ -209,9 +211,13 @@ void inspector_view::connect_parts() {
         if (!document_ || clips_.size() != 1) return;
         apply(plan_remove_qualifier(document_->timeline(), clips_.front(), qualifier.toStdString()));
     });
+    note_->set_acceptor([this](const std::string& clip, const std::string& text) {
+        return document_ && apply(plan_note(document_->timeline(), clip, text, {{}, seconds_since_1970()}));
+    });
 }
 
 void inspector_view::set_document(timeline_document* document, std::function<double()> now) {
+    note_->set_note({}, {});  // what is being typed belongs to the one that was shown
     changed_.disconnect();
     document_ = document;
     now_ = std::move(now);
@@ -248,7 +254,7 @@ void inspector_view::show_clips(const std::vector<clip_place>& clips) {
     header_->set_fact(clips.empty()       ? QString()
                       : clips.size() == 1 ? tr("Clip")
                                           : tr("%1 clips").arg(clips.size()));
-    if (clips.empty()) return;
+    if (clips.empty()) return note_->set_note({}, {});
     show_title(clips);
     show_values(clips);
 }
@@ -294,9 +300,9 @@ void inspector_view::show_values(const std::vector<clip_place>& clips) {
     const auto chips = single ? chips_of(*clips.front().clip) : std::vector<qualifier_chip>();
     qualifier_count_->setText(single ? QString::number(chips.size()) : tr("several"));
     chips_->set_chips(chips);
-    const std::string note = single ? clips.front().clip->note_text() : std::string();
-    note_->setText(QString::fromStdString(note));
-    note_section_->setVisible(!note.empty());
+    note_->set_note(single ? clips_.front() : std::string(),
+                    single ? clips.front().clip->note_text() : std::string());
+    note_section_->setVisible(single);
 }
 
 void inspector_view::ask_times(double start, double end) {
@@ -304,12 +310,26 @@ void inspector_view::ask_times(double start, double end) {
     apply(plan_clip_times(document_->timeline(), clips_.front(), start, end));
 }
 
-void inspector_view::apply(timeline_edit edit) {
-    if (edit.operations.empty()) return;
-    if (const auto done = document_->apply(std::move(edit)); !done) {
-        Q_EMIT failed(QString::fromStdString(done.message()));
-    }
+void inspector_view::trim_here(bool start) {
+    if (!document_ || clips_.size() != 1) return;
+    const double now = now_();
+    apply(plan_clips_Trim_Mark_in_Mark_Out(
+        document_->timeline(), clips_, start ? std::optional(now) : std::nullopt,
+        start ? std::nullopt : std::optional(now), {{}, seconds_since_1970()}));
+}
+
+bool inspector_view::apply(timeline_edit edit) {
+    if (edit.operations.empty()) return true;
+    const auto done = document_->apply(std::move(edit));
+    if (!done) Q_EMIT failed(QString::fromStdString(done.message()));
     refresh();
+    return bool(done);
+}
+
+bool inspector_view::apply(result<timeline_edit> planned) {
+    if (planned) return apply(std::move(planned).value());
+    Q_EMIT failed(QString::fromStdString(planned.message()));
+    return false;
 }
 
 void inspector_view::paintEvent(QPaintEvent*) {

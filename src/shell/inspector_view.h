@@ -17,6 +17,7 @@ namespace vistels {
 
 class clip_title_block;
 class icon_button;
+class note_field;
 class pane_header;
 class qualifier_chips;
 class star_row;
@@ -52,8 +53,11 @@ class inspector_view : public QWidget {
     void show_clips(const std::vector<clip_place>& clips);
     void show_title(const std::vector<clip_place>& clips);
     void show_values(const std::vector<clip_place>& clips);
-    void apply(timeline_edit edit);
+    // Whether it was done; a refused one is told.
+    bool apply(timeline_edit edit);
+    bool apply(result<timeline_edit> planned);
     void ask_times(double start, double end);
+    void trim_here(bool start);
 
     timeline_document* document_ = nullptr;
     std::function<double()> now_;
@@ -76,7 +80,7 @@ class inspector_view : public QWidget {
     star_row* stars_;
     QLabel* qualifier_count_ = nullptr;
     qualifier_chips* chips_;
-    QLabel* note_;
+    note_field* note_;
     QWidget* note_section_;
 };
 

@@ -9,6 +9,7 @@
 #include "app/start_up.h"
 #include "shell/application_options.h"
 #include "shell/display_check.h"
+#include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
@@ -46,20 +47,7 @@ theme_choice wanted_theme(const std::string& name) {
 }
 
 void tell_start(main_window& window, const start_up_report& report) {
-    for (const auto& message : report.messages) {
-        window.tell({user_message::tone::warning,
-                     QObject::tr("From the start"),
-                     QString::fromStdString(message),
-                     {},
-                     {}});
-    }
-    for (const auto& path : report.recovered) {
-        window.tell({user_message::tone::warning,
-                     QObject::tr("A file was put back whole"),
-                     QString::fromStdString("“" + path + "”"),
-                     {},
-                     {}});
-    }
+    for (auto& message : messages_of_start(report)) window.tell(std::move(message));
 }
 
 // Opens what was asked for, once the window is there.
@@ -77,7 +65,7 @@ void open_first(main_window& window, const application_options& options, const s
 
 int run(QApplication& application, const application_options& options, termination_watch& ending) {
     const home_places places = find_home_places(options.home);
-    const auto started = start_up(places, VISTELS_BUILD_NUMBER, 0);
+    auto started = start_up(places, VISTELS_BUILD_NUMBER, 0);
     if (!started) {
         std::fprintf(stderr, "vistels: %s\n", started.message().c_str());
         return EXIT_FAILURE;
@@ -85,7 +73,7 @@ int run(QApplication& application, const application_options& options, terminati
     const std::string theme = options.theme.empty() ? load_window_memory(places).theme : options.theme;
     use_theme(application, wanted_theme(theme));
     qt_run_loop loop;
-    main_window window(places, loop);
+    main_window window(places, loop, std::move(started.value().trees));
     if (options.width > 0) window.resize(options.width, options.height);
     QObject::connect(
         &window, &main_window::appeared, &window, [&] { open_first(window, options, started.value()); },
@@ -106,7 +94,7 @@ int run(QApplication& application, const application_options& options, terminati
     ending.start([&window] { window.close(); });
     window.show();
     const int status = QApplication::exec();
-    const auto noted = note_clean_quit(places, {});
+    const auto noted = note_clean_quit(started.value(), {});
     if (!noted) std::fprintf(stderr, "vistels: %s\n", noted.message().c_str());
     return status;
 }

@@ -13,19 +13,23 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "app/start_up.h"
+#include "app/open_windows.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_pane.h"
 #include "shell/content_keeper.h"
 #include "shell/content_side_bar.h"
+#include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/inspector_view.h"
 #include "shell/key_router.h"
+#include "shell/save_moments.h"
 #include "shell/saved_label.h"
+#include "shell/start_trace.h"
 #include "shell/super_tab_row.h"
 #include "shell/theme.h"
 #include "shell/timeline_view.h"
+#include "shell/vault_commands.h"
 #include "shell/window_actions.h"
 #include "shell/window_frame.h"
 #include "shell/work_area.h"
@@ -40,7 +44,7 @@ constexpr QSize usual_size(1600, 1000);
 
 }  // namespace
 
-main_window::main_window(home_places places, run_loop& loop)
+main_window::main_window(home_places places, run_loop& loop, std::vector<vault_tree> vaults)
     : places_(std::move(places)),
       loop_(loop),
       memory_(load_window_memory(places_)),
@@ -62,10 +66,20 @@ main_window::main_window(home_places places, run_loop& loop)
     session_ = std::make_unique<event_session>(
         event_panes{collection_, code_, timeline_, inspector_, keys_.get()}, loop_);
     opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_);
-    keeper_ = std::make_unique<content_keeper>(places_, loop_, [this](const content_keeper::finding& found) {
-        content_->set_content(found.vaults);
-        content_->set_disk_space(found.space);
-    });
+    vaults_ =
+        std::make_unique<vault_commands>(*this, *content_, places_, [this] { return session_->folder(); });
+    files_MASTER_LIST::options how;
+    how.known_trees = std::move(vaults);
+    keeper_ = std::make_unique<content_keeper>(
+        places_, loop_,
+        [this](std::vector<content_vault> found) {
+            const bool is_first = content_->content().empty();
+            content_->set_content(std::move(found));
+            if (is_first) trace_start("vaults listed");
+        },
+        std::move(how));
+    save_moments_ = std::make_unique<save_moments>([this] { session_->save_in_background(); },
+                                                   [this] { session_->save(); });
     connect_session();
     connect_side_bar();
     connect_frame();
@@ -74,12 +88,14 @@ main_window::main_window(home_places places, run_loop& loop)
     connect_timeline_commands();
     connect_view_commands();
     connect_window_commands();
+    connect_vault_commands();
     restore();
     show_facts();
 }
 
 main_window::~main_window() {
     // The session speaks to the panes when it closes, so it goes before them.
+    save_moments_.reset();
     session_->disconnect(this);
     opener_.reset();
     session_.reset();
@@ -120,12 +136,8 @@ void main_window::connect_session() {
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
     connect(session_.get(), &event_session::saved, this, &main_window::show_saved);
     connect(session_.get(), &event_session::facts_changed, this, &main_window::show_facts);
-    connect(session_.get(), &event_session::opened, this, [this] {
-        setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
-        work_->set_code_content_width(code_->sizeHint().width());
-        saved_->show_saved({});
-        collection_->setFocus();
-    });
+    connect(session_.get(), &event_session::opened, this, &main_window::show_event);
+    connect(session_.get(), &event_session::state_over, messages_, &message_bar::withdraw);
     connect(session_.get(), &event_session::closed, this, [this] {
         setWindowTitle(tr("Vistels"));
         saved_->show_nothing();
@@ -136,9 +148,32 @@ void main_window::connect_session() {
 void main_window::connect_side_bar() {
     connect(content_, &content_side_bar::open_asked, this,
             [this](const QString& folder) { opener_->open_folder(folder.toStdString()); });
-    connect(content_, &content_side_bar::new_collection_asked, opener_.get(),
-            &event_opener::ask_new_collection);
-    connect(content_, &content_side_bar::new_vault_asked, opener_.get(), &event_opener::ask_new_vault);
+    connect(content_, &content_side_bar::unknown_asked, this,
+            [this](int kind, const QString& name, const QString& folder) {
+                show_in_files(folder.toStdString());
+                tell(unknown_kind_message(static_cast<item_kind>(kind), name, folder.toStdString()));
+            });
+    connect(content_, &content_side_bar::folders_dropped, vaults_.get(), &vault_commands::add);
+    vaults_told_ = keeper_->told().connect([this](const std::string& message) {
+        tell({user_message::tone::warning,
+              tr("A vault needs a look"),
+              QString::fromStdString(message),
+              {},
+              {}});
+    });
+    connect(vaults_.get(), &vault_commands::told, this, &main_window::tell);
+    connect(vaults_.get(), &vault_commands::changed, this, &main_window::refresh_content);
+}
+
+void main_window::show_event() {
+    const bool has_pictures = session_->shown_event()->has_collection();
+    setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
+    collection_->set_shows_pictures(has_pictures);
+    work_->set_shows_pictures(has_pictures);
+    work_->set_code_content_width(code_->sizeHint().width());
+    saved_->show_saved({});
+    collection_->setFocus();
+    remember_windows();
 }
 
 void main_window::connect_frame() {
@@ -219,6 +254,7 @@ void main_window::restore() {
     frame_->set_wanted(side::left, memory_.side_bar_shown);
     frame_->set_wanted(side::right, memory_.inspector_shown);
     work_->set_sizes(memory_.work_sizes);
+    content_->set_folded(memory_.folded_vaults);
     show_tab(memory_.tab == code_tab ? code_tab : code_tab + 1);
     const command themes[] = {command::theme_desktop, command::theme_dark, command::theme_light};
     (*actions_)[themes[memory_.theme == "dark" ? 1 : memory_.theme == "light" ? 2 : 0]]->setChecked(true);
@@ -233,13 +269,20 @@ void main_window::remember() {
     memory_.side_bar_shown = frame_->is_wanted(side::left);
     memory_.inspector_shown = frame_->is_wanted(side::right);
     memory_.tab = tabs_->current();
+    memory_.folded_vaults = content_->folded();
     memory_.work_sizes = work_->sizes();
     // What can't be remembered is no reason to keep the window open.
     static_cast<void>(save_window_memory(places_, memory_));
+    remember_windows();
+}
+
+// Also while the program runs, so that the event comes back after an unclean end.
+void main_window::remember_windows() {
     std::vector<open_window> windows;
-    if (session_->is_open()) {
-        windows.push_back({session_->shown_event()->collection().uuid(), session_->name().toStdString(), 0,
-                           session_->folder()});
+    if (open_event* event = session_->shown_event()) {
+        const std::string uuid =
+            event->has_collection() ? event->collection().uuid() : event->timeline().timeline().uuid();
+        windows.push_back({uuid, session_->name().toStdString(), 0, session_->folder()});
     }
     static_cast<void>(save_open_windows(places_, windows));
 }

@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "app/places.h"
+#include "app/vault_scan.h"
 #include "shell/message_bar.h"
 #include "shell/window_memory.h"
 #include "util/run_loop.h"
+#include "util/signal.h"
 
 namespace vistels {
 
@@ -21,9 +23,11 @@ class event_opener;
 class event_session;
 class inspector_view;
 class key_router;
+class save_moments;
 class saved_label;
 class super_tab_row;
 class timeline_view;
+class vault_commands;
 class window_actions;
 class window_frame;
 class work_area;
@@ -33,8 +37,8 @@ class work_area;
 class main_window : public QMainWindow {
     Q_OBJECT
   public:
-    // `loop` must outlive the window.
-    main_window(home_places places, run_loop& loop);
+    // `loop` must outlive the window; `vaults` is what starting has seen of the vaults.
+    main_window(home_places places, run_loop& loop, std::vector<vault_tree> vaults = {});
     ~main_window() override;
 
     event_session& session() { return *session_; }
@@ -66,6 +70,9 @@ class main_window : public QMainWindow {
     void connect_timeline_commands();
     void connect_view_commands();
     void connect_window_commands();
+    void connect_vault_commands();
+    void show_event();
+    void remember_windows();
     void show_facts();
     void show_saved(const QString& problem);
     void show_tab(int index);
@@ -91,6 +98,9 @@ class main_window : public QMainWindow {
     std::unique_ptr<event_session> session_;
     std::unique_ptr<event_opener> opener_;
     std::unique_ptr<content_keeper> keeper_;
+    std::unique_ptr<vault_commands> vaults_;
+    std::unique_ptr<save_moments> save_moments_;
+    connection vaults_told_;
     bool appeared_ = false;
 };
 

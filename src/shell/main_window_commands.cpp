@@ -6,12 +6,14 @@
 #include <QUrl>
 
 #include "shell/code_window_view.h"
+#include "shell/content_side_bar.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/keys_window.h"
 #include "shell/main_window.h"
 #include "shell/super_tab_row.h"
 #include "shell/timeline_view.h"
+#include "shell/vault_commands.h"
 #include "shell/window_actions.h"
 #include "shell/window_frame.h"
 
@@ -29,7 +31,6 @@ void main_window::connect_event_commands() {
     connect(actions[command::new_collection], &QAction::triggered, opener_.get(),
             &event_opener::ask_new_collection);
     connect(actions[command::open_folder], &QAction::triggered, opener_.get(), &event_opener::ask_open);
-    connect(actions[command::new_vault], &QAction::triggered, opener_.get(), &event_opener::ask_new_vault);
     connect(actions[command::show_folder], &QAction::triggered, session, [session] {
         QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(session->folder())));
     });
@@ -38,6 +39,44 @@ void main_window::connect_event_commands() {
     connect(actions[command::undo], &QAction::triggered, session, &event_session::undo);
     connect(actions[command::redo], &QAction::triggered, session, &event_session::redo);
     connect(actions[command::release_buttons], &QAction::triggered, session, &event_session::release_buttons);
+}
+
+void main_window::connect_vault_commands() {
+    window_actions& actions = *actions_;
+    vault_commands* vaults = vaults_.get();
+    const auto on = [&](command which, auto does) {
+        connect(actions[which], &QAction::triggered, vaults, does);
+    };
+    on(command::new_vault, [vaults] { vaults->create(); });
+    on(command::add_vault, [vaults] { vaults->add_existing(); });
+    on(command::choose_focus_vault, [vaults] { vaults->choose_focus(); });
+    on(command::focus_this_vault, [vaults] { vaults->focus_current(); });
+    on(command::show_in_files, [vaults] { vaults->show_current(); });
+    on(command::remove_vault, [vaults] { vaults->remove_current(); });
+    on(command::vault_warning, [this, vaults] {
+        vaults->choose_warning();
+        (*actions_)[command::show_unavailable]->setChecked(vaults->shows_unavailable());
+    });
+    on(command::show_unavailable, [vaults](bool shows) { vaults->set_shows_unavailable(shows); });
+    on(command::find_content, [this] {
+        frame_->set_shown(window_frame::side::left, true);
+        content_->find();
+    });
+    actions[command::show_unavailable]->setChecked(vaults->shows_unavailable());
+    const auto all = [&](std::initializer_list<command> wanted) {
+        QList<QAction*> list;
+        for (const command one : wanted) list << actions[one];
+        return list;
+    };
+    content_side_bar::menu_actions menus;
+    menus.make = all({command::new_collection, command::new_vault, command::add_vault});
+    menus.all =
+        all({command::new_collection, command::new_vault, command::add_vault, command::choose_focus_vault,
+             command::vault_warning, command::show_unavailable, command::find_content});
+    menus.vault = all({command::focus_this_vault, command::show_in_files, command::remove_vault,
+                       command::new_vault, command::add_vault});
+    menus.item = all({command::show_in_files});
+    content_->set_actions(std::move(menus));
 }
 
 void main_window::connect_play_commands() {
@@ -69,6 +108,10 @@ void main_window::connect_timeline_commands() {
     const window_actions& actions = *actions_;
     event_session* session = session_.get();
     connect(actions[command::delete_clips], &QAction::triggered, timeline_, &timeline_view::delete_selected);
+    connect(actions[command::merge_clips], &QAction::triggered, timeline_, &timeline_view::merge_selected);
+    connect(actions[command::duplicate_clips], &QAction::triggered, timeline_,
+            &timeline_view::duplicate_selected);
+    connect(actions[command::split_clips], &QAction::triggered, timeline_, &timeline_view::split_selected);
     connect(actions[command::select_all], &QAction::triggered, timeline_, &timeline_view::select_all);
     connect(actions[command::select_none], &QAction::triggered, timeline_, [this] { timeline_->select({}); });
     connect(actions[command::zoom_in], &QAction::triggered, timeline_, &timeline_view::zoom_in);

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <algorithm>
 
 #include "shell/controls.h"
 #include "shell/icons.h"
@@ -69,8 +70,42 @@ message_bar::message_bar(QWidget* parent)
 }
 
 void message_bar::tell(user_message message) {
-    waiting_.push_back(std::move(message));
-    waiting_.size() == 1 ? show_first() : show_detail();
+    if (message.key.isEmpty()) {
+        // Behind the others that happened, before the states that last.
+        const auto at = std::find_if(waiting_.begin(), waiting_.end(),
+                                     [](const user_message& one) { return !one.key.isEmpty(); });
+        const bool is_first = at == waiting_.begin();
+        waiting_.insert(at, std::move(message));
+        return is_first ? show_first() : show_detail();
+    }
+    if (const auto gone = sent_away_.find(message.key); gone != sent_away_.end()) {
+        if (gone->second == message.text) return;
+        sent_away_.erase(gone);
+    }
+    const auto same = std::find_if(waiting_.begin(), waiting_.end(),
+                                   [&](const user_message& one) { return one.key == message.key; });
+    if (message.comes_first) {
+        if (same != waiting_.end()) waiting_.erase(same);
+        waiting_.push_front(std::move(message));
+        return show_first();
+    }
+    if (same == waiting_.end()) {
+        waiting_.push_back(std::move(message));
+        return waiting_.size() == 1 ? show_first() : show_detail();
+    }
+    const bool is_news = same->text != message.text || same->headline != message.headline;
+    *same = std::move(message);
+    if (same == waiting_.begin() && is_news) show_first();
+}
+
+void message_bar::withdraw(const QString& key) {
+    sent_away_.erase(key);
+    const auto found = std::find_if(waiting_.begin(), waiting_.end(),
+                                    [&](const user_message& one) { return one.key == key; });
+    if (found == waiting_.end()) return;
+    const bool was_first = found == waiting_.begin();
+    waiting_.erase(found);
+    was_first ? show_first() : show_detail();
 }
 
 QString message_bar::headline() const {
@@ -83,6 +118,7 @@ QString message_bar::text() const {
 
 void message_bar::clear() {
     waiting_.clear();
+    sent_away_.clear();
     hide();
 }
 
@@ -123,10 +159,13 @@ void message_bar::show_detail() {
 
 void message_bar::answer(std::size_t index) {
     if (waiting_.empty() || index >= waiting_.front().choices.size()) return;
-    const auto does = waiting_.front().choices[index].does;
-    waiting_.pop_front();
-    show_first();
-    if (does) does();
+    const user_message::choice chosen = waiting_.front().choices[index];
+    if (!chosen.keeps) {
+        if (const QString key = waiting_.front().key; !key.isEmpty()) sent_away_[key] = waiting_.front().text;
+        waiting_.pop_front();
+        show_first();
+    }
+    if (chosen.does) chosen.does();
 }
 
 void message_bar::paintEvent(QPaintEvent*) {
@@ -139,28 +178,6 @@ void message_bar::paintEvent(QPaintEvent*) {
     painter.fillRect(QRect(0, 0, look.metrics.grid, height()), tone);
     painter.drawPixmap(icon_->pos(), icon_pixmap(tone_icon(waiting_.front().kind), tone, look.metrics.icon,
                                                  devicePixelRatioF()));
-}
-
-std::vector<user_message> messages_of_opening(const QString& event, std::size_t recovered_edits,
-                                              const std::vector<std::string>& messages) {
-    std::vector<user_message> all;
-    if (recovered_edits > 0) {
-        user_message told;
-        told.headline = QObject::tr("Vistels was closed before it had saved");
-        told.text = recovered_edits == 1
-                        ? QObject::tr("1 change was put back into the timeline of “%1”.").arg(event)
-                        : QObject::tr("All %1 changes since then were put back into the timeline of “%2”.")
-                              .arg(recovered_edits)
-                              .arg(event);
-        all.push_back(std::move(told));
-    }
-    for (const auto& message : messages) {
-        user_message told;
-        told.headline = QObject::tr("Something in “%1” needs a look").arg(event);
-        told.text = QString::fromStdString(message);
-        all.push_back(std::move(told));
-    }
-    return all;
 }
 
 }  // namespace vistels

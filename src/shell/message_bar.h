@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <deque>
 #include <functional>
+#include <map>
 #include <vector>
 
 class QHBoxLayout;
@@ -17,6 +18,7 @@ struct user_message {
     struct choice {
         QString words;               // a verb
         std::function<void()> does;  // may be empty: the message just goes
+        bool keeps = false;          // the message stays when it was chosen
     };
 
     tone kind = tone::warning;
@@ -24,16 +26,24 @@ struct user_message {
     QString text;                 // to which file or item, and what was kept
     QString detail;               // may be empty; muted
     std::vector<choice> choices;  // the safe one first; empty: "Continue"
+    // Of a state that lasts: a newer message with the same key takes this one's place, and withdraw() takes
+    // it back. Empty for what happened once.
+    QString key = {};
+    bool comes_first = false;  // it answers what the user is doing, so nothing waits before it
 };
 
-// A bar across the window with one message at a time; the next comes when a choice was made. Hidden while
-// there is none. Main thread.
+// A bar across the window with one message at a time; the next comes when a choice was made. What happened
+// once comes before states that last, which may stand for hours. Hidden while there is none. Main thread.
 class message_bar : public QWidget {
     Q_OBJECT
   public:
     explicit message_bar(QWidget* parent = nullptr);
 
+    // A lasting message that the user has sent away is not shown again until its words change or it was
+    // withdrawn.
     void tell(user_message message);
+    // The state that the message with this key tells of is over.
+    void withdraw(const QString& key);
     // The messages not yet answered, the one shown among them.
     std::size_t waiting() const { return waiting_.size(); }
     QString headline() const;
@@ -50,15 +60,12 @@ class message_bar : public QWidget {
     void answer(std::size_t index);
 
     std::deque<user_message> waiting_;
+    std::map<QString, QString> sent_away_;  // lasting messages by key: their texts
     QWidget* icon_;
     QLabel* headline_;
     QLabel* text_;
     QLabel* detail_;
     QHBoxLayout* buttons_;
 };
-
-// Recovered edits of the event called `event`, and what else opening it had to tell.
-std::vector<user_message> messages_of_opening(const QString& event, std::size_t recovered_edits,
-                                              const std::vector<std::string>& messages);
 
 }  // namespace vistels

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/openings.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "app/vaults.h"
+#include "timeline/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -28,6 +30,10 @@ bool holds_collection(const std::string& folder) {
     return file_exists(path_join(folder, collection_file_name));
 }
 
+bool holds_timeline(const std::string& folder) {
+    return file_exists(path_join(folder, timeline_file_name));
+}
+
 // The collection that `path` is or lies in, looking no further up than its vault.
 std::string collection_of(const std::string& path) {
     for (std::string at = path; at.size() > 1 && at != "." && !is_vault(at); at = path_folder(at)) {
@@ -50,8 +56,10 @@ result<opening> what_to_open(const std::vector<std::string>& paths) {
             one = {opening::kind::movies, {}, {path}};
         } else if (const auto folder = collection_of(path); !folder.empty()) {
             one = {opening::kind::collection, folder, {}};
+        } else if (const auto alone = is_folder(path) ? path : path_folder(path); holds_timeline(alone)) {
+            one = {opening::kind::timeline, alone, {}};
         } else {
-            return failure{"“" + given + "” is neither a vault nor a collection nor a movie."};
+            return failure{"“" + given + "” is neither a vault nor a collection, a timeline or a movie."};
         }
         const bool more_movies = one.what == opening::kind::movies && found.what == opening::kind::movies;
         if (found.what != opening::kind::nothing && !more_movies) {
@@ -74,8 +82,16 @@ std::string first_collection_in(const std::string& vault) {
     return first;
 }
 
-std::string collection_to_reopen(const home_places& places, const std::string& open_last) {
-    if (!open_last.empty() && holds_collection(open_last)) return open_last;
+bool can_be_opened(const std::string& folder) {
+    if (folder.empty()) return false;
+    const auto names = names_in_folder(folder);
+    return std::any_of(names.begin(), names.end(), [](const std::string& name) {
+        return name.starts_with(collection_file_name) || name.starts_with(timeline_file_name);
+    });
+}
+
+std::string event_to_reopen(const home_places& places, const std::string& open_last) {
+    if (can_be_opened(open_last)) return open_last;
     return first_collection_in(places.home_vault);
 }
 

@@ -11,22 +11,25 @@ namespace vistels {
 
 // What the paths of a command line, a dialog or a drop stand for.
 struct opening {
-    enum class kind { nothing, collection, vault, movies };
+    enum class kind { nothing, collection, timeline, vault, movies };
     kind what = kind::nothing;
-    std::string folder;               // of the collection or the vault
+    std::string folder;               // of the collection, the timeline or the vault
     std::vector<std::string> movies;  // in the order given
 };
 
-// A collection's folder (or a folder or file inside it), a vault, or movie files. The message names the path
-// that is none of these. No path: nothing. Any thread.
+// A collection's folder (or a folder or file inside it), the folder of a timeline that belongs to none, a
+// vault, or movie files. The message names the path that is none of these. No path: nothing. Any thread.
 result<opening> what_to_open(const std::vector<std::string>& paths);
 
 // The first collection in the vault in natural order; empty when it holds none.
 std::string first_collection_in(const std::string& vault);
 
-// The collection to open when none is named: the one that was open last if it is still there, else the first
-// in the home vault; empty when there is none.
-std::string collection_to_reopen(const home_places& places, const std::string& open_last);
+// The folder holds a collection or a timeline, or copies of one that can be mended.
+bool can_be_opened(const std::string& folder);
+
+// The event to open when none is named: the one that was open last if it is still there, else the first
+// collection in the home vault; empty when there is none.
+std::string event_to_reopen(const home_places& places, const std::string& open_last);
 
 // The folder for a new collection of that name in the vault: one that is not there yet. Characters that make
 // trouble in file names are replaced.

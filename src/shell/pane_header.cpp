@@ -48,6 +48,15 @@ void pane_header::add_control(QWidget* control) {
     controls_->addWidget(control);
 }
 
+void pane_header::add_first_control(QWidget* control) {
+    controls_->insertWidget(1, control);
+}
+
+void pane_header::set_icon(const QString& icon) {
+    icon_ = icon;
+    update();
+}
+
 void pane_header::follow_focus(const QWidget* focused) {
     const bool inside = focused && parentWidget() && parentWidget()->isAncestorOf(focused);
     if (inside == has_focus_) return;

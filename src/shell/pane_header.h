@@ -25,6 +25,10 @@ class pane_header : public QWidget {
     void set_shows_fact(bool shows);
     // Puts a control at the right end, after those added before.
     void add_control(QWidget* control);
+    // Puts a control before the others.
+    void add_first_control(QWidget* control);
+    // Another icon before the name.
+    void set_icon(const QString& icon);
 
   protected:
     void paintEvent(QPaintEvent* event) override;

@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "shell/clip_edits.h"
+#include "timeline/clip_operations.h"
 #include "util/clock.h"
-#include "util/uuid.h"
 
 namespace vistels {
 namespace {
@@ -14,6 +14,10 @@ namespace {
 constexpr double least_reach_seconds = 10;
 constexpr double follow_share = 0.85;
 constexpr double snap_pixels = 6;
+
+edit_stamp stamp_now() {
+    return {{}, seconds_since_1970()};
+}
 
 }  // namespace
 
@@ -264,6 +268,56 @@ void timeline_state::delete_selected() {
     }
 }
 
+bool timeline_state::apply(result<timeline_edit> planned) {
+    if (planned) return apply(std::move(planned).value());
+    refused.emit(planned.message());
+    return false;
+}
+
+void timeline_state::merge_selected() {
+    if (!document_) return;
+    if (apply(plan_clips_Merge(document_->timeline(), selected(), stamp_now()))) selection_changed.emit();
+}
+
+void timeline_state::duplicate_selected() {
+    const std::vector<std::string> clips = selected();
+    if (clips.empty()) return;
+    const auto first = document_->timeline().find_clip(clips.front());
+    double start = first->clip->secs_start();
+    double end = first->clip->secs_end();
+    for (const auto& clip : clips) {
+        const auto place = document_->timeline().find_clip(clip);
+        start = std::min(start, place->clip->secs_start());
+        end = std::max(end, place->clip->secs_end());
+    }
+    duplicate(clips, end - start);
+}
+
+void timeline_state::duplicate(const std::vector<std::string>& clips, double later_by) {
+    auto edit = plan_duplicate_clips(document_->timeline(), clips, later_by, stamp_now());
+    std::vector<std::string> made;
+    if (edit) {
+        for (const auto& one : edit.value().operations) {
+            if (const auto* insert = std::get_if<operation::insert_clip>(&one))
+                made.push_back(insert->clip->id());
+        }
+    }
+    if (apply(std::move(edit))) select(made);
+}
+
+void timeline_state::split_selected() {
+    if (document_) apply(plan_split_overlap(document_->timeline(), selected(), stamp_now()));
+}
+
+void timeline_state::trim_selected(bool start, double seconds) {
+    const std::vector<std::string> clips = selected();
+    if (clips.empty()) return;
+    const auto here = std::optional(seconds);
+    const std::optional<double> as_it_is;
+    apply(plan_clips_Trim_Mark_in_Mark_Out(document_->timeline(), clips, start ? here : as_it_is,
+                                           start ? as_it_is : here, stamp_now()));
+}
+
 void timeline_state::trim(const std::string& clip, double start, double end) {
     if (!document_ || !(end > start)) return;
     apply(plan_clip_times(document_->timeline(), clip, start, end));
@@ -271,14 +325,7 @@ void timeline_state::trim(const std::string& clip, double start, double end) {
 
 void timeline_state::copy(const std::string& clip, double start) {
     const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    if (!place || place->is_live) return;
-    sxy_CLIP made = *place->clip;
-    made.set_id(new_uuid());
-    made.set_secs_end(start + (made.secs_end() - made.secs_start()));
-    made.set_secs_start(start);
-    made.set_selected(false);
-    const std::string uuid = made.id();
-    if (apply({"Copy Clip", uuid, {operation::insert_clip{place->row, std::move(made)}}})) select({uuid});
+    if (place) duplicate({clip}, start - place->clip->secs_start());
 }
 
 void timeline_state::set_snaps(bool snaps) {

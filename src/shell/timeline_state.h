@@ -66,6 +66,12 @@ class timeline_state {
 
     // Refused edits leave everything as it is; `refused` tells why.
     void delete_selected();
+    void merge_selected();
+    // The copies stand behind the selected clips and are selected in their place.
+    void duplicate_selected();
+    void split_selected();
+    // Moves the start or the end of the selected clips to `seconds`.
+    void trim_selected(bool start, double seconds);
     void trim(const std::string& clip, double start, double end);
     void copy(const std::string& clip, double start);
 
@@ -82,6 +88,8 @@ class timeline_state {
     signal<const std::string&> refused;
 
   private:
+    bool apply(result<timeline_edit> planned);
+    void duplicate(const std::vector<std::string>& clips, double later_by);
     void take_change(const change_set& change);
     void read_rows();
     void grow_reach();

@@ -102,6 +102,18 @@ void timeline_view::select_all() {
 void timeline_view::delete_selected() {
     state_->delete_selected();
 }
+void timeline_view::merge_selected() {
+    state_->merge_selected();
+}
+void timeline_view::duplicate_selected() {
+    state_->duplicate_selected();
+}
+void timeline_view::split_selected() {
+    state_->split_selected();
+}
+void timeline_view::trim_selected(bool start, double seconds) {
+    state_->trim_selected(start, seconds);
+}
 void timeline_view::zoom_in() {
     state_->zoom_in_place(button_zoom);
 }

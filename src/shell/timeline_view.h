@@ -45,6 +45,11 @@ class timeline_view final : public QWidget {
     void select_all();
     // Deletes what is selected by one edit.
     void delete_selected();
+    void merge_selected();
+    void duplicate_selected();
+    void split_selected();
+    // Moves the start or the end of the selected clips to `seconds`.
+    void trim_selected(bool start, double seconds);
     void zoom_in();
     void zoom_out();
     // The whole reach in view.
@@ -53,6 +58,7 @@ class timeline_view final : public QWidget {
     void refresh_marks();
 
     timeline_state& state() { return *state_; }
+    pane_header& header() { return *header_; }
 
   Q_SIGNALS:
     void selection_changed();

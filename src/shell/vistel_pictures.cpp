@@ -138,6 +138,7 @@ bool vistel_pictures::are_complete() const {
 
 QString vistel_pictures::fact() const {
     const auto count = static_cast<int>(shown_.size());
+    if (!event_->has_collection()) return tr("Timeline without pictures");
     const auto unreadable = std::count_if(shown_.begin(), shown_.end(), [this](const auto& one) {
         return event_->playback().state(one.first) == vistel_state::unreadable;
     });

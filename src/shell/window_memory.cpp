@@ -39,6 +39,11 @@ window_memory load_window_memory(const home_places& places) {
     memory.inspector_shown = stored.boolean("inspector shown").value_or(true);
     memory.tab = small_number(stored, "tab");
     memory.theme = stored.text_or_empty("theme");
+    if (const auto* folded = stored.array("folded vaults")) {
+        for (const auto& one : *folded) {
+            if (one.text()) memory.folded_vaults.push_back(*one.text());
+        }
+    }
     if (const auto* sizes = stored.dictionary("pane sizes")) memory.work_sizes = *sizes;
     return memory;
 }
@@ -58,6 +63,11 @@ result<void> save_window_memory(const home_places& places, const window_memory& 
     stored.add("inspector shown", memory.inspector_shown);
     stored.add("tab", memory.tab);
     if (!memory.theme.empty()) stored.add("theme", memory.theme);
+    if (!memory.folded_vaults.empty()) {
+        property_array folded;
+        for (const auto& path : memory.folded_vaults) folded.emplace_back(path);
+        stored.add("folded vaults", std::move(folded));
+    }
     if (!memory.work_sizes.empty()) stored.add("pane sizes", memory.work_sizes);
     const std::string path = memory_path(places);
     if (auto made = make_folders(path_folder(path)); !made) return made;

@@ -3,6 +3,7 @@
 
 #include <QRect>
 #include <string>
+#include <vector>
 
 #include "app/places.h"
 #include "util/property_value.h"
@@ -20,8 +21,9 @@ struct window_memory {
     bool side_bar_shown = true;
     bool inspector_shown = true;
     int tab = 0;
-    std::string theme;               // "dark", "light", or empty: as the desktop has it
-    property_dictionary work_sizes;  // of the panes, see work_area
+    std::string theme;                       // "dark", "light", or empty: as the desktop has it
+    std::vector<std::string> folded_vaults;  // paths
+    property_dictionary work_sizes;          // of the panes, see work_area
 };
 
 window_memory load_window_memory(const home_places& places);

@@ -88,6 +88,26 @@ void work_area::set_shows_code(bool shows) {
     arrange();
 }
 
+void work_area::set_shows_pictures(bool shows) {
+    if (shows == shows_pictures_) return;
+    if (!shows) kept_sizes_ = sizes();
+    shows_pictures_ = shows;
+    if (shows) {
+        columns_->insertWidget(0, collection_);
+        rows_->addWidget(timeline_);
+    } else {
+        rows_->insertWidget(0, collection_);
+        columns_->insertWidget(0, timeline_);
+    }
+    columns_->setStretchFactor(0, 1);
+    rows_->setStretchFactor(shows ? 0 : 1, 1);
+    rows_->setStretchFactor(shows ? 1 : 0, 0);
+    columns_->set_was_moved(false);
+    rows_->set_was_moved(false);
+    arrange();
+    if (shows) set_sizes(kept_sizes_);
+}
+
 void work_area::resizeEvent(QResizeEvent*) {
     arrange();
 }
@@ -96,16 +116,24 @@ void work_area::arrange() {
     const theme_metrics& metrics = theme::current().metrics;
     const int beside = metrics.pane_header_height + metrics.transport_height + metrics.slider_handle_height +
                        2 * metrics.focus_ring;
-    const work_sizes planned = plan_work_sizes(size(), code_content_width_, beside, shows_code_);
+    work_sizes planned = plan_work_sizes(size(), code_content_width_, beside, shows_code_);
+    // The timeline leaves the code window what it needs, where the video would not.
+    if (!shows_pictures_ && shows_code_) {
+        planned.code_width =
+            std::clamp(code_content_width_, planned.code_width, std::max(planned.code_width, width() / 2));
+    }
     if (!columns_->was_moved()) {
         columns_->setSizes({width() - planned.code_width - metrics.splitter, planned.code_width});
     }
-    if (!rows_->was_moved()) {
+    if (!shows_pictures_) {
+        rows_->setSizes({collection_->minimumHeight(), height()});
+    } else if (!rows_->was_moved()) {
         rows_->setSizes({planned.upper_height, height() - planned.upper_height - metrics.splitter});
     }
 }
 
 property_dictionary work_area::sizes() const {
+    if (!shows_pictures_) return kept_sizes_;
     property_dictionary stored;
     if (columns_->was_moved()) stored.set("columns", stored_sizes(*columns_));
     if (rows_->was_moved()) stored.set("rows", stored_sizes(*rows_));
@@ -113,6 +141,10 @@ property_dictionary work_area::sizes() const {
 }
 
 void work_area::set_sizes(const property_dictionary& stored) {
+    if (!shows_pictures_) {
+        kept_sizes_ = stored;
+        return;
+    }
     restore_sizes(*columns_, stored.array("columns"));
     restore_sizes(*rows_, stored.array("rows"));
 }

@@ -31,6 +31,9 @@ class work_area : public QWidget {
     // The width at which the code window shows all it has.
     void set_code_content_width(int width);
     void set_shows_code(bool shows);
+    // Without pictures the collection's pane is a line across, and the timeline has the room below it, beside
+    // the code window.
+    void set_shows_pictures(bool shows);
     bool shows_code() const { return shows_code_; }
 
     // The sizes the user gave the panes; nothing while they are of the window's own choosing.
@@ -50,6 +53,8 @@ class work_area : public QWidget {
     pane_splitter* columns_;
     int code_content_width_;
     bool shows_code_ = true;
+    bool shows_pictures_ = true;
+    property_dictionary kept_sizes_;  // of the panes with pictures, while there are none
 };
 
 }  // namespace vistels

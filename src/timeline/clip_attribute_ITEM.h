@@ -17,9 +17,13 @@ struct clip_attribute_ITEM {
     shared_text attribute_category;          // may be empty
     std::optional<double> attribute_time;    // seconds on the collection's clock
     std::optional<colour> attribute_colour;  // stored with 3 decimals
-    property_dictionary kept;                // stored values that have no field of their own ("x", "y")
+    // _at_pos: where on a picture it was stamped.
+    std::optional<double> _at_pos_x = {};
+    std::optional<double> _at_pos_y = {};
+    bool attribute_touched_k416 = false;  // of this run, not stored
 
-    bool operator==(const clip_attribute_ITEM&) const = default;
+    // Equal in everything that is stored.
+    bool operator==(const clip_attribute_ITEM& other) const;
 };
 
 clip_attribute_ITEM read_clip_attribute(const property_dictionary& stored);

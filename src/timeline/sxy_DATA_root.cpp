@@ -2,58 +2,93 @@
 #include "timeline/sxy_DATA_root.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "util/uuid.h"
 
 namespace vistels {
 
+namespace {
+
+bool has_finite_times(const sxy_CLIP& clip) {
+    return std::isfinite(clip.secs_start()) && std::isfinite(clip.secs_end());
+}
+
+// The clip with its times in order.
+clip_pointer ordered(const shared_record<sxy_CLIP>& clip) {
+    if (clip->secs_start() <= clip->secs_end()) return clip.pointer();
+    auto copy = std::make_shared<sxy_CLIP>(*clip);
+    copy->order_times();
+    return copy;
+}
+
+template <class Item>
+void move_item(std::vector<Item>& all, std::size_t from, std::size_t to) {
+    const auto at = [&all](std::size_t index) { return all.begin() + static_cast<std::ptrdiff_t>(index); };
+    if (from < to) {
+        std::rotate(at(from), at(from + 1), at(to + 1));
+    } else {
+        std::rotate(at(to), at(from), at(from + 1));
+    }
+}
+
+}  // namespace
+
 sxy_DATA_root::sxy_DATA_root() : uuid_(new_uuid()) {}
 
 sxy_DATA_root::sxy_DATA_root(timeline_snapshot loaded)
     : uuid_(loaded.uuid.empty() ? new_uuid() : std::move(loaded.uuid)),
       description_(std::move(loaded.description)),
-      kept_(std::move(loaded.kept)) {
+      kept_(std::move(loaded.kept)),
+      tags_(std::move(loaded.tags)) {
+    std::size_t clips = 0;
+    for (const auto& from : loaded.rows) clips += from->clips().size();
+    clips_.reserve(clips);
     for (auto& from : loaded.rows) {
         auto row = std::make_shared<sxy_ROW>(*from);
-        give_unique_uuids(*row);
-        add_places(*row);
-        rows_.push_back(row);
-        owned_.push_back({std::move(row), false});
+        if (row->uuid().empty() || row_index(row->uuid())) row->set_uuid(shared_text(new_uuid()));
+        put_row(rows_.size(), row);
+        take_in(*row, owned_.back().number);
     }
 }
 
 // Two clips or rows with one UUID, or with none, would be told apart by nobody: the later one gets a new one.
 // A clip read with its end before its start is put in order here, where it is first used.
-void sxy_DATA_root::give_unique_uuids(sxy_ROW& row) {
-    if (row.uuid().empty() || row_index(row.uuid())) row.set_uuid(shared_text(new_uuid()));
-    std::vector<clip_pointer> clips(row.clips().begin(), row.clips().end());
-    std::unordered_map<std::string, bool> here;
-    bool changed = false;
-    for (auto& clip : clips) {
-        const bool taken = clip->id().empty() || places_.contains(clip->id()) || here.contains(clip->id());
-        if (taken || clip->secs_end() < clip->secs_start()) {
-            auto copy = std::make_shared<sxy_CLIP>(*clip);
-            if (taken) copy->set_id(new_uuid());
-            copy->order_times();
-            clip = std::move(copy);
-            changed = true;
-        }
-        here.emplace(clip->id(), true);
+void sxy_DATA_root::take_in(sxy_ROW& row, std::uint32_t number) {
+    std::vector<std::size_t> wrong;
+    std::size_t index = 0;
+    for (const auto& clip : row.clips()) {
+        const bool is_new = clips_.insert(*clip, number);
+        if (!is_new || clip->secs_end() < clip->secs_start()) wrong.push_back(index);
+        ++index;
     }
-    if (changed) row.clips().assign(std::move(clips));
-}
-
-void sxy_DATA_root::add_places(const sxy_ROW& row) {
-    places_.reserve(places_.size() + row.clips().size());
-    for (const auto& clip : row.clips()) places_.emplace(clip->id(), clip_place{clip, row.uuid()});
+    const auto* nameless = clips_.find("");
+    if (wrong.empty() && !nameless) return;
+    std::vector<clip_pointer> all(row.clips().begin(), row.clips().end());
+    for (index = 0; nameless && index < all.size(); ++index) {
+        if (all[index].get() == nameless->clip) wrong.push_back(index);
+    }
+    for (const std::size_t at : wrong) {
+        auto copy = std::make_shared<sxy_CLIP>(*all[at]);
+        copy->order_times();
+        auto* known = clips_.find(copy->id());
+        if (known && known->clip == all[at].get() && !copy->id().empty()) {
+            known->clip = copy.get();
+        } else {
+            if (known && known->clip == all[at].get()) clips_.remove(known);
+            copy->set_id(new_uuid());
+            clips_.insert(*copy, number);
+        }
+        all[at] = std::move(copy);
+    }
+    row.clips().assign(std::move(all));
 }
 
 std::optional<std::size_t> sxy_DATA_root::row_index(const shared_text& uuid) const {
-    for (std::size_t index = 0; index < rows_.size(); ++index) {
-        if (rows_[index]->uuid() == uuid) return index;
-    }
-    return std::nullopt;
+    const auto found = row_numbers_.find(uuid);
+    if (found == row_numbers_.end()) return std::nullopt;
+    return row_at_[found->second];
 }
 
 row_pointer sxy_DATA_root::row(const shared_text& uuid) const {
@@ -68,12 +103,18 @@ row_pointer sxy_DATA_root::row_named(std::string_view name) const {
     return nullptr;
 }
 
-std::optional<clip_place> sxy_DATA_root::find_clip(const std::string& uuid) const {
-    const auto found = places_.find(uuid);
-    if (found != places_.end()) return found->second;
+std::optional<clip_place> sxy_DATA_root::find_clip(std::string_view uuid) const {
+    if (const auto* found = clips_.find(uuid)) {
+        const auto& row = *rows_[index_of(*found)];
+        return clip_place{*row.clips().find(*found->clip), row.uuid()};
+    }
     const std::size_t live = live_index(uuid);
     if (live < live_.size()) return live_[live];
     return std::nullopt;
+}
+
+bool sxy_DATA_root::has_clip(std::string_view uuid) const {
+    return clips_.find(uuid) || live_index(uuid) < live_.size();
 }
 
 double sxy_DATA_root::last_end() const {
@@ -86,7 +127,13 @@ double sxy_DATA_root::last_end() const {
 
 timeline_snapshot sxy_DATA_root::snapshot() {
     for (auto& owned : owned_) owned.is_shared = true;
-    return {uuid_, description_, kept_, rows_, live_};
+    return {uuid_, description_, kept_, rows_, live_, tags_};
+}
+
+std::shared_ptr<serial_queue> sxy_DATA_root::work_queue() {
+    const record_guard guard(lk);
+    if (!lock_queue) lock_queue = std::make_shared<serial_queue>("timeline queue");
+    return lock_queue;
 }
 
 sxy_ROW& sxy_DATA_root::editable(std::size_t index) {
@@ -99,22 +146,40 @@ sxy_ROW& sxy_DATA_root::editable(std::size_t index) {
     return *owned.row;
 }
 
-std::size_t sxy_DATA_root::live_index(const std::string& uuid) const {
+std::size_t sxy_DATA_root::live_index(std::string_view uuid) const {
     const auto found = std::find_if(live_.begin(), live_.end(),
                                     [&](const clip_place& place) { return place.clip->id() == uuid; });
     return static_cast<std::size_t>(found - live_.begin());
 }
 
+// Rows that stand at `first` or behind it have come to where they are.
+void sxy_DATA_root::note_places(std::size_t first) {
+    for (std::size_t index = first; index < owned_.size(); ++index) row_at_[owned_[index].number] = index;
+}
+
+void sxy_DATA_root::put_row(std::size_t index, std::shared_ptr<sxy_ROW> row) {
+    auto number = static_cast<std::uint32_t>(row_at_.size());
+    if (free_numbers_.empty()) {
+        row_at_.push_back(index);
+    } else {
+        number = free_numbers_.back();
+        free_numbers_.pop_back();
+    }
+    row_numbers_.emplace(row->uuid(), number);
+    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), row);
+    owned_.insert(owned_.begin() + static_cast<std::ptrdiff_t>(index), {std::move(row), false, number});
+    note_places(index);
+}
+
 bool sxy_DATA_root::insert_row(std::size_t index, sxy_ROW row) {
     if (row.uuid().empty() || row_index(row.uuid())) return false;
     for (const auto& clip : row.clips()) {
-        if (find_clip(clip->id())) return false;
+        if (has_clip(clip->id())) return false;
     }
     index = std::min(index, rows_.size());
     auto kept = std::make_shared<sxy_ROW>(std::move(row));
-    add_places(*kept);
-    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(index), kept);
-    owned_.insert(owned_.begin() + static_cast<std::ptrdiff_t>(index), {std::move(kept), false});
+    put_row(index, kept);
+    take_in(*kept, owned_[index].number);
     return true;
 }
 
@@ -123,21 +188,21 @@ bool sxy_DATA_root::remove_row(const shared_text& uuid) {
     const bool grows =
         std::any_of(live_.begin(), live_.end(), [&](const auto& live) { return live.row == uuid; });
     if (!index || !rows_[*index]->clips().empty() || grows) return false;
+    const auto named = row_numbers_.find(uuid);
+    free_numbers_.push_back(named->second);
+    row_numbers_.erase(named);
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(*index));
     owned_.erase(owned_.begin() + static_cast<std::ptrdiff_t>(*index));
+    note_places(*index);
     return true;
 }
 
 bool sxy_DATA_root::move_row(const shared_text& uuid, std::size_t index) {
     const auto from = row_index(uuid);
     if (!from || index >= rows_.size()) return false;
-    const auto move = [&](auto& all) {
-        auto moved = std::move(all[*from]);
-        all.erase(all.begin() + static_cast<std::ptrdiff_t>(*from));
-        all.insert(all.begin() + static_cast<std::ptrdiff_t>(index), std::move(moved));
-    };
-    move(rows_);
-    move(owned_);
+    move_item(rows_, *from, index);
+    move_item(owned_, *from, index);
+    note_places(std::min(*from, index));
     return true;
 }
 
@@ -146,65 +211,82 @@ bool sxy_DATA_root::change_row(const shared_text& uuid, const property_dictionar
     const auto index = row_index(uuid);
     if (!index) return false;
     auto& owned = owned_[*index];
-    owned = {std::make_shared<sxy_ROW>(row_with(*owned.row, set, unset)), false};
+    owned = {std::make_shared<sxy_ROW>(row_with(*owned.row, set, unset)), false, owned.number};
     rows_[*index] = owned.row;
     return true;
 }
 
-bool sxy_DATA_root::insert_clip(const shared_text& row, sxy_CLIP clip) {
+bool sxy_DATA_root::set_tombstones(const shared_text& row, std::vector<sxy_Deleted_Clip_Item_k11> all) {
     const auto index = row_index(row);
-    if (!index || clip.id().empty() || find_clip(clip.id())) return false;
-    clip.order_times();
-    auto kept = std::make_shared<const sxy_CLIP>(std::move(clip));
-    places_.emplace(kept->id(), clip_place{kept, rows_[*index]->uuid()});
-    editable(*index).clips().insert(std::move(kept));
+    if (!index) return false;
+    editable(*index).set_deleted_clips(std::move(all));
     return true;
 }
 
-bool sxy_DATA_root::remove_clip(const std::string& uuid) {
+bool sxy_DATA_root::insert_clip(const shared_text& row, shared_record<sxy_CLIP> clip) {
+    const auto number = row_numbers_.find(row);
+    if (number == row_numbers_.end() || !has_finite_times(*clip)) return false;
+    auto kept = ordered(clip);
+    const auto uuid = kept->id();
+    if (uuid.empty() || live_index(uuid) < live_.size()) return false;
+    if (!clips_.insert(*kept, number->second)) return false;
+    editable(row_at_[number->second]).clips().insert(std::move(kept));
+    write(cnt_clips_added, cnt_clips_added + 1);
+    return true;
+}
+
+std::optional<clip_place> sxy_DATA_root::remove_clip(std::string_view uuid) {
     if (const std::size_t live = live_index(uuid); live < live_.size()) {
+        auto removed = std::move(live_[live]);
         live_.erase(live_.begin() + static_cast<std::ptrdiff_t>(live));
+        return removed;
+    }
+    auto* found = clips_.find(uuid);
+    if (!found) return std::nullopt;
+    auto& row = editable(index_of(*found));
+    auto& clips = row.clips();
+    const std::size_t index = clips.position(*found->clip);
+    clip_place removed{clips[index], row.uuid()};
+    clips_.remove(found);
+    clips.remove(index);
+    return removed;
+}
+
+std::optional<shared_text> sxy_DATA_root::move_clip(std::string_view uuid, const shared_text& row) {
+    auto* found = clips_.find(uuid);
+    const auto to = row_numbers_.find(row);
+    if (!found || to == row_numbers_.end()) return std::nullopt;
+    auto& from = editable(index_of(*found));
+    const std::size_t index = from.clips().position(*found->clip);
+    clip_pointer clip = from.clips()[index];
+    from.clips().remove(index);
+    found->row = to->second;
+    editable(index_of(*found)).clips().insert(std::move(clip));
+    return from.uuid();
+}
+
+bool sxy_DATA_root::replace_clip(shared_record<sxy_CLIP> clip) {
+    if (!has_finite_times(*clip)) return false;
+    const auto uuid = clip->id();
+    if (const std::size_t live = live_index(uuid); live < live_.size()) {
+        live_[live].clip = clip.pointer();
         return true;
     }
-    const auto found = places_.find(uuid);
-    if (found == places_.end()) return false;
-    auto& clips = editable(*row_index(found->second.row)).clips();
-    clips.remove(clips.position(*found->second.clip));
-    places_.erase(found);
+    auto* found = clips_.find(uuid);
+    if (!found) return false;
+    auto kept = ordered(clip);
+    auto& clips = editable(index_of(*found)).clips();
+    const std::size_t index = clips.position(*found->clip);
+    found->clip = kept.get();
+    clips.replace(index, std::move(kept));
     return true;
 }
 
-bool sxy_DATA_root::move_clip(const std::string& uuid, const shared_text& row) {
-    const auto found = places_.find(uuid);
-    const auto to = row_index(row);
-    if (found == places_.end() || !to) return false;
-    const clip_pointer clip = found->second.clip;
-    auto& from = editable(*row_index(found->second.row)).clips();
-    from.remove(from.position(*clip));
-    editable(*to).clips().insert(clip);
-    found->second.row = rows_[*to]->uuid();
-    return true;
-}
-
-bool sxy_DATA_root::replace_clip(sxy_CLIP clip) {
-    auto kept = std::make_shared<const sxy_CLIP>(std::move(clip));
-    if (const std::size_t live = live_index(kept->id()); live < live_.size()) {
-        live_[live].clip = std::move(kept);
-        return true;
-    }
-    const auto found = places_.find(kept->id());
-    if (found == places_.end()) return false;
-    auto& clips = editable(*row_index(found->second.row)).clips();
-    clips.remove(clips.position(*found->second.clip));
-    clips.insert(kept);
-    found->second.clip = std::move(kept);
-    return true;
-}
-
-bool sxy_DATA_root::insert_live_clip(const shared_text& row, sxy_CLIP clip) {
+bool sxy_DATA_root::insert_live_clip(const shared_text& row, shared_record<sxy_CLIP> clip) {
     const auto index = row_index(row);
-    if (!index || clip.id().empty() || find_clip(clip.id())) return false;
-    live_.push_back({std::make_shared<const sxy_CLIP>(std::move(clip)), rows_[*index]->uuid(), true});
+    const auto uuid = clip->id();
+    if (!index || !has_finite_times(*clip) || uuid.empty() || has_clip(uuid)) return false;
+    live_.push_back({clip.pointer(), rows_[*index]->uuid(), true});
     return true;
 }
 

@@ -2,151 +2,176 @@
 #include "timeline/sxy_ROW.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
-#include "timeline/stored_keys.h"
+#include "timeline/stored_values.h"
 
 namespace vistels {
 
 namespace {
 
 constexpr int row_colour_decimals = 4;
-
-// The stored keys without a field of their own, by where they stand in the stored order.
-constexpr stored_key after_sort_number[] = {
-    {"sort_number_(for_row_Compactor_or_Expander)", nullptr, stored_kind::integer},
-};
-constexpr stored_key compaction_keys[] = {
-    {"uncompacted_row_categories", nullptr, stored_kind::array},
-    {"uncompacted_row_colors", nullptr, stored_kind::array},
-    {"uncompacted_row_Permanent_uuids", nullptr, stored_kind::array},
-    {"uncompacted_sort_number", nullptr, stored_kind::array},
-    {"uncompacted_sort_number_Compactor_Expander", nullptr, stored_kind::array},
-};
-
-std::vector<sxy_Deleted_Clip_Item_k11> read_tombstones(const property_dictionary& stored, double now) {
-    std::vector<sxy_Deleted_Clip_Item_k11> all;
-    const auto* array = stored.array("deleted clips");
-    if (!array) return all;
-    for (const auto& item : *array) {
-        const auto* one = item.dictionary();
-        const auto deleted = one ? one->number("edit_seconds") : std::nullopt;
-        if (!deleted || !(now - *deleted < tombstone_life_seconds)) continue;
-        all.push_back({one->text_or_empty("clip_ID"), one->text_or_empty("author"), *deleted});
-    }
-    return all;
-}
-
-property_array write_tombstones(const std::vector<sxy_Deleted_Clip_Item_k11>& all) {
-    property_array array;
-    for (const auto& one : all) {
-        property_dictionary stored;
-        stored.add("clip_ID", one.deleted_clip_ID);
-        if (!one.edit_author.empty()) stored.add("author", one.edit_author);
-        stored.add("edit_seconds", one.clip_last_Edited_secs);
-        array.emplace_back(std::move(stored));
-    }
-    return array;
-}
-
-std::optional<double> finite(std::optional<double> number) {
-    return number && std::isfinite(*number) ? number : std::nullopt;
-}
+constexpr double no_time = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
-std::size_t clip_list::position(const sxy_CLIP& clip) const {
-    const auto found = std::lower_bound(clips_.begin(), clips_.end(), clip,
-                                        [](const auto& a, const sxy_CLIP& b) { return clip_before(*a, b); });
-    if (found == clips_.end() || (*found)->id() != clip.id()) return size();
-    return static_cast<std::size_t>(found - clips_.begin());
+template <>
+struct stored_form<sxy_Deleted_Clip_Item_k11> {
+    using item = sxy_Deleted_Clip_Item_k11;
+    using here = in_record<item>;
+    static constexpr std::array fields{
+        stored_member_field<here, &item::deleted_clip_ID>("clip_ID"),
+        stored_member_field<here, &item::edit_author>("author"),
+        stored_member_field<here, &item::clip_last_Edited_secs>("edit_seconds"),
+    };
+};
+
+namespace {
+
+struct row_reading {
+    row_fields& to;
+    text_cache& texts;
+    double now;  // seconds since 1970
+};
+
+using row_field = stored_field<row_fields, row_reading>;
+
+struct in_row {
+    using record_type = row_fields;
+    using reading_type = row_reading;
+    static row_fields& of(row_reading& reading) { return reading.to; }
+    static const row_fields* of(const row_fields& fields) { return &fields; }
+};
+
+struct in_compaction {
+    using record_type = row_fields;
+    using reading_type = row_reading;
+    static row_compaction& of(row_reading& reading) { return reading.to.compaction; }
+    static const row_compaction* of(const row_fields& fields) { return &fields.compaction; }
+};
+
+template <auto Member>
+constexpr auto plain(std::string_view key, std::string_view older = {}) {
+    return stored_member_field<in_row, Member>(key, older);
 }
 
-std::size_t clip_list::first_starting_at(double seconds) const {
-    const auto found = std::lower_bound(clips_.begin(), clips_.end(), seconds,
-                                        [](const auto& a, double at) { return a->secs_start() < at; });
-    return static_cast<std::size_t>(found - clips_.begin());
+template <auto Member>
+constexpr auto compacted(std::string_view key) {
+    return stored_member_field<in_compaction, Member>(key);
 }
 
-std::size_t clip_list::insert(clip_pointer clip) {
-    const auto place = std::upper_bound(clips_.begin(), clips_.end(), clip,
-                                        [](const auto& a, const auto& b) { return clip_before(*a, *b); });
-    const auto index = static_cast<std::size_t>(place - clips_.begin());
-    clips_.insert(place, std::move(clip));
-    return index;
+// A field that is written even when it is empty or 0.
+template <auto Member>
+constexpr auto always(row_field field) {
+    field.write = [](const row_fields& fields, std::string_view key, stored_sink& to) {
+        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(fields.*Member)>, shared_text>) {
+            to.put(key, std::string_view((fields.*Member).str()));
+        } else {
+            to.put(key, fields.*Member);
+        }
+    };
+    return field;
 }
 
-void clip_list::remove(std::size_t index) {
-    clips_.erase(clips_.begin() + static_cast<std::ptrdiff_t>(index));
-}
-
-void clip_list::assign(std::vector<clip_pointer> clips) {
-    clips_ = std::move(clips);
-    const auto before = [](const auto& a, const auto& b) { return clip_before(*a, *b); };
-    if (!std::is_sorted(clips_.begin(), clips_.end(), before)) {
-        std::stable_sort(clips_.begin(), clips_.end(), before);
+bool read_tombstones(row_reading& reading, const stored_view& from) {
+    if (!from.is_array()) return false;
+    auto& all = reading.to.deleted_clips_in_row_k11;
+    all.clear();
+    for (const auto& item : from.items()) {
+        sxy_Deleted_Clip_Item_k11 one;
+        one.clip_last_Edited_secs = no_time;
+        stored_reading<sxy_Deleted_Clip_Item_k11> part{one, reading.texts};
+        read_members(stored_form<sxy_Deleted_Clip_Item_k11>::fields, item.members(), part);
+        if (reading.now - one.clip_last_Edited_secs < tombstone_life_seconds) all.push_back(std::move(one));
     }
+    return true;
+}
+
+using row = row_fields;
+using old = row_compaction;
+
+constexpr std::array row_table{
+    plain<&row::sort_by_number_24>("sort_number"),
+    plain<&row::sort_Number_idx1_for_row_Compactor_or_Expander_24>(
+        "sort_number_(for_row_Compactor_or_Expander)"),
+    always<&row::row_name>(plain<&row::row_name>("row_name", "row name")),
+    plain<&row::row_category>("row_category"),
+    compacted<&old::ray_of_slave_categories_to_save_in_master_row>("uncompacted_row_categories"),
+    compacted<&old::ray_of_slave_Row_COLOURS_to_save_in_master_row>("uncompacted_row_colors"),
+    compacted<&old::ray_of_slave_Row_PERMANENT_ID_to_save_in_master_row_2404>(
+        "uncompacted_row_Permanent_uuids"),
+    compacted<&old::ray_of_slave_Row__SORT_NUMBER__to_save_in_master_row_2404>("uncompacted_sort_number"),
+    compacted<&old::ray_of_slave_Row__SORT_NUMBER_IDX1_COMPACTOR_EXPANDER__to_save_in_master_row_2404>(
+        "uncompacted_sort_number_Compactor_Expander"),
+    compacted<&old::uncompacted_rows>("uncompacted_rows"),
+    [] {
+        auto field = plain<&row::deleted_clips_in_row_k11>("deleted clips");
+        field.read = read_tombstones;
+        return field;
+    }(),
+    [] {
+        auto field = always<&row::real_row_height>(plain<&row::real_row_height>("height"));
+        field.unset = [](row_reading& reading) { reading.to.real_row_height = row::default_height; };
+        return field;
+    }(),
+    plain<&row::stored_row_height_for_invisible_row>("height_real", "height real"),
+    always<&row::UUID_permanent>(plain<&row::UUID_permanent>("uuid_row", "UUID row")),
+    stored_colour_field<in_row, &row::row_colour, row_colour_decimals>("color"),
+    plain<&row::is_Timer_Clip_Row>("timer_row", "timer row"),
+};
+
+}  // namespace
+
+sxy_ROW& sxy_ROW::operator=(sxy_ROW&& other) noexcept {
+    if (this == &other) return *this;
+    const record_guard guard(lk);
+    static_cast<row_fields&>(*this) = std::move(static_cast<row_fields&>(other));
+    clips_ = std::move(other.clips_);
+    return *this;
+}
+
+row_fields sxy_ROW::fields() const {
+    const record_guard guard(lk);
+    return *this;
+}
+
+sxy_ROW read_row_values(std::span<const stored_member> stored, double now, text_cache& texts) {
+    row_fields fields;
+    row_reading reading{fields, texts, now};
+    read_members(row_table, stored, reading);
+    return sxy_ROW(std::move(fields));
 }
 
 sxy_ROW read_row_values(const property_dictionary& stored, double now) {
-    sxy_ROW row;
-    const auto text = [&](const char* name, const char* older) {
-        const auto* value = stored_value(stored, {name, older, stored_kind::text});
-        return value ? *value->text() : std::string();
-    };
-    const auto sort_number = stored.integer("sort_number").value_or(0);
-    if (sort_number >= 1) row.set_sort_number(static_cast<int>(std::min<std::int64_t>(sort_number, 1 << 30)));
-    row.set_name(text("row_name", "row name"));
-    row.set_category(stored.text_or_empty("row_category"));
-    row.set_deleted_clips(read_tombstones(stored, now));
-    if (const auto height = finite(stored.number("height"))) row.set_height(*height);
-    if (const auto* height = stored_value(stored, {"height_real", "height real", stored_kind::number})) {
-        row.set_real_height(height->number());
+    stored_arena arena;
+    std::vector<stored_member> members;
+    for (const auto& entry : stored) {
+        if (entry.key != "clips") members.push_back({entry.key, view_of(entry.value, arena)});
     }
-    row.set_uuid(shared_text(text("uuid_row", "UUID row")));
-    if (const auto* colour = stored.text("color")) row.set_col(colour_from_text(*colour));
-    if (const auto* timer = stored_value(stored, {"timer_row", "timer row", stored_kind::flag})) {
-        row.set_is_timer_row(*timer->boolean());
-    }
-    property_dictionary kept;
-    keep_stored(stored, after_sort_number, kept);
-    if (kept.integer(after_sort_number[0].name).value_or(1) < 1) kept.remove(after_sort_number[0].name);
-    keep_stored(stored, compaction_keys, kept);
-    row.set_kept(std::move(kept));
-    return row;
+    text_cache texts;
+    return read_row_values(members, now, texts);
+}
+
+void write_row_values(const sxy_ROW& row, std::size_t row_number, stored_sink& to) {
+    to.put("row_number", static_cast<std::int64_t>(row_number));
+    write_members(row_table, row.fields(), to);
 }
 
 property_dictionary write_row_values(const sxy_ROW& row, std::size_t row_number) {
-    property_dictionary stored;
-    const auto kept = row.kept();
-    stored.add("row_number", static_cast<std::int64_t>(row_number));
-    if (row.sort_number() >= 1) stored.add("sort_number", row.sort_number());
-    put_kept(kept, after_sort_number, stored);
-    stored.add("row_name", row.name());
-    if (!row.category().empty()) stored.add("row_category", row.category());
-    put_kept(kept, compaction_keys, stored);
-    if (const auto tombstones = row.deleted_clips(); !tombstones.empty()) {
-        stored.add("deleted clips", write_tombstones(tombstones));
-    }
-    stored.add("height", row.height());
-    if (const auto height = row.real_height()) stored.add("height_real", *height);
-    stored.add("uuid_row", row.uuid().str());
-    if (const auto colour = row.col()) stored.add("color", colour_text(*colour, row_colour_decimals));
-    if (row.is_timer_row()) stored.add("timer_row", true);
-    return stored;
+    dictionary_sink sink;
+    write_row_values(row, row_number, sink);
+    return sink.take();
 }
 
 sxy_ROW row_with(const sxy_ROW& row, const property_dictionary& set, const property_array& unset) {
-    property_dictionary stored = write_row_values(row, 0);
-    for (const auto& key : unset) {
-        if (key.text()) stored.remove(*key.text());
-    }
-    for (const auto& entry : set) stored.set(entry.key, entry.value);
+    row_fields changed = row.fields();
+    text_cache texts;
     // Tombstones expire when a file is read, not by an edit: with 0 for now, none is old.
-    sxy_ROW changed = read_row_values(stored, 0);
-    changed.set_uuid(row.uuid());
-    changed.clips() = row.clips();
-    return changed;
+    row_reading reading{changed, texts, 0};
+    change_members(row_table, set, unset, reading, [](std::string_view key) { return key != "uuid_row"; });
+    sxy_ROW with(std::move(changed));
+    with.clips() = row.clips();
+    return with;
 }
 
 }  // namespace vistels

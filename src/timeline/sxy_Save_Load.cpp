@@ -1,184 +1,412 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "timeline/sxy_Save_Load.h"
 
-#include <cmath>
+#include <algorithm>
+#include <mutex>
 
-#include "timeline/stored_keys.h"
+#include "timeline/chron_notes.h"
+#include "timeline/stored_values.h"
 #include "util/clock.h"
 #include "util/json.h"
 #include "util/property_list.h"
+#include "util/property_list_cursor.h"
 #include "util/safe_write.h"
 
 namespace vistels {
 
+template <>
+struct stored_form<sXY_data_TAG> {
+    static constexpr std::array fields{
+        [] {
+            auto field = stored_member_field<in_record<sXY_data_TAG>, &sXY_data_TAG::secs_tag>("secs_tag");
+            field.write = [](const sXY_data_TAG& tag, std::string_view key, stored_sink& to) {
+                to.put(key, tag.secs_tag);
+            };
+            return field;
+        }(),
+        stored_member_field<in_record<sXY_data_TAG>, &sXY_data_TAG::xy_tag>("xy_tag"),
+    };
+};
+
 namespace {
 
 constexpr std::int64_t data_version = 2;
+constexpr const char* rows_key = "rows";
+constexpr const char* clips_key = "clips";
+constexpr const char* by_category_key = "show_rows_by_category";
 
-constexpr stored_key before_rows[] = {{"tags", nullptr, stored_kind::array}};
-
-result<property_value> read_document(const std::string& path) {
-    if (!path.ends_with(".json")) return read_property_list_file(path);
-    const auto bytes = read_file(path);
-    if (!bytes) return bytes.error();
-    return read_json(bytes.value(), path);
+bool is_written(const sxy_CLIP& clip, bool only_selected) {
+    return !only_selected || (clip.selected() && clip.filtered_in());
 }
 
-row_pointer read_row(const property_dictionary& stored, double now, std::size_t& skipped_clips) {
-    auto row = std::make_shared<sxy_ROW>(read_row_values(stored, now));
-    const auto* array = stored.array("clips");
-    if (!array) return row;
-    std::vector<clip_pointer> clips;
-    clips.reserve(array->size());
-    for (const auto& value : *array) {
-        auto clip = value.dictionary() ? read_clip(*value.dictionary()) : std::nullopt;
-        if (clip) {
-            clips.push_back(std::make_shared<const sxy_CLIP>(std::move(*clip)));
+// The timeline's own values, as they are written below but for "rows".
+class timeline_reader {
+  public:
+    timeline_reader() : texts_(text_cache::size_for_files), now_(seconds_since_1970()) {}
+
+    void value(std::string_view key, const stored_view& from) {
+        auto& content = loaded_.content;
+        if (key == by_category_key) content.kept.set(key, from.copy());
+        if (key == "description") take_value(content.description, from, texts_);
+        if (key == "uuid_timeline") take_value(content.uuid, from, texts_);
+        if (key == "tags") take_value(content.tags, from, texts_);
+    }
+
+    void begin_rows() {
+        loaded_.content.rows.clear();
+        loaded_.skipped_clips = 0;
+    }
+
+    void begin_clips() { clips_.clear(); }
+    void clip(const stored_view& from) {
+        if (auto clip = read_clip(from, texts_)) {
+            clips_.push_back(std::make_shared<const sxy_CLIP>(std::move(*clip)));
         } else {
-            ++skipped_clips;
+            ++loaded_.skipped_clips;
         }
     }
-    row->clips().assign(std::move(clips));
-    return row;
+
+    // The row with those values, to which the clips since the last row belong.
+    void row(std::span<const stored_member> members) {
+        auto row = std::make_shared<sxy_ROW>(read_row_values(members, now_, texts_));
+        row->set_row_number(static_cast<int>(loaded_.content.rows.size() + 1));
+        row->clips().assign(std::exchange(clips_, {}));
+        loaded_.content.rows.push_back(std::move(row));
+    }
+
+    loaded_timeline take() { return std::move(loaded_); }
+
+  private:
+    loaded_timeline loaded_;
+    std::vector<clip_pointer> clips_;
+    text_cache texts_;
+    const double now_;
+};
+
+// Reads a file in this program's own shape, clip by clip. Nothing when it is in another.
+class quick_reader {
+  public:
+    explicit quick_reader(std::string_view bytes) : cursor_(bytes) {}
+
+    std::optional<loaded_timeline> read() {
+        if (cursor_.next_form() != form::dictionary || !cursor_.enter()) return std::nullopt;
+        while (const auto key = cursor_.next_key(arena_)) {
+            if (*key == rows_key && cursor_.next_form() == form::array) {
+                read_rows();
+            } else {
+                timeline_.value(*key, cursor_.read(arena_));
+            }
+        }
+        return cursor_.finish() ? std::optional(timeline_.take()) : std::nullopt;
+    }
+
+  private:
+    using form = stored_view::form;
+
+    void read_rows() {
+        timeline_.begin_rows();
+        cursor_.enter();
+        while (cursor_.next_item()) {
+            if (cursor_.next_form() == form::dictionary) {
+                read_row();
+            } else {
+                cursor_.skip();
+            }
+        }
+    }
+
+    void read_row() {
+        row_arena_.clear();
+        members_.clear();
+        cursor_.enter();
+        bool holds_something = false;
+        while (const auto key = cursor_.next_key(row_arena_)) {
+            holds_something = true;
+            if (*key == clips_key && cursor_.next_form() == form::array) {
+                read_clips();
+            } else {
+                members_.push_back({*key, cursor_.read(row_arena_)});
+            }
+        }
+        if (holds_something) timeline_.row(members_);
+    }
+
+    void read_clips() {
+        timeline_.begin_clips();
+        cursor_.enter();
+        while (cursor_.next_item()) {
+            clip_arena_.clear();
+            timeline_.clip(cursor_.read(clip_arena_));
+        }
+    }
+
+    property_list_cursor cursor_;
+    timeline_reader timeline_;
+    stored_arena arena_;
+    stored_arena row_arena_;
+    stored_arena clip_arena_;
+    std::vector<stored_member> members_;
+};
+
+void read_row(const property_dictionary& stored, timeline_reader& timeline, stored_arena& arena) {
+    if (const auto* clips = stored.array(clips_key)) {
+        for (const auto& clip : *clips) {
+            arena.clear();
+            timeline.clip(view_of(clip, arena));
+        }
+    }
+    arena.clear();
+    std::vector<stored_member> members;
+    for (const auto& entry : stored) {
+        if (entry.key != clips_key) members.push_back({entry.key, view_of(entry.value, arena)});
+    }
+    timeline.row(members);
 }
 
-property_dictionary write_row(const sxy_ROW& row, std::size_t row_number, bool only_selected) {
-    property_dictionary stored = write_row_values(row, row_number);
-    property_array clips;
-    for (const auto& clip : row.clips()) {
-        if (only_selected && !(clip->selected() && clip->filtered_in())) continue;
-        clips.emplace_back(write_clip(*clip));
+// A whole document.
+loaded_timeline read_view(const stored_view& document) {
+    timeline_reader timeline;
+    std::vector<stored_member> row_members;
+    for (const auto& [key, value] : document.members()) {
+        if (key != rows_key || !value.is_array()) {
+            timeline.value(key, value);
+            continue;
+        }
+        timeline.begin_rows();
+        for (const auto& row : value.items()) {
+            if (!holds_values(row)) continue;
+            row_members.clear();
+            for (const auto& member : row.members()) {
+                if (member.key != clips_key || !member.value.is_array()) {
+                    row_members.push_back(member);
+                    continue;
+                }
+                timeline.begin_clips();
+                for (const auto& clip : member.value.items()) timeline.clip(clip);
+            }
+            timeline.row(row_members);
+        }
     }
-    if (!clips.empty()) stored.add("clips", std::move(clips));
-    return stored;
+    return timeline.take();
+}
+
+std::string row_name_in(const stored_view& row) {
+    std::optional<std::string_view> name;
+    std::optional<std::string_view> older;
+    for (const auto& [key, value] : row.members()) {
+        if (key == "row_name" && value.text()) name = value.text();
+        if (key == "row name" && value.text()) older = value.text();
+    }
+    return std::string(name ? *name : older.value_or(std::string_view()));
+}
+
+void write_row(const sxy_ROW& row, std::size_t row_number, bool only_selected, stored_sink& to) {
+    to.begin_dictionary({});
+    write_row_values(row, row_number, to);
+    bool begun = false;
+    for (const auto& clip : row.clips()) {
+        if (!is_written(*clip, only_selected)) continue;
+        if (!begun) to.begin_array(clips_key);
+        begun = true;
+        to.begin_dictionary({});
+        write_clip(*clip, to);
+        to.end();
+    }
+    if (begun) to.end();
+    to.end();
+}
+
+bool has_written_clip(const sxy_ROW& row) {
+    return std::any_of(row.clips().begin(), row.clips().end(),
+                       [](const auto& clip) { return is_written(*clip, true); });
+}
+
+void put_document(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
+    to.begin_dictionary({});
+    write_timeline(timeline, only_selected, to);
+    to.end();
+}
+
+// About the size of the file, from that of a few clips of each row.
+std::size_t guessed_bytes(const timeline_snapshot& timeline) {
+    constexpr std::size_t bytes_of_a_row = 2000;
+    constexpr std::size_t looked_at = 16;
+    constexpr std::string_view levels[] = {"", "", "", ""};  // as deep as in the file
+    std::size_t bytes = 0;
+    for (const auto& row : timeline.rows) {
+        const auto& clips = row->clips();
+        std::size_t counted = 0;
+        property_list_sink sink;
+        for (const auto level : levels) sink.begin_array(level);
+        for (std::size_t at = 0; at < clips.size(); at += clips.size() / looked_at + 1, ++counted) {
+            sink.begin_dictionary({});
+            write_clip(*clips[at], sink);
+            sink.end();
+        }
+        for (std::size_t level = 0; level < std::size(levels); ++level) sink.end();
+        bytes += bytes_of_a_row;
+        if (counted > 0) bytes += sink.take().size() * clips.size() / counted;
+    }
+    constexpr std::size_t spare_part = 16;
+    return bytes + bytes / spare_part;
+}
+
+failure no_timeline(const std::string& path) {
+    return {"\"" + path + "\" cannot be read: it does not hold a timeline."};
+}
+
+std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes) {
+    using form = stored_view::form;
+    property_list_cursor cursor(bytes);
+    stored_arena arena;
+    std::vector<std::string> names;
+    if (cursor.next_form() != form::dictionary || !cursor.enter()) return std::nullopt;
+    while (const auto key = cursor.next_key(arena)) {
+        if (*key != rows_key || cursor.next_form() != form::array) {
+            cursor.skip();
+            continue;
+        }
+        names.clear();
+        cursor.enter();
+        while (cursor.next_item()) {
+            if (cursor.next_form() != form::dictionary) {
+                cursor.skip();
+                continue;
+            }
+            std::string name;
+            bool holds_something = false;
+            cursor.enter();
+            // A name that stands behind others under the older spelling is for the usual reader.
+            while (const auto row_key = cursor.next_key(arena)) {
+                holds_something = true;
+                const bool is_name = *row_key == "row_name";
+                if (*row_key == "row name") return std::nullopt;
+                if (!is_name) {
+                    cursor.skip();
+                } else if (const auto text = cursor.read(arena).text()) {
+                    name = *text;
+                }
+            }
+            if (holds_something) names.push_back(std::move(name));
+        }
+    }
+    if (!cursor.finish()) return std::nullopt;
+    return names;
 }
 
 }  // namespace
 
 loaded_timeline read_timeline(const property_dictionary& stored) {
-    loaded_timeline loaded;
-    auto& content = loaded.content;
-    content.uuid = stored.text_or_empty("uuid_timeline");
-    content.description = stored.text_or_empty("description");
-    if (const auto* by_category = stored.find("show_rows_by_category")) {
-        content.kept.add("show_rows_by_category", *by_category);
+    timeline_reader timeline;
+    stored_arena arena;
+    for (const auto& entry : stored) {
+        if (entry.key != rows_key) timeline.value(entry.key, view_of(entry.value, arena));
     }
-    keep_stored(stored, before_rows, content.kept);
-    const double now = seconds_since_1970();
-    if (const auto* rows = stored.array("rows")) {
+    if (const auto* rows = stored.array(rows_key)) {
         for (const auto& row : *rows) {
-            if (row.dictionary())
-                content.rows.push_back(read_row(*row.dictionary(), now, loaded.skipped_clips));
+            if (row.dictionary() && !row.dictionary()->empty()) read_row(*row.dictionary(), timeline, arena);
         }
     }
-    return loaded;
+    return timeline.take();
+}
+
+result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::string& path) {
+    if (auto loaded = quick_reader(bytes).read()) return std::move(*loaded);
+    stored_arena arena;
+    const auto document = read_property_list(bytes, path, arena);
+    if (!document) return document.error();
+    if (!document.value().is_dictionary()) return no_timeline(path);
+    return read_view(document.value());
+}
+
+void write_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
+    to.put("row_count", static_cast<std::int64_t>(timeline.rows.size()));
+    const auto* by_category = timeline.kept.find(by_category_key);
+    to.put(by_category_key, by_category ? *by_category : property_value(false));
+    to.put("data_version", data_version);
+    put_value(timeline.description, "description", to);
+    if (only_selected) to.put("only contains selected and filtered in clips", true);
+    to.put("uuid_timeline", timeline.uuid);
+    put_value(timeline.tags, "tags", to);
+    to.begin_array(rows_key);
+    std::size_t row_number = 0;
+    for (const auto& row : timeline.rows) {
+        const record_guard guard(row->lock());
+        if (only_selected && !has_written_clip(*row)) continue;
+        write_row(*row, ++row_number, only_selected, to);
+    }
+    to.end();
 }
 
 property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_selected) {
-    property_dictionary stored;
-    stored.add("row_count", static_cast<std::int64_t>(timeline.rows.size()));
-    const auto* by_category = timeline.kept.find("show_rows_by_category");
-    stored.add("show_rows_by_category", by_category ? *by_category : property_value(false));
-    stored.add("data_version", data_version);
-    if (!timeline.description.empty()) stored.add("description", timeline.description);
-    if (only_selected) stored.add("only contains selected and filtered in clips", true);
-    stored.add("uuid_timeline", timeline.uuid);
-    put_kept(timeline.kept, before_rows, stored);
-    property_array rows;
-    for (const auto& row : timeline.rows) {
-        auto written = write_row(*row, rows.size() + 1, only_selected);
-        if (only_selected && !written.contains("clips")) continue;
-        rows.emplace_back(std::move(written));
-    }
-    stored.add("rows", std::move(rows));
-    return stored;
+    dictionary_sink sink;
+    write_timeline(timeline, only_selected, sink);
+    return sink.take();
+}
+
+std::string timeline_bytes(const timeline_snapshot& timeline, bool only_selected) {
+    property_list_sink sink;
+    sink.expect(guessed_bytes(timeline));
+    put_document(timeline, only_selected, sink);
+    return sink.take();
 }
 
 result<loaded_timeline> load_timeline(const std::string& source) {
     const std::string path = is_folder(source) ? path_join(source, timeline_file_name) : source;
-    const auto document = read_document(path);
-    if (!document) return document.error();
-    const auto* dictionary = document.value().dictionary();
-    if (!dictionary) return failure{"\"" + path + "\" cannot be read: it does not hold a timeline."};
-    return read_timeline(*dictionary);
+    const auto bytes = read_file(path);
+    if (!bytes) return bytes.error();
+    if (path.ends_with(".json")) {
+        const auto document = read_json(bytes.value(), path);
+        if (!document) return document.error();
+        const auto* dictionary = document.value().dictionary();
+        if (!dictionary) return no_timeline(path);
+        return read_timeline(*dictionary);
+    }
+    auto loaded = read_timeline_bytes(bytes.value(), path);
+    if (!loaded || path_name(path) != timeline_file_name) return loaded;
+    notes_keeper keeper(path_folder(path));
+    auto& timeline = loaded.value();
+    auto notes = keeper.open(false, timeline.messages);
+    if (!notes) return notes.error();
+    timeline.content = put_notes_on(std::move(timeline.content), std::move(notes).value());
+    return loaded;
 }
 
 result<void> save_timeline(const timeline_snapshot& timeline, const std::string& folder, bool only_selected,
                            file_system& files) {
-    return safe_write(path_join(folder, timeline_file_name), write_timeline(timeline, only_selected), files);
+    const auto separate = take_notes_off(timeline, only_selected);
+    notes_keeper keeper(folder, files);
+    if (auto saved = keeper.save(separate); !saved) return saved.error();
+    return safe_write_blocks(
+        path_join(folder, timeline_file_name),
+        [&](const block_writer& put) {
+            property_list_sink sink(put);
+            put_document(separate.timeline, only_selected, sink);
+            sink.finish();
+        },
+        files);
 }
 
 std::optional<std::vector<std::string>> read_row_names(const std::string& folder) {
-    const auto stored = read_dictionary_or_empty(path_join(folder, timeline_file_name));
-    const auto* rows = stored.array("rows");
-    if (!rows || rows->empty()) return std::nullopt;
-    std::vector<std::string> names;
-    for (const auto& row : *rows) {
-        if (!row.dictionary()) continue;
-        const auto* name = stored_value(*row.dictionary(), {"row_name", "row name", stored_kind::text});
-        names.push_back(name ? *name->text() : std::string());
+    const std::string path = path_join(folder, timeline_file_name);
+    const auto bytes = read_file(path);
+    if (!bytes) return std::nullopt;
+    auto names = row_names_quickly(bytes.value());
+    if (!names) {
+        stored_arena arena;
+        const auto document = read_property_list(bytes.value(), path, arena);
+        if (!document) return std::nullopt;
+        names.emplace();
+        for (const auto& [key, value] : document.value().members()) {
+            if (key != rows_key || !value.is_array()) continue;
+            names->clear();
+            for (const auto& row : value.items()) {
+                if (holds_values(row)) names->push_back(row_name_in(row));
+            }
+        }
     }
+    if (names->empty()) return std::nullopt;
     return names;
-}
-
-timeline_header load_timeline_header(const std::string& folder) {
-    timeline_header header;
-    header.kept = read_dictionary_or_empty(path_join(folder, timeline_header_file_name));
-    const auto& stored = header.kept;
-    const auto number = [&](const char* key) {
-        const auto value = stored.number(key).value_or(0.0);
-        return std::isfinite(value) ? value : 0.0;
-    };
-    header.uuid = stored.text_or_empty("UUID chronology header");
-    header.full_row_colored = stored.boolean("full row colored").value_or(false);
-    header.created_by = stored.text_or_empty("created by");
-    header.linked_collection = stored.text_or_empty("UUID linked collection");
-    header.name = stored.text_or_empty("chronology name");
-    header.duration = number("duration");
-    header.pixels_per_second = number("pixels per second");
-    header.body_left = number("body left");
-    header.name_column_width = number("name column width");
-    header.cursor_seconds = number("cursor seconds");
-    return header;
-}
-
-result<void> save_timeline_header(const timeline_header& header, const std::string& folder,
-                                  file_system& files) {
-    property_dictionary stored;
-    const auto text = [&](const char* key, const std::string& value) {
-        if (!value.empty()) stored.add(key, value);
-    };
-    const auto kept = [&](const char* key) {
-        if (const auto* value = header.kept.find(key)) stored.add(key, *value);
-    };
-    const auto number = [&](const char* key, double value) {
-        if (value != 0) stored.add(key, value);
-    };
-    text("UUID chronology header", header.uuid);
-    stored.add("full row colored", header.full_row_colored);
-    text("created by", header.created_by);
-    kept("UUID secondary chronology header");
-    text("UUID linked collection", header.linked_collection);
-    kept("source path video collection opened with - optional");
-    kept("source path video collection opened with - optional - bookmark");
-    text("chronology name", header.name);
-    number("duration", header.duration);
-    number("pixels per second", header.pixels_per_second);
-    number("body left", header.body_left);
-    kept("block_auto_relinking");
-    kept("last time copied between folders  - timeline i7");
-    number("name column width", header.name_column_width);
-    stored.add("last saved", seconds_since_1970());
-    kept("unlinked collection message created by");
-    stored.add("cursor seconds", header.cursor_seconds);
-    return safe_write(path_join(folder, timeline_header_file_name), stored, files);
-}
-
-result<void> save_save_time(const std::string& folder, const std::string& saver, file_system& files) {
-    property_dictionary stored;
-    stored.add("last saved", seconds_since_1970());
-    stored.add("uuid last saved", saver);
-    return safe_write(path_join(folder, timeline_save_time_file_name), stored, files);
 }
 
 }  // namespace vistels

@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "timeline/chron_header.h"
 #include "timeline/sxy_DATA_root.h"
 #include "util/file_system.h"
 #include "util/property_value.h"
@@ -13,55 +15,43 @@
 
 namespace vistels {
 
+class stored_sink;
+
 inline constexpr const char* timeline_file_name = "chron data.plist";
-inline constexpr const char* timeline_header_file_name = "chron data header.plist";
-inline constexpr const char* timeline_save_time_file_name = "chron save time.plist";
+
+// The names of new rows begin so; what follows counts them.
+inline constexpr std::string_view default_row_name_mark = "row {start of default timeline row name}";
 
 // A timeline read from its stored form, with what was passed over.
 struct loaded_timeline {
     timeline_snapshot content;
-    std::size_t skipped_clips = 0;  // without a readable time
+    std::size_t skipped_clips = 0;      // without a readable time
+    std::vector<std::string> messages;  // what was wrong with its notes, for the user
 };
 
 // Reads the stored dictionary of a timeline. Nothing in it but its being a dictionary is required.
 loaded_timeline read_timeline(const property_dictionary& stored);
+// The same from the bytes of a property list; strict about these, and the message names `path`. Files in the
+// shape that timeline_bytes writes are read without a tree of values between.
+result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::string& path);
 
-// The stored dictionary: the keys in their order, "rows" last. With `only_selected` only the clips that are
-// selected and filtered in are written, and rows without one are left out.
+// Puts the stored values: the keys in their order, "rows" last. With `only_selected` only the clips that are
+// selected and filtered in are written, and rows without one are left out. Each row is locked while it is
+// written. Any thread.
+void write_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to);
 property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_selected = false);
+// The bytes of "chron data.plist".
+std::string timeline_bytes(const timeline_snapshot& timeline, bool only_selected = false);
 
-// Reads a timeline from a folder that holds "chron data.plist", or from a ".plist" or ".json" file. The
-// journal is not looked at. The message names the file.
+// Reads a timeline from a folder that holds "chron data.plist", or from a ".plist" or ".json" file, with the
+// notes beside it. The journal is not looked at. The message names the file.
 result<loaded_timeline> load_timeline(const std::string& source);
 
-// Writes "chron data.plist" into the folder.
+// Writes "chron notes.plist" and then "chron data.plist" into the folder.
 result<void> save_timeline(const timeline_snapshot& timeline, const std::string& folder,
                            bool only_selected = false, file_system& files = machine_files());
 
 // The names of the rows without building clips; nothing when there are none to be read.
 std::optional<std::vector<std::string>> read_row_names(const std::string& folder);
-
-// What "chron data header.plist" holds: identity and display settings of a timeline.
-struct timeline_header {
-    std::string uuid;               // "UUID chronology header"
-    std::string created_by;         // "created by"
-    std::string linked_collection;  // "UUID linked collection"
-    std::string name;               // "chronology name"
-    bool full_row_colored = false;
-    double duration = 0;           // seconds
-    double pixels_per_second = 0;  // zoom; 0 = not set
-    double body_left = 0;          // scroll position in pixels
-    double name_column_width = 0;  // points; 0 = not set
-    double cursor_seconds = 0;     // the playhead
-    property_dictionary kept;      // all keys as read; those above are replaced when written
-};
-
-timeline_header load_timeline_header(const std::string& folder);
-result<void> save_timeline_header(const timeline_header& header, const std::string& folder,
-                                  file_system& files = machine_files());
-
-// Notes in "chron save time.plist" that the instance `saver` saved just now.
-result<void> save_save_time(const std::string& folder, const std::string& saver,
-                            file_system& files = machine_files());
 
 }  // namespace vistels

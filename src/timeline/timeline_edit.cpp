@@ -2,20 +2,45 @@
 #include "timeline/timeline_edit.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <string_view>
+#include <type_traits>
 #include <unordered_set>
 
 namespace vistels {
 
 namespace {
 
-void add_once(std::vector<shared_text>& to, const shared_text& item) {
-    if (std::find(to.begin(), to.end(), item) == to.end()) to.push_back(item);
-}
+// Adds texts to a list, each once. A few are looked for in the list itself; only a long list pays for a set.
+template <class Text>
+class once_adder {
+  public:
+    // At most `most` texts are going to be added.
+    once_adder(std::vector<Text>& list, std::size_t most) : list_(list), many_(list.size() + most > few) {
+        if (!many_) return;
+        // The views in the set stay good as long as the texts in the list are not moved.
+        if constexpr (std::is_same_v<Text, std::string>) {
+            list.reserve(list.size() + most);
+            known_.reserve(list.size() + most);
+        }
+        for (const auto& text : list) known_.insert(view(text));
+    }
+    void add(const Text& text) {
+        if (!list_.empty() && list_.back() == text) return;
+        if (!many_ && std::find(list_.begin(), list_.end(), text) != list_.end()) return;
+        list_.push_back(text);
+        if (many_ && !known_.insert(view(list_.back())).second) list_.pop_back();
+    }
 
-struct value_change {
-    property_dictionary set;
-    property_array unset;
+  private:
+    static constexpr std::size_t few = 16;
+    static std::string_view view(const std::string& text) { return text; }
+    static std::string_view view(const shared_text& text) { return text.str(); }
+
+    std::vector<Text>& list_;
+    const bool many_;
+    std::unordered_set<std::string_view> known_;
 };
 
 // What makes `before` of `after`. Not only the values that were asked for: a start moved behind the end moves
@@ -35,15 +60,23 @@ value_change way_back(const property_dictionary& before, const property_dictiona
 // Applies operations one by one, remembering for each what takes it back.
 class edit_applier {
   public:
-    edit_applier(sxy_DATA_root& timeline, change_set& touched)
-        : timeline_(timeline), touched_(touched), clips_(touched.clips.begin(), touched.clips.end()) {}
+    edit_applier(sxy_DATA_root& timeline, change_set& touched, std::size_t operations)
+        : timeline_(timeline),
+          touched_(touched),
+          rows_(touched.rows, 2 * operations),
+          clips_(touched.clips, operations) {
+        inverse_.reserve(operations);
+    }
 
     bool apply(const operation::any& one) {
         return std::visit([this](const auto& concrete) { return run(concrete); }, one);
     }
 
-    // What takes back all that was applied, the last first.
-    std::vector<operation::any> inverse() const { return {inverse_.rbegin(), inverse_.rend()}; }
+    // What takes back all that was applied, the last first. Nothing is applied after this.
+    std::vector<operation::any> take_inverse() {
+        std::reverse(inverse_.begin(), inverse_.end());
+        return std::move(inverse_);
+    }
 
   private:
     bool done(bool succeeded, operation::any back) {
@@ -53,25 +86,28 @@ class edit_applier {
 
     void touch_row(const shared_text& row) {
         touched_.kinds |= change_set::rows_changed;
-        add_once(touched_.rows, row);
+        rows_.add(row);
     }
     void touch_clip(const std::string& clip, const shared_text& row, unsigned kinds) {
         touched_.kinds |= kinds;
-        if (clips_.insert(clip).second) touched_.clips.push_back(clip);
-        add_once(touched_.rows, row);
+        clips_.add(clip);
+        rows_.add(row);
+    }
+    static unsigned kinds_of(const clip_place& place) {
+        return place.is_live ? change_set::live_changed : change_set::clips_changed;
     }
 
     bool run(const operation::insert_row& one) {
-        touch_row(one.row.uuid());
-        return done(timeline_.insert_row(one.index, one.row), operation::remove_row{one.row.uuid()});
+        touch_row(one.row->uuid());
+        return done(timeline_.insert_row(one.index, *one.row), operation::remove_row{one.row->uuid()});
     }
 
     bool run(const operation::remove_row& one) {
         const auto index = timeline_.row_index(one.row);
         if (!index) return false;
         touch_row(one.row);
-        const sxy_ROW row = *timeline_.rows()[*index];
-        return done(timeline_.remove_row(one.row), operation::insert_row{*index, row});
+        row_pointer row = timeline_.rows()[*index];
+        return done(timeline_.remove_row(one.row), operation::insert_row{*index, std::move(row)});
     }
 
     bool run(const operation::move_row& one) {
@@ -91,19 +127,21 @@ class edit_applier {
     }
 
     bool run(const operation::insert_clip& one) {
-        touch_clip(one.clip.id(), one.row, change_set::clips_changed);
-        return done(timeline_.insert_clip(one.row, one.clip), operation::remove_clip{one.clip.id()});
+        auto clip = one.clip->id();
+        touch_clip(clip, one.row, change_set::clips_changed);
+        return done(timeline_.insert_clip(one.row, one.clip), operation::remove_clip{std::move(clip)});
     }
 
     bool run(const operation::remove_clip& one) {
-        const auto place = timeline_.find_clip(one.clip);
+        auto place = timeline_.remove_clip(one.clip);
         if (!place) return false;
-        touch_clip(one.clip, place->row,
-                   place->is_live ? change_set::live_changed : change_set::clips_changed);
+        touch_clip(one.clip, place->row, kinds_of(*place));
         if (place->is_live) {
-            return done(timeline_.remove_clip(one.clip), operation::begin_clip{place->row, *place->clip});
+            inverse_.emplace_back(operation::begin_clip{std::move(place->row), std::move(place->clip)});
+        } else {
+            inverse_.emplace_back(operation::insert_clip{std::move(place->row), std::move(place->clip)});
         }
-        return done(timeline_.remove_clip(one.clip), operation::insert_clip{place->row, *place->clip});
+        return true;
     }
 
     bool run(const operation::change_clip& one) {
@@ -111,18 +149,18 @@ class edit_applier {
         if (!place) return false;
         touch_clip(one.clip, place->row,
                    place->is_live ? change_set::live_changed : change_set::clips_changed);
-        sxy_CLIP changed = clip_with(*place->clip, one.set, one.unset);
-        auto back = way_back(write_clip_values(*place->clip), write_clip_values(changed));
+        auto [changed, back] = change_clip_values(*place->clip, one.set, one.unset);
         return done(timeline_.replace_clip(std::move(changed)),
                     operation::change_clip{one.clip, std::move(back.set), std::move(back.unset)});
     }
 
     bool run(const operation::move_clip& one) {
-        const auto place = timeline_.find_clip(one.clip);
-        if (!place || place->is_live) return false;
-        touch_clip(one.clip, place->row, change_set::clips_changed);
-        add_once(touched_.rows, one.row);
-        return done(timeline_.move_clip(one.clip, one.row), operation::move_clip{one.clip, place->row});
+        auto from = timeline_.move_clip(one.clip, one.row);
+        if (!from) return false;
+        touch_clip(one.clip, *from, change_set::clips_changed);
+        rows_.add(one.row);
+        inverse_.emplace_back(operation::move_clip{one.clip, std::move(*from)});
+        return true;
     }
 
     bool run(const operation::insert_qualifier& one) {
@@ -158,8 +196,9 @@ class edit_applier {
     }
 
     bool run(const operation::begin_clip& one) {
-        touch_clip(one.clip.id(), one.row, change_set::live_changed);
-        return done(timeline_.insert_live_clip(one.row, one.clip), operation::remove_clip{one.clip.id()});
+        auto clip = one.clip->id();
+        touch_clip(clip, one.row, change_set::live_changed);
+        return done(timeline_.insert_live_clip(one.row, one.clip), operation::remove_clip{std::move(clip)});
     }
 
     bool run(const operation::finish_clip& one) {
@@ -173,48 +212,84 @@ class edit_applier {
         return done(timeline_.insert_clip(place->row, std::move(clip)), operation::remove_clip{one.clip});
     }
 
+    bool run(const operation::add_tombstones& one) {
+        const auto row = timeline_.row(one.row);
+        if (!row) return false;
+        touch_row(one.row);
+        auto all = row->deleted_clips();
+        all.insert(all.end(), one.tombstones.begin(), one.tombstones.end());
+        operation::remove_tombstones back{one.row, {}};
+        for (auto last = one.tombstones.rbegin(); last != one.tombstones.rend(); ++last) {
+            back.clips.push_back(last->deleted_clip_ID);
+        }
+        return done(timeline_.set_tombstones(one.row, std::move(all)), std::move(back));
+    }
+
+    bool run(const operation::remove_tombstones& one) {
+        const auto row = timeline_.row(one.row);
+        if (!row) return false;
+        touch_row(one.row);
+        auto all = row->deleted_clips();
+        operation::add_tombstones back{one.row, {}};
+        for (const auto& clip : one.clips) {
+            const auto last = std::find_if(all.rbegin(), all.rend(), [&](const auto& tombstone) {
+                return tombstone.deleted_clip_ID == clip;
+            });
+            if (last == all.rend()) continue;
+            back.tombstones.push_back(std::move(*last));
+            all.erase(std::next(last).base());
+        }
+        std::reverse(back.tombstones.begin(), back.tombstones.end());
+        return done(timeline_.set_tombstones(one.row, std::move(all)), std::move(back));
+    }
+
     sxy_DATA_root& timeline_;
     change_set& touched_;
-    std::unordered_set<std::string> clips_;  // those in touched_
+    once_adder<shared_text> rows_;
+    once_adder<std::string> clips_;
     std::vector<operation::any> inverse_;
 };
+
+// Room for the clips that an edit brings, once.
+void expect_clips_of(const timeline_edit& edit, sxy_DATA_root& timeline) {
+    const auto added = std::count_if(edit.operations.begin(), edit.operations.end(), [](const auto& one) {
+        return std::holds_alternative<operation::insert_clip>(one);
+    });
+    timeline.expect_clips(static_cast<std::size_t>(added));
+}
 
 }  // namespace
 
 result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched) {
     const auto growing_before = timeline.live_clips();
-    edit_applier applier(timeline, touched);
+    edit_applier applier(timeline, touched, edit.operations.size());
+    expect_clips_of(edit, timeline);
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
         change_set undone;
-        edit_applier back(timeline, undone);
-        for (const auto& earlier : applier.inverse()) back.apply(earlier);
+        const auto inverse = applier.take_inverse();
+        edit_applier back(timeline, undone, inverse.size());
+        for (const auto& earlier : inverse) back.apply(earlier);
         timeline.set_live_clips(growing_before);  // taking back a finish does not make its clip grow again
         return failure{"\"" + edit.name + "\" could not be done: what it changes is no longer there."};
     }
-    return timeline_edit{edit.name, edit.scope, applier.inverse()};
+    return timeline_edit{edit.name, edit.scope, applier.take_inverse()};
 }
 
 timeline_edit plan_delete_clips(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
                                 const std::string& author, double now) {
     timeline_edit edit;
-    std::map<std::size_t, std::vector<sxy_Deleted_Clip_Item_k11>> tombstones;
+    std::map<std::size_t, operation::add_tombstones> tombstones;  // by the row's place
     for (const auto& uuid : clips) {
         const auto place = timeline.find_clip(uuid);
         if (!place || place->is_live) continue;
         edit.operations.emplace_back(operation::remove_clip{uuid});
-        tombstones[*timeline.row_index(place->row)].push_back({uuid, author, now});
+        auto& of_row = tombstones[*timeline.row_index(place->row)];
+        of_row.row = place->row;
+        of_row.tombstones.push_back({uuid, author, now});
     }
-    for (const auto& [index, added] : tombstones) {
-        sxy_ROW row = *timeline.rows()[index];
-        auto all = row.deleted_clips();
-        all.insert(all.end(), added.begin(), added.end());
-        row.set_deleted_clips(std::move(all));
-        property_dictionary set;
-        set.add("deleted clips", *write_row_values(row, 0).find("deleted clips"));
-        edit.operations.emplace_back(operation::change_row{row.uuid(), std::move(set), {}});
-    }
-    edit.name = edit.operations.size() == 2 ? "Delete Clip" : "Delete Clips";
+    edit.name = edit.operations.size() == 1 ? "Delete Clip" : "Delete Clips";
+    for (auto& [index, added] : tombstones) edit.operations.emplace_back(std::move(added));
     return edit;
 }
 

@@ -12,15 +12,17 @@
 #include "timeline/sxy_DATA_root.h"
 #include "util/property_value.h"
 #include "util/result.h"
+#include "util/shared_record.h"
 
 namespace vistels {
 
-// The single changes of which edits are made. They hold UUIDs and values, never pointers into a timeline.
+// The single changes of which edits are made. They hold UUIDs and values; a record in one never changes, and
+// stays as it is whatever becomes of the timeline.
 namespace operation {
 
 struct insert_row {
-    std::size_t index = 0;  // raised to the number of rows at most
-    sxy_ROW row;            // without clips
+    std::size_t index = 0;       // lowered to the number of rows at most
+    shared_record<sxy_ROW> row;  // without clips
 };
 struct remove_row {
     shared_text row;  // must have no clips
@@ -37,7 +39,7 @@ struct change_row {
 };
 struct insert_clip {
     shared_text row;
-    sxy_CLIP clip;
+    shared_record<sxy_CLIP> clip;
 };
 // Takes away a clip, in a row or live.
 struct remove_clip {
@@ -55,7 +57,7 @@ struct move_clip {
 };
 struct insert_qualifier {
     std::string clip;
-    std::size_t index = 0;  // raised to the number of qualifiers at most
+    std::size_t index = 0;  // lowered to the number of qualifiers at most
     qual_ITEM qualifier;
 };
 struct remove_qualifier {
@@ -65,7 +67,7 @@ struct remove_qualifier {
 // A clip begins to grow: its button is down. It is in no row until finish_clip.
 struct begin_clip {
     shared_text row;
-    sxy_CLIP clip;
+    shared_record<sxy_CLIP> clip;
 };
 // A growing clip gets its times and goes into its row.
 struct finish_clip {
@@ -74,8 +76,20 @@ struct finish_clip {
     double secs_end = 0;
 };
 
+// Notes in a row that clips of it were deleted, behind what is noted there.
+struct add_tombstones {
+    shared_text row;
+    std::vector<sxy_Deleted_Clip_Item_k11> tombstones;
+};
+// Takes away the last tombstone of each clip; passes over clips that have none.
+struct remove_tombstones {
+    shared_text row;
+    std::vector<std::string> clips;
+};
+
 using any = std::variant<insert_row, remove_row, move_row, change_row, insert_clip, remove_clip, change_clip,
-                         move_clip, insert_qualifier, remove_qualifier, begin_clip, finish_clip>;
+                         move_clip, insert_qualifier, remove_qualifier, begin_clip, finish_clip,
+                         add_tombstones, remove_tombstones>;
 
 }  // namespace operation
 

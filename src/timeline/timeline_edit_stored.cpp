@@ -11,7 +11,7 @@ property_dictionary write_one(const operation::insert_row& one) {
     property_dictionary stored;
     stored.add("do", "insert row");
     stored.add("index", static_cast<std::int64_t>(one.index));
-    stored.add("values", write_row_values(one.row, 0));
+    stored.add("values", write_row_values(*one.row, 0));
     return stored;
 }
 
@@ -39,11 +39,12 @@ property_dictionary write_one(const operation::change_row& one) {
     return stored;
 }
 
-property_dictionary clip_in_row(const char* code, const shared_text& row, const sxy_CLIP& clip) {
+property_dictionary clip_in_row(const char* code, const shared_text& row,
+                                const shared_record<sxy_CLIP>& clip) {
     property_dictionary stored;
     stored.add("do", code);
     stored.add("row", row.str());
-    stored.add("values", write_clip(clip));
+    stored.add("values", write_clip(*clip));
     return stored;
 }
 
@@ -105,6 +106,30 @@ property_dictionary write_one(const operation::finish_clip& one) {
     return stored;
 }
 
+property_dictionary write_one(const operation::add_tombstones& one) {
+    property_array tombstones;
+    for (const auto& tombstone : one.tombstones) {
+        property_dictionary values;
+        values.add("clip", tombstone.deleted_clip_ID);
+        if (!tombstone.edit_author.empty()) values.add("author", tombstone.edit_author);
+        values.add("seconds", tombstone.clip_last_Edited_secs);
+        tombstones.emplace_back(std::move(values));
+    }
+    property_dictionary stored;
+    stored.add("do", "add tombstones");
+    stored.add("row", one.row.str());
+    stored.add("tombstones", std::move(tombstones));
+    return stored;
+}
+
+property_dictionary write_one(const operation::remove_tombstones& one) {
+    property_dictionary stored;
+    stored.add("do", "remove tombstones");
+    stored.add("row", one.row.str());
+    stored.add("clips", property_array(one.clips.begin(), one.clips.end()));
+    return stored;
+}
+
 property_dictionary dictionary_or_empty(const property_dictionary& stored, const char* key) {
     const auto* found = stored.dictionary(key);
     return found ? *found : property_dictionary();
@@ -113,6 +138,25 @@ property_dictionary dictionary_or_empty(const property_dictionary& stored, const
 property_array array_or_empty(const property_dictionary& stored, const char* key) {
     const auto* found = stored.array(key);
     return found ? *found : property_array();
+}
+
+operation::add_tombstones read_added_tombstones(const shared_text& row, const property_array& stored) {
+    operation::add_tombstones add{row, {}};
+    for (const auto& value : stored) {
+        const auto* one = value.dictionary();
+        const auto seconds = one ? one->number("seconds") : std::nullopt;
+        if (seconds)
+            add.tombstones.push_back({one->text_or_empty("clip"), one->text_or_empty("author"), *seconds});
+    }
+    return add;
+}
+
+operation::remove_tombstones read_removed_tombstones(const shared_text& row, const property_array& stored) {
+    operation::remove_tombstones remove{row, {}};
+    for (const auto& clip : stored) {
+        if (clip.text()) remove.clips.push_back(*clip.text());
+    }
+    return remove;
 }
 
 std::optional<operation::any> read_row_operation(const std::string& code, const property_dictionary& stored) {
@@ -128,6 +172,8 @@ std::optional<operation::any> read_row_operation(const std::string& code, const 
         return operation::change_row{row, dictionary_or_empty(stored, "set"),
                                      array_or_empty(stored, "unset")};
     }
+    if (code == "add tombstones") return read_added_tombstones(row, array_or_empty(stored, "tombstones"));
+    if (code == "remove tombstones") return read_removed_tombstones(row, array_or_empty(stored, "clips"));
     return std::nullopt;
 }
 

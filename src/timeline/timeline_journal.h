@@ -25,12 +25,24 @@ struct file_content_mark {
 
 file_content_mark content_mark_of(std::string_view file_content);
 
+// A segment of the journal and how much of it counts. Numbers are given out again once a segment is deleted,
+// so its writer tells it, too, and while the program runs its inode.
+struct journal_part {
+    int segment = 0;
+    std::int64_t size = 0;    // bytes
+    std::string writer;       // empty: none of its lines says
+    std::uint64_t inode = 0;  // as it was read, not stored; 0 = not known
+};
+
 // A state of the saved file that a journal continues: its content, the number of the last edit that it holds,
 // and the clips that were growing then, which no file holds.
 struct journal_base {
     file_content_mark content;
     std::uint64_t through = 0;
-    timeline_edit growing;  // begin_clip operations
+    timeline_edit growing;             // begin_clip operations
+    std::string writer;                // the document that keeps this journal
+    std::vector<journal_part> covers;  // what earlier writers left and this one took up ...
+    std::uint64_t taken = 0;           // ... through this number
 };
 
 // What the journal of a timeline holds beyond the saved file.
@@ -41,20 +53,25 @@ struct journal_content {
     std::optional<double> last_time;   // seconds: the last collection time that was noted
     int last_segment = 0;              // the highest segment number in use
     bool fits = false;                 // a segment continues the file that is there
-    // Segments with edits that are not among `edits`: they continue another file, or an edit before them is
-    // missing. `messages` tells which.
+    std::vector<journal_part> parts;   // every segment that was read
+    // Segments with edits that are not among `edits`: they continue another file, an edit before them is
+    // missing, or two programs wrote at the same time. `messages` tells which.
     std::vector<std::string> left_out;
     std::vector<std::string> messages;
 };
 
 // Reads the segments "chron data journal N" in `folder` against the file that is there. What was torn is
-// passed over; edits behind a missing one are not replayed, and that is told. Nothing is changed on disk.
-journal_content read_journal(const std::string& folder, const file_content_mark& file);
+// passed over; edits behind a missing one are not replayed, and that is told. Nothing is changed on disk. A
+// segment that the volume fails to read is a failure: its edits must not count as not made.
+result<journal_content> read_journal(const std::string& folder, const file_content_mark& file,
+                                     file_system& files = machine_files());
 
 // Appends the edits of one timeline to its journal. Every member may be called from any thread.
 class timeline_journal {
   public:
-    // Starts segment `segment`, which continues `base`; the next edit gets the number after `last_number`.
+    // Starts segment `segment`, or the next free one, which continues `base`; the next edit gets the number
+    // after `last_number`. What `base` covers is deleted with the segments that a save has made superfluous,
+    // but for parts that somebody wrote on to since.
     static result<std::unique_ptr<timeline_journal>> start(const std::string& folder, int segment,
                                                            const journal_base& base,
                                                            std::uint64_t last_number,
@@ -72,11 +89,12 @@ class timeline_journal {
 
     std::uint64_t last_number() const;
 
-    // A file that is `coming` is about to replace the saved one. On record, and synced, when this returns.
+    // A file that is `coming` (writer and what it took up are added) is about to replace the saved one. On
+    // record, and synced, when this returns.
     result<void> note_save(const journal_base& coming);
 
     // The file noted last is in place: a new segment with the edits after `base.through` takes the place of
-    // all older segments, which are deleted.
+    // the older segments of this writer and of those that it covers.
     result<void> save_done(const journal_base& base);
 
     // Deletes the journal when the saved file holds all its edits.
@@ -84,6 +102,10 @@ class timeline_journal {
 
   private:
     class segment_file;
+    struct own_segment {
+        int number;
+        std::uint64_t inode;  // 0 = not known
+    };
     struct recent_line {
         std::uint64_t number;
         std::string line;
@@ -93,13 +115,24 @@ class timeline_journal {
     result<void> append_line(const std::string& line);
     void sync_soon();
     std::string segment_path(int segment) const;
+    result<std::shared_ptr<segment_file>> next_segment(int& segment) const;
+    std::string base_line(journal_base base) const;
+    bool remove_older_than(int segment);  // false when one could not be removed
+    bool is_own(const own_segment& segment) const;
+    bool remove_covered(const journal_part& part);  // the same
+    result<void> move_on();
 
     const std::string folder_;
     file_system& files_;
+    std::string writer_;
+    std::vector<journal_part> covers_;
+    std::uint64_t taken_ = 0;
     mutable std::mutex mutex_;  // guards what follows
     int segment_;
+    std::vector<own_segment> older_;
     std::uint64_t last_number_;
     std::shared_ptr<segment_file> file_;
+    std::string head_;                 // the lines with which the present segment begins
     std::vector<recent_line> recent_;  // edits that no finished save holds
     std::string last_time_line_;       // empty: no time was noted
     bool sync_is_waiting_ = false;

@@ -4,33 +4,53 @@
 #include <memory>
 #include <string>
 
+#include "util/file_system.h"
 #include "util/result.h"
 
 namespace vistels {
 
-// The right to write the timeline in one folder, held by one document at a time. On one machine the kernel
-// keeps it (it ends with the process, however that dies); for volumes that several machines see, the file
-// "chron data writer.plist" names the holder. Main thread.
+// The right to write the timeline in one folder, held by one document at a time. The file
+// "chron data writer.plist" in the folder names the holder: host, machine, boot, process and user. On one
+// machine the kernel keeps the right as well (it ends with the process, however that dies). One thread.
 class writer_lock {
   public:
-    // Takes the lock, or says who has it. A file left by a process of this machine that is gone is taken
-    // over.
-    static result<std::unique_ptr<writer_lock>> take(const std::string& folder);
+    // Takes the lock, or says who has it, since when nothing was heard of them, or why its file could not be
+    // written; `held_elsewhere` tells the one from the other. A file left by a process of this machine that
+    // is gone is taken over.
+    static result<std::unique_ptr<writer_lock>> take(const std::string& folder,
+                                                     file_system& files = machine_files(),
+                                                     bool* held_elsewhere = nullptr);
+    // Takes the lock from whoever has it: only when a person says so. The former holder finds out by
+    // is_held().
+    static result<std::unique_ptr<writer_lock>> take_over(const std::string& folder,
+                                                          file_system& files = machine_files(),
+                                                          bool* held_elsewhere = nullptr);
     // Gives the lock back and removes its file.
     ~writer_lock();
     writer_lock(const writer_lock&) = delete;
     writer_lock& operator=(const writer_lock&) = delete;
 
-    // Sets the file's time, from which other machines see that the holder lives.
-    void renew();
+    // False when somebody took the lock over. A file that was only removed, or cannot be looked at, leaves it
+    // held.
+    bool is_held() const;
+
+    // Sets the file's time, from which others see that the holder lives; puts the file back when somebody
+    // removed it. False when the lock is not held any more.
+    bool renew();
+
+    // The failure of one who lost the lock: it names who has it now.
+    failure lost() const;
 
     static constexpr double renewal_seconds = 10;
 
   private:
-    writer_lock(std::string path, int descriptor) : path_(std::move(path)), descriptor_(descriptor) {}
+    writer_lock(std::string folder, int descriptor, file_system& files);
+    result<void> name_this_process();
 
+    std::string folder_;
     std::string path_;
     int descriptor_;
+    file_system& files_;
 };
 
 }  // namespace vistels

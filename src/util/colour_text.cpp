@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/colour_text.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "util/text_forms.h"
@@ -11,15 +13,33 @@ namespace vistels {
 
 namespace {
 
-std::string joined(const std::vector<double>& numbers, bool at_least_one_decimal) {
-    std::string text;
-    for (const double number : numbers) {
-        if (!text.empty()) text += ',';
-        const std::size_t from = text.size();
-        append_shortest_decimal(text, number);
-        if (at_least_one_decimal && text.find_first_of(".e", from) == std::string::npos) text += ".0";
+constexpr std::array<double, 10> powers_of_ten{1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+
+// The component rounded, in its shortest form with at least one decimal.
+void append_component(std::string& to, double component, int decimals) {
+    const double scale = powers_of_ten[static_cast<std::size_t>(decimals)];
+    const double scaled = std::isfinite(component) ? std::round(component * scale) : 0.0;
+    constexpr double most_digits = 1e15;
+    if (scaled >= 0 && scaled < most_digits) {
+        // The digits of the whole number `scaled` are those of the shortest form, zeros at the end aside.
+        const auto number = static_cast<std::uint64_t>(scaled);
+        const auto one = static_cast<std::uint64_t>(scale);
+        append_integer(to, static_cast<std::int64_t>(number / one));
+        to += '.';
+        const std::size_t last_kept = to.size() + 1;
+        std::uint64_t rest = number % one;
+        for (std::uint64_t place = one / 10; place > 0; place /= 10) {
+            to += static_cast<char>('0' + rest / place);
+            rest %= place;
+        }
+        if (to.size() < last_kept) to += '0';
+        while (to.size() > last_kept && to.back() == '0') to.pop_back();
+        return;
     }
-    return text;
+    const std::size_t from = to.size();
+    // A double this large has no decimals left to round.
+    append_shortest_decimal(to, std::abs(component) * scale >= 0x1p53 ? component : scaled / scale + 0.0);
+    if (to.find_first_of(".e", from) == std::string::npos) to += ".0";
 }
 
 // Every finite number that stands in `text`, whatever stands between them.
@@ -30,9 +50,9 @@ std::vector<double> numbers_in(std::string_view text) {
     while (at != end) {
         double number = 0;
         const auto [next, fault] = std::from_chars(at, end, number);
-        const bool is_number = fault == std::errc() && std::isfinite(number);
-        if (is_number) numbers.push_back(number);
-        at = is_number ? next : at + 1;
+        if (fault == std::errc() && std::isfinite(number)) numbers.push_back(number);
+        // One beyond the range of a double is passed over whole: its digits may be many.
+        at = next == at ? at + 1 : next;
     }
     return numbers;
 }
@@ -45,16 +65,17 @@ std::optional<rectangle> rectangle_of(const std::vector<double>& numbers) {
 }  // namespace
 
 std::string colour_text(const colour& value, int decimals) {
-    const double scale = std::pow(10.0, decimals);
-    const auto rounded = [scale](double component) {
-        if (!std::isfinite(component)) return 0.0;
-        // A double this large has no decimals left to round.
-        if (std::abs(component) * scale >= 0x1p53) return component;
-        return std::round(component * scale) / scale + 0.0;
-    };
-    std::vector<double> components{rounded(value.red), rounded(value.green), rounded(value.blue)};
-    if (value.alpha != 1.0) components.push_back(rounded(value.alpha));
-    return joined(components, true);
+    std::string text;
+    append_component(text, value.red, decimals);
+    text += ',';
+    append_component(text, value.green, decimals);
+    text += ',';
+    append_component(text, value.blue, decimals);
+    if (value.alpha != 1.0) {
+        text += ',';
+        append_component(text, value.alpha, decimals);
+    }
+    return text;
 }
 
 std::optional<colour> colour_from_text(std::string_view text) {
@@ -81,7 +102,12 @@ colour colour_from_hex(std::string_view text) {
 }
 
 std::string rectangle_text(const rectangle& value) {
-    return joined({value.x, value.y, value.width, value.height}, false);
+    std::string text;
+    for (const double number : {value.x, value.y, value.width, value.height}) {
+        if (!text.empty()) text += ',';
+        append_shortest_decimal(text, number);
+    }
+    return text;
 }
 
 std::optional<rectangle> rectangle_from(const property_value& value) {

@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,14 @@ namespace {
 
 int outcome(int returned) {
     return returned == 0 ? 0 : errno;
+}
+
+int take_identity(int returned, const struct stat& state, file_identity& found) {
+    if (returned != 0) return errno;
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    found = {state.st_dev, state.st_ino, state.st_size,
+             state.st_mtim.tv_sec * nanoseconds + state.st_mtim.tv_nsec};
+    return 0;
 }
 
 constexpr bool is_digit(char c) {
@@ -60,6 +69,21 @@ int file_system::write(int descriptor, std::string_view bytes, std::size_t& writ
     return count == 0 && !bytes.empty() ? EIO : 0;
 }
 
+int file_system::read(int descriptor, char* into, std::size_t room, std::size_t& got) {
+    const ssize_t count = ::read(descriptor, into, room);
+    got = count > 0 ? static_cast<std::size_t>(count) : 0;
+    return count < 0 ? errno : 0;
+}
+
+int file_system::empty(int descriptor) {
+    return outcome(::ftruncate(descriptor, 0));
+}
+int file_system::lock(int descriptor) {
+    return outcome(::flock(descriptor, LOCK_EX | LOCK_NB));
+}
+int file_system::touch(int descriptor) {
+    return outcome(::futimens(descriptor, nullptr));
+}
 int file_system::sync(int descriptor) {
     return outcome(::fsync(descriptor));
 }
@@ -76,6 +100,10 @@ int file_system::hard_link(const std::string& from, const std::string& to) {
 
 int file_system::rename(const std::string& from, const std::string& to) {
     return outcome(std::rename(from.c_str(), to.c_str()));
+}
+
+int file_system::exchange(const std::string& a, const std::string& b) {
+    return outcome(::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE));
 }
 
 int file_system::remove(const std::string& path) {
@@ -98,11 +126,30 @@ int file_system::make_folder(const std::string& path) {
 
 int file_system::identity(const std::string& path, file_identity& found) {
     struct stat state {};
-    if (::stat(path.c_str(), &state) != 0) return errno;
-    constexpr std::int64_t nanoseconds = 1'000'000'000;
-    found = {state.st_dev, state.st_ino, state.st_size,
-             state.st_mtim.tv_sec * nanoseconds + state.st_mtim.tv_nsec};
-    return 0;
+    return take_identity(::stat(path.c_str(), &state), state, found);
+}
+int file_system::opened_identity(int descriptor, file_identity& found) {
+    struct stat state {};
+    return take_identity(::fstat(descriptor, &state), state, found);
+}
+
+int file_system::list(const std::string& folder, std::vector<std::string>& names) {
+    names.clear();
+    DIR* const listing = ::opendir(folder.c_str());
+    if (!listing) return errno;
+    int fault = 0;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(listing);
+        if (!entry) {
+            fault = errno;
+            break;
+        }
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+    }
+    ::closedir(listing);
+    return fault;
 }
 
 file_system& machine_files() {
@@ -125,28 +172,32 @@ int write_whole(file_system& files, int descriptor, std::string_view bytes) {
     return 0;
 }
 
-result<std::string> read_file(const std::string& path) {
-    int descriptor = -1;
-    if (const int fault = machine_files().open(path, O_RDONLY, descriptor)) {
-        return file_failure(path, "cannot be read", fault);
-    }
-    std::string bytes;
-    struct stat state {};
-    if (::fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode)) {
-        bytes.reserve(static_cast<std::size_t>(state.st_size) + 1);
+int read_whole(file_system& files, int descriptor, std::string& bytes) {
+    bytes.clear();
+    file_identity found;
+    if (files.opened_identity(descriptor, found) == 0 && found.size > 0) {
+        bytes.reserve(static_cast<std::size_t>(found.size) + 1);
     }
     constexpr std::size_t step = 1 << 16;
-    int fault = 0;
     for (;;) {
         const std::size_t have = bytes.size();
         bytes.resize(std::max(have + step, bytes.capacity()));
-        const ssize_t count = ::read(descriptor, bytes.data() + have, bytes.size() - have);
-        bytes.resize(have + (count > 0 ? static_cast<std::size_t>(count) : 0));
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) fault = errno;
-        if (count <= 0) break;
+        std::size_t got = 0;
+        const int fault = files.read(descriptor, bytes.data() + have, bytes.size() - have, got);
+        bytes.resize(have + got);
+        if (fault == EINTR) continue;
+        if (fault != 0 || got == 0) return fault;
     }
-    ::close(descriptor);
+}
+
+result<std::string> read_file(const std::string& path, file_system& files) {
+    int descriptor = -1;
+    if (const int fault = files.open(path, O_RDONLY, descriptor)) {
+        return file_failure(path, "cannot be read", fault);
+    }
+    std::string bytes;
+    const int fault = read_whole(files, descriptor, bytes);
+    files.close(descriptor);
     if (fault != 0) return file_failure(path, "cannot be read", fault);
     return bytes;
 }
@@ -164,15 +215,13 @@ result<void> make_folders(const std::string& path, file_system& files) {
 
 std::vector<std::string> names_in_folder(const std::string& folder) {
     std::vector<std::string> names;
-    DIR* const listing = ::opendir(folder.c_str());
-    if (!listing) return names;
-    while (const dirent* entry = ::readdir(listing)) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") names.emplace_back(name);
-    }
-    ::closedir(listing);
-    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return natural_before(a, b); });
+    (void)machine_files().list(folder, names);
+    sort_names(names);
     return names;
+}
+
+void sort_names(std::vector<std::string>& names) {
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return natural_before(a, b); });
 }
 
 bool natural_before(std::string_view a, std::string_view b) {

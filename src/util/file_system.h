@@ -20,8 +20,8 @@ struct file_identity {
     bool operator==(const file_identity&) const = default;
 };
 
-// The calls by which files are written, one system call each, so that tests can make any of them fail or end
-// the program before it. Every call returns 0 or the error number (errno). Any thread.
+// The calls by which files are read, written and locked, one system call each, so that tests can make any of
+// them fail or end the program before it. Every call returns 0 or the error number (errno). Any thread.
 class file_system {
   public:
     virtual ~file_system() = default;
@@ -30,15 +30,28 @@ class file_system {
     virtual int open(const std::string& path, int flags, int& descriptor);
     // Writes a part of `bytes`, at least one; `written` tells how many.
     virtual int write(int descriptor, std::string_view bytes, std::size_t& written);
+    // Reads at most `room` bytes; `got` is 0 at the end of the file.
+    virtual int read(int descriptor, char* into, std::size_t room, std::size_t& got);
+    // Takes away the file's content.
+    virtual int empty(int descriptor);
+    // Takes the file for this descriptor alone, until it is closed; EWOULDBLOCK when another one has it.
+    virtual int lock(int descriptor);
+    // Sets the file's time to now.
+    virtual int touch(int descriptor);
     virtual int sync(int descriptor);
     virtual int sync_data(int descriptor);
     virtual int close(int descriptor);
     virtual int hard_link(const std::string& from, const std::string& to);
     virtual int rename(const std::string& from, const std::string& to);
+    // Each of two files gets the other's name, in one step. EINVAL or ENOSYS where that is not known.
+    virtual int exchange(const std::string& a, const std::string& b);
     virtual int remove(const std::string& path);
     virtual int sync_folder(const std::string& folder);
     virtual int make_folder(const std::string& path);
     virtual int identity(const std::string& path, file_identity& found);
+    virtual int opened_identity(int descriptor, file_identity& found);
+    // The names in a folder without "." and "..", in no order.
+    virtual int list(const std::string& folder, std::vector<std::string>& names);
 };
 
 // The machine's own file system.
@@ -52,7 +65,10 @@ failure file_failure(const std::string& path, const std::string& what, int error
 int write_whole(file_system& files, int descriptor, std::string_view bytes);
 
 // The file's bytes.
-result<std::string> read_file(const std::string& path);
+result<std::string> read_file(const std::string& path, file_system& files = machine_files());
+
+// Reads to the end of the file; 0 or the error number.
+int read_whole(file_system& files, int descriptor, std::string& bytes);
 
 // Makes a folder and those above it; one that is there is no error.
 result<void> make_folders(const std::string& path, file_system& files = machine_files());
@@ -60,6 +76,8 @@ result<void> make_folders(const std::string& path, file_system& files = machine_
 // The names in a folder in natural order ("part 2" before "part 10"), without "." and ".."; empty when there
 // is no such folder.
 std::vector<std::string> names_in_folder(const std::string& folder);
+
+void sort_names(std::vector<std::string>& names);
 
 // True when `a` comes before `b` with runs of digits compared by value.
 bool natural_before(std::string_view a, std::string_view b);

@@ -18,8 +18,10 @@ property_value from_element(const simdjson::dom::element& element) {
     using kind = simdjson::dom::element_type;
     switch (element.type()) {
         case kind::ARRAY: {
+            const simdjson::dom::array items(element);
             property_array array;
-            for (const auto item : simdjson::dom::array(element)) array.push_back(from_element(item));
+            array.reserve(items.size());
+            for (const auto item : items) array.push_back(from_element(item));
             return property_value(std::move(array));
         }
         case kind::OBJECT: {

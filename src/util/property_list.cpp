@@ -4,10 +4,12 @@
 #include <expat.h>
 
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "util/file_system.h"
+#include "util/stored_sink.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -15,6 +17,12 @@ namespace vistels {
 namespace {
 
 enum class element { plist, dict, array, key, string, integer, real, yes, no, data, date, unknown };
+
+// The parser copies what it is fed; more than a cache holds only slows it down.
+constexpr std::size_t parser_chunk_bytes = std::size_t{1} << 16;
+// A single tag, comment or declaration has to be in memory whole, with about twenty times its size for a tag
+// with nothing but attributes.
+constexpr std::size_t longest_markup_bytes = std::size_t{1} << 20;
 
 struct element_name {
     element kind;
@@ -39,64 +47,68 @@ bool is_container(element kind) {
     return kind == element::dict || kind == element::array;
 }
 
-property_value scalar_from_text(element kind, std::string& text) {
+stored_view scalar_from_text(element kind, std::string_view text, stored_arena& arena) {
     switch (kind) {
         case element::string:
-            return property_value(std::exchange(text, {}));
+            return stored_view(arena.keep(text));
         case element::integer:
-            if (const auto number = integer_from_text(text)) return property_value(*number);
-            if (const auto number = number_from_text(text)) return property_value(*number);
+            if (const auto number = integer_from_text(text)) return stored_view(*number);
+            if (const auto number = number_from_text(text)) return stored_view(*number);
             return {};
         case element::real:
-            if (const auto number = number_from_text(text)) return property_value(*number);
+            if (const auto number = number_from_text(text)) return stored_view(*number);
             return {};
         case element::yes:
-            return property_value(true);
+            return stored_view(true);
         case element::no:
-            return property_value(false);
+            return stored_view(false);
         case element::data:
-            if (auto bytes = bytes_from_base64(text)) return property_value(property_data{std::move(*bytes)});
+            if (const auto bytes = bytes_from_base64(text)) return stored_view::of_data(arena.keep(*bytes));
             return {};
         case element::date:
-            if (const auto moment = date_from_text(text)) return property_value(property_date{*moment});
+            if (const auto moment = date_from_text(text)) return stored_view::of_date(*moment);
             return {};
         default:
             return {};
     }
 }
 
-// Builds the tree from the parser's calls. The first fault stops the parser; nothing throws through it.
-class tree_builder {
+// Builds the views from the parser's calls. The first fault stops the parser; nothing throws through it.
+class view_builder {
   public:
-    explicit tree_builder(XML_Parser parser) : parser_(parser) {
+    view_builder(XML_Parser parser, stored_arena& arena) : parser_(parser), arena_(arena) {
         XML_SetUserData(parser, this);
         XML_SetElementHandler(parser, on_start, on_end);
         XML_SetCharacterDataHandler(parser, on_text);
-        XML_SetEntityDeclHandler(parser, on_entity);
+        XML_SetStartDoctypeDeclHandler(parser, on_doctype);
+        XML_SetSkippedEntityHandler(parser, on_unknown_entity);
     }
 
     const std::string& fault() const { return fault_; }
     bool has_root() const { return has_root_; }
-    property_value take_root() { return std::move(root_); }
+    stored_view root() const { return root_; }
 
   private:
     struct open_container {
         element kind;
-        property_dictionary dictionary;
-        property_array array;
-        std::string key;
+        std::size_t first;  // of its items in items_, or of its members in members_
+        std::string_view key;
         bool has_key = false;
     };
 
-    static tree_builder& self(void* data) { return *static_cast<tree_builder*>(data); }
-    static void on_start(void* data, const XML_Char* name, const XML_Char**) { self(data).start(name); }
+    static view_builder& self(void* data) { return *static_cast<view_builder*>(data); }
+    static void on_start(void* data, const XML_Char* name, const XML_Char** attributes) {
+        self(data).start(name, attributes[0] != nullptr);
+    }
     static void on_end(void* data, const XML_Char* name) { self(data).end(element_named(name)); }
     static void on_text(void* data, const XML_Char* text, int length) {
         self(data).characters(std::string_view(text, static_cast<std::size_t>(length)));
     }
-    static void on_entity(void* data, const XML_Char*, int, const XML_Char*, int, const XML_Char*,
-                          const XML_Char*, const XML_Char*, const XML_Char*) {
-        self(data).stop("it declares entities, which are not allowed");
+    static void on_doctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int declares) {
+        if (declares) self(data).stop("it declares entities or elements of its own, which is not allowed");
+    }
+    static void on_unknown_entity(void* data, const XML_Char* name, int) {
+        self(data).stop("the entity \"" + std::string(name).substr(0, 40) + "\" is not known");
     }
 
     void stop(std::string reason) {
@@ -104,7 +116,7 @@ class tree_builder {
         XML_StopParser(parser_, XML_FALSE);
     }
 
-    void start(std::string_view name) {
+    void start(std::string_view name, bool has_attributes) {
         const element kind = element_named(name);
         if (kind == element::unknown)
             return stop("\"" + std::string(name.substr(0, 40)) + "\" is no property list element");
@@ -114,13 +126,14 @@ class tree_builder {
             return;
         }
         if (!in_plist_) return stop("it is not a property list");
+        if (has_attributes) return stop("a value has attributes");
         if (scalar_ != element::unknown) return stop("an element stands inside a value");
         if (!accepts(kind)) return stop("a dictionary must hold keys and values by turns");
         if (is_container(kind)) {
             if (static_cast<int>(open_.size()) >= deepest_nesting) {
                 return stop("it is nested more than " + std::to_string(deepest_nesting) + " deep");
             }
-            open_.push_back({kind, {}, {}, {}, false});
+            open_.push_back({kind, kind == element::dict ? members_.size() : items_.size(), {}, false});
         } else {
             scalar_ = kind;
             text_.clear();
@@ -137,185 +150,114 @@ class tree_builder {
     void characters(std::string_view text) {
         if (scalar_ != element::unknown) {
             text_.append(text);
-        } else if (text.find_first_not_of(" \t\r\n") != std::string_view::npos) {
-            stop("text stands outside a value");
+            return;
+        }
+        for (const char character : text) {
+            if (character != '\t' && character != '\n' && character != ' ' && character != '\r') {
+                return stop("text stands outside a value");
+            }
         }
     }
 
     void end(element kind) {
         if (!fault_.empty() || kind == element::plist) return;
         if (is_container(kind)) {
-            auto top = std::move(open_.back());
+            const auto top = open_.back();
             open_.pop_back();
             if (top.has_key) return stop("a key has no value");
-            place(kind == element::dict ? property_value(std::move(top.dictionary))
-                                        : property_value(std::move(top.array)));
+            place(kind == element::dict ? taken(members_, top.first) : taken(items_, top.first));
         } else if (kind == element::key) {
-            open_.back().key = std::exchange(text_, {});
+            open_.back().key = arena_.keep(text_);
             open_.back().has_key = true;
             scalar_ = element::unknown;
         } else {
             scalar_ = element::unknown;
-            place(scalar_from_text(kind, text_));
+            place(scalar_from_text(kind, text_, arena_));
         }
     }
 
-    void place(property_value value) {
+    void place(stored_view value) {
         if (open_.empty()) {
-            root_ = std::move(value);
+            root_ = value;
             has_root_ = true;
             return;
         }
         auto& top = open_.back();
         top.has_key = false;
-        if (value.is_null()) return;
+        if (value.kind() == stored_view::form::null) return;
         if (top.kind == element::array) {
-            top.array.push_back(std::move(value));
+            items_.push_back(value);
         } else {
-            top.dictionary.add(top.key, std::move(value));
+            members_.push_back({top.key, value});
         }
+    }
+
+    template <class Part>
+    stored_view taken(std::vector<Part>& parts, std::size_t first) {
+        const auto kept = arena_.keep(std::span<const Part>(parts).subspan(first));
+        parts.resize(first);
+        return stored_view(kept);
     }
 
     XML_Parser parser_;
+    stored_arena& arena_;
     std::vector<open_container> open_;
+    // Those of all open arrays and dictionaries, the outermost first.
+    std::vector<stored_view> items_;
+    std::vector<stored_member> members_;
     element scalar_ = element::unknown;  // the value being read; unknown between values
     std::string text_;
-    property_value root_;
+    stored_view root_;
     bool in_plist_ = false;
     bool has_root_ = false;
     std::string fault_;
-};
-
-class list_writer {
-  public:
-    std::string write(const property_value& value) {
-        out_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
-        put(value, 0);
-        out_ += "</plist>\n";
-        return std::move(out_);
-    }
-
-  private:
-    void indent(std::size_t level) { out_.append(level, '\t'); }
-
-    void put_escaped(std::string_view text) {
-        for (;;) {
-            const std::size_t special = text.find_first_of("&<>\r");
-            append_valid_text(out_, text.substr(0, special));
-            if (special == std::string_view::npos) return;
-            switch (text[special]) {
-                case '&':
-                    out_ += "&amp;";
-                    break;
-                case '<':
-                    out_ += "&lt;";
-                    break;
-                case '>':
-                    out_ += "&gt;";
-                    break;
-                default:
-                    out_ += "&#13;";  // a bare one would be read back as a line feed
-                    break;
-            }
-            text.remove_prefix(special + 1);
-        }
-    }
-
-    void put_text(std::size_t level, std::string_view name, std::string_view text) {
-        indent(level);
-        out_ += '<';
-        out_ += name;
-        out_ += '>';
-        put_escaped(text);
-        out_ += "</";
-        out_ += name;
-        out_ += ">\n";
-    }
-
-    void put(const property_value& value, std::size_t level) {
-        std::visit([&](const auto& held) { put_held(held, level); }, value.get());
-    }
-
-    void put_held(std::monostate, std::size_t) {}
-    void put_held(bool value, std::size_t level) {
-        indent(level);
-        out_ += value ? "<true/>\n" : "<false/>\n";
-    }
-    void put_held(std::int64_t value, std::size_t level) {
-        indent(level);
-        out_ += "<integer>";
-        append_integer(out_, value);
-        out_ += "</integer>\n";
-    }
-    void put_held(double value, std::size_t level) {
-        indent(level);
-        out_ += "<real>";
-        append_shortest(out_, value);
-        out_ += "</real>\n";
-    }
-    void put_held(const std::string& value, std::size_t level) { put_text(level, "string", value); }
-    void put_held(const property_data& value, std::size_t level) {
-        put_text(level, "data", base64_text(value.bytes));
-    }
-    void put_held(const property_date& value, std::size_t level) {
-        put_text(level, "date", date_text(value.seconds));
-    }
-    void put_held(const property_array& value, std::size_t level) {
-        indent(level);
-        if (value.empty()) {
-            out_ += "<array/>\n";
-            return;
-        }
-        out_ += "<array>\n";
-        for (const auto& item : value) put(item, level + 1);
-        indent(level);
-        out_ += "</array>\n";
-    }
-    void put_held(const property_dictionary& value, std::size_t level) {
-        indent(level);
-        if (value.empty()) {
-            out_ += "<dict/>\n";
-            return;
-        }
-        out_ += "<dict>\n";
-        for (const auto& entry : value) {
-            if (entry.value.is_null()) continue;
-            put_text(level + 1, "key", entry.key);
-            put(entry.value, level + 1);
-        }
-        indent(level);
-        out_ += "</dict>\n";
-    }
-
-    std::string out_;
 };
 
 failure unreadable(const std::string& name, const std::string& reason) {
     return {"\"" + name + "\" cannot be read: " + reason + "."};
 }
 
+// The parser would follow a file's first bytes into that encoding, whatever it was told.
+bool is_utf_16(std::string_view bytes) {
+    constexpr std::string_view zero("\0", 1);
+    const auto start = bytes.substr(0, 2);
+    return start == "\xFE\xFF" || start == "\xFF\xFE" || start.find(zero) != std::string_view::npos;
+}
+
 }  // namespace
 
-result<property_value> read_property_list(std::string_view bytes, const std::string& name) {
+result<stored_view> read_property_list(std::string_view bytes, const std::string& name, stored_arena& arena) {
     if (bytes.starts_with("bplist")) return unreadable(name, "it is a binary property list, not an XML one");
+    if (is_utf_16(bytes)) return unreadable(name, "it is not UTF-8");
     const std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser(XML_ParserCreate("UTF-8"),
                                                                          XML_ParserFree);
     if (!parser) return unreadable(name, "there is not enough memory");
-    tree_builder builder(parser.get());
-    constexpr std::size_t chunk = 1 << 20;
-    for (bool last = false; !last;) {
-        const auto part = bytes.substr(0, chunk);
-        bytes.remove_prefix(part.size());
-        last = bytes.empty();
-        if (XML_Parse(parser.get(), part.data(), static_cast<int>(part.size()), last) == XML_STATUS_ERROR) {
+    view_builder builder(parser.get(), arena);
+    for (std::size_t fed = 0, last = 0; last == 0;) {
+        const auto part = bytes.substr(fed, parser_chunk_bytes);
+        fed += part.size();
+        last = fed == bytes.size();
+        const auto state = XML_Parse(parser.get(), part.data(), static_cast<int>(part.size()), last != 0);
+        const auto begun = XML_GetCurrentByteIndex(parser.get());
+        const bool endless = begun >= 0 && fed - static_cast<std::size_t>(begun) > longest_markup_bytes;
+        if (state == XML_STATUS_ERROR || endless) {
             const auto line = std::to_string(XML_GetCurrentLineNumber(parser.get()));
-            const std::string reason =
-                builder.fault().empty() ? XML_ErrorString(XML_GetErrorCode(parser.get())) : builder.fault();
+            const std::string reason = !builder.fault().empty() ? builder.fault()
+                                       : state == XML_STATUS_ERROR
+                                           ? XML_ErrorString(XML_GetErrorCode(parser.get()))
+                                           : "a tag or comment is too long";
             return unreadable(name, reason + ", at line " + line);
         }
     }
     if (!builder.has_root()) return unreadable(name, "it holds no value");
-    return builder.take_root();
+    return builder.root();
+}
+
+result<property_value> read_property_list(std::string_view bytes, const std::string& name) {
+    stored_arena arena;
+    const auto view = read_property_list(bytes, name, arena);
+    if (!view) return view.error();
+    return view.value().copy();
 }
 
 result<property_value> read_property_list_file(const std::string& path) {
@@ -331,7 +273,9 @@ property_dictionary read_dictionary_or_empty(const std::string& path) {
 }
 
 std::string write_property_list(const property_value& value) {
-    return list_writer().write(value);
+    property_list_sink sink;
+    sink.put("", value);
+    return sink.take();
 }
 
 }  // namespace vistels

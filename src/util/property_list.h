@@ -6,16 +6,25 @@
 
 #include "util/property_value.h"
 #include "util/result.h"
+#include "util/stored_view.h"
 
 namespace vistels {
 
 // Nesting deeper than this is refused by the readers of property lists and of JSON.
 inline constexpr int deepest_nesting = 128;
 
+// What a property list that this program writes begins and ends with, around its value.
+inline constexpr std::string_view property_list_head =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n";
+inline constexpr std::string_view property_list_foot = "</plist>\n";
+
 // Reads an XML property list. Strict about the file: it must be well formed UTF-8 and a property list,
-// without entity declarations. A number or date that cannot be read as one becomes a null. Keys keep their
-// order. `name` is the file's name, for the message. Any thread.
+// without declarations of its own; values have no attributes. A number or date that cannot be read as one
+// becomes a null. Keys keep their order. `name` is the file's name, for the message. Any thread.
 result<property_value> read_property_list(std::string_view bytes, const std::string& name);
+
+// The same without a tree: the view lies in the arena alone.
+result<stored_view> read_property_list(std::string_view bytes, const std::string& name, stored_arena& arena);
 
 // The file's property list, as above.
 result<property_value> read_property_list_file(const std::string& path);

@@ -56,6 +56,14 @@ void property_dictionary::add(std::string_view key, property_value value) {
     entries_.push_back({std::string(key), std::move(value)});
 }
 
+void property_dictionary::add(std::string&& key, property_value value) {
+    entries_.push_back({std::move(key), std::move(value)});
+}
+
+void property_dictionary::reserve(std::size_t count) {
+    entries_.reserve(count);
+}
+
 void property_dictionary::remove(std::string_view key) {
     std::erase_if(entries_, [key](const property_entry& entry) { return entry.key == key; });
 }

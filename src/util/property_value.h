@@ -48,6 +48,9 @@ class property_dictionary {
     void set(std::string_view key, property_value value);
     // Appends without looking for `key`: for writers, who give each key once.
     void add(std::string_view key, property_value value);
+    void add(std::string&& key, property_value value);
+    void add(const char* key, property_value value);
+    void reserve(std::size_t count);
     void remove(std::string_view key);
 
     // The value of `key` when it is there and of that type; nothing otherwise. A whole number counts as
@@ -125,6 +128,9 @@ inline property_dictionary::property_dictionary(property_dictionary&&) noexcept 
 inline property_dictionary& property_dictionary::operator=(const property_dictionary&) = default;
 inline property_dictionary& property_dictionary::operator=(property_dictionary&&) noexcept = default;
 inline property_dictionary::~property_dictionary() = default;
+inline void property_dictionary::add(const char* key, property_value value) {
+    add(std::string_view(key), std::move(value));
+}
 inline std::size_t property_dictionary::size() const {
     return entries_.size();
 }

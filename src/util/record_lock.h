@@ -13,13 +13,27 @@ namespace vistels {
 class record_lock {
   public:
     record_lock() = default;
-    record_lock(const record_lock&) {}
-    record_lock& operator=(const record_lock&) { return *this; }
+    record_lock(const record_lock&) noexcept {}
+    record_lock& operator=(const record_lock&) noexcept { return *this; }
 
-    void lock();
-    void unlock();
+    void lock() {
+        const std::uint32_t self = thread_number_ != 0 ? thread_number_ : give_thread_number();
+        std::uint32_t owner = 0;
+        if (!owner_.compare_exchange_strong(owner, self, std::memory_order_acquire) && owner != self) {
+            wait_for(self);
+        }
+        ++depth_;
+    }
+    void unlock() {
+        if (--depth_ == 0) owner_.store(0, std::memory_order_release);
+    }
 
   private:
+    static std::uint32_t give_thread_number();
+    void wait_for(std::uint32_t self);
+
+    static inline thread_local constinit std::uint32_t thread_number_ = 0;  // 0 = not given yet
+
     std::atomic<std::uint32_t> owner_ = 0;  // number of the thread that holds it, 0 when free
     std::uint32_t depth_ = 0;               // guarded by owner_
 };

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
+#include <utility>
 
+#include "util/checksum.h"
 #include "util/clock.h"
 #include "util/property_list.h"
 #include "util/text_forms.h"
@@ -24,6 +26,60 @@ bool has_no_hard_links(int fault) {
     return fault == EPERM || fault == EOPNOTSUPP || fault == ENOSYS || fault == EMLINK || fault == ENOTSUP;
 }
 
+bool cannot_exchange(int fault) {
+    return fault == EINVAL || fault == ENOSYS || fault == ENOTSUP || fault == EOPNOTSUPP;
+}
+
+std::string numbered_name(const std::string& path, std::string_view what, int number) {
+    const std::filesystem::path file(path);
+    return (file.parent_path() / (file.stem().string() + " " + std::string(what) + " " +
+                                  std::to_string(number) + file.extension().string()))
+        .string();
+}
+
+// Whether the file there is another one than is known: somebody put it in place, or wrote into it. One that
+// is gone is no stranger's. 0 or the error number: then it cannot be told.
+int look_for_stranger(const std::string& path, const known_file& known, bool in_doubt, file_system& files,
+                      bool& is_another) {
+    file_identity found;
+    is_another = false;
+    const int looking = files.identity(path, found);
+    if (looking != 0) return looking == ENOENT ? 0 : looking;
+    if (found == known.identity && !in_doubt) return 0;
+    is_another = found.size != known.identity.size || known.identity.inode == 0;
+    if (is_another) return 0;
+    int descriptor = -1;
+    if (const int fault = files.open(path, O_RDONLY, descriptor)) return fault == ENOENT ? 0 : fault;
+    std::string bytes;
+    const int reading = read_whole(files, descriptor, bytes);
+    files.close(descriptor);
+    is_another = checksum(bytes) != known.hash;
+    return reading;
+}
+
+// Gives `from` the further name "X conflict N", on a volume without hard links, with `may_move`, instead of
+// its own. A file that has such a name keeps it.
+int keep_conflict(const std::string& path, const std::string& from, bool may_move, file_system& files,
+                  std::string& kept) {
+    file_identity wanted;
+    if (const int fault = files.identity(from, wanted)) return fault;
+    for (int number = 1;; ++number) {
+        const std::string name = numbered_name(path, "conflict", number);
+        file_identity found;
+        const int looking = files.identity(name, found);
+        if (looking != 0 && looking != ENOENT) return looking;
+        if (looking == 0 && found != wanted) continue;
+        int fault = looking == 0 ? 0 : files.hard_link(from, name);
+        if (fault == EEXIST) continue;
+        if (has_no_hard_links(fault)) {
+            if (!may_move) return 0;
+            fault = files.rename(from, name);
+        }
+        if (fault == 0) kept = name;
+        return fault;
+    }
+}
+
 // One replacement of one file; every step that fails puts back what the steps before it did.
 class replacement {
   public:
@@ -35,40 +91,115 @@ class replacement {
         previous_ = path + std::string(previous_mark) + number;
     }
 
-    result<void> run(std::string_view bytes) {
-        if (const int fault = write_temporary(bytes)) return fail(fault);
-        if (const int fault = put_in_place()) return fail(fault);
-        if (const int fault = files_.sync_folder(folder_))
-            return file_failure(path_, "may not be saved", fault);
-        if (has_previous_) files_.remove(previous_);
-        return {};
+    using content = std::function<void(const block_writer& put)>;
+
+    result<void> run(const content& put_all) {
+        if (const int fault = write_temporary(put_all)) return fail(fault);
+        if (const int fault = put_in_place(false)) return fail(fault);
+        return finish();
+    }
+
+    result<std::string> run(std::string_view bytes, known_file& known, bool in_doubt) {
+        if (const int fault = write_temporary([bytes](const block_writer& put) { put(bytes); })) {
+            return fail(fault);
+        }
+        std::string kept;
+        bool is_another = false;
+        int fault = look_for_stranger(path_, known, in_doubt, files_, is_another);
+        // Kept before anything is replaced, so that the death of the process leaves it a plain name.
+        if (fault == 0 && is_another) fault = keep_conflict(path_, path_, false, files_, kept);
+        if (fault == 0 || fault == ENOENT) fault = put_in_place(true);
+        if (fault != 0) return with_conflict(fail(fault), kept);
+        // What stood there at the last moment: it may be newer than what was looked at before.
+        if (!replaced_.empty()) {
+            fault = look_for_stranger(replaced_, known, in_doubt, files_, is_another);
+            if (fault == 0 && is_another) fault = keep_conflict(path_, replaced_, true, files_, kept);
+            if (fault != 0 && is_another) kept = replaced_;
+        }
+        known = {written_, checksum(bytes)};
+        // What cannot be told apart now is not deleted.
+        if (fault != 0) return with_conflict(file_failure(path_, "may not be saved", fault), kept);
+        if (auto finished = finish(); !finished) return with_conflict(finished.error(), kept);
+        return kept;
     }
 
   private:
-    int write_temporary(std::string_view bytes) {
+    int write_temporary(const content& put_all) {
         int descriptor = -1;
         if (const int fault = files_.open(temporary_, O_WRONLY | O_CREAT | O_EXCL, descriptor)) return fault;
-        int fault = write_whole(files_, descriptor, bytes);
+        int fault = 0;
+        put_all([&](std::string_view block) {
+            if (fault == 0) fault = write_whole(files_, descriptor, block);
+        });
         if (fault == 0) fault = files_.sync(descriptor);
+        if (fault == 0) fault = files_.opened_identity(descriptor, written_);
         const int closing = files_.close(descriptor);
         return fault != 0 ? fault : closing;
     }
 
-    int put_in_place() {
-        const int linking = files_.hard_link(path_, previous_);
-        has_previous_ = linking == 0;
-        if (linking == 0 || linking == ENOENT) return files_.rename(temporary_, path_);
-        if (!has_no_hard_links(linking)) return linking;
-        // A volume without hard links: aside, then in, and back when that fails.
-        if (const int fault = files_.rename(path_, previous_)) return fault;
+    int put_in_place(bool keeps_what_was_there) {
+        int fault = 0;
+        for (int attempt = 0; attempt < 10; ++attempt) {
+            const int linking = files_.hard_link(path_, previous_);
+            if (has_no_hard_links(linking)) return rename_twice();
+            if (linking != 0 && linking != ENOENT) return linking;
+            has_previous_ = linking == 0;
+            if (!keeps_what_was_there) return files_.rename(temporary_, path_);
+            fault = has_previous_ ? exchange() : appear();
+            // The file came or went meanwhile.
+            if (fault != (has_previous_ ? ENOENT : EEXIST)) return fault;
+            if (has_previous_) files_.remove(std::exchange(previous_, previous_ + "0"));
+        }
+        return fault;
+    }
+
+    int exchange() {
+        const int fault = files_.exchange(temporary_, path_);
+        if (fault == 0) {
+            replaced_ = temporary_;
+            return 0;
+        }
+        if (!cannot_exchange(fault)) return fault;
+        replaced_ = previous_;
+        return files_.rename(temporary_, path_);
+    }
+
+    int appear() {
+        const int fault = files_.hard_link(temporary_, path_);
+        if (has_no_hard_links(fault)) return files_.rename(temporary_, path_);
+        if (fault == 0) files_.remove(temporary_);
+        return fault;
+    }
+
+    // A volume without hard links: aside, then in, and back when that fails.
+    int rename_twice() {
+        if (const int fault = files_.rename(path_, previous_)) {
+            return fault == ENOENT ? files_.rename(temporary_, path_) : fault;
+        }
         int fault = files_.sync_folder(folder_);
         if (fault == 0) fault = files_.rename(temporary_, path_);
         if (fault != 0) {
             files_.rename(previous_, path_);
         } else {
             has_previous_ = true;
+            replaced_ = previous_;
         }
         return fault;
+    }
+
+    // What was replaced goes away when the new content is certain to stay.
+    result<void> finish() {
+        if (const int fault = files_.sync_folder(folder_))
+            return file_failure(path_, "may not be saved", fault);
+        if (replaced_ == temporary_) files_.remove(temporary_);
+        if (has_previous_) files_.remove(previous_);
+        return {};
+    }
+
+    static failure with_conflict(failure reason, const std::string& kept) {
+        if (!kept.empty())
+            reason.message += " A version by another program was kept as \"" + path_name(kept) + "\".";
+        return reason;
     }
 
     failure fail(int fault) {
@@ -82,11 +213,24 @@ class replacement {
     file_system& files_;
     std::string temporary_;
     std::string previous_;
+    std::string replaced_;  // the name that what stood there has now; empty: there was nothing
     bool has_previous_ = false;
+    file_identity written_;
 };
 
-bool is_whole(const std::string& path) {
-    return read_property_list_file(path).ok();
+enum class copy_state { whole, torn, missing, unreadable };
+
+// Unreadable is what the volume fails to give now: no reason to replace it.
+copy_state state_of_copy(const std::string& path, file_system& files) {
+    int descriptor = -1;
+    const int opening = files.open(path, O_RDONLY, descriptor);
+    if (opening == ENOENT) return copy_state::missing;
+    if (opening != 0) return copy_state::unreadable;
+    std::string bytes;
+    const int reading = read_whole(files, descriptor, bytes);
+    files.close(descriptor);
+    if (reading != 0) return copy_state::unreadable;
+    return read_property_list(bytes, path).ok() ? copy_state::whole : copy_state::torn;
 }
 
 // The copies that broken-off writes left of one destination, by their number.
@@ -109,47 +253,62 @@ copy_name copy_name_of(const std::string& name, std::string_view mark) {
 }
 
 // A temporary file was synced before the old file was set aside, so with a previous copy beside it, it is the
-// newest whole state.
-std::string newest_whole_copy(const std::string& folder, const left_copies& copies) {
+// newest whole state. Empty: there is none. `state` is `unreadable` when one that counts cannot be read.
+std::string newest_whole_copy(const std::string& folder, const left_copies& copies, file_system& files,
+                              copy_state& state) {
+    const auto is_taken = [&](const std::string& name) {
+        state = state_of_copy(path_join(folder, name), files);
+        return state == copy_state::whole || state == copy_state::unreadable;
+    };
     for (auto copy = copies.previous.rbegin(); copy != copies.previous.rend(); ++copy) {
         const auto newer = copies.temporary.find(copy->first);
-        if (newer != copies.temporary.end() && is_whole(path_join(folder, newer->second)))
-            return newer->second;
-        if (is_whole(path_join(folder, copy->second))) return copy->second;
+        if (newer != copies.temporary.end() && is_taken(newer->second)) return newer->second;
+        if (is_taken(copy->second)) return copy->second;
     }
     for (auto copy = copies.temporary.rbegin(); copy != copies.temporary.rend(); ++copy) {
-        if (is_whole(path_join(folder, copy->second))) return copy->second;
+        if (is_taken(copy->second)) return copy->second;
     }
     return {};
+}
+
+void put_back(const std::string& destination, const std::string& copy, bool missing, file_system& files,
+              recovery& done) {
+    std::string kept;
+    const auto cannot = [&](int fault) {
+        done.messages.push_back(file_failure(destination, "could not be put back", fault).message);
+    };
+    if (!missing) {
+        kept = damaged_name(destination);
+        if (const int fault = files.rename(destination, kept)) return cannot(fault);
+    }
+    if (const int fault = files.rename(copy, destination)) {
+        if (!missing) files.rename(kept, destination);
+        return cannot(fault);
+    }
+    files.sync_folder(path_folder(destination));
+    done.recovered.push_back(destination);
+    done.messages.push_back("\"" + destination + "\" was put back from its copy." +
+                            (kept.empty() ? "" : " The torn file was kept as \"" + path_name(kept) + "\"."));
 }
 
 void recover_destination(const std::string& folder, const std::string& name, const left_copies& copies,
                          file_system& files, recovery& done) {
     const std::string destination = path_join(folder, name);
-    const bool missing = !file_exists(destination);
-    if (!missing && is_whole(destination)) return;
-    const std::string copy = newest_whole_copy(folder, copies);
-    if (copy.empty()) {
-        done.messages.push_back("\"" + destination + "\" is " + (missing ? "missing" : "damaged") +
+    const auto found = state_of_copy(destination, files);
+    if (found == copy_state::whole) return;
+    auto state = found;
+    const std::string copy =
+        found == copy_state::unreadable ? "" : newest_whole_copy(folder, copies, files, state);
+    if (state == copy_state::unreadable) {
+        done.messages.push_back("\"" + (copy.empty() ? destination : path_join(folder, copy)) +
+                                "\" cannot be read now. Nothing was changed.");
+    } else if (copy.empty()) {
+        done.messages.push_back("\"" + destination + "\" is " +
+                                (found == copy_state::missing ? "missing" : "damaged") +
                                 " and no whole copy of it was found. Nothing was changed.");
-        return;
+    } else {
+        put_back(destination, path_join(folder, copy), found == copy_state::missing, files, done);
     }
-    std::string kept;
-    if (!missing) {
-        kept = damaged_name(destination);
-        if (const int fault = files.rename(destination, kept)) {
-            done.messages.push_back(file_failure(destination, "could not be put back", fault).message);
-            return;
-        }
-    }
-    if (const int fault = files.rename(path_join(folder, copy), destination)) {
-        done.messages.push_back(file_failure(destination, "could not be put back", fault).message);
-        return;
-    }
-    files.sync_folder(folder);
-    done.recovered.push_back(destination);
-    done.messages.push_back("\"" + destination + "\" was put back from its copy." +
-                            (kept.empty() ? "" : " The torn file was kept as \"" + path_name(kept) + "\"."));
 }
 
 }  // namespace
@@ -166,32 +325,69 @@ std::int64_t safe_write_number() {
 }
 
 result<void> safe_write_bytes(const std::string& path, std::string_view bytes, file_system& files) {
-    return replacement(path, files).run(bytes);
+    return replacement(path, files).run([bytes](const block_writer& put) { put(bytes); });
+}
+
+result<void> safe_write_blocks(const std::string& path,
+                               const std::function<void(const block_writer& put)>& put_all,
+                               file_system& files) {
+    return replacement(path, files).run(put_all);
 }
 
 result<void> safe_write(const std::string& path, const property_value& value, file_system& files) {
     return safe_write_bytes(path, write_property_list(value), files);
 }
 
+result<std::optional<std::string>> read_known(const std::string& path, known_file& known,
+                                              file_system& files) {
+    known = {};
+    int descriptor = -1;
+    const int opening = files.open(path, O_RDONLY, descriptor);
+    if (opening == ENOENT) return std::optional<std::string>();
+    if (opening != 0) return file_failure(path, "cannot be read", opening);
+    std::string bytes;
+    int fault = read_whole(files, descriptor, bytes);
+    // After reading: what is written into it meanwhile must not count as known.
+    if (fault == 0) fault = files.opened_identity(descriptor, known.identity);
+    files.close(descriptor);
+    if (fault != 0) return file_failure(path, "cannot be read", fault);
+    known.hash = checksum(bytes);
+    return std::optional<std::string>(std::move(bytes));
+}
+
+bool is_strangers(const std::string& path, const known_file& known, bool in_doubt, file_system& files) {
+    bool found = false;
+    return look_for_stranger(path, known, in_doubt, files, found) != 0 || found;
+}
+
+result<std::string> safe_write_known(const std::string& path, std::string_view bytes, known_file& known,
+                                     bool in_doubt, file_system& files) {
+    return replacement(path, files).run(bytes, known, in_doubt);
+}
+
 std::string damaged_name(const std::string& path) {
-    const std::filesystem::path file(path);
     for (int number = 1;; ++number) {
-        auto name = file.parent_path() /
-                    (file.stem().string() + " damaged " + std::to_string(number) + file.extension().string());
-        if (!file_exists(name.string())) return name.string();
+        auto name = numbered_name(path, "damaged", number);
+        if (!file_exists(name)) return name;
     }
 }
 
 recovery recover_folder(const std::string& folder, file_system& files) {
+    recovery done;
+    std::vector<std::string> names;
+    if (const int fault = files.list(folder, names)) {
+        done.messages.push_back(file_failure(folder, "cannot be looked through", fault).message);
+        return done;
+    }
+    sort_names(names);
     std::map<std::string, left_copies> left;
-    for (const auto& name : names_in_folder(folder)) {
+    for (const auto& name : names) {
         if (auto copy = copy_name_of(name, temporary_mark); !copy.destination.empty()) {
             left[copy.destination].temporary[copy.number] = name;
         } else if (auto aside = copy_name_of(name, previous_mark); !aside.destination.empty()) {
             left[aside.destination].previous[aside.number] = name;
         }
     }
-    recovery done;
     for (const auto& [name, copies] : left) {
         if (name.ends_with(".plist")) recover_destination(folder, name, copies, files, done);
     }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,9 +27,41 @@ inline constexpr std::string_view previous_mark = " <previous> ";
 result<void> safe_write_bytes(const std::string& path, std::string_view bytes,
                               file_system& files = machine_files());
 
+// The same for content that comes in blocks, which are written as they come: `put_all` hands every one of
+// them to what it is given.
+using block_writer = std::function<void(std::string_view block)>;
+result<void> safe_write_blocks(const std::string& path,
+                               const std::function<void(const block_writer& put)>& put_all,
+                               file_system& files = machine_files());
+
 // The same for a property list.
 result<void> safe_write(const std::string& path, const property_value& value,
                         file_system& files = machine_files());
+
+// A file as this program last read or wrote it.
+struct known_file {
+    file_identity identity;  // of inode 0 when there was none
+    std::uint64_t hash = 0;  // checksum of its bytes
+};
+
+// The file's bytes, and in `known` how it is now; no bytes when there is none.
+result<std::optional<std::string>> read_known(const std::string& path, known_file& known,
+                                              file_system& files = machine_files());
+
+// True when the file there is another one than is known: another program put its own in place, or wrote into
+// it; also when that cannot be told. With `in_doubt` its content is compared even when nothing else tells
+// them apart. A file that is gone is no stranger's.
+bool is_strangers(const std::string& path, const known_file& known, bool in_doubt,
+                  file_system& files = machine_files());
+
+// As safe_write_bytes, for a file that others should not write but may: what stands there and is not what is
+// known is kept as "X conflict N" before the new content takes its place, and that name is returned (empty:
+// there was no such thing; after a failure the message tells it). With `in_doubt` the content is compared
+// even when identity, size and time are the known ones. `known` becomes the new content, also when only the
+// last step failed. What others put there between two of its steps is kept, too, but on volumes that cannot
+// exchange two files.
+result<std::string> safe_write_known(const std::string& path, std::string_view bytes, known_file& known,
+                                     bool in_doubt = false, file_system& files = machine_files());
 
 // The first free name "X damaged N" for a file "X" that is kept aside, its ending kept.
 std::string damaged_name(const std::string& path);
@@ -40,7 +74,8 @@ struct recovery {
 
 // Mends what a broken-off safe write left in `folder`: a destination that is missing, or is no readable
 // property list, gets its newest whole copy back (the torn file is kept as "X damaged N"). Idempotent. Only
-// property lists are looked at. Not while another program writes there.
+// property lists are looked at. What the volume fails to read is left alone and told. Not while another
+// program writes there.
 recovery recover_folder(const std::string& folder, file_system& files = machine_files());
 
 // Deletes files in `folder` and the folders in it that a broken-off safe write left, when they are older than

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,7 +63,12 @@ class dictionary_sink : public stored_sink {
 // value: begin_dictionary("") for a dictionary.
 class property_list_sink : public stored_sink {
   public:
+    // Keeps all of the bytes, for `take`.
     property_list_sink();
+    // Hands on the bytes in order, in blocks of about 256 KB, the last of them in `finish`; keeps none.
+    using block_taker = std::function<void(std::string_view bytes)>;
+    explicit property_list_sink(block_taker taker);
+
     using stored_sink::put;
     void put(std::string_view key, bool value) override;
     void put(std::string_view key, std::int64_t value) override;
@@ -72,12 +79,32 @@ class property_list_sink : public stored_sink {
     void begin_array(std::string_view key) override;
     void end() override;
 
-    // The whole file; everything begun must have ended.
+    // With a good guess of the size beforehand, nothing is copied while the bytes grow.
+    void expect(std::size_t bytes) { bytes_.reserve(bytes); }
+    // The whole file; everything begun must have ended. For one without a taker.
     std::string take();
+    // The same for one with a taker, to which it hands what is left.
+    void finish();
 
   private:
-    std::string bytes_;
-    std::string tags_;  // what closes each level
+    struct line_part;
+
+    char* room(std::size_t bytes);
+    char* begin_line(char* to) const;
+    char* put_text(char* to, std::string_view text, std::size_t bytes_after);
+    void put_value(std::string_view key, const line_part& open, std::string_view text,
+                   const line_part& close);
+    void begin(std::string_view key, bool dictionary);
+    void write_begun();
+    void hand_on();
+
+    block_taker taker_;
+    std::string bytes_;        // what has left the block, without a taker
+    std::vector<char> block_;  // filled up to used_
+    std::size_t used_ = 0;
+    std::vector<bool> dictionaries_;  // for each open level whether it is a dictionary, else an array
+    bool begun_ =
+        false;  // the innermost level has been begun, and is not written yet since it may stay empty
 };
 
 }  // namespace vistels

@@ -57,15 +57,17 @@ class stored_view {
         part_.size = size;
     }
 
+    struct part {
+        const void* data;
+        std::size_t size;
+    };
+
     form form_ = form::null;
     union {
         bool boolean_;
         std::int64_t integer_;
         double real_;
-        struct {
-            const void* data;
-            std::size_t size;
-        } part_;
+        part part_;
     };
 };
 
@@ -81,14 +83,24 @@ class stored_arena {
     std::span<const stored_view> keep(std::span<const stored_view> items);
     std::span<const stored_member> keep(std::span<const stored_member> members);
     std::string_view keep(std::string_view text);
+    // Room for that many, to be filled by the caller.
+    std::span<stored_view> room_for_items(std::size_t count);
+    std::span<stored_member> room_for_members(std::size_t count);
+    std::span<char> room_for_text(std::size_t bytes);
     void clear();
 
   private:
+    struct block {
+        std::unique_ptr<std::byte[]> bytes;
+        std::size_t size = 0;
+    };
     void* take(std::size_t bytes);
+    void* take_apart(std::size_t bytes);
+    void add_block(std::size_t place, std::size_t bytes);
 
-    std::vector<std::unique_ptr<std::byte[]>> blocks_;
-    std::size_t block_ = 0;
-    std::size_t used_ = 0;
+    std::vector<block> blocks_;
+    std::size_t block_ = 0;  // the one that is being filled
+    std::size_t used_ = 0;   // of it
 };
 
 // A view of `value` (or of a dictionary), which must outlive it.

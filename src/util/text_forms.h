@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,6 +16,10 @@ void append_shortest(std::string& to, double number);
 // The same without an exponent ("0.0001"), but for numbers beyond 1e15.
 void append_shortest_decimal(std::string& to, double number);
 void append_integer(std::string& to, std::int64_t number);
+// The texts of append_shortest and append_integer, written to `to`, which has room for 32 bytes; their
+// length.
+std::size_t write_shortest(char* to, double number);
+std::size_t write_integer(char* to, std::int64_t number);
 
 // The number that the whole of `text` is, blanks around it aside; nothing otherwise.
 std::optional<double> number_from_text(std::string_view text);

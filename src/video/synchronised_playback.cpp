@@ -71,14 +71,20 @@ void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
 }
 
 void synchronised_playback::update_range() {
-    double first = 0;
-    double last = 0;
+    double first = least_first_;
+    double last = least_last_;
     for (const auto& vistel : vistels_) {
         first = std::min(first, -vistel.vistel.lead);
         last = std::max(last, vistel.player->duration() - vistel.vistel.lead);
     }
     clock_.set_range(first, last);
     state_changed.emit();
+}
+
+void synchronised_playback::set_least_range(double first, double last) {
+    least_first_ = first;
+    least_last_ = last;
+    update_range();
 }
 
 const synchronised_playback::entry* synchronised_playback::find(const std::string& uuid) const {
@@ -171,6 +177,8 @@ void synchronised_playback::move_to(double seconds, int direction, bool snap, st
     sound_.restart();
     start_timer();
     tick();
+    // Without vistels no picture tells of the new time.
+    if (vistels_.empty()) pictures_changed.emit();
 }
 
 void synchronised_playback::step(int direction, std::function<void()> done) {

@@ -38,6 +38,8 @@ class synchronised_playback final : public transport {
     // Vistels that were there before with the same movies go on undisturbed.
     void set_vistels(std::vector<playback_vistel> vistels);
     void set_lead(const std::string& uuid, double lead);
+    // The range that there is whatever the vistels hold, for an event that has none; the default is 0, 0.
+    void set_least_range(double first, double last);
     // The size, in pixels, that a vistel's pictures are made in; 0, 0: the movie's own.
     void set_view_size(const std::string& uuid, int width, int height);
     // Whose frames are stepped by; empty: the first vistel's.
@@ -82,7 +84,7 @@ class synchronised_playback final : public transport {
     // What the last correction of lagging vistels had to say.
     const std::string& correction_note() const { return correction_note_; }
 
-    signal<> pictures_changed;  // what some vistel shows
+    signal<> pictures_changed;  // what some vistel shows, or with none the time that was sought
     signal<> state_changed;     // playing or not, rate, range, a vistel's state
 
   private:
@@ -115,6 +117,8 @@ class synchronised_playback final : public transport {
     run_loop& loop_;
     collection_clock clock_;
     std::vector<entry> vistels_;
+    double least_first_ = 0;
+    double least_last_ = 0;
     std::string enlarged_;
     std::string sound_vistel_;
     double top_forward_ = top_forward_rate;

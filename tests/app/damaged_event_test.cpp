@@ -10,6 +10,7 @@
 
 #include "app/open_event.h"
 #include "app/settings.h"
+#include "app/vault_preferences.h"
 #include "logger/press_engine.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
@@ -211,7 +212,7 @@ TEST(settings_limits, whatever_the_file_says_stays_within_reach) {
         EXPECT_TRUE(volume >= 0 && volume <= 1) << value << " " << volume;
         const double speed = load_playback_top_speed(places).rate;
         EXPECT_TRUE(speed >= -8 && speed <= 64) << value << " " << speed;
-        const int percent = load_minimum_free_space_percent(places);
+        const int percent = load_minimum_free_space(places).percent;
         EXPECT_TRUE(percent >= 1 && percent <= 99) << value << " " << percent;
     }
 }

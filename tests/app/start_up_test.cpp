@@ -3,12 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 
 #include "app/settings.h"
+#include "app/vault_preferences.h"
 #include "app/vaults.h"
 #include "support/temporary_folder.h"
+#include "support/unprivileged_user.h"
+#include "timeline/writer_lock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 
@@ -53,13 +58,110 @@ TEST(start_up, a_home_that_cannot_be_made_is_an_error_that_names_it) {
 TEST(start_up, tells_a_run_that_was_killed_from_one_that_was_quit) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
-    started(places);
-    EXPECT_FALSE(started(places).ended_well_before);
-    EXPECT_TRUE(note_clean_quit(places, "FOCUS"));
-    EXPECT_TRUE(started(places).ended_well_before);
+    EXPECT_TRUE(started(places).messages.empty());
+    put_file(places.home_vault + "/x.plist temp file 7", write_property_list(property_dictionary()));
+    {
+        const auto after_kill = started(places);
+        EXPECT_FALSE(after_kill.ended_well_before);
+        ASSERT_FALSE(after_kill.messages.empty());
+        EXPECT_TRUE(after_kill.messages[0].starts_with("Vistels was not quit properly"));
+        EXPECT_NE(after_kill.messages[0].find(places.home_vault + "/x.plist"), std::string::npos);
+        EXPECT_TRUE(note_clean_quit(after_kill, "FOCUS"));
+    }
+    const auto after_quit = started(places);
+    EXPECT_TRUE(after_quit.ended_well_before);
+    EXPECT_EQ(after_quit.uuid_last_focus, "FOCUS");
     const auto stored = read_dictionary_or_empty(places.state_folder + "/correctly terminated.plist");
-    EXPECT_EQ(stored.text_or_empty("uuid last focus 2"), "FOCUS");
     EXPECT_TRUE(stored.number("loaded at") && stored.number("terminated correctly at"));
+}
+
+TEST(start_up, a_second_program_beside_a_running_one_leaves_its_record_and_its_files_alone) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    const auto first = started(places);
+    const std::string record = places.state_folder + "/correctly terminated.plist";
+    const std::string begun = file_bytes(record);
+    const std::string copy = places.state_folder + "/Windows/windows open.plist temp file 7";
+    put_file(copy, write_property_list(property_dictionary()));  // the first one is writing it
+    {
+        const auto second = started(places);
+        EXPECT_TRUE(second.ended_well_before);
+        EXPECT_TRUE(second.recovered.empty() && second.messages.empty());
+        EXPECT_TRUE(note_clean_quit(second, "OTHER"));
+    }
+    EXPECT_EQ(file_bytes(record), begun);
+    EXPECT_TRUE(file_exists(copy));
+}
+
+TEST(start_up, an_end_before_its_start_by_a_clock_set_back_is_an_end) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    property_dictionary future;
+    future.add("loaded at", 4e9);
+    future.add("terminated correctly at", property_date{4.1e9});
+    fs::create_directories(places.state_folder);
+    ASSERT_TRUE(safe_write(places.state_folder + "/correctly terminated.plist", future));
+    EXPECT_TRUE(note_clean_quit(started(places), ""));
+    EXPECT_TRUE(started(places).ended_well_before);
+    EXPECT_FALSE(started(places).ended_well_before);
+}
+
+TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    started(places);
+    const std::string names[] = {
+        "Vault preferences/focus vault.plist", "Vault preferences/vaults.plist", "Windows/windows open.plist",
+        "System/last build used.plist",        "application volume.plist",       "build number.plist"};
+    for (const auto& name : names) put_file(places.state_folder + "/" + name, "<plist><dict>");
+    const std::string information = places.home_vault + "/home vault information.plist";
+    put_file(information, "");
+    const auto report = started(places);
+    for (const auto& name : names) {
+        const std::string path = places.state_folder + "/" + name;
+        EXPECT_EQ(std::count_if(report.messages.begin(), report.messages.end(),
+                                [&](const auto& text) { return text.find(path) != text.npos; }),
+                  1)
+            << name;
+        const std::string kept = path.substr(0, path.size() - 6) + " damaged 1.plist";
+        EXPECT_EQ(file_bytes(kept), "<plist><dict>") << name;
+    }
+    EXPECT_FALSE(read_dictionary_or_empty(information).text_or_empty("ID for this file:").empty());
+    EXPECT_TRUE(file_exists(places.home_vault + "/home vault information damaged 1.plist"));
+    EXPECT_EQ(read_dictionary_or_empty(places.state_folder + "/build number.plist").size(), 1U);
+    // Once is enough.
+    for (const auto& text : started(places).messages) EXPECT_EQ(text.find("damaged 1"), text.npos) << text;
+}
+
+TEST(start_up, a_home_that_is_read_only_starts_and_tells) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    ASSERT_TRUE(note_clean_quit(started(places), ""));
+    const testing::unprivileged_user user(home.path());
+    for (const char* mode : {"a-w", "u+w"}) {
+        ASSERT_EQ(std::system(("chmod -R " + std::string(mode) + " '" + home.path() + "'").c_str()), 0);
+        const auto report = started(places, 101);
+        EXPECT_EQ(report.messages.empty(), *mode == 'u');
+        for (const auto& text : report.messages) EXPECT_NE(text.find(home.path()), text.npos) << text;
+        EXPECT_EQ(note_clean_quit(report, "").ok(), *mode == 'u');
+    }
+}
+
+TEST(start_up, what_is_known_of_newer_builds_is_kept) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    property_dictionary stored;
+    stored.add("build number available for download", 250);
+    stored.add("last time checked", property_date{1e9});
+    stored.add("latest build information url", "https://example.org/builds");
+    fs::create_directories(places.state_folder);
+    ASSERT_TRUE(safe_write(places.state_folder + "/build number.plist", stored));
+    started(places, 101.5);
+    const auto known = load_build_number(places);
+    EXPECT_EQ(known.in_use, 101.5);
+    EXPECT_EQ(known.available, 250);
+    EXPECT_EQ(known.last_checked, 1e9);
+    EXPECT_EQ(known.latest_information_url, "https://example.org/builds");
 }
 
 TEST(start_up, build_check) {
@@ -71,8 +173,11 @@ TEST(start_up, build_check) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
     const std::pair<double, std::size_t> runs[] = {{100, 0}, {120, 0}, {110, 1}, {110, 0}, {111, 0}};
-    for (const auto& [build, messages] : runs)
-        EXPECT_EQ(started(places, build).messages.size(), messages) << build;
+    for (const auto& [build, messages] : runs) {
+        const auto report = started(places, build);
+        EXPECT_EQ(report.messages.size(), messages) << build;
+        EXPECT_TRUE(note_clean_quit(report, ""));
+    }
     const auto stored = read_dictionary_or_empty(places.state_folder + "/System/last build used.plist");
     EXPECT_EQ(stored.number("last build"), 111);
 }
@@ -114,15 +219,30 @@ TEST(start_up, mends_torn_files_in_every_known_vault) {
     ASSERT_TRUE(add_known_vault(places, vault.value()));
     const std::string folders[] = {places.home_vault + "/Video Groups/a", vault.value() + "/Composers/b"};
     const std::string whole = write_property_list(property_dictionary());
-    for (const auto& folder : folders) {
+    const std::string open_elsewhere = vault.value() + "/Video Groups/c";
+    for (const auto& folder : {folders[0], folders[1], open_elsewhere}) {
         fs::create_directories(folder);
         put_file(folder + "/x.plist", "<plist><di");
         put_file(folder + "/x.plist <previous> 7", whole);
     }
+    const auto writer = writer_lock::take(open_elsewhere);
+    ASSERT_TRUE(writer);
     const auto report = started(places);
+    EXPECT_EQ(file_bytes(open_elsewhere + "/x.plist"), "<plist><di");
     EXPECT_EQ(report.recovered, (std::vector{folders[0] + "/x.plist", folders[1] + "/x.plist"}));
     for (const auto& folder : folders) EXPECT_EQ(file_bytes(folder + "/x.plist"), whole);
     EXPECT_TRUE(started(places).recovered.empty());
+}
+
+TEST(start_up, the_home_vaults_identity_comes_back_from_a_copy) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    started(places);
+    const std::string path = places.home_vault + "/home vault information.plist";
+    const std::string identity = file_bytes(path);
+    fs::rename(path, path + " temp file 7");
+    EXPECT_EQ(started(places).recovered, std::vector{path});
+    EXPECT_EQ(file_bytes(path), identity);
 }
 
 TEST(start_up, windows_come_back_in_their_order) {
@@ -134,68 +254,6 @@ TEST(start_up, windows_come_back_in_their_order) {
     ASSERT_EQ(windows.size(), 2U);
     EXPECT_EQ(windows[0].root_id + windows[0].name + windows[0].open_from_path, "R1Final/a");
     EXPECT_EQ(windows[1].open_from_path, "/b");
-}
-
-TEST(vaults, create_says_what_is_in_the_way) {
-    const temporary_folder home;
-    const auto made = create_vault(home.path(), "Cup");
-    ASSERT_TRUE(made);
-    EXPECT_EQ(made.value(), home / "Cup.VVault");
-    put_file(home / "Cup.VVault/inside", "x");
-    const auto again = create_vault(home.path(), "Cup");
-    ASSERT_FALSE(again);
-    EXPECT_NE(again.message().find("Vault 'Cup' already exists."), std::string::npos);
-    EXPECT_TRUE(file_exists(home / "Cup.VVault/inside"));
-    EXPECT_TRUE(create_vault(home.path(), "Cup", true));
-    EXPECT_EQ(names_in_folder(home.path()), std::vector<std::string>{"Cup.VVault"});
-    EXPECT_TRUE(names_in_folder(home / "Cup.VVault").empty());
-    for (const char* name : {"", "a/b", ".."}) {
-        const auto bad = create_vault(home.path(), name, true);
-        EXPECT_TRUE(bad ? path_folder(bad.value()) == home.path() : !bad.message().empty()) << name;
-    }
-    put_file(home / "file", "x");
-    const auto below_file = create_vault(home / "file", "Cup");
-    ASSERT_FALSE(below_file);
-    EXPECT_TRUE(below_file.message().starts_with("Could not create folder."));
-}
-
-TEST(vaults, the_home_vault_is_never_replaced) {
-    const temporary_folder home;
-    started(find_home_places(home.path()));
-    EXPECT_FALSE(create_vault(home.path(), "Home Vault", true));
-    EXPECT_TRUE(is_home_vault(home / "Home Vault.VVault"));
-}
-
-TEST(vaults, scan_counts_by_marker_files) {
-    const temporary_folder home;
-    const std::string vault = home / "V.VVault";
-    const char* const files[] = {
-        "Video Groups/a/video group.plist",
-        "Video Groups/a/chron data.plist",
-        "Video Groups/a/Logger/logger.plist",
-        "Video Groups/deep/b/video group.plist",
-        "Composers/c/composer info.plist",
-        "d/Table.plist",
-        "e/Matrix.plist",
-        ".hidden/video group.plist",
-        "Other.VVault/video group.plist",
-    };
-    for (const char* file : files) {
-        fs::create_directories(path_folder(vault + "/" + file));
-        put_file(vault + "/" + file, "");
-    }
-    fs::create_directory_symlink(vault, vault + "/loop");
-    const auto found = scan_vault(vault);
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found.value().counts, (std::array<std::size_t, 6>{2, 1, 1, 1, 1, 1}));
-    EXPECT_EQ(found.value().items.size(), 7U);
-    EXPECT_EQ(found.value().items[0].full_file_path, vault + "/Composers/c");
-    EXPECT_FALSE(scan_vault(home / "none"));
-
-    std::vector<std::string> messages;
-    EXPECT_EQ(files_MASTER_LIST({vault, home / "none", vault}, messages).size(), 7U);
-    ASSERT_EQ(messages.size(), 7U);
-    EXPECT_TRUE(messages[0].starts_with("duplicate found 🥁🥁🥁 "));
 }
 
 TEST(settings, values_in_force) {
@@ -244,12 +302,12 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_TRUE(save_pitch_algorithm(places, pitch_algorithm::time_domain));
     EXPECT_TRUE(save_application_volume(places, 0.5));
     EXPECT_TRUE(save_default_formula_operator(places, '|'));
-    EXPECT_TRUE(save_minimum_free_space_percent(places, 25));
+    EXPECT_TRUE(save_minimum_free_space(places, {25}));
     EXPECT_EQ(load_playback_top_speed(places).rate, 64);
     EXPECT_EQ(load_pitch_algorithm(places), pitch_algorithm::time_domain);
     EXPECT_EQ(load_application_volume(places), 0.5);
     EXPECT_EQ(load_default_formula_operator(places), '|');
-    EXPECT_EQ(load_minimum_free_space_percent(places), 25);
+    EXPECT_EQ(load_minimum_free_space(places).percent, 25);
 }
 
 }  // namespace

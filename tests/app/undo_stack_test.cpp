@@ -21,10 +21,10 @@ sxy_CLIP clip(const std::string& uuid, double start, double end) {
 }
 
 operation::insert_row row(const std::string& uuid) {
-    operation::insert_row insert{9, {}};
-    insert.row.set_uuid(shared_text(uuid));
-    insert.row.set_name(uuid);
-    return insert;
+    sxy_ROW made;
+    made.set_uuid(shared_text(uuid));
+    made.set_name(uuid);
+    return {9, made};
 }
 
 operation::change_clip change(const std::string& uuid, const char* key, property_value value) {
@@ -58,8 +58,8 @@ class undo : public ::testing::Test {
     // The stored form with the clips that grow.
     std::string state() const {
         const auto& now = document->timeline();
-        const timeline_snapshot snapshot{now.uuid(), now.description(), now.kept(), now.rows(),
-                                         now.live_clips()};
+        const timeline_snapshot snapshot{now.uuid(), now.description(), now.kept(),
+                                         now.rows(), now.live_clips(),  now.tags()};
         std::string text = write_json(write_timeline(snapshot));
         for (const auto& place : snapshot.live_clips) text += "growing " + place.clip->id();
         return text;

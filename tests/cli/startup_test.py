@@ -63,6 +63,33 @@ class Startup(CommandTest):
         self.assertIn("nowhere", self.complaint("vault", "scan", self.folder / "nowhere"))
         self.printed("vault", "create", self.folder, "Cup", "--replace")
         self.assertEqual(self.printed("vault", "scan", vault)["items"], [])
+        self.assertTrue((self.home / "Trash/files/Cup.VVault/Video Groups/Final/chron data.plist").exists())
+        for name in ("", "a/b", ".VVault", "x" * 300):
+            self.assertIn("Could not create folder.", self.complaint("vault", "create", self.folder, name))
+        self.assertEqual(self.printed("vault", "create", self.folder, " Cup 2.VVault "),
+                         {"vault": str(self.folder / "Cup 2.VVault")})
+        self.printed("startup")
+        self.assertIn("home vault", self.complaint("vault", "create", self.home, "Home Vault", "--replace"))
+
+    def test_settings(self):
+        shown = self.printed("settings", "show")
+        home_vault = str(self.home / "Home Vault.VVault")
+        self.assertEqual(shown, {"playback top speed": 64, "pitch algorithm": "Varispeed",
+                                 "application volume": 1, "default formula operator": "&",
+                                 "minimum vault free space percent": 10, "show unavailable vaults": True,
+                                 "path of focus vault": home_vault, "set focus to new vault": False,
+                                 "parent folder of new vaults": "", "vaults": [home_vault]})
+        key = "minimum vault free space percent (valid range 1-99, default 10)"
+        for stored, in_force in ((1, 1), (99, 99), (0, 10), (100, 10), (-5, 10), (50.0, 50), (50.5, 10), ("50", 10)):
+            self.write(self.state / "Vault preferences/minimum free space for vault for warning.plist",
+                       {key: stored})
+            self.assertEqual(self.printed("settings", "show")["minimum vault free space percent"], in_force)
+
+    def test_a_killed_run_is_told_once(self):
+        self.write(self.state / "correctly terminated.plist", {"loaded at": 2000.0,
+                                                               "terminated correctly at": 1000.0})
+        self.assertIn("not quit properly", self.printed("startup")["messages"][0])
+        self.assertEqual(self.printed("startup")["messages"], [])
 
 
 if __name__ == "__main__":

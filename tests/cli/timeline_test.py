@@ -47,6 +47,47 @@ class Timeline(CommandTest):
         self.printed("timeline", "resave", to, "--to", again)
         self.assertEqual((again / "chron data.plist").read_bytes(), (to / "chron data.plist").read_bytes())
 
+    def test_notes_are_beside_the_timeline_and_shown_in_it(self):
+        note = {"clip_notes_uuid": "N", "note_string": "Left foot", "theirs": [1, {"a": True}],
+                "note_text_storage_rtf__json_String": "{\\rtf1 Left foot}"}
+        self.stored["rows"][0]["clips"][0]["notes_dict"] = note
+        self.write(self.source / "chron data.plist", self.stored)
+        to = self.folder / "saved"
+        self.printed("timeline", "resave", self.source, "--to", to)
+        self.assertNotIn(b"Left foot", (to / "chron data.plist").read_bytes())
+        kept = plistlib.loads((to / "chron notes.plist").read_bytes())
+        self.assertEqual(kept, {"data_version": 1, "uuid_timeline": self.stored["uuid_timeline"],
+                                "notes": [{"clip_uuid": "A", **note}]})
+        shown = self.printed("timeline", "show", to)
+        self.assertEqual(shown["rows"][0]["clips"][0]["notes_dict"], note)
+        self.printed("timeline", "resave", to, "--to", to)
+        self.assertEqual(self.printed("timeline", "show", to), shown)
+        (to / "chron notes.plist").write_bytes(b"<plist")
+        without = self.run_program("timeline", "show", to)
+        self.assertEqual(without.returncode, 0)
+        self.assertIn(str(to / "chron notes.plist"), without.stderr)
+        self.assertNotIn("notes_dict", without.stdout)
+
+    def test_rows_merged_and_expanded_again_and_another_copy_merged(self):
+        shown = self.printed("timeline", "show", self.source)
+        copy = self.folder / "copy.json"
+        copy.write_text(json.dumps(shown))
+        done = self.printed("timeline", "compact", self.source, "Goal", "row Shot", "--name", "Both")
+        self.assertEqual(done, {"rows": ["Both", "Empty"], "clips": 3})
+        self.assertEqual(self.printed("timeline", "expand", self.source, "Both")["clips"], 3)
+        self.assertEqual(self.printed("timeline", "show", self.source), shown)
+        changed = json.loads(copy.read_text())
+        changed["rows"][1]["clips"] = [clip("D", 1.0, 2.0)]
+        changed["rows"][0]["clips"][0].update(time_end=11.5, edit_seconds=5.0)
+        copy.write_text(json.dumps(changed))
+        done = self.printed("timeline", "merge", self.source, copy)
+        self.assertEqual(done, {"rows": ["Shot", "Goal", "Empty"], "clips": 4})
+        self.assertEqual(self.printed("timeline", "show", self.source)["rows"][0]["clips"][0]["time_end"], 11.5)
+        self.assertEqual(self.printed("timeline", "merge", self.source, copy), done)
+        for wrong in (["expand", self.source, "Goal"], ["compact", self.source, "Goal"],
+                      ["merge", self.folder / "none", copy]):
+            self.assertIn(str(wrong[1]), self.complaint("timeline", *wrong))
+
     def test_resave_of_chosen_clips(self):
         to = self.folder / "chosen"
         counts = self.printed("timeline", "resave", self.source, "--to", to, "--only", "C,A")

@@ -1,27 +1,243 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
 #include <string_view>
 
+#include "allocation_count.h"
+#include "full_alpha.h"
+#include "timeline/chron_notes.h"
 #include "timeline/sxy_Save_Load.h"
+#include "util/file_system.h"
 #include "util/json.h"
 
-// Whatever a document holds, what is written of it reads back and is then written the same.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace vistels;
-    const auto document = read_json(std::string_view(reinterpret_cast<const char*>(data), size), "fuzz");
-    if (!document || !document.value().dictionary()) return 0;
-    const auto loaded = read_timeline(*document.value().dictionary());
-    const auto written = write_json(write_timeline(loaded.content));
-    const auto again = read_json(written, "written");
-    if (!again) std::abort();
-    if (write_json(write_timeline(read_timeline(*again.value().dictionary()).content)) != written)
-        std::abort();
-    const sxy_DATA_root opened(loaded.content);
+// Files of any content are loaded as property lists and as JSON. What loads is saved, and loads as the same.
+
+namespace {
+
+using namespace vistels;
+
+constexpr std::size_t constant_bytes = 1 << 20;
+constexpr std::size_t most_times = 20;
+// JSON is for exchange and shorter to begin with, and its parser alone takes sixteen times the size.
+constexpr std::size_t most_times_of_json = 60;
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+class unsynced_files : public file_system {
+  public:
+    int sync(int) override { return 0; }
+    int sync_data(int) override { return 0; }
+    int sync_folder(const std::string&) override { return 0; }
+};
+
+// Where the inputs lie as files; in memory where the machine has such a place.
+class input_folder {
+  public:
+    input_folder() {
+        std::string pattern = std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp";
+        pattern += "/vistels-fuzz-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) std::abort();
+        path_ = pattern;
+    }
+    ~input_folder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    const std::string& path() const { return path_; }
+    std::string list_file() const { return path_join(path_, timeline_file_name); }
+    std::string notes_file() const { return path_join(path_, timeline_notes_file_name); }
+    std::string json_file() const { return path_join(path_, "chron.json"); }
+
+  private:
+    std::string path_;
+};
+
+const input_folder& folder() {
+    static const input_folder made;
+    return made;
+}
+
+void put_file(const std::string& path, std::string_view bytes) {
+    std::ofstream file(path, std::ios::binary);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    require(file.good());
+}
+
+bool is_json(std::string_view bytes) {
+    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+    const auto first = bytes.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && (bytes[first] == '{' || bytes[first] == '[');
+}
+
+result<loaded_timeline> load(const std::string& path, std::size_t size, const char* what) {
+    result<loaded_timeline> loaded = failure{""};
+    const auto times = path.ends_with(".json") ? most_times_of_json : most_times;
+    require(fuzz::is_lean(size, times, constant_bytes, what, [&] { loaded = load_timeline(path); }));
+    return loaded;
+}
+
+std::string saved_list(const timeline_snapshot& timeline, bool only_selected = false) {
+    unsynced_files files;
+    require(save_timeline(timeline, folder().path(), only_selected, files).ok());
+    const auto bytes = read_file(folder().list_file());
+    require(bytes.ok());
+    const auto notes = read_file(folder().notes_file());
+    return bytes.value() + (notes.ok() ? notes.value() : std::string());
+}
+
+std::size_t clips_in(const timeline_snapshot& timeline) {
+    std::size_t count = 0;
+    for (const auto& row : timeline.rows) count += row->clips().size();
+    return count;
+}
+
+void check_saved_as_list(const timeline_snapshot& timeline) {
+    const auto first = saved_list(timeline);
+    const auto again = load(folder().path(), first.size(), "Loading a saved timeline");
+    require(again.ok() && again.value().skipped_clips == 0 && again.value().messages.empty());
+    require(clips_in(again.value().content) == clips_in(timeline));
+    const auto second = saved_list(again.value().content);
+    require(fuzz::without_full_alpha(first, "</string>") == fuzz::without_full_alpha(second, "</string>"));
+    // Nothing is selected.
+    saved_list(timeline, true);
+    require(!read_row_names(folder().path()));
+}
+
+void check_written_as_json(const timeline_snapshot& timeline) {
+    const auto first = write_json(write_timeline(timeline), json_layout::one_line);
+    put_file(folder().json_file(), first);
+    const auto again = load_timeline(folder().json_file());
+    require(again.ok() && again.value().skipped_clips == 0);
+    const auto second = write_json(write_timeline(again.value().content), json_layout::one_line);
+    require(fuzz::without_full_alpha(first, "\"") == fuzz::without_full_alpha(second, "\""));
+}
+
+void check_row_names(const timeline_snapshot& timeline) {
+    const auto names = read_row_names(folder().path());
+    if (timeline.rows.empty()) return require(!names || names->empty());
+    require(names && names->size() == timeline.rows.size());
+    for (std::size_t n = 0; n < names->size(); ++n) require((*names)[n] == timeline.rows[n]->name());
+}
+
+void check_opened(const timeline_snapshot& timeline) {
+    const sxy_DATA_root opened(timeline);
+    std::size_t count = 0;
     for (const auto& row : opened.rows()) {
+        const sxy_CLIP* before = nullptr;
         for (const auto& clip : row->clips()) {
-            if (clip->secs_end() < clip->secs_start() || !opened.find_clip(clip->id())) std::abort();
+            require(clip->secs_start() <= clip->secs_end());
+            const auto place = opened.find_clip(clip->id());
+            require(place && place->clip == clip && place->row == row->uuid());
+            require(!before || !clip_before(*clip, *before));
+            before = clip.get();
+            ++count;
         }
     }
+    require(count == opened.clip_count() && count == clips_in(timeline));
+}
+
+// A comment at the end changes nothing, but is nothing that this program writes: the strict reader gets such
+// a file, and must find in it what the quick one found, or refuse it too.
+void check_strict_reader(std::string_view bytes, const result<loaded_timeline>& loaded) {
+    put_file(folder().list_file(), std::string(bytes) + "<!---->");
+    const auto strict = load_timeline(folder().path());
+    require(strict.ok() == loaded.ok());
+    if (!strict.ok()) return;
+    require(strict.value().skipped_clips == loaded.value().skipped_clips);
+    const auto text = [](const auto& read) { return write_json(write_timeline(read.value().content)); };
+    require(text(strict) == text(loaded));
+    check_row_names(strict.value().content);
+}
+
+void check(std::string_view bytes) {
+    const bool json = is_json(bytes);
+    const std::string path = json ? folder().json_file() : folder().list_file();
+    machine_files().remove(folder().notes_file());
+    put_file(path, bytes);
+    const auto loaded = load(json ? path : folder().path(), bytes.size(), "Loading");
+    if (!loaded.ok()) {
+        require(loaded.message().find(path) != std::string::npos);
+        require(json || !read_row_names(folder().path()));
+    } else if (!json) {
+        check_row_names(loaded.value().content);
+    }
+    if (!json) check_strict_reader(bytes, loaded);
+    if (!loaded.ok()) return;
+    const auto& timeline = loaded.value().content;
+    check_opened(timeline);
+    check_saved_as_list(timeline);
+    check_written_as_json(timeline);
+}
+
+// Small things in great number are what takes the most memory for their size in a file.
+bool is_lean_repeated(const std::string& before, std::string_view repeated, const std::string& after) {
+    constexpr std::size_t about = 1 << 20;
+    std::string bytes = before;
+    while (bytes.size() < about) bytes += repeated;
+    if (bytes.ends_with(',')) bytes.pop_back();
+    bytes += after;
+    const bool json = is_json(bytes);
+    const std::string path = json ? folder().json_file() : folder().list_file();
+    put_file(path, bytes);
+    return fuzz::is_lean(bytes.size(), json ? most_times_of_json : most_times, constant_bytes,
+                         std::string(repeated).c_str(), [&] { (void)load_timeline(path); });
+}
+
+void check_memory() {
+    bool lean = true;
+    const std::string list = "<plist><dict><key>rows</key><array>";
+    const std::string list_clips = list + "<dict><key>clips</key><array>";
+    const std::string list_clip =
+        list_clips + "<dict><key>str</key><real>1</real><key>end</key><real>2</real>";
+    const std::string list_end = "</array></dict></plist>";
+    const std::string list_clips_end = "</array></dict>" + list_end;
+    for (const char* row : {"<dict/>", "<array/>", "<true/>",
+                            "<dict><key>row_name</key><string>n</string></dict>", "<integer>1</integer>"}) {
+        lean &= is_lean_repeated(list, row, list_end);
+    }
+    for (const char* one :
+         {"<dict/>", "<dict><key>str</key><real>1</real><key>end</key><real>2</real></dict>"}) {
+        lean &= is_lean_repeated(list_clips, one, list_clips_end);
+    }
+    for (const char* key : {"triggers", "pause_items"}) {
+        lean &= is_lean_repeated(list_clip + "<key>" + key + "</key><array>", "<dict/>",
+                                 "</array></dict>" + list_clips_end);
+    }
+    for (const char* one : {"<dict/>", "<dict><key>uuid</key><string>u</string></dict>",
+                            "<dict><key>name</key><string/></dict>"}) {
+        lean &= is_lean_repeated(list_clip + "<key>qualifiers</key><dict><key>qualifiers_array</key><array>",
+                                 one, "</array></dict></dict>" + list_clips_end);
+    }
+    lean &= is_lean_repeated("<plist><dict>", "<key>k</key><true/>", "</dict></plist>");
+    lean &=
+        is_lean_repeated("<plist><dict><key>description</key><string>", "x&amp;", "</string></dict></plist>");
+    lean &= is_lean_repeated("<plist><dict><key>tags</key><array>", "<true/>", list_end);
+    for (const char* one : {"{},", "[],", "1,", "\"\",", "{\"clips\":[{}]},", "{\"row_name\":\"n\"},"}) {
+        lean &= is_lean_repeated("{\"rows\":[", one, "]}");
+    }
+    for (const char* one : {"{},", "1,", "{\"str\":1,\"end\":2},"}) {
+        lean &= is_lean_repeated("{\"rows\":[{\"clips\":[", one, "]}]}");
+    }
+    lean &= is_lean_repeated("{\"tags\":[", "[],", "]}");
+    require(lean);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    fuzz::count_allocations();
+    check_memory();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    check(std::string_view(reinterpret_cast<const char*>(data), size));
     return 0;
 }

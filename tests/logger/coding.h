@@ -50,13 +50,6 @@ inline std::string clips_text(const sxy_DATA_root& timeline) {
     return text;
 }
 
-// Files that are never synced to the volume, which the death of a process does not ask for: much faster.
-struct unsynced_files : failing_files {
-    int sync(int) override { return 0; }
-    int sync_data(int) override { return 0; }
-    int sync_folder(const std::string&) override { return 0; }
-};
-
 // A timeline in a folder of its own with the clip buttons A and B, the qualifiers Q and R and the button N
 // that makes nothing. The collection's clock is the loop's.
 struct coding {

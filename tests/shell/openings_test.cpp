@@ -48,6 +48,8 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
         std::size_t movies;
     };
     const std::string match = in_vault("Video Groups/Match 2");
+    make("Timelines/Alone", "chron data.plist");
+    const std::string alone = in_vault("Timelines/Alone");
     const line cases[] = {
         {{}, opening::kind::nothing, "", 0},
         {{places.home_vault}, opening::kind::vault, places.home_vault, 0},
@@ -55,6 +57,8 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
         {{match + "/"}, opening::kind::collection, match, 0},
         {{match + "/Logger"}, opening::kind::collection, match, 0},
         {{match + "/video group.plist"}, opening::kind::collection, match, 0},
+        {{alone}, opening::kind::timeline, alone, 0},
+        {{alone + "/chron data.plist"}, opening::kind::timeline, alone, 0},
         {{home / "b.mov", home / "a.mp4"}, opening::kind::movies, "", 2},
     };
     for (const auto& one : cases) {
@@ -75,8 +79,8 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
 
 TEST_F(vault_home, the_last_event_comes_back_or_else_the_first) {
     const std::string last = in_vault("Video Groups/Match 10");
-    EXPECT_EQ(collection_to_reopen(places, last), last);
-    EXPECT_EQ(collection_to_reopen(places, in_vault("Video Groups/Gone")), in_vault("Video Groups/Match 2"));
+    EXPECT_EQ(event_to_reopen(places, last), last);
+    EXPECT_EQ(event_to_reopen(places, in_vault("Video Groups/Gone")), in_vault("Video Groups/Match 2"));
 }
 
 TEST_F(vault_home, new_collections_get_folders_of_their_own) {
@@ -89,17 +93,19 @@ TEST_F(vault_home, new_collections_get_folders_of_their_own) {
 }
 
 TEST_F(vault_home, the_list_shows_each_thing_once) {
-    const auto vaults = read_content(places);
-    ASSERT_EQ(vaults.size(), 1u);
-    EXPECT_TRUE(vaults[0].is_home);
-    EXPECT_EQ(vaults[0].name, "Home Vault");
+    make("Timelines/Alone", "chron data.plist");
+    const auto content = scan_vault(places.home_vault);
+    ASSERT_TRUE(content.ok());
+    const auto items = items_of(content.value().items);
     std::vector<std::pair<item_kind, std::string>> found;
-    for (const auto& item : vaults[0].items) found.emplace_back(item.kind, item.name);
+    for (const auto& item : items) found.emplace_back(item.kind, item.name);
     const std::vector<std::pair<item_kind, std::string>> expected = {{item_kind::collection, "Match 2"},
                                                                      {item_kind::collection, "Match 10"},
+                                                                     {item_kind::timeline, "Alone"},
                                                                      {item_kind::markup, "Match 2"}};
     EXPECT_EQ(found, expected);
-    EXPECT_EQ(vaults[0].items[2].opens, in_vault("Video Groups/Match 2"));
+    EXPECT_EQ(items[2].opens, in_vault("Timelines/Alone"));
+    EXPECT_EQ(items[3].opens, in_vault("Video Groups/Match 2"));
 }
 
 TEST(shuttle, goes_faster_at_each_press_and_turns_at_once) {

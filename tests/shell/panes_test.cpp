@@ -7,13 +7,10 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
-#include <QTreeView>
 #include <atomic>
 #include <set>
 
 #include "app/undo_stack.h"
-#include "shell/content_keeper.h"
-#include "shell/content_side_bar.h"
 #include "shell/controls.h"
 #include "shell/inspector_parts.h"
 #include "shell/inspector_view.h"
@@ -138,43 +135,6 @@ TEST(transport_bar, keeps_what_is_pressed_where_room_is_short) {
         }
         EXPECT_EQ(bar.findChild<QWidget*>("transport.volume")->isVisible(), width > least) << width;
     }
-}
-
-std::vector<content_vault> two_vaults() {
-    content_vault home{"Home Vault", "/h", true, {}, {}};
-    home.items.push_back({item_kind::collection, "Harbour", "/h/harbour", "/h/harbour", 29});
-    home.items.push_back({item_kind::collection, "Training", "/h/training", "/h/training", 63});
-    return {home, {"Team Vault", "/t", false, "“/t” is not there.", {}}};
-}
-
-TEST(content_side_bar, opens_by_double_click_and_by_key) {
-    content_side_bar bar;
-    bar.resize(208, 600);
-    bar.set_content(two_vaults());
-    bar.show();
-    QStringList opened;
-    QObject::connect(&bar, &content_side_bar::open_asked, &bar,
-                     [&](const QString& folder) { opened << folder; });
-    const auto index_of = [&](const char* words) {
-        auto* model = bar.list()->model();
-        return model
-            ->match(model->index(0, 0), Qt::DisplayRole, words, 1, Qt::MatchRecursive | Qt::MatchExactly)
-            .value(0);
-    };
-    const auto click = [&](const char* words, bool twice) {
-        const QPoint at = bar.list()->visualRect(index_of(words)).center();
-        QTest::mouseClick(bar.list()->viewport(), Qt::LeftButton, {}, at);
-        if (twice) QTest::mouseDClick(bar.list()->viewport(), Qt::LeftButton, {}, at);
-    };
-    click("Training", true);
-    click("Harbour", false);
-    QTest::keyClick(bar.list(), Qt::Key_Return);
-    EXPECT_EQ(opened.join(" "), "/h/training /h/harbour");
-    // A folded vault stays folded when the list is brought up to date.
-    click("Home Vault", false);
-    bar.set_content(two_vaults());
-    EXPECT_FALSE(bar.list()->isExpanded(index_of("Home Vault")));
-    EXPECT_TRUE(bar.list()->isExpanded(index_of("Team Vault")));
 }
 
 TEST(pane_splitter, moves_by_keys_and_makes_equal_parts) {

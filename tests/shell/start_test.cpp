@@ -7,6 +7,7 @@
 #include "shell/application_options.h"
 #include "shell/display_check.h"
 #include "shell/event_stamp.h"
+#include "shell/sleep_watch.h"
 #include "shell/window_memory.h"
 #include "support/temporary_folder.h"
 
@@ -93,6 +94,16 @@ TEST(event_stamp, is_the_moment_of_the_event) {
     }
 }
 
+TEST(sleep_watch, calls_before_sleep_and_not_after_waking) {
+    int calls = 0;
+    sleep_watch watch([&] { ++calls; });
+    EXPECT_GE(watch.metaObject()->indexOfSlot("about_to_sleep(bool)"), 0) << "the login manager's signal";
+    watch.about_to_sleep(true);
+    EXPECT_EQ(calls, 1);
+    watch.about_to_sleep(false);
+    EXPECT_EQ(calls, 1);
+}
+
 TEST(window_memory, comes_back) {
     const temporary_folder folder;
     const home_places places{folder.path(), folder.path()};
@@ -103,6 +114,7 @@ TEST(window_memory, comes_back) {
     memory.inspector_shown = false;
     memory.tab = 1;
     memory.theme = "light";
+    memory.folded_vaults = {"/a/Cup.VVault"};
     memory.work_sizes.set("rows", property_array{600, 300});
     ASSERT_TRUE(save_window_memory(places, memory).ok());
     const window_memory read = load_window_memory(places);
@@ -113,6 +125,7 @@ TEST(window_memory, comes_back) {
     EXPECT_FALSE(read.inspector_shown);
     EXPECT_EQ(read.tab, 1);
     EXPECT_EQ(read.theme, "light");
+    EXPECT_EQ(read.folded_vaults, memory.folded_vaults);
     EXPECT_EQ(read.work_sizes, memory.work_sizes);
 }
 

@@ -12,7 +12,6 @@
 #include "shell/collection_view.h"
 #include "shell/inspector_parts.h"
 #include "shell/key_router.h"
-#include "shell/message_bar.h"
 #include "shell/theme.h"
 #include "shell/vistel_layout.h"
 #include "shell/window_frame.h"
@@ -301,28 +300,6 @@ TEST(inspector_parts, a_click_on_the_last_star_takes_it_away) {
     QTest::mouseClick(&stars, Qt::LeftButton, {}, star(3));
     QTest::keyClick(&stars, Qt::Key_Right);
     EXPECT_EQ(asked, (std::vector<int>{3, 2, 3}));
-}
-
-TEST(message_bar, shows_one_after_another) {
-    message_bar bar;
-    bool done = false;
-    for (auto& message : messages_of_opening("Harbour", 14, {"“logger.plist” is damaged."}))
-        bar.tell(message);
-    bar.tell(
-        {user_message::tone::warning, "Third", {}, {}, {{"Do it", [&] { done = true; }}, {"Leave it", {}}}});
-    ASSERT_EQ(bar.waiting(), 3u);
-    EXPECT_TRUE(bar.text().contains("14") && bar.text().contains("Harbour")) << bar.text().toStdString();
-    const auto answer = [&] {
-        bar.findChild<QPushButton*>("message.choice.0")->click();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    };
-    answer();
-    EXPECT_TRUE(bar.text().contains("logger.plist"));
-    answer();
-    EXPECT_FALSE(done);
-    answer();
-    EXPECT_TRUE(done);
-    EXPECT_TRUE(bar.isHidden());
 }
 
 }  // namespace

@@ -33,8 +33,10 @@ inline qual_ITEM qualifier_of(const std::string& uuid, const std::string& name) 
     return item;
 }
 
-inline std::string state_text(sxy_DATA_root& timeline) {
-    const auto snapshot = timeline.snapshot();
+// Everything that is stored, and the growing clips.
+inline std::string state_text(const sxy_DATA_root& timeline) {
+    const timeline_snapshot snapshot{timeline.uuid(), timeline.description(), timeline.kept(),
+                                     timeline.rows(), timeline.live_clips(),  timeline.tags()};
     std::string text = write_json(write_timeline(snapshot), json_layout::one_line);
     for (const auto& live : snapshot.live_clips) {
         text += "\n" + live.row.str() + write_json(write_clip(*live.clip), json_layout::one_line);
@@ -83,6 +85,7 @@ class random_edits {
             case 2:
                 return operation::move_row{any_row(timeline), index};
             case 3:
+                if (below(3) == 0) return tombstones(timeline);
                 set.add("height", time());
                 return operation::change_row{any_row(timeline), set, {property_value("color")}};
             case 4:
@@ -111,6 +114,18 @@ class random_edits {
             default:
                 return operation::insert_clip{any_row(timeline), clip_of(fresh("clip"), time(), time())};
         }
+    }
+
+    operation::any tombstones(const sxy_DATA_root& timeline) {
+        const auto row = timeline.row(any_row(timeline));
+        if (!row) return operation::add_tombstones{shared_text("none"), {}};
+        if (const auto all = row->deleted_clips(); !all.empty() && below(2) == 0) {
+            return operation::remove_tombstones{row->uuid(), {all.back().deleted_clip_ID, "nobody"}};
+        }
+        constexpr double not_expired = 1e11;
+        return operation::add_tombstones{
+            row->uuid(),
+            {{fresh("gone"), "me", not_expired + time()}, {fresh("gone"), "", not_expired + time()}}};
     }
 
     std::mt19937 random_;

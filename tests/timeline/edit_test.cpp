@@ -3,6 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+#include <memory>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
 #include "support/timeline_builder.h"
 #include "timeline/sxy_Save_Load.h"
 
@@ -15,7 +23,7 @@ using testing::random_edits;
 using testing::row_of;
 
 // Everything that is stored, and the growing clips.
-std::string state_of(sxy_DATA_root& timeline) {
+std::string state_of(const sxy_DATA_root& timeline) {
     return testing::state_text(timeline);
 }
 
@@ -137,6 +145,114 @@ TEST(edit, deleting_leaves_a_tombstone_and_undo_takes_it_away) {
     EXPECT_EQ(timeline.rows()[0]->deleted_clips()[1].deleted_clip_ID, "2");
     ASSERT_TRUE(apply_edit(timeline, back.value(), touched));
     EXPECT_EQ(state_of(timeline), before);
+}
+
+TEST(edit, of_thousands_of_clips_touches_each_once_and_is_taken_back) {
+    constexpr int count = 5000;
+    sxy_DATA_root timeline;
+    const shared_text rows[] = {shared_text("R"), shared_text("S")};
+    timeline_edit import{"Import", "", {}};
+    for (const auto& row : rows)
+        import.operations.emplace_back(operation::insert_row{9, row_of(row.str(), "")});
+    for (int n = 0; n < count; ++n) {
+        const std::string uuid = std::to_string(n);
+        import.operations.emplace_back(operation::insert_clip{rows[n % 2], clip_of(uuid, n * 7919 % 100, n)});
+        if (n % 3 == 0) import.operations.emplace_back(operation::move_clip{uuid, rows[(n + 1) % 2]});
+    }
+    const auto before = state_of(timeline);
+    change_set touched;
+    const auto back = apply_edit(timeline, import, touched);
+    ASSERT_TRUE(back) << back.message();
+    EXPECT_EQ(timeline.clip_count(), static_cast<std::size_t>(count));
+    EXPECT_EQ(touched.clips.size(), static_cast<std::size_t>(count));
+    EXPECT_EQ(touched.rows.size(), 2U);
+    const auto after = state_of(timeline);
+    const auto snapshot = timeline.snapshot();
+
+    import.operations.emplace_back(operation::remove_clip{"nobody"});
+    const auto forth = apply_edit(timeline, back.value(), touched);
+    ASSERT_TRUE(forth) << forth.message();
+    EXPECT_EQ(state_of(timeline), before);
+    EXPECT_FALSE(apply_edit(timeline, import, touched)) << "the last operation cannot be done";
+    EXPECT_EQ(state_of(timeline), before);
+    ASSERT_TRUE(apply_edit(timeline, forth.value(), touched));
+    EXPECT_EQ(state_of(timeline), after);
+    EXPECT_EQ(state_of(sxy_DATA_root(snapshot)), after) << "the snapshot has kept it";
+}
+
+TEST(timeline, finds_rows_where_they_are_after_they_were_moved) {
+    sxy_DATA_root timeline;
+    std::vector<std::string> order;
+    for (int n = 0; n < 9; ++n) {
+        order.push_back("row " + std::to_string(n));
+        ASSERT_TRUE(timeline.insert_row(n, row_of(order.back(), order.back())));
+        ASSERT_TRUE(timeline.insert_clip(shared_text(order.back()), clip_of("in " + order.back(), 1, 2)));
+    }
+    const auto move = [&](std::size_t from, std::size_t to) {
+        const auto moved = order[from];
+        order.erase(order.begin() + static_cast<std::ptrdiff_t>(from));
+        order.insert(order.begin() + static_cast<std::ptrdiff_t>(to), moved);
+        ASSERT_TRUE(timeline.move_row(shared_text(moved), to));
+    };
+    move(0, 8);
+    move(7, 2);
+    move(3, 3);
+    ASSERT_TRUE(timeline.remove_clip("in " + order[4]));
+    ASSERT_TRUE(timeline.remove_row(shared_text(order[4])));
+    order.erase(order.begin() + 4);
+    ASSERT_TRUE(timeline.insert_row(1, row_of("new", "new")));
+    order.insert(order.begin() + 1, "new");
+    ASSERT_EQ(timeline.rows().size(), order.size());
+    for (std::size_t index = 0; index < order.size(); ++index) {
+        EXPECT_EQ(timeline.rows()[index]->name(), order[index]);
+        EXPECT_EQ(timeline.row_index(shared_text(order[index])), index);
+        if (order[index] == "new") continue;
+        EXPECT_EQ(timeline.find_clip("in " + order[index])->row.str(), order[index]);
+    }
+}
+
+TEST(timeline, gives_loaded_clips_that_share_an_identity_one_each) {
+    timeline_snapshot loaded;
+    for (const char* uuid : {"R", "S"}) {
+        auto row = std::make_shared<sxy_ROW>(row_of(uuid, ""));
+        std::vector<clip_pointer> clips;
+        for (const auto& [id, start, end] : {std::tuple("", 8, 9), {"", 9, 3}, {"1", 4, 2}, {"1", 5, 6}}) {
+            clips.push_back(std::make_shared<sxy_CLIP>(clip_of(id, start, end)));
+        }
+        row->clips().assign(std::move(clips));
+        loaded.rows.push_back(std::move(row));
+    }
+    const sxy_DATA_root timeline(loaded);
+    EXPECT_EQ(timeline.clip_count(), 8U);
+    std::set<std::string> uuids;
+    for (const auto& row : timeline.rows()) {
+        std::vector<double> starts;
+        for (const auto& clip : row->clips()) {
+            const auto found = timeline.find_clip(clip->id());
+            ASSERT_TRUE(found);
+            EXPECT_EQ(found->clip, clip);
+            EXPECT_EQ(found->row, row->uuid());
+            uuids.insert(clip->id());
+            starts.push_back(clip->secs_start());
+        }
+        EXPECT_EQ(starts, (std::vector<double>{2, 3, 5, 8}));
+    }
+    EXPECT_EQ(uuids.size(), 8U);
+    EXPECT_FALSE(uuids.contains(""));
+    EXPECT_EQ(timeline.find_clip("1")->clip->secs_start(), 2) << "the first keeps its identity";
+    EXPECT_EQ(loaded.rows[0]->clips()[0]->secs_start(), 4) << "what was loaded is not changed";
+}
+
+TEST(timeline, refuses_times_that_are_not_finite) {
+    sxy_DATA_root timeline;
+    ASSERT_TRUE(timeline.insert_row(0, row_of("R", "Shot")));
+    const double never = std::numeric_limits<double>::infinity();
+    const double nothing = std::numeric_limits<double>::quiet_NaN();
+    for (const auto& [start, end] : {std::pair(nothing, 1.0), {1.0, nothing}, {-never, 1.0}, {1.0, never}}) {
+        EXPECT_FALSE(timeline.insert_clip(shared_text("R"), clip_of("1", start, end)));
+        EXPECT_FALSE(timeline.insert_live_clip(shared_text("R"), clip_of("1", start, end)));
+    }
+    EXPECT_EQ(timeline.clip_count(), 0U);
 }
 
 TEST(snapshot, does_not_change_when_the_timeline_does) {

@@ -50,21 +50,21 @@ TEST(clip, is_read_leniently_and_written_in_the_stored_order) {
              "row_uuid_in_clip":"R","row_category":"C","time_end":2,"time_start":1,"UUID":"U",
              "Notes dict":{"note_string":"n"}})",
          R"({"uuid":"U","time_start":1.0,"time_end":2.0,"row_category":"C","row_uuid_in_clip":"R","clip_style":"S",)"
-         R"("color":"0.0,0.0,1.0,0.5","edit_seconds":5,"author":"a","edit_info":"i","timeline_clip_position":9,)"
+         R"("color":"0.0,0.0,1.0,0.5","edit_seconds":5.0,"author":"a","edit_info":"i","timeline_clip_position":9,)"
          R"("timer_clip_alt_offset_minutes":1.5,"timer_clip_cumulative":true,"timer_clip_count_down":true,)"
-         R"("alt_count_down":true,"alt_seconds":4,"alt_color":"1,0,0","type":"unknown","type_id":"T",)"
-         R"("clip_group":"G","inserted_Objects":{"items":[]},"coll_id":7,"pause_items":[{"seconds":2}],)"
-         R"("telestration":{"x":1},"triggers":[{"trigger_time":1}],"vistels_data":{"bounds_ratio":1.5},)"
+         R"("alt_count_down":true,"alt_seconds":4.0,"alt_color":"1.0,0.0,0.0","type":"unknown","type_id":"T",)"
+         R"("clip_group":"G","inserted_Objects":{"items":[]},"coll_id":7.0,"pause_items":[{"seconds":2.0}],)"
+         R"("telestration":{},"triggers":[{"trigger_time":1.0}],"vistels_data":{"bounds_ratio":1.5},)"
          R"("notes_dict":{"note_string":"n"}})"},
         {R"({"time_start":1,"time_end":3,"qualifiers":{"qualifiers array":[
              {"UUID":"Q","alt time":3,"name":"Goal","category":"What","recepient":"x","time":1.123456789,
               "colR":1,"colG":0,"colB":0,"colA":0.5,"count down":true,"clock_time":"14:05:09","action":"A","value":2,
               "qualifier_attributes":[{"color":"0.12345,0,0","attr_uuid":"A1","time":2,"category":"c","name":"n"}]},
              "no dictionary"]}})",
-         R"({"time_start":1.0,"time_end":3.0,"qualifiers":{"qualifiers_array":[{"time":1.12345679,"alt_time":3,)"
+         R"({"time_start":1.0,"time_end":3.0,"qualifiers":{"qualifiers_array":[{"time":1.12345679,"alt_time":3.0,)"
          R"("clock_time":"14:05:09","count down":true,"name":"Goal","category":"What","recepient":"x","uuid":"Q",)"
          R"("color":"1.0,0.0,0.0,0.5","qualifier_attributes":[{"name":"n","category":"c","time":2.0,)"
-         R"("color":"0.123,0.0,0.0","attr_uuid":"A1"}],"action":"A","value":2}]}})"},
+         R"("color":"0.123,0.0,0.0","attr_uuid":"A1"}],"action":"A","value":2.0}]}})"},
     };
     for (const auto& one : cases) {
         const auto clip = read_clip(json(one.stored));
@@ -109,13 +109,13 @@ TEST(row, is_read_leniently_and_written_in_the_stored_order) {
 
 TEST(timeline, writes_its_keys_in_order_and_only_what_is_selected_when_asked) {
     const auto loaded = read_timeline(json(
-        R"({"tags":[{"secs":1}],"uuid_timeline":"T","description":"d","show_rows_by_category":true,"rows":[
+        R"({"tags":[{"secs_tag":1,"xy_tag":"2, 3"}],"uuid_timeline":"T","description":"d","show_rows_by_category":true,"rows":[
             {"row_name":"a","uuid_row":"A"},{"row_name":"b","uuid_row":"B","clips":[
             {"uuid":"1","time_start":1,"time_end":2},{"uuid":"2","time_start":3,"time_end":4}]}]})"));
     EXPECT_EQ(
-        one_line(write_timeline(loaded.content)).substr(0, 157),
+        one_line(write_timeline(loaded.content)).substr(0, 178),
         R"({"row_count":2,"show_rows_by_category":true,"data_version":2,"description":"d","uuid_timeline":"T",)"
-        R"("tags":[{"secs":1}],"rows":[{"row_number":1,"row_name":"a")");
+        R"("tags":[{"secs_tag":1.0,"xy_tag":"2,3"}],"rows":[{"row_number":1,"row_name":"a")");
     loaded.content.rows[1]->clips()[1]->set_selected(true);
     const auto selected = write_timeline(loaded.content, true);
     EXPECT_TRUE(selected.boolean("only contains selected and filtered in clips").value_or(false));
@@ -154,11 +154,11 @@ TEST(timeline, a_saved_folder_reads_back_and_a_damaged_one_names_its_file) {
     timeline_header header;
     header.uuid = "H";
     header.cursor_seconds = 12.5;
-    header.kept.add("block_auto_relinking", true);
+    header.block_auto_relinking = true;
     ASSERT_TRUE(save_timeline_header(header, folder.path()));
     const auto read_header = load_timeline_header(folder.path());
     EXPECT_EQ(read_header.cursor_seconds, 12.5);
-    EXPECT_EQ(read_header.kept.boolean("block_auto_relinking"), true);
+    EXPECT_TRUE(read_header.block_auto_relinking);
 
     testing::put_file(folder / "chron data.plist", "<plist><dict>");
     const auto damaged = load_timeline(folder.path());

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "shell/content_list.h"
+#include "util/result.h"
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QSpinBox;
+class QVBoxLayout;
+
+namespace vistels {
+
+// A panel with a headline, content and a row of buttons. Main thread.
+class vault_panel : public QDialog {
+    Q_OBJECT
+  protected:
+    vault_panel(const QString& name, const QString& title, const QString& words, QWidget* parent);
+
+    QVBoxLayout& content() { return *content_; }
+    // The buttons from left to right; the one that does it stands right, before it the safe one.
+    QPushButton* add_button(const QString& name, const QString& words, const QString& kind);
+
+  private:
+    QVBoxLayout* content_;
+    QLayout* buttons_;
+};
+
+// Asks for what a new vault needs: name, parent folder, and whether new items go into it from then on. One
+// that exists already is replaced only when that is chosen then.
+class create_vault_panel final : public vault_panel {
+    Q_OBJECT
+  public:
+    struct values {
+        std::string name;
+        std::string parent_folder;
+        bool set_focus = false;
+    };
+    enum class outcome { made, exists, failed };
+    struct answer {
+        outcome what = outcome::failed;
+        std::string message;  // of `failed`: for the user; of `exists`: the vault's name
+    };
+    // Makes the vault; with `replace` in place of one that exists.
+    using maker = std::function<answer(const values& wanted, bool replace)>;
+
+    create_vault_panel(const values& first, maker make, QWidget* parent);
+
+  protected:
+    void reject() override;
+
+  private:
+    void build(const values& first);
+    values wanted() const;
+    void choose_parent();
+    void follow_fields();
+    void make(bool replace);
+    // Asks whether the vault that is there is replaced; the fields wait meanwhile.
+    void ask(bool asks);
+    void say(const QString& headline, const QString& reason, const char* tone);
+
+    maker make_;
+    QLineEdit* name_;
+    QLineEdit* parent_;
+    QPushButton* choose_;
+    QCheckBox* focus_;
+    QLabel* problem_;
+    QLabel* reason_;
+    QPushButton* cancel_;
+    QPushButton* replace_;
+    QPushButton* create_;
+    bool asks_ = false;
+};
+
+// Panel for choosing the focus vault: all vaults with their free space; those that are away cannot be chosen.
+class focus_vault_panel final : public vault_panel {
+    Q_OBJECT
+  public:
+    focus_vault_panel(const std::vector<content_vault>& vaults, QWidget* parent);
+
+    // The path of the chosen vault; empty when none is.
+    std::string chosen() const;
+
+  private:
+    QListWidget* list_;
+    QPushButton* choose_;
+};
+
+// From which share of free space on the side bar warns, and whether vaults that are away are listed.
+class vault_warning_panel final : public vault_panel {
+    Q_OBJECT
+  public:
+    vault_warning_panel(int percent, bool shows_unavailable, QWidget* parent);
+
+    int percent() const;
+    bool shows_unavailable() const;
+
+  private:
+    QSpinBox* percent_;
+    QCheckBox* shows_unavailable_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What is done to the selected clips by the window's commands, and their note in the inspector.
+#include <QAction>
+#include <QPlainTextEdit>
+
+#include "app/undo_stack.h"
+#include "shell/collection_pane.h"
+#include "shell/message_bar.h"
+#include "shell/timeline_view.h"
+#include "support/shown_event.h"
+#include "support/timeline_builder.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+using testing::clip_of;
+using testing::row_of;
+
+// Clips a (0 to 1), b (0.5 to 2) and c (3 to 3.5) in one row.
+struct clip_commands : public testing::shown_event {
+    void SetUp() override {
+        shown_event::SetUp();
+        if (IsSkipped()) return;
+        open();
+        const shared_text row("commands");
+        const auto made = event().timeline().apply({"made",
+                                                    "",
+                                                    {operation::insert_row{0, row_of("commands", "Shot")},
+                                                     operation::insert_clip{row, clip_of("a", 0, 1)},
+                                                     operation::insert_clip{row, clip_of("b", 0.5, 2)},
+                                                     operation::insert_clip{row, clip_of("c", 3, 3.5)}}});
+        ASSERT_TRUE(made) << made.message();
+        view = window->findChild<timeline_view*>();
+        note = find<QPlainTextEdit>("inspector.note");
+        clips_before = timeline().clip_count();
+        QObject::connect(&window->session(), &event_session::told, note, [this] { ++told; });
+    }
+    std::vector<double> times(const char* clip) {
+        const auto place = timeline().find_clip(clip);
+        if (!place) return {};
+        return {place->clip->secs_start(), place->clip->secs_end()};
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers with = Qt::ControlModifier) {
+        QTest::keyClick(window.get(), key, with);
+    }
+    std::string note_of(const char* clip) { return timeline().find_clip(clip)->clip->note_text(); }
+
+    timeline_view* view = nullptr;
+    QPlainTextEdit* note = nullptr;
+    std::size_t clips_before = 0;
+    int told = 0;
+};
+
+TEST_F(clip_commands, merge_duplicate_and_split_by_their_keys_each_one_step) {
+    view->select({"a", "b"});
+    press(Qt::Key_K);
+    EXPECT_LT(times("a")[1], times("b")[0]) << "they overlap no more";
+    press(Qt::Key_D);
+    EXPECT_EQ(timeline().clip_count(), clips_before + 2);
+    EXPECT_EQ(times("a")[0], 0) << "the copies stand behind, the clips stay";
+    press(Qt::Key_Z);
+    EXPECT_EQ(timeline().clip_count(), clips_before);
+    press(Qt::Key_Z);
+    EXPECT_EQ(times("b"), (std::vector<double>{0.5, 2}));
+    view->select({"c", "a"});
+    press(Qt::Key_J);
+    EXPECT_EQ(times("a"), (std::vector<double>{0, 3.5}));
+    EXPECT_TRUE(times("c").empty());
+    press(Qt::Key_Z);
+    EXPECT_EQ(times("c"), (std::vector<double>{3, 3.5}));
+    EXPECT_EQ(told, 0);
+    view->select({"c"});
+    press(Qt::Key_J);
+    press(Qt::Key_K);
+    EXPECT_EQ(told, 2) << "one clip cannot be merged, and nothing overlaps it";
+    EXPECT_EQ(timeline().clip_count(), clips_before);
+}
+
+TEST_F(clip_commands, marks_move_the_edges_of_the_selected_clips_to_the_playhead_but_not_across) {
+    view->select({"a", "b"});
+    window->session().seek(0.8);
+    const double here = event().playback().collection_time();
+    find<QAction>("mark_in")->trigger();
+    EXPECT_EQ(times("a"), (std::vector<double>{here, 1}));
+    EXPECT_EQ(times("b"), (std::vector<double>{here, 2}));
+    window->session().seek(1.5);
+    find<QAction>("mark_in")->trigger();
+    EXPECT_EQ(told, 1) << "the first of them has ended there";
+    EXPECT_EQ(times("b")[0], here);
+    find<QAction>("mark_out")->trigger();
+    EXPECT_EQ(times("a")[1], times("b")[1]);
+    EXPECT_EQ(times("c"), (std::vector<double>{3, 3.5}));
+}
+
+TEST_F(clip_commands, a_note_is_written_in_the_inspector_by_one_step) {
+    view->select({"a"});
+    note->setFocus();
+    QTest::keyClicks(note, "Left foot. I, O, D and L are letters here");
+    QTest::keyClick(note, Qt::Key_Return);
+    QTest::keyClicks(note, "two lines");
+    EXPECT_EQ(note_of("a"), "");
+    QTest::keyClick(note, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(note_of("a"), "Left foot. I, O, D and L are letters here\ntwo lines");
+    EXPECT_FALSE(note->hasFocus());
+    EXPECT_TRUE(down().empty());
+    press(Qt::Key_Z);
+    EXPECT_EQ(note_of("a"), "");
+    EXPECT_EQ(note->toPlainText(), "");
+    press(Qt::Key_Y);
+    EXPECT_EQ(note->toPlainText().count('\n'), 1);
+
+    note->setFocus();
+    note->selectAll();
+    QTest::keyClicks(note, "not so");
+    QTest::keyClick(note, Qt::Key_Escape);
+    EXPECT_TRUE(note->toPlainText().startsWith("Left foot"));
+}
+
+TEST_F(clip_commands, what_is_typed_goes_to_its_own_clip_whatever_happens_meanwhile) {
+    view->select({"a"});
+    note->setFocus();
+    QTest::keyClicks(note, "of a");
+    property_dictionary stars;
+    stars.add("stars", 2);
+    ASSERT_TRUE(event().timeline().apply({"Stars", "", {operation::change_clip{"a", stars, {}}}}));
+    EXPECT_EQ(note->toPlainText(), "of a") << "still being typed";
+    view->select({"b"});
+    EXPECT_EQ(note_of("a"), "of a");
+    EXPECT_EQ(note_of("b"), "");
+    EXPECT_EQ(note->toPlainText(), "");
+    QTest::keyClicks(note, "of b");
+    view->select({"a", "b"});
+    EXPECT_EQ(note_of("b"), "of b");
+    EXPECT_FALSE(note->isVisible()) << "several clips have several notes";
+    view->select({"c"});
+    note->setFocus();
+    QTest::keyClicks(note, "typed last");
+    window->close();
+    window.reset();
+    const auto saved = load_timeline(folder);
+    ASSERT_TRUE(saved) << saved.message();
+    std::string texts;
+    for (const auto& row : saved.value().content.rows) {
+        for (const auto& clip : row->clips()) texts += clip->note_text() + "|";
+    }
+    EXPECT_EQ(texts, "of a|of b|typed last|");
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The message bar: what happened once, states that last, and the words for them.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPushButton>
+
+#include "shell/event_messages.h"
+#include "shell/message_bar.h"
+
+namespace vistels {
+namespace {
+
+struct messages : public ::testing::Test {
+    void answer(int choice = 0) {
+        auto* button = bar.findChild<QPushButton*>(QStringLiteral("message.choice.%1").arg(choice));
+        ASSERT_TRUE(button);
+        button->click();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    static user_message lasting(const char* text) { return save_failed_message("Harbour", "/h", text); }
+
+    message_bar bar;
+};
+
+TEST_F(messages, come_one_after_another) {
+    bool done = false;
+    opening_report report;
+    report.event = "Harbour";
+    report.recovered_edits = 14;
+    report.finished = QStringList{"Attack until 0:12:30"};
+    report.messages = {"“logger.plist” is damaged.", "Both are kept."};
+    report.conflicts = {{"Both are kept.", "/h/chron data.plist", "/h/chron data conflict"}};
+    const auto all = messages_of_opening(report);
+    ASSERT_EQ(all.size(), 3u);
+    EXPECT_TRUE(all[0].detail.contains("Attack until"));
+    EXPECT_TRUE(all[2].headline.contains("another program"));
+    for (int i = 0; i < 2; ++i) bar.tell(all[static_cast<std::size_t>(i)]);
+    bar.tell(
+        {user_message::tone::warning, "Third", {}, {}, {{"Do it", [&] { done = true; }}, {"Leave it", {}}}});
+    ASSERT_EQ(bar.waiting(), 3u);
+    EXPECT_TRUE(bar.text().contains("14") && bar.text().contains("Harbour")) << bar.text().toStdString();
+    answer();
+    EXPECT_TRUE(bar.text().contains("logger.plist"));
+    answer();
+    EXPECT_FALSE(done);
+    answer();
+    EXPECT_TRUE(done);
+    EXPECT_TRUE(bar.isHidden());
+}
+
+TEST_F(messages, a_state_stands_once_behind_what_happened_and_goes_by_itself) {
+    bar.tell(lasting("no space"));
+    bar.tell(lasting("read-only volume"));
+    EXPECT_EQ(bar.waiting(), 1u);
+    EXPECT_EQ(bar.text(), "read-only volume");
+    bar.tell({user_message::tone::warning, "Happened", {}, {}, {}});
+    EXPECT_EQ(bar.headline(), "Happened");
+    answer();
+    EXPECT_EQ(bar.text(), "read-only volume");
+    bar.tell(refused_press_message("Shot", "Harbour"));
+    bar.tell(refused_press_message("Goal", "Harbour"));
+    EXPECT_TRUE(bar.headline().contains("Goal"));
+    EXPECT_EQ(bar.waiting(), 2u);
+    answer();
+    bar.withdraw(save_failed_key);
+    EXPECT_TRUE(bar.isHidden());
+    bar.withdraw(save_failed_key);
+}
+
+TEST_F(messages, a_state_that_was_sent_away_comes_back_when_it_is_another) {
+    bar.tell(lasting("no space"));
+    answer();
+    bar.tell(lasting("no space"));
+    EXPECT_TRUE(bar.isHidden());
+    bar.tell(lasting("volume gone"));
+    EXPECT_EQ(bar.text(), "volume gone");
+    answer();
+    bar.withdraw(save_failed_key);  // saved, and then it fails again
+    bar.tell(lasting("volume gone"));
+    EXPECT_FALSE(bar.isHidden());
+}
+
+TEST(start_messages, tell_all_that_was_put_back_at_once) {
+    start_up_report report;
+    report.ended_well_before = false;
+    for (const char* name : {"a", "b", "c", "d", "e", "f"})
+        report.recovered.push_back(std::string("/v/") + name);
+    report.messages = {"Vistels was not quit properly the last time (x).\r\rThese files:",
+                       "older build.\r\rBuild number  1."};
+    const auto all = messages_of_start(report);
+    ASSERT_EQ(all.size(), 2u);
+    EXPECT_TRUE(all[0].headline.contains("not quit properly"));
+    for (const char* part : {"6 files", "/v/a", "/v/d", "2 more"})
+        EXPECT_TRUE(all[0].text.contains(part)) << part;
+    EXPECT_FALSE(all[0].text.contains("/v/e"));
+    EXPECT_TRUE(all[1].text.contains("older build.\n\nBuild"));
+}
+
+}  // namespace
+}  // namespace vistels
