@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "support/failing_files.h"
+#include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
-#include "timeline/timeline_document.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels::testing {
@@ -79,13 +79,6 @@ class failure_run {
     std::size_t cases_ = 0;
     bool is_over_ = false;
 };
-
-inline std::unique_ptr<timeline_document> opened(const std::string& folder, run_loop& loop,
-                                                 file_system& files) {
-    auto document = timeline_document::open(folder, loop, files);
-    EXPECT_TRUE(document) << document.message();
-    return document ? std::move(document).value() : nullptr;
-}
 
 // The rows with all that is in them; not the timeline's identity, which differs from run to run.
 inline std::string rows_text(const sxy_DATA_root& timeline) {

@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "support/failing_files.h"
+#include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
-#include "timeline/timeline_document.h"
 #include "util/property_list.h"
 #include "util/simulated_run_loop.h"
 
@@ -15,16 +15,10 @@ namespace {
 
 using testing::clip_of;
 using testing::file_bytes;
+using testing::opened;
 using testing::put_file;
 using testing::row_of;
 using testing::temporary_folder;
-
-std::unique_ptr<timeline_document> opened(const std::string& folder, run_loop& loop,
-                                          file_system& files = machine_files()) {
-    auto document = timeline_document::open(folder, loop, files);
-    EXPECT_TRUE(document) << document.message();
-    return document ? std::move(document).value() : nullptr;
-}
 
 timeline_edit add_row(const std::string& uuid) {
     return {"Row", "", {operation::insert_row{99, row_of(uuid, uuid)}}};
