@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "support/measure.h"
 #include "util/property_list.h"
 #include "util/property_list_cursor.h"
 #include "util/stored_sink.h"
@@ -29,15 +30,10 @@
 namespace {
 
 using namespace vistels;
+using bench::processor_seconds;
 
 constexpr double most_quick_ratio = 0.35;
 constexpr int rows = 20;
-
-double processor_seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 class timeline_maker {
   public:

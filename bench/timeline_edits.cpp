@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "support/measure.h"
 #include "timeline/timeline_edit.h"
 #include "timeline/timeline_journal.h"
 #include "util/json.h"
@@ -31,6 +32,8 @@
 namespace {
 
 using namespace vistels;
+using bench::median;
+using bench::seconds_of;
 
 constexpr double most_edit_ratio = 10;
 constexpr double most_bytes = 1.2e9;
@@ -41,25 +44,9 @@ constexpr std::size_t clips_for_load = 100'000;
 constexpr int batches = 60;
 constexpr int batch = 100;
 
-double processor_seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double seconds_of(const std::function<void()>& work) {
-    const double before = processor_seconds();
-    work();
-    return processor_seconds() - before;
-}
-
 double percentile(std::vector<double> values, double share) {
     std::sort(values.begin(), values.end());
     return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
-}
-
-double median(std::vector<double> values) {
-    return percentile(std::move(values), 0.5);
 }
 
 void stop_with(const std::string& message) {
