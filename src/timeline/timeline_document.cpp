@@ -423,6 +423,8 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
                                             const save_companion& companion, running_save& save) {
     const auto separate = take_notes_off(snapshot);
     const bool in_doubt = last_saver(folder_, files_) != known_saver_;
+    // Notes that outlive a power loss must not find older clips: the edits that they came with are there first.
+    if (auto synced = journal_->sync(); !synced) return synced;
     // Before the save is noted: a save that changes nothing but notes leaves the same "chron data.plist", for
     // which the journal would count as covered from the note on.
     const auto strangers_notes = notes_.save(separate, in_doubt);

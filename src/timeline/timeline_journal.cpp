@@ -186,6 +186,18 @@ void timeline_journal::sync_soon() {
     });
 }
 
+result<void> timeline_journal::sync() {
+    std::shared_ptr<segment_file> file;
+    {
+        const std::lock_guard lock(mutex_);
+        file = file_;
+    }
+    if (auto synced = file->sync(); !synced) return synced;
+    if (const int fault = files_.sync_folder(folder_))
+        return file_failure(folder_, "could not be synced", fault);
+    return {};
+}
+
 result<void> timeline_journal::note_save(const journal_base& coming) {
     std::shared_ptr<segment_file> file;
     {
