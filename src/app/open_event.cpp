@@ -5,7 +5,11 @@
 #include <iterator>
 #include <utility>
 
+#include "app/offset_changes.h"
 #include "app/settings.h"
+#include "app/state_log.h"
+#include "app/user_name.h"
+#include "app/vistel_changes.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
 #include "util/file_system.h"
@@ -58,6 +62,9 @@ result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, 
                                                      run_loop& loop) {
     std::unique_ptr<open_event> event(new open_event(folder, places, loop));
     if (auto loaded = event->load(); !loaded) return loaded.error();
+    if (event->is_recovered_ && !event->timeline_->is_read_only()) {
+        if (auto saved = event->save_collection(); !saved) event->messages_.push_back(saved.message());
+    }
     return event;
 }
 
@@ -76,10 +83,12 @@ result<void> open_event::load() {
         if (auto loaded = load_collection_record(); !loaded) return loaded;
     }
     if (auto opened = open_timeline(); !opened) return opened;
+    is_recovered_ = has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_);
+    // Nothing is saved of a collection that is not whole yet.
+    const saving_block block(collection_);
     has_collection_ ? link_records() : name_timeline();
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
-    if (!has_collection_) playback_->set_least_range(start_seconds(), longest_event_seconds);
     feed_playback();
     playback_->seek(movie_time_to_restore());
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
@@ -88,7 +97,29 @@ result<void> open_event::load() {
     open_code_window();
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     open_undo();
+    open_changes();
     return {};
+}
+
+void open_event::open_changes() {
+    changes_ =
+        std::make_unique<collection_changes>(collection_, *timeline_, [this] { return save_collection(); });
+    changes_->set_undo(undo_.get());
+    made_ = changes_->made.connect([this](double shift) { follow_change(shift); });
+}
+
+// The playhead stays on its frame like the clips.
+void open_event::follow_change(double shift) {
+    const double time = playback_->collection_time();
+    if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
+    feed_playback();
+    if (shift != 0) {
+        playback_->seek(time + shift);
+        logger_->shift_times(shift);
+    }
+    logger_->set_earliest_time(playback_->first_time());
+    timeline_->header().cursor_seconds = playback_->collection_time();
+    collection_changed.emit();
 }
 
 result<void> open_event::load_collection_record() {
@@ -96,6 +127,7 @@ result<void> open_event::load_collection_record() {
     if (!loaded) return loaded.error();
     collection_ = std::move(loaded.value().collection);
     add_all(messages_, loaded.value().messages);
+    for (const auto& message : loaded.value().messages) log_line(places_, message);
     saved_record_ = record_of(collection_);
     return {};
 }
@@ -104,6 +136,7 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
     if (auto loaded = load_collection_record(); !loaded) return loaded;
+    if (collection_changes::take_up_recovered(collection_, *timeline_)) (void)save_collection();
     link_records();
     feed_playback();
     collection_changed.emit();
@@ -114,6 +147,7 @@ result<void> open_event::open_timeline() {
     auto opened = timeline_document::open(folder_, loop_);
     if (!opened) return opened.error();
     timeline_ = std::move(opened).value();
+    timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
     // The playhead goes into the timeline's header with every background save, so it outlives a kill.
     edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
@@ -129,6 +163,9 @@ void open_event::open_undo() {
     take_up_history();
     access_ = timeline_->access_changed.connect([this] { take_up_history(); });
     timeline_->set_save_companion([this, uuid] {
+        // What the timeline's file holds the journal forgets: a change of the collection must be saved
+        // before.
+        if (changes_) (void)changes_->save_pending();
         return [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
             // Without it the steps before are not taken back after closing; the timeline is saved all the
             // same.
@@ -177,9 +214,21 @@ double open_event::movie_time_to_restore() const {
     return header.last_saved > saved ? header.cursor_seconds : collection_.movie_time();
 }
 
+// Only what changed: to be given the same again would interrupt what is heard.
 void open_event::feed_playback() {
-    playback_->set_vistels(playback_vistels_of(collection_));
-    playback_->set_sound_vistel(collection_.vistel_for_sound());
+    // What was coded before the first camera, on the clock alone, can be reached, too.
+    const double first = first_clip_seconds();
+    const double last = runs_on_clock() ? longest_event_seconds : 0;
+    if (std::exchange(fed_range_, {first, last}) != std::pair(first, last)) {
+        playback_->set_least_range(first, last);
+    }
+    auto vistels = playback_vistels_of(collection_);
+    if (vistels != fed_vistels_) {
+        fed_vistels_ = vistels;
+        playback_->set_vistels(std::move(vistels));
+    }
+    const std::string heard = collection_.vistel_for_sound();
+    if (std::exchange(fed_sound_, heard) != heard) playback_->set_sound_vistel(heard);
     playback_->set_enlarged(enlarged());
     feed_volume();
 }
@@ -223,48 +272,42 @@ void open_event::tick() {
     tick_timer_.reset();
 }
 
-double open_event::start_seconds() const {
-    if (!has_collection_) {
-        double first = 0;
-        for (const auto& row : timeline_->timeline().rows()) {
-            const auto& clips = row->clips();
-            if (clips.size() > 0) first = std::min(first, clips[0]->secs_start());
-        }
-        return first;
+bool open_event::runs_on_clock() const {
+    return !has_collection_ || !has_movies(collection_);
+}
+
+// At most 0.
+double open_event::first_clip_seconds() const {
+    double first = 0;
+    for (const auto& row : timeline_->timeline().rows()) {
+        const auto& clips = row->clips();
+        if (clips.size() > 0) first = std::min(first, clips[0]->secs_start());
     }
-    return playback_->first_time();
+    return first;
+}
+
+double open_event::start_seconds() const {
+    return runs_on_clock() ? first_clip_seconds() : playback_->first_time();
 }
 
 double open_event::end_seconds() const {
-    if (!has_collection_) return std::max(timeline_->timeline().last_end(), playback_->collection_time());
+    if (runs_on_clock()) return std::max(timeline_->timeline().last_end(), playback_->collection_time());
     return playback_->last_time();
 }
 
 std::string open_event::problem(const std::string& vistel) const {
-    const std::string from_playback = playback_->problem(vistel);
-    if (!from_playback.empty()) return from_playback;
     // A vistel that has other parts shows those.
     const auto found = collection_.find_vistel(vistel);
-    return found && found->parts().parts.empty() ? found->problem() : std::string();
+    if (found && found->parts().parts.empty() && !found->problem().empty()) return found->problem();
+    return playback_->problem(vistel);
 }
 
 result<void> open_event::set_offset(const std::string& vistel, double seconds) {
-    const auto found = collection_.find_vistel(vistel);
-    if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
-    found->set_manual_start_offset(seconds);
-    feed_playback();
-    logger_->set_earliest_time(playback_->first_time());
-    auto saved = save_collection();
-    collection_changed.emit();
-    return saved;
+    return changes_->make(plan_offset(vistel, seconds));
 }
 
 result<void> open_event::set_sound_vistel(const std::string& vistel) {
-    collection_.set_vistel_for_sound(vistel);
-    playback_->set_sound_vistel(vistel);
-    auto saved = save_collection();
-    collection_changed.emit();
-    return saved;
+    return changes_->make(plan_sound_vistel(vistel));
 }
 
 result<void> open_event::set_volume(double volume) {

@@ -4,20 +4,22 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/collection_changes.h"
 #include "app/places.h"
 #include "app/undo_stack.h"
 #include "timeline/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
+#include "video/synchronised_playback.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
 
 class press_engine;
-class synchronised_playback;
 
 // One open collection with everything that belongs to it: its record, its timeline, its code window, the
 // playback of its vistels and the undo history of its timeline. A timeline that belongs to no collection
@@ -46,21 +48,28 @@ class open_event {
     press_engine& logger() { return *logger_; }
     synchronised_playback& playback() { return *playback_; }
     undo_stack& undo() { return *undo_; }
+    // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
+    // which is not to be changed.
+    collection_changes& changes() { return *changes_; }
 
     // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
     const std::vector<std::string>& messages() const { return messages_; }
     // Edits that the journal brought back when the timeline was opened.
     std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
 
-    // Seconds on the collection's clock between which there is a picture of any vistel; without a collection,
-    // between which there are clips or the playhead stands.
+    // Seconds on the collection's clock between which there is a picture of any vistel, or before that a
+    // clip; without movies, between which there are clips or the playhead stands.
     double start_seconds() const;
     double end_seconds() const;
+    // No vistel has a movie (yet), or there is no collection: the clock is all there is, started by playing
+    // and running on beyond the last clip.
+    bool runs_on_clock() const;
 
     // Why a vistel, or the movie part at the present time, cannot be shown; empty when all is well.
     std::string problem(const std::string& vistel) const;
 
-    // Each changes the collection, brings playback into step and saves. `vistel` is a UUID.
+    // Each changes the collection, brings playback into step and saves. `vistel` is a UUID. The offset can be
+    // taken back, like all that changes() does.
     result<void> set_offset(const std::string& vistel, double seconds);
     result<void> set_sound_vistel(const std::string& vistel);
     // From 0 to 1, below the application's volume; saved with the next change, or on closing.
@@ -91,8 +100,11 @@ class open_event {
     void open_code_window();
     void name_timeline();
     void link_records();
+    void open_changes();
+    void follow_change(double shift);
     void feed_playback();
     void feed_volume();
+    double first_clip_seconds() const;
     double movie_time_to_restore() const;
     result<void> save_changed_collection();
     void follow_presses();
@@ -103,13 +115,20 @@ class open_event {
     run_loop& loop_;
     video_collection_ROOT collection_;
     bool has_collection_ = true;
+    bool is_recovered_ = false;         // the journal brought back changes of the collection
     property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
     std::unique_ptr<timeline_document> timeline_;
     std::unique_ptr<synchronised_playback> playback_;
+    // What playback was given.
+    std::pair<double, double> fed_range_ = {0, 0};
+    std::vector<playback_vistel> fed_vistels_;
+    std::string fed_sound_;
     std::unique_ptr<press_engine> logger_;
     std::unique_ptr<undo_stack> undo_;
+    std::unique_ptr<collection_changes> changes_;
     std::optional<run_loop::timer_id> tick_timer_;
+    connection made_;
     connection edited_;
     connection access_;
     connection fired_;

@@ -35,12 +35,13 @@ std::string folder_from(const char* variable, const std::string& otherwise) {
     return folder.starts_with('/') ? folder : path_join(user_home(), otherwise);
 }
 
-// The line XDG_DOCUMENTS_DIR="$HOME/Documents" of the desktop's list of the user's folders.
-std::string documents_folder() {
-    const std::string otherwise = path_join(user_home(), "Documents");
+// The folder of a line such as XDG_DOCUMENTS_DIR="$HOME/Documents" of the desktop's list of the user's
+// folders.
+std::string user_folder(const std::string& kind, const std::string& name) {
+    const std::string otherwise = path_join(user_home(), name);
     const auto list = read_file(path_join(folder_from("XDG_CONFIG_HOME", ".config"), "user-dirs.dirs"));
     if (!list) return otherwise;
-    constexpr std::string_view key = "XDG_DOCUMENTS_DIR=\"";
+    const std::string key = "XDG_" + kind + "_DIR=\"";
     std::string_view left = list.value();
     while (!left.empty()) {
         const std::string_view line = left.substr(0, left.find('\n'));
@@ -60,6 +61,10 @@ std::string home_places::local_vistels() const {
     return path_join(state_folder, "Single Videos Local");
 }
 
+std::string desktop_folder() {
+    return user_folder("DESKTOP", "Desktop");
+}
+
 std::string absolute_path(const std::string& path) {
     std::error_code ignored;
     const auto absolute = std::filesystem::absolute(path, ignored);
@@ -75,7 +80,7 @@ home_places find_home_places(const std::string& home) {
                 path_join(folder, "Trash")};
     }
     const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
-    return {path_join(documents_folder(), home_vault_name),
+    return {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
             path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash")};
 }
 

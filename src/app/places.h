@@ -20,6 +20,9 @@ struct home_places {
 // "~/.local/share/vistels"), beside which the desktop's trash lies. Nothing is made.
 home_places find_home_places(const std::string& home = {});
 
+// The folder that the user's desktop shows.
+std::string desktop_folder();
+
 // The path from the root, without "." and "..", and without a slash at its end. Nothing is looked up.
 std::string absolute_path(const std::string& path);
 

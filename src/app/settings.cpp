@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/known_vaults.h"
+#include "app/user_name.h"
 #include "app/vault_preferences.h"
 
 namespace vistels {
@@ -23,6 +24,11 @@ constexpr setting_place pitch_place{{"Collection", "pitch algorithm.plist"}, "pi
 constexpr setting_place volume_place{{"", "application volume.plist"}, "application volume"};
 constexpr setting_place operator_place{{"Formulas", "default formula operator.plist"},
                                        "default formula operator"};
+constexpr setting_place number_name_place{{"Collection", "show vistel number name.plist"},
+                                          "show_vistel_name_with_number"};
+constexpr setting_place local_data_place{{"Collection", "local video data.plist"},
+                                         "store video data in collection folder"};
+constexpr setting_place view_offsets_place{{"Collection", "view offsets.plist"}, "vertical"};
 
 constexpr double largest_rate = 64;
 constexpr double fastest_rewind = -8;
@@ -106,9 +112,34 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
     return failure{std::string("\"") + symbol + "\" is no operator of formulas."};
 }
 
+show_vistel_number_name load_show_vistel_number_name(const home_places& places) {
+    return {load(places, number_name_place).boolean().value_or(true)};
+}
+
+result<void> save_show_vistel_number_name(const home_places& places, show_vistel_number_name setting) {
+    return save(places, number_name_place, setting.shown);
+}
+
+local_video_data load_local_video_data(const home_places& places) {
+    return {load(places, local_data_place).boolean().value_or(false)};
+}
+
+result<void> save_local_video_data(const home_places& places, local_video_data setting) {
+    return save(places, local_data_place, setting.in_collection_folder);
+}
+
+view_offsets load_view_offsets(const home_places& places) {
+    return {load_number(places, view_offsets_place).value_or(0)};
+}
+
+result<void> save_view_offsets(const home_places& places, view_offsets offsets) {
+    return save(places, view_offsets_place, offsets.vertical);
+}
+
 const std::vector<settings_file>& application_settings_files() {
-    static const std::vector<settings_file> files{top_speed_place.file, pitch_place.file, volume_place.file,
-                                                  operator_place.file};
+    static const std::vector<settings_file> files{
+        top_speed_place.file,   pitch_place.file,      volume_place.file,       operator_place.file,
+        number_name_place.file, local_data_place.file, view_offsets_place.file, user_name_file};
     return files;
 }
 
@@ -118,6 +149,8 @@ property_dictionary settings_in_force(const home_places& places) {
     all.add("pitch algorithm", pitch_algorithm_text(load_pitch_algorithm(places)));
     all.add("application volume", load_application_volume(places));
     all.add("default formula operator", std::string(1, load_default_formula_operator(places)));
+    all.add(number_name_place.key, load_show_vistel_number_name(places).shown);
+    all.add(local_data_place.key, load_local_video_data(places).in_collection_folder);
     all.add("minimum vault free space percent", load_minimum_free_space(places).percent);
     all.add("show unavailable vaults", load_show_unavailable_vaults(places).shown);
     all.add("path of focus vault", focus_vault_of(places).path);

@@ -32,7 +32,28 @@ result<void> save_application_volume(const home_places& places, double volume);
 char load_default_formula_operator(const home_places& places);
 result<void> save_default_formula_operator(const home_places& places, char symbol);
 
-// All files above.
+// Whether a vistel's name is drawn behind its number, where numbers are drawn.
+struct show_vistel_number_name {
+    bool shown = true;
+};
+show_vistel_number_name load_show_vistel_number_name(const home_places& places);
+result<void> save_show_vistel_number_name(const home_places& places, show_vistel_number_name setting);
+
+// Whether the data of new vistels is stored next to their collection instead of in the vault's folder.
+struct local_video_data {
+    bool in_collection_folder = false;
+};
+local_video_data load_local_video_data(const home_places& places);
+result<void> save_local_video_data(const home_places& places, local_video_data setting);
+
+// How far the split views of a collection are scrolled.
+struct view_offsets {
+    double vertical = 0;  // points
+};
+view_offsets load_view_offsets(const home_places& places);
+result<void> save_view_offsets(const home_places& places, view_offsets offsets);
+
+// All files above, and that of the user's name.
 const std::vector<settings_file>& application_settings_files();
 
 // All settings in force, those of the vaults too, by the keys under which `settings show` prints them.

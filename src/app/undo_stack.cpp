@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "video/collection_edit.h"
+
 namespace vistels {
 
 namespace {
@@ -21,7 +23,10 @@ bool is_one_of(const operation::any& any) {
 // Only sets values of what is there: the kind of edit that a drag makes many of.
 bool only_sets_values(const operations& all) {
     return std::all_of(all.begin(), all.end(), [](const operation::any& any) {
-        return is_one_of<operation::change_clip, operation::change_row, operation::move_clip>(any);
+        if (const auto* beside = std::get_if<operation::change_beside>(&any))
+            return !read_collection_edit(beside->change).order;
+        return is_one_of<operation::change_clip, operation::change_row, operation::move_clip,
+                         operation::shift_times>(any);
     });
 }
 
@@ -114,6 +119,12 @@ class follower {
     }
     bool check(const operation::move_row& one) { return has_row(one.row); }
     bool check(const operation::change_row& one) { return has_row(one.row); }
+    bool check(const operation::shift_times&) { return true; }
+    bool check(const operation::change_beside&) { return true; }
+    bool check(const operation::shift_clips& one) {
+        return std::any_of(one.clips.begin(), one.clips.end(),
+                           [this](const std::string& clip) { return has_clip(clip); });
+    }
     bool check(const operation::add_tombstones& one) { return has_row(one.row); }
     bool check(const operation::remove_tombstones& one) { return has_row(one.row); }
     bool check(const operation::insert_clip& one) { return add(one.clip->id(), one.row); }
@@ -156,7 +167,31 @@ shared_operations shared(operations all) {
     return std::make_shared<const operations>(std::move(all));
 }
 
+// `later` and then `earlier`, both taking back changes of a collection, as one; nothing when they are more
+// than that, or change different things.
+std::optional<operations> joined_changes(const operations& earlier, const operations& later) {
+    double shift = 0;
+    const operation::change_beside* changes[2] = {};
+    const operations* both[2] = {&earlier, &later};
+    for (std::size_t which = 0; which < 2; ++which) {
+        for (const auto& any : *both[which]) {
+            const auto* change = std::get_if<operation::change_beside>(&any);
+            const auto* moved = std::get_if<operation::shift_times>(&any);
+            if ((!change && !moved) || (change && changes[which])) return std::nullopt;
+            if (change) changes[which] = change;
+            if (moved) shift += moved->seconds;
+        }
+    }
+    if (!changes[0] || !changes[1]) return std::nullopt;
+    if (!sets_the_same(read_collection_edit(changes[0]->change), read_collection_edit(changes[1]->change)))
+        return std::nullopt;
+    operations joined{operation::change_beside{changes[0]->change, changes[1]->back}};
+    if (shift != 0) joined.emplace_back(operation::shift_times{shift});
+    return joined;
+}
+
 shared_operations put_before(const operations& all, operations first) {
+    if (auto joined = joined_changes(all, first)) return shared(std::move(*joined));
     first.insert(first.end(), all.begin(), all.end());
     return shared(std::move(first));
 }
@@ -246,8 +281,8 @@ result<void> undo_stack::move_back(std::vector<step>& from, std::vector<step>& t
     step back = from.back();
     moved_.reset();
     is_moving_ = true;
-    auto applied =
-        document_.apply({back.name, back.scope, still_possible(document_.timeline(), *back.operations)});
+    auto applied = document_.apply(
+        {back.name, back.scope, still_possible(document_.timeline(), *back.operations), {}, true});
     is_moving_ = false;
     // A step that cannot be put on record stays; so does the history before it.
     if (!applied) return applied;
@@ -295,6 +330,11 @@ void undo_stack::begin_group(std::string name) {
 
 void undo_stack::end_group() {
     if (group_depth_ > 0) --group_depth_;
+}
+
+void undo_stack::forget_redo() {
+    redo_.clear();
+    changed.emit();
 }
 
 void undo_stack::clear() {

@@ -49,6 +49,8 @@ class undo_stack {
     bool is_at_saved_state() const { return state_ == saved_state_; }
 
     void clear();
+    // What was taken back is not to be done again.
+    void forget_redo();
 
     // The steps as they are now, at little cost; kept when the timeline is saved.
     undo_history history() const { return {undo_, redo_, begun_}; }

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <memory>
 
+#include "app/offset_changes.h"
+#include "app/padding_changes.h"
+#include "app/user_name.h"
+#include "cli/collection_edit_commands.h"
 #include "cli/collection_playback.h"
 #include "cli/commands.h"
-#include "timeline/writer_lock.h"
+#include "cli/headless_changes.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_coll_Offsets.h"
+#include "video/video_coll_Pictures.h"
 
 namespace vistels {
 
@@ -40,11 +45,17 @@ property_dictionary vistel_document(const single_Vistel_CTR& vistel,
     one.add("lead_composer", lead_for_composer(items, vistel.number()));
     one.add("duration", vistel.parts().duration());
     one.add("parts", parts_of(vistel));
+    if (vistel.is_inserted_picture()) {
+        const std::string path = picture_path(vistel);
+        one.add("picture", path.empty() ? property_value() : property_value(absolute_path(path)));
+    }
+    if (!overlay_path(vistel).empty()) one.add("overlay", absolute_path(overlay_path(vistel)));
     if (!vistel.problem().empty()) one.add("problem", vistel.problem());
     return one;
 }
 
-property_dictionary collection_document(const video_collection_ROOT& collection) {
+property_dictionary collection_document(const loaded_collection& loaded) {
+    const auto& collection = loaded.collection;
     const auto items = offsets_of(collection);
     property_dictionary printed;
     printed.add("uuid", collection.uuid());
@@ -57,13 +68,10 @@ property_dictionary collection_document(const video_collection_ROOT& collection)
     property_array vistels;
     for (const auto& vistel : collection.vistels()) vistels.emplace_back(vistel_document(*vistel, items));
     printed.add("vistels", std::move(vistels));
+    if (!loaded.messages.empty()) {
+        printed.add("problems", property_array(loaded.messages.begin(), loaded.messages.end()));
+    }
     return printed;
-}
-
-result<command_outcome> show(const std::string& folder, const home_places& places) {
-    const auto loaded = load_collection(folder, places.local_vistels());
-    if (!loaded) return loaded.error();
-    return command_outcome{collection_document(loaded.value().collection)};
 }
 
 struct new_values {
@@ -74,9 +82,10 @@ struct new_values {
 
 result<command_outcome> make_new(const new_values& values, command_line& line) {
     const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
-    const auto made = new_collection(values.folder, values.name, values.movies, how, line.long_work());
+    const auto made = new_collection(values.folder, values.name, values.movies, how, line.long_work(),
+                                     load_user_name(line.places()));
     if (!made) return made.error();
-    return show(values.folder, line.places());
+    return show_collection(values.folder, line.places());
 }
 
 result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const video_collection_ROOT& collection,
@@ -93,16 +102,35 @@ struct vistel_values {
 };
 
 result<command_outcome> set_offset(const vistel_values& values, const home_places& places) {
-    auto loaded = load_collection(values.folder, places.local_vistels());
-    if (!loaded) return loaded.error();
-    auto& collection = loaded.value().collection;
-    const auto vistel = vistel_of(collection, values.folder, values.vistel);
+    headless_changes changes;
+    if (auto opened = changes.open(values.folder, places); !opened) return opened.error();
+    const auto vistel = vistel_of(changes.collection(), values.folder, values.vistel);
     if (!vistel) return vistel.error();
-    const auto lock = writer_lock::take(values.folder);
-    if (!lock) return lock.error();
-    vistel.value()->set_manual_start_offset(values.first);
-    if (auto saved = save_collection(collection, values.folder); !saved) return saved.error();
-    return show(values.folder, places);
+    if (auto made = changes.make(plan_offset(vistel.value()->uuid(), values.first)); !made)
+        return made.error();
+    return show_collection(values.folder, places);
+}
+
+struct padding_values {
+    std::string folder;
+    bool replace = false;
+    bool restore = false;
+    bool remove = false;
+};
+
+result<command_outcome> pad(const padding_values& values, command_line& line) {
+    headless_changes changes;
+    if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
+    const auto command = values.replace   ? padding_command::replace_with_padding
+                         : values.restore ? padding_command::restore_offsets
+                                          : padding_command::remove_offsets_and_padding;
+    const auto planned = plan_padding(changes.collection(), command);
+    if (!planned) return planned.error();
+    if (auto made = make_padding_files(planned.value().files, line.long_work()); !made) return made.error();
+    auto changed = changes.make(planned.value().change);
+    remove_unused_padding_files(changes.collection());
+    if (!changed) return changed.error();
+    return show_collection(values.folder, line.places());
 }
 
 result<command_outcome> range(const vistel_values& values, const home_places& places) {
@@ -134,17 +162,27 @@ void register_new_and_show(CLI::App& collection, command_line& line) {
 
     const auto folder = std::make_shared<std::string>();
     command = line.command(collection, "show", "load a collection",
-                           [folder, &line] { return show(*folder, line.places()); });
+                           [folder, &line] { return show_collection(*folder, line.places()); });
     command->add_option("FOLDER", *folder, "the collection's folder")->required();
 }
 
-void register_offset_and_range(CLI::App& collection, command_line& line) {
+void register_changes_and_range(CLI::App& collection, command_line& line) {
     const auto offset = std::make_shared<vistel_values>();
     CLI::App* command = line.command(collection, "offset", "set a vistel's start offset",
                                      [offset, &line] { return set_offset(*offset, line.places()); });
     command->add_option("FOLDER", offset->folder, "the collection's folder")->required();
     command->add_option("VISTEL", offset->vistel, "UUID or number of the vistel")->required();
     add_number(command, "SECONDS", offset->first, "its start offset")->required();
+
+    const auto padding = std::make_shared<padding_values>();
+    command = line.command(collection, "padding", "replace offsets and gaps with blank movies, and back",
+                           [padding, &line] { return pad(*padding, line); });
+    command->add_option("FOLDER", padding->folder, "the collection's folder")->required();
+    CLI::Option_group* how = command->add_option_group("how");
+    how->add_flag("--replace", padding->replace, "blank movies take the place of offsets and gaps");
+    how->add_flag("--restore", padding->restore, "remove blank movies, offsets and gaps come back");
+    how->add_flag("--remove", padding->remove, "remove blank movies and offsets");
+    how->require_option(1);
 
     const auto clip = std::make_shared<vistel_values>();
     command = line.command(collection, "range", "what a clip shows of a vistel's movie",
@@ -157,10 +195,17 @@ void register_offset_and_range(CLI::App& collection, command_line& line) {
 
 }  // namespace
 
+result<command_outcome> show_collection(const std::string& folder, const home_places& places) {
+    const auto loaded = load_collection(folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    return command_outcome{collection_document(loaded.value())};
+}
+
 void register_collection_commands(CLI::App& program, command_line& line) {
     CLI::App* collection = line.group(program, "collection", "make, show and play collections");
     register_new_and_show(*collection, line);
-    register_offset_and_range(*collection, line);
+    register_changes_and_range(*collection, line);
+    register_collection_edits(*collection, line);
     register_collection_playback(*collection, line);
 }
 

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "video/video_coll_LOAD.h"
+#include "video/video_coll_Pictures.h"
 #include "video/video_coll_Playback.h"
 
 namespace vistels {
@@ -43,6 +44,44 @@ void paint(picture& on, const picture& shown, int left, int top) {
     }
 }
 
+// Lays `over` on `on` by its own opacity times `opacity`; what lies outside is left out.
+void blend(picture& on, const picture& over, int left, int top, double opacity) {
+    const int first_y = std::max(0, -top);
+    const int last_y = std::min(over.height, on.height - top);
+    const int first_x = std::max(0, -left);
+    const int last_x = std::min(over.width, on.width - left);
+    for (int y = first_y; y < last_y; ++y) {
+        for (int x = first_x; x < last_x; ++x) {
+            const auto* from = over.row(y) + static_cast<std::ptrdiff_t>(x) * bytes_a_pixel;
+            auto* to = on.bytes.data() + static_cast<std::ptrdiff_t>(top + y) * on.stride +
+                       static_cast<std::ptrdiff_t>(left + x) * bytes_a_pixel;
+            const double share = opacity * from[3] / 255.0;
+            for (int channel = 0; channel < 3; ++channel) {
+                to[channel] =
+                    static_cast<std::uint8_t>(std::lround(share * from[channel] + (1 - share) * to[channel]));
+            }
+        }
+    }
+}
+
+// The vistel's overlay over its picture, which stands in `area` (pixels).
+result<void> paint_overlay(picture& on, const single_Vistel_CTR& vistel, const rectangle& area) {
+    const auto overlay = vistel.overlay();
+    const std::string path = overlay_path(vistel);
+    if (path.empty()) return {};
+    const rectangle frame{area.x + overlay->frame.x * area.width, area.y + overlay->frame.y * area.height,
+                          overlay->frame.width * area.width, overlay->frame.height * area.height};
+    const auto pixels = [](double length) {
+        return static_cast<int>(std::lround(std::clamp(length, -1.0 * largest_side, 1.0 * largest_side)));
+    };
+    if (!(frame.width >= 1) || !(frame.height >= 1)) return {};
+    const auto over = read_still_picture(path, pixels(frame.width), pixels(frame.height));
+    if (!over) return over.error();
+    blend(on, over.value(), pixels(frame.x + (frame.width - over.value().width) / 2),
+          pixels(frame.y + (frame.height - over.value().height) / 2), overlay->opacity);
+    return {};
+}
+
 }  // namespace
 
 result<void> headless_playback::open(const std::string& folder, const home_places& places,
@@ -52,6 +91,15 @@ result<void> headless_playback::open(const std::string& folder, const home_place
     folder_ = folder;
     collection_ = std::move(loaded.value().collection);
     played_ = playback_vistels_of(collection_);
+    // Of one vistel alone, too, every time of the collection can be shown.
+    double first = 0;
+    double last = 0;
+    for (const auto& one : played_) {
+        const double duration = one.parts.empty() ? 0 : one.parts.back().start + one.parts.back().duration;
+        first = std::min(first, -one.lead);
+        last = std::max(last, duration - one.lead);
+    }
+    playback_.set_least_range(first, last);
     if (!vistel.empty()) {
         const auto chosen = collection_.find_vistel(vistel);
         if (!chosen) return failure{"The collection \"" + folder + "\" has no vistel \"" + vistel + "\"."};
@@ -136,7 +184,15 @@ result<picture> headless_playback::compose() {
         const auto frame = frame_of(vistel.uuid);
         const double left = frame.x * composed.width + (frame.width * composed.width - shown->width) / 2;
         const double top = frame.y * composed.height + (frame.height * composed.height - shown->height) / 2;
-        paint(composed, *shown, static_cast<int>(std::max(left, 0.0)), static_cast<int>(std::max(top, 0.0)));
+        const auto x = static_cast<int>(std::max(left, 0.0));
+        const auto y = static_cast<int>(std::max(top, 0.0));
+        paint(composed, *shown, x, y);
+        const auto record = collection_.find_vistel(vistel.uuid);
+        const auto painted =
+            paint_overlay(composed, *record,
+                          {static_cast<double>(x), static_cast<double>(y), static_cast<double>(shown->width),
+                           static_cast<double>(shown->height)});
+        if (!painted) return painted.error();
     }
     return composed;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/logger_commands.h"
+#include "app/user_name.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/user_name.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
 #include "timeline/timeline_document.h"
@@ -145,7 +147,7 @@ struct press_values {
     std::string folder, timeline, script;
 };
 
-result<command_outcome> press(const press_values& values) {
+result<command_outcome> press(const press_values& values, const home_places& places) {
     auto loaded = load_button_dict(logger_folder_of(values.folder));
     if (!loaded) return loaded.error();
     const auto events = read_script(values.script, loaded.value().buttons);
@@ -154,6 +156,7 @@ result<command_outcome> press(const press_values& values) {
     auto opened = timeline_document::open(values.timeline, loop);
     if (!opened) return opened.error();
     auto& document = *opened.value();
+    document.set_author(load_user_name(places));
     press_engine engine(document, loop.time());
     engine.set_buttons(std::move(loaded).value().buttons, 0);
 
@@ -193,7 +196,7 @@ void register_logger_commands(CLI::App& program, command_line& line) {
 
     const auto values = std::make_shared<press_values>();
     command = line.command(*logger, "press", "press buttons by a script, on a simulated clock",
-                           [values] { return press(*values); });
+                           [values, &line] { return press(*values, line.places()); });
     command->add_option("FOLDER", values->folder, "the folder with the buttons")->required();
     command->add_option("TIMELINE", values->timeline, "the timeline's folder")->required();
     command->add_option("SCRIPT", values->script, "JSON file with the events")->required();

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 
+#include "app/user_name.h"
 #include "cli/timeline_source.h"
 #include "timeline/merge_timeline.h"
 #include "timeline/row_compaction.h"
@@ -18,7 +19,7 @@ namespace vistels {
 namespace {
 
 // Opens the timeline in the folder, makes the edit and saves. Prints what it holds then.
-result<command_outcome> edit_folder(const std::string& folder,
+result<command_outcome> edit_folder(const std::string& folder, const home_places& places,
                                     const std::function<result<timeline_edit>(const sxy_DATA_root&)>& plan) {
     if (!file_exists(path_join(folder, timeline_file_name))) {
         return failure{"\"" + path_join(folder, timeline_file_name) + "\" is missing."};
@@ -27,6 +28,7 @@ result<command_outcome> edit_folder(const std::string& folder,
     auto opened = timeline_document::open(folder, loop);
     if (!opened) return opened.error();
     auto& document = *opened.value();
+    document.set_author(load_user_name(places));
     auto edit = plan(document.timeline());
     if (!edit) return failure{"\"" + folder + "\": " + edit.message()};
     for (const auto& message : document.messages()) std::cerr << message << '\n';
@@ -55,24 +57,24 @@ struct edit_values {
     std::vector<std::string> rows;
 };
 
-result<command_outcome> merge(const edit_values& values) {
+result<command_outcome> merge(const edit_values& values, const home_places& places) {
     const auto other = read_source(values.other);
     if (!other) return other.error();
-    return edit_folder(values.folder, [&](const sxy_DATA_root& timeline) {
+    return edit_folder(values.folder, places, [&](const sxy_DATA_root& timeline) {
         return plan_merge_timeline(timeline, other.value().content, seconds_since_1970());
     });
 }
 
-result<command_outcome> compact(const edit_values& values) {
-    return edit_folder(values.folder, [&](const sxy_DATA_root& timeline) {
+result<command_outcome> compact(const edit_values& values, const home_places& places) {
+    return edit_folder(values.folder, places, [&](const sxy_DATA_root& timeline) {
         std::vector<shared_text> rows;
         for (const auto& row : values.rows) rows.push_back(row_called(timeline, row));
         return plan_compact_rows(timeline, rows, values.name);
     });
 }
 
-result<command_outcome> expand(const edit_values& values) {
-    return edit_folder(values.folder, [&](const sxy_DATA_root& timeline) {
+result<command_outcome> expand(const edit_values& values, const home_places& places) {
+    return edit_folder(values.folder, places, [&](const sxy_DATA_root& timeline) {
         return plan_expand_row(timeline, row_called(timeline, values.row));
     });
 }
@@ -82,18 +84,18 @@ result<command_outcome> expand(const edit_values& values) {
 void register_timeline_edits(CLI::App& timeline, command_line& line) {
     const auto values = std::make_shared<edit_values>();
     CLI::App* command = line.command(timeline, "merge", "merge another copy of a timeline into it",
-                                     [values] { return merge(*values); });
+                                     [values, &line] { return merge(*values, line.places()); });
     command->add_option("FOLDER", values->folder, "the timeline's folder")->required();
     command->add_option("OTHER", values->other, "the other copy: folder, .plist or .json file")->required();
 
     command = line.command(timeline, "compact", "merge rows into one, which can be expanded again",
-                           [values] { return compact(*values); });
+                           [values, &line] { return compact(*values, line.places()); });
     command->add_option("FOLDER", values->folder, "the timeline's folder")->required();
     command->add_option("ROW", values->rows, "UUIDs or names of the rows")->required();
     command->add_option("--name", values->name, "the name of the row that they become");
 
     command = line.command(timeline, "expand", "bring the rows back that were merged into one",
-                           [values] { return expand(*values); });
+                           [values, &line] { return expand(*values, line.places()); });
     command->add_option("FOLDER", values->folder, "the timeline's folder")->required();
     command->add_option("ROW", values->row, "UUID or name of the row")->required();
 }

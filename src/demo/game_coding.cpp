@@ -120,7 +120,7 @@ class game_coder {
                    before.end > shot.start - header_seconds;
         });
         clip_attribute_ITEM attribute;
-        attribute.uuid = new_uuid();
+        attribute.uuid = compact_text(new_uuid());
         attribute.name = shared_text(headed ? "Head" : shot.player % 3 == 0 ? "Left foot" : "Right foot");
         attribute.attribute_category = shared_text("Body");
         attribute.attribute_time = shot.start;

@@ -81,6 +81,17 @@ std::vector<std::string> press_engine::buttons_for_key(const key_stroke& key) co
     return uuids;
 }
 
+void press_engine::shift_times(double seconds) {
+    for (auto& state : down_) {
+        state.down.since += seconds;
+        if (state.due_at) *state.due_at += seconds;
+    }
+    for (auto& action : waiting_) {
+        action.pressed_at += seconds;
+        action.at += seconds;
+    }
+}
+
 const press_engine::button_state* press_engine::state_of(std::string_view button) const {
     const auto found = std::find_if(down_.begin(), down_.end(),
                                     [&](const button_state& state) { return state.down.button == button; });

@@ -85,6 +85,10 @@ class press_engine {
     // Clips do not start before it (the default is 0).
     void set_earliest_time(double collection_seconds) { earliest_seconds_ = collection_seconds; }
 
+    // The timeline's times moved by that many seconds: what is down and what is not on record yet moves
+    // along.
+    void shift_times(double seconds);
+
     // Other buttons from now on; those that are down and are not among them go up at `at` first.
     void set_buttons(std::vector<markup_Button_Item> buttons, double at);
     const std::vector<markup_Button_Item>& buttons() const { return buttons_; }

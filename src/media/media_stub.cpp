@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the folder answers when the program was built without FFmpeg and GStreamer.
+#include "media/deinterlace.h"
 #include "media/frame_reader.h"
 #include "media/movie_writer.h"
 #include "media/packet_index.h"
@@ -31,7 +32,13 @@ struct sound_output::implementation {};
 result<movie_information> probe_movie(const std::string& path) {
     return without_media(path);
 }
+result<void> deinterlace_movie(const std::string& from, const std::string&, const std::string&, job&) {
+    return without_media(from);
+}
 result<packet_index> read_packet_index(const std::string& path) {
+    return without_media(path);
+}
+result<picture> read_still_picture(const std::string& path, int, int) {
     return without_media(path);
 }
 result<void> write_png(const picture&, const std::string& path) {

@@ -45,6 +45,10 @@ class picture_pool {
     std::shared_ptr<shelf> shelf_;
 };
 
+// Reads a picture file (PNG, JPEG) as large as fits into `width` times `height` (0: in its own size). The
+// fourth byte of a pixel is its opacity, 0 to 255. Fails when built without media. Any thread.
+result<picture> read_still_picture(const std::string& path, int width, int height);
+
 // Writes a picture as a PNG file. Fails when built without media.
 result<void> write_png(const picture& shown, const std::string& path);
 

@@ -10,11 +10,11 @@ namespace vistels {
 
 // What the command line asks for.
 struct application_options {
-    std::vector<std::string> paths;  // a vault, a collection's folder, or movie files
+    std::vector<std::string> paths;  // vaults, collections' folders, movie files
     std::string home;                // empty: the user's own folders
     std::string screenshot;          // a picture file: show the event, write the window into it, end
     std::string theme;               // "dark", "light", or empty: as the desktop has it
-    int width = 0;                   // of the window in logical pixels; 0: as it was left
+    int width = 0;                   // of the windows in logical pixels; 0: as they were left
     int height = 0;
     double at_seconds = -1;  // where the playhead goes for a screenshot; negative: where it was left
     bool show_help = false;

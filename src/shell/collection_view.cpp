@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/collection_view.h"
 
-#include <QContextMenuEvent>
-#include <QFontMetrics>
-#include <QHelpEvent>
-#include <QMenu>
-#include <QMouseEvent>
-#include <QPainter>
 #include <QRegularExpression>
 #include <QStyle>
-#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
-#include "shell/icons.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
 #include "shell/vistel_layout.h"
@@ -35,6 +27,9 @@ collection_view::collection_view(QWidget* parent) : QWidget(parent) {
     setAccessibleName(tr("Vistels of the collection"));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setFocusPolicy(Qt::TabFocus);
+    setMouseTracking(true);
+    setAcceptDrops(true);
     growth_.setStartValue(0.0);
     growth_.setEndValue(1.0);
     growth_.setEasingCurve(QEasingCurve::OutCubic);
@@ -50,7 +45,7 @@ collection_view::collection_view(QWidget* parent) : QWidget(parent) {
     });
 }
 
-void collection_view::set_vistels(std::vector<shown_vistel> vistels) {
+void collection_view::set_vistels(std::vector<shown_vistel> vistels, double ratio) {
     std::vector<tile> tiles;
     for (auto& one : vistels) {
         // What is on show stays until its next picture.
@@ -60,8 +55,10 @@ void collection_view::set_vistels(std::vector<shown_vistel> vistels) {
         tiles.push_back(std::move(made));
     }
     tiles_ = std::move(tiles);
+    ratio_ = ratio;
     if (!find(enlarged_)) enlarged_.clear();
-    leaving_.clear();
+    if (!find(leaving_)) leaving_.clear();
+    if (drag_ && !find(drag_->vistel)) end_drag(false);
     lay_out();
 }
 
@@ -77,11 +74,14 @@ void collection_view::set_picture(const std::string& vistel, const QImage& pictu
     update(place(*one));
 }
 
-void collection_view::set_gap(const std::string& vistel, double seconds) {
+void collection_view::set_gap(const std::string& vistel, double seconds, bool marks_start) {
     tile* one = find(vistel);
-    if (!one || (one->in_gap && (one->gap_end == seconds || !std::isfinite(seconds + one->gap_end)))) return;
+    if (!one) return;
+    const bool ends_alike = one->gap_end == seconds || !std::isfinite(seconds + one->gap_end);
+    if (one->in_gap && ends_alike && one->marks_start == marks_start) return;
     one->in_gap = true;
     one->gap_end = seconds;
+    one->marks_start = marks_start;
     one->picture = {};
     update(place(*one));
 }
@@ -96,6 +96,28 @@ void collection_view::set_problem(const std::string& vistel, const QString& prob
 void collection_view::set_sound(const std::string& vistel) {
     for (auto& one : tiles_) one.vistel.has_sound = one.vistel.uuid == vistel;
     update();
+}
+
+void collection_view::set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
+                                  double opacity) {
+    tile* one = find(vistel);
+    if (!one) return;
+    one->overlay = picture;
+    one->overlay_frame = frame;
+    one->overlay_opacity = opacity;
+    update(place(*one));
+}
+
+bool collection_view::is_heard(const std::string& vistel) const {
+    const tile* one = find(vistel);
+    return one && one->vistel.has_sound;
+}
+
+void collection_view::set_ready(const std::string& vistel) {
+    tile* one = find(vistel);
+    if (!one || !one->vistel.is_waiting) return;
+    one->vistel.is_waiting = false;
+    update(place(*one));
 }
 
 void collection_view::set_enlarged(const std::string& vistel) {
@@ -134,13 +156,15 @@ collection_view::tile* collection_view::find(const std::string& vistel) {
 void collection_view::lay_out() {
     std::vector<rectangle> frames;
     for (const auto& one : tiles_) frames.push_back(one.vistel.frame);
-    area_ = video_area(rect(), frames, tiles_.empty() ? 0 : tiles_.front().aspect);
+    area_ = video_area(rect(), frames, tiles_.empty() ? 0 : tiles_.front().aspect, ratio_);
     Q_EMIT sizes_changed();
     update();
 }
 
 QRect collection_view::home_of(const tile& one) const {
-    return view_of(area_, one.vistel.frame, theme::current().metrics.vistel_gap);
+    const bool is_dragged = drag_ && drag_->moves && !drag_->shifts && drag_->vistel == one.vistel.uuid;
+    return view_of(area_, is_dragged ? drag_->now.frame : one.vistel.frame,
+                   theme::current().metrics.vistel_gap);
 }
 
 QRect collection_view::place(const tile& one) const {
@@ -178,10 +202,95 @@ QString collection_view::words_in(const std::string& vistel) const {
     const tile* one = find(vistel);
     if (!one) return {};
     if (!one->vistel.problem.isEmpty()) return with_short_paths(one->vistel.problem);
-    if (!one->in_gap) return {};
+    if (!one->in_gap) return one->vistel.is_waiting ? tr("Getting the movie ready") : QString();
+    if (one->marks_start && std::isfinite(one->gap_end)) {
+        return tr("Starts at %1").arg(time_text(one->gap_end, time_form::clock));
+    }
     return std::isfinite(one->gap_end)
                ? tr("No picture until %1").arg(time_text(one->gap_end, time_form::clock))
                : tr("No picture from here on");
+}
+
+std::string collection_view::current() const {
+    if (!enlarged_.empty()) return enlarged_;
+    if (find(current_)) return current_;
+    return tiles_.empty() ? std::string() : tiles_.front().vistel.uuid;
+}
+
+void collection_view::set_current(const std::string& vistel) {
+    if (!find(vistel) || vistel == current()) return;
+    current_ = vistel;
+    update();
+    Q_EMIT current_changed();
+}
+
+void collection_view::set_aligning(bool aligning) {
+    if (aligning_ == aligning) return;
+    end_drag(false);
+    aligning_ = aligning;
+    update();
+}
+
+void collection_view::set_note(const std::string& vistel, const QString& words) {
+    tile* one = find(vistel);
+    if (!one || one->note == words) return;
+    one->note = words;
+    update(place(*one));
+}
+
+QString collection_view::note_in(const std::string& vistel) const {
+    const tile* one = find(vistel);
+    return one ? one->note : QString();
+}
+
+void collection_view::set_changeable(bool changeable) {
+    changeable_ = changeable;
+    if (!changeable) end_drag(false);
+    update();
+}
+
+vistel_arrangement collection_view::arrangement() const {
+    vistel_arrangement now;
+    // Whatever is moved from here on, the others stay where they are.
+    now.ratio = area_.height() > 0 ? static_cast<double>(area_.width()) / area_.height() : ratio_;
+    if (ratio_ > 0) now.ratio = ratio_;
+    for (const auto& one : tiles_)
+        now.vistels.push_back({one.vistel.uuid, one.vistel.frame, one.vistel.order});
+    return now;
+}
+
+double collection_view::picture_aspect() const {
+    return tiles_.empty() ? 0 : tiles_.front().aspect;
+}
+
+std::vector<const collection_view::tile*> collection_view::from_back() const {
+    std::vector<const tile*> order;
+    for (const auto& one : tiles_) order.push_back(&one);
+    std::stable_sort(order.begin(), order.end(),
+                     [](const tile* a, const tile* b) { return a->vistel.order < b->vistel.order; });
+    const auto dragged = std::find_if(order.begin(), order.end(), [this](const tile* one) {
+        return drag_ && drag_->moves && one->vistel.uuid == drag_->vistel;
+    });
+    if (dragged != order.end()) std::rotate(dragged, dragged + 1, order.end());
+    return order;
+}
+
+const collection_view::tile* collection_view::tile_at(const QPoint& point) const {
+    if (!enlarged_.empty()) return find(enlarged_);
+    const auto order = from_back();
+    const auto found = std::find_if(order.rbegin(), order.rend(),
+                                    [&](const tile* one) { return place(*one).contains(point); });
+    return found == order.rend() ? nullptr : *found;
+}
+
+std::string collection_view::vistel_at(const QPoint& point) const {
+    const tile* one = tile_at(point);
+    return one ? one->vistel.uuid : std::string();
+}
+
+QRect collection_view::chip_of(const std::string& vistel) const {
+    const tile* one = find(vistel);
+    return one ? chip_in(place(*one), *one) : QRect();
 }
 
 bool collection_view::has_picture(const std::string& vistel) const {
@@ -196,151 +305,6 @@ QSize collection_view::minimumSizeHint() const {
 
 void collection_view::resizeEvent(QResizeEvent*) {
     lay_out();
-}
-
-bool collection_view::event(QEvent* event) {
-    // Moved to a screen of another density: the same place has another number of pixels.
-    if (event->type() == QEvent::ScreenChangeInternal) lay_out();
-    if (event->type() == QEvent::ToolTip) {
-        const auto* help = static_cast<QHelpEvent*>(event);
-        const tile* one = tile_at(help->pos());
-        QToolTip::showText(help->globalPos(), one ? one->vistel.problem : QString(), this);
-        return true;
-    }
-    return QWidget::event(event);
-}
-
-void collection_view::paintEvent(QPaintEvent* event) {
-    const theme& look = theme::current();
-    QPainter painter(this);
-    painter.fillRect(event->rect(), look.video_surround);
-    if (tiles_.empty()) {
-        painter.setFont(theme::font(type_step::secondary));
-        painter.setPen(theme::dark().muted);
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
-                         tr("Nothing is open. Open a collection from the side bar,\nor drop movies here."));
-        return;
-    }
-    const bool moving = growth_.state() == QAbstractAnimation::Running;
-    for (const auto& one : tiles_) {
-        const bool on_top = one.vistel.uuid == enlarged_ || one.vistel.uuid == leaving_;
-        if (on_top || (!enlarged_.empty() && !moving)) continue;
-        if (place(one).intersects(event->rect())) paint_tile(painter, one);
-    }
-    for (const auto* uuid : {&leaving_, &enlarged_}) {
-        if (const tile* one = uuid->empty() ? nullptr : find(*uuid)) paint_tile(painter, *one);
-    }
-}
-
-void collection_view::paint_tile(QPainter& painter, const tile& one) const {
-    const theme& look = theme::current();
-    const QRect view = place(one);
-    const bool has_picture = !one.picture.isNull() && one.vistel.problem.isEmpty() && !one.in_gap;
-    if (has_picture) {
-        const QRect target = picture_in(view, one.aspect);
-        if (target != view) painter.fillRect(view, look.video_surround);
-        painter.drawImage(target, one.picture);
-    } else {
-        painter.fillRect(view, look.video_surround);
-        paint_words(painter, view, one);
-    }
-    if (one.vistel.problem.isEmpty()) paint_chip(painter, view, one);
-    if (one.vistel.uuid == ringed_) {
-        const double half = look.metrics.vistel_ring / 2.0;
-        painter.setPen(QPen(look.video_label, look.metrics.vistel_ring));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(QRectF(view).adjusted(half, half, -half, -half));
-    }
-}
-
-void collection_view::paint_words(QPainter& painter, const QRect& view, const tile& one) const {
-    // The surround is dark in both themes, so the words are the dark theme's.
-    const theme& look = theme::dark();
-    const theme_metrics& metrics = look.metrics;
-    QRect inside =
-        view.adjusted(metrics.group_gap, metrics.wide_padding, -metrics.group_gap, -metrics.wide_padding);
-    const QString words = words_in(one.vistel.uuid);
-    if (one.vistel.problem.isEmpty()) {
-        painter.setFont(theme::font(type_step::secondary));
-        painter.setPen(look.muted);
-        painter.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap, words);
-        return;
-    }
-    painter.drawPixmap(inside.topLeft(), icon_pixmap(QStringLiteral("missing-movie"), look.warning,
-                                                     metrics.icon, devicePixelRatioF()));
-    const QFont strong = theme::font(type_step::title);
-    const QFontMetrics strong_metrics(strong);
-    QRect head = inside.adjusted(metrics.icon + metrics.padding, 0, 0, 0);
-    head.setHeight(std::max(metrics.icon, strong_metrics.height()));
-    painter.setFont(strong);
-    painter.setPen(look.warning);
-    painter.drawText(
-        head, Qt::AlignLeft | Qt::AlignVCenter,
-        strong_metrics.elidedText(tr("%1: no picture").arg(one.vistel.name), Qt::ElideRight, head.width()));
-    inside.setTop(head.bottom() + metrics.padding);
-    const QFont usual = theme::font(type_step::secondary);
-    const int needed = QFontMetrics(usual).boundingRect(inside, Qt::TextWordWrap, words).height();
-    painter.setFont(needed <= inside.height() ? usual : theme::font(type_step::smallest));
-    painter.setPen(look.text);
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, words);
-}
-
-void collection_view::paint_chip(QPainter& painter, const QRect& view, const tile& one) const {
-    const theme& look = theme::current();
-    const theme_metrics& metrics = look.metrics;
-    const QFont font = theme::font(type_step::secondary_strong);
-    const QFontMetrics words(font);
-    int width = words.horizontalAdvance(one.vistel.name) + 2 * metrics.padding;
-    if (one.vistel.has_sound) width += metrics.icon + metrics.grid;
-    const int height = metrics.vistel_label_height;
-    QRect chip(view.left() + metrics.padding, view.bottom() - metrics.padding - height + 1, width, height);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(look.video_label_ground);
-    painter.drawRoundedRect(chip, metrics.radius_clip, metrics.radius_clip);
-    chip.adjust(metrics.padding, 0, -metrics.padding, 0);
-    if (one.vistel.has_sound) {
-        painter.drawPixmap(
-            chip.left(), chip.top() + (height - metrics.icon) / 2,
-            icon_pixmap(QStringLiteral("volume"), look.video_label, metrics.icon, devicePixelRatioF()));
-        chip.setLeft(chip.left() + metrics.icon + metrics.grid);
-    }
-    painter.setFont(font);
-    painter.setPen(look.video_label);
-    painter.drawText(chip, Qt::AlignLeft | Qt::AlignVCenter, one.vistel.name);
-    painter.restore();
-}
-
-const collection_view::tile* collection_view::tile_at(const QPoint& point) const {
-    if (!enlarged_.empty()) return find(enlarged_);
-    for (const auto& one : tiles_) {
-        if (place(one).contains(point)) return &one;
-    }
-    return nullptr;
-}
-
-void collection_view::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return;
-    const tile* one = tile_at(event->position().toPoint());
-    if (!one) return;
-    Q_EMIT enlarge_asked(enlarged_.empty() ? QString::fromStdString(one->vistel.uuid) : QString());
-}
-
-void collection_view::contextMenuEvent(QContextMenuEvent* event) {
-    const tile* one = tile_at(event->pos());
-    if (!one) return;
-    const QString uuid = QString::fromStdString(one->vistel.uuid);
-    const bool is_large = !enlarged_.empty();
-    const bool is_heard = one->vistel.has_sound;
-    QMenu menu(this);
-    QAction* size =
-        menu.addAction(is_large ? tr("Show All Vistels") : tr("Enlarge “%1”").arg(one->vistel.name));
-    QAction* sound = menu.addAction(tr("Hear “%1”").arg(one->vistel.name));
-    sound->setEnabled(!is_heard);
-    const QAction* chosen = menu.exec(event->globalPos());
-    if (chosen == size) Q_EMIT enlarge_asked(is_large ? QString() : uuid);
-    if (chosen == sound) Q_EMIT sound_asked(uuid);
 }
 
 }  // namespace vistels

@@ -16,13 +16,11 @@ constexpr std::chrono::milliseconds between_counts{500};
 
 }  // namespace
 
-content_keeper::content_keeper(home_places places, run_loop& loop, observer found,
-                               files_MASTER_LIST::options how)
+content_keeper::content_keeper(home_places places, run_loop& loop, files_MASTER_LIST::options how)
     : loop_(loop),
-      found_(std::move(found)),
       list_(std::move(places), loop, std::move(how)),
       self_(std::make_shared<content_keeper*>(this)) {
-    changed_ = list_.changed.connect([this] {
+    list_changed_ = list_.changed.connect([this] {
         show();
         count_in_background();
     });
@@ -47,7 +45,8 @@ void content_keeper::show() {
             if (const auto known = clips_.find(item.path); known != clips_.end()) item.count = known->second;
         }
     }
-    found_(std::move(vaults));
+    vaults_ = std::move(vaults);
+    changed.emit();
 }
 
 void content_keeper::count_in_background() {

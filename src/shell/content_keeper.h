@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,22 +18,23 @@
 
 namespace vistels {
 
-// What the side bar shows, kept up to date: the application's list of vaults and items, with the numbers of
-// clips, which are counted away from the main thread and come in several steps where there is much to count.
-// Main thread.
+// What the side bars of all windows show, kept up to date: the application's list of vaults and items, with
+// the numbers of clips, which are counted away from the main thread and come in several steps where there is
+// much to count. One for the whole application. Main thread.
 class content_keeper {
   public:
-    using observer = std::function<void(std::vector<content_vault>)>;
-
-    // Nothing is looked at before refresh(). `loop` must outlive the keeper; `found` is called whenever there
-    // is something new.
-    content_keeper(home_places places, run_loop& loop, observer found,
+    // Nothing is looked at before refresh(). `loop` must outlive the keeper.
+    content_keeper(home_places places, run_loop& loop,
                    files_MASTER_LIST::options how = files_MASTER_LIST::options());
     ~content_keeper();
 
     // Looks at every vault again, soon; several calls are one look.
     void refresh();
 
+    // As found last; empty before the first look.
+    const std::vector<content_vault>& vaults() const { return vaults_; }
+    // vaults() is another.
+    signal<> changed;
     // Something to tell the user about vaults.
     signal<const std::string&>& told() { return list_.told; }
 
@@ -52,9 +52,9 @@ class content_keeper {
     void take(const counts& news);
 
     run_loop& loop_;
-    const observer found_;
     files_MASTER_LIST list_;
-    connection changed_;
+    connection list_changed_;
+    std::vector<content_vault> vaults_;
     bool started_ = false;
     std::map<std::string, long long> clips_;  // by folder
     std::shared_ptr<content_keeper*> self_;   // for counts that come too late

@@ -312,7 +312,13 @@ void content_side_bar::show_context_menu(QPoint at) {
     open.setToolTip(tr("Open it in this window (Return)"));
     connect(&open, &QAction::triggered, this,
             [this, place = QPersistentModelIndex(index)] { activate(place); });
-    show_menu(QList<QAction*>{&open} + actions_.item, at);
+    QAction in_new(tr("Open in New Window"), this);
+    in_new.setObjectName(QStringLiteral("content.open_in_new_window"));
+    in_new.setToolTip(tr("Open it in a window of its own, beside this one"));
+    const QString folder = index.data(content_model::folder_role).toString();
+    in_new.setEnabled(!folder.isEmpty());
+    connect(&in_new, &QAction::triggered, this, [this, folder] { Q_EMIT open_in_new_window_asked(folder); });
+    show_menu(QList<QAction*>{&open, &in_new} + actions_.item, at);
 }
 
 bool content_side_bar::eventFilter(QObject* watched, QEvent* event) {

@@ -61,6 +61,7 @@ class content_side_bar : public QWidget {
 
   Q_SIGNALS:
     void open_asked(const QString& folder);
+    void open_in_new_window_asked(const QString& folder);
     // It is of a kind that no window shows yet.
     void unknown_asked(int kind, const QString& name, const QString& folder);
     void folders_dropped(const QStringList& folders);

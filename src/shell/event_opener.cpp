@@ -4,6 +4,7 @@
 #include <QFileDialog>
 
 #include "app/known_vaults.h"
+#include "app/user_name.h"
 #include "app/vaults.h"
 #include "shell/event_messages.h"
 #include "shell/event_session.h"
@@ -38,13 +39,21 @@ void event_opener::open(const opening& what) {
 }
 
 void event_opener::open_paths(const std::vector<std::string>& paths) {
-    const auto what = what_to_open(paths);
-    if (what) return open(what.value());
-    tell_failure(tr("This can't be opened"), what.message());
-    Q_EMIT settled();
+    const openings wanted = what_to_open(paths);
+    for (const auto& why : wanted.refused) tell_failure(tr("This can't be opened"), why);
+    if (wanted.found.empty()) {
+        Q_EMIT settled();
+        return;
+    }
+    open(wanted.found.front());
+    for (auto more = wanted.found.begin() + 1; more != wanted.found.end(); ++more) Q_EMIT more_found(*more);
 }
 
 void event_opener::open_folder(const std::string& folder) {
+    if (shown_elsewhere_ && shown_elsewhere_(folder)) {
+        Q_EMIT settled();
+        return;
+    }
     if (const auto done = session_.open(folder, places_); !done) {
         tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
                      done.message());
@@ -103,10 +112,10 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
     const std::string name = name_from_movies(movies);
     const std::string vault = vault_for_new();
     const std::string folder = new_collection_folder(vault, name);
-    const auto does = [folder, name, movies](job& work) -> result<std::string> {
-        if (const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work); !made) {
-            return made.error();
-        }
+    const auto does = [folder, name, movies,
+                       user = load_user_name(places_)](job& work) -> result<std::string> {
+        const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work, user);
+        if (!made) return made.error();
         return folder;
     };
     run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),

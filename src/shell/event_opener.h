@@ -30,8 +30,14 @@ class event_opener : public QObject {
     event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session);
     ~event_opener() override;
 
+    // Asked before a folder is opened: whether another window shows it and is in front now.
+    void set_shown_elsewhere(std::function<bool(const std::string& folder)> shown) {
+        shown_elsewhere_ = std::move(shown);
+    }
+
     void open(const opening& what);
     void open_folder(const std::string& folder);
+    // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
     // The event that was open last; in a home vault without any event the demo event is made.
     void open_last_or_demo(const std::string& open_last);
@@ -41,6 +47,8 @@ class event_opener : public QObject {
 
   Q_SIGNALS:
     void told(const vistels::user_message& message);
+    // Something that was asked for and needs a window of its own.
+    void more_found(const vistels::opening& what);
     // There is something new in a vault.
     void content_changed();
     // Nothing more is under way; an event is open or not.
@@ -62,6 +70,7 @@ class event_opener : public QObject {
     const home_places places_;
     run_loop& loop_;
     event_session& session_;
+    std::function<bool(const std::string&)> shown_elsewhere_;
     std::unique_ptr<long_work> work_;
 };
 

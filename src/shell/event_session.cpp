@@ -124,8 +124,6 @@ void event_session::connect_panes() {
     collection_view& view = panes_.collection->view();
     connect(&view, &collection_view::enlarge_asked, this,
             [this](const QString& vistel) { enlarge(vistel.toStdString()); });
-    connect(&view, &collection_view::sound_asked, this,
-            [this](const QString& vistel) { set_sound_vistel(vistel.toStdString()); });
     connect(panes_.collection, &collection_pane::all_vistels_asked, this, [this] { enlarge({}); });
     connect(panes_.timeline, &timeline_view::selection_changed, panes_.inspector, &inspector_view::refresh);
     connect(panes_.timeline, &timeline_view::selection_changed, this, &event_session::find_loop);
@@ -155,7 +153,10 @@ void event_session::connect_event() {
         event_->logger().fired.connect([this](const button_fired&) { tick_while_needed(); }));
     connections_.push_back(
         event_->logger().trouble.connect([this](const std::string& why) { tell_trouble(why); }));
-    connections_.push_back(event_->collection_changed.connect([this] { show_state(); }));
+    connections_.push_back(event_->collection_changed.connect([this] {
+        apply_volume();  // the change has set the collection's own
+        show_state();
+    }));
     connections_.push_back(event_->undo().changed.connect([this] { Q_EMIT facts_changed(); }));
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
         if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
@@ -330,7 +331,7 @@ void event_session::set_looping(bool looping) {
 }
 
 void event_session::apply_volume() {
-    if (event_) event_->playback().set_volume(muted_ ? 0 : volume_);
+    if (event_) event_->playback().set_volume(muted_ || !heard_ ? 0 : volume_);
     panes_.collection->bar().set_volume(volume_);
     panes_.collection->bar().set_muted(muted_);
 }
@@ -352,6 +353,12 @@ void event_session::set_muted(bool muted) {
     Q_EMIT facts_changed();
 }
 
+void event_session::set_heard(bool heard) {
+    if (heard == heard_) return;
+    heard_ = heard;
+    apply_volume();
+}
+
 void event_session::enlarge(const std::string& vistel) {
     if (!event_) return;
     event_->set_enlarged(vistel);
@@ -370,6 +377,10 @@ void event_session::enlarge_next() {
 
 void event_session::set_sound_vistel(const std::string& vistel) {
     if (event_) tell(event_->set_sound_vistel(vistel));
+}
+
+void event_session::set_shows_names(bool shows) {
+    pictures_.set_shows_names(shows);
 }
 
 void event_session::undo() {

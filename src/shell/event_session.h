@@ -74,9 +74,15 @@ class event_session : public QObject {
     double volume() const { return volume_; }
     void set_muted(bool muted);
     bool is_muted() const { return muted_; }
+    // Whether its sound comes out, at the volume and muting set: where several windows play only one is
+    // heard.
+    void set_heard(bool heard);
+    bool is_heard() const { return heard_; }
     void enlarge(const std::string& vistel);
     void enlarge_next();
     void set_sound_vistel(const std::string& vistel);
+    // Whether a vistel's name is drawn behind its number.
+    void set_shows_names(bool shows);
 
     void undo();
     void redo();
@@ -134,6 +140,7 @@ class event_session : public QObject {
     double loop_start_ = 0;  // seconds
     double loop_end_ = 0;
     bool muted_ = false;
+    bool heard_ = true;
     double volume_ = 1;
     double play_until_;  // seconds: the end of the clip that is played; infinite: none is
 };

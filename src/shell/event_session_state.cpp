@@ -53,7 +53,8 @@ void event_session::show_opening() {
     opening_report report;
     report.event = name();
     report.folder = event_->folder();
-    report.recovered_edits = event_->recovered_edits();
+    // What the journal of a program at work holds is that program's, and nothing that was put back.
+    if (!timeline.is_held_elsewhere()) report.recovered_edits = event_->recovered_edits();
     for (const auto& uuid : timeline.finished_clips()) {
         const auto place = timeline.timeline().find_clip(uuid);
         if (const auto row = place ? timeline.timeline().row(place->row) : nullptr) {

@@ -19,7 +19,6 @@
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
 #include "timeline/clip_operations.h"
-#include "util/clock.h"
 
 namespace vistels {
 
@@ -212,7 +211,7 @@ void inspector_view::connect_parts() {
         apply(plan_remove_qualifier(document_->timeline(), clips_.front(), qualifier.toStdString()));
     });
     note_->set_acceptor([this](const std::string& clip, const std::string& text) {
-        return document_ && apply(plan_note(document_->timeline(), clip, text, {{}, seconds_since_1970()}));
+        return document_ && apply(plan_note(document_->timeline(), clip, text));
     });
 }
 
@@ -313,9 +312,9 @@ void inspector_view::ask_times(double start, double end) {
 void inspector_view::trim_here(bool start) {
     if (!document_ || clips_.size() != 1) return;
     const double now = now_();
-    apply(plan_clips_Trim_Mark_in_Mark_Out(
-        document_->timeline(), clips_, start ? std::optional(now) : std::nullopt,
-        start ? std::nullopt : std::optional(now), {{}, seconds_since_1970()}));
+    apply(plan_clips_Trim_Mark_in_Mark_Out(document_->timeline(), clips_,
+                                           start ? std::optional(now) : std::nullopt,
+                                           start ? std::nullopt : std::optional(now)));
 }
 
 bool inspector_view::apply(timeline_edit edit) {

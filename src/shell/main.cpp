@@ -13,12 +13,13 @@
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
-#include "shell/openings.h"
 #include "shell/qt_run_loop.h"
 #include "shell/screenshot.h"
 #include "shell/start_trace.h"
 #include "shell/termination_watch.h"
 #include "shell/theme.h"
+#include "shell/window_memory.h"
+#include "shell/window_set.h"
 
 namespace vistels {
 namespace {
@@ -46,21 +47,22 @@ theme_choice wanted_theme(const std::string& name) {
     return theme_choice::desktop;
 }
 
-void tell_start(main_window& window, const start_up_report& report) {
-    for (auto& message : messages_of_start(report)) window.tell(std::move(message));
-}
-
-// Opens what was asked for, once the window is there.
-void open_first(main_window& window, const application_options& options, const start_up_report& report) {
-    trace_start("window shown");
-    window.refresh_content();
-    tell_start(window, report);
-    QObject::connect(&window.opener(), &event_opener::settled, &window, [&window] {
-        if (window.session().is_open()) trace_start("event open");
+// The steps of the start, for those who measure it.
+void trace_front(window_set& windows) {
+    QObject::connect(&windows, &window_set::appeared, &windows, [] { trace_start("window shown"); });
+    main_window& front = *windows.front();
+    QObject::connect(&front.opener(), &event_opener::settled, &front, [&front] {
+        if (front.session().is_open()) trace_start("event open");
     });
-    if (!options.paths.empty()) return window.opener().open_paths(options.paths);
-    const std::string last = report.windows.empty() ? std::string() : report.windows.front().open_from_path;
-    window.opener().open_last_or_demo(last);
+    if (!qEnvironmentVariableIsSet("VISTELS_TRACE_START")) return;
+    constexpr int between_looks = 5;
+    auto* watch = new QTimer(&front);
+    QObject::connect(watch, &QTimer::timeout, &front, [&front, watch] {
+        if (!front.session().has_all_pictures()) return;
+        trace_start("first pictures of all vistels");
+        watch->stop();
+    });
+    watch->start(between_looks);
 }
 
 int run(QApplication& application, const application_options& options, termination_watch& ending) {
@@ -73,26 +75,21 @@ int run(QApplication& application, const application_options& options, terminati
     const std::string theme = options.theme.empty() ? load_window_memory(places).theme : options.theme;
     use_theme(application, wanted_theme(theme));
     qt_run_loop loop;
-    main_window window(places, loop, std::move(started.value().trees));
-    if (options.width > 0) window.resize(options.width, options.height);
-    QObject::connect(
-        &window, &main_window::appeared, &window, [&] { open_first(window, options, started.value()); },
-        Qt::QueuedConnection);
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, &window, [&] {
-        if (!window.session().has_all_pictures()) return;
-        trace_start("first pictures of all vistels");
-        watch.stop();
-    });
-    if (qEnvironmentVariableIsSet("VISTELS_TRACE_START")) watch.start(5);
+    const bool is_alone = started.value().run->is_alone();
+    window_set windows(places, loop,
+                       {std::move(started.value().trees), is_alone, {options.width, options.height}});
+    window_set::first first{options.paths, started.value().windows, messages_of_start(started.value())};
+    // Beside another program all but one would be read-only copies of what is open there.
+    if (!is_alone && first.listed.size() > 1) first.listed.resize(1);
+    windows.begin(std::move(first));
+    trace_front(windows);
     std::unique_ptr<screenshot> picture;
     if (!options.screenshot.empty()) {
         picture = std::make_unique<screenshot>(
-            window, options.screenshot, options.at_seconds,
+            *windows.front(), options.screenshot, options.at_seconds,
             [](bool written) { QApplication::exit(written ? 0 : EXIT_FAILURE); });
     }
-    ending.start([&window] { window.close(); });
-    window.show();
+    ending.start([&windows] { windows.quit(); });
     const int status = QApplication::exec();
     const auto noted = note_clean_quit(started.value(), {});
     if (!noted) std::fprintf(stderr, "vistels: %s\n", noted.message().c_str());

@@ -10,11 +10,12 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTime>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <utility>
 
-#include "app/open_windows.h"
 #include "shell/code_window_view.h"
+#include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
 #include "shell/content_keeper.h"
 #include "shell/content_side_bar.h"
@@ -44,10 +45,11 @@ constexpr QSize usual_size(1600, 1000);
 
 }  // namespace
 
-main_window::main_window(home_places places, run_loop& loop, std::vector<vault_tree> vaults)
+main_window::main_window(home_places places, run_loop& loop, content_keeper& content, window_memory memory)
     : places_(std::move(places)),
       loop_(loop),
-      memory_(load_window_memory(places_)),
+      keeper_(content),
+      memory_(std::move(memory)),
       actions_(new window_actions(*this)),
       collection_(new collection_pane),
       code_(new code_window_view),
@@ -66,18 +68,13 @@ main_window::main_window(home_places places, run_loop& loop, std::vector<vault_t
     session_ = std::make_unique<event_session>(
         event_panes{collection_, code_, timeline_, inspector_, keys_.get()}, loop_);
     opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_);
-    vaults_ =
-        std::make_unique<vault_commands>(*this, *content_, places_, [this] { return session_->folder(); });
-    files_MASTER_LIST::options how;
-    how.known_trees = std::move(vaults);
-    keeper_ = std::make_unique<content_keeper>(
-        places_, loop_,
-        [this](std::vector<content_vault> found) {
-            const bool is_first = content_->content().empty();
-            content_->set_content(std::move(found));
-            if (is_first) trace_start("vaults listed");
-        },
-        std::move(how));
+    commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_, loop_);
+    commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
+    for (QAction* one : commands_->actions()) actions_->add(one);
+    vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
+        return neighbours_.open_folders ? neighbours_.open_folders()
+                                        : std::vector<std::string>{session_->folder()};
+    });
     save_moments_ = std::make_unique<save_moments>([this] { session_->save_in_background(); },
                                                    [this] { session_->save(); });
     connect_session();
@@ -91,6 +88,7 @@ main_window::main_window(home_places places, run_loop& loop, std::vector<vault_t
     connect_vault_commands();
     restore();
     show_facts();
+    content_->list()->setFocus();  // where an event is chosen, as long as none is open
 }
 
 main_window::~main_window() {
@@ -98,6 +96,7 @@ main_window::~main_window() {
     save_moments_.reset();
     session_->disconnect(this);
     opener_.reset();
+    commands_.reset();
     session_.reset();
     keys_.reset();
 }
@@ -133,6 +132,7 @@ void main_window::build_menu_bar() {
 void main_window::connect_session() {
     connect(session_.get(), &event_session::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::told, this, &main_window::tell);
+    connect(commands_.get(), &collection_commands::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
     connect(session_.get(), &event_session::saved, this, &main_window::show_saved);
     connect(session_.get(), &event_session::facts_changed, this, &main_window::show_facts);
@@ -142,6 +142,7 @@ void main_window::connect_session() {
         setWindowTitle(tr("Vistels"));
         saved_->show_nothing();
         show_facts();
+        Q_EMIT event_changed();
     });
 }
 
@@ -154,13 +155,15 @@ void main_window::connect_side_bar() {
                 tell(unknown_kind_message(static_cast<item_kind>(kind), name, folder.toStdString()));
             });
     connect(content_, &content_side_bar::folders_dropped, vaults_.get(), &vault_commands::add);
-    vaults_told_ = keeper_->told().connect([this](const std::string& message) {
-        tell({user_message::tone::warning,
-              tr("A vault needs a look"),
-              QString::fromStdString(message),
-              {},
-              {}});
+    connect(content_, &content_side_bar::open_in_new_window_asked, this,
+            &main_window::open_in_new_window_asked);
+    content_changed_ = keeper_.changed.connect([this] {
+        const bool is_first = content_->content().empty();
+        content_->set_content(keeper_.vaults());
+        (*actions_)[command::show_unavailable]->setChecked(vaults_->shows_unavailable());
+        if (is_first) trace_start("vaults listed");
     });
+    if (!keeper_.vaults().empty()) content_->set_content(keeper_.vaults());
     connect(vaults_.get(), &vault_commands::told, this, &main_window::tell);
     connect(vaults_.get(), &vault_commands::changed, this, &main_window::refresh_content);
 }
@@ -173,7 +176,7 @@ void main_window::show_event() {
     work_->set_code_content_width(code_->sizeHint().width());
     saved_->show_saved({});
     collection_->setFocus();
-    remember_windows();
+    Q_EMIT event_changed();
 }
 
 void main_window::connect_frame() {
@@ -199,7 +202,16 @@ void main_window::tell(user_message message) {
 }
 
 void main_window::refresh_content() {
-    keeper_->refresh();
+    keeper_.refresh();
+}
+
+void main_window::set_neighbours(neighbours others) {
+    neighbours_ = std::move(others);
+    opener_->set_shown_elsewhere(neighbours_.show_if_open);
+}
+
+QMenu& main_window::window_menu() {
+    return *menuBar()->findChild<QMenu*>(QStringLiteral("menu.Window"));
 }
 
 void main_window::show_facts() {
@@ -234,14 +246,22 @@ void main_window::show_tab(int index) {
 }
 
 void main_window::choose_theme(const std::string& name) {
-    memory_.theme = name;
     use_theme(*qApp, name == "dark"    ? theme_choice::dark
                      : name == "light" ? theme_choice::light
                                        : theme_choice::desktop);
+    show_theme_choice(name);
+    Q_EMIT theme_chosen(QString::fromStdString(name));
+}
+
+void main_window::show_theme_choice(const std::string& name) {
+    memory_.theme = name;
+    const command themes[] = {command::theme_desktop, command::theme_dark, command::theme_light};
+    (*actions_)[themes[name == "dark" ? 1 : name == "light" ? 2 : 0]]->setChecked(true);
 }
 
 void main_window::restore() {
-    const QRect room = screen()->availableGeometry();
+    const QScreen* at = QGuiApplication::screenAt(memory_.place.center());
+    const QRect room = (memory_.place.isNull() || !at ? screen() : at)->availableGeometry();
     const QRect usual(
         QPoint((room.width() - usual_size.width()) / 2, (room.height() - usual_size.height()) / 2) +
             room.topLeft(),
@@ -256,50 +276,43 @@ void main_window::restore() {
     work_->set_sizes(memory_.work_sizes);
     content_->set_folded(memory_.folded_vaults);
     show_tab(memory_.tab == code_tab ? code_tab : code_tab + 1);
-    const command themes[] = {command::theme_desktop, command::theme_dark, command::theme_light};
-    (*actions_)[themes[memory_.theme == "dark" ? 1 : memory_.theme == "light" ? 2 : 0]]->setChecked(true);
+    show_theme_choice(memory_.theme);
 }
 
-void main_window::remember() {
+window_memory main_window::memory() const {
     using side = window_frame::side;
-    memory_.is_maximized = isMaximized();
-    memory_.place = isMaximized() || isFullScreen() ? normalGeometry() : geometry();
-    memory_.side_bar_width = frame_->column_width(side::left);
-    memory_.inspector_width = frame_->column_width(side::right);
-    memory_.side_bar_shown = frame_->is_wanted(side::left);
-    memory_.inspector_shown = frame_->is_wanted(side::right);
-    memory_.tab = tabs_->current();
-    memory_.folded_vaults = content_->folded();
-    memory_.work_sizes = work_->sizes();
-    // What can't be remembered is no reason to keep the window open.
-    static_cast<void>(save_window_memory(places_, memory_));
-    remember_windows();
+    window_memory now = memory_;
+    now.is_maximized = isMaximized();
+    now.place = isMaximized() || isFullScreen() ? normalGeometry() : geometry();
+    now.side_bar_width = frame_->column_width(side::left);
+    now.inspector_width = frame_->column_width(side::right);
+    now.side_bar_shown = frame_->is_wanted(side::left);
+    now.inspector_shown = frame_->is_wanted(side::right);
+    now.tab = tabs_->current();
+    now.folded_vaults = content_->folded();
+    now.work_sizes = work_->sizes();
+    return now;
 }
 
-// Also while the program runs, so that the event comes back after an unclean end.
-void main_window::remember_windows() {
-    std::vector<open_window> windows;
-    if (open_event* event = session_->shown_event()) {
-        const std::string uuid =
-            event->has_collection() ? event->collection().uuid() : event->timeline().timeline().uuid();
-        windows.push_back({uuid, session_->name().toStdString(), 0, session_->folder()});
-    }
-    static_cast<void>(save_open_windows(places_, windows));
+bool main_window::agree_to_close() {
+    agreed_ = true;
+    if (!session_->is_open()) return agreed_;
+    const auto done = session_->shown_event()->save_all();
+    if (done) return agreed_;
+    QMessageBox question(QMessageBox::Warning, tr("The event could not be saved"),
+                         QString::fromStdString(done.message()), QMessageBox::NoButton, this);
+    question.setInformativeText(tr("What was coded is on record and comes back at the next start."));
+    const QAbstractButton* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
+    question.addButton(tr("Close Anyway"), QMessageBox::AcceptRole);
+    question.exec();
+    agreed_ = question.clickedButton() != stay;
+    return agreed_;
 }
 
 void main_window::closeEvent(QCloseEvent* event) {
-    if (session_->is_open()) {
-        if (const auto done = session_->shown_event()->save_all(); !done) {
-            QMessageBox question(QMessageBox::Warning, tr("The event could not be saved"),
-                                 QString::fromStdString(done.message()), QMessageBox::NoButton, this);
-            question.setInformativeText(tr("What was coded is on record and comes back at the next start."));
-            const QAbstractButton* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
-            question.addButton(tr("Close Anyway"), QMessageBox::AcceptRole);
-            question.exec();
-            if (question.clickedButton() == stay) return event->ignore();
-        }
-    }
-    remember();
+    if (!agreed_ && !agree_to_close()) return event->ignore();
+    agreed_ = false;
+    Q_EMIT closing();
     session_->close();
     event->accept();
 }

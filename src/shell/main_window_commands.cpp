@@ -35,7 +35,8 @@ void main_window::connect_event_commands() {
         QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(session->folder())));
     });
     connect(actions[command::save], &QAction::triggered, session, &event_session::save);
-    connect(actions[command::quit], &QAction::triggered, this, &QWidget::close);
+    connect(actions[command::close_window], &QAction::triggered, this, &QWidget::close);
+    connect(actions[command::quit], &QAction::triggered, this, &main_window::quit_asked);
     connect(actions[command::undo], &QAction::triggered, session, &event_session::undo);
     connect(actions[command::redo], &QAction::triggered, session, &event_session::redo);
     connect(actions[command::release_buttons], &QAction::triggered, session, &event_session::release_buttons);
@@ -114,6 +115,8 @@ void main_window::connect_timeline_commands() {
     connect(actions[command::split_clips], &QAction::triggered, timeline_, &timeline_view::split_selected);
     connect(actions[command::select_all], &QAction::triggered, timeline_, &timeline_view::select_all);
     connect(actions[command::select_none], &QAction::triggered, timeline_, [this] { timeline_->select({}); });
+    connect(actions[command::compact_rows], &QAction::triggered, timeline_, &timeline_view::compact_rows);
+    connect(actions[command::expand_rows], &QAction::triggered, timeline_, &timeline_view::expand_rows);
     connect(actions[command::zoom_in], &QAction::triggered, timeline_, &timeline_view::zoom_in);
     connect(actions[command::zoom_out], &QAction::triggered, timeline_, &timeline_view::zoom_out);
     connect(actions[command::zoom_fit], &QAction::triggered, timeline_, &timeline_view::zoom_to_fit);
@@ -148,6 +151,8 @@ void main_window::connect_window_commands() {
     connect(actions[command::tab_code], &QAction::triggered, this, [this] { show_tab(0); });
     connect(actions[command::tab_review], &QAction::triggered, this, [this] { show_tab(1); });
     connect(actions[command::minimize], &QAction::triggered, this, &QWidget::showMinimized);
+    connect(actions[command::new_window], &QAction::triggered, this, &main_window::new_window_asked);
+    connect(actions[command::next_window], &QAction::triggered, this, &main_window::next_window_asked);
     connect(actions[command::keys], &QAction::triggered, this, [this] {
         auto* window = new keys_window(*actions_, session_->shown_event(), this);
         window->setAttribute(Qt::WA_DeleteOnClose);

@@ -42,33 +42,42 @@ std::string collection_of(const std::string& path) {
     return {};
 }
 
+result<opening> what_is(const std::string& given) {
+    const std::string path = absolute(given);
+    if (!file_exists(path) && !is_folder(path)) return failure{"“" + given + "” is not there."};
+    if (is_vault(path)) return opening{opening::kind::vault, path, {}};
+    if (!is_folder(path) && is_movie_name(path)) return opening{opening::kind::movies, {}, {path}};
+    if (const auto folder = collection_of(path); !folder.empty()) {
+        return opening{opening::kind::collection, folder, {}};
+    }
+    if (const auto alone = is_folder(path) ? path : path_folder(path); holds_timeline(alone)) {
+        return opening{opening::kind::timeline, alone, {}};
+    }
+    return failure{"“" + given + "” is neither a vault nor a collection, a timeline or a movie."};
+}
+
 }  // namespace
 
-result<opening> what_to_open(const std::vector<std::string>& paths) {
-    opening found;
+openings what_to_open(const std::vector<std::string>& paths) {
+    openings all;
     for (const auto& given : paths) {
-        const std::string path = absolute(given);
-        if (!file_exists(path) && !is_folder(path)) return failure{"“" + given + "” is not there."};
-        opening one;
-        if (is_vault(path)) {
-            one = {opening::kind::vault, path, {}};
-        } else if (!is_folder(path) && is_movie_name(path)) {
-            one = {opening::kind::movies, {}, {path}};
-        } else if (const auto folder = collection_of(path); !folder.empty()) {
-            one = {opening::kind::collection, folder, {}};
-        } else if (const auto alone = is_folder(path) ? path : path_folder(path); holds_timeline(alone)) {
-            one = {opening::kind::timeline, alone, {}};
-        } else {
-            return failure{"“" + given + "” is neither a vault nor a collection, a timeline or a movie."};
+        auto one = what_is(given);
+        if (!one) {
+            all.refused.push_back(one.message());
+            continue;
         }
-        const bool more_movies = one.what == opening::kind::movies && found.what == opening::kind::movies;
-        if (found.what != opening::kind::nothing && !more_movies) {
-            return failure{"“" + given + "” can't be opened together with what stands before it."};
+        opening& what = one.value();
+        const bool is_movie = what.what == opening::kind::movies;
+        const auto like = std::find_if(all.found.begin(), all.found.end(), [&](const opening& before) {
+            return before.what == what.what && (is_movie || before.folder == what.folder);
+        });
+        if (like == all.found.end()) {
+            all.found.push_back(std::move(what));
+        } else if (is_movie) {
+            like->movies.push_back(what.movies.front());
         }
-        if (more_movies) one.movies.insert(one.movies.begin(), found.movies.begin(), found.movies.end());
-        found = std::move(one);
     }
-    return found;
+    return all;
 }
 
 std::string first_collection_in(const std::string& vault) {

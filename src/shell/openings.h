@@ -17,9 +17,16 @@ struct opening {
     std::vector<std::string> movies;  // in the order given
 };
 
-// A collection's folder (or a folder or file inside it), the folder of a timeline that belongs to none, a
-// vault, or movie files. The message names the path that is none of these. No path: nothing. Any thread.
-result<opening> what_to_open(const std::vector<std::string>& paths);
+// What several paths stand for.
+struct openings {
+    std::vector<opening> found;        // in the order of their paths, each once
+    std::vector<std::string> refused;  // a message for each path that is nothing that can be opened
+};
+
+// Each path is a collection's folder (or a folder or file inside it), the folder of a timeline that belongs
+// to none, a vault, or a movie file; all movie files together are one opening, in the place of the first. Any
+// thread.
+openings what_to_open(const std::vector<std::string>& paths);
 
 // The first collection in the vault in natural order; empty when it holds none.
 std::string first_collection_in(const std::string& vault);

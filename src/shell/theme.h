@@ -94,6 +94,12 @@ struct theme_metrics {
     int vistel_gap = 1;
     int vistel_ring = 2;
     int vistel_label_height = 20;
+    int vistel_grip = 6;        // how near to a vistel's edge a drag resizes
+    int vistel_handle = 8;      // side of the squares at its corners
+    int vistel_snap = 6;        // how near to a line a dragged edge meets it
+    int vistel_least = 64;      // least side
+    int vistel_key_step = 8;    // of the arrow keys
+    int align_frame_width = 6;  // so far a vistel is dragged for one frame
 
     int row_height = 30;
     int row_small_height = 24;  // in small windows
@@ -205,6 +211,7 @@ struct theme {
     double token_ground_share = 0.15;
     double hatch_share = 0.3;       // of white in the light stripes of a live clip
     double frame_share = 0.08;      // of the text colour in the frame on the whole event
+    double waiting_share = 0.35;    // of a vistel whose movie is not ready yet
     double down_band_share = 0.85;  // of dark ink in the band of a button that is down
 
     theme_metrics metrics;

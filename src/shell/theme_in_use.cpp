@@ -159,6 +159,7 @@ QPushButton { background: @raised; color: @text; border: 1px solid @line; border
               padding: 0 15px; min-height: 30px; }
 QPushButton:hover { background: @hover; border-color: @edge; }
 QPushButton:pressed { background: @field; border-color: @text; }
+QPushButton:checked { background: @text; color: @pane; border-color: @text; }
 QPushButton:focus { border: 2px solid @accent; padding: 0 14px; min-height: 28px; }
 QPushButton:disabled { color: @disabled; background: @raised; border-color: @line; }
 QPushButton[kind="first"] { background: @text; color: @pane; font-weight: 600; }

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/timeline_parts.h"
 
-#include <QCoreApplication>
-#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -15,122 +12,6 @@
 #include "shell/timeline_state.h"
 
 namespace vistels {
-namespace {
-
-QString count_text(const timeline_row& row) {
-    return QStringLiteral("%1/%2").arg(row.passing).arg(row.clips);
-}
-
-// "4/25", the first number strong when any clip passes. Returns the left end.
-int paint_count(QPainter& painter, const theme& look, const timeline_row& row, const QRect& place) {
-    const QFont plain = theme::font(type_step::smallest);
-    const QFont strong = theme::font(type_step::clip_label);
-    const QString all = QStringLiteral("/%1").arg(row.clips);
-    const QString passing = QString::number(row.passing);
-    const int all_width = QFontMetrics(plain).horizontalAdvance(all);
-    const int passing_width = QFontMetrics(strong).horizontalAdvance(passing);
-    painter.setPen(look.muted);
-    painter.setFont(plain);
-    painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, all);
-    if (row.passing > 0) {
-        painter.setPen(look.text);
-        painter.setFont(strong);
-    }
-    painter.drawText(place.adjusted(0, 0, -all_width, 0), Qt::AlignRight | Qt::AlignVCenter, passing);
-    return place.right() - all_width - passing_width;
-}
-
-void paint_name(QPainter& painter, const theme& look, const timeline_row& row, const QRect& place) {
-    const theme_metrics& metrics = look.metrics;
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF swatch(place.left() + metrics.wide_padding,
-                        place.top() + (place.height() - metrics.swatch) / 2.0, metrics.swatch,
-                        metrics.swatch);
-    painter.setPen(look.clip_edge(row.colour));
-    painter.setBrush(row.colour);
-    painter.drawRoundedRect(swatch.adjusted(0.5, 0.5, -0.5, -0.5), metrics.radius_clip, metrics.radius_clip);
-    int right = paint_count(painter, look, row, place.adjusted(0, 0, -metrics.padding, 0)) - metrics.padding;
-    if (!row.live.empty()) {
-        right -= metrics.live_dot;
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(look.live);
-        painter.drawEllipse(QRectF(right, place.center().y() - metrics.live_dot / 2.0 + 1, metrics.live_dot,
-                                   metrics.live_dot));
-        right -= metrics.grid;
-    }
-    const QFont font = theme::font(type_step::secondary);
-    const int left = static_cast<int>(swatch.right()) + metrics.padding + 1;
-    painter.setFont(font);
-    painter.setPen(look.text);
-    const QString name = QFontMetrics(font).elidedText(row.name, Qt::ElideRight, right - left);
-    painter.drawText(QRect(left, place.top(), right - left, place.height()), Qt::AlignVCenter | Qt::AlignLeft,
-                     name);
-}
-
-}  // namespace
-
-timeline_names::timeline_names(timeline_state& state, QWidget* parent) : QWidget(parent), state_(state) {
-    setObjectName(QStringLiteral("timeline_names"));
-    setAccessibleName(tr("Rows"));
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    connections_.push_back(state_.rows_changed.connect([this] { update(); }));
-    connections_.push_back(state_.rows_scrolled.connect([this] { update(); }));
-}
-
-void timeline_names::paintEvent(QPaintEvent*) {
-    const theme& look = theme::current();
-    const theme_metrics& metrics = look.metrics;
-    QPainter painter(this);
-    painter.fillRect(rect(), look.pane);
-    const QRect head(0, 0, width(), metrics.ruler_height);
-    painter.setClipRect(rect().adjusted(0, metrics.ruler_height, 0, 0));
-    for (const timeline_row& row : state_.rows()) {
-        const QRect place(0, metrics.ruler_height + row.top - state_.first_y(), width(), row.height);
-        if (place.bottom() < metrics.ruler_height) continue;
-        if (place.top() > height()) break;
-        painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
-        painter.save();
-        paint_name(painter, look, row, place);
-        painter.restore();
-    }
-    painter.setClipping(false);
-    painter.fillRect(head, look.window);
-    painter.fillRect(QRect(0, head.bottom(), width(), metrics.line), look.line);
-    painter.setFont(theme::font(type_step::smallest));
-    painter.setPen(look.muted);
-    painter.drawText(head.adjusted(metrics.wide_padding, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
-                     tr("Row"));
-    painter.drawText(head.adjusted(0, 0, -metrics.padding, 0), Qt::AlignVCenter | Qt::AlignRight,
-                     tr("pass / all"));
-    painter.fillRect(QRect(width() - metrics.line, 0, metrics.line, height()), look.line);
-}
-
-bool timeline_names::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        const auto* help = static_cast<QHelpEvent*>(event);
-        const int y = help->pos().y() - theme::current().metrics.ruler_height;
-        const std::size_t index = y < 0 ? state_.rows().size() : state_.rows().row_at(y + state_.first_y());
-        if (index < state_.rows().size()) {
-            const timeline_row& row = state_.rows()[index];
-            const QString category = row.record ? QString::fromStdString(row.record->category()) : QString();
-            const QString name =
-                category.isEmpty() ? row.name : QStringLiteral("%1 – %2").arg(row.name, category);
-            QToolTip::showText(help->globalPos(), name + QStringLiteral("  ") + count_text(row), this);
-        } else {
-            QToolTip::hideText();
-        }
-        return true;
-    }
-    return QWidget::event(event);
-}
-
-void timeline_names::wheelEvent(QWheelEvent* event) {
-    constexpr int notch = 120;
-    const int rows = event->angleDelta().y() * theme::current().metrics.row_height / notch;
-    state_.scroll_rows_to(state_.first_y() - rows);
-    event->accept();
-}
-
 timeline_whole_event::timeline_whole_event(timeline_state& state, QWidget* parent)
     : QWidget(parent), state_(state) {
     setObjectName(QStringLiteral("timeline_whole_event"));

@@ -12,22 +12,6 @@ namespace vistels {
 
 class timeline_state;
 
-// The names of the rows left of the clips: swatch, name, a dot while a clip grows, passing and all clips.
-class timeline_names final : public QWidget {
-    Q_OBJECT
-  public:
-    timeline_names(timeline_state& state, QWidget* parent);
-
-  protected:
-    bool event(QEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
-
-  private:
-    timeline_state& state_;
-    std::vector<connection> connections_;
-};
-
 // The whole event small, with what is shown framed: a scroll bar. Its frame is dragged; a press beside it
 // brings that place to the middle.
 class timeline_whole_event final : public QWidget {

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "timeline/row_compaction.h"
+#include "util/colour_text.h"
+
 namespace vistels {
 namespace {
 
@@ -33,6 +36,17 @@ int height_of(const sxy_ROW& record, const theme_metrics& metrics, bool compact)
     const double stored = record.height();
     if (compact && stored == sxy_ROW::default_height) return metrics.row_small_height;
     return std::clamp(static_cast<int>(stored), metrics.row_least_height, metrics.row_greatest_height);
+}
+
+std::vector<QColor> merged_colours(const sxy_ROW& record, const theme& look) {
+    std::vector<QColor> colours;
+    const row_compaction rows = record.compacted_rows();
+    if (rows.empty() || !is_compacted(record)) return colours;
+    for (const auto& text : rows.ray_of_slave_Row_COLOURS_to_save_in_master_row) {
+        const auto colour = colour_from_text(text);
+        colours.push_back(colour ? to_qt(*colour) : look.item_colour(colours.size()));
+    }
+    return colours;
 }
 
 void read_clips(timeline_row& row) {
@@ -84,6 +98,7 @@ void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, bool 
         row.top = top;
         row.height = height_of(*record, look.metrics, compact);
         row.record = record;
+        row.merged = merged_colours(*record, look);
         read_clips(row);
         top += row.height;
         rows_.push_back(std::move(row));

@@ -24,6 +24,7 @@ struct timeline_row {
     shared_text uuid;
     QString name;
     QColor colour;
+    std::vector<QColor> merged;        // the colours of the rows that it stands for; mostly none
     std::vector<QColor> palette;       // the colours of its clips
     std::vector<std::uint8_t> extras;  // of each clip: its stars, and has_note
     clip_track shown;                  // all clips, or those that pass the filter

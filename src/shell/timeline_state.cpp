@@ -6,6 +6,7 @@
 
 #include "shell/clip_edits.h"
 #include "timeline/clip_operations.h"
+#include "timeline/row_compaction.h"
 #include "util/clock.h"
 
 namespace vistels {
@@ -15,8 +16,22 @@ constexpr double least_reach_seconds = 10;
 constexpr double follow_share = 0.85;
 constexpr double snap_pixels = 6;
 
-edit_stamp stamp_now() {
-    return {{}, seconds_since_1970()};
+edit_stamp stamp_now(const timeline_document& document) {
+    return {document.author(), seconds_since_1970()};
+}
+
+// "Attack + Defence": what a row that stands for these is called.
+std::string name_of_rows(const timeline_rows& rows, const std::vector<shared_text>& chosen) {
+    constexpr std::size_t most_named = 3;
+    std::string name;
+    std::size_t named = 0;
+    for (const timeline_row& row : rows) {
+        if (std::find(chosen.begin(), chosen.end(), row.uuid) == chosen.end()) continue;
+        if (++named > most_named) continue;
+        name += (named > 1 ? " + " : "") + row.name.toStdString();
+    }
+    if (named > most_named) name += " + " + std::to_string(named - most_named);
+    return name;
 }
 
 }  // namespace
@@ -52,7 +67,7 @@ void timeline_state::set_width(double pixels) {
 }
 
 void timeline_state::set_reach(double start_seconds, double end_seconds) {
-    start_seconds_ = start_seconds;
+    given_start_seconds_ = start_seconds;
     given_end_seconds_ = end_seconds;
     grow_reach();
 }
@@ -61,6 +76,13 @@ void timeline_state::set_reach(double start_seconds, double end_seconds) {
 void timeline_state::grow_reach() {
     const double last = document_ ? document_->timeline().last_end() : 0;
     const double end = std::max({given_end_seconds_, last, playhead_});
+    start_seconds_ = std::min(given_start_seconds_, playhead_);
+    if (document_) {
+        for (const auto& row : document_->timeline().rows()) {
+            const auto& clips = row->clips();
+            if (clips.size() > 0) start_seconds_ = std::min(start_seconds_, clips[0]->secs_start());
+        }
+    }
     end_seconds_ = std::max(end, start_seconds_ + least_reach_seconds);
     const timeline_scale before = scale_;
     scale_ = fits_ ? timeline_scale{start_seconds_, reach().fit_seconds_per_pixel()}
@@ -127,7 +149,7 @@ void timeline_state::tick() {
     if (now == playhead_) return;
     const double jump = std::abs(now - playhead_);
     playhead_ = now;
-    if (now > end_seconds_) grow_reach();
+    if (now > end_seconds_ || now < start_seconds_) grow_reach();
     // A jump is somebody's wish to be there; a step of playing is not.
     if (jump > 1) follows_ = true;
     follow_playhead();
@@ -276,7 +298,8 @@ bool timeline_state::apply(result<timeline_edit> planned) {
 
 void timeline_state::merge_selected() {
     if (!document_) return;
-    if (apply(plan_clips_Merge(document_->timeline(), selected(), stamp_now()))) selection_changed.emit();
+    if (apply(plan_clips_Merge(document_->timeline(), selected(), stamp_now(*document_))))
+        selection_changed.emit();
 }
 
 void timeline_state::duplicate_selected() {
@@ -294,7 +317,7 @@ void timeline_state::duplicate_selected() {
 }
 
 void timeline_state::duplicate(const std::vector<std::string>& clips, double later_by) {
-    auto edit = plan_duplicate_clips(document_->timeline(), clips, later_by, stamp_now());
+    auto edit = plan_duplicate_clips(document_->timeline(), clips, later_by, stamp_now(*document_));
     std::vector<std::string> made;
     if (edit) {
         for (const auto& one : edit.value().operations) {
@@ -306,7 +329,7 @@ void timeline_state::duplicate(const std::vector<std::string>& clips, double lat
 }
 
 void timeline_state::split_selected() {
-    if (document_) apply(plan_split_overlap(document_->timeline(), selected(), stamp_now()));
+    if (document_) apply(plan_split_overlap(document_->timeline(), selected()));
 }
 
 void timeline_state::trim_selected(bool start, double seconds) {
@@ -315,7 +338,7 @@ void timeline_state::trim_selected(bool start, double seconds) {
     const auto here = std::optional(seconds);
     const std::optional<double> as_it_is;
     apply(plan_clips_Trim_Mark_in_Mark_Out(document_->timeline(), clips, start ? here : as_it_is,
-                                           start ? as_it_is : here, stamp_now()));
+                                           start ? as_it_is : here));
 }
 
 void timeline_state::trim(const std::string& clip, double start, double end) {
@@ -326,6 +349,36 @@ void timeline_state::trim(const std::string& clip, double start, double end) {
 void timeline_state::copy(const std::string& clip, double start) {
     const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
     if (place) duplicate({clip}, start - place->clip->secs_start());
+}
+
+std::vector<shared_text> timeline_state::compact_rows(const std::vector<shared_text>& rows) {
+    if (!document_) return {};
+    return apply_to_rows(plan_compact_rows(document_->timeline(), rows, name_of_rows(rows_, rows)));
+}
+
+// One edit each, since a row that was expanded moves those below it.
+std::vector<shared_text> timeline_state::expand_rows(const std::vector<shared_text>& rows) {
+    std::vector<shared_text> made;
+    for (const shared_text& row : rows) {
+        const auto record = document_ ? document_->timeline().row(row) : nullptr;
+        // Among several only those are meant that can be expanded.
+        if (!record || (rows.size() > 1 && !is_compacted(*record))) continue;
+        const auto more = apply_to_rows(plan_expand_row(document_->timeline(), row));
+        made.insert(made.end(), more.begin(), more.end());
+    }
+    return made;
+}
+
+std::vector<shared_text> timeline_state::apply_to_rows(result<timeline_edit> planned) {
+    std::vector<shared_text> made;
+    if (planned) {
+        for (const auto& one : planned.value().operations) {
+            if (const auto* insert = std::get_if<operation::insert_row>(&one))
+                made.push_back(insert->row->uuid());
+        }
+    }
+    if (!apply(std::move(planned))) return {};
+    return made;
 }
 
 void timeline_state::set_snaps(bool snaps) {

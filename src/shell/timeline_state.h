@@ -75,6 +75,11 @@ class timeline_state {
     void trim(const std::string& clip, double start, double end);
     void copy(const std::string& clip, double start);
 
+    // Makes one row of two or more, named after them, which expand_rows() parts again. The rows that came of
+    // it; none when it was refused.
+    std::vector<shared_text> compact_rows(const std::vector<shared_text>& rows);
+    std::vector<shared_text> expand_rows(const std::vector<shared_text>& rows);
+
     bool snaps() const { return snaps_; }
     void set_snaps(bool snaps);
     // The nearest of the playhead and the edges of other clips, when it is near and snapping is on.
@@ -89,6 +94,8 @@ class timeline_state {
 
   private:
     bool apply(result<timeline_edit> planned);
+    // The rows that the edit makes; none when it was refused.
+    std::vector<shared_text> apply_to_rows(result<timeline_edit> planned);
     void duplicate(const std::vector<std::string>& clips, double later_by);
     void take_change(const change_set& change);
     void read_rows();
@@ -104,6 +111,7 @@ class timeline_state {
     timeline_scale scale_;
     double width_ = 1;
     double start_seconds_ = 0;
+    double given_start_seconds_ = 0;
     double given_end_seconds_ = 0;
     double end_seconds_ = 0;
     bool fits_ = true;  // the whole reach is in view and stays so

@@ -9,6 +9,7 @@
 #include "shell/pane_header.h"
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"
+#include "shell/timeline_names.h"
 #include "shell/timeline_parts.h"
 #include "shell/timeline_state.h"
 
@@ -122,6 +123,12 @@ void timeline_view::zoom_out() {
 }
 void timeline_view::zoom_to_fit() {
     state_->zoom_to_fit();
+}
+void timeline_view::compact_rows() {
+    names_->compact_chosen();
+}
+void timeline_view::expand_rows() {
+    names_->expand_chosen();
 }
 void timeline_view::refresh_marks() {
     state_->refresh_marks();

@@ -54,6 +54,9 @@ class timeline_view final : public QWidget {
     void zoom_out();
     // The whole reach in view.
     void zoom_to_fit();
+    // The rows chosen among the names: shown as one, or as they were before that.
+    void compact_rows();
+    void expand_rows();
     // Reads the clips' marks (passing, selected) anew after someone else has set them.
     void refresh_marks();
 

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QStandardPaths>
 #include <QStringList>
+#include <algorithm>
 
 #include "app/known_vaults.h"
 #include "app/vault_preferences.h"
@@ -25,11 +26,11 @@ std::string usual_parent() {
 }  // namespace
 
 vault_commands::vault_commands(QWidget& window, content_side_bar& side_bar, home_places places,
-                               std::function<std::string()> open_folder)
+                               std::function<std::vector<std::string>()> open_folders)
     : window_(window),
       side_bar_(side_bar),
       places_(std::move(places)),
-      open_folder_(std::move(open_folder)) {}
+      open_folders_(std::move(open_folders)) {}
 
 void vault_commands::create() {
     const auto stored = load_create_new_vault_settings(places_);
@@ -59,7 +60,9 @@ void vault_commands::create() {
 }
 
 bool vault_commands::holds_open_event(const std::string& vault) const {
-    return open_folder_().starts_with(vault + "/");
+    const auto open = open_folders_();
+    return std::any_of(open.begin(), open.end(),
+                       [&](const std::string& folder) { return folder.starts_with(vault + "/"); });
 }
 
 void vault_commands::add_existing() {

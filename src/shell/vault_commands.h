@@ -22,10 +22,10 @@ class content_side_bar;
 class vault_commands : public QObject {
     Q_OBJECT
   public:
-    // `window` is the parent of the panels; both widgets must outlive the commands. `open_folder` names the
-    // folder of the event that is open, empty for none.
+    // `window` is the parent of the panels; both widgets must outlive the commands. `open_folders` names
+    // the folders of the events that are open, in this window or another.
     vault_commands(QWidget& window, content_side_bar& side_bar, home_places places,
-                   std::function<std::string()> open_folder);
+                   std::function<std::vector<std::string>()> open_folders);
 
     void create();
     void add_existing();
@@ -53,7 +53,7 @@ class vault_commands : public QObject {
     QWidget& window_;
     content_side_bar& side_bar_;
     const home_places places_;
-    const std::function<std::string()> open_folder_;
+    const std::function<std::vector<std::string>()> open_folders_;
 };
 
 }  // namespace vistels

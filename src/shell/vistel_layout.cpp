@@ -21,7 +21,9 @@ QRect inside(const QRect& room, double aspect) {
 
 }  // namespace
 
-QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect) {
+QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
+                 double ratio) {
+    if (ratio > 0 && !frames.empty()) return inside(room, ratio);
     if (frames.empty() || !(picture_aspect > 0)) return room;
     const rectangle& first = frames.front();
     if (!(first.width > 0) || !(first.height > 0)) return room;

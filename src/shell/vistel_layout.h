@@ -14,7 +14,9 @@ namespace vistels {
 
 // The part of `room` in which the vistels lie: as large as can be with every view having the aspect (width to
 // height) of the pictures when its frame has the size of the first one in `frames`. Without frames all of it.
-QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect);
+// A `ratio` above 0 is the area's own width to height.
+QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
+                 double ratio = 0);
 
 // A vistel's view in the area; `frame` holds fractions of the area. `gap` pixels are left free at the sides
 // where a neighbour may be.

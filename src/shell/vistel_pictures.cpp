@@ -6,7 +6,9 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <utility>
 
+#include "app/offset_changes.h"
 #include "app/open_event.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
@@ -14,6 +16,7 @@
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_Offsets.h"
+#include "video/video_coll_Pictures.h"
 
 namespace vistels {
 
@@ -30,7 +33,7 @@ QImage image_of(const picture_pointer& picture) {
         [](void* pointer) { delete static_cast<picture_pointer*>(pointer); }, held);
 }
 
-std::vector<shown_vistel> vistels_of(const video_collection_ROOT& collection) {
+std::vector<shown_vistel> vistels_of(const video_collection_ROOT& collection, bool shows_names) {
     const auto all = collection.vistels();
     const auto grid = grid_layout(all.size());
     const std::string heard = collection.vistel_for_sound();
@@ -39,17 +42,27 @@ std::vector<shown_vistel> vistels_of(const video_collection_ROOT& collection) {
     for (std::size_t i = 0; i < all.size(); ++i) {
         shown_vistel one;
         one.uuid = all[i]->uuid();
-        const QString name = QString::fromStdString(all[i]->name());
-        const QString number = QString::number(i + 1);
-        one.name = name.startsWith(number) ? name : number + QLatin1Char(' ') + name;
+        one.name = vistel_chip_words(*all[i], i, collection.displays_vistel_number(), shows_names);
         one.frame = all[i]->proportion_rect().value_or(grid[i]);
         one.has_sound = someone_heard ? one.uuid == heard : i == 0;
+        one.order = all[i]->saved_view_order();
         vistels.push_back(std::move(one));
     }
     return vistels;
 }
 
 }  // namespace
+
+QString vistel_chip_words(const single_Vistel_CTR& vistel, std::size_t place, bool shows_number,
+                          bool shows_name_with_number) {
+    const QString name = QString::fromStdString(vistel.name());
+    if (!shows_number) return name;
+    const int own = vistel.vistel_number_displayed();
+    const QString number = QString::number(own > 0 ? own : static_cast<int>(place) + 1);
+    if (!shows_name_with_number || name.isEmpty()) return number;
+    const bool has_it = name == number || name.startsWith(number + QLatin1Char(' '));
+    return has_it ? name : number + QLatin1Char(' ') + name;
+}
 
 vistel_pictures::vistel_pictures(collection_pane& pane) : pane_(pane) {
     size_time_.setSingleShot(true);
@@ -72,12 +85,35 @@ void vistel_pictures::set_event(open_event* event) {
 
 void vistel_pictures::show_vistels() {
     if (!event_) return;
-    auto vistels = vistels_of(event_->collection());
+    const video_collection_ROOT& collection = event_->collection();
+    auto vistels = vistels_of(collection, shows_names_);
+    const bool is_first = shown_.empty();
+    std::erase_if(shown_, [&](const auto& one) { return !collection.find_vistel(one.first); });
     for (auto& one : vistels) {
-        shown_.try_emplace(one.uuid);
+        const auto [known, came] = shown_.try_emplace(one.uuid);
+        if (came) known->second.is_new = !is_first;
         one.problem = QString::fromStdString(event_->problem(one.uuid));
+        one.is_waiting = known->second.is_new && one.problem.isEmpty();
     }
-    pane_.view().set_vistels(std::move(vistels));
+    pane_.view().set_vistels(std::move(vistels), collection.outside_bounds_ratio().value_or(0));
+    for (const auto& one : collection.vistels()) show_overlay(*one, shown_[one->uuid()]);
+}
+
+// The picture is read when it becomes another one.
+void vistel_pictures::show_overlay(const single_Vistel_CTR& vistel, shown& one) {
+    const std::string path = overlay_path(vistel);
+    if (path == one.overlay) return;
+    one.overlay = path;
+    const auto overlay = vistel.overlay().value_or(vistel_overlay());
+    const QImage picture = path.empty() ? QImage() : QImage(QString::fromStdString(path));
+    pane_.view().set_overlay(vistel.uuid(), picture, overlay.frame, overlay.opacity);
+}
+
+void vistel_pictures::set_shows_names(bool shows) {
+    if (shows_names_ == shows) return;
+    shows_names_ = shows;
+    show_vistels();
+    show_pictures();
 }
 
 void vistel_pictures::tell_sizes() {
@@ -113,7 +149,8 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
             return;
         case vistel_state::blank:
             one.picture.reset();
-            view.set_gap(vistel, gap_end(vistel));
+            if (std::exchange(one.is_new, false)) view.set_ready(vistel);
+            view.set_gap(vistel, gap_end(vistel), marks_start(vistel));
             return;
         case vistel_state::waiting:
         case vistel_state::showing:
@@ -123,6 +160,7 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
     const picture_pointer picture = playback.picture(vistel);
     if (!picture || picture == one.picture) return;
     one.picture = picture;
+    if (std::exchange(one.is_new, false)) view.set_ready(vistel);
     if (one.aspect <= 0 && picture->height > 0)
         one.aspect = static_cast<double>(picture->width) / picture->height;
     view.set_picture(vistel, image_of(picture), one.aspect);
@@ -156,6 +194,15 @@ long long vistel_pictures::frame_number() const {
     const auto picture = event_->playback().picture(vistel);
     if (!seconds || !picture || picture->sparse || !(picture->until > picture->time)) return -1;
     return std::llround(*seconds / (picture->until - picture->time));
+}
+
+// Before its first part, where the collection wants that seen.
+bool vistel_pictures::marks_start(const std::string& vistel) const {
+    const auto record = event_->collection().find_vistel(vistel);
+    if (!record || !event_->collection().shows_missing_starts()) return false;
+    const auto starts = record->parts().starts();
+    const auto now = movie_time_at(event_->collection(), vistel, event_->playback().collection_time());
+    return now && !starts.empty() && *now < starts.front();
 }
 
 double vistel_pictures::gap_end(const std::string& vistel) const {

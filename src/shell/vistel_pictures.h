@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QSize>
 #include <QTimer>
+#include <cstddef>
 #include <map>
 #include <string>
 
@@ -13,6 +14,12 @@ namespace vistels {
 
 class collection_pane;
 class open_event;
+class single_Vistel_CTR;
+
+// What is drawn on a vistel: its number when numbers are shown, its name with it when that is wanted, else
+// the name. A name that begins with the number is not given it twice.
+QString vistel_chip_words(const single_Vistel_CTR& vistel, std::size_t place, bool shows_number,
+                          bool shows_name_with_number);
 
 // Brings the pictures of an event's playback to the collection's view, and the sizes of the views to
 // playback. Main thread.
@@ -26,6 +33,8 @@ class vistel_pictures : public QObject {
     void set_event(open_event* event);
     // The vistels as they are laid out, named and heard.
     void show_vistels();
+    // Whether a vistel's name is drawn behind its number.
+    void set_shows_names(bool shows);
     // What playback shows by now.
     void show_pictures();
 
@@ -38,19 +47,24 @@ class vistel_pictures : public QObject {
   private:
     struct shown {
         picture_pointer picture;
-        double aspect = 0;  // 0: not known yet
-        QSize asked;        // the size that playback was told
+        double aspect = 0;    // 0: not known yet
+        QSize asked;          // the size that playback was told
+        std::string overlay;  // the path of the picture over it
+        bool is_new = false;  // it came while the event was open, and had no picture yet
     };
 
     void tell_sizes();
     void show_picture(const std::string& vistel, shown& one);
+    void show_overlay(const single_Vistel_CTR& vistel, shown& one);
     QString fact() const;
     // When there is a picture again, on the collection's clock; infinite: never.
     double gap_end(const std::string& vistel) const;
+    bool marks_start(const std::string& vistel) const;
 
     collection_pane& pane_;
     open_event* event_ = nullptr;
     QTimer size_time_;
+    bool shows_names_ = true;
     std::map<std::string, shown> shown_;
 };
 

@@ -26,6 +26,8 @@ struct action_line {
 
 // In the order of `command`, which is also that of the menus.
 constexpr action_line action_lines[] = {
+    {command::new_window, "File", "new_window", "New Window", "Ctrl+Alt+N",
+     "Open another window, for another event", false},
     {command::new_collection, "File", "new_collection", "New Collection from Movies…", "Ctrl+N",
      "Make a collection in the home vault from movie files", false},
     {command::open_folder, "File", "open_folder", "Open…", "Ctrl+O", "Open a collection's folder or a vault",
@@ -33,7 +35,10 @@ constexpr action_line action_lines[] = {
     {command::show_folder, "File", "show_folder", "Show in Files", "", "Show the event's folder", true, false,
      true},
     {command::save, "File", "save", "Save Now", "Ctrl+S", "Save now; the program also saves by itself"},
-    {command::quit, "File", "quit", "Quit", "Ctrl+Q", "Save and close", false, false, true},
+    {command::close_window, "File", "close_window", "Close Window", "Ctrl+W",
+     "Save and close this window; the last one ends the program", false, false, true},
+    {command::quit, "File", "quit", "Quit", "Ctrl+Q",
+     "Save and close all windows; they come back at the next start", false},
     {command::undo, "Edit", "undo", "Undo", "Ctrl+Z", "Take back the last change", false},
     {command::redo, "Edit", "redo", "Redo", "Ctrl+Shift+Z Ctrl+Y", "Do again what was taken back", false},
     {command::delete_clips, "Edit", "delete_clips", "Delete Clips", "Delete Backspace",
@@ -92,6 +97,10 @@ constexpr action_line action_lines[] = {
     {command::mark_out, "Timeline", "mark_out", "End Clip Here", "O",
      "The selected clips end at the playhead"},
     {command::play_clip, "Timeline", "play_clip", "Play Clip", "Shift+Space", "Play the selected clip"},
+    {command::compact_rows, "Timeline", "compact_rows", "Compact Rows", "Ctrl+Shift+K",
+     "Show the rows chosen among their names as one row", true, false, true},
+    {command::expand_rows, "Timeline", "expand_rows", "Expand Row", "Ctrl+Shift+E",
+     "Show the rows again that were compacted into the chosen one"},
     {command::new_vault, "Vaults", "new_vault", "Create New Vault…", "Ctrl+Shift+N",
      "Make a vault for collections", false},
     {command::add_vault, "Vaults", "add_vault", "Add An Existing Vault To Sidebar…", "Ctrl+Shift+O",
@@ -114,6 +123,8 @@ constexpr action_line action_lines[] = {
     {command::tab_review, "Window", "tab_review", "Review", "Ctrl+2", "Video and timeline", false},
     {command::minimize, "Window", "minimize", "Minimize", "Ctrl+M", "Put the window away", false, false,
      true},
+    {command::next_window, "Window", "next_window", "Next Window", "Ctrl+Tab",
+     "Bring the next window to the front", false},
     {command::keys, "Help", "keys", "Keys", "F1", "What the keys do", false},
     {command::about, "Help", "about", "About Vistels", "", "About this program", false, false, true},
 };

@@ -12,10 +12,12 @@ namespace vistels {
 
 // Everything that the window's menus and keys can do.
 enum class command {
+    new_window,
     new_collection,
     open_folder,
     show_folder,
     save,
+    close_window,
     quit,
     undo,
     redo,
@@ -59,6 +61,8 @@ enum class command {
     mark_in,
     mark_out,
     play_clip,
+    compact_rows,
+    expand_rows,
     new_vault,
     add_vault,
     choose_focus_vault,
@@ -71,6 +75,7 @@ enum class command {
     tab_code,
     tab_review,
     minimize,
+    next_window,
     keys,
     about,
 };
@@ -86,6 +91,8 @@ class window_actions : public QObject {
     // Menus in their order, filled.
     void fill(QMenuBar& bar) const;
     const std::vector<QAction*>& all() const { return actions_; }
+    // Lists an action of the window's that is made elsewhere with the others.
+    void add(QAction* action) { actions_.push_back(action); }
     // Those that need an open event.
     void set_event_open(bool open);
 

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
+#include "timeline/compact_text.h"
+#include "timeline/copied_ptr.h"
 #include "util/colour_text.h"
 #include "util/property_value.h"
 #include "util/shared_text.h"
@@ -12,14 +13,14 @@ namespace vistels {
 
 // An attribute of a qualifier: a finer label on a label. Part of its qual_ITEM, whose lock guards it.
 struct clip_attribute_ITEM {
-    std::string uuid;  // stored as "attr_uuid"
     shared_text name;
-    shared_text attribute_category;          // may be empty
-    std::optional<double> attribute_time;    // seconds on the collection's clock
-    std::optional<colour> attribute_colour;  // stored with 3 decimals
+    shared_text attribute_category;        // may be empty
+    std::optional<double> attribute_time;  // seconds on the collection's clock
+    copied_ptr<colour> attribute_colour;   // stored with 3 decimals
     // _at_pos: where on a picture it was stamped.
     std::optional<double> _at_pos_x = {};
     std::optional<double> _at_pos_y = {};
+    compact_text uuid;                    // stored as "attr_uuid"
     bool attribute_touched_k416 = false;  // of this run, not stored
 
     // Equal in everything that is stored.

@@ -96,7 +96,7 @@ sxy_CLIP duplicate_copy_sxy_data(const sxy_CLIP& clip) {
     for (auto& qualifier : qualifiers) {
         qualifier.set_uuid(new_uuid());
         auto attributes = qualifier.attributes();
-        for (auto& attribute : attributes) attribute.uuid = new_uuid();
+        for (auto& attribute : attributes) attribute.uuid = compact_text(new_uuid());
         if (!attributes.empty()) qualifier.set_attributes(std::move(attributes));
     }
     if (!qualifiers.empty()) copy.set_qualifiers(std::move(qualifiers));

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
+
+#include "util/stored_view.h"
 
 namespace vistels {
 
@@ -34,21 +37,21 @@ constexpr value_field value_fields[] = {
     {"note_text_storage_rtf__json_String", &clip_note::note_text_storage_rtf__json_String},
 };
 
-bool take_field(clip_note& note, const property_entry& entry) {
+void take_value(clip_note& note, std::string_view stored_key, property_value value) {
     for (const auto& [key, field] : text_fields) {
         // An empty text, stored or not, reads the same; kept apart, the key comes back as it was.
-        if (entry.key == key && entry.value.text() && !entry.value.text()->empty()) {
-            note.*field = *entry.value.text();
-            return true;
+        if (stored_key == key && value.text() && !value.text()->empty()) {
+            note.*field = *value.text();
+            return;
         }
     }
     for (const auto& [key, field] : value_fields) {
-        if (entry.key == key) {
-            note.*field = entry.value;
-            return true;
+        if (stored_key == key) {
+            note.*field = std::move(value);
+            return;
         }
     }
-    return false;
+    note.kept.set(stored_key, std::move(value));
 }
 
 std::string shown_text(const std::string& text) {
@@ -99,9 +102,13 @@ clip_note clip_note::with_text(std::string text) const {
 
 clip_note read_clip_note(const property_dictionary& stored) {
     clip_note note;
-    for (const auto& entry : stored) {
-        if (!take_field(note, entry)) note.kept.set(entry.key, entry.value);
-    }
+    for (const auto& entry : stored) take_value(note, entry.key, entry.value);
+    return note;
+}
+
+clip_note read_clip_note(const stored_view& stored) {
+    clip_note note;
+    for (const auto& member : stored.members()) take_value(note, member.key, member.value.copy());
     return note;
 }
 

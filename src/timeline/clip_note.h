@@ -7,6 +7,8 @@
 
 namespace vistels {
 
+class stored_view;
+
 // The note of a clip. A value: a note that is on a clip does not change, an edit puts another in its place.
 // What is kept for other programs (`display_on` and so on, in whatever type it came) is written back as it
 // was read.
@@ -33,6 +35,7 @@ struct clip_note {
 // The stored form is a dictionary ("notes_dict" of a clip). Reading is lenient and loses nothing: a value of
 // another type than expected is kept under its key.
 clip_note read_clip_note(const property_dictionary& stored);
+clip_note read_clip_note(const stored_view& stored);
 property_dictionary write_clip_note(const clip_note& note);
 
 }  // namespace vistels

@@ -30,13 +30,6 @@ result<std::vector<clip_place>> find_clips(const sxy_DATA_root& timeline,
     return places;
 }
 
-operation::change_clip stamped_change(const sxy_CLIP& clip, const edit_stamp& stamp) {
-    operation::change_clip change{clip.id(), {}, {}};
-    change.set.set("edit_seconds", stamp.edit_seconds);
-    if (!stamp.author.empty()) change.set.set("author", stamp.author);
-    return change;
-}
-
 // Times that the drawings over a clip know of.
 void set_times(operation::change_clip& change, const sxy_CLIP& clip, double start, double end) {
     change.set.set("time_start", start);
@@ -137,7 +130,7 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
         merged.push_back(places[at].clip->id());
     }
     timeline_edit edit{"Merge Clips", kept.id(), {}};
-    auto change = stamped_change(kept, stamp);
+    operation::change_clip change{kept.id(), {}, {}};
     set_times(change, kept, kept.secs_start(), end);
     if (const auto note = joined_note(places)) change.set.set("notes_dict", write_clip_note(*note));
     edit.operations.emplace_back(std::move(change));
@@ -150,8 +143,7 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
 result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& timeline,
                                                        const std::vector<std::string>& clips,
                                                        std::optional<double> mark_in,
-                                                       std::optional<double> mark_out,
-                                                       const edit_stamp& stamp) {
+                                                       std::optional<double> mark_out) {
     auto found = find_clips(timeline, clips);
     if (!found) return found.error();
     if ((mark_in && !std::isfinite(*mark_in)) || (mark_out && !std::isfinite(*mark_out))) {
@@ -168,15 +160,15 @@ result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& time
             return failure{moves_start ? "A clip cannot start where it has ended already."
                                        : "A clip cannot end before it has started."};
         }
-        auto change = stamped_change(*place.clip, stamp);
+        operation::change_clip change{place.clip->id(), {}, {}};
         set_times(change, *place.clip, start, end);
         edit.operations.emplace_back(std::move(change));
     }
     return edit;
 }
 
-result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
-                                         const edit_stamp& stamp) {
+result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
+                                         const std::vector<std::string>& clips) {
     auto found = find_clips(timeline, clips);
     if (!found) return found.error();
     const auto& places = found.value();
@@ -192,7 +184,7 @@ result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline, const st
     }
     timeline_edit edit{"Split Overlap", a->id(), {}};
     for (const auto& [clip, span] : {std::pair(a, split.a), std::pair(b, split.b)}) {
-        auto change = stamped_change(*clip, stamp);
+        operation::change_clip change{clip->id(), {}, {}};
         set_times(change, *clip, span.start, span.end);
         edit.operations.emplace_back(std::move(change));
     }
@@ -200,13 +192,13 @@ result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline, const st
 }
 
 result<timeline_edit> plan_note(const sxy_DATA_root& timeline, const std::string& clip,
-                                const std::string& text, const edit_stamp& stamp) {
+                                const std::string& text) {
     const auto place = timeline.find_clip(clip);
     if (!place) return failure{"The clip that the note belongs to is no longer there."};
     timeline_edit edit{"Note", clip, {}};
     const auto note = place->clip->note();
     if ((note ? note->text() : std::string()) == text) return edit;
-    auto change = stamped_change(*place->clip, stamp);
+    operation::change_clip change{clip, {}, {}};
     if (text.empty()) {
         change.unset.emplace_back("notes_dict");
     } else {

@@ -14,12 +14,6 @@ namespace vistels {
 // cannot be done the message says why, and nothing changes. An edit that would change nothing has no
 // operations. Clips are named by UUID. Any thread that owns the timeline.
 
-// Who edits, and when; noted in each clip that is changed.
-struct edit_stamp {
-    std::string author;       // may be empty
-    double edit_seconds = 0;  // since 1970
-};
-
 // Merges two or more clips into the earliest of them (by start, then end, then UUID), in its row: it spans
 // from the earliest start to the latest end, has the qualifiers of all by the time at which they were
 // stamped, and the texts of all notes, a line break between them. The other clips are deleted and leave
@@ -32,18 +26,17 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
 result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& timeline,
                                                        const std::vector<std::string>& clips,
                                                        std::optional<double> mark_in,
-                                                       std::optional<double> mark_out,
-                                                       const edit_stamp& stamp);
+                                                       std::optional<double> mark_out);
 
 // Splits two clips that overlap or touch, as split_overlapping does. One clip alone is split from the first
 // clip of its row, in the row's order, that it overlaps or touches. Refused when there is nothing to split or
 // one of the two is too short to give up its part.
-result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
-                                         const edit_stamp& stamp);
+result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
+                                         const std::vector<std::string>& clips);
 
 // A plain text as the clip's note. The empty text takes the note away.
 result<timeline_edit> plan_note(const sxy_DATA_root& timeline, const std::string& clip,
-                                const std::string& text, const edit_stamp& stamp);
+                                const std::string& text);
 
 // Takes away a row with its clips. Their tombstones, and those of the row, go to the row before it (the one
 // after it when it is the first): with no other row left they are lost with it.

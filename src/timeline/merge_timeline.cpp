@@ -15,8 +15,7 @@ namespace {
 
 // When a clip was edited last; one that says nothing was edited before all others.
 double edit_seconds_of(const sxy_CLIP& clip) {
-    const auto stored = write_clip_values(clip);
-    return stored.number("edit_seconds").value_or(-std::numeric_limits<double>::infinity());
+    return clip.edit_info().edit_seconds.value_or(-std::numeric_limits<double>::infinity());
 }
 
 class timeline_merge {

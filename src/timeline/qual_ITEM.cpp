@@ -205,6 +205,10 @@ void qual_ITEM::put_values(stored_sink& to) const {
     write_members(qual_table, static_cast<const qual_fields&>(*this), to);
 }
 
+bool is_qual_item(const stored_view& stored) {
+    return has_key_of(qual_table, stored);
+}
+
 qual_ITEM read_qual_item(const stored_view& stored, text_cache& texts) {
     qual_fields fields;
     qual_reading reading{fields, texts, {}, {}, {}, {}, {}};

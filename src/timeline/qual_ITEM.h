@@ -150,6 +150,8 @@ class qual_ITEM : record, qual_fields {
 
 // Reading is lenient: a missing or wrongly typed value keeps the default, older spellings count.
 qual_ITEM read_qual_item(const stored_view& stored, text_cache& texts);
+// Whether it has a key of a qualifier; what has none is none.
+bool is_qual_item(const stored_view& stored);
 qual_ITEM read_qual_item(const property_dictionary& stored);
 // The keys in their stored order; values that are not set are left out. The time has 8 decimals.
 property_dictionary write_qual_item(const qual_ITEM& qualifier);

@@ -214,7 +214,7 @@ result<timeline_edit> plan_compact_rows(const sxy_DATA_root& timeline, const std
     sxy_ROW master = row_with(master_of(merged, name), arrays, {});
     master.set_uuid(shared_text(new_uuid()));
     const shared_text uuid = master.uuid();
-    timeline_edit edit{"Merge Rows", uuid.str(), {}};
+    timeline_edit edit{"Merge Rows", uuid.str(), {}, {}, true};
     edit.operations.emplace_back(operation::insert_row{*places.begin(), std::move(master)});
     for (const auto& row : merged) {
         for (const auto& clip : row->clips()) {
@@ -240,7 +240,7 @@ result<timeline_edit> plan_expand_row(const sxy_DATA_root& timeline, const share
         all.insert(all.end(), later.begin(), later.end());
         rows.front().set_deleted_clips(std::move(all));
     }
-    timeline_edit edit{"Expand Row", master.str(), {}};
+    timeline_edit edit{"Expand Row", master.str(), {}, {}, true};
     // Below all at first: a row must be there before clips can move to it. One that has come back by itself,
     // because something was coded on it, takes its clips as it is.
     std::vector<std::size_t> made;

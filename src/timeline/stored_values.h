@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "timeline/compact_text.h"
@@ -124,7 +125,8 @@ void put_value(const std::vector<std::int64_t>& value, std::string_view key, sto
 // Kept as it is.
 inline bool take_value(property_array& to, const stored_view& from, text_cache&) {
     if (!from.is_array()) return false;
-    to = *from.copy().array();
+    auto copy = from.copy();
+    to = std::move(*copy.array());
     return true;
 }
 inline void put_value(const property_array& value, std::string_view key, stored_sink& to) {
@@ -132,8 +134,13 @@ inline void put_value(const property_array& value, std::string_view key, stored_
 }
 
 bool take_colour(std::optional<colour>& to, const stored_view& from);
-inline void put_colour(const std::optional<colour>& value, int decimals, std::string_view key,
-                       stored_sink& to) {
+inline bool take_colour(copied_ptr<colour>& to, const stored_view& from) {
+    std::optional<colour> value;
+    if (take_colour(value, from)) to = *value;
+    return value.has_value();
+}
+template <class Colour>
+void put_colour(const Colour& value, int decimals, std::string_view key, stored_sink& to) {
     if (value) to.put(key, std::string_view(colour_text(*value, decimals)));
 }
 
@@ -166,33 +173,48 @@ void put_value(const copied_ptr<Part>& value, std::string_view key, stored_sink&
     if (value) put_part(*value, key, to);
 }
 
-// A dictionary with something in it. Others in a list of records that always write something are passed over:
-// seven bytes of a file are not to take the memory of a record.
-inline bool holds_values(const stored_view& item) {
-    return !item.members().empty();
-}
-inline std::size_t count_with_values(std::span<const stored_view> items) {
-    return static_cast<std::size_t>(std::count_if(items.begin(), items.end(), holds_values));
+// A dictionary that has a key of the table. Others in a list of records are passed over: a few bytes of a
+// file are not to take the memory of a record.
+template <class Table>
+bool has_key_of(const Table& table, const stored_view& item) {
+    const auto members = item.members();
+    return std::any_of(members.begin(), members.end(), [&](const stored_member& member) {
+        return find_stored_key(table, member.key, 0).index < table.size();
+    });
 }
 
-// What is no dictionary is passed over.
+// Whether nothing would be written of it but an empty dictionary, which is not read either.
+template <class Part>
+bool holds_nothing(const Part& part) {
+    static const bool default_holds_nothing = [] {
+        dictionary_sink sink;
+        write_members(stored_form<Part>::fields, Part(), sink);
+        return sink.take().empty();
+    }();
+    return default_holds_nothing && part == Part();
+}
+
 template <class Part>
 bool take_value(std::vector<Part>& to, const stored_view& from, text_cache& texts) {
     if (!from.is_array()) return false;
     const auto items = from.items();
-    const auto is_part = [](const stored_view& item) { return item.is_dictionary(); };
+    const auto is_part = [](const stored_view& item) { return has_key_of(stored_form<Part>::fields, item); };
     to.clear();
     to.reserve(static_cast<std::size_t>(std::count_if(items.begin(), items.end(), is_part)));
     for (const auto& item : items) {
-        if (is_part(item)) to.push_back(read_part<Part>(item, texts));
+        if (!is_part(item)) continue;
+        to.push_back(read_part<Part>(item, texts));
+        if (holds_nothing(to.back())) to.pop_back();
     }
     return true;
 }
 template <class Part>
 void put_value(const std::vector<Part>& value, std::string_view key, stored_sink& to) {
-    if (value.empty()) return;
+    if (std::all_of(value.begin(), value.end(), holds_nothing<Part>)) return;
     to.begin_array(key);
-    for (const auto& part : value) put_part(part, {}, to);
+    for (const auto& part : value) {
+        if (!holds_nothing(part)) put_part(part, {}, to);
+    }
     to.end();
 }
 

@@ -284,9 +284,10 @@ bool read_qualifiers(clip_reading& reading, const stored_view& from) {
     }
     qual_ROOT all;
     if (array) {
-        all.reserve(count_with_values(array->items()));
-        for (const auto& item : array->items()) {
-            if (holds_values(item)) all.push_back(read_qual_item(item, reading.texts));
+        const auto items = array->items();
+        all.reserve(static_cast<std::size_t>(std::count_if(items.begin(), items.end(), is_qual_item)));
+        for (const auto& item : items) {
+            if (is_qual_item(item)) all.push_back(read_qual_item(item, reading.texts));
         }
     }
     reading.to.qual_Root = all.empty() ? nullptr : std::make_shared<const qual_ROOT>(std::move(all));
@@ -308,7 +309,7 @@ void write_qualifiers(const clip_fields& fields, std::string_view key, stored_si
 
 bool read_note(clip_reading& reading, const stored_view& from) {
     if (!from.is_dictionary()) return false;
-    reading.rare().note = std::make_shared<const clip_note>(read_clip_note(*from.copy().dictionary()));
+    reading.rare().note = std::make_shared<const clip_note>(read_clip_note(from));
     return true;
 }
 

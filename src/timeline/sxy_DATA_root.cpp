@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "timeline/shift_times.h"
 #include "util/uuid.h"
 
 namespace vistels {
@@ -252,15 +253,17 @@ std::optional<clip_place> sxy_DATA_root::remove_clip(std::string_view uuid) {
     return removed;
 }
 
-std::optional<shared_text> sxy_DATA_root::move_clip(std::string_view uuid, const shared_text& row) {
+std::optional<shared_text> sxy_DATA_root::move_clip(std::string_view uuid, const shared_text& row,
+                                                    clip_pointer changed) {
     auto* found = clips_.find(uuid);
     const auto to = row_numbers_.find(row);
     if (!found || to == row_numbers_.end()) return std::nullopt;
     auto& from = editable(index_of(*found));
     const std::size_t index = from.clips().position(*found->clip);
-    clip_pointer clip = from.clips()[index];
+    clip_pointer clip = changed ? std::move(changed) : from.clips()[index];
     from.clips().remove(index);
     found->row = to->second;
+    found->clip = clip.get();
     editable(index_of(*found)).clips().insert(std::move(clip));
     return from.uuid();
 }
@@ -279,6 +282,24 @@ bool sxy_DATA_root::replace_clip(shared_record<sxy_CLIP> clip) {
     const std::size_t index = clips.position(*found->clip);
     found->clip = kept.get();
     clips.replace(index, std::move(kept));
+    return true;
+}
+
+bool sxy_DATA_root::shift_times(double seconds) {
+    if (!std::isfinite(seconds)) return false;
+    if (seconds == 0) return true;
+    for (std::size_t index = 0; index < rows_.size(); ++index) {
+        auto& row = editable(index);
+        std::vector<clip_pointer> all;
+        all.reserve(row.clips().size());
+        for (const auto& clip : std::as_const(row).clips()) {
+            all.push_back(clip_shifted(*clip, seconds));
+            clips_.find(clip->id())->clip = all.back().get();
+        }
+        row.clips().assign(std::move(all));
+    }
+    for (auto& live : live_) live.clip = clip_shifted(*live.clip, seconds);
+    set_tags(tags_shifted(tags(), seconds));
     return true;
 }
 

@@ -92,11 +92,15 @@ class sxy_DATA_root : record {
     bool insert_clip(const shared_text& row, shared_record<sxy_CLIP> clip);
     // In a row or live. Returns where it was.
     std::optional<clip_place> remove_clip(std::string_view uuid);
-    // Returns the row that it was in.
-    std::optional<shared_text> move_clip(std::string_view uuid, const shared_text& row);
+    // Returns the row that it was in. `changed`, when not null, takes the clip's place: a copy of it with the
+    // same times and UUID.
+    std::optional<shared_text> move_clip(std::string_view uuid, const shared_text& row,
+                                         clip_pointer changed = nullptr);
     // The clip with that UUID becomes `clip`, which has the same UUID.
     bool replace_clip(shared_record<sxy_CLIP> clip);
     bool insert_live_clip(const shared_text& row, shared_record<sxy_CLIP> clip);
+    // Moves all times on the collection's clock: of clips in rows and live, and of tags.
+    bool shift_times(double seconds);
     // Puts back an earlier state of live_clips().
     void set_live_clips(std::vector<clip_place> live) { live_ = std::move(live); }
     // Makes room for that many more clips at once.

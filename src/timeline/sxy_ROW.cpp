@@ -46,8 +46,8 @@ struct in_row {
 struct in_compaction {
     using record_type = row_fields;
     using reading_type = row_reading;
-    static row_compaction& of(row_reading& reading) { return reading.to.compaction; }
-    static const row_compaction* of(const row_fields& fields) { return &fields.compaction; }
+    static row_compaction& of(row_reading& reading) { return reading.to.compaction.make(); }
+    static const row_compaction* of(const row_fields& fields) { return fields.compaction.get(); }
 };
 
 template <auto Member>
@@ -73,10 +73,15 @@ constexpr auto always(row_field field) {
     return field;
 }
 
+copied_ptr<std::vector<sxy_Deleted_Clip_Item_k11>> kept(std::vector<sxy_Deleted_Clip_Item_k11> all) {
+    if (all.empty()) return {};
+    all.shrink_to_fit();
+    return {std::move(all)};
+}
+
 bool read_tombstones(row_reading& reading, const stored_view& from) {
     if (!from.is_array()) return false;
-    auto& all = reading.to.deleted_clips_in_row_k11;
-    all.clear();
+    std::vector<sxy_Deleted_Clip_Item_k11> all;
     for (const auto& item : from.items()) {
         sxy_Deleted_Clip_Item_k11 one;
         one.clip_last_Edited_secs = no_time;
@@ -84,7 +89,12 @@ bool read_tombstones(row_reading& reading, const stored_view& from) {
         read_members(stored_form<sxy_Deleted_Clip_Item_k11>::fields, item.members(), part);
         if (reading.now - one.clip_last_Edited_secs < tombstone_life_seconds) all.push_back(std::move(one));
     }
+    reading.to.deleted_clips_in_row_k11 = kept(std::move(all));
     return true;
+}
+
+void write_tombstones(const row_fields& fields, std::string_view key, stored_sink& to) {
+    if (fields.deleted_clips_in_row_k11) put_value(*fields.deleted_clips_in_row_k11, key, to);
 }
 
 using row = row_fields;
@@ -104,11 +114,11 @@ constexpr std::array row_table{
     compacted<&old::ray_of_slave_Row__SORT_NUMBER_IDX1_COMPACTOR_EXPANDER__to_save_in_master_row_2404>(
         "uncompacted_sort_number_Compactor_Expander"),
     compacted<&old::uncompacted_rows>("uncompacted_rows"),
-    [] {
-        auto field = plain<&row::deleted_clips_in_row_k11>("deleted clips");
-        field.read = read_tombstones;
-        return field;
-    }(),
+    row_field{"deleted clips",
+              {},
+              read_tombstones,
+              write_tombstones,
+              [](row_reading& reading) { reading.to.deleted_clips_in_row_k11 = {}; }},
     [] {
         auto field = always<&row::real_row_height>(plain<&row::real_row_height>("height"));
         field.unset = [](row_reading& reading) { reading.to.real_row_height = row::default_height; };
@@ -133,6 +143,27 @@ sxy_ROW& sxy_ROW::operator=(sxy_ROW&& other) noexcept {
 row_fields sxy_ROW::fields() const {
     const record_guard guard(lk);
     return *this;
+}
+
+std::optional<colour> sxy_ROW::col() const {
+    const record_guard guard(lk);
+    return row_colour ? std::optional(*row_colour) : std::nullopt;
+}
+
+void sxy_ROW::set_col(std::optional<colour> colour) {
+    write(row_colour, colour ? copied_ptr(*colour) : copied_ptr<vistels::colour>());
+}
+
+void sxy_ROW::set_deleted_clips(std::vector<sxy_Deleted_Clip_Item_k11> all) {
+    write(deleted_clips_in_row_k11, kept(std::move(all)));
+}
+
+void sxy_ROW::set_compacted_rows(row_compaction rows) {
+    write(compaction, rows.empty() ? copied_ptr<row_compaction>() : copied_ptr(std::move(rows)));
+}
+
+bool is_row_key(std::string_view key) {
+    return find_stored_key(row_table, key, 0).index < row_table.size();
 }
 
 sxy_ROW read_row_values(std::span<const stored_member> stored, double now, text_cache& texts) {

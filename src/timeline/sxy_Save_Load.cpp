@@ -8,6 +8,7 @@
 #include "timeline/stored_values.h"
 #include "util/clock.h"
 #include "util/json.h"
+#include "util/json_cursor.h"
 #include "util/property_list.h"
 #include "util/property_list_cursor.h"
 #include "util/safe_write.h"
@@ -39,25 +40,48 @@ bool is_written(const sxy_CLIP& clip, bool only_selected) {
     return !only_selected || (clip.selected() && clip.filtered_in());
 }
 
+bool is_key_of_row(std::string_view key) {
+    return key == clips_key || is_row_key(key);
+}
+
+// Rows without any of a row's keys are passed over, as such records are everywhere.
+bool is_row(const stored_view& stored) {
+    const auto members = stored.members();
+    return std::any_of(members.begin(), members.end(),
+                       [](const stored_member& member) { return is_key_of_row(member.key); });
+}
+
 // The timeline's own values, as they are written below but for "rows".
 class timeline_reader {
   public:
     timeline_reader() : texts_(text_cache::size_for_files), now_(seconds_since_1970()) {}
 
+    static bool knows(std::string_view key) {
+        return key == by_category_key || key == "description" || key == "uuid_timeline" || key == "tags";
+    }
     void value(std::string_view key, const stored_view& from) {
         auto& content = loaded_.content;
-        if (key == by_category_key) content.kept.set(key, from.copy());
+        if (key == by_category_key && !from.is_array() && !from.is_dictionary()) {
+            content.kept.set(key, from.copy());
+        }
         if (key == "description") take_value(content.description, from, texts_);
         if (key == "uuid_timeline") take_value(content.uuid, from, texts_);
         if (key == "tags") take_value(content.tags, from, texts_);
     }
 
+    // Where "rows", or "clips" in a row, stands twice, the last one counts.
     void begin_rows() {
         loaded_.content.rows.clear();
         loaded_.skipped_clips = 0;
     }
-
-    void begin_clips() { clips_.clear(); }
+    void begin_row() {
+        clips_.clear();
+        skipped_before_row_ = loaded_.skipped_clips;
+    }
+    void begin_clips() {
+        clips_.clear();
+        loaded_.skipped_clips = skipped_before_row_;
+    }
     void clip(const stored_view& from) {
         if (auto clip = read_clip(from, texts_)) {
             clips_.push_back(std::make_shared<const sxy_CLIP>(std::move(*clip)));
@@ -66,7 +90,7 @@ class timeline_reader {
         }
     }
 
-    // The row with those values, to which the clips since the last row belong.
+    // The row with those values, to which the clips since it began belong.
     void row(std::span<const stored_member> members) {
         auto row = std::make_shared<sxy_ROW>(read_row_values(members, now_, texts_));
         row->set_row_number(static_cast<int>(loaded_.content.rows.size() + 1));
@@ -79,23 +103,29 @@ class timeline_reader {
   private:
     loaded_timeline loaded_;
     std::vector<clip_pointer> clips_;
+    std::size_t skipped_before_row_ = 0;
     text_cache texts_;
     const double now_;
 };
 
-// Reads a file in this program's own shape, clip by clip. Nothing when it is in another.
-class quick_reader {
+// Reads a document clip by clip, so that no more than one clip is in memory in another form. Nothing when the
+// cursor finds a fault, or the document is no dictionary.
+template <class Cursor>
+class cursor_reader {
   public:
-    explicit quick_reader(std::string_view bytes) : cursor_(bytes) {}
+    explicit cursor_reader(Cursor& cursor) : cursor_(cursor) {}
 
     std::optional<loaded_timeline> read() {
         if (cursor_.next_form() != form::dictionary || !cursor_.enter()) return std::nullopt;
         while (const auto key = cursor_.next_key(arena_)) {
-            if (*key == rows_key && cursor_.next_form() == form::array) {
+            if (*key == rows_key) {
                 read_rows();
-            } else {
+            } else if (timeline_reader::knows(*key)) {
                 timeline_.value(*key, cursor_.read(arena_));
+            } else {
+                cursor_.skip();
             }
+            arena_.clear();
         }
         return cursor_.finish() ? std::optional(timeline_.take()) : std::nullopt;
     }
@@ -105,6 +135,7 @@ class quick_reader {
 
     void read_rows() {
         timeline_.begin_rows();
+        if (cursor_.next_form() != form::array) return cursor_.skip();
         cursor_.enter();
         while (cursor_.next_item()) {
             if (cursor_.next_form() == form::dictionary) {
@@ -116,23 +147,27 @@ class quick_reader {
     }
 
     void read_row() {
-        row_arena_.clear();
+        arena_.clear();
         members_.clear();
+        timeline_.begin_row();
         cursor_.enter();
-        bool holds_something = false;
-        while (const auto key = cursor_.next_key(row_arena_)) {
-            holds_something = true;
-            if (*key == clips_key && cursor_.next_form() == form::array) {
+        bool has_key = false;
+        while (const auto key = cursor_.next_key(arena_)) {
+            has_key |= is_key_of_row(*key);
+            if (*key == clips_key) {
                 read_clips();
+            } else if (is_row_key(*key)) {
+                members_.push({*key, cursor_.read(arena_)});
             } else {
-                members_.push_back({*key, cursor_.read(row_arena_)});
+                cursor_.skip();
             }
         }
-        if (holds_something) timeline_.row(members_);
+        if (has_key) timeline_.row(members_.take(0, arena_));
     }
 
     void read_clips() {
         timeline_.begin_clips();
+        if (cursor_.next_form() != form::array) return cursor_.skip();
         cursor_.enter();
         while (cursor_.next_item()) {
             clip_arena_.clear();
@@ -140,44 +175,29 @@ class quick_reader {
         }
     }
 
-    property_list_cursor cursor_;
+    Cursor& cursor_;
     timeline_reader timeline_;
     stored_arena arena_;
-    stored_arena row_arena_;
     stored_arena clip_arena_;
-    std::vector<stored_member> members_;
+    part_stack<stored_member> members_;
 };
-
-void read_row(const property_dictionary& stored, timeline_reader& timeline, stored_arena& arena) {
-    if (const auto* clips = stored.array(clips_key)) {
-        for (const auto& clip : *clips) {
-            arena.clear();
-            timeline.clip(view_of(clip, arena));
-        }
-    }
-    arena.clear();
-    std::vector<stored_member> members;
-    for (const auto& entry : stored) {
-        if (entry.key != clips_key) members.push_back({entry.key, view_of(entry.value, arena)});
-    }
-    timeline.row(members);
-}
 
 // A whole document.
 loaded_timeline read_view(const stored_view& document) {
     timeline_reader timeline;
     std::vector<stored_member> row_members;
     for (const auto& [key, value] : document.members()) {
-        if (key != rows_key || !value.is_array()) {
+        if (key != rows_key) {
             timeline.value(key, value);
             continue;
         }
         timeline.begin_rows();
         for (const auto& row : value.items()) {
-            if (!holds_values(row)) continue;
+            if (!is_row(row)) continue;
             row_members.clear();
+            timeline.begin_row();
             for (const auto& member : row.members()) {
-                if (member.key != clips_key || !member.value.is_array()) {
+                if (member.key != clips_key) {
                     row_members.push_back(member);
                     continue;
                 }
@@ -221,12 +241,6 @@ bool has_written_clip(const sxy_ROW& row) {
                        [](const auto& clip) { return is_written(*clip, true); });
 }
 
-void put_document(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
-    to.begin_dictionary({});
-    write_timeline(timeline, only_selected, to);
-    to.end();
-}
-
 // About the size of the file, from that of a few clips of each row.
 std::size_t guessed_bytes(const timeline_snapshot& timeline) {
     constexpr std::size_t bytes_of_a_row = 2000;
@@ -262,11 +276,11 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
     std::vector<std::string> names;
     if (cursor.next_form() != form::dictionary || !cursor.enter()) return std::nullopt;
     while (const auto key = cursor.next_key(arena)) {
+        if (*key == rows_key) names.clear();
         if (*key != rows_key || cursor.next_form() != form::array) {
             cursor.skip();
             continue;
         }
-        names.clear();
         cursor.enter();
         while (cursor.next_item()) {
             if (cursor.next_form() != form::dictionary) {
@@ -274,11 +288,11 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
                 continue;
             }
             std::string name;
-            bool holds_something = false;
+            bool has_key = false;
             cursor.enter();
             // A name that stands behind others under the older spelling is for the usual reader.
             while (const auto row_key = cursor.next_key(arena)) {
-                holds_something = true;
+                has_key |= is_key_of_row(*row_key);
                 const bool is_name = *row_key == "row_name";
                 if (*row_key == "row name") return std::nullopt;
                 if (!is_name) {
@@ -287,7 +301,7 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
                     name = *text;
                 }
             }
-            if (holds_something) names.push_back(std::move(name));
+            if (has_key) names.push_back(std::move(name));
         }
     }
     if (!cursor.finish()) return std::nullopt;
@@ -297,26 +311,28 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
 }  // namespace
 
 loaded_timeline read_timeline(const property_dictionary& stored) {
-    timeline_reader timeline;
     stored_arena arena;
-    for (const auto& entry : stored) {
-        if (entry.key != rows_key) timeline.value(entry.key, view_of(entry.value, arena));
-    }
-    if (const auto* rows = stored.array(rows_key)) {
-        for (const auto& row : *rows) {
-            if (row.dictionary() && !row.dictionary()->empty()) read_row(*row.dictionary(), timeline, arena);
-        }
-    }
-    return timeline.take();
+    return read_view(view_of(stored, arena));
 }
 
 result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::string& path) {
-    if (auto loaded = quick_reader(bytes).read()) return std::move(*loaded);
+    property_list_cursor cursor(bytes);
+    if (auto loaded = cursor_reader(cursor).read()) return std::move(*loaded);
     stored_arena arena;
     const auto document = read_property_list(bytes, path, arena);
     if (!document) return document.error();
     if (!document.value().is_dictionary()) return no_timeline(path);
     return read_view(document.value());
+}
+
+result<loaded_timeline> read_timeline_json(std::string_view bytes, const std::string& path) {
+    json_cursor cursor(bytes);
+    if (cursor.next_form() == stored_view::form::dictionary) {
+        if (auto loaded = cursor_reader(cursor).read()) return std::move(*loaded);
+    } else {
+        cursor.skip();
+    }
+    return cursor.finish() ? no_timeline(path) : unreadable_json(path, cursor);
 }
 
 void write_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
@@ -338,6 +354,12 @@ void write_timeline(const timeline_snapshot& timeline, bool only_selected, store
     to.end();
 }
 
+void write_whole_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
+    to.begin_dictionary({});
+    write_timeline(timeline, only_selected, to);
+    to.end();
+}
+
 property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_selected) {
     dictionary_sink sink;
     write_timeline(timeline, only_selected, sink);
@@ -347,7 +369,7 @@ property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_
 std::string timeline_bytes(const timeline_snapshot& timeline, bool only_selected) {
     property_list_sink sink;
     sink.expect(guessed_bytes(timeline));
-    put_document(timeline, only_selected, sink);
+    write_whole_timeline(timeline, only_selected, sink);
     return sink.take();
 }
 
@@ -355,13 +377,7 @@ result<loaded_timeline> load_timeline(const std::string& source) {
     const std::string path = is_folder(source) ? path_join(source, timeline_file_name) : source;
     const auto bytes = read_file(path);
     if (!bytes) return bytes.error();
-    if (path.ends_with(".json")) {
-        const auto document = read_json(bytes.value(), path);
-        if (!document) return document.error();
-        const auto* dictionary = document.value().dictionary();
-        if (!dictionary) return no_timeline(path);
-        return read_timeline(*dictionary);
-    }
+    if (path.ends_with(".json")) return read_timeline_json(bytes.value(), path);
     auto loaded = read_timeline_bytes(bytes.value(), path);
     if (!loaded || path_name(path) != timeline_file_name) return loaded;
     notes_keeper keeper(path_folder(path));
@@ -381,7 +397,7 @@ result<void> save_timeline(const timeline_snapshot& timeline, const std::string&
         path_join(folder, timeline_file_name),
         [&](const block_writer& put) {
             property_list_sink sink(put);
-            put_document(separate.timeline, only_selected, sink);
+            write_whole_timeline(separate.timeline, only_selected, sink);
             sink.finish();
         },
         files);
@@ -398,10 +414,10 @@ std::optional<std::vector<std::string>> read_row_names(const std::string& folder
         if (!document) return std::nullopt;
         names.emplace();
         for (const auto& [key, value] : document.value().members()) {
-            if (key != rows_key || !value.is_array()) continue;
+            if (key != rows_key) continue;
             names->clear();
             for (const auto& row : value.items()) {
-                if (holds_values(row)) names->push_back(row_name_in(row));
+                if (is_row(row)) names->push_back(row_name_in(row));
             }
         }
     }

@@ -34,12 +34,16 @@ loaded_timeline read_timeline(const property_dictionary& stored);
 // The same from the bytes of a property list; strict about these, and the message names `path`. Files in the
 // shape that timeline_bytes writes are read without a tree of values between.
 result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::string& path);
+// The same from the bytes of a JSON document.
+result<loaded_timeline> read_timeline_json(std::string_view bytes, const std::string& path);
 
 // Puts the stored values: the keys in their order, "rows" last. With `only_selected` only the clips that are
 // selected and filtered in are written, and rows without one are left out. Each row is locked while it is
 // written. Any thread.
 void write_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to);
 property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_selected = false);
+// The same as a dictionary: all that "chron data.plist" holds.
+void write_whole_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to);
 // The bytes of "chron data.plist".
 std::string timeline_bytes(const timeline_snapshot& timeline, bool only_selected = false);
 

@@ -8,6 +8,7 @@
 
 #include "util/clock.h"
 #include "util/property_list.h"
+#include "util/stored_sink.h"
 #include "util/uuid.h"
 
 namespace vistels {
@@ -357,20 +358,32 @@ void timeline_document::finish_growing(const char* name) {
 }
 
 result<void> timeline_document::apply(timeline_edit edit) {
+    complete_edit(edit, author_, seconds_since_1970());
     if (!journal_ || !still_holds_lock()) return failure{read_only_reason_};
     change_set touched;
-    const auto inverse = apply_edit(timeline_, edit, touched);
+    const auto inverse = apply_edit(timeline_, edit, touched, beside_);
     if (!inverse) return inverse.error();
     if (auto recorded = journal_->append(edit); !recorded) {
         change_set undone;
-        (void)apply_edit(timeline_, inverse.value(), undone);
+        (void)apply_edit(timeline_, inverse.value(), undone, beside_);
         return recorded;
     }
+    follow_shift(edit);
     touched.revision = ++revision_;
     schedule_save();
     edited.emit(edit, inverse.value());
     changed.emit(touched);
     return {};
+}
+
+// The time noted for clips that grow is one on the collection's clock, too.
+void timeline_document::follow_shift(const timeline_edit& edit) {
+    const double seconds = seconds_shifted(edit);
+    if (seconds != 0 && last_noted_seconds_) (void)note_time(*last_noted_seconds_ + seconds);
+}
+
+result<void> timeline_document::sync_edits() {
+    return journal_ ? journal_->sync() : failure{read_only_reason_};
 }
 
 result<void> timeline_document::note_time(double collection_seconds) {
@@ -423,7 +436,8 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
                                             const save_companion& companion, running_save& save) {
     const auto separate = take_notes_off(snapshot);
     const bool in_doubt = last_saver(folder_, files_) != known_saver_;
-    // Notes that outlive a power loss must not find older clips: the edits that they came with are there first.
+    // Notes that outlive a power loss must not find older clips: the edits that they came with are there
+    // first.
     if (auto synced = journal_->sync(); !synced) return synced;
     // Before the save is noted: a save that changes nothing but notes leaves the same "chron data.plist", for
     // which the journal would count as covered from the note on.
@@ -433,11 +447,14 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
         save.conflicts.push_back(
             stranger_met(path_join(folder_, timeline_notes_file_name), strangers_notes.value()));
     }
-    const std::string bytes = timeline_bytes(separate.timeline);
-    const journal_base coming{content_mark_of(bytes), save.through, growing_clips(snapshot), {}, {}};
-    if (auto noted = journal_->note_save(coming); !noted) return noted;
-    if (companion) companion(coming.content, mark_of(known_data_));
-    auto written = write_file(timeline_file_name, bytes, known_data_, in_doubt, save);
+    journal_base coming{{}, save.through, growing_clips(snapshot), {}, {}};
+    const auto note = [&](const coming_content& content) -> result<void> {
+        coming.content = {content.size, content.hash};
+        if (auto noted = journal_->note_save(coming); !noted) return noted;
+        if (companion) companion(coming.content, mark_of(known_data_));
+        return {};
+    };
+    auto written = write_data(separate.timeline, note, in_doubt, save);
     if (written) {
         notes_.timeline_is_saved();
         written = write_file(timeline_header_file_name, write_property_list(write_timeline_header(header)),
@@ -447,6 +464,23 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
     if (!written) return written;
     known_saver_ = instance_;
     return journal_->save_done(coming);
+}
+
+// On the save queue.
+result<void> timeline_document::write_data(const timeline_snapshot& timeline,
+                                           const std::function<result<void>(const coming_content&)>& note,
+                                           bool in_doubt, running_save& save) {
+    const std::string path = path_join(folder_, timeline_file_name);
+    std::optional<property_list_sink> sink;
+    const auto put_all = [&](const block_writer& put) {
+        sink.emplace(put);
+        write_whole_timeline(timeline, false, *sink);
+        return sink->last_block();
+    };
+    const auto kept = safe_write_known_blocks(path, put_all, note, known_data_, in_doubt, files_);
+    if (!kept) return kept.error();
+    if (!kept.value().empty()) save.conflicts.push_back(stranger_met(path, kept.value()));
+    return {};
 }
 
 // On the save queue.

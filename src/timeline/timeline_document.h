@@ -68,9 +68,20 @@ class timeline_document {
     // that program's unsaved changes: only when a person says so. On failure all is as it was.
     result<void> try_to_write(bool take_over = false);
 
-    // Applies the edit and puts it on record. When this returns ok the edit survives the death of the
-    // process. A refused edit, or one that cannot be recorded, leaves the timeline as it was.
+    // The name that edits from now on are stamped with; empty: not known.
+    void set_author(std::string name) { author_ = std::move(name); }
+    const std::string& author() const { return author_; }
+
+    // Completes the edit (see complete_edit), applies it and puts it on record. When this returns ok the edit
+    // survives the death of the process. A refused edit, or one that cannot be recorded, leaves the timeline
+    // as it was.
     result<void> apply(timeline_edit edit);
+
+    // Who makes the changes of what lies beside the timeline (operation::change_beside) from now on; without
+    // one they are passed over, as they are when opening brings edits back: see recovered().
+    void set_beside_changer(beside_changer change) { beside_ = std::move(change); }
+    // Every edit so far is on the volume when this returns, not only on record.
+    result<void> sync_edits();
 
     // Notes the collection time while clips grow: the end that they get should the process die.
     result<void> note_time(double collection_seconds);
@@ -96,6 +107,7 @@ class timeline_document {
     // here, each with its inverse, it makes the state after opening.
     const file_content_mark& opened_file() const { return opened_file_; }
     std::vector<std::pair<timeline_edit, timeline_edit>> take_recovered() { return std::move(recovered_); }
+    const std::vector<std::pair<timeline_edit, timeline_edit>>& recovered() const { return recovered_; }
 
     // Begins a save now when there is something unsaved; `saved` tells the outcome.
     void save_soon();
@@ -121,11 +133,15 @@ class timeline_document {
     bool still_holds_lock();
     bool look_for_strangers();
     void tell(file_conflict found);
+    void follow_shift(const timeline_edit& edit);
     void schedule_save();
     void begin_save();
     result<void> end_save();
     result<void> write_files(const timeline_snapshot& snapshot, const timeline_header& header,
                              const save_companion& companion, running_save& save);
+    result<void> write_data(const timeline_snapshot& timeline,
+                            const std::function<result<void>(const coming_content&)>& note, bool in_doubt,
+                            running_save& save);
     result<void> write_file(const char* name, const std::string& bytes, known_file& known, bool in_doubt,
                             running_save& save);
 
@@ -138,6 +154,7 @@ class timeline_document {
     sxy_DATA_root timeline_;
     notes_keeper notes_;  // on the save queue, once there is one
     timeline_header header_;
+    std::string author_;
     std::unique_ptr<timeline_journal> journal_;  // none: the timeline can only be read
     std::string read_only_reason_;
     bool is_held_elsewhere_ = false;
@@ -158,6 +175,7 @@ class timeline_document {
     run_loop::timer_id save_timer_ = 0;  // 0 = none
     std::shared_ptr<running_save> running_save_;
     std::function<save_companion()> begin_companion_;
+    beside_changer beside_;
     file_content_mark opened_file_;
     std::vector<std::pair<timeline_edit, timeline_edit>> recovered_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // for work that is posted to the loop

@@ -2,11 +2,14 @@
 #include "timeline/timeline_edit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <map>
 #include <string_view>
 #include <type_traits>
 #include <unordered_set>
+
+#include "timeline/shift_times.h"
 
 namespace vistels {
 
@@ -57,15 +60,51 @@ value_change way_back(const property_dictionary& before, const property_dictiona
     return back;
 }
 
+bool changes_clip(const operation::any& one) {
+    return std::holds_alternative<operation::change_clip>(one) ||
+           std::holds_alternative<operation::move_clip>(one) ||
+           std::holds_alternative<operation::insert_qualifier>(one) ||
+           std::holds_alternative<operation::remove_qualifier>(one);
+}
+
+bool changes_clips(const std::vector<operation::any>& operations) {
+    return std::any_of(operations.begin(), operations.end(), changes_clip);
+}
+
+constexpr const char* seconds_key = "edit_seconds";
+constexpr const char* author_key = "author";
+constexpr const char* older_author_key = "edit clip author";
+
+bool names_key(const operation::change_clip& change, const char* key) {
+    return change.set.contains(key) ||
+           std::any_of(change.unset.begin(), change.unset.end(),
+                       [&](const property_value& one) { return one.text() && *one.text() == key; });
+}
+
+// What makes `info` the last edit of a clip again. Both keys are named also where they stay as they are, so
+// that taking an edit back names them for every clip that the edit stamped.
+void add_stamp_back(const sxy_clip_EDIT_info_k11& info, bool seconds, bool author, value_change& back) {
+    if (seconds && info.edit_seconds) back.set.set(seconds_key, *info.edit_seconds);
+    if (seconds && !info.edit_seconds) back.unset.emplace_back(seconds_key);
+    if (author && !info.author.empty()) back.set.set(author_key, info.author.str());
+    if (author && info.author.empty()) back.unset.emplace_back(author_key);
+}
+
 // Applies operations one by one, remembering for each what takes it back.
 class edit_applier {
   public:
-    edit_applier(sxy_DATA_root& timeline, change_set& touched, std::size_t operations)
+    edit_applier(sxy_DATA_root& timeline, change_set& touched, const std::vector<operation::any>& operations,
+                 const beside_changer& beside, const std::optional<edit_stamp>& stamp = {})
         : timeline_(timeline),
           touched_(touched),
-          rows_(touched.rows, 2 * operations),
-          clips_(touched.clips, operations) {
-        inverse_.reserve(operations);
+          beside_(beside),
+          rows_(touched.rows, 2 * operations.size()),
+          clips_(touched.clips, operations.size()) {
+        inverse_.reserve(operations.size());
+        if (!stamp || !changes_clips(operations)) return;
+        stamp_.emplace();
+        stamp_->edit_seconds = stamp->edit_seconds;
+        stamp_->author = shared_text(stamp->author);
     }
 
     bool apply(const operation::any& one) {
@@ -77,6 +116,9 @@ class edit_applier {
         std::reverse(inverse_.begin(), inverse_.end());
         return std::move(inverse_);
     }
+
+    // Why the last operation could not be done; empty: what it changes is not there.
+    const std::string& reason() const { return reason_; }
 
   private:
     bool done(bool succeeded, operation::any back) {
@@ -92,6 +134,31 @@ class edit_applier {
         touched_.kinds |= kinds;
         clips_.add(clip);
         rows_.add(row);
+    }
+    // A clip that comes with the edit is new: it gets no stamp.
+    void note_new(const std::string& clip) {
+        if (stamp_) new_clips_.insert(clip);
+    }
+    bool is_to_be_stamped(const clip_place& place, const std::string& clip) const {
+        return stamp_ && !place.is_live && (new_clips_.empty() || !new_clips_.contains(clip));
+    }
+    // Puts the stamp on `clip`, whose last edit was `before`. False when it is there already.
+    bool put_stamp(sxy_CLIP& clip, const sxy_clip_EDIT_info_k11& before, bool seconds, bool author,
+                   value_change& back) const {
+        auto info = clip.edit_info();
+        if (seconds) info.edit_seconds = stamp_->edit_seconds;
+        if (author) info.author = stamp_->author;
+        if (info == before) return false;
+        add_stamp_back(before, seconds, author, back);
+        clip.set_edit_info(std::move(info));
+        return true;
+    }
+    // The same for a clip that changes in other ways than by its values; what takes the stamp back, if any.
+    std::optional<operation::any> put_stamp(sxy_CLIP& clip, const clip_place& place) const {
+        value_change back;
+        if (!is_to_be_stamped(place, clip.id())) return std::nullopt;
+        if (!put_stamp(clip, clip.edit_info(), true, true, back)) return std::nullopt;
+        return operation::change_clip{clip.id(), std::move(back.set), std::move(back.unset)};
     }
     static unsigned kinds_of(const clip_place& place) {
         return place.is_live ? change_set::live_changed : change_set::clips_changed;
@@ -129,6 +196,7 @@ class edit_applier {
     bool run(const operation::insert_clip& one) {
         auto clip = one.clip->id();
         touch_clip(clip, one.row, change_set::clips_changed);
+        note_new(clip);
         return done(timeline_.insert_clip(one.row, one.clip), operation::remove_clip{std::move(clip)});
     }
 
@@ -150,13 +218,25 @@ class edit_applier {
         touch_clip(one.clip, place->row,
                    place->is_live ? change_set::live_changed : change_set::clips_changed);
         auto [changed, back] = change_clip_values(*place->clip, one.set, one.unset);
+        if (is_to_be_stamped(*place, one.clip)) {
+            const bool author = !names_key(one, author_key) && !names_key(one, older_author_key);
+            put_stamp(changed, place->clip->edit_info(), !names_key(one, seconds_key), author, back);
+        }
         return done(timeline_.replace_clip(std::move(changed)),
                     operation::change_clip{one.clip, std::move(back.set), std::move(back.unset)});
     }
 
     bool run(const operation::move_clip& one) {
-        auto from = timeline_.move_clip(one.clip, one.row);
+        clip_pointer stamped;
+        std::optional<operation::any> stamp_back;
+        if (const auto place = stamp_ ? timeline_.find_clip(one.clip) : std::nullopt) {
+            auto copy = std::make_shared<sxy_CLIP>(*place->clip);
+            stamp_back = put_stamp(*copy, *place);
+            if (stamp_back) stamped = std::move(copy);
+        }
+        auto from = timeline_.move_clip(one.clip, one.row, std::move(stamped));
         if (!from) return false;
+        if (stamp_back) inverse_.push_back(std::move(*stamp_back));
         touch_clip(one.clip, *from, change_set::clips_changed);
         rows_.add(one.row);
         inverse_.emplace_back(operation::move_clip{one.clip, std::move(*from)});
@@ -190,9 +270,13 @@ class edit_applier {
     bool replace_qualifiers(const clip_place& place, qual_ROOT all, operation::any back) {
         sxy_CLIP clip = *place.clip;
         clip.set_qualifiers(std::move(all));
+        auto stamp_back = put_stamp(clip, place);
         touch_clip(clip.id(), place.row,
                    change_set::qualifiers_changed | (place.is_live ? change_set::live_changed : 0U));
-        return done(timeline_.replace_clip(std::move(clip)), std::move(back));
+        if (!timeline_.replace_clip(std::move(clip))) return false;
+        if (stamp_back) inverse_.push_back(std::move(*stamp_back));
+        inverse_.push_back(std::move(back));
+        return true;
     }
 
     bool run(const operation::begin_clip& one) {
@@ -209,6 +293,7 @@ class edit_applier {
         clip.set_secs_end(one.secs_end);
         touch_clip(one.clip, place->row, change_set::live_changed | change_set::clips_changed);
         timeline_.remove_clip(one.clip);
+        note_new(one.clip);
         return done(timeline_.insert_clip(place->row, std::move(clip)), operation::remove_clip{one.clip});
     }
 
@@ -243,11 +328,40 @@ class edit_applier {
         return done(timeline_.set_tombstones(one.row, std::move(all)), std::move(back));
     }
 
+    bool run(const operation::shift_times& one) {
+        touched_.kinds |= change_set::everything & ~change_set::beside_changed;
+        return done(timeline_.shift_times(one.seconds), operation::shift_times{-one.seconds});
+    }
+
+    bool run(const operation::shift_clips& one) {
+        if (!std::isfinite(one.seconds)) return false;
+        operation::shift_clips back{{}, -one.seconds};
+        for (const auto& clip : one.clips) {
+            const auto place = timeline_.find_clip(clip);
+            if (!place || place->is_live) continue;
+            touch_clip(clip, place->row, change_set::clips_changed | change_set::qualifiers_changed);
+            if (!timeline_.replace_clip(std::move(*clip_shifted(*place->clip, one.seconds)))) continue;
+            back.clips.push_back(clip);
+        }
+        return done(true, std::move(back));
+    }
+
+    bool run(const operation::change_beside& one) {
+        touched_.kinds |= change_set::beside_changed;
+        const auto changed = beside_ ? beside_(one.change) : result<void>();
+        reason_ = changed.message();
+        return done(changed.ok(), operation::change_beside{one.back, one.change});
+    }
+
     sxy_DATA_root& timeline_;
     change_set& touched_;
+    const beside_changer& beside_;
+    std::string reason_;
     once_adder<shared_text> rows_;
     once_adder<std::string> clips_;
     std::vector<operation::any> inverse_;
+    std::optional<sxy_clip_EDIT_info_k11> stamp_;
+    std::unordered_set<std::string> new_clips_;  // while there is a stamp
 };
 
 // Room for the clips that an edit brings, once.
@@ -260,20 +374,43 @@ void expect_clips_of(const timeline_edit& edit, sxy_DATA_root& timeline) {
 
 }  // namespace
 
-result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched) {
+result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched,
+                                 const beside_changer& beside) {
     const auto growing_before = timeline.live_clips();
-    edit_applier applier(timeline, touched, edit.operations.size());
+    edit_applier applier(timeline, touched, edit.operations, beside, edit.stamp);
     expect_clips_of(edit, timeline);
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
         change_set undone;
         const auto inverse = applier.take_inverse();
-        edit_applier back(timeline, undone, inverse.size());
+        edit_applier back(timeline, undone, inverse, beside);
         for (const auto& earlier : inverse) back.apply(earlier);
         timeline.set_live_clips(growing_before);  // taking back a finish does not make its clip grow again
-        return failure{"\"" + edit.name + "\" could not be done: what it changes is no longer there."};
+        const std::string reason = applier.reason();
+        return failure{"\"" + edit.name + "\" could not be done: " +
+                       (reason.empty() ? "what it changes is no longer there." : reason)};
     }
-    return timeline_edit{edit.name, edit.scope, applier.take_inverse()};
+    return timeline_edit{edit.name, edit.scope, applier.take_inverse(), {}, true};
+}
+
+void complete_edit(timeline_edit& edit, const std::string& author, double now) {
+    if (edit.is_complete) return;
+    if (!edit.stamp && changes_clips(edit.operations)) edit.stamp = edit_stamp{author, now};
+    for (auto& one : edit.operations) {
+        auto* added = std::get_if<operation::add_tombstones>(&one);
+        if (!added) continue;
+        for (auto& tombstone : added->tombstones) {
+            if (tombstone.edit_author.empty()) tombstone.edit_author = author;
+        }
+    }
+}
+
+double seconds_shifted(const timeline_edit& edit) {
+    double seconds = 0;
+    for (const auto& any : edit.operations) {
+        if (const auto* shift = std::get_if<operation::shift_times>(&any)) seconds += shift->seconds;
+    }
+    return seconds;
 }
 
 timeline_edit plan_delete_clips(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,

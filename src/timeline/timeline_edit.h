@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -87,17 +89,46 @@ struct remove_tombstones {
     std::vector<std::string> clips;
 };
 
+// Moves every time of the timeline that lies on the collection's clock, growing clips and the markers of the
+// time ruler included (see clip_shifted).
+struct shift_times {
+    double seconds = 0;
+};
+// The same for some clips; those that are not there, and growing ones, are passed over.
+struct shift_clips {
+    std::vector<std::string> clips;
+    double seconds = 0;
+};
+// A change of what the timeline belongs to (its collection), so that both change, and are taken back, as one.
+// The timeline does not know what it holds: it is handed to whoever was given to apply_edit.
+struct change_beside {
+    property_dictionary change;
+    property_dictionary back;  // takes it back
+};
+
 using any = std::variant<insert_row, remove_row, move_row, change_row, insert_clip, remove_clip, change_clip,
                          move_clip, insert_qualifier, remove_qualifier, begin_clip, finish_clip,
-                         add_tombstones, remove_tombstones>;
+                         add_tombstones, remove_tombstones, shift_times, shift_clips, change_beside>;
 
 }  // namespace operation
+
+// Who edits, and when.
+struct edit_stamp {
+    std::string author;       // may be empty
+    double edit_seconds = 0;  // since 1970
+};
 
 // One change of a timeline as a person sees it, planned whole and applied whole.
 struct timeline_edit {
     std::string name;   // shown in the undo menu: "Shot", "Delete 3 Clips"
     std::string scope;  // the object that it belongs to; edits of one scope and name may be merged by undo
     std::vector<operation::any> operations;
+    // Noted as the last edit of every clip that the operations change, but for the key of the two that they
+    // set or take away themselves ("edit_seconds", "author"). Clips that come with the edit, or still grow,
+    // are passed over.
+    std::optional<edit_stamp> stamp = {};
+    // Nothing is to be added to it when it is made: it takes back or repeats another, or only arranges rows.
+    bool is_complete = false;
 };
 
 // What an edit touched.
@@ -107,7 +138,8 @@ struct change_set {
         clips_changed = 2,       // a clip came, went, moved or changed
         qualifiers_changed = 4,  // of a clip
         live_changed = 8,        // a growing clip came, went or changed
-        everything = 15,
+        beside_changed = 16,     // what the timeline belongs to
+        everything = 31,         // rows and clips are not named one by one
     };
     unsigned kinds = 0;
     std::vector<shared_text> rows;   // each once
@@ -115,10 +147,22 @@ struct change_set {
     std::uint64_t revision = 0;      // of the timeline after the edit
 };
 
-// Applies the operations in order and returns the edit that takes them back. When one cannot be done the
-// timeline is left as it was. `touched` is added to. A finished clip is taken back by taking the clip away, a
-// begun one too.
-result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched);
+// Makes one change_beside, or says why it cannot be made, with nothing changed then.
+using beside_changer = std::function<result<void>(const property_dictionary& change)>;
+
+// Applies the operations in order and returns the edit that takes them back, the stamps too. When one cannot
+// be done the timeline is left as it was, and so is what lies beside it. `touched` is added to. A finished
+// clip is taken back by taking the clip away, a begun one too. Without `beside` changes of what lies beside
+// are passed over.
+result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched,
+                                 const beside_changer& beside = {});
+
+// By how much the edit moves the times of the timeline.
+double seconds_shifted(const timeline_edit& edit);
+
+// Completes an edit as one that is made now, by this author: with its stamp, unless it has one or changes no
+// clips, and with the author of the tombstones that have none. `now` in seconds since 1970.
+void complete_edit(timeline_edit& edit, const std::string& author, double now);
 
 // The edit that deletes the clips (unknown UUIDs are passed over) and leaves a tombstone of each in its row.
 // `now` in seconds since 1970.

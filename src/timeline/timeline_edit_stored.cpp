@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <cmath>
+
 #include "timeline/timeline_edit.h"
 
 namespace vistels {
@@ -130,6 +132,29 @@ property_dictionary write_one(const operation::remove_tombstones& one) {
     return stored;
 }
 
+property_dictionary write_one(const operation::shift_times& one) {
+    property_dictionary stored;
+    stored.add("do", "shift times");
+    stored.add("seconds", one.seconds);
+    return stored;
+}
+
+property_dictionary write_one(const operation::shift_clips& one) {
+    property_dictionary stored;
+    stored.add("do", "shift clips");
+    stored.add("clips", property_array(one.clips.begin(), one.clips.end()));
+    stored.add("seconds", one.seconds);
+    return stored;
+}
+
+property_dictionary write_one(const operation::change_beside& one) {
+    property_dictionary stored;
+    stored.add("do", "change beside");
+    stored.add("change", one.change);
+    stored.add("back", one.back);
+    return stored;
+}
+
 property_dictionary dictionary_or_empty(const property_dictionary& stored, const char* key) {
     const auto* found = stored.dictionary(key);
     return found ? *found : property_dictionary();
@@ -208,6 +233,25 @@ std::optional<operation::any> read_clip_operation(const std::string& code,
     return std::nullopt;
 }
 
+// Of the timeline as a whole.
+std::optional<operation::any> read_whole_operation(const std::string& code,
+                                                   const property_dictionary& stored) {
+    const auto seconds = stored.number("seconds");
+    if (code == "shift times" && seconds) return operation::shift_times{*seconds};
+    if (code == "shift clips" && seconds) {
+        operation::shift_clips shift{{}, *seconds};
+        for (const auto& clip : array_or_empty(stored, "clips")) {
+            if (clip.text()) shift.clips.push_back(*clip.text());
+        }
+        return shift;
+    }
+    if (code == "change beside") {
+        return operation::change_beside{dictionary_or_empty(stored, "change"),
+                                        dictionary_or_empty(stored, "back")};
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 property_dictionary write_edit(const timeline_edit& edit) {
@@ -218,16 +262,24 @@ property_dictionary write_edit(const timeline_edit& edit) {
     property_dictionary stored;
     stored.add("name", edit.name);
     if (!edit.scope.empty()) stored.add("scope", edit.scope);
+    if (edit.stamp) {
+        stored.add("edit_seconds", edit.stamp->edit_seconds);
+        if (!edit.stamp->author.empty()) stored.add("author", edit.stamp->author);
+    }
     stored.add("operations", std::move(operations));
     return stored;
 }
 
 result<timeline_edit> read_edit(const property_dictionary& stored) {
     timeline_edit edit{stored.text_or_empty("name"), stored.text_or_empty("scope"), {}};
+    if (const auto seconds = stored.number("edit_seconds"); seconds && std::isfinite(*seconds)) {
+        edit.stamp = edit_stamp{stored.text_or_empty("author"), *seconds};
+    }
     for (const auto& value : array_or_empty(stored, "operations")) {
         const auto* one = value.dictionary();
         const std::string code = one ? one->text_or_empty("do") : std::string();
         auto read = one ? read_row_operation(code, *one) : std::nullopt;
+        if (one && !read) read = read_whole_operation(code, *one);
         if (one && !read) read = read_clip_operation(code, *one);
         if (!read)
             return failure{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};

@@ -89,7 +89,8 @@ class timeline_journal {
 
     std::uint64_t last_number() const;
 
-    // Every edit so far is on the volume, and so is the name of the file that it stands in, when this returns.
+    // Every edit so far is on the volume, and so is the name of the file that it stands in, when this
+    // returns.
     result<void> sync();
 
     // A file that is `coming` (writer and what it took up are added) is about to replace the saved one. On

@@ -1,51 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/json.h"
 
-#include <simdjson.h>
-
 #include <array>
 #include <cmath>
 #include <utility>
 
-#include "util/property_list.h"
+#include "util/json_cursor.h"
 #include "util/text_forms.h"
 
 namespace vistels {
 
 namespace {
-
-property_value from_element(const simdjson::dom::element& element) {
-    using kind = simdjson::dom::element_type;
-    switch (element.type()) {
-        case kind::ARRAY: {
-            const simdjson::dom::array items(element);
-            property_array array;
-            array.reserve(items.size());
-            for (const auto item : items) array.push_back(from_element(item));
-            return property_value(std::move(array));
-        }
-        case kind::OBJECT: {
-            property_dictionary dictionary;
-            for (const auto field : simdjson::dom::object(element)) {
-                dictionary.add(field.key, from_element(field.value));
-            }
-            return property_value(std::move(dictionary));
-        }
-        case kind::INT64:
-            return property_value(std::int64_t(element));
-        case kind::UINT64:
-            return property_value(static_cast<double>(std::uint64_t(element)));
-        case kind::DOUBLE:
-            return property_value(double(element));
-        case kind::STRING:
-            return property_value(std::string_view(element));
-        case kind::BOOL:
-            return property_value(bool(element));
-        case kind::NULL_VALUE:
-            return {};
-    }
-    return {};
-}
 
 class json_writer {
   public:
@@ -167,22 +132,22 @@ class json_writer {
 
 }  // namespace
 
+result<stored_view> read_json(std::string_view bytes, const std::string& name, stored_arena& arena) {
+    json_cursor cursor(bytes);
+    const auto document = cursor.read(arena);
+    if (!cursor.finish()) return unreadable_json(name, cursor);
+    return document;
+}
+
 result<property_value> read_json(std::string_view bytes, const std::string& name) {
-    simdjson::dom::parser parser;
-    const auto unreadable = [&](const std::string& reason) {
-        return failure{"\"" + name + "\" cannot be read: " + reason + "."};
-    };
-    const auto room = parser.allocate(std::max<std::size_t>(bytes.size(), 64), deepest_nesting);
-    if (room) return unreadable("there is not enough memory");
-    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-    simdjson::dom::element root;
-    if (const auto fault = parser.parse(bytes.data(), bytes.size()).get(root)) {
-        if (fault == simdjson::DEPTH_ERROR) {
-            return unreadable("it is nested more than " + std::to_string(deepest_nesting) + " deep");
-        }
-        return unreadable("it is not valid JSON");
-    }
-    return from_element(root);
+    stored_arena arena;
+    const auto document = read_json(bytes, name, arena);
+    if (!document) return document.error();
+    return document.value().copy();
+}
+
+failure unreadable_json(const std::string& name, const json_cursor& cursor) {
+    return {"\"" + name + "\" cannot be read: " + std::string(cursor.fault()) + "."};
 }
 
 std::string write_json(const property_value& value, json_layout layout) {

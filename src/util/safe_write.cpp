@@ -103,6 +103,41 @@ class replacement {
         if (const int fault = write_temporary([bytes](const block_writer& put) { put(bytes); })) {
             return fail(fault);
         }
+        return put_in_place(known, in_doubt, checksum(bytes));
+    }
+
+    using blocks = std::function<std::string_view(const block_writer& put)>;
+    using announcer = std::function<result<void>(const coming_content&)>;
+
+    result<std::string> run(const blocks& put_all, const announcer& known_ahead, known_file& known,
+                            bool in_doubt) {
+        coming_content coming;
+        result<void> announced;
+        const int fault = write_temporary([&](const block_writer& put) {
+            checksum_of_parts sum;
+            const auto count = [&](std::string_view block) {
+                sum.add(block);
+                coming.size += static_cast<std::int64_t>(block.size());
+            };
+            const std::string_view last = put_all([&](std::string_view block) {
+                count(block);
+                put(block);
+            });
+            count(last);
+            coming.hash = sum.value();
+            if (fault_ == 0) announced = known_ahead(coming);
+            if (announced) put(last);
+        });
+        if (fault != 0) return fail(fault);
+        if (!announced) {
+            files_.remove(temporary_);
+            return announced.error();
+        }
+        return put_in_place(known, in_doubt, coming.hash);
+    }
+
+  private:
+    result<std::string> put_in_place(known_file& known, bool in_doubt, std::uint64_t hash) {
         std::string kept;
         bool is_another = false;
         int fault = look_for_stranger(path_, known, in_doubt, files_, is_another);
@@ -116,21 +151,20 @@ class replacement {
             if (fault == 0 && is_another) fault = keep_conflict(path_, replaced_, true, files_, kept);
             if (fault != 0 && is_another) kept = replaced_;
         }
-        known = {written_, checksum(bytes)};
+        known = {written_, hash};
         // What cannot be told apart now is not deleted.
         if (fault != 0) return with_conflict(file_failure(path_, "may not be saved", fault), kept);
         if (auto finished = finish(); !finished) return with_conflict(finished.error(), kept);
         return kept;
     }
 
-  private:
     int write_temporary(const content& put_all) {
         int descriptor = -1;
         if (const int fault = files_.open(temporary_, O_WRONLY | O_CREAT | O_EXCL, descriptor)) return fault;
-        int fault = 0;
         put_all([&](std::string_view block) {
-            if (fault == 0) fault = write_whole(files_, descriptor, block);
+            if (fault_ == 0) fault_ = write_whole(files_, descriptor, block);
         });
+        int fault = fault_;
         if (fault == 0) fault = files_.sync(descriptor);
         if (fault == 0) fault = files_.opened_identity(descriptor, written_);
         const int closing = files_.close(descriptor);
@@ -216,6 +250,7 @@ class replacement {
     std::string replaced_;  // the name that what stood there has now; empty: there was nothing
     bool has_previous_ = false;
     file_identity written_;
+    int fault_ = 0;  // of writing the temporary file
 };
 
 enum class copy_state { whole, torn, missing, unreadable };
@@ -358,6 +393,13 @@ result<std::optional<std::string>> read_known(const std::string& path, known_fil
 bool is_strangers(const std::string& path, const known_file& known, bool in_doubt, file_system& files) {
     bool found = false;
     return look_for_stranger(path, known, in_doubt, files, found) != 0 || found;
+}
+
+result<std::string> safe_write_known_blocks(
+    const std::string& path, const std::function<std::string_view(const block_writer& put)>& put_all,
+    const std::function<result<void>(const coming_content&)>& known_ahead, known_file& known, bool in_doubt,
+    file_system& files) {
+    return replacement(path, files).run(put_all, known_ahead, known, in_doubt);
 }
 
 result<std::string> safe_write_known(const std::string& path, std::string_view bytes, known_file& known,

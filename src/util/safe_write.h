@@ -63,6 +63,19 @@ bool is_strangers(const std::string& path, const known_file& known, bool in_doub
 result<std::string> safe_write_known(const std::string& path, std::string_view bytes, known_file& known,
                                      bool in_doubt = false, file_system& files = machine_files());
 
+// The same for content that comes in blocks: `put_all` hands all of them but the last to what it is given and
+// returns the last one, whose bytes stay until the call is over. Before that is written `known_ahead` is told
+// the size and hash of the whole content; what it returns as a failure ends the write, with nothing changed.
+// Until then what lies beside the file is no whole copy of anything: recovery takes none that was not told.
+struct coming_content {
+    std::int64_t size = 0;
+    std::uint64_t hash = 0;  // checksum of the bytes
+};
+result<std::string> safe_write_known_blocks(
+    const std::string& path, const std::function<std::string_view(const block_writer& put)>& put_all,
+    const std::function<result<void>(const coming_content&)>& known_ahead, known_file& known,
+    bool in_doubt = false, file_system& files = machine_files());
+
 // The first free name "X damaged N" for a file "X" that is kept aside, its ending kept.
 std::string damaged_name(const std::string& path);
 

@@ -65,7 +65,8 @@ class property_list_sink : public stored_sink {
   public:
     // Keeps all of the bytes, for `take`.
     property_list_sink();
-    // Hands on the bytes in order, in blocks of about 256 KB, the last of them in `finish`; keeps none.
+    // Hands on the bytes in order, in blocks of 64 KB, the last of them, which may be of another size, in
+    // `finish`; keeps none.
     using block_taker = std::function<void(std::string_view bytes)>;
     explicit property_list_sink(block_taker taker);
 
@@ -85,6 +86,8 @@ class property_list_sink : public stored_sink {
     std::string take();
     // The same for one with a taker, to which it hands what is left.
     void finish();
+    // Instead of finish(), for who hands on the last block itself: what is left, good as long as the sink.
+    std::string_view last_block();
 
   private:
     struct line_part;

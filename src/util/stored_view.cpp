@@ -16,63 +16,62 @@ namespace {
 // The largest magnitude below which every whole number is a double.
 constexpr double largest_exact_integer = 9007199254740992.0;
 constexpr std::size_t first_block_bytes = std::size_t{1} << 14;
-constexpr std::size_t largest_block_bytes = std::size_t{1} << 20;
+constexpr std::size_t largest_block_bytes = std::size_t{1} << 18;
 
 // What lies in an arena is never destroyed one by one.
 static_assert(std::is_trivially_copyable_v<stored_view> && std::is_trivially_destructible_v<stored_view>);
 static_assert(std::is_trivially_copyable_v<stored_member> && std::is_trivially_destructible_v<stored_member>);
+static_assert(sizeof(stored_view) == 16 && sizeof(stored_member) == 32);
 static_assert(alignof(stored_view) <= alignof(double) && alignof(stored_member) <= alignof(double));
 
 }  // namespace
 
 stored_view stored_view::of_data(std::string_view bytes) {
-    stored_view view(bytes);
-    view.form_ = form::data;
-    return view;
+    return {form::data, bytes.data(), bytes.size()};
 }
 
 stored_view stored_view::of_date(double seconds_since_1970) {
     stored_view view(seconds_since_1970);
-    view.form_ = form::date;
+    view.form_and_size_ = word(form::date, 0);
     return view;
 }
 
 std::optional<bool> stored_view::boolean() const {
-    if (form_ != form::boolean) return std::nullopt;
+    if (kind() != form::boolean) return std::nullopt;
     return boolean_;
 }
 
 std::optional<std::int64_t> stored_view::integer() const {
-    if (form_ == form::integer) return integer_;
-    if (form_ == form::real && std::abs(real_) <= largest_exact_integer && std::trunc(real_) == real_) {
+    if (kind() == form::integer) return integer_;
+    if (kind() == form::real && std::abs(real_) <= largest_exact_integer && std::trunc(real_) == real_) {
         return static_cast<std::int64_t>(real_);
     }
     return std::nullopt;
 }
 
 std::optional<double> stored_view::number() const {
-    if (form_ == form::real) return real_;
-    if (form_ == form::integer) return static_cast<double>(integer_);
+    if (kind() == form::real) return real_;
+    if (kind() == form::integer) return static_cast<double>(integer_);
     return std::nullopt;
 }
 
 std::optional<std::string_view> stored_view::text() const {
-    if (form_ != form::text) return std::nullopt;
-    return std::string_view(static_cast<const char*>(part_.data), part_.size);
+    if (kind() != form::text) return std::nullopt;
+    return std::string_view(static_cast<const char*>(data_), size());
 }
 
 std::span<const stored_view> stored_view::items() const {
-    if (form_ != form::array) return {};
-    return {static_cast<const stored_view*>(part_.data), part_.size};
+    if (kind() != form::array) return {};
+    return {static_cast<const stored_view*>(data_), size()};
 }
 
 std::span<const stored_member> stored_view::members() const {
-    if (form_ != form::dictionary) return {};
-    return {static_cast<const stored_member*>(part_.data), part_.size};
+    if (kind() != form::dictionary) return {};
+    return {static_cast<const stored_member*>(data_), size()};
 }
 
 property_value stored_view::copy() const {
-    switch (form_) {
+    switch (kind()) {
         case form::boolean:
             return property_value(boolean_);
         case form::integer:
@@ -82,19 +81,18 @@ property_value stored_view::copy() const {
         case form::text:
             return property_value(*text());
         case form::data:
-            return property_value(
-                property_data{std::string(static_cast<const char*>(part_.data), part_.size)});
+            return property_value(property_data{std::string(static_cast<const char*>(data_), size())});
         case form::date:
             return property_value(property_date{real_});
         case form::array: {
             property_array array;
-            array.reserve(part_.size);
+            array.reserve(size());
             for (const auto& item : items()) array.push_back(item.copy());
             return property_value(std::move(array));
         }
         case form::dictionary: {
             property_dictionary dictionary;
-            dictionary.reserve(part_.size);
+            dictionary.reserve(size());
             for (const auto& member : members()) dictionary.add(member.key, member.value.copy());
             return property_value(std::move(dictionary));
         }

@@ -3,10 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "util/property_value.h"
@@ -17,25 +19,24 @@ struct stored_member;
 
 // A stored value that is looked at, not owned: its texts and parts lie in the text or property_value that was
 // read and in the arena that made it, and must not be used after either is gone. What records are read from.
+// Sixteen bytes: of the shortest values a file can hold half as many as it has bytes.
 class stored_view {
   public:
     enum class form : std::uint8_t { null, boolean, integer, real, text, data, date, array, dictionary };
 
-    stored_view() = default;  // a null
-    explicit stored_view(bool value) : form_(form::boolean) { boolean_ = value; }
-    explicit stored_view(std::int64_t value) : form_(form::integer) { integer_ = value; }
-    explicit stored_view(double value) : form_(form::real) { real_ = value; }
-    explicit stored_view(std::string_view value) : form_(form::text) { set(value.data(), value.size()); }
-    explicit stored_view(std::span<const stored_view> value) : form_(form::array) {
-        set(value.data(), value.size());
-    }
-    explicit stored_view(std::span<const stored_member> value) : form_(form::dictionary) {
-        set(value.data(), value.size());
-    }
+    stored_view() : bits_(0) {}  // a null
+    explicit stored_view(bool value) : form_and_size_(word(form::boolean, 0)), boolean_(value) {}
+    explicit stored_view(std::int64_t value) : form_and_size_(word(form::integer, 0)), integer_(value) {}
+    explicit stored_view(double value) : form_and_size_(word(form::real, 0)), real_(value) {}
+    explicit stored_view(std::string_view value) : stored_view(form::text, value.data(), value.size()) {}
+    explicit stored_view(std::span<const stored_view> value)
+        : stored_view(form::array, value.data(), value.size()) {}
+    explicit stored_view(std::span<const stored_member> value)
+        : stored_view(form::dictionary, value.data(), value.size()) {}
     static stored_view of_data(std::string_view bytes);
     static stored_view of_date(double seconds_since_1970);
 
-    form kind() const { return form_; }
+    form kind() const { return static_cast<form>(form_and_size_ & form_mask); }
     // As those of property_value: the value when it is of that type, nothing otherwise. A whole number counts
     // as `number`; a number without a fraction counts as `integer`; a boolean is neither.
     std::optional<bool> boolean() const;
@@ -45,29 +46,30 @@ class stored_view {
     // Empty for what is no array, or no dictionary. With a key that stands twice the last one counts.
     std::span<const stored_view> items() const;
     std::span<const stored_member> members() const;
-    bool is_array() const { return form_ == form::array; }
-    bool is_dictionary() const { return form_ == form::dictionary; }
+    bool is_array() const { return kind() == form::array; }
+    bool is_dictionary() const { return kind() == form::dictionary; }
 
     // The value of its own.
     property_value copy() const;
 
   private:
-    void set(const void* data, std::size_t size) {
-        part_.data = data;
-        part_.size = size;
+    static constexpr unsigned form_bits = 8;
+    static constexpr std::uint64_t form_mask = (1U << form_bits) - 1;
+
+    static constexpr std::uint64_t word(form kind, std::size_t size) {
+        return std::uint64_t{size} << form_bits | static_cast<std::uint64_t>(kind);
     }
+    stored_view(form kind, const void* data, std::size_t size)
+        : form_and_size_(word(kind, size)), data_(data) {}
+    std::size_t size() const { return static_cast<std::size_t>(form_and_size_ >> form_bits); }
 
-    struct part {
-        const void* data;
-        std::size_t size;
-    };
-
-    form form_ = form::null;
+    std::uint64_t form_and_size_ = 0;  // of what lies at data_
     union {
+        std::uint64_t bits_;
         bool boolean_;
         std::int64_t integer_;
         double real_;
-        part part_;
+        const void* data_;
     };
 };
 
@@ -101,6 +103,32 @@ class stored_arena {
     std::vector<block> blocks_;
     std::size_t block_ = 0;  // the one that is being filled
     std::size_t used_ = 0;   // of it
+};
+
+// The items or members of lists that are being read, those of the outer lists first. Needs no more memory
+// than they do, and gives it back when they are taken.
+template <class Part>
+class part_stack {
+  public:
+    std::size_t size() const { return parts_.size(); }
+    void push(const Part& part) { parts_.push_back(part); }
+    // Takes those from `first` on into the arena.
+    std::span<const Part> take(std::size_t first, stored_arena& arena) {
+        const auto from = parts_.begin() + static_cast<std::ptrdiff_t>(first);
+        std::span<Part> room;
+        if constexpr (std::is_same_v<Part, stored_view>) {
+            room = arena.room_for_items(parts_.size() - first);
+        } else {
+            room = arena.room_for_members(parts_.size() - first);
+        }
+        std::uninitialized_copy(from, parts_.end(), room.data());
+        parts_.erase(from, parts_.end());
+        return room;
+    }
+    void clear() { parts_.clear(); }
+
+  private:
+    std::deque<Part> parts_;
 };
 
 // A view of `value` (or of a dictionary), which must outlive it.

@@ -3,19 +3,31 @@
 
 #include <algorithm>
 
+#include "util/file_system.h"
+#include "util/text_forms.h"
 #include "video/video_coll_Records.h"
 
 namespace vistels {
 
 namespace {
 
-constexpr const char* part_keys[] = {"gap_before", "part_duration"};
+constexpr const char* part_keys[] = {"gap_before", "part_duration", "movie_file"};
 
 double length_of(const property_dictionary& stored, const char* key) {
     return std::max(finite_number(stored, key).value_or(0), 0.0);
 }
 
 }  // namespace
+
+std::size_t part_number(std::string_view name) {
+    constexpr std::string_view lead = "part ";
+    constexpr std::size_t most_parts = 100'000;
+    const auto dot = name.rfind('.');
+    if (!name.starts_with(lead) || dot == std::string_view::npos || dot <= lead.size()) return 0;
+    const auto number = integer_from_text(name.substr(lead.size(), dot - lead.size()));
+    const bool is_usable = number && *number > 0 && *number < static_cast<std::int64_t>(most_parts);
+    return is_usable ? static_cast<std::size_t>(*number) : 0;
+}
 
 std::vector<double> movie_Part_DRONE_Offsets_Root::starts() const {
     std::vector<double> starts;
@@ -38,19 +50,22 @@ movie_Part_DRONE_Offsets_Root read_movie_parts(const property_array& stored) {
     movie_Part_DRONE_Offsets_Root read;
     for (const auto& value : stored) {
         const auto* dictionary = value.dictionary();
-        if (!dictionary) continue;
-        read.parts.push_back(
-            {length_of(*dictionary, "gap_before"), length_of(*dictionary, "part_duration"), "", *dictionary});
+        // One that cannot be read keeps its place, so that the others keep their files.
+        const property_dictionary kept = dictionary ? *dictionary : property_dictionary();
+        read.parts.push_back({length_of(kept, "gap_before"), length_of(kept, "part_duration"), "", kept});
     }
     return read;
 }
 
 property_array write_movie_parts(const movie_Part_DRONE_Offsets_Root& parts) {
     property_array stored;
-    for (const auto& part : parts.parts) {
+    for (std::size_t index = 0; index < parts.parts.size(); ++index) {
+        const auto& part = parts.parts[index];
         record_writer writer(part_keys, part.kept);
-        writer.value("gap_before", part.gap_before);
-        writer.value("part_duration", part.part_duration);
+        writer.number_always("gap_before", part.gap_before);
+        writer.number_always("part_duration", part.part_duration);
+        const std::string name = path_name(part.path);
+        if (!part.path.empty()) writer.text("movie_file", part_number(name) == index + 1 ? "" : name);
         stored.emplace_back(writer.finish());
     }
     return stored;

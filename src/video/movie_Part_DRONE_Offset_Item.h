@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "util/property_value.h"
@@ -30,8 +32,13 @@ struct movie_Part_DRONE_Offsets_Root {
     bool operator==(const movie_Part_DRONE_Offsets_Root&) const = default;
 };
 
-// Reads the elements of "drone_array" that are dictionaries; a negative or unreadable gap or duration is 0.
+// The number that a name such as "part 012.mp4" carries; 0 for other names.
+std::size_t part_number(std::string_view name);
+
+// Reads the elements of "drone_array", one part for each; a negative or unreadable gap or duration is 0.
 movie_Part_DRONE_Offsets_Root read_movie_parts(const property_array& stored);
+// A part whose file has another name than its place gives it ("part 003.mp4" for the third) is written with
+// that name under "movie_file". So parts may be put in, taken out and moved without renaming files.
 property_array write_movie_parts(const movie_Part_DRONE_Offsets_Root& parts);
 
 }  // namespace vistels

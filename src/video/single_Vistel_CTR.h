@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "util/colour_text.h"
 #include "util/property_value.h"
@@ -11,6 +12,14 @@
 #include "video/movie_Part_DRONE_Offset_Item.h"
 
 namespace vistels {
+
+// A picture drawn over a vistel's own.
+struct vistel_overlay {
+    std::string picture;          // name of a file in the vistel's data folder
+    rectangle frame{0, 0, 1, 1};  // as fractions of the vistel's picture, from its upper left corner
+    double opacity = 1;           // 0 to 1
+    bool operator==(const vistel_overlay&) const = default;
+};
 
 // One vistel of a collection: what the collection's item record and the vistel's own record hold about it.
 // Every accessor takes `lk` for that one read or write, so any thread may read while the main thread changes.
@@ -30,21 +39,63 @@ class single_Vistel_CTR : record {
     // The view's frame as fractions of the collection's video area, from its upper left corner.
     std::optional<rectangle> proportion_rect() const { return read(proportion_rect_); }
     void set_proportion_rect(std::optional<rectangle> frame) { write(proportion_rect_, frame); }
+    // The frame to return to after an enlargement; nothing: it stays where it is.
+    std::optional<rectangle> remembered_proportion_rect() const { return read(remembered_proportion_rect_); }
+    void set_remembered_proportion_rect(std::optional<rectangle> frame) {
+        write(remembered_proportion_rect_, frame);
+    }
+    // The frame of a view that no collection places.
+    std::optional<rectangle> default_proportion_rect() const { return read(default_proportion_rect_); }
+    void set_default_proportion_rect(std::optional<rectangle> frame) {
+        write(default_proportion_rect_, frame);
+    }
+    // The number shown on the view, and its place among those that are shown.
     int vistel_number_displayed() const { return read(vistel_number_displayed_); }
     void set_vistel_number_displayed(int number) { write(vistel_number_displayed_, number); }
-    int saved_view_order() const { return read(saved_view_order_); }
+    int vistel_number_displayed_ordinal() const { return read(vistel_number_displayed_ordinal_); }
+    void set_vistel_number_displayed_ordinal(int place) { write(vistel_number_displayed_ordinal_, place); }
+    int saved_view_order() const { return read(saved_view_order_); }  // the largest stands in front
     void set_saved_view_order(int order) { write(saved_view_order_, order); }
     bool flicked_in() const { return read(flicked_in_); }  // enlarged over the others
     void set_flicked_in(bool enlarged) { write(flicked_in_, enlarged); }
+    // Degrees clockwise by which the view is turned while enlarged.
+    double flicked_in_rotation() const { return read(flicked_in_rotation_); }
+    void set_flicked_in_rotation(double degrees) { write(flicked_in_rotation_, degrees); }
     bool saves_data_locally() const { return read(saves_data_locally_); }
     void set_saves_data_locally(bool locally) { write(saves_data_locally_, locally); }
     bool locks_clips() const { return read(locks_clips_); }  // clips move with the movie parts
     void set_locks_clips(bool locks) { write(locks_clips_, locks); }
+    // A still picture that is shown at all times; it has no movie parts.
+    bool is_inserted_picture() const { return read(is_inserted_picture_); }
+    void set_is_inserted_picture(bool is_picture) { write(is_inserted_picture_, is_picture); }
+    std::optional<vistel_overlay> overlay() const { return read(overlay_); }
+    void set_overlay(std::optional<vistel_overlay> overlay) { write(overlay_, std::move(overlay)); }
+    // Address of a streamed movie, of which the movie parts are a local copy; empty: it is not streamed.
+    std::string http_file() const { return read(http_file_); }
+    void set_http_file(std::string address) { write(http_file_, std::move(address)); }
+    std::string capture_device() const { return read(capture_device_); }  // the camera's name
+    void set_capture_device(std::string name) { write(capture_device_, std::move(name)); }
+    std::string capture_sound_device() const { return read(capture_sound_device_); }
+    void set_capture_sound_device(std::string name) { write(capture_sound_device_, std::move(name)); }
+    std::string capture_preset() const { return read(capture_preset_); }
+    void set_capture_preset(std::string preset) { write(capture_preset_, std::move(preset)); }
+    // The composer from which the vistel was made; empty: none.
+    std::string linked_composer() const { return read(linked_composer_); }
+    void set_linked_composer(std::string uuid) { write(linked_composer_, std::move(uuid)); }
+    // Who made it; who did not is asked before closing it for good.
     std::string creator() const { return read(creator_); }
     void set_creator(std::string user) { write(creator_, std::move(user)); }
 
     movie_Part_DRONE_Offsets_Root parts() const { return read(parts_); }
     void set_parts(movie_Part_DRONE_Offsets_Root parts) { write(parts_, std::move(parts)); }
+
+    // The parts as they were found when loading or as saved last: only parts that differ are written, so that
+    // a file that is missing or one too many changes no record. Nothing: parts that differ from the record
+    // read are written. Not stored.
+    std::optional<movie_Part_DRONE_Offsets_Root> parts_on_record() const { return read(parts_on_record_); }
+    void set_parts_on_record(std::optional<movie_Part_DRONE_Offsets_Root> parts) {
+        write(parts_on_record_, std::move(parts));
+    }
 
     // Where its data lies; empty when it was not found. Not stored.
     std::string data_folder() const { return read(data_folder_); }
@@ -65,13 +116,25 @@ class single_Vistel_CTR : record {
     std::string name_;
     std::optional<double> manual_start_offset_;
     std::optional<rectangle> proportion_rect_;
+    std::optional<rectangle> remembered_proportion_rect_;
+    std::optional<rectangle> default_proportion_rect_;
     int vistel_number_displayed_ = 0;
+    int vistel_number_displayed_ordinal_ = 0;
     int saved_view_order_ = 0;
     bool flicked_in_ = false;
     bool saves_data_locally_ = false;
     bool locks_clips_ = false;
+    double flicked_in_rotation_ = 0;
+    bool is_inserted_picture_ = false;
+    std::optional<vistel_overlay> overlay_;
+    std::string http_file_;
+    std::string capture_device_;
+    std::string capture_sound_device_;
+    std::string capture_preset_;
+    std::string linked_composer_;
     std::string creator_;
     movie_Part_DRONE_Offsets_Root parts_;
+    std::optional<movie_Part_DRONE_Offsets_Root> parts_on_record_;
     std::string data_folder_;
     std::string problem_;
     property_dictionary stored_item_;
@@ -82,8 +145,16 @@ class single_Vistel_CTR : record {
 single_Vistel_CTR read_vistel_item(const property_dictionary& stored);
 property_dictionary write_vistel_item(const single_Vistel_CTR& vistel);
 
-// Takes what "single video.plist" holds: its movie parts, and the values that the item record left open.
+// Takes what "single video.plist" holds: its movie parts and what it alone knows. Of what both records hold
+// the item's counts, since that is the collection's own; the vistel's stands in for what the item lacks, but
+// never for the number and the offset: a vistel without them in its item has none in the collection.
 void read_vistel_record(single_Vistel_CTR& vistel, const property_dictionary& stored);
 property_dictionary write_vistel_record(const single_Vistel_CTR& vistel);
+
+// The movie files in a vistel's folder that are no parts any more, by name, as its record lists them. They
+// are kept, so that a change of the parts can be taken back, and are not taken for parts.
+std::vector<std::string> unused_movies(const property_dictionary& vistel_record);
+// Lists them; of none the key is taken away.
+void set_unused_movies(property_dictionary& vistel_record, const std::vector<std::string>& names);
 
 }  // namespace vistels

@@ -15,13 +15,6 @@ constexpr double follow_interval_seconds = 0.2;
 // Enough to come before a frame by the tolerance with which frames are found.
 constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
 
-bool same_parts(const std::vector<playback_part>& a, const std::vector<playback_part>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](const playback_part& x, const playback_part& y) {
-                          return x.path == y.path && x.start == y.start && x.duration == y.duration;
-                      });
-}
-
 }  // namespace
 
 // What the vistels' queues hold on to, so that news which comes late finds nobody instead of somebody gone.
@@ -55,7 +48,7 @@ void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
     std::vector<entry> made;
     for (auto& vistel : vistels) {
         entry* const before = find(vistel.uuid);
-        if (before != nullptr && before->player && same_parts(before->vistel.parts, vistel.parts)) {
+        if (before != nullptr && before->player && before->vistel.parts == vistel.parts) {
             made.push_back(std::move(*before));
         } else {
             made.emplace_back();
@@ -74,6 +67,7 @@ void synchronised_playback::update_range() {
     double first = least_first_;
     double last = least_last_;
     for (const auto& vistel : vistels_) {
+        if (vistel.player->is_still()) continue;
         first = std::min(first, -vistel.vistel.lead);
         last = std::max(last, vistel.player->duration() - vistel.vistel.lead);
     }
@@ -99,7 +93,13 @@ synchronised_playback::entry* synchronised_playback::find(const std::string& uui
 
 synchronised_playback::entry* synchronised_playback::stepped() {
     entry* const enlarged = find(enlarged_);
-    return enlarged != nullptr || vistels_.empty() ? enlarged : &vistels_.front();
+    return enlarged != nullptr && !enlarged->player->is_still() ? enlarged : first_movie();
+}
+
+synchronised_playback::entry* synchronised_playback::first_movie() {
+    const auto found = std::find_if(vistels_.begin(), vistels_.end(),
+                                    [](const entry& vistel) { return !vistel.player->is_still(); });
+    return found == vistels_.end() ? nullptr : &*found;
 }
 
 void synchronised_playback::set_lead(const std::string& uuid, double lead) {
@@ -123,7 +123,7 @@ void synchronised_playback::set_view_size(const std::string& uuid, int width, in
 void synchronised_playback::set_sound_vistel(const std::string& uuid) {
     sound_vistel_ = uuid;
     const entry* found = find(uuid);
-    if (found == nullptr && !vistels_.empty()) found = &vistels_.front();
+    if (found == nullptr || found->player->is_still()) found = first_movie();
     sound_.set_parts(found == nullptr ? std::vector<playback_part>{} : found->vistel.parts);
 }
 
@@ -272,6 +272,7 @@ void synchronised_playback::correct_lags() {
     for (const auto& vistel : vistels_) {
         lagging_vistel made;
         made.number = vistel.vistel.number;
+        made.has_overlay = vistel.player->is_still();
         made.is_playing = vistel.state == vistel_state::waiting;
         made.last_correction_seconds = vistel.last_correction_seconds;
         if (vistel.shown) made.seconds = vistel.shown_seconds - vistel.vistel.lead;
@@ -290,7 +291,7 @@ void synchronised_playback::correct_lags() {
 
 void synchronised_playback::update_sound(double now) {
     const entry* heard = find(sound_vistel_);
-    if (heard == nullptr && !vistels_.empty()) heard = &vistels_.front();
+    if (heard == nullptr || heard->player->is_still()) heard = first_movie();
     if (heard == nullptr) return;
     sound_.update(now + heard->vistel.lead, is_playing() ? clock_.rate() : 0);
     const double machine_now = loop_.time().seconds();
@@ -307,6 +308,11 @@ picture_pointer synchronised_playback::picture(const std::string& uuid) const {
 std::optional<double> synchronised_playback::picture_seconds(const std::string& uuid) const {
     const entry* const found = find(uuid);
     return found == nullptr || !found->shown ? std::nullopt : std::optional(found->shown_seconds);
+}
+
+double synchronised_playback::frame_seconds(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? 0 : found->player->frame_seconds(clock_.time() + found->vistel.lead);
 }
 
 vistel_state synchronised_playback::state(const std::string& uuid) const {

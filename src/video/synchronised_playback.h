@@ -23,6 +23,8 @@ struct playback_vistel {
     double lead = 0;  // seconds
     std::vector<playback_part> parts;
     double number = 0;  // above 100000: not a camera's movie
+
+    bool operator==(const playback_vistel&) const = default;
 };
 
 // Plays the vistels of a collection in step: one clock, and at each tick every vistel's frame at its movie
@@ -75,6 +77,8 @@ class synchronised_playback final : public transport {
     picture_pointer picture(const std::string& uuid) const;
     // The shown frame's time on the vistel's own time line.
     std::optional<double> picture_seconds(const std::string& uuid) const;
+    // How long a frame of the vistel stands on average; 0 when there is no such vistel.
+    double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;
     std::string problem(const std::string& uuid) const;
     // Whether every vistel shows its very frame, or cannot show any.
@@ -104,6 +108,7 @@ class synchronised_playback final : public transport {
     const entry* find(const std::string& uuid) const;
     entry* find(const std::string& uuid);
     entry* stepped();
+    entry* first_movie();  // null when there are pictures alone
     std::unique_ptr<vistel_player> make_player(const playback_vistel& vistel);
     void update_range();
     void start_timer();

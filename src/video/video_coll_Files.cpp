@@ -11,16 +11,19 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <random>
+#include <span>
 #include <vector>
 
 #include "media/movie_information.h"
 #include "util/file_system.h"
 #include "util/safe_write.h"
 #include "util/uuid.h"
+#include "video/made_files.h"
 #include "video/video_coll_LOAD.h"
+#include "video/video_coll_Pictures.h"
 
 namespace vistels {
 
@@ -29,6 +32,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t copy_piece_bytes = std::size_t{4} << 20;
+constexpr const char* picture_endings[] = {".png", ".jpg", ".jpeg"};
 constexpr const char* movie_endings[] = {".mp4", ".mov", ".m4v", ".mkv", ".avi",
                                          ".mts", ".ts",  ".mpg", ".webm"};
 
@@ -45,35 +49,6 @@ class descriptor {
 
   private:
     int number_;
-};
-
-// Takes away what was made, unless it is kept.
-class made_folders {
-  public:
-    ~made_folders() {
-        std::error_code ignored;
-        for (const auto& folder : whole_) fs::remove_all(folder, ignored);
-        // Deepest first; one that holds something by now stays.
-        for (const auto& folder : when_empty_) fs::remove(folder, ignored);
-    }
-    // To be taken away with all it holds.
-    void add(const std::string& folder) { whole_.push_back(folder); }
-    // `path` and the folders above it that are not there yet.
-    void add_missing_of(const std::string& path) {
-        std::error_code ignored;
-        for (fs::path at = fs::absolute(path, ignored).lexically_normal();
-             at.has_relative_path() && !fs::exists(at, ignored); at = at.parent_path()) {
-            when_empty_.push_back(at.string());
-        }
-    }
-    void keep() {
-        whole_.clear();
-        when_empty_.clear();
-    }
-
-  private:
-    std::vector<std::string> whole_;
-    std::vector<std::string> when_empty_;
 };
 
 std::string lower_case_ending(const std::string& path) {
@@ -103,74 +78,148 @@ result<void> copy_pieces(const descriptor& from, const descriptor& to, const std
     return {};
 }
 
-// One vistel to be: the movies that are its parts, and how long each is.
+// The movie's path while it is not whole yet.
+std::string unfinished_name(const std::string& path) {
+    return path + std::string(temporary_mark) + std::to_string(safe_write_number());
+}
+
+// Gives a finished file its name, which nothing else must have.
+result<void> finish_file(const std::string& unfinished, const std::string& path) {
+    int fault = machine_files().hard_link(unfinished, path);
+    if (fault == 0) {
+        machine_files().remove(unfinished);
+        return {};
+    }
+    if (fault != EEXIST && !file_exists(path)) fault = machine_files().rename(unfinished, path);
+    return fault == 0 ? result<void>() : file_failure(path, "could not be made", fault);
+}
+
+result<void> copy_whole(const std::string& from, const std::string& to, job& work) {
+    const descriptor input(from, O_RDONLY);
+    if (input.number() < 0) return file_failure(from, "could not be copied", errno);
+    const descriptor output(to, O_WRONLY | O_CREAT | O_EXCL);
+    if (output.number() < 0) return file_failure(to, "could not be made", errno);
+    if (::ioctl(output.number(), FICLONE, input.number()) == 0) return {};
+    struct stat state {};
+    const double total = ::fstat(input.number(), &state) == 0 ? static_cast<double>(state.st_size) : 0;
+    auto copied = copy_pieces(input, output, from, total, work);
+    if (copied && ::fsync(output.number()) != 0) copied = file_failure(to, "could not be saved", errno);
+    return copied;
+}
+
+// One vistel to be: the movies that are its parts, and how long each is; or the one picture that it is.
 struct planned_vistel {
     std::string name;
     std::vector<std::string> movies;
     std::vector<double> durations;  // seconds
+    bool is_picture = false;
 };
+
+result<double> duration_of(const std::string& movie) {
+    const auto information = probe_movie(movie);
+    if (!information) return information.error();
+    if (!information.value().has_video) return failure{"\"" + movie + "\" holds no pictures."};
+    return information.value().duration;
+}
 
 result<std::vector<planned_vistel>> plan_vistels(const std::vector<std::string>& movies, movies_as how) {
     std::vector<planned_vistel> planned;
     for (const auto& movie : movies) {
-        const auto information = probe_movie(movie);
-        if (!information) return information.error();
-        if (!information.value().has_video) return failure{"\"" + movie + "\" holds no pictures."};
+        const bool is_picture = is_picture_name(movie);
+        const auto checked = is_picture ? check_picture(movie) : result<void>();
+        if (!checked) return checked.error();
+        const auto duration = is_picture ? result<double>(0.0) : duration_of(movie);
+        if (!duration) return duration.error();
+        if (is_picture && how != movies_as::vistel_each) {
+            return failure{"\"" + movie + "\" is a picture. It can only be a vistel of its own."};
+        }
         if (how == movies_as::vistel_each || planned.empty()) {
-            planned.push_back({fs::path(movie).stem().string(), {}, {}});
+            planned.push_back({fs::path(movie).stem().string(), {}, {}, is_picture});
         }
         planned.back().movies.push_back(movie);
-        planned.back().durations.push_back(information.value().duration);
+        planned.back().durations.push_back(duration.value());
     }
     return planned;
 }
 
-std::string user_name() {
-    const char* user = std::getenv("USER");
-    return user ? user : "";
-}
-
-// Progress over all movies: each is the same share.
-struct movie_count {
-    std::size_t done = 0;
-    std::size_t all = 0;
-};
-
-result<void> bring_next(const std::string& from, const std::string& to, movie_count& count, job& work) {
-    const auto all = static_cast<double>(count.all);
-    job one([&](double fraction) {
-        work.set_progress((static_cast<double>(count.done) + fraction) / all);
-        if (work.is_cancelled()) one.cancel();
-    });
-    if (work.is_cancelled()) one.cancel();
-    auto brought = bring_movie(from, to, one);
-    if (brought) work.set_progress(static_cast<double>(++count.done) / all);
-    return brought;
-}
-
 // The vistel with its data in `folder`.
 result<std::shared_ptr<single_Vistel_CTR>> make_vistel(const planned_vistel& planned,
-                                                       const std::string& folder, movie_count& count,
-                                                       job& work) {
+                                                       const std::string& folder,
+                                                       const new_vistels& made_with, shared_progress& work) {
     auto vistel = std::make_shared<single_Vistel_CTR>();
     vistel->set_uuid(path_name(folder));
     vistel->set_name(planned.name);
-    vistel->set_manual_start_offset(0);
-    vistel->set_creator(user_name());
+    vistel->set_creator(made_with.creator);
+    vistel->set_saves_data_locally(made_with.saves_data_locally);
+    vistel->set_is_inserted_picture(planned.is_picture);
+    // A picture is shown at all times: it has no offset.
+    if (!planned.is_picture) vistel->set_manual_start_offset(0);
     vistel->set_data_folder(folder);
     if (auto made = make_folders(folder); !made) return made.error();
     movie_Part_DRONE_Offsets_Root parts;
     for (std::size_t index = 0; index < planned.movies.size(); ++index) {
         const auto& movie = planned.movies[index];
-        const std::string path = path_join(folder, part_name(index + 1, movie));
-        if (auto brought = bring_next(movie, path, count, work); !brought) return brought.error();
-        parts.parts.push_back({0, planned.durations[index], path, {}});
+        const std::string name =
+            planned.is_picture ? "picture" + lower_case_ending(movie) : part_name(index + 1, movie);
+        const std::string path = path_join(folder, name);
+        const auto brought = work.run([&](job& one) { return bring_movie(movie, path, one); });
+        if (!brought) return brought.error();
+        if (!planned.is_picture) parts.parts.push_back({0, planned.durations[index], path, {}});
     }
     vistel->set_parts(std::move(parts));
     return vistel;
 }
 
+bool has_ending(const std::string& name, std::span<const char* const> endings) {
+    const std::string ending = lower_case_ending(name);
+    return !path_name(name).starts_with(".") &&
+           std::find(endings.begin(), endings.end(), ending) != endings.end();
+}
+
+// The highest number among the names of movie parts, those not used any more included.
+std::size_t highest_part_number(const std::string& folder) {
+    std::size_t highest = 0;
+    for (const auto& name : names_in_folder(folder)) highest = std::max(highest, part_number(name));
+    return highest;
+}
+
+constexpr adding_choice each_choice{movies_as::vistel_each, "Create A New Vistel For Each File",
+                                    "Create a new vistel for each file."};
+constexpr adding_choice one_choice{movies_as::one_vistel, "Create A New Vistel And Append Movies",
+                                   "Create a single new vistel and add video files to this vistel."};
+constexpr adding_choice single_choice{movies_as::vistel_each, "Create A New Vistel",
+                                      "Create a new vistel for each file."};
+constexpr adding_choice parts_choice{movies_as::parts_of_existing, "Append Video Files",
+                                     "Append video files to this vistel."};
+
 }  // namespace
+
+std::vector<adding_choice> adding_choices(std::size_t movies, bool on_vistel) {
+    std::vector<adding_choice> choices{single_choice};
+    if (movies > 1) choices = {each_choice, one_choice};
+    if (on_vistel) choices.push_back(parts_choice);
+    return choices;
+}
+
+result<std::vector<std::string>> movies_of_item(const std::string& path) {
+    if (!is_folder(path)) {
+        if (file_exists(path)) return std::vector<std::string>{path};
+        return file_failure(path, "could not be read", ENOENT);
+    }
+    std::vector<std::string> movies;
+    if (file_exists(path_join(path, vistel_file_name))) {
+        for (const auto& part : parts_in_folder(path).parts) {
+            if (!part.path.empty()) movies.push_back(part.path);
+        }
+        if (movies.empty()) return failure{"\"" + path + "\": " + no_movie_parts_text};
+        return movies;
+    }
+    for (const auto& name : names_in_folder(path)) {
+        if (is_movie_name(name)) movies.push_back(path_join(path, name));
+    }
+    if (movies.empty()) return failure{"\"" + path + "\": " + item_has_no_movie_parts_text};
+    return movies;
+}
 
 std::string part_name(std::size_t number, const std::string& movie) {
     std::string digits = std::to_string(number);
@@ -180,9 +229,11 @@ std::string part_name(std::size_t number, const std::string& movie) {
 }
 
 bool is_movie_name(const std::string& name) {
-    const std::string ending = lower_case_ending(name);
-    return !name.starts_with(".") &&
-           std::find(std::begin(movie_endings), std::end(movie_endings), ending) != std::end(movie_endings);
+    return has_ending(name, movie_endings);
+}
+
+bool is_picture_name(const std::string& name) {
+    return has_ending(name, picture_endings);
 }
 
 std::int64_t new_quick_number() {
@@ -191,52 +242,105 @@ std::int64_t new_quick_number() {
     return any(device);
 }
 
-result<void> bring_movie(const std::string& from, const std::string& to, job& work) {
+std::string new_vistels_folder(const std::string& folder, bool next_to_collection) {
+    return next_to_collection ? path_join(folder, vistels_folder_name) : vistels_folder_of(folder);
+}
+
+result<void> bring_movie(const std::string& from, const std::string& to, job& work, bool as_copy) {
     if (work.is_cancelled()) return failure{"Copying \"" + from + "\" was cancelled."};
     std::error_code fault;
     const std::string source = fs::canonical(from, fault).string();
     if (fault) return file_failure(from, "could not be copied", fault.value());
-    if (::link(source.c_str(), to.c_str()) == 0) return {};
-    if (errno == EEXIST) return file_failure(to, "could not be made", EEXIST);
-    const descriptor input(source, O_RDONLY);
-    if (input.number() < 0) return file_failure(from, "could not be copied", errno);
-    const descriptor output(to, O_WRONLY | O_CREAT | O_EXCL);
-    if (output.number() < 0) return file_failure(to, "could not be made", errno);
-    if (::ioctl(output.number(), FICLONE, input.number()) == 0) return {};
-    struct stat state {};
-    const double total = ::fstat(input.number(), &state) == 0 ? static_cast<double>(state.st_size) : 0;
-    auto copied = copy_pieces(input, output, from, total, work);
-    if (copied && ::fsync(output.number()) != 0) copied = file_failure(to, "could not be saved", errno);
-    if (!copied) ::unlink(to.c_str());
-    return copied;
+    if (!as_copy) {
+        const int linked = machine_files().hard_link(source, to);
+        if (linked == 0) return {};
+        if (linked == EEXIST) return file_failure(to, "could not be made", EEXIST);
+    }
+    made_files made;
+    const std::string unfinished = unfinished_name(to);
+    made.add(unfinished);
+    if (auto copied = copy_whole(source, unfinished, work); !copied) return copied;
+    return finish_file(unfinished, to);
 }
 
-result<void> add_vistels(video_collection_ROOT& collection, const std::string& vistels_folder,
-                         const std::vector<std::string>& movies, movies_as how, job& work) {
+result<vistel_list> make_vistels(const new_vistels& made_with, const std::vector<std::string>& movies,
+                                 movies_as how, job& work) {
     const auto planned = plan_vistels(movies, how);
     if (!planned) return planned.error();
-    made_folders made;
-    made.add_missing_of(vistels_folder);
-    auto vistels = collection.vistels();
-    double number = collection.unused_vistel_number();
-    movie_count count{0, movies.size()};
+    made_files made;
+    made.add_missing_of(made_with.folder);
+    shared_progress progress(movies.size(), work);
+    vistel_list vistels;
     for (const auto& plan : planned.value()) {
-        const std::string folder = path_join(vistels_folder, new_uuid());
+        const std::string folder = path_join(made_with.folder, new_uuid());
         made.add(folder);
-        auto vistel = make_vistel(plan, folder, count, work);
+        auto vistel = make_vistel(plan, folder, made_with, progress);
         if (!vistel) return vistel.error();
         vistels.push_back(std::move(vistel).value());
-        vistels.back()->set_number(number++);
-        vistels.back()->set_vistel_number_displayed(static_cast<int>(vistels.size()));
-        vistels.back()->set_saved_view_order(static_cast<int>(vistels.size()));
     }
     made.keep();
-    collection.set_vistels(std::move(vistels));
-    return {};
+    return vistels;
+}
+
+result<std::vector<movie_Part_DRONE_Offset_Item>> bring_parts(const single_Vistel_CTR& vistel,
+                                                              const std::vector<std::string>& movies,
+                                                              job& work) {
+    const std::string folder = vistel.data_folder();
+    if (folder.empty()) return failure{"The data of the vistel \"" + vistel.name() + "\" is missing."};
+    if (vistel.is_inserted_picture()) {
+        return failure{"The vistel \"" + vistel.name() + "\" is a picture: it has no movie parts."};
+    }
+    const auto planned = plan_vistels(movies, movies_as::one_vistel);
+    if (!planned) return planned.error();
+    std::vector<movie_Part_DRONE_Offset_Item> parts;
+    if (movies.empty()) return parts;
+    made_files made;
+    shared_progress progress(movies.size(), work);
+    std::size_t number = std::max(vistel.parts().parts.size(), highest_part_number(folder));
+    for (std::size_t index = 0; index < movies.size(); ++index) {
+        const std::string path = path_join(folder, part_name(++number, movies[index]));
+        const auto brought = progress.run([&](job& one) { return bring_movie(movies[index], path, one); });
+        if (!brought) return brought.error();
+        made.add(path);
+        parts.push_back({0, planned.value().front().durations[index], path, {}});
+    }
+    made.keep();
+    return parts;
+}
+
+void discard(const vistel_list& vistels) {
+    made_files unwanted;
+    for (const auto& vistel : vistels) unwanted.add(vistel->data_folder());
+}
+
+void discard(const std::vector<movie_Part_DRONE_Offset_Item>& parts) {
+    made_files unwanted;
+    for (const auto& part : parts) unwanted.add(part.path);
+}
+
+void number_new_vistels(const video_collection_ROOT& collection, const vistel_list& vistels) {
+    std::vector<double> numbers = collection.unused_vistel_numbers(vistels.size());
+    int shown = static_cast<int>(collection.vistels().size());
+    int front = 0;
+    for (const auto& vistel : collection.vistels()) front = std::max(front, vistel->saved_view_order());
+    for (std::size_t index = 0; index < vistels.size(); ++index) {
+        vistels[index]->set_number(numbers[index]);
+        vistels[index]->set_vistel_number_displayed(++shown);
+        vistels[index]->set_vistel_number_displayed_ordinal(shown);
+        vistels[index]->set_saved_view_order(front < std::numeric_limits<int>::max() ? ++front : front);
+    }
+}
+
+void add_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels) {
+    number_new_vistels(collection, vistels);
+    auto all = collection.vistels();
+    all.insert(all.end(), vistels.begin(), vistels.end());
+    collection.set_vistels(std::move(all));
 }
 
 result<void> new_collection(const std::string& folder, const std::string& name,
-                            const std::vector<std::string>& movies, movies_as how, job& work) {
+                            const std::vector<std::string>& movies, movies_as how, job& work,
+                            const std::string& user) {
     if (movies.empty()) return failure{"A collection needs at least one movie."};
     if (file_exists(path_join(folder, collection_file_name))) {
         return failure{"\"" + folder + "\" holds a collection already."};
@@ -244,19 +348,21 @@ result<void> new_collection(const std::string& folder, const std::string& name,
     video_collection_ROOT collection;
     collection.set_uuid(new_uuid());
     collection.set_quick_number(new_quick_number());
-    collection.set_created_by(user_name());
+    collection.set_created_by(user);
     collection.set_name(name);
     collection.set_state(video_type_state::playback);
-    made_folders made;
+    made_files made;
     const bool is_new_folder = !is_folder(folder);
     made.add_missing_of(folder);
-    if (auto added = add_vistels(collection, vistels_folder_of(folder), movies, how, work); !added)
-        return added;
-    const auto vistels = collection.vistels();
-    const auto frames = grid_layout(vistels.size());
-    for (std::size_t index = 0; index < vistels.size(); ++index) {
-        made.add(vistels[index]->data_folder());
-        vistels[index]->set_proportion_rect(frames[index]);
+    const std::string vistels_folder = vistels_folder_of(folder);
+    made.add_missing_of(vistels_folder);
+    const auto vistels = make_vistels({vistels_folder, user, false}, movies, how, work);
+    if (!vistels) return vistels.error();
+    add_new_vistels(collection, vistels.value());
+    const auto frames = grid_layout(vistels.value().size());
+    for (std::size_t index = 0; index < frames.size(); ++index) {
+        made.add(vistels.value()[index]->data_folder());
+        vistels.value()[index]->set_proportion_rect(frames[index]);
     }
     if (is_new_folder) made.add(folder);
     if (auto ready = make_folders(folder); !ready) return ready;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "video/video_coll_LOAD.h"
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <optional>
 
@@ -9,7 +11,9 @@
 #include "util/property_list.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
+#include "video/padding_movies.h"
 #include "video/video_coll_Files.h"
+#include "video/video_coll_Pictures.h"
 
 namespace vistels {
 
@@ -42,86 +46,220 @@ std::vector<std::string> data_folders(const single_Vistel_CTR& vistel, const std
     return places;
 }
 
-// The number that a name such as "part 012.mp4" carries; 0 for other names.
-std::size_t part_number(const std::string& name) {
-    constexpr std::string_view lead = "part ";
-    const auto dot = name.rfind('.');
-    if (!name.starts_with(lead) || dot == std::string::npos || dot <= lead.size()) return 0;
-    const auto number = integer_from_text(std::string_view(name).substr(lead.size(), dot - lead.size()));
-    return number && *number > 0 && *number < 100000 ? static_cast<std::size_t>(*number) : 0;
+bool is_among(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// Gives the movie files in `names` to the parts: numbered names to the part of that number, the others in
-// order to parts that are left, and to further parts when there are more files than parts.
-void match_files(movie_Part_DRONE_Offsets_Root& parts, const std::string& folder) {
-    std::vector<std::string> others;
-    for (const auto& name : names_in_folder(folder)) {
-        if (!is_movie_name(name)) continue;
-        const auto number = part_number(name);
-        if (number >= 1 && number <= parts.parts.size() && parts.parts[number - 1].path.empty()) {
-            parts.parts[number - 1].path = path_join(folder, name);
-        } else {
-            others.push_back(path_join(folder, name));
-        }
+using part_list = std::vector<movie_Part_DRONE_Offset_Item>;
+
+// Takes out of `names` those for which `wanted` gives a place among the parts that has no file yet.
+template <class Place>
+void give_files(part_list& parts, std::vector<std::string>& names, const std::string& folder, Place place) {
+    std::erase_if(names, [&](const std::string& name) {
+        const std::size_t index = place(name);
+        if (index >= parts.size() || !parts[index].path.empty()) return false;
+        parts[index].path = path_join(folder, name);
+        return true;
+    });
+}
+
+// Gives the movie files of a folder to the parts: to the padding and the part that name their file, numbered
+// names to the part of that number, the others in order to parts that are left, and to further parts when
+// there are more files than parts. How many parts those are is returned.
+std::size_t match_files(part_list& parts, const std::vector<std::string>& unused, const std::string& folder) {
+    for (auto& part : parts) {
+        const std::string padding = padding_file_of(part);
+        if (!padding.empty() && file_exists(path_join(folder, padding)))
+            part.path = path_join(folder, padding);
     }
-    auto other = others.begin();
-    for (auto& part : parts.parts) {
-        if (part.path.empty() && other != others.end()) part.path = *other++;
-    }
-    for (; other != others.end(); ++other) parts.parts.push_back({0, 0, *other, {}});
+    auto names = names_in_folder(folder);
+    std::erase_if(names,
+                  [](const std::string& name) { return !is_movie_name(name) || is_padding_file_name(name); });
+    give_files(parts, names, folder, [&](const std::string& name) {
+        return static_cast<std::size_t>(
+            std::find_if(parts.begin(), parts.end(),
+                         [&](const auto& part) { return part.kept.text_or_empty("movie_file") == name; }) -
+            parts.begin());
+    });
+    std::erase_if(names, [&](const std::string& name) { return is_among(unused, name); });
+    const auto is_free = [&](std::size_t index) {
+        return parts[index].path.empty() && parts[index].kept.text_or_empty("movie_file").empty() &&
+               !is_padding(parts[index]);
+    };
+    give_files(parts, names, folder, [&](const std::string& name) {
+        const std::size_t number = part_number(name);
+        return number >= 1 && number <= parts.size() && is_free(number - 1) ? number - 1 : parts.size();
+    });
+    std::size_t next = 0;
+    give_files(parts, names, folder, [&](const std::string&) {
+        while (next < parts.size() && !is_free(next)) ++next;
+        return next;
+    });
+    for (const auto& name : names) parts.push_back({0, 0, path_join(folder, name), {}});
+    return names.size();
 }
 
 // What is wrong with the parts, the first thing found; durations that no record holds are read.
-std::string check_parts(movie_Part_DRONE_Offsets_Root& parts, const std::string& folder) {
+std::string check_parts(part_list& parts, std::size_t extra, const std::string& folder) {
     std::string problem;
-    for (std::size_t index = 0; index < parts.parts.size(); ++index) {
-        auto& part = parts.parts[index];
+    const auto tell = [&](const std::string& text) {
+        if (problem.empty()) problem = text;
+    };
+    for (std::size_t index = 0; index < parts.size(); ++index) {
+        auto& part = parts[index];
         if (part.path.empty()) {
-            if (problem.empty())
-                problem = "the file of movie part " + std::to_string(index + 1) + " is missing in " +
-                          in_quotes(folder) + ".";
+            tell("the file of movie part " + std::to_string(index + 1) + " is missing in " +
+                 in_quotes(folder) + ".");
         } else if (part.part_duration <= 0) {
             const auto movie = probe_movie(part.path);
             if (movie) part.part_duration = movie.value().duration;
-            if (!movie && problem.empty()) problem = movie.message();
+            if (!movie) tell(movie.message());
         }
+    }
+    if (extra > 0) {
+        tell(in_quotes(parts[parts.size() - extra].path) +
+             " is not in the vistel's list of movie parts. It is shown after them.");
     }
     return problem;
 }
 
-std::string load_vistel(single_Vistel_CTR& vistel, const std::string& folder,
-                        const std::string& local_vistels) {
-    if (!vistel.stored_item().text_or_empty("http file - coll").empty()) {
-        return "it is streamed from a server, and streamed movies are not played.";
+// The local copy of a streamed vistel, against the durations on record.
+double missing_seconds(const part_list& parts) {
+    double missing = 0;
+    for (const auto& part : parts) {
+        if (part.path.empty()) {
+            missing += part.part_duration;
+        } else if (part.part_duration > 0) {
+            const auto movie = probe_movie(part.path);
+            if (movie) missing += part.part_duration - movie.value().duration;
+        }
     }
-    if (!is_plain_name(vistel.uuid())) return "its record has no usable identifier.";
-    std::string data_folder;
+    return missing;
+}
+
+// Where a vistel's record lies, and what it holds.
+struct found_record {
+    std::string folder;
+    property_dictionary record;
+};
+
+result<found_record> find_record(const single_Vistel_CTR& vistel, const std::string& folder,
+                                 const std::string& local_vistels) {
+    if (!is_plain_name(vistel.uuid())) return failure{"its record has no usable identifier."};
     const auto places = data_folders(vistel, folder, local_vistels);
-    for (const auto& place : places) {
-        if (data_folder.empty() && is_folder(place)) data_folder = place;
+    const auto found = std::find_if(places.begin(), places.end(), is_folder);
+    if (found == places.end()) {
+        return failure{vistel.http_file().empty()
+                           ? "its folder " + in_quotes(places.front()) + " is missing."
+                           : "it is streamed from " + in_quotes(vistel.http_file()) +
+                                 ", and there is no local copy in " + in_quotes(places.front()) + "."};
     }
-    if (data_folder.empty()) return "its folder " + in_quotes(places.front()) + " is missing.";
-    const std::string path = path_join(data_folder, vistel_file_name);
-    if (!file_exists(path)) return in_quotes(path) + " is missing.";
+    const std::string path = path_join(*found, vistel_file_name);
+    if (!file_exists(path)) return failure{in_quotes(path) + " is missing."};
     const auto record = read_property_list_file(path);
-    if (!record) return record.message();
-    // From here on the record may be written again.
+    if (!record) return record.error();
     const auto* dictionary = record.value().dictionary();
-    if (!dictionary) return in_quotes(path) + " does not hold a vistel.";
-    vistel.set_data_folder(data_folder);
-    read_vistel_record(vistel, *dictionary);
+    if (!dictionary) return failure{in_quotes(path) + " does not hold a vistel."};
+    return found_record{*found, *dictionary};
+}
+
+// What keeps a vistel from being shown, or shown whole; an alert is told as it stands.
+struct load_outcome {
+    std::string problem;
+    std::string alert;
+};
+
+load_outcome load_movies(single_Vistel_CTR& vistel, const std::string& folder) {
     auto parts = vistel.parts();
-    match_files(parts, data_folder);
-    std::string problem = check_parts(parts, data_folder);
-    if (parts.parts.empty()) problem = in_quotes(data_folder) + " holds no movie. There are no movie parts.";
-    vistel.set_parts(std::move(parts));
-    return problem;
+    const std::size_t extra = match_files(parts.parts, unused_movies(vistel.stored_vistel()), folder);
+    load_outcome outcome;
+    outcome.problem = check_parts(parts.parts, extra, folder);
+    if (parts.parts.empty()) {
+        outcome.problem = in_quotes(folder) + " holds no movie. " + no_movie_parts_text;
+    } else if (!vistel.http_file().empty()) {
+        constexpr double least_told_seconds = 0.1;
+        const double missing = missing_seconds(parts.parts);
+        if (missing >= least_told_seconds) outcome.alert = shorter_than_expected_text(vistel.name(), missing);
+    }
+    vistel.set_parts(parts);
+    vistel.set_parts_on_record(std::move(parts));
+    return outcome;
+}
+
+load_outcome load_vistel(single_Vistel_CTR& vistel, const std::string& folder,
+                         const std::string& local_vistels) {
+    const auto found = find_record(vistel, folder, local_vistels);
+    if (!found) return {found.message(), {}};
+    // From here on the record may be written again.
+    vistel.set_data_folder(found.value().folder);
+    read_vistel_record(vistel, found.value().record);
+    if (vistel.is_inserted_picture()) {
+        const bool is_there = !picture_path(vistel).empty();
+        return {is_there ? "" : in_quotes(found.value().folder) + " holds no picture.", {}};
+    }
+    return load_movies(vistel, found.value().folder);
+}
+
+// Every vistel in its order; nothing may save the collection meanwhile.
+void load_vistels(loaded_collection& loaded, const std::string& folder, const std::string& local_vistels) {
+    const saving_block block(loaded.collection);
+    const auto vistels = loaded.collection.vistels();
+    const auto frames = grid_layout(vistels.size());
+    for (std::size_t index = 0; index < vistels.size(); ++index) {
+        auto& vistel = *vistels[index];
+        const auto outcome = load_vistel(vistel, folder, local_vistels);
+        if (!vistel.proportion_rect()) vistel.set_proportion_rect(frames[index]);
+        if (!outcome.alert.empty()) loaded.messages.push_back(outcome.alert);
+        if (outcome.problem.empty()) continue;
+        vistel.set_problem(outcome.problem);
+        loaded.messages.push_back(load_error(vistel, outcome.problem));
+    }
+}
+
+// A record in which something stands where the vistels should would lose it.
+bool is_collection_record(const property_value& record) {
+    const auto* dictionary = record.dictionary();
+    if (!dictionary) return false;
+    const auto* items = dictionary->find(collection_items_key);
+    return !items || items->array();
+}
+
+// The files of the parts that the vistel has on record.
+part_list recorded_parts(const single_Vistel_CTR& vistel) {
+    if (const auto known = vistel.parts_on_record()) return known->parts;
+    const auto record = vistel.stored_vistel();
+    const auto* stored = record.array("drone_array");
+    if (!stored) return {};
+    auto parts = read_movie_parts(*stored).parts;
+    const std::size_t extra = match_files(parts, unused_movies(record), vistel.data_folder());
+    parts.resize(parts.size() - extra);
+    return parts;
+}
+
+// A file that was a part and is none now is not to come back as one.
+void list_unused_movies(property_dictionary& record, const single_Vistel_CTR& vistel) {
+    const auto* parts = record.find("drone_array");
+    const auto as_read = vistel.stored_vistel();
+    const auto* before = as_read.find("drone_array");
+    if (!parts || (before && *before == *parts)) return;
+    std::vector<std::string> used;
+    for (const auto& part : vistel.parts().parts) used.push_back(path_name(part.path));
+    auto candidates = unused_movies(as_read);
+    for (const auto& part : recorded_parts(vistel)) candidates.push_back(path_name(part.path));
+    std::vector<std::string> unused;
+    for (const auto& name : candidates) {
+        // Padding that is not used is deleted.
+        const bool is_there = !name.empty() && !is_padding_file_name(name) &&
+                              file_exists(path_join(vistel.data_folder(), name));
+        if (is_there && !is_among(used, name) && !is_among(unused, name)) unused.push_back(name);
+    }
+    set_unused_movies(record, unused);
 }
 
 // A file that is no record of ours is not replaced without a trace.
 result<void> keep_foreign_file(const std::string& path, file_system& files) {
     const auto there = read_property_list_file(path);
-    if (!there || there.value().dictionary()) return {};
+    if (!there || is_collection_record(there.value())) return {};
     if (const int fault = files.hard_link(path, damaged_name(path))) {
         return file_failure(path, "could not be kept", fault);
     }
@@ -129,6 +267,25 @@ result<void> keep_foreign_file(const std::string& path, file_system& files) {
 }
 
 }  // namespace
+
+movie_Part_DRONE_Offsets_Root parts_in_folder(const std::string& folder) {
+    single_Vistel_CTR vistel;
+    read_vistel_record(vistel, read_dictionary_or_empty(path_join(folder, vistel_file_name)));
+    auto parts = vistel.parts();
+    match_files(parts.parts, unused_movies(vistel.stored_vistel()), folder);
+    return parts;
+}
+
+std::string shorter_than_expected_text(const std::string& name, double seconds) {
+    constexpr double whole_seconds_from = 10;
+    // Tenths that would be rounded up to 10.0 are told as 10.
+    const bool is_whole = std::round(seconds * 10) >= whole_seconds_from * 10;
+    std::string number;
+    append_shortest_decimal(number, is_whole ? std::round(seconds) : std::round(seconds * 10) / 10);
+    if (!is_whole && number.find('.') == std::string::npos) number += ".0";
+    return "Vistel '" + name + "' is " + number +
+           " seconds shorter than expected.  \r\rRestarting HLS localizing for this vistel may fix this.";
+}
 
 std::string vault_of(const std::string& path) {
     std::error_code ignored;
@@ -153,39 +310,44 @@ result<loaded_collection> load_collection(const std::string& folder, const std::
     if (!record) return record.error();
     loaded_collection loaded;
     const auto* dictionary = record.value().dictionary();
-    if (dictionary) {
-        loaded.collection = read_collection(*dictionary);
-    } else {
+    if (dictionary) loaded.collection = read_collection(*dictionary);
+    if (!is_collection_record(record.value())) {
         loaded.messages.push_back(in_quotes(path) +
                                   " does not hold a collection. It is kept beside when this one is saved.");
     }
-    const auto vistels = loaded.collection.vistels();
-    const auto frames = grid_layout(vistels.size());
-    for (std::size_t index = 0; index < vistels.size(); ++index) {
-        auto& vistel = *vistels[index];
-        const std::string problem = load_vistel(vistel, folder, local_vistels);
-        if (!vistel.proportion_rect()) vistel.set_proportion_rect(frames[index]);
-        if (problem.empty()) continue;
-        vistel.set_problem(problem);
-        loaded.messages.push_back(load_error(vistel, problem));
+    if (has_foreign_items(loaded.collection)) {
+        loaded.messages.push_back(in_quotes(path) + " names something that is no vistel. It is passed over.");
+    }
+    load_vistels(loaded, folder, local_vistels);
+    for (auto& problem : numbering_problems(loaded.collection)) {
+        loaded.messages.push_back(std::move(problem));
     }
     return loaded;
 }
 
 result<void> save_collection(video_collection_ROOT& collection, const std::string& folder,
                              file_system& files) {
-    const auto record = write_collection(collection, seconds_since_1970());
     const std::string path = path_join(folder, collection_file_name);
+    if (collection.saving_is_blocked()) {
+        return failure{in_quotes(path) + " was not saved: the collection is still being loaded."};
+    }
+    const auto record = write_collection(collection, seconds_since_1970());
     if (auto kept = keep_foreign_file(path, files); !kept) return kept;
     if (auto saved = safe_write(path, record, files); !saved) return saved;
+    return save_vistels(collection, files);
+}
+
+result<void> save_vistels(const video_collection_ROOT& collection, file_system& files) {
     for (const auto& vistel : collection.vistels()) {
         if (vistel->data_folder().empty()) continue;
         auto stored = write_vistel_record(*vistel);
-        if (stored == vistel->stored_vistel()) continue;
-        if (auto saved = safe_write(path_join(vistel->data_folder(), vistel_file_name), stored, files);
-            !saved)
-            return saved;
-        vistel->set_stored_vistel(std::move(stored));
+        list_unused_movies(stored, *vistel);
+        const std::string path = path_join(vistel->data_folder(), vistel_file_name);
+        if (stored != vistel->stored_vistel() || !file_exists(path)) {
+            if (auto saved = safe_write(path, stored, files); !saved) return saved;
+            vistel->set_stored_vistel(std::move(stored));
+        }
+        vistel->set_parts_on_record(vistel->parts());
     }
     return {};
 }

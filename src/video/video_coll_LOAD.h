@@ -14,22 +14,40 @@ inline constexpr const char* collection_file_name = "video group.plist";
 inline constexpr const char* vistel_file_name = "single video.plist";
 inline constexpr const char* vistels_folder_name = "Single Videos";
 
-// A collection read from its folder, with what is wrong with its vistels.
+// Told of a vistel, and of an item of a file list, in which no movie is found.
+inline constexpr const char* no_movie_parts_text = "There are no movie parts.";
+inline constexpr const char* item_has_no_movie_parts_text = "File list item has no movie parts.";
+
+// A collection read from its folder, with what is wrong with it.
 struct loaded_collection {
     video_collection_ROOT collection;
-    std::vector<std::string> messages;  // one for each vistel with a problem; it names the file
+    // For the user: one for each vistel with a problem, which names the file, and what is wrong with the
+    // collection's record or its numbering.
+    std::vector<std::string> messages;
 };
 
-// Reads "video group.plist" in `folder` and, for each vistel, the record and the movie parts in its data
-// folder. A vistel that cannot be read keeps the rest: it has a problem() and no path for what is missing. A
-// missing or damaged collection record is an error. `local_vistels` is the folder of the vistels whose data
-// is kept locally ("Single Videos Local"); empty when there is none. Movies are not opened, except those
-// whose duration no record holds. Any thread.
+// Reads "video group.plist" in `folder` and, for each vistel in its order, the record and the movie parts in
+// its data folder. A vistel that cannot be read keeps the rest: it has a problem() and no path for what is
+// missing. A missing or damaged collection record is an error; an element of it that is no record is told and
+// kept. Nothing is written: movie parts without a file stay, files without a part are shown after the others,
+// and both change the record only when the parts are changed. `local_vistels` is the folder of the vistels
+// whose data is kept locally ("Single Videos Local"); empty when there is none. Movies are not opened, except
+// those whose duration no record holds, and the local copy of a streamed vistel. Any thread.
 result<loaded_collection> load_collection(const std::string& folder, const std::string& local_vistels = {});
 
-// Writes the collection record and then the records of the vistels that differ from what was read.
+// Writes the collection record and then the records of the vistels that differ from what was read. Fails
+// while saving is blocked. What stands in the record's place and is none is kept as "X damaged N".
 result<void> save_collection(video_collection_ROOT& collection, const std::string& folder,
                              file_system& files = machine_files());
+// The records of the vistels that differ from what was read, alone.
+result<void> save_vistels(const video_collection_ROOT& collection, file_system& files = machine_files());
+
+// The movie parts of the vistel whose data lies in `folder`, with the files found for them; durations that no
+// record holds stay 0.
+movie_Part_DRONE_Offsets_Root parts_in_folder(const std::string& folder);
+
+// What to tell when the local copy of a streamed vistel lacks that many seconds; tenths below 10.
+std::string shorter_than_expected_text(const std::string& name, double seconds);
 
 // Where the data of the collection in `folder` lies: "Single Videos" in the vault that holds the folder, or
 // in the folder itself when no vault does.

@@ -4,12 +4,18 @@
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_Offsets.h"
+#include "video/video_coll_Pictures.h"
 
 namespace vistels {
 
 namespace {
 
 std::vector<playback_part> playback_parts_of(const single_Vistel_CTR& vistel) {
+    if (vistel.is_inserted_picture()) {
+        const std::string picture = picture_path(vistel);
+        if (picture.empty()) return {};
+        return {{picture, 0, 0, true}};
+    }
     const auto parts = vistel.parts();
     const auto starts = parts.starts();
     std::vector<playback_part> played;

@@ -13,6 +13,17 @@
 
 namespace vistels {
 
+// The finite number under `key`.
+inline std::optional<double> finite_number(const property_dictionary& stored, const char* key) {
+    const auto number = stored.number(key);
+    return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+inline std::optional<rectangle> stored_frame(const property_dictionary& stored, const char* key) {
+    const auto* value = stored.find(key);
+    return value ? rectangle_from(*value) : std::nullopt;
+}
+
 // Writes a stored record: the keys of `order` first, with the values set here or else as they were read, then
 // the keys as read that `order` does not know. Both arguments must outlive it.
 class record_writer {
@@ -21,25 +32,34 @@ class record_writer {
         : order_(order), as_read_(as_read) {}
 
     void value(const char* key, property_value value) { set_.set(key, std::move(value)); }
-    // An empty text is left out.
+    // A text that did not change stays as it was read, a value of another type in its place too; an empty one
+    // that did is left out.
     void text(const char* key, const std::string& text) {
+        if (text == as_read_.text_or_empty(key)) return;
         set_.set(key, text.empty() ? property_value() : property_value(text));
     }
     // A value that is the default stays as it was read, in the file or not.
     void flag(const char* key, bool flag) {
-        if (flag || as_read_.boolean(key).value_or(false)) set_.set(key, flag);
+        if (flag != as_read_.boolean(key).value_or(false)) set_.set(key, flag);
     }
     void integer(const char* key, std::int64_t number) {
         if (number != as_read_.integer(key).value_or(0)) set_.set(key, number);
     }
     void number(const char* key, std::optional<double> number) {
-        if (number != as_read_.number(key))
+        if (number != finite_number(as_read_, key))
             set_.set(key, number ? property_value(*number) : property_value());
+    }
+    // The same for a number whose default is 0.
+    void number_if_set(const char* key, double number) {
+        if (number != finite_number(as_read_, key).value_or(0)) set_.set(key, number);
+    }
+    // The same for one that is written always.
+    void number_always(const char* key, double number) {
+        if (finite_number(as_read_, key) != number) set_.set(key, number);
     }
     // A frame that did not change keeps the form in which it was read.
     void frame(const char* key, const std::optional<rectangle>& frame) {
-        const auto* read = as_read_.find(key);
-        if (read && rectangle_from(*read) == frame) return;
+        if (stored_frame(as_read_, key) == frame) return;
         set_.set(key, frame ? property_value(rectangle_text(*frame)) : property_value());
     }
 
@@ -68,16 +88,5 @@ class record_writer {
     const property_dictionary& as_read_;
     property_dictionary set_;  // null: left out
 };
-
-// The finite number under `key`.
-inline std::optional<double> finite_number(const property_dictionary& stored, const char* key) {
-    const auto number = stored.number(key);
-    return number && std::isfinite(*number) ? number : std::nullopt;
-}
-
-inline std::optional<rectangle> stored_frame(const property_dictionary& stored, const char* key) {
-    const auto* value = stored.find(key);
-    return value ? rectangle_from(*value) : std::nullopt;
-}
 
 }  // namespace vistels

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <set>
 
 #include "util/text_forms.h"
 #include "video/video_coll_Records.h"
@@ -11,7 +13,10 @@ namespace vistels {
 
 namespace {
 
-constexpr const char* items_key = "array video group items";
+// Only in files of a collection that is being archived; not part of the collection.
+constexpr const char* archive_key = "temp_completion_UUID_created_during_archive";
+constexpr const char* pushed_key = "pushed vistel data";
+constexpr const char* remembered_ratio_key = "remember_outside_bounds_video_ratio_for_vistel_FLICKING";
 constexpr std::int64_t numbers_end = std::int64_t{1} << 53;
 
 constexpr const char* collection_keys[] = {
@@ -25,7 +30,7 @@ constexpr const char* collection_keys[] = {
     "video group name",
     "video outside bounds ratio",
     "flicked_in_state",
-    "remember_outside_bounds_video_ratio_for_vistel_FLICKING",
+    remembered_ratio_key,
     "video type state",
     "volume",
     "date updated",
@@ -35,13 +40,11 @@ constexpr const char* collection_keys[] = {
     "UUID of linked composer archive",
     "UUID of linked timeline archive",
     "UUID_of_vistel_for_sound",
-    "pushed vistel data",
-    items_key,
+    pushed_key,
+    collection_items_key,
     "show missing vistel starts",
+    archive_key,
 };
-
-// Only in files of a collection that is being archived; not part of the collection.
-constexpr const char* archive_key = "temp_completion_UUID_created_during_archive";
 
 struct state_text {
     video_type_state state;
@@ -61,6 +64,100 @@ std::int64_t read_quick_number(const property_dictionary& stored) {
     std::optional<double> number = value->text() ? number_from_text(*value->text()) : value->number();
     if (!number || !(*number > 0) || *number >= static_cast<double>(numbers_end)) return 0;
     return std::floor(*number) == *number ? static_cast<std::int64_t>(*number) : 0;
+}
+
+std::optional<double> positive_number(const property_dictionary& stored, const char* key) {
+    const auto number = finite_number(stored, key);
+    return number && *number > 0 ? number : std::nullopt;
+}
+
+// A ratio that is none stays as it was read.
+void write_ratio(record_writer& writer, const property_dictionary& as_read, const char* key,
+                 std::optional<double> ratio) {
+    if (ratio != positive_number(as_read, key)) {
+        writer.value(key, ratio ? property_value(*ratio) : property_value());
+    }
+}
+
+std::vector<pushed_vistel> read_pushed(const property_dictionary& stored) {
+    std::vector<pushed_vistel> pushed;
+    const auto* entries = stored.dictionary(pushed_key);
+    if (!entries) return pushed;
+    for (const auto& entry : *entries) {
+        if (const auto frame = rectangle_from(entry.value)) pushed.push_back({entry.key, *frame});
+    }
+    return pushed;
+}
+
+// What in the dictionary is no frame stays.
+void write_pushed(record_writer& writer, const video_collection_ROOT& collection,
+                  const property_dictionary& as_read) {
+    const auto pushed = collection.pushed_vistels();
+    if (pushed == read_pushed(as_read)) return;
+    property_dictionary written;
+    if (const auto* entries = as_read.dictionary(pushed_key)) {
+        for (const auto& entry : *entries) {
+            if (!rectangle_from(entry.value)) written.set(entry.key, entry.value);
+        }
+    }
+    for (const auto& one : pushed) written.set(one.uuid, rectangle_text(one.frame));
+    writer.value(pushed_key, written.empty() ? property_value() : property_value(std::move(written)));
+}
+
+// Whether a vistel is enlarged: any value that says yes counts, and keeps its form as long as it is right.
+bool says_yes(const property_value* value) {
+    if (!value) return false;
+    if (const auto* text = value->text()) return number_from_text(*text).value_or(0) != 0;
+    return value->boolean().value_or(value->number().value_or(0) != 0);
+}
+
+void write_enlargement(record_writer& writer, const video_collection_ROOT& collection,
+                       const property_dictionary& as_read) {
+    const auto all = collection.vistels();
+    const bool is_enlarged =
+        std::any_of(all.begin(), all.end(), [](const auto& vistel) { return vistel->flicked_in(); });
+    if (is_enlarged != says_yes(as_read.find("flicked_in_state"))) {
+        writer.value("flicked_in_state", is_enlarged);
+    }
+}
+
+std::vector<std::shared_ptr<single_Vistel_CTR>> read_items(const property_dictionary& stored) {
+    std::vector<std::shared_ptr<single_Vistel_CTR>> vistels;
+    const auto* items = stored.array(collection_items_key);
+    for (std::size_t index = 0; items && index < items->size(); ++index) {
+        if (const auto* dictionary = (*items)[index].dictionary()) {
+            vistels.push_back(std::make_shared<single_Vistel_CTR>(read_vistel_item(*dictionary)));
+        }
+    }
+    return vistels;
+}
+
+// The elements that are no records, in their places, with nulls in those of the vistels.
+property_array foreign_items(const property_dictionary& stored) {
+    const auto* items = stored.array(collection_items_key);
+    property_array foreign = items ? *items : property_array();
+    for (auto& item : foreign) {
+        if (item.dictionary()) item = property_value();
+    }
+    while (!foreign.empty() && foreign.back().is_null()) foreign.pop_back();
+    return foreign;
+}
+
+property_array write_items(const video_collection_ROOT& collection) {
+    property_array items;
+    for (const auto& vistel : collection.vistels()) items.emplace_back(write_vistel_item(*vistel));
+    const auto foreign = foreign_items(collection.stored());
+    for (std::size_t index = 0; index < foreign.size(); ++index) {
+        if (foreign[index].is_null()) continue;
+        const auto place = std::min(index, items.size());
+        items.insert(items.begin() + static_cast<std::ptrdiff_t>(place), foreign[index]);
+    }
+    return items;
+}
+
+// How a problem names a vistel.
+std::string shown_name(const single_Vistel_CTR& vistel) {
+    return "\"" + (vistel.name().empty() ? vistel.uuid() : vistel.name()) + "\"";
 }
 
 }  // namespace
@@ -91,66 +188,150 @@ std::shared_ptr<single_Vistel_CTR> video_collection_ROOT::find_vistel(std::strin
     return found == all.end() ? nullptr : *found;
 }
 
-double video_collection_ROOT::unused_vistel_number() const {
-    const auto all = vistels();
-    double largest = 0;
-    for (const auto& vistel : all) {
-        if (vistel->number() < static_cast<double>(numbers_end - 1)) {
-            largest = std::max(largest, std::floor(vistel->number()));
-        }
+void video_collection_ROOT::insert_vistel(std::size_t index, std::shared_ptr<single_Vistel_CTR> vistel) {
+    auto all = vistels();
+    all.insert(all.begin() + static_cast<std::ptrdiff_t>(std::min(index, all.size())), std::move(vistel));
+    set_vistels(std::move(all));
+}
+
+std::optional<std::size_t> video_collection_ROOT::remove_vistel(const single_Vistel_CTR& vistel) {
+    auto all = vistels();
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.get() == &vistel; });
+    if (found == all.end()) return std::nullopt;
+    const auto index = static_cast<std::size_t>(found - all.begin());
+    all.erase(found);
+    set_vistels(std::move(all));
+    return index;
+}
+
+bool video_collection_ROOT::move_vistel(const single_Vistel_CTR& vistel, std::size_t index) {
+    for (const auto& one : vistels()) {
+        if (one.get() != &vistel) continue;
+        remove_vistel(vistel);
+        insert_vistel(index, one);
+        return true;
     }
-    return largest + 1;
+    return false;
+}
+
+saving_block::saving_block(video_collection_ROOT& collection) : collection_(collection) {
+    const record_guard guard(collection_.lk);
+    ++collection_.saving_blocks_.number;
+}
+
+saving_block::~saving_block() {
+    const record_guard guard(collection_.lk);
+    --collection_.saving_blocks_.number;
+}
+
+std::vector<double> video_collection_ROOT::unused_vistel_numbers(std::size_t count) const {
+    std::set<double> used;
+    for (const auto& vistel : vistels()) used.insert(std::floor(vistel->number()));
+    constexpr auto end = static_cast<double>(numbers_end);
+    const auto above = used.lower_bound(end);
+    double next = above == used.begin() ? 1 : std::max(*std::prev(above), 0.0) + 1;
+    if (end - next < static_cast<double>(count)) next = 1;
+    std::vector<double> numbers;
+    for (; numbers.size() < count; ++next) {
+        if (!used.contains(next)) numbers.push_back(next);
+    }
+    return numbers;
 }
 
 video_collection_ROOT read_collection(const property_dictionary& stored) {
     video_collection_ROOT collection;
     collection.set_uuid(stored.text_or_empty("UUID video group"));
+    collection.set_secondary_uuid(stored.text_or_empty("UUID video group - secondary"));
     collection.set_quick_number(read_quick_number(stored));
+    collection.set_original_quick_number(stored.text_or_empty("UUID video group quick ORIGINAL source"));
+    collection.set_previous_uuid(stored.text_or_empty("UUID video group - previous i7"));
+    collection.set_last_copied(
+        finite_number(stored, "last time copied between folders - collection i7").value_or(0));
     collection.set_created_by(stored.text_or_empty("created by"));
     collection.set_name(stored.text_or_empty("video group name"));
+    collection.set_outside_bounds_ratio(positive_number(stored, "video outside bounds ratio"));
+    collection.set_remembered_outside_bounds_ratio(positive_number(stored, remembered_ratio_key));
     collection.set_state(video_type_state_from_text(stored.text_or_empty("video type state")));
     collection.set_volume(std::clamp(finite_number(stored, "volume").value_or(1), 0.0, 1.0));
     collection.set_movie_time(finite_number(stored, "movie time").value_or(0));
     collection.set_displays_vistel_number(stored.boolean("display vistel number").value_or(false));
+    collection.set_linked_composer(stored.text_or_empty("UUID of linked composer archive"));
     collection.set_linked_timeline(stored.text_or_empty("UUID of linked timeline archive"));
     collection.set_vistel_for_sound(stored.text_or_empty("UUID_of_vistel_for_sound"));
-    std::vector<std::shared_ptr<single_Vistel_CTR>> vistels;
-    if (const auto* items = stored.array(items_key)) {
-        for (const auto& item : *items) {
-            if (const auto* dictionary = item.dictionary()) {
-                vistels.push_back(std::make_shared<single_Vistel_CTR>(read_vistel_item(*dictionary)));
-            }
-        }
-    }
-    collection.set_vistels(std::move(vistels));
+    collection.set_pushed_vistels(read_pushed(stored));
+    collection.set_shows_missing_starts(stored.boolean("show missing vistel starts").value_or(false));
+    collection.set_vistels(read_items(stored));
     property_dictionary kept = stored;
     kept.remove(archive_key);
-    kept.remove(items_key);
+    auto foreign = foreign_items(stored);
+    kept.remove(collection_items_key);
+    if (!foreign.empty()) kept.set(collection_items_key, std::move(foreign));
     collection.set_stored(std::move(kept));
     return collection;
 }
 
-property_dictionary write_collection(const video_collection_ROOT& collection, double now) {
+property_dictionary write_collection(const video_collection_ROOT& collection, double now,
+                                     const std::string& archive_uuid) {
     const auto as_read = collection.stored();
     record_writer writer(collection_keys, as_read);
     writer.text("UUID video group", collection.uuid());
-    if (collection.quick_number() > 0) {
+    writer.text("UUID video group - secondary", collection.secondary_uuid());
+    if (collection.quick_number() > 0 && collection.quick_number() != read_quick_number(as_read)) {
         writer.text("UUID video group quick", std::to_string(collection.quick_number()));
     }
+    writer.text("UUID video group quick ORIGINAL source", collection.original_quick_number());
+    writer.text("UUID video group - previous i7", collection.previous_uuid());
+    writer.number_if_set("last time copied between folders - collection i7", collection.last_copied());
     writer.text("created by", collection.created_by());
     writer.text("video group name", collection.name());
-    writer.text("video type state", std::string(video_type_state_text(collection.state())));
-    writer.value("volume", collection.volume());
+    write_ratio(writer, as_read, "video outside bounds ratio", collection.outside_bounds_ratio());
+    write_enlargement(writer, collection, as_read);
+    write_ratio(writer, as_read, remembered_ratio_key, collection.remembered_outside_bounds_ratio());
+    const auto* state = as_read.text("video type state");
+    if (!state || video_type_state_from_text(*state) != collection.state()) {
+        writer.value("video type state", video_type_state_text(collection.state()));
+    }
+    writer.number_always("volume", collection.volume());
     writer.value("date updated", property_date{now});
     writer.value("seconds updated", now);
-    writer.value("movie time", collection.movie_time());
+    writer.number_always("movie time", collection.movie_time());
     writer.flag("display vistel number", collection.displays_vistel_number());
+    writer.text("UUID of linked composer archive", collection.linked_composer());
     writer.text("UUID of linked timeline archive", collection.linked_timeline());
     writer.text("UUID_of_vistel_for_sound", collection.vistel_for_sound());
-    property_array items;
-    for (const auto& vistel : collection.vistels()) items.emplace_back(write_vistel_item(*vistel));
-    writer.value(items_key, std::move(items));
+    write_pushed(writer, collection, as_read);
+    writer.value(collection_items_key, write_items(collection));
+    writer.flag("show missing vistel starts", collection.shows_missing_starts());
+    if (!archive_uuid.empty()) writer.value(archive_key, archive_uuid);
     return writer.finish();
+}
+
+bool has_foreign_items(const video_collection_ROOT& collection) {
+    return !foreign_items(collection.stored()).empty();
+}
+
+std::vector<std::string> numbering_problems(const video_collection_ROOT& collection) {
+    std::vector<std::string> problems;
+    const auto all = collection.vistels();
+    for (auto one = all.begin(); one != all.end(); ++one) {
+        const double number = (*one)->number();
+        const auto same_number = [&](const auto& other) { return other->number() == number; };
+        const auto same_uuid = [&](const auto& other) { return other->uuid() == (*one)->uuid(); };
+        const auto namesake = std::find_if(all.begin(), one, same_number);
+        if (!(number > 0)) {
+            problems.push_back("The vistel " + shown_name(**one) +
+                               " has no number: clips cannot refer to it.");
+        } else if (namesake != one) {
+            problems.push_back("The vistels " + shown_name(**namesake) + " and " + shown_name(**one) +
+                               " have the same number: clips that refer to it show the first.");
+        }
+        if (!(*one)->uuid().empty() && std::find_if(all.begin(), one, same_uuid) != one) {
+            problems.push_back("The vistel " + shown_name(**one) +
+                               " is in the collection twice: both show the same data.");
+        }
+    }
+    return problems;
 }
 
 std::vector<rectangle> grid_layout(std::size_t count) {

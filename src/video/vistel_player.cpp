@@ -34,6 +34,7 @@ vistel_player::~vistel_player() {
 }
 
 vistel_player::place vistel_player::place_of(double seconds) const {
+    if (is_still()) return {0, 0};
     const double reached = seconds + frame_tolerance_seconds;
     int part = -1;
     for (std::size_t i = 0; i < parts_.size() && parts_[i].start <= reached; ++i) part = static_cast<int>(i);
@@ -53,6 +54,10 @@ int vistel_player::part_at_or_after(double seconds) const {
         ++part;
     }
     return part;
+}
+
+bool vistel_player::is_still() const {
+    return parts_.size() == 1 && parts_.front().is_still;
 }
 
 double vistel_player::duration() const {

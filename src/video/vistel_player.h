@@ -17,8 +17,11 @@ namespace vistels {
 // One movie file of a vistel, on the vistel's own time line.
 struct playback_part {
     std::string path;
-    double start = 0;     // seconds
-    double duration = 0;  // seconds
+    double start = 0;       // seconds
+    double duration = 0;    // seconds
+    bool is_still = false;  // a picture, shown at all times; the vistel has no other part
+
+    bool operator==(const playback_part&) const = default;
 };
 
 enum class vistel_state {
@@ -60,6 +63,8 @@ class vistel_player {
     double frame_seconds(double seconds) const;
     // The end of the last part.
     double duration() const;
+    // Whether the vistel is a picture that is shown at all times.
+    bool is_still() const;
     const std::vector<playback_part>& parts() const { return parts_; }
 
   private:

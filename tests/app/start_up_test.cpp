@@ -276,6 +276,12 @@ TEST(settings, values_in_force) {
          "&"},
         {"application volume.plist", "application volume", 0.25, "application volume", 0.25},
         {"application volume.plist", "application volume", "0.25", "application volume", 1.0},
+        {"Collection/show vistel number name.plist", "show_vistel_name_with_number", true,
+         "show_vistel_name_with_number", true},
+        {"Collection/local video data.plist", "store video data in collection folder", true,
+         "store video data in collection folder", true},
+        {"Collection/local video data.plist", "store video data in collection folder", "yes",
+         "store video data in collection folder", false},
         {"Vault preferences/minimum free space for vault for warning.plist",
          "minimum vault free space percent (valid range 1-99, default 10)", 99,
          "minimum vault free space percent", 99},
@@ -303,11 +309,17 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_TRUE(save_application_volume(places, 0.5));
     EXPECT_TRUE(save_default_formula_operator(places, '|'));
     EXPECT_TRUE(save_minimum_free_space(places, {25}));
+    EXPECT_TRUE(save_show_vistel_number_name(places, {true}));
+    EXPECT_TRUE(save_local_video_data(places, {true}));
+    EXPECT_TRUE(save_view_offsets(places, {-12.5}));
     EXPECT_EQ(load_playback_top_speed(places).rate, 64);
     EXPECT_EQ(load_pitch_algorithm(places), pitch_algorithm::time_domain);
     EXPECT_EQ(load_application_volume(places), 0.5);
     EXPECT_EQ(load_default_formula_operator(places), '|');
     EXPECT_EQ(load_minimum_free_space(places).percent, 25);
+    EXPECT_TRUE(load_show_vistel_number_name(places).shown);
+    EXPECT_TRUE(load_local_video_data(places).in_collection_folder);
+    EXPECT_EQ(load_view_offsets(places).vertical, -12.5);
 }
 
 }  // namespace

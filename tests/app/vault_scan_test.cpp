@@ -52,8 +52,8 @@ TEST(vault_scan, counts_by_marker_files) {
     ASSERT_TRUE(found);
     EXPECT_EQ(found.value().counts, (std::array<std::size_t, 6>{2, 1, 1, 1, 2, 1}));
     EXPECT_EQ(found.value().items.size(), 8U);
-    EXPECT_EQ(found.value().items[0].file_name_, "\xff\xfe");
-    EXPECT_EQ(found.value().items[1].full_file_path, vault + "/Composers/c");
+    EXPECT_EQ(found.value().items.front().full_file_path, vault + "/Composers/c");
+    EXPECT_EQ(found.value().items.back().file_name_, "\xff\xfe");
     EXPECT_TRUE(found.value().problems.empty());
     EXPECT_FALSE(scan_vault(home / "none"));
     EXPECT_FALSE(scan_vault(vault + "/d/Table.plist"));

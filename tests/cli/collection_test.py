@@ -5,8 +5,9 @@ import os
 import plistlib
 import shutil
 import unittest
+from pathlib import Path
 
-from support import HAVE_MEDIA, CommandTest
+from support import HAVE_MEDIA, CommandTest, clip, row, timeline
 
 
 def item(uuid, number=None, **more):
@@ -62,6 +63,21 @@ class StoredCollection(CommandTest):
                           self.printed("collection", "show", self.collection)["vistels"]], [3.25, 0])
         self.assertIn("7", self.complaint("collection", "offset", self.collection, "7", "1"))
 
+    def test_an_offset_takes_the_timeline_along(self):
+        self.store(item("A", 5), item("B", 6))
+        stamped = {"qualifiers_array": [{"uuid": "Q", "name": "q", "time": 21.5}]}
+        self.write(self.collection / "chron data.plist",
+                   timeline(row("Shot", clip("K", 20.0, 25.0, qualifiers=stamped))))
+        shown = self.printed("collection", "offset", self.collection, "A", "4")
+        self.assertEqual([one["lead_clips"] for one in shown["vistels"]], [0, 4])
+        self.assertEqual(shown["movie_time"], 8.5)
+        stored = self.printed("timeline", "show", self.collection)["rows"][0]["clips"][0]
+        self.assertEqual((stored["time_start"], stored["time_end"]), (16, 21))
+        self.assertEqual(stored["qualifiers"]["qualifiers_array"][0]["time"], 17.5)
+        self.printed("collection", "offset", self.collection, "A", "-4")
+        stored = self.printed("timeline", "show", self.collection)["rows"][0]["clips"][0]
+        self.assertEqual(stored["time_start"], 20)
+
     def test_range(self):
         self.store(item("A", 5, **{"manual start offset": -1.5}), item("B", 6))
         for vistel, start, end, wanted in (("A", 10, 12, (11.5, 2, 6900, 1200)), ("5", 12, 10, (11.5, 2, 6900, 1200)),
@@ -76,6 +92,22 @@ class StoredCollection(CommandTest):
         first, second = self.printed("collection", "show", self.collection)["vistels"]
         self.assertIn("Single Videos/A/single video.plist", first["problem"])
         self.assertEqual((first["parts"], second["duration"]), ([], 53.5))
+
+    def test_problems_are_shown(self):
+        self.store(item("A", 5), item("B", 5))
+        os.unlink(self.vault / "Single Videos/A/part 002.mp4")
+        problems = self.printed("collection", "show", self.collection)["problems"]
+        self.assertEqual(len(problems), 2)
+        self.assertIn("movie part 2 is missing", problems[0])
+        self.assertIn("same number", problems[1])
+
+    def test_resaved_records_are_equal(self):
+        stored = Path(os.environ["VISTELS_GOLDEN_FOLDER"]) / "collection/expected"
+        out = self.folder / "out"
+        self.printed("collection", "resave", stored, "--to", out)
+        self.assertEqual(self.files_below(out), self.files_below(stored))
+        for file in self.files_below(stored):
+            self.assertEqual((out / file).read_text(), (stored / file).read_text())
 
     def test_a_damaged_record_is_named(self):
         self.store(item("A", 5))
@@ -126,6 +158,82 @@ class NewCollection(CommandTest):
         self.assertEqual(self.files_below(self.folder), before)
         self.assertFalse(target.exists())
 
+    def collection(self, *names):
+        folder = self.folder / "Cup.VVault/Video Groups/Final"
+        self.printed("collection", "new", folder, "--name", "Final", *(names or (self.movie,)))
+        return folder
+
+    def numbers(self, shown):
+        return [one["number"] for one in shown["vistels"]]
+
+    def test_vistels_are_added_moved_and_removed(self):
+        folder = self.collection()
+        added = self.printed("collection", "add", folder, self.movie, os.path.dirname(self.movie), "--user", "me")
+        self.assertEqual(self.numbers(added), [1, 2, 3])
+        added = self.printed("collection", "add", folder, "--to", "2", self.movie)
+        self.assertEqual([len(one["parts"]) for one in added["vistels"]], [1, 2, 1])
+        moved = self.printed("collection", "move", folder, "3", "1")
+        self.assertEqual(self.numbers(moved), [3, 1, 2])
+        local = self.printed("collection", "add", folder, "--locally", "--append", self.movie, self.movie)
+        part = local["vistels"][-1]["parts"][1]["file"]
+        self.assertTrue(part.startswith(str(self.state / "Single Videos Local")), part)
+        self.assertNotIn("problems", local)
+        data = os.path.dirname(moved["vistels"][2]["parts"][0]["file"])
+        self.assertEqual(self.numbers(self.printed("collection", "remove", folder, "2")), [3, 1, 4])
+        self.assertTrue(os.path.isdir(data))
+        self.assertIn('"2"', self.complaint("collection", "remove", folder, "2"))
+
+    def test_vistels_are_cloned_and_closed_for_good(self):
+        folder = self.collection()
+        cloned = self.printed("collection", "duplicate", folder, "1", "--user", "me")
+        self.assertEqual([one["name"] for one in cloned["vistels"]], ["wide", "wide copy"])
+        clone = os.path.dirname(cloned["vistels"][1]["parts"][0]["file"])
+        refused = self.run_program("collection", "close", folder, "2", "--user", "you")
+        self.assertEqual(refused.returncode, 1)
+        self.assertIn("You did not create 'wide copy'.", refused.stderr)
+        self.assertTrue(os.path.isdir(clone))
+        self.assertEqual(self.numbers(self.printed("collection", "close", folder, "2", "--user", "me")), [1])
+        self.assertFalse(os.path.isdir(clone))
+        copies = self.printed("collection", "copy", folder, "1", "--to", self.folder)["files"]
+        self.assertEqual(copies, [str(self.folder / "wide.mp4")])
+
+    def test_pictures_and_deinterlacing(self):
+        folder = self.collection()
+        board = self.folder / "board.png"
+        self.printed("collection", "frame", folder, "1", board)
+        with_picture = self.printed("collection", "add", folder, board)
+        picture = with_picture["vistels"][1]
+        self.assertEqual((os.path.basename(picture["picture"]), picture["duration"]), ("picture.png", 0))
+        shown = self.printed("collection", "frame", folder, "1.5", self.folder / "x.png", "--vistel", "2")
+        self.assertEqual((shown["width"], shown["height"]), (128, 72))
+        shown = self.printed("collection", "overlay", folder, "1", board)
+        self.assertTrue(shown["vistels"][0]["overlay"].endswith("overlay 1.png"))
+        self.printed("collection", "frame", folder, "0", self.folder / "covered.png", "--vistel", "1")
+        # The picture of 1 s lies over that of 0 s.
+        self.assertEqual((self.folder / "covered.png").read_bytes(), board.read_bytes())
+        self.assertNotIn("overlay", self.printed("collection", "overlay", folder, "1", "--remove")["vistels"][0])
+        done = self.printed("collection", "deinterlace", folder, "1")["vistels"][0]["parts"]
+        self.assertEqual([os.path.basename(part["file"]) for part in done], ["part 001 deinterlaced.mp4"])
+        trashed = self.printed("collection", "tidy", folder)["trashed"]
+        self.assertEqual([os.path.basename(path) for path in trashed], ["part 001.mp4"])
+        self.assertNotIn("problems", self.printed("collection", "show", folder))
+
+    def test_a_change_that_fails_leaves_nothing_behind(self):
+        folder = self.collection()
+        broken = self.folder / "broken.mp4"
+        broken.write_bytes(b"no movie" * 100)
+        empty = self.folder / "empty"
+        empty.mkdir()
+        before = {path: (self.folder / path).read_bytes() for path in self.files_below(self.folder)}
+        for arguments, word in ((["add", folder, self.movie, broken], "broken.mp4"),
+                                (["add", folder, empty], "File list item has no movie parts."),
+                                (["add", folder, "--to", "1", broken], "broken.mp4"),
+                                (["add", folder, "--to", "9", self.movie], '"9"'),
+                                (["overlay", folder, "1", broken], "broken.mp4"),
+                                (["copy", folder, "1", "--to", self.folder / "none"], "none")):
+            self.assertIn(word, self.complaint("collection", *arguments))
+        self.assertEqual({path: (self.folder / path).read_bytes() for path in self.files_below(self.folder)}, before)
+
     def test_every_vistel_shows_the_frame_that_its_offset_asks_for(self):
         folder = self.folder / "two"
         self.printed("collection", "new", folder, "--name", "Two", self.movie, self.movie)
@@ -150,6 +258,36 @@ class NewCollection(CommandTest):
         played = self.printed("collection", "play", folder, "--from", "0.2", "--seconds", "0.5", "--rate", "2")
         self.assertEqual((played["rate"], list(played["frames"])), (2, uuids))
         self.assertGreater(played["frames"][uuids[0]], 0)
+
+    def test_padding_there_and_back(self):
+        folder = self.folder / "padded"
+        shown = self.printed("collection", "new", folder, "--name", "P", self.movie, self.movie)
+        self.printed("collection", "offset", folder, "1", "0.5")
+        before = self.printed("collection", "offset", folder, "2", "-0.25")
+        self.assertIn("--replace", self.complaint("collection", "padding", folder, status=2))
+        padded = self.printed("collection", "padding", folder, "--replace")
+        self.assertEqual({one["offset"] for one in padded["vistels"]}, {0})
+        self.assertEqual(len({round(one["duration"], 6) for one in padded["vistels"]}), 1)
+        self.assertEqual(padded["vistels"][0]["parts"][0]["part_duration"], 0.75)
+        for part in padded["vistels"][0]["parts"]:
+            self.assertTrue(os.path.exists(part["file"]))
+        after = self.printed("collection", "padding", folder, "--restore")
+        self.assertEqual([one["parts"] for one in after["vistels"]], [one["parts"] for one in before["vistels"]])
+        self.assertEqual([one["offset"] for one in after["vistels"]], [one["offset"] for one in before["vistels"]])
+        self.assertEqual([name for name in self.files_below(self.folder) if " padding " in name], [])
+        self.printed("collection", "padding", folder, "--replace")
+        removed = self.printed("collection", "padding", folder, "--remove")
+        self.assertEqual([one["offset"] for one in removed["vistels"]], [0 for _ in shown["vistels"]])
+
+    def test_before_the_last_camera_began(self):
+        folder = self.folder / "below"
+        shown = self.printed("collection", "new", folder, "--name", "B", self.movie, self.movie)
+        first, second = (one["uuid"] for one in shown["vistels"][:2])
+        self.printed("collection", "offset", folder, "1", "-1.5")
+        for vistel, seen in ((first, True), (second, False)):
+            frame = self.printed("collection", "frame", folder, "-1", self.folder / "f.png", "--vistel", vistel)
+            self.assertEqual(frame["vistels"][0]["frame_time"] is not None, seen)
+            self.assertEqual(frame["vistels"][0]["movie_time"], 0.5 if seen else -1)
 
     def test_a_broken_movie_leaves_the_others_playing(self):
         folder = self.folder / "two"

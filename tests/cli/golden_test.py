@@ -30,11 +30,12 @@ class Golden(CommandTest):
         places = {"input": work / "input", "out": work / "out"}
         done = self.run_program(*(argument.format(**places) for argument in arguments))
         self.assertEqual(done.returncode, 0, done.stderr)
-        expected = sorted((case / "expected").iterdir())
+        expected = sorted(path for path in (case / "expected").rglob("*") if path.is_file())
         self.assertTrue(expected)
         for file in expected:
-            written = done.stdout.encode() if file.name == "printed.json" else (work / "out" / file.name).read_bytes()
-            self.assertEqual(written.decode(), file.read_text(encoding="utf-8"), file.name)
+            name = file.relative_to(case / "expected")
+            written = done.stdout.encode() if file.name == "printed.json" else (work / "out" / name).read_bytes()
+            self.assertEqual(written.decode(), file.read_text(encoding="utf-8"), name)
 
 
 if __name__ == "__main__":

@@ -76,6 +76,8 @@ class Startup(CommandTest):
         home_vault = str(self.home / "Home Vault.VVault")
         self.assertEqual(shown, {"playback top speed": 64, "pitch algorithm": "Varispeed",
                                  "application volume": 1, "default formula operator": "&",
+                                 "show_vistel_name_with_number": True,
+                                 "store video data in collection folder": False,
                                  "minimum vault free space percent": 10, "show unavailable vaults": True,
                                  "path of focus vault": home_vault, "set focus to new vault": False,
                                  "parent folder of new vaults": "", "vaults": [home_vault]})

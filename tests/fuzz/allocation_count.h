@@ -32,15 +32,20 @@ inline void count_allocations() {
     if (__sanitizer_install_malloc_and_free_hooks(given, returned) == 0) std::abort();
 }
 
-// Runs `work` on an input of `size` bytes. When it held more than `times` as much at any moment, and
-// `constant_bytes` for what a parser needs whatever it reads, tells so under the name `what`, and is false.
+// What reading a file of whatever kind may take of its size, and beside that: a parser's buffers, blocks of
+// memory that are not yet full.
+inline constexpr std::size_t most_times = 20;
+inline constexpr std::size_t constant_bytes = 512 * 1024;
+
+// Runs `work` on an input of `size` bytes. When it held more at any moment, tells so under the name `what`,
+// and is false.
 template <class Work>
-bool is_lean(std::size_t size, std::size_t times, std::size_t constant_bytes, const char* what, Work work) {
+bool is_lean(std::size_t size, const char* what, Work work) {
     const std::size_t before = allocated_now;
     allocated_most = before;
     work();
     const std::size_t used = allocated_most - before;
-    if (used <= times * size + constant_bytes) return true;
+    if (used <= most_times * size + constant_bytes) return true;
     std::fprintf(stderr, "%s took %zu bytes for an input of %zu: %.1f times\n", what, used, size,
                  static_cast<double>(used) / static_cast<double>(size));
     return false;

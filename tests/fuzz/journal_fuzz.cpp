@@ -102,8 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t bytes = 0;
     for (const auto& segment : files.segments) bytes += segment.size();
     const file_content_mark file{1, 1};
-    constexpr std::size_t constant_bytes = 512 * 1024;  // the parser's, and the step in which files are read
-    const bool is_modest = fuzz::is_lean(bytes, 20, constant_bytes, "reading the journal", [&] {
+    const bool is_modest = fuzz::is_lean(bytes, "reading the journal", [&] {
         const auto content = read_journal("folder", file, files);
         if (!content) std::abort();
         check(content.value(), files.segments.size());

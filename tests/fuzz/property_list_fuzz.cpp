@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "allocation_count.h"
 #include "util/property_list.h"
 #include "util/stored_sink.h"
 #include "util/stored_view.h"
@@ -31,10 +32,20 @@ void put(stored_sink& sink, std::string_view key, const stored_view& view) {
 
 }  // namespace
 
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    fuzz::count_allocations();
+    return 0;
+}
+
 // What can be read can be written, the same by every way, and is then read as the same.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto value =
-        read_property_list(std::string_view(reinterpret_cast<const char*>(data), size), "fuzz");
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const bool is_modest = fuzz::is_lean(size, "reading", [&] {
+        stored_arena views;
+        (void)read_property_list(input, "fuzz", views);
+    });
+    if (!is_modest) std::abort();
+    const auto value = read_property_list(input, "fuzz");
     if (!value || value.value().is_null()) return 0;  // a lone unreadable number has no written form
     const auto written = write_property_list(value.value());
     const auto again = read_property_list(written, "written");

@@ -237,5 +237,30 @@ TEST(picture, is_written_as_png) {
     EXPECT_FALSE(write_png(*made, folder / "no/a.png").ok());
 }
 
+TEST(picture, of_a_file_has_its_opacity_and_its_proportions) {
+    // Two pixels beside each other: red of half opacity, and one that is not seen.
+    constexpr unsigned char bytes[] = {
+        0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a, 0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44,
+        0x52, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01, 0x08, 0x06, 0x00, 0x00, 0x00, 0xf4,
+        0x22, 0x7f, 0x8a, 0x00, 0x00, 0x00, 0x11, 0x49, 0x44, 0x41, 0x54, 0x78, 0x9c, 0x63, 0xf8,
+        0xcf, 0xc0, 0xd0, 0xc0, 0xc0, 0xf0, 0x9f, 0x01, 0x00, 0x0c, 0x7f, 0x02, 0x7f, 0x88, 0xba,
+        0x31, 0x9c, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
+    const temporary_folder folder;
+    put_file(folder / "a.png", std::string(std::begin(bytes), std::end(bytes)));
+    const auto own = read_still_picture(folder / "a.png", 0, 0);
+    ASSERT_TRUE(own.ok()) << own.message();
+    EXPECT_EQ((std::vector<std::uint8_t>(own.value().row(0), own.value().row(0) + 4)),
+              (std::vector<std::uint8_t>{0, 0, 255, 128}));
+    EXPECT_EQ(own.value().row(0)[7], 0);
+    const auto large = read_still_picture(folder / "a.png", 40, 40);
+    ASSERT_TRUE(large.ok());
+    EXPECT_EQ(large.value().width, 40);
+    EXPECT_EQ(large.value().height, 20);
+    put_file(folder / "b.png", "no picture");
+    for (const char* name : {"b.png", "none.png"}) {
+        EXPECT_NE(read_still_picture(folder / name, 0, 0).message().find(name), std::string::npos);
+    }
+}
+
 }  // namespace
 }  // namespace vistels

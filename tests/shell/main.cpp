@@ -2,9 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <string_view>
 
-// Shell tests run without a screen, with one application object for all of them.
+#include "support/second_writer.h"
+
+// Shell tests run without a screen, with one application object for all of them. As the second writer of a
+// test the program has no application object at all.
 int main(int argument_count, char** arguments) {
+    using vistels::testing::run_second_writer;
+    if (argument_count == 3 && std::string_view(arguments[1]) == vistels::testing::second_writer_option) {
+        return run_second_writer(arguments[2]);
+    }
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argument_count, arguments);
     testing::InitGoogleTest(&argument_count, arguments);

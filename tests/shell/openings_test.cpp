@@ -51,7 +51,6 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
     make("Timelines/Alone", "chron data.plist");
     const std::string alone = in_vault("Timelines/Alone");
     const line cases[] = {
-        {{}, opening::kind::nothing, "", 0},
         {{places.home_vault}, opening::kind::vault, places.home_vault, 0},
         {{match}, opening::kind::collection, match, 0},
         {{match + "/"}, opening::kind::collection, match, 0},
@@ -62,19 +61,33 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
         {{home / "b.mov", home / "a.mp4"}, opening::kind::movies, "", 2},
     };
     for (const auto& one : cases) {
-        const auto found = what_to_open(one.paths);
-        ASSERT_TRUE(found.ok()) << found.message();
-        EXPECT_EQ(found.value().what, one.what);
-        EXPECT_EQ(found.value().folder, one.folder);
-        EXPECT_EQ(found.value().movies.size(), one.movies);
+        const auto wanted = what_to_open(one.paths);
+        EXPECT_TRUE(wanted.refused.empty());
+        ASSERT_EQ(wanted.found.size(), 1u) << one.paths.front();
+        EXPECT_EQ(wanted.found.front().what, one.what);
+        EXPECT_EQ(wanted.found.front().folder, one.folder);
+        EXPECT_EQ(wanted.found.front().movies.size(), one.movies);
     }
-    const std::vector<std::string> refused[] = {
-        {home / "gone.mp4"}, {home / "notes.txt"}, {home.path()}, {home / "a.mp4", match}, {match, match}};
-    for (const auto& paths : refused) {
-        const auto found = what_to_open(paths);
-        ASSERT_FALSE(found.ok()) << paths.front();
-        EXPECT_NE(found.message().find(path_name(paths.back())), std::string::npos) << found.message();
+    for (const std::string& path : {home / "gone.mp4", home / "notes.txt", home.path()}) {
+        const auto wanted = what_to_open({path});
+        EXPECT_TRUE(wanted.found.empty()) << path;
+        ASSERT_EQ(wanted.refused.size(), 1u) << path;
+        EXPECT_NE(wanted.refused.front().find(path_name(path)), std::string::npos) << wanted.refused.front();
     }
+}
+
+TEST_F(vault_home, several_paths_are_several_openings_and_movies_are_one) {
+    const std::string match = in_vault("Video Groups/Match 2");
+    const std::string other = in_vault("Video Groups/Match 10");
+    const auto wanted = what_to_open({home / "a.mp4", match, home / "gone.mp4", home / "b.mov",
+                                      match + "/Logger", places.home_vault, other});
+    ASSERT_EQ(wanted.found.size(), 4u);
+    EXPECT_EQ(wanted.found[0].movies, (std::vector<std::string>{home / "a.mp4", home / "b.mov"}));
+    EXPECT_EQ(wanted.found[1].folder, match);
+    EXPECT_EQ(wanted.found[2].what, opening::kind::vault);
+    EXPECT_EQ(wanted.found[3].folder, other);
+    EXPECT_EQ(wanted.refused.size(), 1u);
+    EXPECT_TRUE(what_to_open({}).found.empty());
 }
 
 TEST_F(vault_home, the_last_event_comes_back_or_else_the_first) {

@@ -2,6 +2,7 @@
 // What happens before a window is there: options, the display, and where the window was.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "shell/application_options.h"
@@ -116,8 +117,18 @@ TEST(window_memory, comes_back) {
     memory.theme = "light";
     memory.folded_vaults = {"/a/Cup.VVault"};
     memory.work_sizes.set("rows", property_array{600, 300});
-    ASSERT_TRUE(save_window_memory(places, memory).ok());
-    const window_memory read = load_window_memory(places);
+    window_memory other;
+    other.place = {10, 20, 1100, 700};
+    other.theme = "light";
+    EXPECT_TRUE(load_window_memory(places, "R1").place.isNull());
+    ASSERT_TRUE(save_window_memories(places, {{"R1", memory}, {"R2", other}}).ok());
+    const window_memory behind = load_window_memory(places, "R2");
+    EXPECT_EQ(behind.place, other.place);
+    EXPECT_TRUE(behind.inspector_shown && !behind.is_maximized && behind.work_sizes.empty());
+    EXPECT_EQ(behind.theme, "light");
+    EXPECT_EQ(behind.folded_vaults, memory.folded_vaults);
+    EXPECT_EQ(load_window_memory(places, "R1").place, memory.place);
+    const window_memory read = load_window_memory(places, "of a file that knew one window");
     EXPECT_EQ(read.place, memory.place);
     EXPECT_TRUE(read.is_maximized);
     EXPECT_EQ(read.side_bar_width, 240);
@@ -138,6 +149,28 @@ TEST(window_memory, a_window_stays_within_reach) {
         {{0, 0, 4000, 3000}, {0, 30, 1920, 1050}},
     };
     for (const auto& [wanted, placed] : cases) EXPECT_EQ(place_on_screen(wanted, screen), placed);
+}
+
+TEST(window_memory, further_windows_are_cascaded_on_the_screen) {
+    const QRect screen(0, 30, 1920, 1050);
+    const QSize least(1024, 640);
+    EXPECT_EQ(cascaded_place({100, 100, 1200, 800}, {}, least, screen), QRect(132, 132, 1200, 800));
+    // As large as the screen: it becomes smaller rather than reach over the edge.
+    EXPECT_EQ(cascaded_place(screen, {}, least, screen), QRect(32, 62, 1888, 1018));
+    // Somewhere else altogether, such as on a screen that was taken away.
+    EXPECT_TRUE(screen.contains(cascaded_place({5000, 100, 1200, 800}, {}, least, screen)));
+    std::vector<QRect> all = {QRect(100, 100, 1200, 800)};
+    for (int i = 0; i < 40; ++i) {
+        const QRect next = cascaded_place(all.back(), all, least, screen);
+        EXPECT_TRUE(screen.contains(next)) << i;
+        EXPECT_TRUE(next.width() >= least.width() && next.height() >= least.height()) << i;
+        const bool is_new = std::none_of(all.begin(), all.end(),
+                                         [&](const QRect& one) { return one.topLeft() == next.topLeft(); });
+        if (i < 12) {
+            EXPECT_TRUE(is_new) << i;
+        }
+        all.push_back(next);
+    }
 }
 
 }  // namespace

@@ -214,6 +214,18 @@ class timeline_pane : public ::testing::Test {
 
 using clips = std::vector<std::string>;
 
+// Filmed by a camera that ran before the last one started.
+TEST_F(timeline_pane, clips_before_0_are_in_reach) {
+    timeline_edit made{"made", "", {}};
+    made.operations.push_back(operation::insert_clip{shared_text("b"), clip_of("early", -8, -4)});
+    ASSERT_TRUE(document_->apply(made));
+    EXPECT_LE(view_state().reach().start_seconds, -8);
+    view_.zoom_to_fit();
+    EXPECT_GE(view_state().scale().x_of(-8), 0);
+    click(-6, 1);
+    EXPECT_EQ(selected(), clips{"early"});
+}
+
 TEST_F(timeline_pane, click_selects_a_clip_and_goes_to_its_start) {
     QSignalSpy told(&view_, &timeline_view::selection_changed);
     click(33, 0);

@@ -21,11 +21,11 @@
 #include <filesystem>
 
 #include "app/known_vaults.h"
-#include "app/open_windows.h"
 #include "app/start_up.h"
 #include "app/vault_preferences.h"
 #include "logger/press_engine.h"
 #include "shell/collection_view.h"
+#include "shell/content_keeper.h"
 #include "shell/content_model.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_opener.h"
@@ -37,8 +37,8 @@
 #include "shell/transport_bar.h"
 #include "shell/window_actions.h"
 #include "support/stored_event.h"
+#include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
-#include "support/timeline_builder.h"
 #include "timeline/sxy_Save_Load.h"
 #include "timeline/writer_lock.h"
 #include "util/file_system.h"
@@ -47,9 +47,7 @@
 namespace vistels {
 namespace {
 
-using testing::clip_of;
 using testing::put_file;
-using testing::row_of;
 using testing::temporary_folder;
 
 // Takes what would be shown in the desktop's file manager.
@@ -71,7 +69,8 @@ struct vault_window : public ::testing::Test {
         if (window) window->close();
     }
     void show() {
-        window = std::make_unique<main_window>(places, loop);
+        content = std::make_unique<content_keeper>(places, loop);
+        window = std::make_unique<main_window>(places, loop, *content);
         window->resize(1600, 1000);
         window->show();
         window->activateWindow();
@@ -81,16 +80,7 @@ struct vault_window : public ::testing::Test {
     }
     // A timeline of two clips that belongs to no collection.
     std::string put_timeline(const char* name) {
-        const std::string folder = path_join(places.home_vault, name);
-        EXPECT_TRUE(make_folders(folder).ok());
-        sxy_DATA_root root;
-        timeline_edit edit{"made", "", {operation::insert_row{0, row_of("r", "Shot")}}};
-        edit.operations.emplace_back(operation::insert_clip{shared_text("r"), clip_of("one", 10, 20)});
-        edit.operations.emplace_back(operation::insert_clip{shared_text("r"), clip_of("two", 30, 45)});
-        change_set touched;
-        EXPECT_TRUE(apply_edit(root, edit, touched).ok());
-        EXPECT_TRUE(save_timeline(root.snapshot(), folder).ok());
-        return folder;
+        return testing::put_stored_timeline(path_join(places.home_vault, name));
     }
     QTreeView& list() { return *window->findChild<content_side_bar*>()->list(); }
     QModelIndex line(const char* words) {
@@ -131,6 +121,7 @@ struct vault_window : public ::testing::Test {
     temporary_folder home;
     home_places places;
     qt_run_loop loop;
+    std::unique_ptr<content_keeper> content;
     std::unique_ptr<main_window> window;
 };
 
@@ -265,7 +256,6 @@ TEST_F(vault_window, a_timeline_alone_is_coded_on_a_clock) {
     EXPECT_FALSE(file_exists(path_join(folder, "video group.plist")));
     EXPECT_FALSE(is_folder(path_join(folder, "Logger")));
     window->close();
-    EXPECT_EQ(load_open_windows(places).front().open_from_path, folder);
     const auto saved = load_timeline(folder);
     ASSERT_TRUE(saved.ok());
     EXPECT_EQ(sxy_DATA_root(saved.value().content).clip_count(), 3u);

@@ -148,6 +148,8 @@ inline std::vector<timeline_edit> scripted_edits() {
     noted_clip("came with it");
     edits.push_back({"Delete", "", {operation::remove_clip{"c9"}, change("c1", "stars", 4)}});
     noted_clip("came back");
+    double seconds = 1e9;
+    for (auto& edit : edits) edit.stamp = edit_stamp{"analyst", seconds++};
     return edits;
 }
 

@@ -10,6 +10,7 @@
 
 #include "app/start_up.h"
 #include "logger/press_engine.h"
+#include "shell/content_keeper.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
@@ -38,7 +39,8 @@ class shown_event : public ::testing::Test {
     }
 
     void open(QSize size = {1600, 1000}) {
-        window = std::make_unique<main_window>(places, loop);
+        if (!content) content = std::make_unique<content_keeper>(places, loop);
+        window = std::make_unique<main_window>(places, loop, *content);
         window->resize(size);
         window->show();
         window->activateWindow();
@@ -76,6 +78,7 @@ class shown_event : public ::testing::Test {
     home_places places;
     std::string folder;
     qt_run_loop loop;
+    std::unique_ptr<content_keeper> content;
     std::unique_ptr<main_window> window;
 };
 

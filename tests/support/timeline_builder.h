@@ -44,7 +44,8 @@ inline std::string state_text(const sxy_DATA_root& timeline) {
     return text;
 }
 
-// Edits of every kind, some of which cannot be done.
+// Edits of every kind, some of which cannot be done. They bring their stamps, so that the same ones lead to
+// the same state.
 class random_edits {
   public:
     explicit random_edits(unsigned seed, bool with_growing = true)
@@ -54,6 +55,7 @@ class random_edits {
         timeline_edit edit{"edit " + std::to_string(++count_), "", {}};
         const int operations = 1 + below(3);
         for (int n = 0; n < operations; ++n) edit.operations.push_back(one(timeline));
+        edit.stamp = edit_stamp{count_ % 3 == 0 ? "" : "me", count_ / 4.0};
         return edit;
     }
 
@@ -89,6 +91,10 @@ class random_edits {
                 set.add("height", time());
                 return operation::change_row{any_row(timeline), set, {property_value("color")}};
             case 4:
+                // Quarters of seconds are moved and moved back without rounding.
+                if (below(12) == 0) return operation::shift_times{time() - 500};
+                if (below(6) == 0)
+                    return operation::shift_clips{{any_clip(timeline), any_clip(timeline)}, time() - 500};
                 set.add("time_start", time());
                 set.add("stars", below(6));
                 return operation::change_clip{any_clip(timeline), set, {property_value("color")}};

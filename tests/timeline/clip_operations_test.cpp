@@ -30,7 +30,10 @@ sxy_CLIP stamped(sxy_CLIP clip, const std::vector<std::pair<const char*, double>
     for (const auto& [name, time] : names) {
         all.push_back(qualifier_of(clip.id() + name, name));
         all.back().set_time(time);
-        all.back().set_attributes({{clip.id() + name + "-a", shared_text("far"), {}, {}, {}, {}}});
+        clip_attribute_ITEM attribute;
+        attribute.uuid = compact_text(clip.id() + name + "-a");
+        attribute.name = shared_text("far");
+        all.back().set_attributes({attribute});
     }
     clip.set_qualifiers(std::move(all));
     return clip;
@@ -146,7 +149,7 @@ TEST(clip_operations, trimming_moves_edges_up_to_the_other_one) {
     };
     for (const auto& [name, clips, in, out, a] : cases) {
         auto timeline = coded();
-        const auto edit = plan_clips_Trim_Mark_in_Mark_Out(timeline, clips, in, out, stamp);
+        const auto edit = plan_clips_Trim_Mark_in_Mark_Out(timeline, clips, in, out);
         EXPECT_EQ(edit.ok(), !a.empty()) << name;
         if (!edit) {
             EXPECT_NE(edit.message(), "") << name;
@@ -156,7 +159,7 @@ TEST(clip_operations, trimming_moves_edges_up_to_the_other_one) {
         EXPECT_EQ(times_of(timeline, "a"), a) << name;
     }
     const auto timeline = coded();
-    EXPECT_TRUE(plan_clips_Trim_Mark_in_Mark_Out(timeline, {"a"}, 0.0, {}, stamp).value().operations.empty());
+    EXPECT_TRUE(plan_clips_Trim_Mark_in_Mark_Out(timeline, {"a"}, 0.0, {}).value().operations.empty());
 }
 
 TEST(clip_operations, a_trim_tells_the_drawings_over_the_clip) {
@@ -173,7 +176,7 @@ TEST(clip_operations, a_trim_tells_the_drawings_over_the_clip) {
                              operation::insert_clip{shared_text("R"), clip_of("a", 1, 9)},
                              operation::change_clip{"a", set, {}}}},
                            touched));
-    apply_and_check(timeline, plan_clips_Trim_Mark_in_Mark_Out(timeline, {"a"}, 2.0, {}, stamp));
+    apply_and_check(timeline, plan_clips_Trim_Mark_in_Mark_Out(timeline, {"a"}, 2.0, {}));
     const auto stored = write_clip(*timeline.find_clip("a")->clip);
     const auto* trimmed = stored.dictionary("telestration");
     ASSERT_TRUE(trimmed);
@@ -200,7 +203,7 @@ TEST(clip_operations, splitting_an_overlap_takes_two_clips_or_finds_the_other) {
     };
     for (const auto& [name, clips, a, b, c] : cases) {
         auto timeline = coded();
-        const auto edit = plan_split_overlap(timeline, clips, stamp);
+        const auto edit = plan_split_overlap(timeline, clips);
         EXPECT_EQ(edit.ok(), !b.empty()) << name;
         if (!edit) continue;
         apply_and_check(timeline, edit);
@@ -219,22 +222,21 @@ TEST(clip_operations, splitting_an_overlap_takes_two_clips_or_finds_the_other) {
                              operation::insert_clip{shared_text("R"), clip_of("long", 0, 10)},
                              operation::insert_clip{shared_text("R"), clip_of("point", 5, 5)}}},
                            touched));
-    EXPECT_FALSE(plan_split_overlap(timeline, {"long"}, stamp)) << "the other would end before it starts";
+    EXPECT_FALSE(plan_split_overlap(timeline, {"long"})) << "the other would end before it starts";
 }
 
 TEST(clip_operations, a_note_is_written_changed_and_taken_away) {
     auto timeline = coded();
-    apply_and_check(timeline, plan_note(timeline, "b", "new", stamp));
+    apply_and_check(timeline, plan_note(timeline, "b", "new"));
     const auto first = timeline.find_clip("b")->clip->note();
     ASSERT_TRUE(first);
     EXPECT_FALSE(first->clip_notes_uuid.empty());
-    EXPECT_EQ(write_clip(*timeline.find_clip("b")->clip).number("edit_seconds"), 1e9);
-    EXPECT_TRUE(plan_note(timeline, "b", "new", stamp).value().operations.empty());
-    apply_and_check(timeline, plan_note(timeline, "b", "newer", stamp));
+    EXPECT_TRUE(plan_note(timeline, "b", "new").value().operations.empty());
+    apply_and_check(timeline, plan_note(timeline, "b", "newer"));
     EXPECT_EQ(timeline.find_clip("b")->clip->note()->clip_notes_uuid, first->clip_notes_uuid);
-    apply_and_check(timeline, plan_note(timeline, "b", "", stamp));
+    apply_and_check(timeline, plan_note(timeline, "b", ""));
     EXPECT_FALSE(timeline.find_clip("b")->clip->note());
-    EXPECT_FALSE(plan_note(timeline, "nobody", "x", stamp));
+    EXPECT_FALSE(plan_note(timeline, "nobody", "x"));
 }
 
 // Every UUID of a timeline, from its stored form.
@@ -265,7 +267,7 @@ TEST(clip_operations, the_copy_of_a_timeline_has_uuids_of_its_own_and_names_its_
     EXPECT_TRUE(duplicate_copy_sxy_data(timeline.snapshot()).live_clips.empty());
     change_set touched;
     ASSERT_TRUE(apply_edit(timeline, {"", "", {operation::finish_clip{"live", 40, 41}}}, touched));
-    apply_and_check(timeline, plan_note(timeline, "b", "with an identity", stamp));
+    apply_and_check(timeline, plan_note(timeline, "b", "with an identity"));
     apply_and_check(timeline, plan_compact_rows(timeline, {shared_text("R"), shared_text("S")}, "Both"));
     const auto original = timeline.snapshot();
     const auto copy = duplicate_copy_sxy_data(original);

@@ -44,6 +44,43 @@ std::string state_after_death(const std::string& folder) {
     return document ? state_of(*document) : std::string();
 }
 
+TEST(document, stamps_edits_and_tombstones_with_the_author_and_records_it) {
+    const temporary_folder folder;
+    simulated_run_loop loop;
+    const auto document = opened(folder.path(), loop);
+    document->set_author("Analyst");
+    ASSERT_TRUE(document->apply(add_row("R")));
+    ASSERT_TRUE(document->apply(add_clip("1", 1)));
+    ASSERT_TRUE(document->apply(add_clip("2", 2)));
+    const auto before = state_of(*document);
+    timeline_edit made;
+    timeline_edit inverse;
+    const auto recording = document->edited.connect([&](const auto& edit, const auto& back) {
+        made = edit;
+        inverse = back;
+    });
+    constexpr double year_2020 = 1.6e9;
+    ASSERT_TRUE(document->apply({"Edit", "", {operation::insert_qualifier{"1", 0, qualifier_of("q", "Q")}}}));
+    const auto info = document->timeline().find_clip("1")->clip->edit_info();
+    EXPECT_EQ(info.author, "Analyst");
+    EXPECT_GT(info.edit_seconds.value_or(0), year_2020);
+    ASSERT_TRUE(made.stamp);
+    EXPECT_EQ(made.stamp->edit_seconds, info.edit_seconds);
+    EXPECT_EQ(state_after_death(folder.path()), state_of(*document));
+    document->set_author("Somebody else");
+    ASSERT_TRUE(document->apply(inverse));
+    EXPECT_EQ(state_of(*document), before);
+    ASSERT_TRUE(document->apply(inverse));  // done again
+    EXPECT_EQ(document->timeline().find_clip("1")->clip->edit_info(), info);
+
+    ASSERT_TRUE(
+        document->apply(plan_delete_clips(document->timeline(), {"1"}, "", info.edit_seconds.value())));
+    ASSERT_TRUE(document->apply(plan_delete_clips(document->timeline(), {"2"}, "Her", year_2020)));
+    const auto tombstones = document->timeline().rows().front()->deleted_clips();
+    ASSERT_EQ(tombstones.size(), 2U);
+    EXPECT_EQ(tombstones[0].edit_author + " " + tombstones[1].edit_author, "Somebody else Her");
+}
+
 TEST(document, every_applied_edit_survives_death_before_and_after_saves) {
     const temporary_folder folder;
     simulated_run_loop loop;

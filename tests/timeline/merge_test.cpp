@@ -86,6 +86,24 @@ TEST(merge_timeline, the_later_edit_of_a_clip_wins) {
     }
 }
 
+TEST(merge_timeline, a_clip_that_got_a_qualifier_or_another_row_later_wins) {
+    for (const bool mine_is_later : {false, true}) {
+        two_copies copies;
+        const auto edit = [](sxy_DATA_root& timeline, operation::any one, double seconds) {
+            change_set touched;
+            ASSERT_TRUE(apply_edit(timeline, {"", "", {std::move(one)}, edit_stamp{"", seconds}}, touched));
+        };
+        add(copies.other, {operation::insert_row{9, row_of("S", "Pass")}});
+        edit(copies.mine, operation::insert_qualifier{"b", 0, testing::qualifier_of("q", "Goal")}, now - 10);
+        edit(copies.other, operation::move_clip{"b", shared_text("S")}, now - (mine_is_later ? 11 : 9));
+        copies.merge();
+        const auto found = copies.mine.find_clip("b");
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->row.str(), mine_is_later ? "R" : "S");
+        EXPECT_EQ(found->clip->qualifiers()->size(), mine_is_later ? 1U : 0U);
+    }
+}
+
 TEST(merge_timeline, deletions_hold_on_both_sides_until_they_expire) {
     two_copies copies;
     add(copies.other, {operation::insert_clip{shared_text("R"), edited("late", 9, now - 1)}});

@@ -1,108 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// What reading a property list needs in memory, whatever the file holds. Counted are the objects of the
-// program and, where the C library tells it, all that is taken from it, so that the XML parser's share is
-// included.
+// What reading a property list or a JSON document needs in memory, whatever the file holds.
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <vector>
 
+#include "support/counted_memory.h"
+#include "util/json.h"
 #include "util/property_list.h"
 #include "util/property_list_cursor.h"
 
-namespace {
-
-std::atomic<std::size_t> objects_in_use = 0;
-std::atomic<std::size_t> most_objects = 0;
-std::atomic<std::size_t> most_taken = 0;
-std::atomic<unsigned> calls = 0;
-std::atomic<bool> counting = false;
-
-std::size_t taken() {
-    const auto told = mallinfo2();  // nothing but zeros under the address sanitizer
-    return told.uordblks + told.hblkhd;
-}
-
-void raise(std::atomic<std::size_t>& most, std::size_t now) {
-    if (now > most) most = now;
-}
-
-void* counted(std::size_t bytes) {
-    void* made = std::malloc(bytes == 0 ? 1 : bytes);
-    if (!made) std::abort();
-    raise(most_objects, objects_in_use += malloc_usable_size(made));
-    constexpr std::size_t large = 1 << 14;
-    // The first calls count singly: a file that is refused causes no others.
-    constexpr unsigned between_looks = 64;
-    if (counting && (bytes >= large || ++calls < between_looks || calls % between_looks == 0)) {
-        raise(most_taken, taken());
-    }
-    return made;
-}
-
-void uncounted(void* made) noexcept {
-    if (!made) return;
-    objects_in_use -= malloc_usable_size(made);
-    std::free(made);
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    return counted(bytes);
-}
-void* operator new[](std::size_t bytes) {
-    return counted(bytes);
-}
-// Libraries use these; left alone they would be the sanitizer's own, whose blocks are not to be freed here.
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return counted(bytes);
-}
-void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return counted(bytes);
-}
-void operator delete(void* made, const std::nothrow_t&) noexcept {
-    uncounted(made);
-}
-void operator delete[](void* made, const std::nothrow_t&) noexcept {
-    uncounted(made);
-}
-void operator delete(void* made) noexcept {
-    uncounted(made);
-}
-void operator delete[](void* made) noexcept {
-    uncounted(made);
-}
-void operator delete(void* made, std::size_t) noexcept {
-    uncounted(made);
-}
-void operator delete[](void* made, std::size_t) noexcept {
-    uncounted(made);
-}
-
 namespace vistels {
 namespace {
-
-template <class Work>
-std::size_t most_needed(Work work) {
-    const std::size_t objects_before = objects_in_use;
-    const std::size_t taken_before = taken();
-    most_objects = objects_before;
-    most_taken = taken_before;
-    calls = 0;
-    counting = true;
-    work();
-    raise(most_taken, taken());
-    counting = false;
-    return std::max(most_objects - objects_before, most_taken - taken_before);
-}
 
 std::string repeated(const std::string& part, std::size_t bytes) {
     std::string text;
@@ -183,6 +94,51 @@ TEST(property_list, no_file_makes_reading_it_need_more_than_twenty_times_its_siz
             const std::size_t allowed = 20 * file.size() + beside;
             EXPECT_LE(strict, allowed) << file.size() << " bytes, " << file.substr(0, 120);
             EXPECT_LE(quick, allowed) << file.size() << " bytes, " << file.substr(0, 120);
+        }
+    }
+}
+
+std::vector<std::string> greedy_documents(std::size_t bytes) {
+    const auto array = [&](const std::string& part) {
+        return "[" + repeated(part + ",", bytes) + part + "]";
+    };
+    const auto object = [&](const std::string& part) {
+        return "{" + repeated(part + ",", bytes) + part + "}";
+    };
+    std::string deep = "1";
+    for (int level = 0; level < deepest_nesting - 2; ++level) deep = "[" + deep + "]";
+    return {
+        array("1"),
+        array("[]"),
+        array("{}"),
+        array("\"\""),
+        array("[1]"),
+        array("{\"\":1}"),
+        array("[[1],{\"a\":{}}]"),
+        array("\"\\n\""),
+        array(deep),
+        object("\"\":1"),
+        object("\"\":{}"),
+        object("\"\\n\":\"\\n\""),
+        "\"" + repeated("a", bytes) + "\"",
+        "\"" + repeated("\\u00e4", bytes) + "\"",
+        repeated(" ", bytes) + "1",
+        repeated("[", bytes),
+        "[" + repeated("1,", bytes),
+    };
+}
+
+TEST(json, no_document_makes_reading_it_need_more_than_twenty_times_its_size) {
+    constexpr std::size_t beside = std::size_t{512} * 1024;
+    for (const std::size_t bytes : {20'000U, 900'000U}) {
+        for (const auto& document : greedy_documents(bytes)) {
+            const std::size_t needed = most_needed([&] {
+                stored_arena arena;
+                (void)read_json(document, "x", arena);
+            });
+            // The document itself counts when it is a file's.
+            EXPECT_LE(needed + document.size(), 20 * document.size() + beside)
+                << document.size() << " bytes, " << document.substr(0, 60);
         }
     }
 }

@@ -9,6 +9,7 @@
 
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
+#include "util/checksum.h"
 #include "util/property_list.h"
 
 namespace vistels {
@@ -60,6 +61,53 @@ TEST(safe_write, every_failing_call_leaves_the_old_file_and_names_it) {
                 EXPECT_TRUE(again) << again.message();
                 EXPECT_EQ(file_bytes(folder / "a.plist"), new_list);
             }
+        }
+    }
+}
+
+// Content in blocks, whose mark is told before any whole copy of it is there.
+TEST(safe_write, blocks_are_announced_before_they_are_whole_and_only_then_put_in_place) {
+    const std::string_view blocks[] = {std::string_view(new_list).substr(0, 60), "",
+                                       std::string_view(new_list).substr(60, 20)};
+    const std::string_view last = std::string_view(new_list).substr(80);
+    const auto put_all = [&](const block_writer& put) {
+        for (const auto block : blocks) put(block);
+        return last;
+    };
+    for (const bool refused : {true, false}) {
+        for (int failing = 0;; ++failing) {  // 0: none
+            const temporary_folder folder;
+            const std::string path = folder / "a.plist";
+            put_file(path, old_list);
+            known_file known;
+            ASSERT_TRUE(read_known(path, known));
+            failing_files files;
+            files.set_fault([&](int call) { return call == failing ? EIO : 0; });
+            int announced = 0;
+            const auto announce = [&](const coming_content& coming) -> result<void> {
+                ++announced;
+                EXPECT_EQ(coming.size, static_cast<std::int64_t>(new_list.size()));
+                EXPECT_EQ(coming.hash, checksum(new_list));
+                const temporary_folder grave;  // what a death now, without the old file, would leave
+                for (const auto& name : names_in_folder(folder.path())) {
+                    if (name != "a.plist") put_file(grave / name, file_bytes(folder / name));
+                }
+                EXPECT_TRUE(recover_folder(grave.path()).recovered.empty());
+                if (refused) return failure{"not now"};
+                return {};
+            };
+            const auto written = safe_write_known_blocks(path, put_all, announce, known, false, files);
+            if (failing > files.calls()) break;
+            EXPECT_LE(announced, 1);
+            const std::string now = file_bytes(path);
+            if (written) {
+                EXPECT_EQ(now, new_list);
+                EXPECT_EQ(known.hash, checksum(new_list));
+            } else {
+                EXPECT_TRUE(now == old_list || (!refused && announced == 1 && now == new_list)) << failing;
+            }
+            EXPECT_FALSE(refused && written);
+            EXPECT_TRUE(failing != 0 || names_in_folder(folder.path()).size() == 1) << "something is left";
         }
     }
 }
@@ -142,7 +190,8 @@ TEST(recovery, puts_back_the_newest_whole_copy) {
 }
 
 TEST(natural_order, compares_numbers_by_value) {
-    const char* const ascending[] = {"part 1", "part 2", "part 10", "part 010 b", "part 11", "part a"};
+    const char* const ascending[] = {"part 1",  "part 2", "part 10",      "part 010 b",
+                                     "part 11", "part a", "part \xc3\xa4"};
     for (std::size_t a = 0; a < std::size(ascending); ++a) {
         for (std::size_t b = 0; b < std::size(ascending); ++b) {
             EXPECT_EQ(natural_before(ascending[a], ascending[b]), a < b)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "video/synchronised_playback.h"
 
 #if VISTELS_HAVE_MEDIA
@@ -62,6 +64,29 @@ class playback : public ::testing::Test {
     plain_run_loop loop_;
     synchronised_playback played_{loop_};
 };
+
+TEST_F(playback, a_still_picture_is_shown_at_all_times_and_counts_for_nothing_else) {
+    picture_pool pool;
+    const auto still = pool.make(32, 16);
+    std::fill(still->bytes.begin(), still->bytes.end(), std::uint8_t{200});
+    ASSERT_TRUE(write_png(*still, folder_ / "board.png"));
+    played_.set_vistels(
+        {{"still", 0, {{folder_ / "board.png", 0, 0, true}}}, {"a", 1.0, {{folder_ / "long.mp4", 0, 4}}}});
+    EXPECT_EQ(played_.first_time(), -1);
+    EXPECT_EQ(played_.last_time(), 3);
+    for (const double seconds : {-1.0, 0.0, 2.5}) {
+        seek(seconds);
+        ASSERT_EQ(played_.state("still"), vistel_state::showing) << played_.problem("still");
+        const auto shown_picture = played_.picture("still");
+        EXPECT_EQ(shown_picture->width, 32);
+        EXPECT_NEAR(shown_picture->row(8)[4 * 16], 200, 3);
+    }
+    // Frames are stepped by those of the camera.
+    seek(0.5);
+    const int before = shown("a");
+    step(1);
+    EXPECT_EQ(shown("a"), before + 1);
+}
 
 TEST_F(playback, seeks_are_exact_by_the_offset_rule) {
     set_both();

@@ -1,23 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
 #include <map>
 
-#include "support/temporary_folder.h"
-#include "util/property_list.h"
-#include "util/safe_write.h"
-#include "video/video_coll_LOAD.h"
+#include "support/stored_collection.h"
 #include "video/video_coll_Offsets.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
 namespace {
 
-using testing::file_bytes;
-using testing::put_file;
-using testing::temporary_folder;
+using testing::dictionary;
 
 using offsets = std::vector<vistel_offset>;
 
@@ -80,13 +73,6 @@ TEST(movie_parts, start_behind_all_gaps_and_parts_before) {
     parts.parts = {{1.5, 10, "", {}}, {0, 5, "", {}}, {2, 4, "", {}}};
     EXPECT_EQ(parts.starts(), (std::vector<double>{1.5, 11.5, 18.5}));
     EXPECT_EQ(parts.duration(), 22.5);
-}
-
-// A stored dictionary from keys and values.
-property_dictionary dictionary(std::initializer_list<std::pair<const char*, property_value>> entries) {
-    property_dictionary made;
-    for (const auto& [key, value] : entries) made.add(key, value);
-    return made;
 }
 
 std::vector<std::string> keys_of(const property_dictionary& stored) {
@@ -166,144 +152,6 @@ TEST(collection_record, grid_covers_the_area_without_overlap) {
             }
         }
     }
-}
-
-// A vault with one collection of two vistels, "A" of two parts and "B" of one.
-class stored_collection {
-  public:
-    stored_collection() {
-        for (const char* uuid : {"A", "B"}) std::filesystem::create_directories(vistel_folder(uuid));
-        std::filesystem::create_directories(folder());
-        write_vistel("A", {{0.5, 2}, {1, 3}});
-        write_vistel("B", {{0, 4}});
-        for (const char* name : {"part 001.mp4", "part 002.mp4"})
-            put_file(vistel_folder("A") + name, "movie");
-        put_file(vistel_folder("B") + "camera 7.MOV", "movie");
-        property_array items;
-        double number = 1;
-        for (const char* uuid : {"A", "B"}) {
-            items.emplace_back(
-                dictionary({{"UUID single video - g", uuid}, {"Vistel name UUID - coll", number++}}));
-        }
-        EXPECT_TRUE(
-            safe_write(folder() + "/video group.plist",
-                       dictionary({{"video group name", "Cup"}, {"array video group items", items}})));
-    }
-    std::string folder() const { return home / "Event.VVault/Video Groups/Cup"; }
-    std::string vistel_folder(const std::string& uuid) const {
-        return home / "Event.VVault/Single Videos/" + uuid + "/";
-    }
-    void write_vistel(const char* uuid, const std::vector<std::pair<double, double>>& parts) const {
-        property_array stored;
-        for (const auto& [gap, duration] : parts) {
-            stored.emplace_back(dictionary({{"gap_before", gap}, {"part_duration", duration}}));
-        }
-        EXPECT_TRUE(safe_write(vistel_folder(uuid) + "single video.plist",
-                               dictionary({{"drone_array", stored}, {"creator", "me"}})));
-    }
-    loaded_collection load() const {
-        auto loaded = load_collection(folder());
-        EXPECT_TRUE(loaded) << loaded.message();
-        return loaded ? std::move(loaded).value() : loaded_collection{};
-    }
-
-  private:
-    temporary_folder home;
-};
-
-TEST(load_collection, finds_parts_by_number_and_others_in_natural_order) {
-    const stored_collection stored;
-    const struct {
-        std::vector<const char*> files;
-        std::vector<const char*> wanted;
-    } cases[] = {
-        {{"part 002.mp4", "part 001.mp4", "part 003.mp4"}, {"part 001.mp4", "part 002.mp4", "part 003.mp4"}},
-        {{"part 003.mp4", "part 001.mp4"}, {"part 001.mp4", "", "part 003.mp4"}},
-        {{"take 10.mov", "take 9.mov", "take 2.mov"}, {"take 2.mov", "take 9.mov", "take 10.mov"}},
-        {{"part 002.mp4", "extra.mp4", "notes.txt", ".hidden.mp4"}, {"extra.mp4", "part 002.mp4", ""}},
-    };
-    stored.write_vistel("A", {{0, 1}, {0, 1}, {0, 1}});
-    for (const auto& one : cases) {
-        std::filesystem::remove(stored.vistel_folder("A") + "part 001.mp4");
-        std::filesystem::remove(stored.vistel_folder("A") + "part 002.mp4");
-        for (const char* name : one.files) put_file(stored.vistel_folder("A") + name, "movie");
-        const auto loaded = stored.load();
-        const auto parts = loaded.collection.find_vistel("A")->parts().parts;
-        ASSERT_EQ(parts.size(), 3U);
-        for (std::size_t index = 0; index < 3; ++index) {
-            EXPECT_EQ(path_name(parts[index].path), one.wanted[index]);
-            if (!*one.wanted[index]) {
-                EXPECT_NE(loaded.collection.find_vistel("A")->problem(), "");
-            }
-        }
-        for (const char* name : one.files) std::filesystem::remove(stored.vistel_folder("A") + name);
-    }
-}
-
-TEST(load_collection, what_is_wrong_with_one_vistel_leaves_the_other) {
-    const std::pair<const char*, std::function<void(const stored_collection&)>> faults[] = {
-        {"part 1", [](const auto& s) { std::filesystem::remove(s.vistel_folder("A") + "part 001.mp4"); }},
-        {"single video.plist",
-         [](const auto& s) { std::filesystem::remove(s.vistel_folder("A") + "single video.plist"); }},
-        {"single video.plist",
-         [](const auto& s) { put_file(s.vistel_folder("A") + "single video.plist", "<pl"); }},
-        {"Single Videos/A", [](const auto& s) { std::filesystem::remove_all(s.vistel_folder("A")); }},
-    };
-    for (const auto& [named, make_fault] : faults) {
-        const stored_collection stored;
-        make_fault(stored);
-        auto loaded = stored.load();
-        ASSERT_EQ(loaded.messages.size(), 1U) << named;
-        EXPECT_NE(loaded.messages[0].find("error found when loading vistel in collection"),
-                  std::string::npos);
-        EXPECT_NE(loaded.messages[0].find(named), std::string::npos) << loaded.messages[0];
-        EXPECT_EQ(loaded.collection.find_vistel("2")->problem(), "");
-        EXPECT_EQ(loaded.collection.find_vistel("2")->parts().duration(), 4);
-        // Saving does not put a default record in the place of a damaged one.
-        const auto damaged = file_bytes(stored.vistel_folder("A") + "single video.plist");
-        loaded.collection.find_vistel("A")->set_manual_start_offset(2);
-        EXPECT_TRUE(save_collection(loaded.collection, stored.folder()));
-        const auto now = file_bytes(stored.vistel_folder("A") + "single video.plist");
-        EXPECT_TRUE(damaged != "<pl" || now == damaged);
-        EXPECT_EQ(stored.load().collection.find_vistel("A")->manual_start_offset(), 2);
-    }
-}
-
-TEST(load_collection, a_folder_without_a_readable_record_is_an_error_that_names_it) {
-    const temporary_folder folder;
-    for (const char* bytes : {"", "<plist><dict><key>a"}) {
-        if (*bytes) put_file(folder / "video group.plist", bytes);
-        const auto loaded = load_collection(folder.path());
-        ASSERT_FALSE(loaded);
-        EXPECT_NE(loaded.message().find(folder / "video group.plist"), std::string::npos);
-    }
-    EXPECT_FALSE(load_collection(folder / "none"));
-    // A list that is no dictionary is an empty collection, and is kept when that is saved.
-    const auto foreign = write_property_list(property_array{property_value("what is this")});
-    put_file(folder / "video group.plist", foreign);
-    auto loaded = load_collection(folder.path());
-    ASSERT_TRUE(loaded);
-    EXPECT_EQ(loaded.value().messages.size(), 1U);
-    for (int times = 0; times < 2; ++times) {
-        ASSERT_TRUE(save_collection(loaded.value().collection, folder.path()));
-    }
-    EXPECT_EQ(file_bytes(folder / "video group damaged 1.plist"), foreign);
-    EXPECT_EQ(names_in_folder(folder.path()).size(), 2U);
-}
-
-TEST(load_collection, a_vistel_cannot_lead_out_of_its_folder) {
-    const stored_collection stored;
-    const auto item = dictionary({{"UUID single video - g", "../Single Videos/A"}});
-    ASSERT_TRUE(safe_write(stored.folder() + "/video group.plist",
-                           dictionary({{"array video group items", property_array{item}}})));
-    EXPECT_EQ(stored.load().messages.size(), 1U);
-}
-
-TEST(load_collection, vault_is_the_nearest_folder_with_its_ending) {
-    EXPECT_EQ(vault_of("/a/b.VVault/Video Groups/c"), "/a/b.VVault");
-    EXPECT_EQ(vault_of("/a.VVault/b.VVault/"), "/a.VVault/b.VVault");
-    EXPECT_EQ(vault_of("/a/b.VVault2/c"), "");
-    EXPECT_EQ(vistels_folder_of("/a/c"), "/a/c/Single Videos");
 }
 
 }  // namespace

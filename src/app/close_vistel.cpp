@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/close_vistel.h"
+
+#include <algorithm>
+
+#include "util/safe_write.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+
+namespace vistels {
+
+namespace {
+
+bool is_shared(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
+    const auto all = collection.vistels();
+    return std::count_if(all.begin(), all.end(),
+                         [&](const auto& one) { return one->uuid() == vistel.uuid(); }) > 1;
+}
+
+// The reason and what could not be undone after it.
+failure with_undoing(failure reason, const result<void>& undone) {
+    if (!undone) reason.message += " " + undone.message();
+    return reason;
+}
+
+}  // namespace
+
+std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
+    const std::string creator = vistel.creator();
+    if (creator.empty() || creator == user) return std::nullopt;
+    return "You did not create '" + vistel.name() +
+           "'.\r\rIf you click 'Close Vistel' this will close the vistel and move the movie data to the "
+           "trash.  "
+           "The movie data will then not be available for others.";
+}
+
+result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, const std::string& folder,
+                                            const std::string& uuid, const std::string& user, bool confirmed,
+                                            const std::string& home_trash, file_system& files) {
+    const auto vistel = collection.find_vistel(uuid);
+    if (!vistel) return failure{"The collection has no vistel \"" + uuid + "\"."};
+    const auto warning = close_vistel_warning(*vistel, user);
+    if (warning && !confirmed) return failure{*warning};
+    if (is_shared(collection, *vistel)) {
+        return failure{"The data of the vistel \"" + vistel->name() +
+                       "\" is shown by another vistel of the collection, too."};
+    }
+    closed_vistel closed{vistel, 0, vistel->data_folder(), std::nullopt};
+    if (!closed.data_folder.empty()) {
+        auto moved = move_to_trash(closed.data_folder, home_trash, files);
+        if (!moved) return moved.error();
+        closed.data = std::move(moved).value();
+    }
+    closed.index = collection.remove_vistel(*vistel).value_or(0);
+    if (auto saved = save_collection(collection, folder, files); !saved) {
+        collection.insert_vistel(closed.index, vistel);
+        result<void> restored;
+        if (closed.data) restored = restore_from_trash(*closed.data, closed.data_folder, files);
+        return with_undoing(saved.error(), restored);
+    }
+    return closed;
+}
+
+result<void> reopen_closed_vistel(video_collection_ROOT& collection, const std::string& folder,
+                                  const closed_vistel& closed, file_system& files) {
+    if (closed.data) {
+        if (auto restored = restore_from_trash(*closed.data, closed.data_folder, files); !restored) {
+            return restored;
+        }
+    }
+    collection.insert_vistel(closed.index, closed.vistel);
+    return save_collection(collection, folder, files);
+}
+
+result<std::vector<trashed>> trash_unused_movies(const video_collection_ROOT& collection,
+                                                 const std::string& home_trash, file_system& files) {
+    std::vector<trashed> moved;
+    for (const auto& vistel : collection.vistels()) {
+        if (vistel->data_folder().empty()) continue;
+        const auto parts = vistel->parts().parts;
+        auto names = unused_movies(vistel->stored_vistel());
+        // Copies that were not finished when a program died.
+        for (const auto& name : names_in_folder(vistel->data_folder())) {
+            const auto mark = name.find(temporary_mark);
+            if (mark != std::string::npos && is_movie_name(name.substr(0, mark))) names.push_back(name);
+        }
+        for (const auto& name : names) {
+            const std::string path = path_join(vistel->data_folder(), name);
+            const bool is_used =
+                std::any_of(parts.begin(), parts.end(), [&](const auto& part) { return part.path == path; });
+            if (is_used || name.find('/') != std::string::npos || !file_exists(path)) continue;
+            auto one = move_to_trash(path, home_trash, files);
+            if (!one) return one.error();
+            moved.push_back(std::move(one).value());
+        }
+    }
+    return moved;
+}
+
+}  // namespace vistels

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "timeline/timeline_document.h"
+#include "util/result.h"
+#include "util/signal.h"
+#include "video/collection_edit.h"
+#include "video/video_collection_ROOT.h"
+
+namespace vistels {
+
+class undo_stack;
+
+// A change of a collection that is to be made.
+struct collection_change {
+    std::string name;   // shown in the undo menu: "Move Vistel"
+    std::string scope;  // the object that it belongs to; soon after each other, changes of the same values of
+                        // one scope and name become one undo step
+    // Changes a copy of the collection; the difference is the edit. A failure changes nothing.
+    std::function<result<void>(video_collection_ROOT& copy)> change;
+    // By how much the times of the timeline move along. Nothing: by the old largest offset less the new one,
+    // which leaves every clip on its frames in all vistels whose own offset did not change.
+    std::optional<double> shift = {};
+    // What changes on the timeline besides, after that.
+    std::vector<operation::any> operations = {};
+};
+
+// By how much the times of the timeline move when the change makes `after` of `before`; 0 when not worth it.
+double shift_of(const collection_change& change, const video_collection_ROOT& before,
+                const video_collection_ROOT& after);
+
+// The only way to change an open collection so that it can be taken back: each change is one edit, planned
+// whole, on record together with what it does to the timeline (see operation::change_beside), and the
+// collection is saved after it. Undo and redo come the same way. Main thread.
+class collection_changes {
+  public:
+    // Saves the collection's records.
+    using saver = std::function<result<void>()>;
+
+    // The references must outlive this; `undo` may be null, and set later.
+    collection_changes(video_collection_ROOT& collection, timeline_document& timeline, saver save);
+    ~collection_changes();
+    collection_changes(const collection_changes&) = delete;
+    collection_changes& operator=(const collection_changes&) = delete;
+    void set_undo(undo_stack* undo) { undo_ = undo; }
+
+    // Makes the change. A refused one, of a timeline that cannot be written for instance, leaves everything
+    // as it was. When only saving failed the change is made and on record, and the failure says what is
+    // wrong. A change that changes nothing is none.
+    result<void> make(const collection_change& change);
+
+    // Changes from begin() to end() become one undo step with that name and are saved once, at the end: what
+    // a drag does. cancel() takes back what was done since begin() and ends it. Not nested.
+    void begin(std::string name);
+    result<void> end();
+    result<void> cancel();
+    bool is_within_change() const { return is_within_; }
+
+    // Makes what the journal brought back when the timeline was opened, as far as the collection lacks it.
+    // True when there was something of that kind: the collection is to be saved.
+    static bool take_up_recovered(video_collection_ROOT& collection, const timeline_document& timeline);
+
+    // Saves what end() would save, now: before the journal that holds it goes. No failure when all is saved.
+    result<void> save_pending();
+
+    // The collection changed, by a change, undo or redo, before it is saved; by how many seconds the times of
+    // the timeline moved.
+    signal<double> made;
+    // Why the collection could not be saved; an empty text when it was saved again.
+    signal<const std::string&> trouble;
+
+  private:
+    void follow(const timeline_edit& edit);
+    result<void> save();
+
+    video_collection_ROOT& collection_;
+    timeline_document& timeline_;
+    const saver save_;
+    undo_stack* undo_ = nullptr;
+    bool is_within_ = false;
+    bool has_steps_within_ = false;
+    bool is_unsaved_ = false;
+    bool parts_changed_ = false;  // since the last save
+    result<void> last_save_;
+    std::string trouble_;
+    connection edited_;
+};
+
+}  // namespace vistels

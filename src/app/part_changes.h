@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "app/collection_changes.h"
+#include "timeline/sxy_DATA_root.h"
+#include "video/movie_Part_DRONE_Offset_Item.h"
+
+namespace vistels {
+
+// The changes of where the movie parts of a vistel lie on its time line; seconds. Where the vistel locks its
+// clips ("drone_lock_clips"), the clips of the timeline that lie on a part which moves (by their middle) move
+// with it, in the same step.
+
+// The parts come to lie as in `parts`, which has the same parts in the same order: what a part_drag, or
+// with_part_placed, makes. Changes of one vistel soon after each other become one undo step.
+collection_change plan_parts(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
+                             const std::string& vistel, const movie_Part_DRONE_Offsets_Root& parts);
+// A gap gets another length; the parts behind it move along.
+collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
+                           const std::string& vistel, std::size_t part, double seconds);
+collection_change plan_clip_lock(const std::string& vistel, bool locks);
+
+}  // namespace vistels

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/collection_edit_commands.h"
+
+#include <functional>
+#include <memory>
+
+#include "app/close_vistel.h"
+#include "app/settings.h"
+#include "app/user_name.h"
+#include "cli/headless_changes.h"
+#include "timeline/writer_lock.h"
+#include "util/clock.h"
+#include "util/file_system.h"
+#include "util/safe_write.h"
+#include "video/video_coll_Duplicate_funcs.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+#include "video/video_coll_Pictures.h"
+
+namespace vistels {
+
+namespace {
+
+struct edit_values {
+    std::string folder, vistel, to, user;
+    std::vector<std::string> files;
+    std::int64_t place = 0;
+    bool append = false;
+    bool locally = false;
+    bool confirmed = false;
+    bool remove = false;
+};
+
+std::string user_of(const edit_values& values, const home_places& places) {
+    return values.user.empty() ? load_user_name(places) : values.user;
+}
+
+using changer = std::function<result<void>(video_collection_ROOT&)>;
+
+// Makes the change and saves, with the timeline in step, while no other program has the event open. What is
+// loaded of it then is printed.
+result<command_outcome> change(const edit_values& values, command_line& line, const changer& make) {
+    headless_changes changes;
+    if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
+    if (auto made = changes.make({"Change Collection", "", make}); !made) return made.error();
+    return show_collection(values.folder, line.places());
+}
+
+// The same for a change of one vistel.
+using vistel_changer =
+    std::function<result<void>(video_collection_ROOT&, const std::shared_ptr<single_Vistel_CTR>&)>;
+
+result<command_outcome> change_vistel(const edit_values& values, command_line& line,
+                                      const vistel_changer& make) {
+    return change(values, line, [&](video_collection_ROOT& collection) -> result<void> {
+        const auto vistel = collection.find_vistel(values.vistel);
+        if (vistel) return make(collection, vistel);
+        return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+    });
+}
+
+// Where new vistels go: as the option says, else as the setting does.
+new_vistels made_with(const edit_values& values, const home_places& places) {
+    const bool next_to = load_local_video_data(places).in_collection_folder;
+    const std::string folder =
+        values.locally ? places.local_vistels() : new_vistels_folder(values.folder, next_to);
+    return {folder, user_of(values, places), values.locally};
+}
+
+result<std::vector<std::string>> movies_of(const edit_values& values) {
+    std::vector<std::string> movies;
+    for (const auto& file : values.files) {
+        auto found = movies_of_item(file);
+        if (!found) return found.error();
+        movies.insert(movies.end(), found.value().begin(), found.value().end());
+    }
+    return movies;
+}
+
+result<command_outcome> add(const edit_values& values, command_line& line) {
+    const auto movies = movies_of(values);
+    if (!movies) return movies.error();
+    if (!values.to.empty()) {
+        edit_values to = values;
+        to.vistel = values.to;
+        return change_vistel(to, line, [&](auto&, const auto& vistel) -> result<void> {
+            auto brought = bring_parts(*vistel, movies.value(), line.long_work());
+            if (!brought) return brought.error();
+            auto parts = vistel->parts();
+            parts.parts.insert(parts.parts.end(), brought.value().begin(), brought.value().end());
+            vistel->set_parts(std::move(parts));
+            return {};
+        });
+    }
+    return change(values, line, [&](video_collection_ROOT& collection) -> result<void> {
+        const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
+        const auto made =
+            make_vistels(made_with(values, line.places()), movies.value(), how, line.long_work());
+        if (!made) return made.error();
+        add_new_vistels(collection, made.value());
+        return {};
+    });
+}
+
+result<command_outcome> remove(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [](auto& collection, const auto& vistel) -> result<void> {
+        collection.remove_vistel(*vistel);
+        return {};
+    });
+}
+
+result<command_outcome> move(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
+        collection.move_vistel(*vistel, static_cast<std::size_t>(values.place - 1));
+        return {};
+    });
+}
+
+result<command_outcome> duplicate(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
+        auto clone = duplicate_vistel(*vistel, made_with(values, line.places()), line.long_work());
+        if (!clone) return clone.error();
+        add_new_vistels(collection, {std::move(clone).value()});
+        return {};
+    });
+}
+
+result<command_outcome> close_for_good(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
+        const auto closed =
+            close_vistel_for_good(collection, values.folder, vistel->uuid(), user_of(values, line.places()),
+                                  values.confirmed, line.places().trash);
+        return closed ? result<void>() : result<void>(closed.error());
+    });
+}
+
+result<command_outcome> deinterlace(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<void> {
+        auto parts = deinterlaced_parts(*vistel, line.long_work());
+        if (!parts) return parts.error();
+        vistel->set_parts({std::move(parts).value()});
+        return {};
+    });
+}
+
+result<command_outcome> overlay(const edit_values& values, command_line& line) {
+    return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<void> {
+        if (values.remove || values.files.empty()) {
+            vistel->set_overlay(std::nullopt);
+            return {};
+        }
+        auto brought = bring_overlay(*vistel, values.files.front(), line.long_work());
+        if (!brought) return brought.error();
+        vistel->set_overlay(std::move(brought).value());
+        return {};
+    });
+}
+
+result<command_outcome> copy(const edit_values& values, command_line& line) {
+    const auto loaded = load_collection(values.folder, line.places().local_vistels());
+    if (!loaded) return loaded.error();
+    const auto vistel = loaded.value().collection.find_vistel(values.vistel);
+    if (!vistel) {
+        return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+    }
+    const std::string to = values.to.empty() ? desktop_folder() : values.to;
+    const auto copies = copy_vistel_movie(*vistel, to, line.long_work());
+    if (!copies) return copies.error();
+    property_dictionary printed;
+    printed.add("files", property_array(copies.value().begin(), copies.value().end()));
+    return command_outcome{std::move(printed)};
+}
+
+result<command_outcome> tidy(const edit_values& values, command_line& line) {
+    const auto lock = writer_lock::take(values.folder);
+    if (!lock) return lock.error();
+    const auto loaded = load_collection(values.folder, line.places().local_vistels());
+    if (!loaded) return loaded.error();
+    const auto moved = trash_unused_movies(loaded.value().collection, line.places().trash);
+    if (!moved) return moved.error();
+    property_array paths;
+    for (const auto& one : moved.value()) paths.emplace_back(one.path);
+    property_dictionary printed;
+    printed.add("trashed", std::move(paths));
+    return command_outcome{std::move(printed)};
+}
+
+// The records alone, as they would be saved; what did not change keeps its date.
+result<command_outcome> resave(const edit_values& values, const home_places& places) {
+    const auto loaded = load_collection(values.folder, places.local_vistels());
+    if (!loaded) return loaded.error();
+    const auto& collection = loaded.value().collection;
+    const double date = collection.stored().number("seconds updated").value_or(seconds_since_1970());
+    if (auto made = make_folders(values.to); !made) return made.error();
+    auto saved = safe_write(path_join(values.to, collection_file_name), write_collection(collection, date));
+    if (!saved) return saved.error();
+    std::int64_t vistels = 0;
+    for (const auto& vistel : collection.vistels()) {
+        if (vistel->data_folder().empty()) continue;
+        const std::string folder =
+            path_join(path_join(values.to, vistels_folder_name), path_name(vistel->data_folder()));
+        if (auto made = make_folders(folder); !made) return made.error();
+        saved = safe_write(path_join(folder, vistel_file_name), write_vistel_record(*vistel));
+        if (!saved) return saved.error();
+        ++vistels;
+    }
+    property_dictionary printed;
+    printed.add("vistels", vistels);
+    return command_outcome{std::move(printed)};
+}
+
+using edit_command = result<command_outcome> (*)(const edit_values&, command_line&);
+
+// A command that has the collection's folder, and with `vistel` one of its vistels.
+CLI::App* add_command(CLI::App& collection, command_line& line, const std::shared_ptr<edit_values>& values,
+                      const char* name, const char* description, edit_command run, bool vistel) {
+    CLI::App* command =
+        line.command(collection, name, description, [values, run, &line] { return run(*values, line); });
+    command->add_option("FOLDER", values->folder, "the collection's folder")->required();
+    if (vistel) command->add_option("VISTEL", values->vistel, "UUID or number of the vistel")->required();
+    return command;
+}
+
+void add_user(CLI::App* command, edit_values& values) {
+    command->add_option("--user", values.user, "the user's name (else that of the system)");
+}
+
+void register_files(CLI::App& collection, command_line& line, const std::shared_ptr<edit_values>& values) {
+    CLI::App* command =
+        add_command(collection, line, values, "add", "add vistels of movies and pictures", add, false);
+    command->add_option("MOVIE", values->files, "movie or picture files, or folders of movies")->required();
+    command->add_flag("--append", values->append, "one new vistel of all movies, one after another");
+    command->add_option("--to", values->to, "append the movies to this vistel (UUID or number)");
+    command->add_flag("--locally", values->locally, "keep the data on this machine only");
+    add_user(command, *values);
+
+    command = add_command(collection, line, values, "duplicate", "clone a vistel", duplicate, true);
+    command->add_flag("--locally", values->locally, "keep the clone's data on this machine only");
+    add_user(command, *values);
+
+    add_command(collection, line, values, "deinterlace", "deinterlace a vistel's movies", deinterlace, true);
+    command = add_command(collection, line, values, "overlay", "draw a picture over a vistel", overlay, true);
+    command->add_option("PICTURE", values->files, "PNG or JPEG file")->expected(0, 1);
+    command->add_flag("--remove", values->remove, "remove the overlay");
+    command =
+        add_command(collection, line, values, "copy", "copy a vistel's movie to the desktop", copy, true);
+    command->add_option("--to", values->to, "folder in the place of the desktop");
+}
+
+}  // namespace
+
+void register_collection_edits(CLI::App& collection, command_line& line) {
+    const auto values = std::make_shared<edit_values>();
+    register_files(collection, line, values);
+    add_command(collection, line, values, "remove", "remove a vistel; its data stays", remove, true);
+    CLI::App* command =
+        add_command(collection, line, values, "move", "move a vistel in the order", move, true);
+    command->add_option("PLACE", values->place, "its new place, from 1")
+        ->required()
+        ->check(CLI::PositiveNumber);
+    command = add_command(collection, line, values, "close", "close a vistel for good: its data to the trash",
+                          close_for_good, true);
+    command->add_flag("--confirmed", values->confirmed, "also when somebody else made it");
+    add_user(command, *values);
+    add_command(collection, line, values, "tidy", "unused movies of the vistels to the trash", tidy, false);
+
+    command = line.command(collection, "resave", "load a collection and save its records",
+                           [values, &line] { return resave(*values, line.places()); });
+    command->add_option("FOLDER", values->folder, "the collection's folder")->required();
+    command->add_option("--to", values->to, "folder to save to")->required();
+}
+
+}  // namespace vistels

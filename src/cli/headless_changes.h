@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/collection_changes.h"
+#include "app/places.h"
+#include "timeline/timeline_document.h"
+#include "timeline/writer_lock.h"
+#include "util/result.h"
+#include "util/simulated_run_loop.h"
+#include "video/video_collection_ROOT.h"
+
+namespace vistels {
+
+// A collection that is changed without a window, together with its timeline where it has one.
+class headless_changes {
+  public:
+    // Fails, too, when another program has the event open.
+    result<void> open(const std::string& folder, const home_places& places);
+    // Not to be changed but by make().
+    const video_collection_ROOT& collection() const { return collection_; }
+    // Makes the change and saves collection and timeline; the playheads move along.
+    result<void> make(const collection_change& change);
+
+  private:
+    result<void> load(const home_places& places);
+    result<void> make_alone(const collection_change& change);
+
+    std::string folder_;
+    simulated_run_loop loop_;
+    video_collection_ROOT collection_;
+    std::unique_ptr<writer_lock> lock_;            // of a collection without a timeline
+    std::unique_ptr<timeline_document> timeline_;  // null: there is none
+    std::unique_ptr<collection_changes> changes_;
+    connection made_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,328 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "video/collection_edit.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "util/file_system.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr const char* parts_key = "drone_array";
+constexpr const char* file_key = "file";  // of a part in an edit; part records themselves have none
+
+// Of the collection record: not changed by edits.
+constexpr const char* passing_keys[] = {
+    "array video group items",
+    "date updated",
+    "seconds updated",
+    "movie time",
+    "volume",
+    "video type state",
+    "UUID video group",
+    "UUID of linked timeline archive",
+};
+
+property_dictionary values_of(const video_collection_ROOT& collection) {
+    auto values = write_collection(collection, 0);
+    for (const char* key : passing_keys) values.remove(key);
+    return values;
+}
+
+property_dictionary own_values_of(const single_Vistel_CTR& vistel) {
+    auto values = write_vistel_record(vistel);
+    values.remove(parts_key);
+    return values;
+}
+
+property_array parts_of(const single_Vistel_CTR& vistel) {
+    const auto parts = vistel.parts();
+    property_array stored = write_movie_parts(parts);
+    for (std::size_t index = 0; index < stored.size(); ++index) {
+        if (parts.parts[index].path.empty()) continue;
+        property_dictionary one = *stored[index].dictionary();
+        one.set(file_key, path_name(parts.parts[index].path));
+        stored[index] = std::move(one);
+    }
+    return stored;
+}
+
+movie_Part_DRONE_Offsets_Root parts_from(const property_array& stored, const std::string& data_folder) {
+    auto parts = read_movie_parts(stored);
+    for (auto& part : parts.parts) {
+        const std::string file = part.kept.text_or_empty(file_key);
+        part.kept.remove(file_key);
+        if (!file.empty()) part.path = path_join(data_folder, file);
+    }
+    return parts;
+}
+
+value_change change_between(const property_dictionary& before, const property_dictionary& after) {
+    value_change change;
+    for (const auto& entry : after) {
+        const auto* was = before.find(entry.key);
+        if (!was || !(*was == entry.value)) change.set.add(entry.key, entry.value);
+    }
+    for (const auto& entry : before) {
+        if (!after.contains(entry.key)) change.unset.emplace_back(entry.key);
+    }
+    return change;
+}
+
+bool is_empty(const value_change& change) {
+    return change.set.empty() && change.unset.empty();
+}
+
+property_dictionary changed(property_dictionary values, const value_change& change) {
+    for (const auto& entry : change.set) values.set(entry.key, entry.value);
+    for (const auto& key : change.unset) {
+        if (key.text()) values.remove(*key.text());
+    }
+    return values;
+}
+
+std::vector<std::string> uuids_of(const video_collection_ROOT& collection) {
+    std::vector<std::string> all;
+    for (const auto& vistel : collection.vistels()) all.push_back(vistel->uuid());
+    return all;
+}
+
+std::shared_ptr<single_Vistel_CTR> vistel_of(const std::vector<std::shared_ptr<single_Vistel_CTR>>& all,
+                                             const std::string& uuid) {
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == uuid; });
+    return found == all.end() ? nullptr : *found;
+}
+
+vistel_change change_of_vistel(const single_Vistel_CTR* before, const single_Vistel_CTR& after) {
+    vistel_change change;
+    change.vistel = after.uuid();
+    const property_dictionary nothing;
+    change.item = change_between(before ? write_vistel_item(*before) : nothing, write_vistel_item(after));
+    change.own = change_between(before ? own_values_of(*before) : nothing, own_values_of(after));
+    auto parts = parts_of(after);
+    if (!before || parts != parts_of(*before)) change.parts = std::move(parts);
+    if (!before) change.data_folder = after.data_folder();
+    return change;
+}
+
+// The vistel with the change made. What is not stored comes from `was`, or for a new one from the change.
+single_Vistel_CTR changed_vistel(const single_Vistel_CTR* was, const vistel_change& change) {
+    const property_dictionary nothing;
+    single_Vistel_CTR made = read_vistel_item(changed(was ? write_vistel_item(*was) : nothing, change.item));
+    const auto own = changed(was ? own_values_of(*was) : nothing, change.own);
+    read_vistel_record(made, own);
+    made.set_data_folder(was ? was->data_folder() : change.data_folder);
+    made.set_parts(change.parts ? parts_from(*change.parts, made.data_folder())
+                   : was        ? was->parts()
+                                : movie_Part_DRONE_Offsets_Root());
+    if (was) {
+        made.set_problem(was->problem());
+        // What is on disk: it tells what to save.
+        made.set_stored_vistel(was->stored_vistel());
+        made.set_parts_on_record(was->parts_on_record());
+    }
+    return made;
+}
+
+// Applies an edit to copies first: nothing is changed until all of it can be.
+class edit_maker {
+  public:
+    edit_maker(const video_collection_ROOT& collection, edit_manner manner)
+        : before_(collection.vistels()), manner_(manner) {}
+
+    result<void> change(const vistel_change& change) {
+        const auto was = vistel_of(before_, change.vistel);
+        const bool comes = !was && change.item.set.contains("UUID single video - g");
+        if (!was && (!comes || change.data_folder.empty())) {
+            if (manner_ == edit_manner::lenient) return {};
+            return failure{"the collection has no vistel \"" + change.vistel + "\"."};
+        }
+        auto made = std::make_shared<single_Vistel_CTR>(changed_vistel(was.get(), change));
+        if (was) {
+            changed_.emplace_back(was, std::move(made));
+        } else {
+            come_.push_back(std::move(made));
+        }
+        return {};
+    }
+
+    result<void> arrange(const std::optional<std::vector<std::string>>& order) {
+        after_ = before_;
+        if (!order) {
+            if (come_.empty() || manner_ == edit_manner::lenient) return {};
+            return failure{"a vistel has no place."};
+        }
+        after_.clear();
+        auto pool = before_;
+        pool.insert(pool.end(), come_.begin(), come_.end());
+        for (const auto& uuid : *order) {
+            const auto vistel = vistel_of(pool, uuid);
+            if (vistel) {
+                after_.push_back(vistel);
+                pool.erase(std::find(pool.begin(), pool.end(), vistel));
+            } else if (manner_ == edit_manner::strict) {
+                return failure{"the collection has no vistel \"" + uuid + "\"."};
+            }
+        }
+        return {};
+    }
+
+    void put_in_place(video_collection_ROOT& collection) {
+        for (auto& [vistel, made] : changed_) *vistel = *made;
+        collection.set_vistels(std::move(after_));
+    }
+
+  private:
+    using vistel_pointer = std::shared_ptr<single_Vistel_CTR>;
+
+    const std::vector<vistel_pointer> before_;
+    const edit_manner manner_;
+    std::vector<std::pair<vistel_pointer, vistel_pointer>> changed_;
+    std::vector<vistel_pointer> come_;
+    std::vector<vistel_pointer> after_;
+};
+
+// What is no vistel and not passing, as values of the record.
+void change_values(video_collection_ROOT& collection, const value_change& change) {
+    if (is_empty(change)) return;
+    auto record = write_collection(collection, 0);
+    record.remove("array video group items");
+    auto made = read_collection(changed(std::move(record), change));
+    made.set_vistels(collection.vistels());
+    // As it was read, so that it is written only when it changed.
+    auto stored = made.stored();
+    const auto as_read = collection.stored();
+    for (const char* key : passing_keys) {
+        const auto* was = as_read.find(key);
+        was ? stored.set(key, *was) : stored.remove(key);
+    }
+    // Items that are no vistels.
+    if (const auto* items = as_read.find("array video group items"))
+        stored.set("array video group items", *items);
+    made.set_stored(std::move(stored));
+    collection = made;
+}
+
+property_dictionary write_change(const value_change& change) {
+    property_dictionary stored;
+    if (!change.set.empty()) stored.add("set", change.set);
+    if (!change.unset.empty()) stored.add("unset", change.unset);
+    return stored;
+}
+
+value_change read_change(const property_dictionary& stored, const char* key) {
+    value_change change;
+    const auto* found = stored.dictionary(key);
+    if (!found) return change;
+    if (const auto* set = found->dictionary("set")) change.set = *set;
+    if (const auto* unset = found->array("unset")) change.unset = *unset;
+    return change;
+}
+
+// Which values a change touches, without regard to whether it sets them or takes them away.
+std::vector<std::string> keys_of(const value_change& change) {
+    std::vector<std::string> keys;
+    for (const auto& entry : change.set) keys.emplace_back(entry.key);
+    for (const auto& key : change.unset) keys.push_back(key.text() ? *key.text() : std::string());
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+}  // namespace
+
+bool collection_edit::empty() const {
+    return is_empty(values) && vistels.empty() && !order;
+}
+
+video_collection_ROOT detached_copy(const video_collection_ROOT& collection) {
+    video_collection_ROOT copy = collection;
+    auto vistels = copy.vistels();
+    for (auto& vistel : vistels) vistel = std::make_shared<single_Vistel_CTR>(*vistel);
+    copy.set_vistels(std::move(vistels));
+    return copy;
+}
+
+collection_edit difference(const video_collection_ROOT& before, const video_collection_ROOT& after) {
+    collection_edit edit;
+    edit.values = change_between(values_of(before), values_of(after));
+    const auto earlier = before.vistels();
+    for (const auto& vistel : after.vistels()) {
+        const auto was = vistel_of(earlier, vistel->uuid());
+        auto change = change_of_vistel(was.get(), *vistel);
+        if (!was || !is_empty(change.item) || !is_empty(change.own) || change.parts) {
+            edit.vistels.push_back(std::move(change));
+        }
+    }
+    auto order = uuids_of(after);
+    if (order != uuids_of(before)) edit.order = std::move(order);
+    return edit;
+}
+
+result<void> apply_collection_edit(video_collection_ROOT& collection, const collection_edit& edit,
+                                   edit_manner manner) {
+    edit_maker maker(collection, manner);
+    for (const auto& change : edit.vistels) {
+        if (auto made = maker.change(change); !made) return made;
+    }
+    if (auto arranged = maker.arrange(edit.order); !arranged) return arranged;
+    maker.put_in_place(collection);
+    change_values(collection, edit.values);
+    return {};
+}
+
+property_dictionary write_collection_edit(const collection_edit& edit) {
+    property_dictionary stored;
+    if (!is_empty(edit.values)) stored.add("values", write_change(edit.values));
+    property_array vistels;
+    for (const auto& change : edit.vistels) {
+        property_dictionary one;
+        one.add("vistel", change.vistel);
+        if (!is_empty(change.item)) one.add("item", write_change(change.item));
+        if (!is_empty(change.own)) one.add("own", write_change(change.own));
+        if (change.parts) one.add("parts", *change.parts);
+        if (!change.data_folder.empty()) one.add("data folder", change.data_folder);
+        vistels.emplace_back(std::move(one));
+    }
+    if (!vistels.empty()) stored.add("vistels", std::move(vistels));
+    if (edit.order) stored.add("order", property_array(edit.order->begin(), edit.order->end()));
+    return stored;
+}
+
+collection_edit read_collection_edit(const property_dictionary& stored) {
+    collection_edit edit;
+    edit.values = read_change(stored, "values");
+    if (const auto* vistels = stored.array("vistels")) {
+        for (const auto& value : *vistels) {
+            const auto* one = value.dictionary();
+            if (!one) continue;
+            vistel_change change;
+            change.vistel = one->text_or_empty("vistel");
+            change.item = read_change(*one, "item");
+            change.own = read_change(*one, "own");
+            if (const auto* parts = one->array("parts")) change.parts = *parts;
+            change.data_folder = one->text_or_empty("data folder");
+            edit.vistels.push_back(std::move(change));
+        }
+    }
+    if (const auto* order = stored.array("order")) {
+        edit.order.emplace();
+        for (const auto& uuid : *order) {
+            if (uuid.text()) edit.order->push_back(*uuid.text());
+        }
+    }
+    return edit;
+}
+
+bool sets_the_same(const collection_edit& a, const collection_edit& b) {
+    if (a.order || b.order || keys_of(a.values) != keys_of(b.values)) return false;
+    return std::equal(a.vistels.begin(), a.vistels.end(), b.vistels.begin(), b.vistels.end(),
+                      [](const vistel_change& x, const vistel_change& y) {
+                          return x.vistel == y.vistel && keys_of(x.item) == keys_of(y.item) &&
+                                 keys_of(x.own) == keys_of(y.own) && !x.parts == !y.parts;
+                      });
+}
+
+}  // namespace vistels

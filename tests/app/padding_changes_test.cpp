@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/padding_changes.h"
+
+#include <gtest/gtest.h>
+
+#if VISTELS_HAVE_MEDIA
+
+#include <filesystem>
+
+#include "app/offset_changes.h"
+#include "app/open_event.h"
+#include "app/part_changes.h"
+#include "app/vistel_changes.h"
+#include "support/coded_movie.h"
+#include "support/temporary_folder.h"
+#include "util/file_system.h"
+#include "util/plain_run_loop.h"
+#include "video/part_placing.h"
+#include "video/synchronised_playback.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+
+namespace vistels {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace vistels::testing;
+
+constexpr double wait_seconds = 120;
+
+// Three cameras whose frames say which they are; the second one's movie has a second part of 1 second. Clips
+// at times where they show something.
+class filmed_event : public ::testing::Test {
+  protected:
+    filmed_event() {
+        movie_writer_settings settings;
+        settings.width = 320;
+        settings.height = 240;
+        settings.gop_frames = 15;
+        settings.preset = "ultrafast";
+        settings.threads = 1;
+        EXPECT_TRUE(write_coded_movie(home / "long.mp4", settings, 120));
+        EXPECT_TRUE(write_coded_movie(home / "short.mp4", settings, 30));
+        job work;
+        EXPECT_TRUE(new_collection(folder, "Final",
+                                   {home / "long.mp4", home / "short.mp4", home / "long.mp4"},
+                                   movies_as::vistel_each, work));
+        auto made = load_collection(folder).value().collection;
+        const auto second = made.vistels()[1];
+        fs::copy(home / "short.mp4", second->data_folder() + "/part 002.mp4");
+        auto parts = second->parts();
+        parts.parts.push_back({0.75, 1, second->data_folder() + "/part 002.mp4", {}});
+        second->set_parts(parts);
+        EXPECT_TRUE(save_collection(made, folder));
+        open();
+        timeline_edit coded{"setup", "", {}};
+        sxy_ROW row;
+        row.set_uuid(shared_text("R"));
+        coded.operations.emplace_back(operation::insert_row{0, row});
+        for (int n = 0; n < 5; ++n) {
+            sxy_CLIP clip;
+            clip.set_id(std::to_string(n));
+            clip.set_secs_start(n * 0.7 + 0.01);
+            clip.set_secs_end(n * 0.7 + 0.26);
+            coded.operations.emplace_back(operation::insert_clip{shared_text("R"), clip});
+        }
+        EXPECT_TRUE(event->timeline().apply(coded));
+    }
+    void open() {
+        event.reset();
+        auto opened = open_event::open(folder, find_home_places(home.path()), loop);
+        ASSERT_TRUE(opened) << opened.message();
+        event = std::move(opened).value();
+        EXPECT_TRUE(event->set_volume(0));
+        for (const auto& vistel : event->collection().vistels()) {
+            event->playback().set_view_size(vistel->uuid(), 160, 120);
+        }
+    }
+    void make(const collection_change& change) {
+        const auto made = event->changes().make(change);
+        EXPECT_TRUE(made) << made.message();
+    }
+    void run(padding_command command) {
+        job work;
+        const auto done = run_padding(event->changes(), event->collection(), command, work);
+        EXPECT_TRUE(done) << done.message();
+    }
+    std::string uuid(std::size_t vistel) { return event->collection().vistels()[vistel]->uuid(); }
+    // Behind its last part a vistel goes on showing the last frame, unless it is padded.
+    bool is_filmed(const single_Vistel_CTR& vistel, double seconds) {
+        return movie_time_at(event->collection(), vistel.uuid(), seconds) < vistel.parts().duration();
+    }
+    // The frame that each vistel shows at the start of each clip; -1: none.
+    std::vector<int> frames() {
+        std::vector<int> all;
+        for (int n = 0; n < 5; ++n) {
+            bool done = false;
+            const auto place = event->timeline().timeline().find_clip(std::to_string(n));
+            event->playback().seek(place->clip->secs_start(), [&] { done = true; });
+            EXPECT_TRUE(loop.run_until([&] { return done; }, wait_seconds));
+            for (const auto& vistel : event->collection().vistels()) {
+                const auto picture = event->playback().picture(vistel->uuid());
+                const bool filmed = is_filmed(*vistel, place->clip->secs_start());
+                all.push_back(picture && filmed ? read_frame_number(*picture) : -1);
+            }
+        }
+        return all;
+    }
+    std::vector<double> times() {
+        std::vector<double> all;
+        for (const auto& clip : event->timeline().timeline().rows().front()->clips()) {
+            all.push_back(clip->secs_start());
+            all.push_back(clip->secs_end());
+        }
+        for (const auto& vistel : event->collection().vistels()) {
+            all.push_back(vistel->manual_start_offset().value_or(-99));
+            for (const auto& part : vistel->parts().parts) all.push_back(part.gap_before);
+        }
+        return all;
+    }
+    std::size_t padding_files() {
+        std::size_t count = 0;
+        for (const auto& file : fs::recursive_directory_iterator(home.path())) {
+            count += is_padding_file_name(file.path().filename().string());
+        }
+        return count;
+    }
+    static void expect_near(const std::vector<double>& a, const std::vector<double>& b) {
+        ASSERT_EQ(a.size(), b.size());
+        for (std::size_t index = 0; index < a.size(); ++index)
+            EXPECT_NEAR(a[index], b[index], 0.001) << index;
+    }
+
+    temporary_folder home;
+    const std::string folder = home / "Cup.VVault/Video Groups/Final";
+    plain_run_loop loop;
+    std::unique_ptr<open_event> event;
+};
+
+TEST_F(filmed_event, clips_stay_on_their_frames_through_offsets_padding_and_back) {
+    const auto first = frames();
+    // The first vistel begins earlier than the others, then later; they go on showing what they showed.
+    for (const double offset : {-0.5, 0.8}) {
+        make(plan_offset(uuid(0), offset));
+        const auto now = frames();
+        for (std::size_t at = 0; at < now.size(); ++at) {
+            EXPECT_TRUE(at % 3 == 0 || now[at] == first[at]) << offset << " " << at;
+        }
+    }
+    make(plan_offset(uuid(2), 0.3));
+    const auto coded = frames();
+    EXPECT_NE(coded, first);
+    const auto before = times();
+    run(padding_command::replace_with_padding);
+    EXPECT_EQ(frames(), coded);
+    const std::size_t files = padding_files();
+    EXPECT_EQ(files, 2U + 1 + 2);  // two wait, one has a gap, two end early
+    open();
+    EXPECT_TRUE(event->messages().empty());
+    EXPECT_EQ(frames(), coded);
+    const auto padded = times();
+    EXPECT_TRUE(event->undo().undo());
+    EXPECT_EQ(padding_files(), 0U);
+    EXPECT_EQ(frames(), coded);
+    expect_near(times(), before);
+    EXPECT_TRUE(event->undo().redo());
+    EXPECT_EQ(padding_files(), files);
+    EXPECT_EQ(frames(), coded);
+    expect_near(times(), padded);
+    run(padding_command::restore_offsets);
+    EXPECT_EQ(padding_files(), 0U);
+    EXPECT_EQ(frames(), coded);
+    expect_near(times(), before);
+    open();
+    EXPECT_EQ(frames(), coded);
+    expect_near(times(), before);
+}
+
+TEST_F(filmed_event, padding_that_is_given_up_changes_nothing) {
+    make(plan_offset(uuid(0), 2));
+    const auto before = times();
+    job cancelled;
+    cancelled.cancel();
+    EXPECT_FALSE(
+        run_padding(event->changes(), event->collection(), padding_command::replace_with_padding, cancelled));
+    // What changes while the files are made is not padded by what was planned before.
+    const auto planned = plan_padding(event->collection(), padding_command::replace_with_padding);
+    ASSERT_TRUE(planned);
+    make(plan_offset(uuid(0), 3));
+    EXPECT_FALSE(event->changes().make(planned.value().change));
+    make(plan_offset(uuid(0), 2));
+    expect_near(times(), before);
+    EXPECT_EQ(padding_files(), 0U);
+}
+
+TEST_F(filmed_event, locked_clips_move_with_their_movie_part) {
+    // On the second part, which is from 1.75 to 2.75 of the second vistel: the clip at 2.11.
+    const auto frame_of = [](const std::vector<int>& all, int clip) {
+        return all[static_cast<std::size_t>(clip) * 3 + 1];
+    };
+    const auto before = frames();
+    const auto start = times();
+    ASSERT_GE(frame_of(before, 3), 0);
+    make(plan_gap(event->collection(), event->timeline().timeline(), uuid(1), 1, 1.25));
+    EXPECT_NE(frame_of(frames(), 3), frame_of(before, 3));
+    EXPECT_TRUE(event->undo().undo());
+    make(plan_clip_lock(uuid(1), true));
+    part_drag drag(event->collection().vistels()[1]->parts(), 1);
+    drag.move_to(0.5);
+    make(plan_parts(event->collection(), event->timeline().timeline(), uuid(1), drag.release()));
+    EXPECT_EQ(frame_of(frames(), 3), frame_of(before, 3));
+    EXPECT_EQ(frame_of(frames(), 1), frame_of(before, 1));
+    EXPECT_NEAR(event->timeline().timeline().find_clip("3")->clip->secs_start(), 2.61, 1e-9);
+    EXPECT_FALSE(
+        event->changes().make(plan_gap(event->collection(), event->timeline().timeline(), uuid(1), 1, -1)));
+    EXPECT_TRUE(event->undo().undo());
+    expect_near(times(), start);
+}
+
+// Coded on the clock alone, and only then filmed.
+TEST_F(filmed_event, a_movie_added_later_is_aligned_to_what_was_coded_without_it) {
+    const auto movies = event->collection().vistels();
+    for (const auto& vistel : movies) make(plan_removal(vistel->uuid()));
+    EXPECT_TRUE(event->runs_on_clock());
+    event->playback().seek(4000);  // far behind the last clip
+    event->playback().play();
+    EXPECT_TRUE(event->playback().is_playing());
+    event->playback().pause();
+    EXPECT_GE(event->playback().collection_time(), 4000);
+    for (const double seen_at : {1.0, 2.6}) {  // the clip at 2.11 is later, and earlier, than in the movie
+        for (std::size_t step = 0; step < 3; ++step) EXPECT_TRUE(event->undo().undo());
+        for (std::size_t step = 1; step < 3; ++step) make(plan_removal(movies[step]->uuid()));
+        EXPECT_FALSE(event->runs_on_clock());
+        const double coded = event->timeline().timeline().find_clip("3")->clip->secs_start();
+        make(plan_coded_moment(coded, {uuid(0), seen_at}));
+        event->playback().set_view_size(uuid(0), 160, 120);
+        bool done = false;
+        const auto place = event->timeline().timeline().find_clip("3");
+        event->playback().seek(place->clip->secs_start(), [&] { done = true; });
+        EXPECT_TRUE(loop.run_until([&] { return done; }, wait_seconds));
+        const auto picture = event->playback().picture(uuid(0));
+        ASSERT_TRUE(picture);
+        EXPECT_EQ(read_frame_number(*picture), std::lround(seen_at * 30));
+        // Clips from before the movie can still be reached.
+        const auto first = event->timeline().timeline().find_clip("0")->clip->secs_start();
+        event->playback().seek(first);
+        EXPECT_EQ(event->playback().collection_time(), first);
+    }
+}
+
+}  // namespace
+}  // namespace vistels
+
+#endif

@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a person does with the vistels of an open event: layouts, menus, files, bringing into step.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTest>
+#include <filesystem>
+
+#include "shell/align_bar.h"
+#include "shell/align_control.h"
+#include "shell/collection_commands.h"
+#include "shell/collection_pane.h"
+#include "shell/collection_view.h"
+#include "shell/message_bar.h"
+#include "shell/vistel_files.h"
+#include "shell/window_actions.h"
+#include "support/shown_event.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+struct collection_window : public testing::shown_event {
+    void SetUp() override {
+        shown_event::SetUp();
+        places.trash = home / "Trash";
+        if (!IsSkipped() && !HasFatalFailure()) open();
+    }
+
+    std::vector<std::shared_ptr<single_Vistel_CTR>> vistels() { return event().collection().vistels(); }
+    std::string uuid(std::size_t place) { return vistels()[place]->uuid(); }
+    std::vector<std::string> names() {
+        std::vector<std::string> all;
+        for (const auto& one : vistels()) all.push_back(one->name());
+        return all;
+    }
+    rectangle frame(std::size_t place) { return vistels()[place]->proportion_rect().value_or(rectangle()); }
+    double offset(std::size_t place) { return vistels()[place]->manual_start_offset().value_or(0); }
+    collection_view& view() { return *find<collection_view>("collection.view"); }
+    vistel_files& files() { return window->collection().files(); }
+    void trigger(const char* action) { find<QAction>(action)->trigger(); }
+    void undo() { window->actions()[command::undo]->trigger(); }
+    void redo() { window->actions()[command::redo]->trigger(); }
+
+    // The menu of a vistel, opened by the mouse.
+    QMenu* menu_of(const std::string& vistel) {
+        const QPoint at = view().place_of(vistel).center();
+        QContextMenuEvent asked(QContextMenuEvent::Mouse, at, view().mapToGlobal(at));
+        QApplication::sendEvent(&view(), &asked);
+        QMenu* found = nullptr;
+        for (auto* one : window->findChildren<QMenu*>("vistel.menu")) found = one;
+        return found;
+    }
+    void choose(const std::string& vistel, const QString& words) {
+        QMenu* menu = menu_of(vistel);
+        ASSERT_TRUE(menu);
+        QAction* found = nullptr;
+        for (auto* one : menu->actions()) found = one->text() == words ? one : found;
+        ASSERT_TRUE(found) << words.toStdString();
+        EXPECT_TRUE(found->isEnabled()) << words.toStdString();
+        found->trigger();
+        menu->close();
+        QCoreApplication::sendPostedEvents(menu, QEvent::DeferredDelete);
+    }
+    bool wait_for_vistels(std::size_t count) {
+        return QTest::qWaitFor([&] { return vistels().size() == count; }, 60000);
+    }
+    // A settled picture at that time.
+    void stand_at(double seconds) {
+        window->session().seek(seconds);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return event().playback().is_settled(); }, 60000));
+    }
+    void press_button(const char* name) { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
+};
+
+TEST_F(collection_window, layouts_are_stored_and_taken_back) {
+    const rectangle before = frame(0);
+    view().set_current(uuid(1));
+    trigger("collection.one_large");
+    EXPECT_NEAR(frame(1).width, 2.0 / 3, 1e-9);
+    EXPECT_EQ(frame(0).height, 0.5);
+    EXPECT_NEAR(event().collection().outside_bounds_ratio().value_or(0), 1.5 * 16 / 9, 1e-6);
+    trigger("collection.to_back");
+    EXPECT_LT(vistels()[1]->saved_view_order(), vistels()[0]->saved_view_order());
+    undo();
+    undo();
+    EXPECT_EQ(frame(0), before);
+    redo();
+    EXPECT_NEAR(frame(1).width, 2.0 / 3, 1e-9);
+    window->close();
+    window.reset();
+    open();
+    EXPECT_NEAR(frame(1).width, 2.0 / 3, 1e-9);
+}
+
+TEST_F(collection_window, a_vistel_is_dragged_to_its_place) {
+    const QPoint from = view().chip_of(uuid(1)).center();
+    const rectangle before = frame(1);
+    QTest::mousePress(&view(), Qt::LeftButton, {}, from);
+    for (const int step : {20, 40, 60}) {
+        const QPoint at = from + QPoint(-step, -step);
+        QMouseEvent move(QEvent::MouseMove, at, view().mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(&view(), &move);
+    }
+    QTest::mouseRelease(&view(), Qt::LeftButton, {}, from - QPoint(60, 60));
+    EXPECT_LT(frame(1).x, before.x);
+    EXPECT_EQ(view().place_of(uuid(1)).size().isEmpty(), false);
+    EXPECT_TRUE(window->actions()[command::undo]->text().contains("Move Vistel"));
+    undo();
+    EXPECT_EQ(frame(1), before);
+}
+
+TEST_F(collection_window, the_menu_of_a_vistel_removes_moves_and_clones_it) {
+    QMenu* menu = menu_of(uuid(0));
+    ASSERT_TRUE(menu);
+    QStringList words;
+    for (const auto* one : menu->actions()) words << one->text();
+    for (const char* wanted : {"Remove Vistel", "Duplicate Vistel", "Deinterlace Vistel",
+                               "Move collection vistel", "Copy Vistel Movie To Desktop", "Remove Overlay"}) {
+        EXPECT_TRUE(words.contains(QLatin1String(wanted))) << wanted;
+    }
+    menu->close();
+    const auto before = names();
+    files().move(uuid(0), 1);
+    EXPECT_EQ(names(), (std::vector<std::string>{before[1], before[0]}));
+    undo();
+    choose(uuid(0), "Remove Vistel");
+    EXPECT_EQ(names(), std::vector<std::string>{before[1]});
+    EXPECT_NEAR(frame(0).width, 1, 1e-9);  // it has the room now
+    undo();
+    EXPECT_EQ(names(), before);
+    choose(uuid(1), "Duplicate Vistel");
+    ASSERT_TRUE(wait_for_vistels(3));
+    EXPECT_GT(vistels()[2]->number(), 0);
+    EXPECT_NE(vistels()[2]->number(), vistels()[1]->number());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(2)); }, 60000));
+    undo();
+    EXPECT_EQ(vistels().size(), 2u);
+}
+
+TEST_F(collection_window, movies_are_added_as_the_user_chooses) {
+    const QStringList movies = {QString::fromStdString(home / "left end.mp4"),
+                                QString::fromStdString(home / "right end.mp4")};
+    files().add(movies, {});
+    auto* panel = window->findChild<QDialog*>("add_movies");
+    ASSERT_TRUE(panel);
+    QStringList words;
+    for (const auto* one : panel->findChildren<QPushButton*>()) words << one->text();
+    EXPECT_TRUE(words.contains("Create A New Vistel For Each File"));
+    EXPECT_TRUE(words.contains("Create A New Vistel And Append Movies"));
+    press_button("add_movies.1");
+    ASSERT_TRUE(wait_for_vistels(3));
+    EXPECT_EQ(vistels()[2]->parts().parts.size(), 2u);
+    EXPECT_NEAR(frame(2).width, 0.5, 1e-9);  // the grid took it in
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(2)); }, 60000));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    files().add({movies.front()}, uuid(0));
+    EXPECT_EQ(find<QPushButton>("add_movies.2")->toolTip(), "Append video files to this vistel.");
+    press_button("add_movies.2");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return vistels()[0]->parts().parts.size() == 2; }, 60000));
+    EXPECT_NEAR(event().playback().last_time(), 8, 0.2);
+    undo();
+    EXPECT_EQ(vistels()[0]->parts().parts.size(), 1u);
+    files().add({QString::fromStdString(folder + "/video group.plist")}, {});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return find<message_bar>("message")->waiting() > 0; }, 60000));
+    EXPECT_EQ(vistels().size(), 3u);
+}
+
+TEST_F(collection_window, closing_for_good_asks_and_moves_the_data_to_the_trash) {
+    vistels()[0]->set_creator("someone else");
+    const std::string data = vistels()[0]->data_folder();
+    choose(uuid(0), "Close Vistel…");
+    auto* question = find<QMessageBox>("close_vistel");
+    EXPECT_TRUE(question->text().startsWith("You did not create '"));
+    EXPECT_TRUE(
+        question->text().contains("If you click 'Close Vistel' this will close the vistel and move the movie "
+                                  "data to the trash.  The movie data will then not be available for "
+                                  "others."));
+    EXPECT_TRUE(std::filesystem::exists(data));
+    press_button("close_vistel.close");
+    EXPECT_EQ(vistels().size(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(data));
+    EXPECT_TRUE(std::filesystem::exists(places.trash));
+    undo();
+    EXPECT_EQ(vistels().size(), 2u);
+    EXPECT_TRUE(std::filesystem::exists(data));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
+}
+
+TEST_F(collection_window, offsets_are_typed_nudged_and_dragged) {
+    trigger("collection.align");
+    auto* field = find<QLineEdit>("align.offset");
+    view().set_current(uuid(1));
+    ASSERT_TRUE(field->isVisible());
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "0.5");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_NEAR(offset(1), 0.5, 1e-9);
+    stand_at(1);
+    press_button("align.nudge.more");
+    EXPECT_NEAR(offset(1), 0.6, 1e-3);
+    trigger("collection.frame_later");
+    EXPECT_NEAR(offset(1), 0.5, 1e-3);
+    // A vistel with a smaller offset is ahead: there is a time before 0, and the transport goes there.
+    EXPECT_NEAR(event().start_seconds(), -0.5, 1e-3);
+    window->session().to_start();
+    EXPECT_NEAR(event().playback().collection_time(), -0.5, 1e-3);
+    stand_at(1);
+    const QPoint from = view().place_of(uuid(0)).center();
+    const auto move = [&](int by) {
+        QMouseEvent moved(QEvent::MouseMove, from + QPoint(by, 0), view().mapToGlobal(from), Qt::NoButton,
+                          Qt::LeftButton, {});
+        QApplication::sendEvent(&view(), &moved);
+    };
+    QTest::mousePress(&view(), Qt::LeftButton, {}, from);
+    move(12);
+    EXPECT_TRUE(view().note_in(uuid(0)).startsWith("+2 frames")) << view().note_in(uuid(0)).toStdString();
+    EXPECT_EQ(offset(0), 0);
+    QTest::mouseRelease(&view(), Qt::LeftButton, {}, from + QPoint(12, 0));
+    EXPECT_NEAR(offset(0), -0.2, 1e-3);
+    EXPECT_TRUE(view().note_in(uuid(0)).isEmpty());
+    undo();
+    EXPECT_NEAR(offset(0), 0, 1e-9);
+}
+
+// The first vistel shows at 2 s what the second shows at 1 s.
+TEST_F(collection_window, same_moment_brings_two_vistels_into_step) {
+    trigger("collection.align");
+    view().set_current(uuid(0));
+    stand_at(2);
+    press_button("align.mark");
+    view().set_current(uuid(1));
+    stand_at(1);
+    press_button("align.same");
+    EXPECT_NEAR(offset(1), 1, 1e-6);
+    const double now = event().playback().collection_time();
+    EXPECT_NEAR(movie_time_at(event().collection(), uuid(0), now).value_or(0), 2, 0.11);
+    EXPECT_NEAR(movie_time_at(event().collection(), uuid(1), now).value_or(0), 1, 0.11);
+    EXPECT_FALSE(window->collection().alignment().has_mark());
+    undo();
+    EXPECT_EQ(offset(1), 0);
+}
+
+TEST_F(collection_window, gaps_are_typed_and_padding_takes_their_place) {
+    files().add_as({QString::fromStdString(home / "left end.mp4")}, uuid(0), movies_as::parts_of_existing);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return vistels()[0]->parts().parts.size() == 2; }, 60000));
+    trigger("collection.align");
+    view().set_current(uuid(0));
+    press_button("align.parts");
+    find<align_bar>("align")->strip().choose(1);
+    auto* field = find<QLineEdit>("movie_parts.gap");
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, "1.5");
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_NEAR(vistels()[0]->parts().parts[1].gap_before, 1.5, 1e-9);
+    stand_at(4.7);
+    EXPECT_FALSE(view().words_in(uuid(0)).isEmpty());
+    trigger("collection.pad");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return vistels()[0]->parts().parts.size() == 3; }, 60000));
+    EXPECT_EQ(vistels()[0]->parts().parts[2].gap_before, 0);
+    trigger("collection.unpad_to_offsets");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return vistels()[0]->parts().parts.size() == 2; }, 60000));
+    EXPECT_NEAR(vistels()[0]->parts().parts[1].gap_before, 1.5, 1e-3);
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Where vistels lie: dragging by pixels, ready layouts, stacking; and the sums behind bringing them into
+// step.
+#include "shell/vistel_geometry.h"
+
+#include <gtest/gtest.h>
+
+#include "shell/buttons_Adjust_Offsets.h"
+#include "shell/single_Adjust_offset_View.h"
+#include "shell/vistel_alignment.h"
+#include "shell/vistel_layout.h"
+
+namespace vistels {
+namespace {
+
+constexpr frame_grip whole{true};
+constexpr frame_grip lower_right{false, false, false, true, true};
+constexpr frame_grip upper_left{false, true, true, false, false};
+constexpr frame_grip right_edge{false, false, false, true, false};
+
+void expect_frame(const rectangle& made, const rectangle& wanted, const std::string& what) {
+    EXPECT_NEAR(made.x, wanted.x, 1e-9) << what;
+    EXPECT_NEAR(made.y, wanted.y, 1e-9) << what;
+    EXPECT_NEAR(made.width, wanted.width, 1e-9) << what;
+    EXPECT_NEAR(made.height, wanted.height, 1e-9) << what;
+}
+
+TEST(vistel_drag, moves_resizes_and_snaps) {
+    // An area of 1000 x 500 with a neighbour from 600 to 900 and 0 to 250.
+    struct drag_case {
+        const char* what;
+        rectangle start;
+        frame_grip grip;
+        bool keeps_shape;
+        QPointF moved;
+        rectangle wanted;
+        std::optional<double> guide_x, guide_y;
+    };
+    const drag_case cases[] = {
+        {"freely", {0.1, 0.1, 0.2, 0.2}, whole, true, {50, 50}, {0.15, 0.2, 0.2, 0.2}, {}, {}},
+        {"right edge to the neighbour's left",
+         {0.1, 0.1, 0.2, 0.2},
+         whole,
+         true,
+         {296, 50},
+         {0.4, 0.2, 0.2, 0.2},
+         0.6,
+         {}},
+        {"both axes", {0.1, 0.1, 0.2, 0.2}, whole, true, {-96, 103}, {0, 0.3, 0.2, 0.2}, 0.0, 0.5},
+        {"not out of the area",
+         {0.1, 0.1, 0.2, 0.2},
+         whole,
+         true,
+         {-5000, 5000},
+         {0, 0.8, 0.2, 0.2},
+         0.0,
+         1.0},
+        {"corner, in shape", {0.1, 0.1, 0.2, 0.2}, lower_right, true, {100, 0}, {0.1, 0.1, 0.3, 0.3}, {}, {}},
+        {"corner, in shape, snapped",
+         {0.1, 0.1, 0.2, 0.2},
+         lower_right,
+         true,
+         {303, 0},
+         {0.1, 0.1, 0.5, 0.5},
+         0.6,
+         {}},
+        {"corner, in shape, within the area",
+         {0.1, 0.1, 0.2, 0.2},
+         lower_right,
+         true,
+         {9000, 9000},
+         {0.1, 0.1, 0.9, 0.9},
+         1.0,
+         1.0},
+        {"upper left corner, in shape",
+         {0.4, 0.4, 0.2, 0.2},
+         upper_left,
+         true,
+         {-100, 0},
+         {0.3, 0.3, 0.3, 0.3},
+         {},
+         {}},
+        {"not below the least side",
+         {0.1, 0.1, 0.2, 0.2},
+         lower_right,
+         true,
+         {-900, -900},
+         {0.1, 0.1, 0.1, 0.1},
+         {},
+         {}},
+        {"edge, in shape", {0.1, 0.1, 0.2, 0.2}, right_edge, true, {100, 77}, {0.1, 0.1, 0.3, 0.3}, {}, {}},
+        {"edge alone", {0.1, 0.1, 0.2, 0.2}, right_edge, false, {100, 77}, {0.1, 0.1, 0.3, 0.2}, {}, {}},
+        {"corner, out of shape",
+         {0.1, 0.1, 0.2, 0.2},
+         lower_right,
+         false,
+         {298, 102},
+         {0.1, 0.1, 0.5, 0.4},
+         0.6,
+         0.5},
+        {"edge not over the other",
+         {0.1, 0.1, 0.2, 0.2},
+         right_edge,
+         false,
+         {-900, 0},
+         {0.1, 0.1, 0.05, 0.2},
+         {},
+         {}},
+    };
+    for (const auto& one : cases) {
+        frame_drag drag{one.start, one.grip, {{0.6, 0, 0.3, 0.5}}, {1000, 500}, 6, 50, one.keeps_shape};
+        const dragged_frame made = drag_frame(drag, one.moved);
+        expect_frame(made.frame, one.wanted, one.what);
+        EXPECT_EQ(made.guide_x, one.guide_x) << one.what;
+        EXPECT_EQ(made.guide_y, one.guide_y) << one.what;
+    }
+    frame_drag nowhere{{0, 0, 0, 0}, whole, {}, {0, 0}};
+    expect_frame(drag_frame(nowhere, {5, 5}).frame, {0, 0, 0, 0}, "an area of nothing");
+}
+
+TEST(vistel_drag, edges_and_corners_are_found) {
+    const QRect view(100, 100, 200, 100);
+    EXPECT_FALSE(edges_at(view, {200, 150}, 6).holds());
+    EXPECT_FALSE(edges_at(view, {99, 150}, 6).holds());
+    EXPECT_EQ(edges_at(view, {102, 150}, 6), (frame_grip{false, true, false, false, false}));
+    EXPECT_EQ(edges_at(view, {299, 150}, 6), right_edge);
+    EXPECT_EQ(edges_at(view, {110, 109}, 6), upper_left);
+    EXPECT_EQ(edges_at(view, {290, 195}, 6), lower_right);
+}
+
+// Without bars: each view has the pictures' shape; and nothing lies over anything else.
+TEST(ready_layouts, leave_no_bars_and_no_overlaps) {
+    const double aspect = 16.0 / 9;
+    for (const auto layout : {ready_layout::grid, ready_layout::one_large, ready_layout::side_by_side}) {
+        for (const std::size_t count : {1u, 2u, 3u, 4u, 5u, 7u, 16u}) {
+            const ready_frames made = ready_layout_frames(layout, count, aspect, 1);
+            ASSERT_EQ(made.frames.size(), count);
+            for (std::size_t i = 0; i < count; ++i) {
+                const rectangle& a = made.frames[i];
+                EXPECT_NEAR(a.width * made.ratio / a.height, aspect, 1e-9) << count;
+                EXPECT_GE(a.x, -1e-9);
+                EXPECT_LE(a.x + a.width, 1 + 1e-9);
+                EXPECT_LE(a.y + a.height, 1 + 1e-9);
+                for (std::size_t j = 0; j < i; ++j) {
+                    const rectangle& b = made.frames[j];
+                    const bool apart = a.x + a.width <= b.x + 1e-9 || b.x + b.width <= a.x + 1e-9 ||
+                                       a.y + a.height <= b.y + 1e-9 || b.y + b.height <= a.y + 1e-9;
+                    EXPECT_TRUE(apart) << count << ": " << i << " and " << j;
+                }
+            }
+        }
+    }
+    const ready_frames large = ready_layout_frames(ready_layout::one_large, 4, aspect, 2);
+    EXPECT_NEAR(large.frames[2].width, 0.75, 1e-9);
+    EXPECT_EQ(large.frames[2].height, 1);
+    EXPECT_EQ(large.frames[3].y, 2.0 / 3);
+    EXPECT_TRUE(ready_layout_frames(ready_layout::grid, 0, aspect).frames.empty());
+}
+
+TEST(vistel_order, is_restacked) {
+    const std::vector<placed_vistel> all = {{"a", {}, 3}, {"b", {}, 0}, {"c", {}, 0}};
+    const auto orders = [](const std::vector<placed_vistel>& placed) {
+        return std::vector<int>{placed[0].order, placed[1].order, placed[2].order};
+    };
+    EXPECT_EQ(orders(restacked(all, "b", true)), (std::vector<int>{1, 2, 0}));
+    EXPECT_EQ(orders(restacked(all, "a", false)), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(orders(restacked(all, "none", true)), (std::vector<int>{2, 0, 1}));
+}
+
+TEST(video_area, keeps_a_ratio_that_is_stored) {
+    const QRect area = video_area({0, 0, 1000, 1000}, {{0, 0, 0.5, 0.5}}, 16.0 / 9, 2);
+    EXPECT_EQ(area.size(), QSize(1000, 500));
+}
+
+TEST(aligning, goes_by_whole_frames) {
+    EXPECT_EQ(dragged_frames(0, 6), 0);
+    EXPECT_EQ(dragged_frames(17, 6), 3);
+    EXPECT_EQ(dragged_frames(-17, 6), -3);
+    EXPECT_DOUBLE_EQ(shifted_offset(1, 3, 0.04), 0.88);
+    EXPECT_EQ(shift_words(3, 0.04), "+3 frames\n+0.120 s");
+    EXPECT_EQ(shift_words(-1, 0.04), QString::fromUtf8("−1 frame\n−0.040 s"));
+    EXPECT_EQ(buttons_Adjust_Offsets::steps_of_repeat(0), 1);
+    EXPECT_GT(buttons_Adjust_Offsets::steps_of_repeat(100), 1);
+    const std::vector<shown_part> parts = {{1, 10}, {2, 5}, {0, 5}};
+    EXPECT_EQ(part_starts(parts), (std::vector<double>{1, 13, 18}));
+    EXPECT_EQ(part_starts(parts, 1, 4), (std::vector<double>{1, 15, 20}));
+}
+
+}  // namespace
+}  // namespace vistels

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <filesystem>
+#include <thread>
+
+#include "support/temporary_folder.h"
+#include "util/file_system.h"
+#include "video/blank_movie.h"
+#include "video/collection_edit.h"
+#include "video/padding_movies.h"
+#include "video/part_placing.h"
+#include "video/video_coll_Offsets.h"
+
+namespace vistels {
+namespace {
+
+using testing::temporary_folder;
+
+using offsets = std::vector<std::optional<double>>;
+
+// Vistels "1", "2" ... with these offsets; each has a part of 10 seconds and, after a gap of its number of
+// seconds, one of 5.
+video_collection_ROOT collection_of(const offsets& all) {
+    video_collection_ROOT made;
+    std::vector<std::shared_ptr<single_Vistel_CTR>> vistels;
+    for (const auto& offset : all) {
+        auto one = std::make_shared<single_Vistel_CTR>();
+        const double number = static_cast<double>(vistels.size() + 1);
+        one->set_number(number);
+        one->set_uuid(std::to_string(vistels.size() + 1));
+        one->set_manual_start_offset(offset);
+        one->set_data_folder("/vistels/" + one->uuid());
+        one->set_parts({{{0, 10, one->data_folder() + "/part 001.mp4", {}},
+                         {number, 5, one->data_folder() + "/part 002.mp4", {}}}});
+        vistels.push_back(std::move(one));
+    }
+    made.set_vistels(std::move(vistels));
+    return made;
+}
+
+// Which second of which movie every vistel shows at a collection time.
+std::string shown_at(const video_collection_ROOT& collection, double seconds) {
+    std::string text;
+    const auto items = offsets_of(collection);
+    for (const auto& vistel : collection.vistels()) {
+        const double lead = lead_for_clips(items, {vistel->number(), vistel->manual_start_offset()});
+        const auto parts = vistel->parts();
+        const double movie = seconds + lead;
+        const auto part = part_at(parts, movie);
+        const bool is_filmed = part && !is_padding(parts.parts[*part]);
+        text += is_filmed ? path_name(parts.parts[*part].path) + " " +
+                                std::to_string(std::llround((movie - parts.starts()[*part]) * 1e6)) + "; "
+                          : "-; ";
+    }
+    return text;
+}
+
+TEST(padding, leaves_every_frame_in_its_place_there_and_back) {
+    const offsets cases[] = {{0, 0},      {0, 2.5},      {-3, -5},
+                             {4, 4},      {-2, -2},      {{}, 3.25},
+                             {{}, -1, 2}, {1, 2, 3.125}, {0.1, 0.7, -0.3, {}},
+                             {}};
+    for (const auto& all : cases) {
+        if (all.empty()) {
+            auto none = collection_of(all);
+            EXPECT_EQ(pad_collection(none).message(), "There are no movie parts.");
+            continue;
+        }
+        const auto before = collection_of(all);
+        auto padded = detached_copy(before);
+        const auto there = pad_collection(padded);
+        ASSERT_TRUE(there) << there.message();
+        for (const auto& vistel : padded.vistels()) {
+            EXPECT_EQ(vistel->manual_start_offset().value_or(0), 0);
+            const auto parts = vistel->parts();
+            EXPECT_NEAR(parts.duration(), padded.vistels().front()->parts().duration(), 1e-9);
+            std::vector<std::string> names;
+            for (const auto& part : parts.parts) {
+                EXPECT_EQ(part.gap_before, 0);
+                names.push_back(path_name(part.path));
+                EXPECT_EQ(is_padding_file_name(names.back()), is_padding(part)) << names.back();
+            }
+            EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+        }
+        auto restored = detached_copy(padded);
+        const auto back = restore_offsets(restored);
+        EXPECT_NEAR(back.shift, -there.value().shift, 1e-9);
+        EXPECT_TRUE(back.files.empty());
+        EXPECT_TRUE(difference(before, restored).empty()) << ::testing::PrintToString(all);
+        for (double seconds = -9.9; seconds < 25; seconds += 0.37) {
+            EXPECT_EQ(shown_at(padded, seconds + there.value().shift), shown_at(before, seconds)) << seconds;
+        }
+        // Without offsets: the vistels whose offset was 0 stay on their frames.
+        auto plain = detached_copy(padded);
+        const auto removed = remove_offsets_and_padding(plain);
+        auto aligned = detached_copy(before);
+        for (const auto& vistel : aligned.vistels()) vistel->set_manual_start_offset(0);
+        const double largest = largest_offset_for_clips(offsets_of(before));
+        EXPECT_NEAR(there.value().shift + removed.shift, largest, 1e-9);
+        EXPECT_EQ(shown_at(plain, 3), shown_at(aligned, 3));
+    }
+}
+
+TEST(padding, what_changed_while_padded_stays_in_step) {
+    auto collection = collection_of({0, 2});
+    const auto shift = pad_collection(collection).value().shift;
+    collection.find_vistel("2")->set_manual_start_offset(0.5);  // half a second later
+    auto vistels = collection.vistels();
+    vistels.push_back(collection_of({0, 0, 1}).vistels().back());  // one that was never padded
+    collection.set_vistels(vistels);
+    auto restored = detached_copy(collection);
+    const auto back = restore_offsets(restored);
+    EXPECT_EQ(restored.find_vistel("2")->manual_start_offset(), 2.5);
+    for (double seconds = 0; seconds < 20; seconds += 0.37) {
+        EXPECT_EQ(shown_at(restored, seconds + back.shift), shown_at(collection, seconds));
+    }
+    EXPECT_NE(shift, 0);
+}
+
+TEST(padding, names_of_other_movies_are_no_padding) {
+    for (const char* name : {"part 001.mp4", "my padding.mov", "padding 1 20.mov", "a padding 1.mov",
+                             "a padding 1 20.mp4", "a padding 1 2x.mov", "a padding .mov", ""})
+        EXPECT_FALSE(is_padding_file_name(name)) << name;
+    EXPECT_TRUE(is_padding_file_name("part 001 padding 1 20.mov"));
+    EXPECT_TRUE(is_padding_file_name("part 001 padding 1 20 temp.mov"));
+}
+
+TEST(movie_parts, are_dragged_between_their_neighbours) {
+    const auto parts = collection_of({0}).vistels().front()->parts();
+    auto third = parts;
+    third.parts.push_back({3, 2, "", {}});
+    const struct {
+        std::size_t part;
+        double moved;
+        bool valid;
+        std::vector<double> gaps;
+    } cases[] = {{1, 2, true, {0, 3, 1}},     {1, 3.5, false, {0, 4, 0}},    {1, -1.5, false, {0, 0, 4}},
+                 {2, 100, true, {0, 1, 103}}, {0, 0.5, true, {0.5, 0.5, 3}}, {9, 1, true, {0, 1, 3}}};
+    for (const auto& one : cases) {
+        part_drag drag(third, one.part);
+        drag.move_to(one.moved);
+        EXPECT_EQ(drag.is_valid(), one.valid);
+        for (std::size_t index = 0; index < one.gaps.size(); ++index) {
+            EXPECT_EQ(drag.parts().parts[index].gap_before, one.gaps[index]) << one.part << " " << index;
+        }
+        EXPECT_EQ(drag.release() == third, !one.valid || one.part == 9);
+        EXPECT_EQ(drag.cancel(), third);
+        EXPECT_EQ(drag.parts().duration(), one.part == 2 ? 121 : third.duration());
+    }
+    EXPECT_EQ(with_gap(third, 1, 6).starts(), (std::vector<double>{0, 16, 24}));
+    EXPECT_EQ(nudge_seconds(0, 0.04), 0.04);
+    EXPECT_LT(nudge_seconds(19, 0.04), nudge_seconds(40, 0.04));
+    EXPECT_EQ(nudge_seconds(1000, 0.04), 1);
+}
+
+#if VISTELS_HAVE_MEDIA
+
+TEST(blank_movie, is_made_once_and_stands_under_its_name_when_whole) {
+    temporary_folder home;
+    {
+        blank_vistel_movie blank(home / "Temp");
+        EXPECT_FALSE(blank.started_preparing_getting_blank_movie());
+        std::atomic<int> told = 0;
+        blank.prepare([&] { told += blank.blank_movie_preparation_is_done() ? 1 : 100; });
+        EXPECT_TRUE(blank.started_preparing_getting_blank_movie());
+        blank.prepare([&] { ++told; });
+        while (told < 2) std::this_thread::yield();
+        EXPECT_EQ(told, 2);
+        EXPECT_EQ(blank.problem(), "");
+        EXPECT_EQ(names_in_folder(home / "Temp"), std::vector<std::string>{"blank vistel movie.mov"});
+    }
+    testing::put_file(home / "file", "no folder");
+    blank_vistel_movie blank(home / "file");
+    std::atomic<bool> told = false;
+    blank.prepare([&] { told = true; });
+    while (!told) std::this_thread::yield();
+    EXPECT_TRUE(blank.blank_movie_preparation_is_done());
+    EXPECT_TRUE(blank.problem().starts_with("Could not make an empty vistel movie.")) << blank.problem();
+}
+
+TEST(padding, files_are_made_whole_or_not_at_all) {
+    temporary_folder folder;
+    const std::vector<padding_file> files{{folder / "a padding 1 500.mov", 0.5},
+                                          {folder / "a padding 2 30.mov", 0.03},
+                                          {folder / "b padding 3 3600000.mov", 3600}};
+    job cancelled([&](double fraction) {
+        if (fraction > 0.5) cancelled.cancel();
+    });
+    EXPECT_FALSE(make_padding_files(files, cancelled));
+    EXPECT_TRUE(names_in_folder(folder.path()).empty());
+    job work;
+    const auto made = make_padding_files(files, work);
+    ASSERT_TRUE(made) << made.message();
+    EXPECT_EQ(names_in_folder(folder.path()).size(), 3U);
+    EXPECT_EQ(work.progress(), 1);
+    std::filesystem::create_directory(folder / "d padding 1 500 temp.mov");
+    const std::vector<padding_file> more{{folder / "c padding 1 500.mov", 0.5},
+                                         {folder / "d padding 1 500.mov", 0.5}};
+    EXPECT_FALSE(make_padding_files(more, work));
+    EXPECT_FALSE(file_exists(folder / "c padding 1 500.mov"));
+}
+
+#endif
+
+}  // namespace
+}  // namespace vistels
