@@ -5,8 +5,6 @@
 // Without a collection it makes a demo event of N seconds. The frame that is due comes from the packets' time
 // stamps, the frame shown from the block code in its pixels. Exits with 1 when a target is missed.
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -20,6 +18,7 @@
 #include "demo/demo_event.h"
 #include "media/frame_reader.h"
 #include "media/packet_index.h"
+#include "support/measure.h"
 #include "util/job.h"
 #include "util/plain_run_loop.h"
 #include "video/synchronised_playback.h"
@@ -29,21 +28,13 @@
 namespace {
 
 using namespace vistels;
+using bench::processor_seconds;
 
 constexpr double least_right_ticks = 0.995;
 constexpr double most_processor_ratio = 1.4;
 constexpr double most_step_back_seconds = 0.020;
 constexpr int picture_width = 640;
 constexpr int picture_height = 360;
-
-double processor_seconds() {
-    rusage used{};
-    getrusage(RUSAGE_SELF, &used);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
-}
 
 double percentile(std::vector<double> values, double share) {
     if (values.empty()) return 0;

@@ -9,7 +9,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +22,7 @@
 
 #include "app/files_MASTER_LIST.h"
 #include "app/start_up.h"
+#include "support/measure.h"
 #include "util/file_system.h"
 #include "util/plain_run_loop.h"
 #include "util/property_list.h"
@@ -31,6 +31,7 @@
 namespace {
 
 using namespace vistels;
+using bench::processor_seconds;
 namespace fs = std::filesystem;
 
 constexpr double most_seconds = 1;
@@ -106,15 +107,6 @@ std::size_t walk(const std::string& folder) {
     }
     ::closedir(entries);
     return names;
-}
-
-double processor_seconds() {
-    rusage used{};
-    ::getrusage(RUSAGE_SELF, &used);
-    const auto seconds = [](const timeval& t) {
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-    };
-    return seconds(used.ru_utime) + seconds(used.ru_stime);
 }
 
 struct figures {

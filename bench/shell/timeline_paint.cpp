@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How long the timeline takes to paint 100,000 clips in 50 rows, 1900 pixels wide, at several scales; beside
-// it a painter that draws every visible clip as a rounded rectangle. Milliseconds.
+// it a painter that draws every visible clip as a rounded rectangle. And what a filter adds to it: verdicts
+// on all clips brought onto the rows, and a clip that is coded while one is on. Milliseconds.
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <random>
 
+#include "app/clip_filtering.h"
 #include "shell/qt_run_loop.h"
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"
@@ -119,6 +121,44 @@ void paint_every_clip(QPainter& painter, const timeline_document& document, cons
     }
 }
 
+void print(const char* what, const spread& taken) {
+    std::printf("%s %.2f, p95 %.2f\n", what, taken.median, taken.p95);
+}
+
+// A clip comes, is drawn, and goes again.
+spread code_a_clip(timeline_document& document, timeline_canvas& canvas, QImage& image) {
+    const shared_text row = document.timeline().rows()[7]->uuid();
+    return measure([&] {
+        sxy_CLIP clip;
+        clip.set_id(new_uuid());
+        clip.set_secs_start(2010);
+        clip.set_secs_end(2014);
+        if (!document.apply({"Shot", "", {operation::insert_clip{row, clip}}})) std::abort();
+        canvas.render(&image);
+    });
+}
+
+void print_filtering(timeline_document& document, timeline_state& state, timeline_canvas& canvas,
+                     QImage& image, run_loop& loop) {
+    state.set_scale({2000, 0.3});
+    print("a clip coded and painted, no filter", code_a_clip(document, canvas, image));
+    clip_filtering filtering(document, loop);
+    const auto standing = filtering.changed.connect([&](bool) { state.set_is_filtered(filtering.is_on()); });
+    filtering.apply("Player 3");
+    while (filtering.standing().is_judging) QApplication::processEvents();
+    std::printf("%zu of %zu pass\n", filtering.standing().passing, filtering.standing().total);
+    print("verdicts on all clips onto the rows", measure([&] {
+              for (const auto& one : document.timeline().rows()) {
+                  const clip_pointer& clip = one->clips()[0];
+                  clip->set_filtered_in(!clip->filtered_in());
+              }
+              state.take_verdicts();
+          }));
+    print("the same when none is another", measure([&] { state.take_verdicts(); }));
+    print("a clip coded and painted, filter on", code_a_clip(document, canvas, image));
+    print("painted anew, filter on", measure([&] { canvas.render(&image); }));
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -172,6 +212,8 @@ int main(int count, char** arguments) {
     }
     const spread all_rows = measure([&] { state.refresh_marks(); });
     std::printf("reading all rows anew %.2f, p95 %.2f\n", all_rows.median, all_rows.p95);
+    print_filtering(document, state, canvas, image, loop);
+    state.set_timeline(nullptr, nullptr);
     opened.value().reset();
     std::filesystem::remove_all(folder);
     return 0;

@@ -105,6 +105,29 @@ result<void> collection_changes::save() {
     return saved;
 }
 
+// Every change was saved on its own, so the collection is as one of them left it: the last that it holds.
+double collection_changes::seconds_not_saved(const video_collection_ROOT& collection,
+                                             const timeline_document& timeline) {
+    double seconds = 0;
+    for (const auto& [edit, inverse] : timeline.recovered()) {
+        bool is_held = false;
+        for (const auto& any : edit.operations) {
+            const auto* beside = std::get_if<operation::change_beside>(&any);
+            if (!beside) continue;
+            auto copy = detached_copy(collection);
+            (void)apply_collection_edit(copy, read_collection_edit(beside->change), edit_manner::lenient);
+            is_held = difference(collection, copy).empty();
+        }
+        seconds = is_held ? 0 : seconds + seconds_shifted(edit);
+    }
+    return seconds;
+}
+
+result<void> collection_changes::save_all() {
+    is_unsaved_ = true;
+    return save_pending();
+}
+
 result<void> collection_changes::save_pending() {
     return is_unsaved_ ? save() : result<void>();
 }

@@ -65,6 +65,13 @@ class collection_changes {
     // True when there was something of that kind: the collection is to be saved.
     static bool take_up_recovered(video_collection_ROOT& collection, const timeline_document& timeline);
 
+    // By how many seconds the timeline's times moved, in what the journal brought back, since the collection
+    // was saved as it is here. To be asked before that is taken up.
+    static double seconds_not_saved(const video_collection_ROOT& collection,
+                                    const timeline_document& timeline);
+
+    // Saves the collection; what cannot be saved stays in the journal and is tried again with the timeline.
+    result<void> save_all();
     // Saves what end() would save, now: before the journal that holds it goes. No failure when all is saved.
     result<void> save_pending();
 

@@ -43,6 +43,13 @@ bool has_movies(const video_collection_ROOT& collection) {
                        [](const auto& vistel) { return !vistel->parts().parts.empty(); });
 }
 
+// By how many seconds all that the journal brought back moved the timeline's times.
+double seconds_recovered(const timeline_document& timeline) {
+    double seconds = 0;
+    for (const auto& [edit, inverse] : timeline.recovered()) seconds += seconds_shifted(edit);
+    return seconds;
+}
+
 // A collection whose record is gone, with copies of it left, is still a collection.
 bool is_timeline_alone(const std::string& folder) {
     bool has_timeline = false;
@@ -63,7 +70,7 @@ result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, 
     std::unique_ptr<open_event> event(new open_event(folder, places, loop));
     if (auto loaded = event->load(); !loaded) return loaded.error();
     if (event->is_recovered_ && !event->timeline_->is_read_only()) {
-        if (auto saved = event->save_collection(); !saved) event->messages_.push_back(saved.message());
+        if (auto saved = event->changes_->save_all(); !saved) event->messages_.push_back(saved.message());
     }
     return event;
 }
@@ -83,14 +90,16 @@ result<void> open_event::load() {
         if (auto loaded = load_collection_record(); !loaded) return loaded;
     }
     if (auto opened = open_timeline(); !opened) return opened;
+    const double to_restore = movie_time_to_restore();
     is_recovered_ = has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_);
     // Nothing is saved of a collection that is not whole yet.
     const saving_block block(collection_);
     has_collection_ ? link_records() : name_timeline();
     playback_ = std::make_unique<synchronised_playback>(loop_);
+    playlist_ = std::make_unique<clip_playlist>(*playback_, loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
     feed_playback();
-    playback_->seek(movie_time_to_restore());
+    playback_->seek(to_restore);
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
     logger_->set_transport(playback_.get());
     logger_->set_earliest_time(playback_->first_time());
@@ -127,6 +136,7 @@ result<void> open_event::load_collection_record() {
     if (!loaded) return loaded.error();
     collection_ = std::move(loaded.value().collection);
     add_all(messages_, loaded.value().messages);
+    alerts_ = std::move(loaded.value().alerts);
     for (const auto& message : loaded.value().messages) log_line(places_, message);
     saved_record_ = record_of(collection_);
     return {};
@@ -136,7 +146,7 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
     if (auto loaded = load_collection_record(); !loaded) return loaded;
-    if (collection_changes::take_up_recovered(collection_, *timeline_)) (void)save_collection();
+    if (collection_changes::take_up_recovered(collection_, *timeline_)) (void)changes_->save_all();
     link_records();
     feed_playback();
     collection_changed.emit();
@@ -149,6 +159,7 @@ result<void> open_event::open_timeline() {
     timeline_ = std::move(opened).value();
     timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
+    filtering_ = std::make_unique<clip_filtering>(*timeline_, loop_);
     // The playhead goes into the timeline's header with every background save, so it outlives a kill.
     edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
         if (playback_) timeline_->header().cursor_seconds = playback_->collection_time();
@@ -162,15 +173,18 @@ void open_event::open_undo() {
     undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
     take_up_history();
     access_ = timeline_->access_changed.connect([this] { take_up_history(); });
-    timeline_->set_save_companion([this, uuid] {
+    using companion = timeline_document::save_companion;
+    timeline_->set_save_companion([this, uuid]() -> result<companion> {
         // What the timeline's file holds the journal forgets: a change of the collection must be saved
         // before.
-        if (changes_) (void)changes_->save_pending();
-        return [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
-            // Without it the steps before are not taken back after closing; the timeline is saved all the
-            // same.
-            (void)save_undo_history(places, uuid, coming, earlier, history);
-        };
+        const auto saved = changes_ ? changes_->save_pending() : result<void>();
+        if (!saved) return saved.error();
+        return companion(
+            [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
+                // Without it the steps before are not taken back after closing; the timeline is saved all the
+                // same.
+                (void)save_undo_history(places, uuid, coming, earlier, history);
+            });
     });
 }
 
@@ -206,12 +220,15 @@ void open_event::link_records() {
     if (header.name.empty()) header.name = collection_.name();
 }
 
-// The later of the two records of the playhead: the collection's, or after a kill the timeline's.
+// The later of the two records of the playhead, before what was recovered is taken up: the collection's, or
+// after a kill the timeline's. What was recovered shifts it as it does the clips; of the collection's that
+// part which was not saved with it.
 double open_event::movie_time_to_restore() const {
     const auto& header = timeline_->header();
     if (!has_collection_) return header.cursor_seconds;
     const double saved = collection_.stored().number("seconds updated").value_or(0);
-    return header.last_saved > saved ? header.cursor_seconds : collection_.movie_time();
+    if (header.last_saved > saved) return header.cursor_seconds + seconds_recovered(*timeline_);
+    return collection_.movie_time() + collection_changes::seconds_not_saved(collection_, *timeline_);
 }
 
 // Only what changed: to be given the same again would interrupt what is heard.
@@ -219,14 +236,18 @@ void open_event::feed_playback() {
     // What was coded before the first camera, on the clock alone, can be reached, too.
     const double first = first_clip_seconds();
     const double last = runs_on_clock() ? longest_event_seconds : 0;
-    if (std::exchange(fed_range_, {first, last}) != std::pair(first, last)) {
-        playback_->set_least_range(first, last);
+    const auto before = std::exchange(fed_range_, {first, last});
+    const bool range_changes = before != fed_range_;
+    // Between the clock alone and movies the playhead stays: it may be in either range until both are known.
+    if (range_changes) {
+        playback_->set_least_range(std::min(first, before.first), std::max(last, before.second));
     }
     auto vistels = playback_vistels_of(collection_);
     if (vistels != fed_vistels_) {
         fed_vistels_ = vistels;
         playback_->set_vistels(std::move(vistels));
     }
+    if (range_changes) playback_->set_least_range(first, last);
     const std::string heard = collection_.vistel_for_sound();
     if (std::exchange(fed_sound_, heard) != heard) playback_->set_sound_vistel(heard);
     playback_->set_enlarged(enlarged());

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/clip_filtering.h"
+#include "app/clip_playlist.h"
 #include "app/collection_changes.h"
 #include "app/places.h"
 #include "app/undo_stack.h"
@@ -48,12 +50,18 @@ class open_event {
     press_engine& logger() { return *logger_; }
     synchronised_playback& playback() { return *playback_; }
     undo_stack& undo() { return *undo_; }
+    // Which clips of the timeline pass.
+    clip_filtering& filtering() { return *filtering_; }
+    // Plays clips one after another.
+    clip_playlist& playlist() { return *playlist_; }
     // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
     // which is not to be changed.
     collection_changes& changes() { return *changes_; }
 
     // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
     const std::vector<std::string>& messages() const { return messages_; }
+    // Of streamed vistels that are shorter than expected: to be told a moment after opening.
+    const std::vector<std::string>& alerts() const { return alerts_; }
     // Edits that the journal brought back when the timeline was opened.
     std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
 
@@ -118,8 +126,11 @@ class open_event {
     bool is_recovered_ = false;         // the journal brought back changes of the collection
     property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
+    std::vector<std::string> alerts_;
     std::unique_ptr<timeline_document> timeline_;
+    std::unique_ptr<clip_filtering> filtering_;
     std::unique_ptr<synchronised_playback> playback_;
+    std::unique_ptr<clip_playlist> playlist_;
     // What playback was given.
     std::pair<double, double> fed_range_ = {0, 0};
     std::vector<playback_vistel> fed_vistels_;

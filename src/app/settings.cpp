@@ -5,7 +5,9 @@
 #include <cmath>
 #include <optional>
 
+#include "app/formula_colours.h"
 #include "app/known_vaults.h"
+#include "app/search_patterns.h"
 #include "app/user_name.h"
 #include "app/vault_preferences.h"
 
@@ -24,6 +26,7 @@ constexpr setting_place pitch_place{{"Collection", "pitch algorithm.plist"}, "pi
 constexpr setting_place volume_place{{"", "application volume.plist"}, "application volume"};
 constexpr setting_place operator_place{{"Formulas", "default formula operator.plist"},
                                        "default formula operator"};
+constexpr setting_place filtered_out_place{{"Formulas", "filtered out clips.plist"}, "filtered out clips"};
 constexpr setting_place number_name_place{{"Collection", "show vistel number name.plist"},
                                           "show_vistel_name_with_number"};
 constexpr setting_place local_data_place{{"Collection", "local video data.plist"},
@@ -59,6 +62,8 @@ struct operator_word {
     char symbol;
     const char* word;
 };
+constexpr const char* hidden_word = "hide";
+constexpr const char* dimmed_word = "dim";
 constexpr operator_word operator_words[] = {{'&', "and"}, {'|', "or"}, {'!', "not"}};
 
 }  // namespace
@@ -112,6 +117,14 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
     return failure{std::string("\"") + symbol + "\" is no operator of formulas."};
 }
 
+filtered_out_clips load_filtered_out_clips(const home_places& places) {
+    return {load_text(places, filtered_out_place) == hidden_word};
+}
+
+result<void> save_filtered_out_clips(const home_places& places, filtered_out_clips setting) {
+    return save(places, filtered_out_place, setting.are_hidden ? hidden_word : dimmed_word);
+}
+
 show_vistel_number_name load_show_vistel_number_name(const home_places& places) {
     return {load(places, number_name_place).boolean().value_or(true)};
 }
@@ -138,8 +151,9 @@ result<void> save_view_offsets(const home_places& places, view_offsets offsets) 
 
 const std::vector<settings_file>& application_settings_files() {
     static const std::vector<settings_file> files{
-        top_speed_place.file,   pitch_place.file,      volume_place.file,       operator_place.file,
-        number_name_place.file, local_data_place.file, view_offsets_place.file, user_name_file};
+        top_speed_place.file,    pitch_place.file,       volume_place.file,     operator_place.file,
+        filtered_out_place.file, number_name_place.file, local_data_place.file, view_offsets_place.file,
+        user_name_file,          formula_colours_file,   search_patterns_file};
     return files;
 }
 
@@ -149,6 +163,7 @@ property_dictionary settings_in_force(const home_places& places) {
     all.add("pitch algorithm", pitch_algorithm_text(load_pitch_algorithm(places)));
     all.add("application volume", load_application_volume(places));
     all.add("default formula operator", std::string(1, load_default_formula_operator(places)));
+    all.add(filtered_out_place.key, load_filtered_out_clips(places).are_hidden ? hidden_word : dimmed_word);
     all.add(number_name_place.key, load_show_vistel_number_name(places).shown);
     all.add(local_data_place.key, load_local_video_data(places).in_collection_folder);
     all.add("minimum vault free space percent", load_minimum_free_space(places).percent);

@@ -32,6 +32,13 @@ result<void> save_application_volume(const home_places& places, double volume);
 char load_default_formula_operator(const home_places& places);
 result<void> save_default_formula_operator(const home_places& places, char symbol);
 
+// Whether clips that do not pass a filter are hidden instead of dimmed.
+struct filtered_out_clips {
+    bool are_hidden = false;
+};
+filtered_out_clips load_filtered_out_clips(const home_places& places);
+result<void> save_filtered_out_clips(const home_places& places, filtered_out_clips setting);
+
 // Whether a vistel's name is drawn behind its number, where numbers are drawn.
 struct show_vistel_number_name {
     bool shown = true;
@@ -53,7 +60,8 @@ struct view_offsets {
 view_offsets load_view_offsets(const home_places& places);
 result<void> save_view_offsets(const home_places& places, view_offsets offsets);
 
-// All files above, and that of the user's name.
+// All files above, and those of the user's name, of the colours in formulas and of the remembered filter
+// texts.
 const std::vector<settings_file>& application_settings_files();
 
 // All settings in force, those of the vaults too, by the keys under which `settings show` prints them.

@@ -68,9 +68,9 @@ property_dictionary collection_document(const loaded_collection& loaded) {
     property_array vistels;
     for (const auto& vistel : collection.vistels()) vistels.emplace_back(vistel_document(*vistel, items));
     printed.add("vistels", std::move(vistels));
-    if (!loaded.messages.empty()) {
-        printed.add("problems", property_array(loaded.messages.begin(), loaded.messages.end()));
-    }
+    property_array problems(loaded.messages.begin(), loaded.messages.end());
+    problems.insert(problems.end(), loaded.alerts.begin(), loaded.alerts.end());
+    if (!problems.empty()) printed.add("problems", std::move(problems));
     return printed;
 }
 
@@ -153,11 +153,11 @@ result<command_outcome> range(const vistel_values& values, const home_places& pl
 
 void register_new_and_show(CLI::App& collection, command_line& line) {
     const auto made = std::make_shared<new_values>();
-    CLI::App* command = line.command(collection, "new", "make a collection of movies",
+    CLI::App* command = line.command(collection, "new", "make a collection of movies, or an empty one",
                                      [made, &line] { return make_new(*made, line); });
     command->add_option("FOLDER", made->folder, "folder to make")->required();
     command->add_option("--name", made->name, "the collection's name")->required();
-    command->add_option("MOVIE", made->movies, "movie files, one vistel for each")->required();
+    command->add_option("MOVIE", made->movies, "movie files, one vistel for each; none: an empty collection");
     command->add_flag("--append", made->append, "one vistel of all movies, one after another");
 
     const auto folder = std::make_shared<std::string>();

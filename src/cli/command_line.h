@@ -3,7 +3,10 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "app/places.h"
 #include "util/job.h"
@@ -32,6 +35,15 @@ class command_line {
     // long as `run` does.
     CLI::App* command(CLI::App& above, const std::string& name, const std::string& description, work run);
 
+    // A positional text of `command` that is taken as it stands, also when it is empty or begins with "-".
+    // One that is spelt like an option of the command needs a "--" before it.
+    CLI::Option* add_text(CLI::App* command, const std::string& name, std::string& text,
+                          const std::string& description);
+    // The arguments in their order, those marked that the parser would mistake for options: such texts, and
+    // numbers like "-.5".
+    std::vector<std::string> prepared_arguments(const CLI::App& program,
+                                                std::vector<std::string> arguments) const;
+
     const work& chosen() const { return chosen_; }
     home_places places() const { return find_home_places(home_); }
     // Cancelled by Ctrl-C.
@@ -41,6 +53,7 @@ class command_line {
   private:
     std::string home_;
     job job_;
+    std::set<const CLI::App*> take_texts_;
     work chosen_;
 };
 
@@ -52,5 +65,8 @@ CLI::Option* add_number(CLI::App* command, const std::string& name, double& numb
 result<std::vector<double>> numbers_from_list(const std::string& text);
 // "a,b" as texts, without empty ones.
 std::vector<std::string> texts_from_list(const std::string& text);
+
+// The lines of a file as they stand, in `bytes`; the last one need not be ended.
+std::vector<std::string_view> lines_of(std::string_view bytes);
 
 }  // namespace vistels

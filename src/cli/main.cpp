@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -50,20 +49,6 @@ void show_progress(double fraction) {
     if (fraction >= 1) std::fputs("\r     \r", stderr);
 }
 
-// Arguments from the last to the first, as the parser takes them. "-.5" is a number, not an option.
-std::vector<std::string> arguments_of(int count, char** values) {
-    std::vector<std::string> arguments;
-    for (int index = count - 1; index > 0; --index) {
-        std::string argument = values[index];
-        if (argument.size() > 2 && argument[0] == '-' && argument[1] == '.' &&
-            std::isdigit(static_cast<unsigned char>(argument[2]))) {
-            argument.insert(1, "0");
-        }
-        arguments.push_back(std::move(argument));
-    }
-    return arguments;
-}
-
 int run_chosen(command_line& line) {
     cancel_on_signals(line.long_work());
     const auto done = line.chosen()();
@@ -92,9 +77,14 @@ int run(int count, char** values) {
     register_demo_command(program, line);
     register_timeline_commands(program, line);
     register_collection_commands(program, line);
+    register_formula_commands(program, line);
+    register_filter_commands(program, line);
     register_logger_commands(program, line);
     try {
-        program.parse(arguments_of(count, values));
+        auto arguments = line.prepared_arguments(program, {values + 1, values + std::max(count, 1)});
+        // The parser takes them from the last to the first.
+        std::reverse(arguments.begin(), arguments.end());
+        program.parse(std::move(arguments));
     } catch (const CLI::Success& asked_for_text) {
         program.exit(asked_for_text);
         return exit_done;

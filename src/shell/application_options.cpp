@@ -28,6 +28,8 @@ bool set_option(const std::string& name, const std::string& value, application_o
         options.home = value;
     } else if (name == "--screenshot") {
         options.screenshot = value;
+    } else if (name == "--filter") {
+        options.filter = value;
     } else if (name == "--theme") {
         options.theme = value;
         return value == "dark" || value == "light";
@@ -43,7 +45,7 @@ bool set_option(const std::string& name, const std::string& value, application_o
 
 bool takes_value(const std::string& name) {
     return name == "--home" || name == "--screenshot" || name == "--theme" || name == "--size" ||
-           name == "--at";
+           name == "--at" || name == "--filter";
 }
 
 }  // namespace

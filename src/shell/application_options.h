@@ -16,6 +16,7 @@ struct application_options {
     std::string theme;               // "dark", "light", or empty: as the desktop has it
     int width = 0;                   // of the windows in logical pixels; 0: as they were left
     int height = 0;
+    std::string filter;      // for a screenshot: the filter that is on
     double at_seconds = -1;  // where the playhead goes for a screenshot; negative: where it was left
     bool show_help = false;
     bool show_version = false;

@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <algorithm>
 
 #include "shell/controls.h"
 #include "shell/theme.h"
@@ -25,11 +26,15 @@ clip_title_block::clip_title_block(QWidget* parent)
     connect(play_, &icon_button::clicked, this, &clip_title_block::play_asked);
 }
 
-void clip_title_block::set_title(const QString& name, const QString& what, const QColor& colour) {
+void clip_title_block::set_title(const QString& name, const QString& what, const QString& verdict,
+                                 const QColor& colour) {
     name_ = name;
     what_ = what;
+    verdict_ = verdict;
     colour_ = colour;
-    setAccessibleName(name + QStringLiteral(", ") + what);
+    QStringList words{name, what, verdict};
+    words.removeAll(QString());
+    setAccessibleName(words.join(QStringLiteral(", ")));
     update();
 }
 
@@ -56,8 +61,13 @@ void clip_title_block::paintEvent(QPaintEvent*) {
     const QFont small = theme::font(type_step::secondary);
     painter.setFont(small);
     painter.setPen(look.muted);
+    // Where both have no room the verdict stays.
+    const QFontMetrics sizes(small);
+    const QString joint = what_.isEmpty() || verdict_.isEmpty() ? QString() : QStringLiteral(" · ");
+    const int rest = std::max(0, words.width() - sizes.horizontalAdvance(joint + verdict_));
+    const QString line = sizes.elidedText(what_, Qt::ElideRight, rest) + joint + verdict_;
     painter.drawText(words, Qt::AlignLeft | Qt::AlignBottom,
-                     QFontMetrics(small).elidedText(what_, Qt::ElideRight, words.width()));
+                     sizes.elidedText(line, Qt::ElideRight, words.width()));
 }
 
 }  // namespace vistels

@@ -13,8 +13,8 @@ class clip_title_block : public QWidget {
     Q_OBJECT
   public:
     explicit clip_title_block(QWidget* parent = nullptr);
-    // An invalid colour leaves the bar out.
-    void set_title(const QString& name, const QString& what, const QColor& colour);
+    // What it is, and the filter's verdict on it; either may be empty. An invalid colour leaves the bar out.
+    void set_title(const QString& name, const QString& what, const QString& verdict, const QColor& colour);
     const QString& name() const { return name_; }
 
   Q_SIGNALS:
@@ -26,6 +26,7 @@ class clip_title_block : public QWidget {
   private:
     QString name_;
     QString what_;
+    QString verdict_;
     QColor colour_;
     icon_button* play_;
 };

@@ -243,6 +243,11 @@ QString collection_view::note_in(const std::string& vistel) const {
     return one ? one->note : QString();
 }
 
+void collection_view::set_has_collection(bool has_collection) {
+    has_collection_ = has_collection;
+    update();
+}
+
 void collection_view::set_changeable(bool changeable) {
     changeable_ = changeable;
     if (!changeable) end_drag(false);

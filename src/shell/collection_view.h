@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "shell/drag_watch.h"
 #include "shell/vistel_geometry.h"
 #include "util/colour_text.h"
 
@@ -63,6 +64,8 @@ class collection_view : public QWidget {
     // Words drawn large in a vistel, such as the time that it is shifted by; empty: none.
     void set_note(const std::string& vistel, const QString& words);
     QString note_in(const std::string& vistel) const;
+    // Whether a collection is shown, be it one without vistels: movies can be dropped on it.
+    void set_has_collection(bool has_collection);
     // Whether frames and movies can be changed at all.
     void set_changeable(bool changeable);
 
@@ -116,7 +119,6 @@ class collection_view : public QWidget {
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool event(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     struct tile {
@@ -182,9 +184,11 @@ class collection_view : public QWidget {
     std::string current_;
     bool aligning_ = false;
     bool changeable_ = true;
+    bool has_collection_ = false;
     std::string hovered_;
     frame_grip hovered_grip_;
     std::optional<dragging> drag_;
+    drag_watch watch_{*this, [this] { end_drag(false); }};
     std::optional<std::string> drop_;  // movies are held over this vistel, or (empty) beside all
 };
 

@@ -12,8 +12,9 @@
 #include <algorithm>
 
 #include "shell/collection_view.h"
-#include "shell/escape_key.h"
+#include "shell/openings.h"
 #include "shell/theme.h"
+#include "util/file_system.h"
 #include "video/video_coll_Files.h"
 
 namespace vistels {
@@ -30,13 +31,21 @@ Qt::CursorShape cursor_of(const frame_grip& grip) {
     return grip.holds() ? Qt::SizeVerCursor : Qt::ArrowCursor;
 }
 
+// Nothing when something else is among them, such as a collection. A folder of movies stands for these.
 QStringList movies_in(const QMimeData& data) {
     QStringList movies;
     for (const QUrl& url : data.urls()) {
         const QString path = url.toLocalFile();
         const std::string name = path.toStdString();
-        if (path.isEmpty() || !(is_movie_name(name) || is_picture_name(name))) return {};
-        movies << path;
+        if (!path.isEmpty() && is_folder(name)) {
+            const openings what = what_to_open({name});
+            if (what.found.empty() || what.found.front().what != opening::kind::movies) return {};
+            for (const auto& movie : what.found.front().movies) movies << QString::fromStdString(movie);
+        } else if (is_movie_name(name) || is_picture_name(name)) {
+            movies << path;
+        } else {
+            return {};
+        }
     }
     return movies;
 }
@@ -96,20 +105,13 @@ void collection_view::mousePressEvent(QMouseEvent* event) {
     drag_->shifts = aligning_;
     drag_->now.frame = one->vistel.frame;
     // Escape is wanted wherever the focus is.
-    qApp->installEventFilter(this);
+    watch_.begin();
     update();
-}
-
-bool collection_view::eventFilter(QObject* watched, QEvent* event) {
-    if (!drag_ || !accept_escape(event)) return QWidget::eventFilter(watched, event);
-    if (event->type() == QEvent::KeyPress) end_drag(false);
-    return true;
 }
 
 bool collection_view::event(QEvent* event) {
     // Moved to a screen of another density: the same place has another number of pixels.
     if (event->type() == QEvent::ScreenChangeInternal) lay_out();
-    if (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide) end_drag(false);
     if (event->type() == QEvent::ShortcutOverride && takes_key(*static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
@@ -154,7 +156,7 @@ void collection_view::end_drag(bool keeps) {
     if (!drag_) return;
     const dragging ended = *drag_;
     drag_.reset();
-    qApp->removeEventFilter(this);
+    watch_.end();
     update();
     if (!ended.moves) return;
     const QString vistel = QString::fromStdString(ended.vistel);
@@ -284,8 +286,8 @@ void collection_view::show_drop(const std::optional<std::string>& vistel) {
 }
 
 void collection_view::dragEnterEvent(QDragEnterEvent* event) {
-    // What is no movie goes on to the window, which opens it.
-    if (!changeable_ || movies_in(*event->mimeData()).isEmpty()) return event->ignore();
+    // What is no movie goes on to the window, which opens it; so does everything while no collection is open.
+    if (!changeable_ || !has_collection_ || movies_in(*event->mimeData()).isEmpty()) return event->ignore();
     event->setDropAction(Qt::CopyAction);
     event->accept();
     show_drop(vistel_at(event->position().toPoint()));

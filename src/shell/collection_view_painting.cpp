@@ -20,8 +20,12 @@ void collection_view::paintEvent(QPaintEvent* event) {
     if (tiles_.empty()) {
         painter.setFont(theme::font(type_step::secondary));
         painter.setPen(theme::dark().muted);
-        painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
-                         tr("Nothing is open. Open a collection from the side bar,\nor drop movies here."));
+        const QString words =
+            has_collection_
+                ? tr("There are no movies yet. Space starts the clock, and what is coded is kept.\n"
+                     "Drop movies here to add them.")
+                : tr("Nothing is open. Open a collection from the side bar,\nor drop movies here.");
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, words);
         return;
     }
     const bool moving = growth_.state() == QAbstractAnimation::Running;

@@ -98,6 +98,9 @@ void content_delegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         case line_kind::vault:
             paint_vault(*painter, inside.adjusted(0, gap_above(index), 0, 0), index);
             break;
+        case line_kind::pattern:
+            paint_item(*painter, inside, index);
+            break;
         case line_kind::item:
             if (index.data(content_model::open_role).toBool()) {
                 painter->fillRect(
@@ -147,7 +150,8 @@ void content_delegate::paint_item(QPainter& painter, QRect place, const QModelIn
     const theme& look = theme::current();
     const theme_metrics& metrics = look.metrics;
     // What can't be opened yet is muted.
-    const bool opens = !index.data(content_model::folder_role).toString().isEmpty();
+    const bool opens =
+        kind_of(index) == line_kind::pattern || !index.data(content_model::folder_role).toString().isEmpty();
     paint_icon(painter, place.left(), place, index.data(content_model::icon_role).toString(), look.muted);
     place.setLeft(place.left() + metrics.icon + metrics.padding);
     const QString fact = index.data(content_model::fact_role).toString();

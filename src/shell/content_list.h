@@ -33,6 +33,14 @@ struct content_vault {
     bool is_limited = false;  // its volume has less free space than the user wants to be warned of
 };
 
+// A remembered filter that was given a name.
+struct content_pattern {
+    std::string name;
+    std::string pattern;
+
+    bool operator==(const content_pattern&) const = default;
+};
+
 // The items of a vault that holds these things. What belongs to a collection (its timeline, its code window)
 // is not listed beside it, except the code window, under the collection's name; so is a timeline's.
 std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITEM_DATA>& found);

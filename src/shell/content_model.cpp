@@ -17,11 +17,12 @@ struct content_model::line {
     line_kind kind = line_kind::heading;
     content_item item;
     QString words;
-    QString opens;
+    QString opens;  // of a pattern: its text
 
     std::string key() const {
-        return kind == line_kind::heading ? words.toStdString()
-                                          : std::to_string(static_cast<int>(item.kind)) + item.path;
+        if (kind == line_kind::heading) return words.toStdString();
+        if (kind == line_kind::pattern) return "pattern " + opens.toStdString();
+        return std::to_string(static_cast<int>(item.kind)) + item.path;
     }
     bool operator==(const line&) const = default;
 };
@@ -144,6 +145,12 @@ void content_model::set_content(std::vector<content_vault> vaults) {
     refresh();
 }
 
+void content_model::set_patterns(std::vector<content_pattern> patterns) {
+    if (patterns == patterns_) return;
+    patterns_ = std::move(patterns);
+    refresh();
+}
+
 void content_model::set_filter(const QString& text) {
     const QString wanted = text.trimmed();
     if (wanted == filter_) return;
@@ -159,7 +166,8 @@ std::vector<content_model::line> content_model::lines_of(const content_vault& va
     std::vector<line> lines;
     const auto heading = [&](const QString& words) { lines.push_back({line_kind::heading, {}, words, {}}); };
     if (!vault.problem.empty()) return lines;
-    if (vault.items.empty()) heading(tr("Nothing in it yet"));
+    const bool has_patterns = vault.is_home && !patterns_.empty();
+    if (vault.items.empty() && !has_patterns) heading(tr("Nothing in it yet"));
     const bool whole = filter_.isEmpty() || passes(vault.name);
     const content_item* before = nullptr;
     for (const auto& item : vault.items) {
@@ -168,6 +176,13 @@ std::vector<content_model::line> content_model::lines_of(const content_vault& va
         before = &item;
         lines.push_back(
             {line_kind::item, item, QString::fromStdString(item.name), QString::fromStdString(item.opens)});
+    }
+    bool is_headed = false;
+    for (const auto& one : vault.is_home ? patterns_ : std::vector<content_pattern>()) {
+        if (!whole && !passes(one.name)) continue;
+        if (!std::exchange(is_headed, true)) heading(tr("Patterns"));
+        lines.push_back(
+            {line_kind::pattern, {}, QString::fromStdString(one.name), QString::fromStdString(one.pattern)});
     }
     return lines;
 }
@@ -180,14 +195,16 @@ std::unique_ptr<content_model::vault_node> content_model::make_node(const conten
     return node;
 }
 
+bool content_model::has_passing(const content_vault& vault) const {
+    const auto named = [this](const auto& one) { return passes(one.name); };
+    return passes(vault.name) || std::any_of(vault.items.begin(), vault.items.end(), named) ||
+           (vault.is_home && std::any_of(patterns_.begin(), patterns_.end(), named));
+}
+
 void content_model::refresh() {
     std::vector<const content_vault*> wanted;
     for (const auto& vault : content_) {
-        if (filter_.isEmpty() || passes(vault.name) ||
-            std::any_of(vault.items.begin(), vault.items.end(),
-                        [this](const auto& item) { return passes(item.name); })) {
-            wanted.push_back(&vault);
-        }
+        if (has_passing(vault)) wanted.push_back(&vault);
     }
     for (int row = static_cast<int>(vaults_.size()) - 1; row >= 0; --row) {
         const auto& path = vaults_[static_cast<std::size_t>(row)]->content.path;
@@ -391,6 +408,11 @@ QVariant content_model::line_data(const line& one, int asked) const {
     if (asked == Qt::DisplayRole) return one.words;
     if (asked == kind_role) return static_cast<int>(one.kind);
     if (one.kind == line_kind::heading) return {};
+    if (one.kind == line_kind::pattern) {
+        if (asked == Qt::ToolTipRole || asked == pattern_role) return one.opens;
+        if (asked == Qt::AccessibleTextRole) return tr("%1, filter").arg(one.words);
+        return asked == icon_role ? QStringLiteral("filter") : QVariant();
+    }
     const bool is_open = !open_folder_.isEmpty() && one.opens == open_folder_ &&
                          (one.item.kind == item_kind::collection || one.item.path == one.item.opens);
     switch (asked) {

@@ -12,12 +12,13 @@
 
 namespace vistels {
 
-// The lines of the side bar's list: the vaults, and below each the headings and items of what it holds. New
+// The lines of the side bar's list: the vaults, and below each the headings and items of what it holds; below
+// the home vault the filters that have a name, too. New
 // content is taken in line by line, so that what is selected, folded and scrolled to stays. Main thread.
 class content_model final : public QAbstractItemModel {
     Q_OBJECT
   public:
-    enum class line_kind { vault, heading, item };
+    enum class line_kind { vault, heading, item, pattern };
     enum role {
         kind_role = Qt::UserRole + 1,  // line_kind as int
         icon_role,                     // name of the icon
@@ -31,7 +32,8 @@ class content_model final : public QAbstractItemModel {
         problem_role,                  // of a vault: why it cannot be listed
         home_role,
         focus_role,
-        open_role,  // this item is open in the window
+        open_role,     // this item is open in the window
+        pattern_role,  // of a pattern: its text
     };
 
     explicit content_model(QObject* parent = nullptr);
@@ -39,6 +41,7 @@ class content_model final : public QAbstractItemModel {
 
     void set_content(std::vector<content_vault> vaults);
     const std::vector<content_vault>& content() const { return content_; }
+    void set_patterns(std::vector<content_pattern> patterns);
     // Lists only items, or whole vaults, whose name holds the text; empty: all.
     void set_filter(const QString& text);
     const QString& filter() const { return filter_; }
@@ -69,12 +72,14 @@ class content_model final : public QAbstractItemModel {
     void take_in_lines(vault_node& node, const QModelIndex& parent, std::vector<line> lines);
     void remove_gone_lines(vault_node& node, const QModelIndex& parent, const std::vector<line>& lines);
     std::vector<line> lines_of(const content_vault& vault) const;
+    bool has_passing(const content_vault& vault) const;
     bool passes(const std::string& name) const;
     int row_of(quintptr id) const;
     QVariant vault_data(const vault_node& node, int asked) const;
     QVariant line_data(const line& one, int asked) const;
 
     std::vector<content_vault> content_;
+    std::vector<content_pattern> patterns_;
     std::vector<std::unique_ptr<vault_node>> vaults_;
     quintptr last_id_ = 0;
     QString filter_;

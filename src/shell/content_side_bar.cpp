@@ -250,6 +250,11 @@ const std::vector<content_vault>& content_side_bar::content() const {
     return model_->content();
 }
 
+void content_side_bar::set_patterns(std::vector<content_pattern> patterns) {
+    model_->set_patterns(std::move(patterns));
+    show_folding();
+}
+
 const content_vault* content_side_bar::current_vault() const {
     return model_->vault_of(list_->currentIndex());
 }
@@ -260,6 +265,10 @@ QString content_side_bar::current_path() const {
 
 void content_side_bar::activate(const QModelIndex& index) {
     const auto kind = static_cast<line_kind>(index.data(content_model::kind_role).toInt());
+    if (kind == line_kind::pattern) {
+        Q_EMIT pattern_chosen(index.data(content_model::pattern_role).toString());
+        return;
+    }
     // A click has opened or closed the vault already; a key has not.
     if (kind != line_kind::item) return;
     const QString folder = index.data(content_model::folder_role).toString();
@@ -309,6 +318,12 @@ void content_side_bar::show_context_menu(QPoint at) {
     if (is_vault(index)) return show_menu(actions_.vault, at);
     QAction open(tr("Open"), this);
     open.setObjectName(QStringLiteral("content.open"));
+    if (const QString pattern = index.data(content_model::pattern_role).toString(); !pattern.isEmpty()) {
+        open.setText(tr("Apply Filter"));
+        open.setToolTip(tr("Puts it into the filter field and applies it (Return)"));
+        connect(&open, &QAction::triggered, this, [this, pattern] { Q_EMIT pattern_chosen(pattern); });
+        return show_menu({&open}, at);
+    }
     open.setToolTip(tr("Open it in this window (Return)"));
     connect(&open, &QAction::triggered, this,
             [this, place = QPersistentModelIndex(index)] { activate(place); });
@@ -347,7 +362,7 @@ bool content_side_bar::eventFilter(QObject* watched, QEvent* event) {
     if (watched == filter_ && (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter)) {
         // On to the first item that passes.
         for (QModelIndex at = model_->index(0, 0); at.isValid(); at = list_->indexBelow(at)) {
-            if (at.data(content_model::kind_role).toInt() != static_cast<int>(line_kind::item)) continue;
+            if (is_vault(at) || !(at.flags() & Qt::ItemIsSelectable)) continue;
             list_->setCurrentIndex(at);
             break;
         }

@@ -39,6 +39,8 @@ class content_side_bar : public QWidget {
 
     explicit content_side_bar(QWidget* parent = nullptr);
 
+    // The filters listed below the home vault.
+    void set_patterns(std::vector<content_pattern> patterns);
     void set_actions(menu_actions actions) { actions_ = std::move(actions); }
     // What was open, chosen, scrolled to or folded before stays so.
     void set_content(std::vector<content_vault> vaults);
@@ -64,6 +66,7 @@ class content_side_bar : public QWidget {
     void open_in_new_window_asked(const QString& folder);
     // It is of a kind that no window shows yet.
     void unknown_asked(int kind, const QString& name, const QString& folder);
+    void pattern_chosen(const QString& pattern);
     void folders_dropped(const QStringList& folders);
 
   protected:

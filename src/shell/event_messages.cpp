@@ -121,6 +121,14 @@ user_message conflict_message(const QString& event, const file_conflict& conflic
     return told;
 }
 
+user_message shortage_message(const QString& event, const std::string& alert) {
+    // The paragraphs are parted as they are in the alert of other systems.
+    QString text = QString::fromStdString(alert);
+    text.replace(QLatin1String("\r\r"), QLatin1String("\n"));
+    return {
+        user_message::tone::warning, QObject::tr("A movie of “%1” is not whole").arg(event), text, {}, {}};
+}
+
 user_message read_only_message(const QString& event, const std::string& reason) {
     user_message told;
     told.headline = QObject::tr("“%1” can be looked at but not changed").arg(event);

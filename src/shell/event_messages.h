@@ -41,6 +41,9 @@ std::vector<user_message> messages_of_opening(const opening_report& report);
 // Another program changed a file of the event; both versions are kept.
 user_message conflict_message(const QString& event, const file_conflict& conflict);
 
+// What is told of a streamed vistel whose local copy lacks its end, as shorter_than_expected_text writes it.
+user_message shortage_message(const QString& event, const std::string& alert);
+
 // The event can only be read. It lasts until that is over.
 user_message read_only_message(const QString& event, const std::string& reason);
 

@@ -9,6 +9,7 @@
 #include "shell/event_messages.h"
 #include "shell/event_session.h"
 #include "shell/long_work.h"
+#include "shell/vault_panels.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -74,7 +75,7 @@ void event_opener::open_vault(const std::string& vault) {
     if (!first.empty()) return open_folder(first);
     Q_EMIT told({user_message::tone::warning,
                  tr("“%1” holds no collection yet").arg(QString::fromStdString(path_name(vault))),
-                 tr("Make one from movies: File, New Collection from Movies."),
+                 tr("Make one: File, New Collection, or New Collection from Movies."),
                  {},
                  {}});
     Q_EMIT settled();
@@ -148,6 +149,27 @@ void event_opener::ask_new_collection() {
     std::vector<std::string> movies;
     for (const QString& one : chosen) movies.push_back(one.toStdString());
     if (!movies.empty()) make_collection(movies);
+}
+
+void event_opener::ask_new_empty() {
+    std::vector<std::string> vaults;
+    for (auto& vault : known_vaults(places_)) {
+        if (is_folder(vault)) vaults.push_back(std::move(vault));
+    }
+    auto* panel = new new_collection_panel(vaults, vault_for_new(), &window_);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    connect(panel, &QDialog::accepted, this, [this, panel] { make_empty(panel->name(), panel->vault()); });
+    panel->open();
+}
+
+// It takes no time: there is nothing to bring.
+void event_opener::make_empty(const std::string& name, const std::string& vault) {
+    const std::string folder = new_collection_folder(vault, name);
+    job work;
+    const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, load_user_name(places_));
+    if (!made) return tell_failure(tr("The collection could not be made"), made.message());
+    Q_EMIT content_changed();
+    open_folder(folder);
 }
 
 void event_opener::ask_open() {

@@ -43,6 +43,8 @@ class event_opener : public QObject {
     void open_last_or_demo(const std::string& open_last);
 
     void ask_new_collection();
+    // Asks for the name and the vault of a collection without movies; it is opened when it is made.
+    void ask_new_empty();
     void ask_open();
 
   Q_SIGNALS:
@@ -57,6 +59,7 @@ class event_opener : public QObject {
   private:
     void make_demo();
     void make_collection(const std::vector<std::string>& movies);
+    void make_empty(const std::string& name, const std::string& vault);
     // Where new collections are made: the focus vault, or the home vault while that one is away.
     std::string vault_for_new() const;
     // From now on the side bar lists the vault.

@@ -13,12 +13,15 @@
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
 #include "shell/event_messages.h"
+#include "shell/filter_control.h"
+#include "shell/filter_entry.h"
 #include "shell/inspector_view.h"
 #include "shell/key_router.h"
 #include "shell/key_strokes.h"
 #include "shell/pane_header.h"
 #include "shell/read_only_guard.h"
 #include "shell/shuttle.h"
+#include "shell/timeline_state.h"
 #include "shell/timeline_view.h"
 #include "shell/transport_bar.h"
 #include "util/file_system.h"
@@ -32,8 +35,6 @@ constexpr double nowhere = std::numeric_limits<double>::infinity();
 constexpr double tick_seconds = 1.0 / 60;
 constexpr double volume_step = 0.1;
 constexpr double fastest_shuttle = 8;
-// A clip that starts at the playhead is neither before nor after it.
-constexpr double beside_seconds = 0.02;
 // A step where there are no frames.
 constexpr double frame_without_pictures = 0.04;
 
@@ -44,6 +45,7 @@ event_session::event_session(event_panes panes, run_loop& loop)
       loop_(loop),
       pictures_(*panes.collection),
       read_only_(new read_only_mark(panes.timeline)),
+      filter_(std::make_unique<filter_control>(*panes.timeline, *panes.inspector, loop)),
       play_until_(nowhere) {
     panes_.timeline->header().add_first_control(read_only_);
     connect_panes();
@@ -70,12 +72,14 @@ result<void> event_session::open(const std::string& folder, const home_places& p
 
 void event_session::close() {
     if (!event_) return;
+    filter_->set_event(nullptr);
     event_->playback().pause();
     release_buttons();
     connections_.clear();
     panes_.keys->set_code({});
     panes_.code->set_source(nullptr);
     panes_.timeline->set_timeline(nullptr, nullptr);
+    panes_.filter->set_source(nullptr, nullptr);
     panes_.inspector->set_document(nullptr, {});
     pictures_.set_event(nullptr);
     panes_.collection->bar().setEnabled(false);
@@ -84,6 +88,7 @@ void event_session::close() {
     event_.reset();
     tick_while_needed();
     show_read_only();
+    if (alert_timer_ != 0) loop_.stop_timer(std::exchange(alert_timer_, 0));
     play_until_ = nowhere;
     Q_EMIT state_over(QLatin1String(save_failed_key));
     Q_EMIT closed();
@@ -102,7 +107,7 @@ QString event_session::fact() const {
     const auto cameras = event_->collection().vistels().size();
     const auto live = event_->timeline().timeline().live_clips().size();
     QString fact = cameras == 1 ? tr("1 camera") : tr("%1 cameras").arg(cameras);
-    if (!event_->has_collection()) fact = tr("No pictures");
+    if (cameras == 0) fact = event_->has_collection() ? tr("No camera") : tr("No pictures");
     if (live > 0) return fact + (live == 1 ? tr(" · 1 live clip") : tr(" · %1 live clips").arg(live));
     const auto clips = event_->timeline().timeline().clip_count();
     return fact + (clips == 1 ? tr(" · 1 clip") : tr(" · %1 clips").arg(clips));
@@ -142,6 +147,8 @@ void event_session::connect_event() {
     show_buttons();
     panes_.code->set_name(name());
     panes_.inspector->set_document(&timeline, [&playback] { return playback.collection_time(); });
+    filter_->set_event(event_.get());
+    panes_.filter->set_source(&event_->filtering(), &timeline);
     connect_keys();
     panes_.collection->header().set_name(name());
     connections_.push_back(playback.pictures_changed.connect([this] {
@@ -161,7 +168,7 @@ void event_session::connect_event() {
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
         if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
         find_loop();
-        if (!event_->has_collection()) follow_end(event_->playback().collection_time());
+        if (event_->runs_on_clock()) follow_end(event_->playback().collection_time());
         Q_EMIT facts_changed();
     }));
     connections_.push_back(
@@ -227,7 +234,7 @@ void event_session::show_state() {
     bar.set_volume(volume_);
     bar.set_muted(muted_);
     panes_.timeline->set_reach(event_->start_seconds(),
-                               event_->has_collection() ? event_->end_seconds() : end_shown_);
+                               event_->runs_on_clock() ? end_shown_ : event_->end_seconds());
     pictures_.show_vistels();
     pictures_.show_pictures();
     tick();
@@ -237,12 +244,12 @@ void event_session::show_state() {
 void event_session::tick() {
     if (!event_) return;
     const double seconds = event_->playback().collection_time();
-    if (!event_->has_collection()) follow_end(seconds);
+    if (event_->runs_on_clock()) follow_end(seconds);
     panes_.collection->bar().set_seconds(seconds);
     panes_.collection->bar().set_frame(pictures_.frame_number());
     panes_.timeline->tick();
     panes_.code->tick();
-    if (event_->playback().is_playing()) keep_within_loop(seconds);
+    if (event_->playback().is_playing() && !filter_->plays_all()) keep_within_loop(seconds);
     tick_while_needed();
 }
 
@@ -273,7 +280,7 @@ void event_session::play_or_pause() {
     if (playback.is_playing()) return playback.pause();
     if (playback.rate() < 0) playback.set_rate(1);
     // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
-    if (event_->has_collection() && playback.collection_time() >= event_->end_seconds())
+    if (!event_->runs_on_clock() && playback.collection_time() >= event_->end_seconds())
         playback.seek(event_->start_seconds());
     playback.play();
 }
@@ -294,7 +301,7 @@ void event_session::shuttle(int direction) {
 
 void event_session::step(int frames) {
     if (!event_) return;
-    if (event_->has_collection()) return event_->playback().step(frames);
+    if (!event_->runs_on_clock()) return event_->playback().step(frames);
     pause();
     jump(frames * frame_without_pictures);
 }
@@ -306,7 +313,7 @@ void event_session::jump(double seconds) {
 void event_session::seek(double seconds) {
     if (!event_) return;
     play_until_ = nowhere;
-    const double end = event_->has_collection() ? event_->end_seconds() : event_->playback().last_time();
+    const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
     event_->playback().seek(std::clamp(seconds, event_->start_seconds(), end));
     tick();
 }
@@ -317,7 +324,7 @@ void event_session::to_start() {
 
 void event_session::to_end() {
     if (event_)
-        seek(event_->has_collection() ? event_->end_seconds() : event_->timeline().timeline().last_end());
+        seek(event_->runs_on_clock() ? event_->timeline().timeline().last_end() : event_->end_seconds());
 }
 
 void event_session::set_rate(double rate) {
@@ -403,31 +410,20 @@ void event_session::release_buttons() {
     event_->logger().release_all(event_->playback().collection_time());
 }
 
-void event_session::go_to_clip(int direction) {
-    if (!event_) return;
-    const double now = event_->playback().collection_time();
-    std::string best;
-    double nearest = nowhere;
-    for (const auto& row : event_->timeline().timeline().rows()) {
-        for (const auto& clip : row->clips()) {
-            const double away = (clip->secs_start() - now) * direction;
-            if (!clip->filtered_in() || away <= beside_seconds || away >= nearest) continue;
-            nearest = away;
-            best = clip->id();
-        }
-    }
-    if (!best.empty()) panes_.timeline->go_to_clip(best);
-}
-
 void event_session::mark_clip(bool start) {
     if (event_) panes_.timeline->trim_selected(start, event_->playback().collection_time());
 }
 
 void event_session::play_selected_clip() {
     if (!event_) return;
-    const auto chosen = selected_clips(event_->timeline().timeline());
-    if (chosen.empty()) return;
-    const sxy_CLIP& clip = *chosen.front().clip;
+    // Of those selected the first that is seen; else the one that the inspector alone shows.
+    const auto seen = panes_.timeline->state().selected();
+    const auto chosen =
+        seen.empty() ? selected_clips(event_->timeline().timeline()) : std::vector<clip_place>();
+    const auto place = seen.empty() ? chosen.empty() ? std::nullopt : std::optional(chosen.front())
+                                    : event_->timeline().timeline().find_clip(seen.front());
+    if (!place) return;
+    const sxy_CLIP& clip = *place->clip;
     seek(clip.secs_start());
     play_until_ = clip.secs_end();
     if (event_->playback().rate() < 0) event_->playback().set_rate(1);

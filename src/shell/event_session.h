@@ -17,6 +17,8 @@ namespace vistels {
 
 class code_window_view;
 class collection_pane;
+class filter_control;
+class filter_entry;
 class inspector_view;
 class key_router;
 class read_only_mark;
@@ -29,6 +31,7 @@ struct event_panes {
     timeline_view* timeline = nullptr;
     inspector_view* inspector = nullptr;
     key_router* keys = nullptr;
+    filter_entry* filter = nullptr;
 };
 
 // The event that a window shows, connected to the window's panes. Every command is harmless while no event is
@@ -49,6 +52,7 @@ class event_session : public QObject {
     // Saves and closes.
     void close();
     bool is_open() const { return event_ != nullptr; }
+    filter_control& filter() { return *filter_; }
     open_event* shown_event() { return event_.get(); }  // null when none is open
     QString name() const;
     std::string folder() const;
@@ -90,8 +94,6 @@ class event_session : public QObject {
     // Begins to save what is unsaved and does not wait for it.
     void save_in_background();
     void release_buttons();
-    // The clip that starts before or after the playhead.
-    void go_to_clip(int direction);
     void mark_clip(bool start);
     void play_selected_clip();
 
@@ -119,6 +121,7 @@ class event_session : public QObject {
     void tell(const result<void>& done);
     void tell_save(const std::string& problem);
     void show_opening();
+    void tell_alerts();
     void show_buttons();
     void show_read_only();
     void watch_writer();
@@ -131,10 +134,12 @@ class event_session : public QObject {
     run_loop& loop_;
     vistel_pictures pictures_;
     read_only_mark* read_only_;  // in the timeline's header
+    std::unique_ptr<filter_control> filter_;
     std::unique_ptr<open_event> event_;
     std::vector<connection> connections_;
     run_loop::timer_id tick_timer_ = 0;   // 0: none runs
     run_loop::timer_id watch_timer_ = 0;  // while the timeline can only be read
+    run_loop::timer_id alert_timer_ = 0;  // until what the event's vistels lack is told
     double end_shown_ = 0;                // seconds, where the transport ends
     bool looping_ = false;
     double loop_start_ = 0;  // seconds

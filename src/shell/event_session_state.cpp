@@ -18,6 +18,8 @@ namespace vistels {
 
 namespace {
 
+// What the vistels lack is told when they are seen already.
+constexpr double alert_delay_seconds = 0.1;
 // How often the other program is looked for.
 constexpr double watch_seconds = 2;
 // By so much the range of a clock without pictures grows, so that what is shown does not move all the time.
@@ -71,6 +73,15 @@ void event_session::show_opening() {
     }
     for (auto& message : messages_of_opening(report)) Q_EMIT told(message);
     show_read_only();
+    if (event_->alerts().empty()) return;
+    alert_timer_ = loop_.start_timer(alert_delay_seconds, false, [this] {
+        alert_timer_ = 0;
+        tell_alerts();
+    });
+}
+
+void event_session::tell_alerts() {
+    for (const auto& alert : event_->alerts()) Q_EMIT told(shortage_message(name(), alert));
 }
 
 void event_session::try_to_write(bool take_over) {
@@ -134,7 +145,7 @@ void event_session::refuse_change(const QString& reason) {
 
 double event_session::shown_end() const {
     const double last = std::max(event_->end_seconds(), event_->timeline().timeline().last_end());
-    if (event_->has_collection()) return last;
+    if (!event_->runs_on_clock()) return last;
     return std::max(1.0, std::ceil(last / end_step_seconds)) * end_step_seconds;
 }
 

@@ -224,6 +224,10 @@ qualifier_chips::qualifier_chips(QWidget* parent) : QWidget(parent) {
 void qualifier_chips::set_chips(std::vector<qualifier_chip> chips) {
     chips_ = std::move(chips);
     focused_ = 0;
+    QStringList words;
+    for (const auto& chip : chips_)
+        words << (chip.passes ? tr("%1 (passes the filter)").arg(chip.name) : chip.name);
+    setAccessibleDescription(words.join(QStringLiteral(", ")));
     lay_out(width(), &places_);
     updateGeometry();
     update();

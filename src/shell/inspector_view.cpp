@@ -8,11 +8,13 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "shell/clip_edits.h"
 #include "shell/clip_title_block.h"
 #include "shell/controls.h"
+#include "shell/filter_section.h"
 #include "shell/inspector_parts.h"
 #include "shell/note_field.h"
 #include "shell/pane_header.h"
@@ -43,11 +45,11 @@ std::optional<colour> shown_colour(const sxy_DATA_root& timeline, const clip_pla
     return row ? row->col() : std::nullopt;
 }
 
-std::vector<qualifier_chip> chips_of(const sxy_CLIP& clip) {
+std::vector<qualifier_chip> chips_of(const sxy_CLIP& clip, bool is_filtered) {
     std::vector<qualifier_chip> chips;
     for (const auto& one : *clip.qualifiers()) {
         chips.push_back({one.uuid(), QString::fromStdString(one.name().str()),
-                         QString::fromStdString(one.category().str()), one.filtered_in()});
+                         QString::fromStdString(one.category().str()), is_filtered && one.filtered_in()});
     }
     return chips;
 }
@@ -57,6 +59,7 @@ std::vector<qualifier_chip> chips_of(const sxy_CLIP& clip) {
 inspector_view::inspector_view(QWidget* parent)
     : QWidget(parent),
       header_(new pane_header({}, tr("Inspector"), this)),
+      filter_(new filter_section(QStringLiteral("inspector_filter"), this)),
       empty_(make_label(tr("No clip is selected.\nClick a clip on the timeline to see and change it."),
                         type_step::secondary, QStringLiteral("muted"), this)),
       scroll_(new QScrollArea(this)),
@@ -87,7 +90,8 @@ inspector_view::inspector_view(QWidget* parent)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(header_);
-    column->addWidget(empty_);
+    column->addWidget(filter_);
+    column->addWidget(empty_, 1);
     column->addWidget(scroll_, 1);
     connect_parts();
     refresh();
@@ -228,8 +232,47 @@ void inspector_view::set_document(timeline_document* document, std::function<dou
     refresh();
 }
 
+void inspector_view::set_filter(filter_entry* entry) {
+    filter_->set_entry(entry);
+}
+
+filter_field& inspector_view::filter() {
+    return filter_->field();
+}
+
 void inspector_view::refresh() {
-    show_clips(document_ ? selected_clips(document_->timeline()) : std::vector<clip_place>());
+    selected_.clear();
+    const auto all = document_ ? selected_clips(document_->timeline()) : std::vector<clip_place>();
+    for (const clip_place& one : all) selected_.push_back(one.clip->id());
+    show_clips(seen_of(all));
+}
+
+// What is selected and seen. When all of it is hidden, it is shown here all the same: otherwise a clip would
+// vanish under the hand that changes it.
+std::vector<clip_place> inspector_view::seen_of(const std::vector<clip_place>& all) const {
+    if (!hides_) return all;
+    std::vector<clip_place> seen;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(seen),
+                 [](const clip_place& one) { return one.clip->filtered_in(); });
+    return seen.empty() ? all : seen;
+}
+
+void inspector_view::show_filter(bool is_on, bool hides) {
+    is_filtered_ = is_on;
+    hides_ = hides;
+    std::vector<clip_place> all;
+    for (const std::string& clip : selected_) {
+        if (const auto place = document_->timeline().find_clip(clip)) all.push_back(*place);
+    }
+    const auto clips = seen_of(all);
+    const bool are_same =
+        std::equal(clips.begin(), clips.end(), clips_.begin(), clips_.end(),
+                   [](const clip_place& one, const std::string& shown) { return one.clip->id() == shown; });
+    if (!are_same) return show_clips(clips);
+    // What is being typed into the fields is left alone.
+    if (clips.empty()) return;
+    show_title(clips);
+    show_chips(clips);
 }
 
 bool inspector_view::concerns_shown(const change_set& change) const {
@@ -265,14 +308,30 @@ void inspector_view::show_title(const std::vector<clip_place>& clips) {
     const QColor bar = shade && *shade ? to_qt(**shade) : QColor();
     const auto row = shared_value(clips, [](const clip_place& one) { return one.row; });
     const auto record = row ? timeline.row(*row) : nullptr;
-    QString what = record ? QString::fromStdString(record->category()) : tr("of several rows");
+    const QString what = record ? QString::fromStdString(record->category()) : tr("of several rows");
     if (clips.size() > 1) {
         title_->set_title(tr("%1 clips").arg(clips.size()),
-                          record ? QString::fromStdString(record->name()) : what, bar);
+                          record ? QString::fromStdString(record->name()) : what, verdict_on(clips), bar);
         return;
     }
-    if (!clips.front().clip->filtered_in()) what = tr("%1 · filtered out").arg(what);
-    title_->set_title(QString::fromStdString(clip_title(timeline, clips.front())), what, bar);
+    title_->set_title(QString::fromStdString(clip_title(timeline, clips.front())), what, verdict_on(clips),
+                      bar);
+}
+
+QString inspector_view::verdict_on(const std::vector<clip_place>& clips) const {
+    if (!is_filtered_) return {};
+    const auto passing = std::count_if(clips.begin(), clips.end(),
+                                       [](const clip_place& one) { return one.clip->filtered_in(); });
+    if (clips.size() == 1) return passing == 1 ? tr("passes the filter") : tr("filtered out");
+    if (passing == static_cast<std::ptrdiff_t>(clips.size())) return tr("all pass the filter");
+    return passing == 0 ? tr("all filtered out") : tr("%1 pass the filter").arg(passing);
+}
+
+void inspector_view::show_chips(const std::vector<clip_place>& clips) {
+    const bool single = clips.size() == 1;
+    const auto chips = single ? chips_of(*clips.front().clip, is_filtered_) : std::vector<qualifier_chip>();
+    qualifier_count_->setText(single ? QString::number(chips.size()) : tr("several"));
+    chips_->set_chips(chips);
 }
 
 void inspector_view::show_values(const std::vector<clip_place>& clips) {
@@ -296,9 +355,7 @@ void inspector_view::show_values(const std::vector<clip_place>& clips) {
         std::all_of(clips.begin(), clips.end(), [](const auto& one) { return one.clip->col().has_value(); });
     swatches_->set_colour(shade.value_or(std::nullopt), own);
 
-    const auto chips = single ? chips_of(*clips.front().clip) : std::vector<qualifier_chip>();
-    qualifier_count_->setText(single ? QString::number(chips.size()) : tr("several"));
-    chips_->set_chips(chips);
+    show_chips(clips);
     note_->set_note(single ? clips_.front() : std::string(),
                     single ? clips.front().clip->note_text() : std::string());
     note_section_->setVisible(single);

@@ -16,6 +16,9 @@ class QVBoxLayout;
 namespace vistels {
 
 class clip_title_block;
+class filter_entry;
+class filter_field;
+class filter_section;
 class icon_button;
 class note_field;
 class pane_header;
@@ -35,6 +38,11 @@ class inspector_view : public QWidget {
     void set_document(timeline_document* document, std::function<double()> now);
     // The selection changed.
     void refresh();
+    // A filter is in force or not, hides what it does not let through or not, or judged anew.
+    void show_filter(bool is_on, bool hides);
+    // What is typed into the filter's field; must outlive the view's use.
+    void set_filter(filter_entry* entry);
+    filter_field& filter();
 
   Q_SIGNALS:
     void play_asked(double start, double end);
@@ -50,6 +58,9 @@ class inspector_view : public QWidget {
     void build_look(QVBoxLayout& column);
     void connect_parts();
     bool concerns_shown(const change_set& change) const;
+    std::vector<clip_place> seen_of(const std::vector<clip_place>& all) const;
+    QString verdict_on(const std::vector<clip_place>& clips) const;
+    void show_chips(const std::vector<clip_place>& clips);
     void show_clips(const std::vector<clip_place>& clips);
     void show_title(const std::vector<clip_place>& clips);
     void show_values(const std::vector<clip_place>& clips);
@@ -62,12 +73,16 @@ class inspector_view : public QWidget {
     timeline_document* document_ = nullptr;
     std::function<double()> now_;
     connection changed_;
-    std::vector<std::string> clips_;
+    std::vector<std::string> selected_;  // hidden ones too
+    std::vector<std::string> clips_;     // that are shown
     std::vector<shared_text> rows_;
     double start_ = 0;
     double end_ = 0;
+    bool is_filtered_ = false;
+    bool hides_ = false;
 
     pane_header* header_;
+    filter_section* filter_;
     QLabel* empty_;
     QScrollArea* scroll_;
     clip_title_block* title_;

@@ -86,7 +86,7 @@ int run(QApplication& application, const application_options& options, terminati
     std::unique_ptr<screenshot> picture;
     if (!options.screenshot.empty()) {
         picture = std::make_unique<screenshot>(
-            *windows.front(), options.screenshot, options.at_seconds,
+            *windows.front(), screenshot_wish{options.screenshot, options.at_seconds, options.filter},
             [](bool written) { QApplication::exit(written ? 0 : EXIT_FAILURE); });
     }
     ending.start([&windows] { windows.quit(); });

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -14,6 +15,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "app/search_patterns.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
@@ -22,6 +24,8 @@
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
+#include "shell/filter_control.h"
+#include "shell/filter_entry.h"
 #include "shell/inspector_view.h"
 #include "shell/key_router.h"
 #include "shell/save_moments.h"
@@ -55,6 +59,7 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
       code_(new code_window_view),
       timeline_(new timeline_view),
       inspector_(new inspector_view),
+      filter_(new filter_entry(places_, loop_, this)),
       content_(new content_side_bar),
       tabs_(new super_tab_row({tr("Code"), tr("Review")})),
       work_(new work_area(collection_, code_, timeline_)),
@@ -66,7 +71,7 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     build();
     keys_ = std::make_unique<key_router>(*this, loop_.time());
     session_ = std::make_unique<event_session>(
-        event_panes{collection_, code_, timeline_, inspector_, keys_.get()}, loop_);
+        event_panes{collection_, code_, timeline_, inspector_, keys_.get(), filter_}, loop_);
     opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_);
     commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_, loop_);
     commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
@@ -83,6 +88,7 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     connect_event_commands();
     connect_play_commands();
     connect_timeline_commands();
+    connect_filter_commands();
     connect_view_commands();
     connect_window_commands();
     connect_vault_commands();
@@ -95,6 +101,8 @@ main_window::~main_window() {
     // The session speaks to the panes when it closes, so it goes before them.
     save_moments_.reset();
     session_->disconnect(this);
+    session_->filter().disconnect(this);
+    filter_->disconnect(this);
     opener_.reset();
     commands_.reset();
     session_.reset();
@@ -105,6 +113,8 @@ void main_window::build() {
     const theme_metrics& metrics = theme::current().metrics;
     setMinimumSize(metrics.least_window_width, metrics.least_window_height);
     build_menu_bar();
+    timeline_->set_filter(filter_);
+    inspector_->set_filter(filter_);
     auto* middle = new QWidget;
     auto* middle_column = new QVBoxLayout(middle);
     middle_column->setContentsMargins(0, 0, 0, 0);
@@ -131,6 +141,9 @@ void main_window::build_menu_bar() {
 
 void main_window::connect_session() {
     connect(session_.get(), &event_session::told, this, &main_window::tell);
+    connect(filter_, &filter_entry::failed, this, [this](const QString& headline, const QString& message) {
+        tell({user_message::tone::error, headline, message, {}, {}});
+    });
     connect(opener_.get(), &event_opener::told, this, &main_window::tell);
     connect(commands_.get(), &collection_commands::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
@@ -155,6 +168,9 @@ void main_window::connect_side_bar() {
                 tell(unknown_kind_message(static_cast<item_kind>(kind), name, folder.toStdString()));
             });
     connect(content_, &content_side_bar::folders_dropped, vaults_.get(), &vault_commands::add);
+    connect(content_, &content_side_bar::pattern_chosen, filter_, &filter_entry::apply);
+    connect(filter_, &filter_entry::patterns_changed, this, &main_window::show_patterns);
+    show_patterns();
     connect(content_, &content_side_bar::open_in_new_window_asked, this,
             &main_window::open_in_new_window_asked);
     content_changed_ = keeper_.changed.connect([this] {
@@ -231,6 +247,7 @@ void main_window::show_facts() {
     actions[command::loop]->setChecked(session_->is_looping());
     actions[command::mute]->setChecked(session_->is_muted());
     if (event && event->timeline().has_unsaved_edits()) saved_->show_unsaved();
+    show_filter_state();
 }
 
 void main_window::show_saved(const QString& problem) {
@@ -329,8 +346,25 @@ void main_window::dropEvent(QDropEvent* event) {
     if (!paths.empty()) opener_->open_paths(paths);
 }
 
+// An Escape that nobody else had a use for.
+void main_window::keyPressEvent(QKeyEvent* event) {
+    const bool clears = event->key() == Qt::Key_Escape && session_->filter().is_on() &&
+                        session_->filter().passing_count() == 0;
+    if (!clears) return QMainWindow::keyPressEvent(event);
+    filter_->clear();
+}
+
+void main_window::show_patterns() {
+    std::vector<content_pattern> named;
+    for (const auto& one : load_search_patterns(places_)) {
+        if (!one.name.empty()) named.push_back({one.name, one.pattern});
+    }
+    content_->set_patterns(std::move(named));
+}
+
 bool main_window::event(QEvent* event) {
     const bool done = QMainWindow::event(event);
+    if (event->type() == QEvent::WindowActivate) show_patterns();  // another window may have changed them
     if (event->type() == QEvent::Paint && !appeared_) {
         appeared_ = true;
         Q_EMIT appeared();

@@ -24,6 +24,7 @@ class content_keeper;
 class content_side_bar;
 class event_opener;
 class event_session;
+class filter_entry;
 class inspector_view;
 class key_router;
 class save_moments;
@@ -57,6 +58,8 @@ class main_window : public QMainWindow {
     window_actions& actions() { return *actions_; }
     collection_commands& collection() { return *commands_; }
     timeline_view& timeline() { return *timeline_; }
+    // The text of the filter; the fields for it are those of the timeline and the inspector.
+    filter_entry& filter() { return *filter_; }
     void tell(user_message message);
     // Looks at the vaults anew.
     void refresh_content();
@@ -88,6 +91,7 @@ class main_window : public QMainWindow {
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void build();
@@ -98,11 +102,15 @@ class main_window : public QMainWindow {
     void connect_event_commands();
     void connect_play_commands();
     void connect_timeline_commands();
+    void connect_filter_commands();
+    void add_filter_menus();
     void connect_view_commands();
     void connect_window_commands();
     void connect_vault_commands();
     void show_event();
+    void show_patterns();
     void show_facts();
+    void show_filter_state();
     void show_saved(const QString& problem);
     void show_tab(int index);
     void choose_theme(const std::string& name);
@@ -118,6 +126,7 @@ class main_window : public QMainWindow {
     code_window_view* code_;
     timeline_view* timeline_;
     inspector_view* inspector_;
+    filter_entry* filter_;
     content_side_bar* content_;
     super_tab_row* tabs_;
     work_area* work_;

@@ -2,15 +2,22 @@
 // What each command of the main window's menus does.
 #include <QApplication>
 #include <QDesktopServices>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QUrl>
 
+#include "app/settings.h"
 #include "shell/code_window_view.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
+#include "shell/filter_control.h"
+#include "shell/filter_entry.h"
+#include "shell/filter_field.h"
+#include "shell/formula_menu.h"
 #include "shell/keys_window.h"
 #include "shell/main_window.h"
+#include "shell/pattern_menu.h"
 #include "shell/super_tab_row.h"
 #include "shell/timeline_view.h"
 #include "shell/vault_commands.h"
@@ -30,6 +37,8 @@ void main_window::connect_event_commands() {
     event_session* session = session_.get();
     connect(actions[command::new_collection], &QAction::triggered, opener_.get(),
             &event_opener::ask_new_collection);
+    connect(actions[command::new_empty_collection], &QAction::triggered, opener_.get(),
+            &event_opener::ask_new_empty);
     connect(actions[command::open_folder], &QAction::triggered, opener_.get(), &event_opener::ask_open);
     connect(actions[command::show_folder], &QAction::triggered, session, [session] {
         QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(session->folder())));
@@ -70,10 +79,11 @@ void main_window::connect_vault_commands() {
         return list;
     };
     content_side_bar::menu_actions menus;
-    menus.make = all({command::new_collection, command::new_vault, command::add_vault});
-    menus.all =
-        all({command::new_collection, command::new_vault, command::add_vault, command::choose_focus_vault,
-             command::vault_warning, command::show_unavailable, command::find_content});
+    menus.make =
+        all({command::new_collection, command::new_empty_collection, command::new_vault, command::add_vault});
+    menus.all = all({command::new_collection, command::new_empty_collection, command::new_vault,
+                     command::add_vault, command::choose_focus_vault, command::vault_warning,
+                     command::show_unavailable, command::find_content});
     menus.vault = all({command::focus_this_vault, command::show_in_files, command::remove_vault,
                        command::new_vault, command::add_vault});
     menus.item = all({command::show_in_files});
@@ -121,13 +131,81 @@ void main_window::connect_timeline_commands() {
     connect(actions[command::zoom_out], &QAction::triggered, timeline_, &timeline_view::zoom_out);
     connect(actions[command::zoom_fit], &QAction::triggered, timeline_, &timeline_view::zoom_to_fit);
     connect(actions[command::clip_before], &QAction::triggered, session,
-            [session] { session->go_to_clip(-1); });
+            [session] { session->filter().go_to_clip(-1); });
     connect(actions[command::clip_after], &QAction::triggered, session,
-            [session] { session->go_to_clip(1); });
+            [session] { session->filter().go_to_clip(1); });
     connect(actions[command::mark_in], &QAction::triggered, session, [session] { session->mark_clip(true); });
     connect(actions[command::mark_out], &QAction::triggered, session,
             [session] { session->mark_clip(false); });
     connect(actions[command::play_clip], &QAction::triggered, session, &event_session::play_selected_clip);
+}
+
+void main_window::connect_filter_commands() {
+    const window_actions& actions = *actions_;
+    filter_control* filter = &session_->filter();
+    const auto on = [&](command which, auto does) {
+        connect(actions[which], &QAction::triggered, filter, does);
+    };
+    on(command::filter_field, [this] { timeline_->filter().focus(); });
+    on(command::apply_filter, [this] { timeline_->filter().apply(); });
+    on(command::clear_filter, [this] { filter_->clear(); });
+    on(command::hide_filtered_out, [filter](bool hides) { filter->choose_hides(hides); });
+    on(command::next_passing, [filter] { filter->go_to_clip(1); });
+    on(command::previous_passing, [filter] { filter->go_to_clip(-1); });
+    on(command::play_passing, [filter](bool plays) { filter->play_all(plays); });
+    on(command::select_passing, [this] { timeline_->select_passing(); });
+    filter->set_hides(load_filtered_out_clips(places_).are_hidden);
+    connect(filter, &filter_control::changed, this, &main_window::show_filter_state);
+    connect(filter, &filter_control::hides_chosen, this, [this](bool hides) {
+        const auto saved = save_filtered_out_clips(places_, {hides});
+        if (saved) return;
+        tell({user_message::tone::warning,
+              tr("The setting is not remembered"),
+              QString::fromStdString(saved.message()),
+              {},
+              {}});
+    });
+    connect(timeline_, &timeline_view::clear_filter_asked, filter_, &filter_entry::clear);
+    connect(filter_, &filter_entry::text_changed, this, &main_window::show_filter_state);
+    add_filter_menus();
+    show_filter_state();
+}
+
+// What they offer follows the text, the timeline and what was applied: they are made when they are wanted.
+void main_window::add_filter_menus() {
+    auto* menu = menuBar()->findChild<QMenu*>(QStringLiteral("menu.Filter"));
+    QAction* next = (*actions_)[command::hide_filtered_out];
+    const auto add = [&](const char* name, const QString& words) {
+        auto* action = new QAction(words, menu);
+        action->setObjectName(QLatin1String(name));
+        menu->insertAction(next, action);
+        return action;
+    };
+    menu->insertSeparator(next);
+    QAction* patterns = add("filter_patterns", tr("Filters Used Before"));
+    QAction* insert = add("filter_insert", tr("Insert into Filter"));
+    menu->insertSeparator(next);
+    connect(menu, &QMenu::aboutToShow, this, [this, patterns, insert] {
+        for (QAction* one : {patterns, insert}) {
+            one->setEnabled(session_->is_open());
+            delete one->menu();
+        }
+        if (!session_->is_open()) return;
+        patterns->setMenu(new pattern_menu(timeline_->filter()));
+        insert->setMenu(new formula_menu(timeline_->filter()));
+    });
+}
+
+void main_window::show_filter_state() {
+    const window_actions& actions = *actions_;
+    const filter_control& filter = session_->filter();
+    const bool can_play = filter.plays_all() || filter.passing_count() > 0;
+    actions[command::apply_filter]->setEnabled(!filter_->text().isEmpty());
+    actions[command::clear_filter]->setEnabled(!filter_->text().isEmpty() || filter.is_on());
+    actions[command::hide_filtered_out]->setChecked(filter.hides());
+    actions[command::play_passing]->setChecked(filter.plays_all());
+    actions[command::play_passing]->setEnabled(can_play);
+    actions[command::select_passing]->setEnabled(filter.passing_count() > 0);
 }
 
 void main_window::connect_view_commands() {

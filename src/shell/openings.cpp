@@ -53,7 +53,12 @@ result<opening> what_is(const std::string& given) {
     if (const auto alone = is_folder(path) ? path : path_folder(path); holds_timeline(alone)) {
         return opening{opening::kind::timeline, alone, {}};
     }
-    return failure{"“" + given + "” is neither a vault nor a collection, a timeline or a movie."};
+    if (is_folder(path)) {
+        if (auto movies = movies_of_item(path))
+            return opening{opening::kind::movies, {}, std::move(movies).value()};
+    }
+    return failure{"“" + given +
+                   "” is neither a vault nor a collection, a timeline, a movie or a folder of movies."};
 }
 
 }  // namespace
@@ -74,7 +79,7 @@ openings what_to_open(const std::vector<std::string>& paths) {
         if (like == all.found.end()) {
             all.found.push_back(std::move(what));
         } else if (is_movie) {
-            like->movies.push_back(what.movies.front());
+            like->movies.insert(like->movies.end(), what.movies.begin(), what.movies.end());
         }
     }
     return all;

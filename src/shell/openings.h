@@ -24,8 +24,8 @@ struct openings {
 };
 
 // Each path is a collection's folder (or a folder or file inside it), the folder of a timeline that belongs
-// to none, a vault, or a movie file; all movie files together are one opening, in the place of the first. Any
-// thread.
+// to none, a vault, a movie file, or a folder of movies, which stands for them in their natural order; all
+// movies together are one opening, in the place of the first. Any thread.
 openings what_to_open(const std::vector<std::string>& paths);
 
 // The first collection in the vault in natural order; empty when it holds none.

@@ -49,7 +49,26 @@ void pane_header::add_control(QWidget* control) {
 }
 
 void pane_header::add_first_control(QWidget* control) {
-    controls_->insertWidget(1, control);
+    controls_->insertWidget(leads_ + 1, control);
+}
+
+void pane_header::add_lead_control(QWidget* control) {
+    const theme_metrics& metrics = theme::current().metrics;
+    if (leads_ == 0) {
+        shows_fact_ = false;
+        const int margin = controls_->contentsMargins().left();
+        controls_->insertSpacing(leads_++, name_end() + metrics.wide_padding - margin - controls_->spacing());
+    }
+    controls_->insertWidget(leads_++, control);
+    // What is left over belongs to the field, up to its greatest width.
+    const bool grows = control->sizePolicy().horizontalPolicy() == QSizePolicy::Expanding;
+    controls_->setStretchFactor(control, grows ? 1000 : 0);
+}
+
+int pane_header::name_end() const {
+    const theme_metrics& metrics = theme::current().metrics;
+    const int icon = icon_.isEmpty() ? 0 : metrics.icon + metrics.padding;
+    return metrics.wide_padding + icon + QFontMetrics(theme::font(type_step::title)).horizontalAdvance(name_);
 }
 
 void pane_header::set_icon(const QString& icon) {

@@ -27,6 +27,8 @@ class pane_header : public QWidget {
     void add_control(QWidget* control);
     // Puts a control before the others.
     void add_first_control(QWidget* control);
+    // Puts a control right behind the name, after those put there before; the header then shows no fact.
+    void add_lead_control(QWidget* control);
     // Another icon before the name.
     void set_icon(const QString& icon);
 
@@ -35,6 +37,7 @@ class pane_header : public QWidget {
 
   private:
     void follow_focus(const QWidget* focused);
+    int name_end() const;
 
     QString icon_;
     QString name_;
@@ -43,6 +46,7 @@ class pane_header : public QWidget {
     bool shows_fact_ = true;
     bool has_focus_ = false;
     QHBoxLayout* controls_;
+    int leads_ = 0;  // items of the layout before the stretch
 };
 
 }  // namespace vistels

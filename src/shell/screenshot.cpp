@@ -5,6 +5,7 @@
 #include <chrono>
 #include <utility>
 
+#include "app/clip_filtering.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
@@ -22,9 +23,8 @@ constexpr int enough_looks = 10;
 
 }  // namespace
 
-screenshot::screenshot(main_window& window, std::string file, double at_seconds,
-                       std::function<void(bool)> done)
-    : window_(window), file_(std::move(file)), at_seconds_(at_seconds), done_(std::move(done)) {
+screenshot::screenshot(main_window& window, screenshot_wish wish, std::function<void(bool)> done)
+    : window_(window), wish_(std::move(wish)), done_(std::move(done)) {
     connect(&window.opener(), &event_opener::settled, this, [this] {
         if (!window_.session().is_open()) finish(false);
     });
@@ -33,10 +33,17 @@ screenshot::screenshot(main_window& window, std::string file, double at_seconds,
     timer_.start();
 }
 
+bool screenshot::is_filtered() {
+    clip_filtering& filtering = window_.session().shown_event()->filtering();
+    const filter_standing& standing = filtering.standing();
+    if (standing.typed != wish_.filter) filtering.apply(wish_.filter);
+    return !standing.is_judging;
+}
+
 void screenshot::prepare() {
     prepared_ = true;
     event_session& session = window_.session();
-    if (at_seconds_ >= 0) session.seek(at_seconds_);
+    if (wish_.at_seconds >= 0) session.seek(wish_.at_seconds);
     const double now = session.shown_event()->playback().collection_time();
     select_clip(now);
     session.seek(now);
@@ -47,7 +54,7 @@ void screenshot::select_clip(double seconds) {
     double start = -1;
     for (const auto& row : window_.session().shown_event()->timeline().timeline().rows()) {
         for (const auto& clip : row->clips()) {
-            if (clip->secs_start() > seconds || clip->secs_start() <= start) continue;
+            if (clip->secs_start() > seconds || clip->secs_start() <= start || !clip->filtered_in()) continue;
             start = clip->secs_start();
             last = clip->id();
         }
@@ -60,10 +67,11 @@ void screenshot::look() {
     if (!session.is_open()) return;
     if (++looks_ > most_looks) return finish(false);
     if (!session.has_all_pictures()) return;
+    if (!is_filtered()) return;
     if (!prepared_) return prepare();
     settled_looks_ = session.shown_event()->playback().is_settled() ? settled_looks_ + 1 : 0;
     if (settled_looks_ < enough_looks) return;
-    finish(window_.grab().save(QString::fromStdString(file_)));
+    finish(window_.grab().save(QString::fromStdString(wish_.file)));
 }
 
 void screenshot::finish(bool written) {

@@ -10,24 +10,32 @@ namespace vistels {
 
 class main_window;
 
+// What a picture of a window is to show.
+struct screenshot_wish {
+    std::string file;
+    double at_seconds = -1;  // where the playhead goes; negative: it stays
+    std::string filter;      // a text; empty: none
+};
+
 // Writes a picture of the window into a file once its event is open and all vistels show their pictures, with
-// the last clip that began before the playhead selected. Main thread.
+// the last clip selected that began before the playhead and passes the filter. Main thread.
 class screenshot : public QObject {
     Q_OBJECT
   public:
-    // Negative seconds leave the playhead where it is. `done` gets whether the file was written; it is not
+    // `done` gets whether the file was written; it is not
     // when no event could be opened or its pictures have not come after half a minute.
-    screenshot(main_window& window, std::string file, double at_seconds, std::function<void(bool)> done);
+    screenshot(main_window& window, screenshot_wish wish, std::function<void(bool)> done);
 
   private:
+    // Whether the filter that was wished for is in force.
+    bool is_filtered();
     void prepare();
     void look();
     void finish(bool written);
     void select_clip(double seconds);
 
     main_window& window_;
-    const std::string file_;
-    const double at_seconds_;
+    const screenshot_wish wish_;
     std::function<void(bool)> done_;
     QTimer timer_;
     int looks_ = 0;

@@ -9,7 +9,6 @@
 #include <cmath>
 
 #include "shell/controls.h"
-#include "shell/escape_key.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
 
@@ -120,7 +119,7 @@ void single_Adjust_offset_View::mousePressEvent(QMouseEvent* event) {
         drag.gap = gap;
         drag.seconds_per_pixel = seconds_per_pixel();
         drag_ = drag;
-        qApp->installEventFilter(this);
+        watch_.begin();
         return;
     }
 }
@@ -154,7 +153,7 @@ void single_Adjust_offset_View::end_drag(bool keeps) {
     if (!drag_) return;
     const dragging ended = *drag_;
     drag_.reset();
-    qApp->removeEventFilter(this);
+    watch_.end();
     update();
     if (!ended.moves) return;
     if (keeps && ended.gap != ended.gap_at_mouse_down) {
@@ -164,15 +163,8 @@ void single_Adjust_offset_View::end_drag(bool keeps) {
     }
 }
 
-bool single_Adjust_offset_View::eventFilter(QObject* watched, QEvent* event) {
-    if (!drag_ || !accept_escape(event)) return QWidget::eventFilter(watched, event);
-    if (event->type() == QEvent::KeyPress) end_drag(false);
-    return true;
-}
-
 // Page keys choose a part.
 bool single_Adjust_offset_View::event(QEvent* event) {
-    if (event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide) end_drag(false);
     if (event->type() == QEvent::ShortcutOverride) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "shell/drag_watch.h"
+
 namespace vistels {
 
 // A movie part as the strip shows it; seconds.
@@ -61,7 +63,6 @@ class single_Adjust_offset_View : public QWidget {
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     bool event(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     struct dragging {
@@ -84,6 +85,7 @@ class single_Adjust_offset_View : public QWidget {
     int chosen_ = -1;
     bool changeable_ = true;
     std::optional<dragging> drag_;
+    drag_watch watch_{*this, [this] { end_drag(false); }};
 };
 
 }  // namespace vistels

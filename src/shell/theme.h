@@ -54,6 +54,14 @@ struct theme_metrics {
     int field_height = 28;
     int filter_height = 30;
     int filter_width = 500;
+    int filter_least_width = 180;
+    int filter_button = 24;            // side of the buttons inside the filter field
+    int token_padding = 3;             // of a word's ground in a filter, left and right of it
+    int completion_width = 300;        // least, of the list under a filter field
+    int menu_greatest_width = 360;     // of a text of the user's in a menu
+    int completion_lines = 8;          // shown at once
+    int selected_count_from = 1040;    // least width of a timeline that says how many clips are selected
+    int message_greatest_width = 520;  // of the message under a filter field
     int push_button_height = 32;
     int icon_button = 28;
     int transport_height = 56;

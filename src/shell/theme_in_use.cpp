@@ -124,8 +124,9 @@ QPalette theme_palette(const theme& look) {
     return made;
 }
 
-// Dynamic properties choose a variant: kind = "pane", "header", "bar", "segment", "first", "danger", "flat";
-// tone = "muted", "secondary", "title", "live", "warning", "good".
+// Dynamic properties choose a variant: kind = "pane", "header", "bar", "segment", "first", "danger", "flat",
+// "inner" (a field inside a frame of its own), "popover" (a list over the window);
+// tone = "muted", "secondary", "title", "live", "warning", "good", "popover" (of a field's message).
 QString theme_style_sheet(const theme& look) {
     static const char* const pattern = R"(
 QWidget[kind="pane"], QWidget[kind="header"] { background: @pane; }
@@ -153,6 +154,8 @@ QLineEdit, QAbstractSpinBox, QComboBox, QPlainTextEdit, QTextEdit { background: 
 QPlainTextEdit, QTextEdit { padding: 6px; }
 QLineEdit:focus, QAbstractSpinBox:focus, QComboBox:focus, QPlainTextEdit:focus, QTextEdit:focus {
     border: 2px solid @accent; padding-left: 7px; }
+QPlainTextEdit[kind="inner"], QPlainTextEdit[kind="inner"]:focus { border: none; padding: 0; min-height: 0;
+    background: transparent; }
 QLineEdit:disabled, QAbstractSpinBox:disabled, QComboBox:disabled { color: @disabled; border-color: @line; }
 QComboBox::drop-down { border: none; width: 22px; }
 QPushButton { background: @raised; color: @text; border: 1px solid @line; border-radius: @radius;
@@ -163,6 +166,7 @@ QPushButton:checked { background: @text; color: @pane; border-color: @text; }
 QPushButton:focus { border: 2px solid @accent; padding: 0 14px; min-height: 28px; }
 QPushButton:disabled { color: @disabled; background: @raised; border-color: @line; }
 QPushButton[kind="first"] { background: @text; color: @pane; font-weight: 600; }
+QPushButton[kind="first"]:disabled { background: @raised; color: @disabled; }
 QPushButton[kind="danger"] { background: transparent; color: @live; border-color: @live; }
 QToolButton { background: transparent; color: @muted; border: 1px solid transparent; border-radius: @radius;
               padding: 0; }
@@ -178,6 +182,7 @@ QToolButton[kind="segment"]:checked { background: @text; color: @pane; border-co
 QToolButton[kind="segment"]:focus { border: 2px solid @accent; padding: 0 5px; }
 QAbstractItemView { background: @pane; color: @text; border: none; outline: none;
                     selection-background-color: @accentground; selection-color: @text; }
+QListView[kind="popover"] { background: @raised; border: 1px solid @edge; border-radius: @radius; padding: 4px; }
 QHeaderView::section { background: @window; color: @muted; border: none; border-bottom: 1px solid @line;
                        padding: 4px 8px; }
 QScrollArea, QScrollArea > QWidget > QWidget[kind="pane"] { background: @pane; border: none; }
@@ -197,6 +202,8 @@ QProgressBar { background: @line; border: none; border-radius: 2px; max-height: 
 QProgressBar::chunk { background: @accent; border-radius: 2px; }
 QLabel { background: transparent; }
 QLabel[tone="muted"], QLabel[tone="secondary"] { color: @muted; }
+QLabel[tone="popover"] { color: @live; background: @raised; border: 1px solid @line;
+    border-radius: @radius; padding: 3px 8px; }
 QLabel[tone="title"] { font-weight: 600; }
 QLabel[tone="live"] { color: @live; }
 QLabel[tone="warning"] { color: @warning; }

@@ -45,11 +45,14 @@ QString timeline_canvas::description(const hit& found) const {
                        .arg(found.index + 1)
                        .arg(time_text(start, time_form::clock), time_text(end, time_form::clock),
                             time_text(end - start, time_form::clock));
+    if (!found.clip->filtered_in()) made += QStringLiteral("<br><i>%1</i>").arg(tr("filtered out"));
     const auto qualifiers = found.clip->qualifiers();
     for (const qual_ITEM& qualifier : *qualifiers) {
         const QString name = QString::fromStdString(qualifier.name().str()).toHtmlEscaped();
         const QString category = QString::fromStdString(qualifier.category().str()).toHtmlEscaped();
-        made += QStringLiteral("<br>%1 <i>%2</i>").arg(name, category);
+        const bool passes = state_.is_filtered() && qualifier.filtered_in();
+        made += (passes ? QStringLiteral("<br><b>%1</b> <i>%2</i>") : QStringLiteral("<br>%1 <i>%2</i>"))
+                    .arg(name, category);
     }
     const QString note = QString::fromStdString(found.clip->note_text()).toHtmlEscaped();
     return note.isEmpty() ? made : made + QStringLiteral("<br>%1").arg(note);
@@ -245,8 +248,10 @@ void timeline_canvas::keyPressEvent(QKeyEvent* event) {
             if (drag_) {
                 drag_.reset();
                 update();
-            } else {
+            } else if (state_.selected_count() > 0) {
                 state_.select({});
+            } else {
+                break;  // whoever is around may have a use for it
             }
             return;
         case Qt::Key_Plus:

@@ -19,21 +19,26 @@
 namespace vistels {
 namespace {
 
-QString count_text(const timeline_row& row) {
-    return QStringLiteral("%1/%2").arg(row.passing).arg(row.clips);
+// In words, for a tool tip.
+QString count_text(const timeline_row& row, bool is_filtered) {
+    if (is_filtered)
+        return timeline_names::tr("%1 of %2 clips pass the filter").arg(row.passing).arg(row.clips);
+    return row.clips == 1 ? timeline_names::tr("1 clip") : timeline_names::tr("%1 clips").arg(row.clips);
 }
 
-// "4/25", the first number strong when any clip passes. Returns the left end.
-int paint_count(QPainter& painter, const theme& look, const timeline_row& row, const QRect& place) {
+// "25", with a filter "4/25", the first number strong when any clip passes. Returns the left end.
+int paint_count(QPainter& painter, const theme& look, const timeline_row& row, bool is_filtered,
+                const QRect& place) {
     const QFont plain = theme::font(type_step::smallest);
     const QFont strong = theme::font(type_step::clip_label);
-    const QString all = QStringLiteral("/%1").arg(row.clips);
+    const QString all = is_filtered ? QStringLiteral("/%1").arg(row.clips) : QString::number(row.clips);
     const QString passing = QString::number(row.passing);
     const int all_width = QFontMetrics(plain).horizontalAdvance(all);
     const int passing_width = QFontMetrics(strong).horizontalAdvance(passing);
     painter.setPen(look.muted);
     painter.setFont(plain);
     painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter, all);
+    if (!is_filtered) return place.right() - all_width;
     if (row.passing > 0) {
         painter.setPen(look.text);
         painter.setFont(strong);
@@ -61,14 +66,16 @@ void paint_swatch(QPainter& painter, const theme& look, const timeline_row& row,
     painter.drawRoundedRect(box, radius, radius);
 }
 
-void paint_name(QPainter& painter, const theme& look, const timeline_row& row, const QRect& place) {
+void paint_name(QPainter& painter, const theme& look, const timeline_row& row, bool is_filtered,
+                const QRect& place) {
     const theme_metrics& metrics = look.metrics;
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF swatch(place.left() + metrics.wide_padding,
                         place.top() + (place.height() - metrics.swatch) / 2.0, metrics.swatch,
                         metrics.swatch);
     paint_swatch(painter, look, row, swatch);
-    int right = paint_count(painter, look, row, place.adjusted(0, 0, -metrics.padding, 0)) - metrics.padding;
+    int right = paint_count(painter, look, row, is_filtered, place.adjusted(0, 0, -metrics.padding, 0)) -
+                metrics.padding;
     if (!row.live.empty()) {
         right -= metrics.live_dot;
         painter.setPen(Qt::NoPen);
@@ -114,7 +121,7 @@ void timeline_names::paintEvent(QPaintEvent*) {
         if (is_chosen(row.uuid)) painter.fillRect(place, look.accent_ground);
         painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
         painter.save();
-        paint_name(painter, look, row, place);
+        paint_name(painter, look, row, state_.is_filtered(), place);
         painter.restore();
         if (hasFocus() && row.uuid == current_) {
             painter.setPen(QPen(look.accent, metrics.focus_ring));
@@ -129,7 +136,7 @@ void timeline_names::paintEvent(QPaintEvent*) {
     painter.drawText(head.adjusted(metrics.wide_padding, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
                      tr("Row"));
     painter.drawText(head.adjusted(0, 0, -metrics.padding, 0), Qt::AlignVCenter | Qt::AlignRight,
-                     tr("pass / all"));
+                     state_.is_filtered() ? tr("pass / all") : tr("clips"));
     painter.fillRect(QRect(width() - metrics.line, 0, metrics.line, height()), look.line);
 }
 
@@ -142,7 +149,8 @@ bool timeline_names::event(QEvent* event) {
             const QString category = row.record ? QString::fromStdString(row.record->category()) : QString();
             QString name = category.isEmpty() ? row.name : QStringLiteral("%1 – %2").arg(row.name, category);
             if (!row.merged.empty()) name += tr(" (%1 rows as one)").arg(row.merged.size());
-            QToolTip::showText(help->globalPos(), name + QStringLiteral("  ") + count_text(row), this);
+            QToolTip::showText(help->globalPos(),
+                               name + QStringLiteral("\n") + count_text(row, state_.is_filtered()), this);
         } else {
             QToolTip::hideText();
         }

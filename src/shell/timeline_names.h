@@ -12,7 +12,8 @@ namespace vistels {
 
 class timeline_state;
 
-// The names of the rows left of the clips: swatch, name, a dot while a clip grows, passing and all clips. A
+// The names of the rows left of the clips: swatch, name, a dot while a clip grows, the number of clips, and
+// while a filter is on how many of them pass. A
 // row that stands for several shows all their colours. Rows are chosen by click (with Ctrl and Shift several)
 // or by Up and Down; a menu compacts them and expands them again. Main thread.
 class timeline_names final : public QWidget {

@@ -47,8 +47,8 @@ void timeline_painter::paint_clips(QPainter& painter, const timeline_row& row, c
     const double merge = metrics.clip_merge_below;
     const double gap = metrics.clip_gap_below;
     const double marked = metrics.clip_least_marked;
-    const bool filtered = row.dimmed.size() > 0;
-    if (filtered) paint_track(row.dimmed, {merge, gap, 1}, false);
+    const bool filtered = row.passing < row.clips;
+    if (row.dimmed.size() > 0) paint_track(row.dimmed, {merge, gap, 1}, false);
     paint_track(row.shown, {merge, gap, filtered ? marked : 1}, false);
     if (row.selected.size() > 0) paint_track(row.selected, {merge, gap, marked}, true);
 }
@@ -224,7 +224,7 @@ void timeline_painter::paint_label(QPainter& painter, const timeline_row& row, c
         paint_fold(painter, box, look_.clip_edge(row.palette[bar.colour]));
     }
     if (box.width() >= metrics.clip_stars_from) {
-        right = paint_stars(painter, box, extras & ~timeline_row::has_note, ink);
+        right = paint_stars(painter, box, extras & timeline_row::stars_mask, ink);
     }
     int x = paint_cut(painter, box.left() + metrics.clip_label_indent, box, right,
                       number_picture(bar.index + 1, ink));

@@ -49,7 +49,7 @@ std::vector<QColor> merged_colours(const sxy_ROW& record, const theme& look) {
     return colours;
 }
 
-void read_clips(timeline_row& row) {
+void read_clips(timeline_row& row, bool hides_filtered_out) {
     if (!row.record) return;
     const clip_list& records = row.record->clips();
     std::vector<track_clip> shown;
@@ -58,32 +58,53 @@ void read_clips(timeline_row& row) {
     shown.reserve(records.size());
     row.palette.clear();
     row.extras.clear();
+    row.hidden_selected = 0;
     row.extras.reserve(records.size());
     row_palette palette(row.palette);
     std::uint32_t index = 0;
+    std::uint32_t passing = 0;
     for (const clip_pointer& record : records) {
         const auto colour = record->col();
         const bool passes = record->filtered_in();
         const track_clip clip{record->secs_start(), record->secs_end(), index++,
                               palette.number_of(colour ? to_qt(*colour) : row.colour), !passes};
-        (passes ? shown : dimmed).push_back(clip);
-        if (record->selected()) selected.push_back(clip);
-        const auto stars = static_cast<std::uint8_t>(std::clamp(record->stars(), 0, most_stars));
-        const bool noted = !record->note_text().empty();
-        row.extras.push_back(noted ? stars | timeline_row::has_note : stars);
+        const bool hidden = !passes && hides_filtered_out;
+        passing += passes ? 1 : 0;
+        if (!hidden) (passes ? shown : dimmed).push_back(clip);
+        if (record->selected()) {
+            if (hidden) {
+                ++row.hidden_selected;
+            } else {
+                selected.push_back(clip);
+            }
+        }
+        auto extras = static_cast<std::uint8_t>(std::clamp(record->stars(), 0, most_stars));
+        if (!record->note_text().empty()) extras |= timeline_row::has_note;
+        if (!passes) extras |= timeline_row::is_filtered_out;
+        row.extras.push_back(extras);
     }
     row.clips = index;
-    row.passing = static_cast<std::uint32_t>(shown.size());
+    row.passing = passing;
     row.shown.assign(std::move(shown));
     row.dimmed.assign(std::move(dimmed));
     row.selected.assign(std::move(selected));
 }
 
+bool has_other_verdicts(const timeline_row& row) {
+    if (!row.record || row.record->clips().size() != row.extras.size()) return false;
+    auto extras = row.extras.begin();
+    for (const clip_pointer& clip : row.record->clips()) {
+        const bool passed = (*extras++ & timeline_row::is_filtered_out) == 0;
+        if (clip->filtered_in_now() != passed) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
-void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, bool compact) {
+void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, rows_display display) {
     rows_.clear();
-    compact_ = compact;
+    display_ = display;
     int top = 0;
     std::size_t number = 0;
     for (const row_pointer& record : timeline.rows()) {
@@ -96,10 +117,10 @@ void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, bool 
         row.name = QString::fromStdString(record->name());
         row.colour = given;
         row.top = top;
-        row.height = height_of(*record, look.metrics, compact);
+        row.height = height_of(*record, look.metrics, display.is_compact);
         row.record = record;
         row.merged = merged_colours(*record, look);
-        read_clips(row);
+        read_clips(row, display.hides_filtered_out);
         top += row.height;
         rows_.push_back(std::move(row));
     }
@@ -108,16 +129,26 @@ void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, bool 
 
 void timeline_rows::update(const sxy_DATA_root& timeline, const change_set& change, const theme& look) {
     if ((change.kinds & change_set::rows_changed) != 0) {
-        read(timeline, look, compact_);
+        read(timeline, look, display_);
         return;
     }
     for (const shared_text& uuid : change.rows) {
         const std::size_t index = row_with(uuid);
         if (index == size()) continue;
         rows_[index].record = timeline.row(uuid);
-        read_clips(rows_[index]);
+        read_clips(rows_[index], display_.hides_filtered_out);
     }
     read_live(timeline);
+}
+
+bool timeline_rows::take_verdicts() {
+    bool changed = false;
+    for (timeline_row& row : rows_) {
+        if (!has_other_verdicts(row)) continue;
+        read_clips(row, display_.hides_filtered_out);
+        changed = true;
+    }
+    return changed;
 }
 
 void timeline_rows::clear() {

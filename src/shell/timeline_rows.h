@@ -26,10 +26,11 @@ struct timeline_row {
     QColor colour;
     std::vector<QColor> merged;        // the colours of the rows that it stands for; mostly none
     std::vector<QColor> palette;       // the colours of its clips
-    std::vector<std::uint8_t> extras;  // of each clip: its stars, and has_note
+    std::vector<std::uint8_t> extras;  // of each clip: its stars, has_note, is_filtered_out
     clip_track shown;                  // all clips, or those that pass the filter
-    clip_track dimmed;                 // those that do not
-    clip_track selected;
+    clip_track dimmed;                 // those that do not, unless they are hidden
+    clip_track selected;               // those that are not hidden
+    std::uint32_t hidden_selected = 0;
     std::vector<live_piece> live;
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
@@ -38,13 +39,23 @@ struct timeline_row {
     row_pointer record;
 
     static constexpr std::uint8_t has_note = 0x80;
+    static constexpr std::uint8_t is_filtered_out = 0x40;
+    static constexpr std::uint8_t stars_mask = 0x3f;
+};
+
+// How rows are shown.
+struct rows_display {
+    bool is_compact = false;          // rows of the usual height are low
+    bool hides_filtered_out = false;  // clips that do not pass the filter are left out, not dimmed
 };
 
 // The rows of a timeline as they are drawn. Main thread.
 class timeline_rows {
   public:
-    // All rows anew. Rows of the usual height are low when `compact`; hidden rows are left out.
-    void read(const sxy_DATA_root& timeline, const theme& look, bool compact);
+    // All rows anew; hidden rows are left out.
+    void read(const sxy_DATA_root& timeline, const theme& look, rows_display display);
+    // The rows in which another clip passes the filter than when they were read. Whether there was one.
+    bool take_verdicts();
     // What the change touched.
     void update(const sxy_DATA_root& timeline, const change_set& change, const theme& look);
     void clear();
@@ -63,7 +74,7 @@ class timeline_rows {
     void read_live(const sxy_DATA_root& timeline);
 
     std::vector<timeline_row> rows_;
-    bool compact_ = false;
+    rows_display display_;
 };
 
 // The record of a clip of a row; null when the row has changed since.

@@ -122,9 +122,27 @@ void timeline_state::scroll_to(double seconds) {
 }
 
 void timeline_state::set_compact(bool compact) {
-    if (compact == compact_) return;
-    compact_ = compact;
+    if (compact == display_.is_compact) return;
+    display_.is_compact = compact;
     read_rows();
+}
+
+void timeline_state::set_hides_filtered_out(bool hides) {
+    if (hides == display_.hides_filtered_out) return;
+    display_.hides_filtered_out = hides;
+    refresh_marks();
+}
+
+void timeline_state::set_is_filtered(bool filtered) {
+    if (filtered == is_filtered_) return;
+    is_filtered_ = filtered;
+    rows_changed.emit();
+}
+
+void timeline_state::take_verdicts() {
+    if (!document_ || !rows_.take_verdicts()) return;
+    rows_changed.emit();
+    if (display_.hides_filtered_out) selection_changed.emit();
 }
 
 void timeline_state::set_rows_height(int pixels) {
@@ -176,103 +194,6 @@ void timeline_state::seek(double seconds) {
     if (!playing_) return;
     playing_->seek(std::clamp(seconds, start_seconds_, end_seconds_));
     tick();
-}
-
-std::vector<std::string> timeline_state::selected() const {
-    std::vector<std::string> found;
-    for (const timeline_row& row : rows_) {
-        for (std::size_t position = 0; position < row.selected.size(); ++position) {
-            if (const auto clip = clip_of(row, row.selected[position].index)) found.push_back(clip->id());
-        }
-    }
-    return found;
-}
-
-std::size_t timeline_state::selected_count() const {
-    std::size_t count = 0;
-    for (const timeline_row& row : rows_) count += row.selected.size();
-    return count;
-}
-
-void timeline_state::mark(const std::vector<std::string>& clips, bool selected, change_set& touched) {
-    for (const std::string& clip : clips) {
-        const auto place = document_->timeline().find_clip(clip);
-        if (!place || place->is_live) continue;
-        place->clip->set_selected(selected);
-        const bool known =
-            std::find(touched.rows.begin(), touched.rows.end(), place->row) != touched.rows.end();
-        if (!known) touched.rows.push_back(place->row);
-    }
-}
-
-void timeline_state::show_marks(const change_set& touched) {
-    rows_.update(document_->timeline(), touched, theme::current());
-    rows_changed.emit();
-    selection_changed.emit();
-}
-
-void timeline_state::select(const std::vector<std::string>& clips) {
-    if (!document_) return;
-    change_set touched;
-    mark(selected(), false, touched);
-    mark(clips, true, touched);
-    last_selected_ = clips.empty() ? std::string() : clips.back();
-    show_marks(touched);
-}
-
-void timeline_state::toggle(const std::string& clip) {
-    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    if (!place || place->is_live) return;
-    change_set touched;
-    mark({clip}, !place->clip->selected(), touched);
-    last_selected_ = clip;
-    show_marks(touched);
-}
-
-void timeline_state::extend_to(const std::string& clip) {
-    const auto here = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    const auto from = document_ ? document_->timeline().find_clip(last_selected_) : std::nullopt;
-    if (!here || !from || !(here->row == from->row)) {
-        select({clip});
-        return;
-    }
-    const clip_list& clips = document_->timeline().row(here->row)->clips();
-    const auto [first, last] = std::minmax(clips.position(*here->clip), clips.position(*from->clip));
-    std::vector<std::string> wanted;
-    for (std::size_t index = first; index <= last && index < clips.size(); ++index) {
-        if (clips[index]->filtered_in()) wanted.push_back(clips[index]->id());
-    }
-    const std::string anchor = last_selected_;
-    select(wanted);
-    last_selected_ = anchor;
-}
-
-void timeline_state::select_all() {
-    if (!document_) return;
-    for (const row_pointer& row : document_->timeline().rows()) {
-        for (const clip_pointer& clip : row->clips()) clip->set_selected(clip->filtered_in());
-    }
-    refresh_marks();
-}
-
-void timeline_state::refresh_marks() {
-    read_rows();
-    selection_changed.emit();
-}
-
-void timeline_state::go_to(const std::string& clip) {
-    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    if (!place) return;
-    select({clip});
-    const double start = place->clip->secs_start();
-    seek(start);
-    const double x = scale_.x_of(start);
-    if (x < 0 || x > width_) scroll_to(start - width_ / 2 * scale_.seconds_per_pixel);
-    const std::size_t index = rows_.row_with(place->row);
-    if (index == rows_.size()) return;
-    const timeline_row& row = rows_[index];
-    if (row.top < first_y_) scroll_rows_to(row.top);
-    if (row.top + row.height > first_y_ + rows_height_) scroll_rows_to(row.top + row.height - rows_height_);
 }
 
 bool timeline_state::apply(timeline_edit edit) {
@@ -421,7 +342,7 @@ void timeline_state::take_change(const change_set& change) {
 
 void timeline_state::read_rows() {
     if (document_) {
-        rows_.read(document_->timeline(), theme::current(), compact_);
+        rows_.read(document_->timeline(), theme::current(), display_);
     } else {
         rows_.clear();
     }

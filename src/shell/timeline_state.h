@@ -41,6 +41,15 @@ class timeline_state {
 
     const timeline_rows& rows() const { return rows_; }
     void set_compact(bool compact);
+    // Clips that do not pass the filter are left out instead of dimmed. What is selected of them stays
+    // marked, but is neither in selected() nor changed by a command until it is seen again.
+    void set_hides_filtered_out(bool hides);
+    bool hides_filtered_out() const { return display_.hides_filtered_out; }
+    // Whether a filter is in force, for what is shown only then.
+    void set_is_filtered(bool filtered);
+    bool is_filtered() const { return is_filtered_; }
+    // The filter judged anew. Reads only the rows in which that made a difference.
+    void take_verdicts();
     int first_y() const { return first_y_; }  // pixels that are scrolled out above
     void set_rows_height(int pixels);         // the height of the rows' part
     int rows_height() const { return rows_height_; }
@@ -52,7 +61,7 @@ class timeline_state {
     void tick();
     void seek(double seconds);
 
-    // The UUIDs of what is selected, in row order.
+    // The UUIDs of what is selected and not hidden, in row order.
     std::vector<std::string> selected() const;
     std::size_t selected_count() const;
     // By UUID; unknown ones are passed over.
@@ -60,9 +69,16 @@ class timeline_state {
     void toggle(const std::string& clip);
     // From the clip that was selected last up to this one, when both are in one row.
     void extend_to(const std::string& clip);
+    // All clips that are not hidden.
     void select_all();
+    void select_passing();
     void refresh_marks();
     void go_to(const std::string& clip);
+    // Selects the clip and scrolls it into view; the playhead stays.
+    void show(const std::string& clip);
+    // The clip that passes the filter and starts next after (direction > 0) or before the playhead; those
+    // that start together follow each other in row order, from the selected one on. Empty: none.
+    std::string passing_clip_beside(int direction) const;
 
     // Refused edits leave everything as it is; `refused` tells why.
     void delete_selected();
@@ -104,6 +120,11 @@ class timeline_state {
     // Sets the mark and adds the clips' rows to `touched`.
     void mark(const std::vector<std::string>& clips, bool selected, change_set& touched);
     void show_marks(const change_set& touched);
+    // Takes every mark of being selected away, those of hidden clips too.
+    void unmark_all(change_set& touched);
+    // Marks all clips anew: those for which `wanted` holds.
+    template <class Wanted>
+    void select_where(Wanted wanted);
     void follow_playhead();
 
     timeline_document* document_ = nullptr;
@@ -116,7 +137,8 @@ class timeline_state {
     double end_seconds_ = 0;
     bool fits_ = true;  // the whole reach is in view and stays so
     timeline_rows rows_;
-    bool compact_ = false;
+    rows_display display_;
+    bool is_filtered_ = false;
     int first_y_ = 0;
     int rows_height_ = 0;
     double playhead_ = 0;

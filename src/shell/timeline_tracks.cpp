@@ -117,6 +117,12 @@ std::size_t clip_track::first_reaching(double seconds) const {
                                     latest_end_.begin());
 }
 
+std::size_t clip_track::first_starting(double seconds) const {
+    const auto found = std::lower_bound(clips_.begin(), clips_.end(), seconds,
+                                        [](const track_clip& clip, double at) { return clip.start < at; });
+    return static_cast<std::size_t>(found - clips_.begin());
+}
+
 std::size_t clip_track::at(double seconds, double tolerance) const {
     std::size_t nearest = size();
     double nearest_distance = tolerance;

@@ -46,6 +46,8 @@ class clip_track {
 
     // The first position from which on clips end after `seconds`; earlier ones all end before.
     std::size_t first_reaching(double seconds) const;
+    // The first position from which on clips start at or after `seconds`.
+    std::size_t first_starting(double seconds) const;
     // The clip on top at `seconds`, or the nearest within `tolerance` seconds; size() when there is none.
     std::size_t at(double seconds, double tolerance) const;
 

@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/timeline_view.h"
 
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
 
+#include "app/clip_filtering.h"
 #include "shell/controls.h"
+#include "shell/filter_count.h"
+#include "shell/filter_entry.h"
+#include "shell/filter_field.h"
+#include "shell/filter_parts.h"
 #include "shell/pane_header.h"
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"
@@ -26,6 +33,8 @@ timeline_view::timeline_view(QWidget* parent) : QWidget(parent), state_(std::mak
     build_header();
     names_ = new timeline_names(*state_, this);
     canvas_ = new timeline_canvas(*state_, this);
+    note_ = new no_clip_passes_note(canvas_);
+    connect(note_, &no_clip_passes_note::clear_asked, this, &timeline_view::clear_filter_asked);
     whole_ = new timeline_whole_event(*state_, this);
     rows_bar_ = new QScrollBar(Qt::Vertical, this);
     rows_bar_->setObjectName(QStringLiteral("timeline_rows_bar"));
@@ -51,6 +60,8 @@ timeline_view::~timeline_view() {
 
 void timeline_view::build_header() {
     header_ = new pane_header(QStringLiteral("timeline"), tr("Timeline"), this);
+    header_->setFixedHeight(theme::current().metrics.pane_header_with_filter_height);
+    build_filter();
     const auto add = [this](const char* icon, const char* name, const QString& tip) {
         auto* button = new icon_button(QLatin1String(icon), tip, this);
         button->setObjectName(QLatin1String(name));
@@ -79,9 +90,71 @@ void timeline_view::build_header() {
             &timeline_view::zoom_to_fit);
 }
 
+void timeline_view::build_filter() {
+    const theme_metrics& metrics = theme::current().metrics;
+    filter_ = new filter_field(QStringLiteral("timeline_filter"), header_);
+    filter_->set_message_ground(this);
+    count_ = new filter_count(header_);
+    count_->setObjectName(QStringLiteral("timeline_filter.count"));
+    filter_mode_place_ = new QWidget(header_);
+    filter_mode_place_->setObjectName(QStringLiteral("timeline_filter.mode"));
+    auto* mode = new QHBoxLayout(filter_mode_place_);
+    mode->setContentsMargins(metrics.padding, 0, metrics.padding, 0);
+    mode_ = new filter_mode_control(filter_mode_place_);
+    mode->addWidget(mode_);
+    filter_mode_place_->hide();
+    connect(mode_, &filter_mode_control::hides_asked, this, &timeline_view::hides_asked);
+    connect(mode_, &filter_mode_control::play_asked, this, &timeline_view::play_passing_asked);
+    selected_ = make_label({}, type_step::secondary, QStringLiteral("muted"), header_);
+    selected_->setObjectName(QStringLiteral("timeline_filter.selected"));
+    selected_->hide();
+    header_->add_lead_control(filter_);
+    header_->add_lead_control(count_);
+    header_->add_lead_control(filter_mode_place_);
+    header_->add_lead_control(selected_);
+}
+
+void timeline_view::set_filter(filter_entry* entry) {
+    filter_->set_entry(entry);
+    const auto show = [this, entry] {
+        const filter_standing& standing = entry->standing();
+        count_->set_counts(standing.passing, standing.total, entry->is_on(), standing.is_judging);
+        count_->setVisible(entry->has_source());
+    };
+    connect(entry, &filter_entry::standing_changed, this, show);
+    show();
+}
+
 void timeline_view::set_timeline(timeline_document* document, transport* playing) {
     state_->set_timeline(document, playing);
     show_counts();
+}
+
+void timeline_view::show_filter(const filter_standing& standing, bool marks_changed) {
+    const bool is_on = !standing.text.empty();
+    if (marks_changed) state_->take_verdicts();
+    state_->set_is_filtered(is_on);
+    filter_mode_place_->setVisible(is_on);
+    mode_->set_can_play(standing.passing > 0);
+    note_->set_total(standing.total);
+    note_->setVisible(is_on && standing.passing == 0 && standing.total > 0);
+    place_note();
+}
+
+void timeline_view::set_hides_filtered_out(bool hides) {
+    state_->set_hides_filtered_out(hides);
+    mode_->set_hides(hides);
+}
+
+void timeline_view::show_playing(std::size_t playing, std::size_t total) {
+    plays_passing_ = playing > 0;
+    mode_->set_playing(playing, total);
+    show_counts();
+}
+
+void timeline_view::place_note() {
+    if (note_->isHidden()) return;
+    note_->place_in(canvas_->rect().adjusted(0, theme::current().metrics.ruler_height, 0, 0));
 }
 
 void timeline_view::set_reach(double start_seconds, double end_seconds) {
@@ -99,6 +172,9 @@ void timeline_view::select(const std::vector<std::string>& clips) {
 }
 void timeline_view::select_all() {
     state_->select_all();
+}
+void timeline_view::select_passing() {
+    state_->select_passing();
 }
 void timeline_view::delete_selected() {
     state_->delete_selected();
@@ -144,22 +220,16 @@ void timeline_view::follow_rows() {
 }
 
 void timeline_view::show_counts() {
-    std::uint32_t clips = 0;
-    std::uint32_t passing = 0;
-    for (const timeline_row& row : state_->rows()) {
-        clips += row.clips;
-        passing += row.passing;
-    }
     const std::size_t selected = state_->selected_count();
-    QString fact = clips == 1 ? tr("1 clip") : tr("%1 clips").arg(clips);
-    if (passing != clips) fact = tr("%1 of %2 clips").arg(passing).arg(clips);
-    if (selected > 0) fact += tr(" · %1 selected").arg(selected);
-    header_->set_fact(state_->has_timeline() ? fact : QString());
+    const bool has_room = width() >= theme::current().metrics.selected_count_from;
+    selected_->setText(tr("%1 selected").arg(selected));
+    // The clip that plays is the selected one.
+    selected_->setVisible(selected > 0 && has_room && !plays_passing_);
 }
 
 void timeline_view::place_parts() {
     const theme_metrics& metrics = theme::current().metrics;
-    const int head = metrics.pane_header_height;
+    const int head = metrics.pane_header_with_filter_height;
     const int foot = metrics.whole_event_height + 2 * metrics.grid;
     const int middle = std::max(metrics.ruler_height + metrics.row_least_height, height() - head - foot);
     const int rows_height = middle - metrics.ruler_height;
@@ -176,12 +246,14 @@ void timeline_view::place_parts() {
     rows_bar_->setSingleStep(metrics.row_height);
     rows_bar_->setValue(state_->first_y());
     rows_bar_->setVisible(too_much > 0);
+    place_note();
 }
 
 void timeline_view::resizeEvent(QResizeEvent*) {
     const theme_metrics& metrics = theme::current().metrics;
     state_->set_compact(window()->height() < metrics.compact_below_height);
     place_parts();
+    show_counts();
 }
 
 void timeline_view::paintEvent(QPaintEvent*) {

@@ -8,11 +8,17 @@
 
 #include "util/signal.h"
 
+class QLabel;
 class QScrollBar;
 
 namespace vistels {
 
+class filter_mode_control;
+class filter_entry;
+class filter_count;
+class filter_field;
 class icon_button;
+class no_clip_passes_note;
 class pane_header;
 class timeline_canvas;
 class timeline_document;
@@ -22,6 +28,7 @@ class timeline_whole_event;
 class transport;
 class value_slider;
 struct change_set;
+struct filter_standing;
 
 // The timeline pane: header with the zoom, row names, ruler, clips, playhead and the whole event below. It
 // shows a document, sends edits to it and moves a transport. What is selected is kept as the clips' own
@@ -42,7 +49,9 @@ class timeline_view final : public QWidget {
     // Moves the playhead to the clip's start and the clip into view, and selects it.
     void go_to_clip(const std::string& clip);
     void select(const std::vector<std::string>& clips);
+    // All clips that are seen; only those that pass the filter.
     void select_all();
+    void select_passing();
     // Deletes what is selected by one edit.
     void delete_selected();
     void merge_selected();
@@ -57,14 +66,28 @@ class timeline_view final : public QWidget {
     // The rows chosen among the names: shown as one, or as they were before that.
     void compact_rows();
     void expand_rows();
+    // What the filter lets through. With `marks_changed` the clips' verdicts are read anew.
+    void show_filter(const filter_standing& standing, bool marks_changed);
+    // Clips that are filtered out are left out instead of dimmed.
+    void set_hides_filtered_out(bool hides);
+    // Number `playing` (from 1) of the `total` clips that pass plays; 0: none does.
+    void show_playing(std::size_t playing, std::size_t total);
     // Reads the clips' marks (passing, selected) anew after someone else has set them.
     void refresh_marks();
 
     timeline_state& state() { return *state_; }
     pane_header& header() { return *header_; }
+    // In the header, with the count beside it; it does nothing until it has an entry.
+    filter_field& filter() { return *filter_; }
+    void set_filter(filter_entry* entry);
+    // Beside the count: an empty place for what chooses how filtered-out clips are shown.
+    QWidget* filter_mode_place() { return filter_mode_place_; }
 
   Q_SIGNALS:
     void selection_changed();
+    void hides_asked(bool hides);
+    void clear_filter_asked();
+    void play_passing_asked(bool plays);
     // An edit was refused; the message is fit for the user.
     void failed(const QString& message);
 
@@ -74,19 +97,28 @@ class timeline_view final : public QWidget {
 
   private:
     void build_header();
+    void build_filter();
     void place_parts();
     void follow_scale();
     void follow_rows();
     void show_counts();
+    void place_note();
 
     std::unique_ptr<timeline_state> state_;
     pane_header* header_ = nullptr;
+    filter_field* filter_ = nullptr;
+    filter_count* count_ = nullptr;
+    QWidget* filter_mode_place_ = nullptr;
+    QLabel* selected_ = nullptr;
     icon_button* snap_ = nullptr;
     value_slider* zoom_ = nullptr;
+    filter_mode_control* mode_ = nullptr;
     timeline_names* names_ = nullptr;
     timeline_canvas* canvas_ = nullptr;
+    no_clip_passes_note* note_ = nullptr;
     timeline_whole_event* whole_ = nullptr;
     QScrollBar* rows_bar_ = nullptr;
+    bool plays_passing_ = false;
     std::vector<connection> connections_;
 };
 

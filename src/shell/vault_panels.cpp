@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/vault_panels.h"
 
+#include <QComboBox>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLabel>
@@ -10,6 +11,7 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include "app/known_vaults.h"
 #include "shell/check_box.h"
 #include "shell/content_model.h"
 #include "shell/controls.h"
@@ -197,6 +199,50 @@ void create_vault_panel::reject() {
     ask(false);
     name_->setFocus();
     name_->selectAll();
+}
+
+new_collection_panel::new_collection_panel(const std::vector<std::string>& vaults, const std::string& focus,
+                                           QWidget* parent)
+    : vault_panel(
+          QStringLiteral("new_collection"), tr("New Collection"),
+          tr("It begins without movies: Space starts the clock, and what is coded is kept. Movies that "
+             "are added later are brought into step with it by “Same Moment”."),
+          parent),
+      name_(new QLineEdit(this)),
+      vault_(new QComboBox(this)) {
+    name_->setObjectName(QStringLiteral("new_collection.name"));
+    name_->setAccessibleName(tr("Name"));
+    vault_->setObjectName(QStringLiteral("new_collection.vault"));
+    vault_->setAccessibleName(tr("Vault"));
+    for (const auto& vault : vaults) {
+        vault_->addItem(icon(QStringLiteral("vault"), theme::current().muted),
+                        QString::fromStdString(vault_name(vault)), QString::fromStdString(vault));
+        vault_->setItemData(vault_->count() - 1, QString::fromStdString(vault), Qt::ToolTipRole);
+        if (is_same_folder(vault, focus)) vault_->setCurrentIndex(vault_->count() - 1);
+    }
+    auto* form = new QFormLayout;
+    form->setSpacing(theme::current().metrics.padding);
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->setLabelAlignment(Qt::AlignLeft);
+    form->addRow(tr("&Name"), name_);
+    form->addRow(tr("&Vault"), vault_);
+    content().addLayout(form);
+    auto* cancel = add_button(QStringLiteral("cancel"), tr("Cancel"), {});
+    auto* make = add_button(QStringLiteral("make"), tr("Make Collection"), QStringLiteral("first"));
+    make->setDefault(true);
+    make->setEnabled(false);
+    connect(name_, &QLineEdit::textChanged, this, [this, make] { make->setEnabled(!name().empty()); });
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(make, &QPushButton::clicked, this, &QDialog::accept);
+    name_->setFocus();
+}
+
+std::string new_collection_panel::name() const {
+    return name_->text().trimmed().toStdString();
+}
+
+std::string new_collection_panel::vault() const {
+    return vault_->currentData().toString().toStdString();
 }
 
 focus_vault_panel::focus_vault_panel(const std::vector<content_vault>& vaults, QWidget* parent)

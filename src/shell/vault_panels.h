@@ -10,6 +10,7 @@
 #include "util/result.h"
 
 class QCheckBox;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -78,6 +79,21 @@ class create_vault_panel final : public vault_panel {
     QPushButton* replace_;
     QPushButton* create_;
     bool asks_ = false;
+};
+
+// Asks for the name of a new collection without movies, and for the vault that it goes into.
+class new_collection_panel final : public vault_panel {
+    Q_OBJECT
+  public:
+    // The vaults by their paths; `focus` is the one that is proposed.
+    new_collection_panel(const std::vector<std::string>& vaults, const std::string& focus, QWidget* parent);
+
+    std::string name() const;
+    std::string vault() const;
+
+  private:
+    QLineEdit* name_;
+    QComboBox* vault_;
 };
 
 // Panel for choosing the focus vault: all vaults with their free space; those that are away cannot be chosen.

@@ -78,6 +78,7 @@ void vistel_pictures::set_event(open_event* event) {
     pane_.view().set_vistels({});
     pane_.header().set_name(tr("Collection"));
     pane_.header().set_fact({});
+    pane_.view().set_has_collection(event_ && event_->has_collection());
     if (!event_) return;
     show_vistels();
     show_pictures();
@@ -180,6 +181,7 @@ QString vistel_pictures::fact() const {
     const auto unreadable = std::count_if(shown_.begin(), shown_.end(), [this](const auto& one) {
         return event_->playback().state(one.first) == vistel_state::unreadable;
     });
+    if (count == 0) return tr("No movies yet");
     if (unreadable > 0) return tr("%1 of %2 vistels play").arg(count - unreadable).arg(count);
     return count == 1 ? tr("1 vistel") : tr("%1 vistels in step").arg(count);
 }

@@ -30,6 +30,8 @@ constexpr action_line action_lines[] = {
      "Open another window, for another event", false},
     {command::new_collection, "File", "new_collection", "New Collection from Movies…", "Ctrl+N",
      "Make a collection in the home vault from movie files", false},
+    {command::new_empty_collection, "File", "new_empty_collection", "New Collection…", "",
+     "Make a collection without movies: code by the clock, and add movies later", false},
     {command::open_folder, "File", "open_folder", "Open…", "Ctrl+O", "Open a collection's folder or a vault",
      false},
     {command::show_folder, "File", "show_folder", "Show in Files", "", "Show the event's folder", true, false,
@@ -49,7 +51,8 @@ constexpr action_line action_lines[] = {
      "Copy the selected clips to behind themselves"},
     {command::split_clips, "Edit", "split_clips", "Split Overlap", "Ctrl+K",
      "Part the selected clip from the one that it overlaps or touches, or two selected ones"},
-    {command::select_all, "Edit", "select_all", "Select All Clips", "Ctrl+A", "Select all clips"},
+    {command::select_all, "Edit", "select_all", "Select All Clips", "Ctrl+A",
+     "Select all clips that are not hidden"},
     {command::select_none, "Edit", "select_none", "Select None", "Ctrl+Shift+A", "Select no clip"},
     {command::side_bar, "View", "side_bar", "Side Bar", "Ctrl+B", "Show or hide the side bar", false, true},
     {command::inspector, "View", "inspector", "Inspector", "Ctrl+I", "Show or hide the inspector", false,
@@ -101,6 +104,21 @@ constexpr action_line action_lines[] = {
      "Show the rows chosen among their names as one row", true, false, true},
     {command::expand_rows, "Timeline", "expand_rows", "Expand Row", "Ctrl+Shift+E",
      "Show the rows again that were compacted into the chosen one"},
+    {command::filter_field, "Filter", "filter_field", "Filter…", "Ctrl+F",
+     "Type what clips have to have: words, or a formula"},
+    {command::apply_filter, "Filter", "apply_filter", "Apply and Remember", "",
+     "Filter by what was typed, and keep it in the list of patterns (Return in the filter field)"},
+    {command::clear_filter, "Filter", "clear_filter", "Clear Filter", "Ctrl+Alt+F", "All clips pass again"},
+    {command::hide_filtered_out, "Filter", "hide_filtered_out", "Hide Filtered-Out Clips", "Ctrl+H",
+     "Hide the clips that do not pass the filter instead of dimming them", true, true, false},
+    {command::next_passing, "Filter", "next_passing", "Next Matching Clip", "F3",
+     "Go to the start of the next clip that passes the filter", true, false, true},
+    {command::previous_passing, "Filter", "previous_passing", "Previous Matching Clip", "Shift+F3",
+     "Go to the start of the clip before that passes the filter"},
+    {command::play_passing, "Filter", "play_passing", "Play All Matching", "Ctrl+P",
+     "Play the clips that pass the filter, one after another; again: stop", true, true},
+    {command::select_passing, "Filter", "select_passing", "Select All Matching", "Ctrl+Alt+A",
+     "Select the clips that pass the filter"},
     {command::new_vault, "Vaults", "new_vault", "Create New Vault…", "Ctrl+Shift+N",
      "Make a vault for collections", false},
     {command::add_vault, "Vaults", "add_vault", "Add An Existing Vault To Sidebar…", "Ctrl+Shift+O",
@@ -129,8 +147,8 @@ constexpr action_line action_lines[] = {
     {command::about, "Help", "about", "About Vistels", "", "About this program", false, false, true},
 };
 
-const char* const menu_order[] = {"File",     "Edit",   "View",   "Play", "Code",
-                                  "Timeline", "Vaults", "Window", "Help"};
+const char* const menu_order[] = {"File",     "Edit",   "View",   "Play",   "Code",
+                                  "Timeline", "Filter", "Vaults", "Window", "Help"};
 
 QList<QKeySequence> key_sequences(const char* keys) {
     QList<QKeySequence> all;
@@ -153,7 +171,8 @@ window_actions::window_actions(QWidget& window) : QObject(&window) {
         // A held key repeats only where that is of use.
         const bool steps = line.which >= command::frame_back && line.which <= command::second_on;
         action->setAutoRepeat(steps || line.which == command::clip_before ||
-                              line.which == command::clip_after || line.which == command::undo ||
+                              line.which == command::clip_after || line.which == command::next_passing ||
+                              line.which == command::previous_passing || line.which == command::undo ||
                               line.which == command::redo);
         window.addAction(action);
         actions_.push_back(action);

@@ -175,6 +175,11 @@ const clip_pointer& clip_list::operator[](std::size_t index) const {
     return found.clips[index - found.first];
 }
 
+std::span<const clip_pointer> clip_list::run_from(std::size_t index) const {
+    const chunk found = chunk_with(index);
+    return {found.clips + (index - found.first), found.count - (index - found.first)};
+}
+
 const clip_pointer* clip_list::find(const sxy_CLIP& clip) const {
     if (!root_) return nullptr;
     const key place{clip.secs_start(), &clip};

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -29,6 +30,10 @@ class clip_list {
     const clip_pointer& operator[](std::size_t index) const;
     iterator begin() const;
     iterator end() const;
+
+    // The clips from `index` on that lie beside each other: at least one, not beyond the end. Until the list
+    // is changed.
+    std::span<const clip_pointer> run_from(std::size_t index) const;
 
     // Where `clip`, or a copy of it with the same times and UUID, stands; size() when it does not.
     std::size_t position(const sxy_CLIP& clip) const;

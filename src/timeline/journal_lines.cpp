@@ -27,14 +27,21 @@ std::string line_of(const property_dictionary& document) {
     return checksum_text(checksum(text)) + " " + text + "\n";
 }
 
-property_value read_line(std::string_view line, std::uint64_t& sum) {
+property_value read_line(std::string_view line, std::uint64_t& sum, std::size_t& taken) {
     constexpr std::size_t sum_length = 16;
     if (line.size() <= sum_length + 1 || line[sum_length] != ' ') return {};
     const std::string_view text = line.substr(sum_length + 1);
     sum = checksum(text);
     if (checksum_text(sum) != line.substr(0, sum_length)) return {};
-    auto value = read_json(text, "journal");
-    return value ? std::move(value).value() : property_value();
+    stored_arena arena;
+    const auto value = read_json(text, "journal", arena);
+    if (!value) return {};
+    // With the views and the edit that is made of it, the line takes no more than any other file.
+    constexpr std::size_t most_times = 7;
+    constexpr std::size_t fixed_bytes = std::size_t{64} * 1024;
+    taken = value.value().copied_bytes();
+    if (taken > most_times * line.size() + fixed_bytes) return {};
+    return value.value().copy();
 }
 
 property_dictionary write_base(const journal_base& base) {
@@ -61,7 +68,7 @@ property_dictionary write_base(const journal_base& base) {
     return document;
 }
 
-std::optional<journal_base> read_base(const property_dictionary& document) {
+std::optional<journal_base> read_base(const property_dictionary& document, text_cache& texts) {
     const auto* values = document.dictionary("base");
     const auto size = values ? values->integer("size") : std::nullopt;
     const auto through = values ? values->integer("through") : std::nullopt;
@@ -70,7 +77,7 @@ std::optional<journal_base> read_base(const property_dictionary& document) {
     base.content = {*size, hash_from_text(values->text_or_empty("hash"))};
     base.through = static_cast<std::uint64_t>(*through);
     if (const auto* growing = values->dictionary("growing")) {
-        auto edit = read_edit(*growing);
+        auto edit = read_edit(*growing, texts);
         if (!edit) return std::nullopt;
         base.growing = std::move(edit).value();
     }

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "timeline/text_cache.h"
 #include "timeline/timeline_journal.h"
 #include "util/property_value.h"
 
@@ -17,11 +20,12 @@ namespace vistels {
 // A line whose checksum is wrong was torn and is passed over; the numbers tell whether one is missing.
 std::string line_of(const property_dictionary& document);
 
-// The document in a line without its newline, and its checksum; null when it is torn.
-property_value read_line(std::string_view line, std::uint64_t& sum);
+// The document in a line without its newline, its checksum, and what it takes in memory; null when the line
+// is torn, or takes many times its size: no edit does.
+property_value read_line(std::string_view line, std::uint64_t& sum, std::size_t& taken);
 
 property_dictionary write_base(const journal_base& base);
-std::optional<journal_base> read_base(const property_dictionary& document);
+std::optional<journal_base> read_base(const property_dictionary& document, text_cache& texts);
 
 inline constexpr std::string_view segment_name = "chron data journal ";
 inline constexpr int highest_segment = 1'000'000'000;

@@ -38,20 +38,21 @@ struct qual_rare_fields {
 };
 
 // The fields of a qualifier. A timeline has millions of them: what is rare lies in a block of its own.
+// What a filter looks at comes first, so that it stands in few lines of the processor's cache.
 struct qual_fields {
-    double _qual_time = 0;
-    std::optional<double> ql_ALT_time_i11;
     shared_text _name;
     shared_text _cat;
-    std::optional<colour> _col;
-    std::shared_ptr<const qual_rare_fields> rare;  // null when all of it is at its default
-    compact_text _uuid;
-    compact_text ql_REAL_LOCAL_TIME;
-    bool ql_ALT_time_COUNT_DOWN_i12 = false;
     mutable bool filtered_IN = false;
     mutable bool filtered_IN_previous = false;
     mutable bool temp = false;
     mutable bool stretch_qual_up = false;
+    bool ql_ALT_time_COUNT_DOWN_i12 = false;
+    compact_text _uuid;
+    compact_text ql_REAL_LOCAL_TIME;
+    std::shared_ptr<const qual_rare_fields> rare;  // null when all of it is at its default
+    double _qual_time = 0;
+    std::optional<double> ql_ALT_time_i11;
+    std::optional<colour> _col;
 };
 
 // One qualifier on a clip: a label stamped at a moment. Values are set before the qualifier is put on a clip
@@ -116,13 +117,32 @@ class qual_ITEM : record, qual_fields {
 
     // The filter's marks: this qualifier made its clip pass, now and by the filter before.
     bool filtered_in() const { return read(filtered_IN); }
-    void set_filtered_in(bool passes) const { write(filtered_IN, passes); }
+    void set_filtered_in(bool passes) const { write_mark(filtered_IN, passes); }
     bool filtered_in_previous() const { return read(filtered_IN_previous); }
-    void set_filtered_in_previous(bool passes) const { write(filtered_IN_previous, passes); }
+    void set_filtered_in_previous(bool passes) const { write_mark(filtered_IN_previous, passes); }
+    // Both at once.
+    void set_filter_marks(bool passes, bool passed_before) const {
+        const record_guard guard(lk);
+        std::atomic_ref(filtered_IN).store(passes, std::memory_order_relaxed);
+        std::atomic_ref(filtered_IN_previous).store(passed_before, std::memory_order_relaxed);
+    }
     bool is_temp() const { return read(temp); }
     void set_temp(bool is_temp) const { write(temp, is_temp); }
     bool stretches_up() const { return read(stretch_qual_up); }
     void set_stretches_up(bool up) const { write(stretch_qual_up, up); }
+
+    // For a walk over all clips of a timeline, without the lock: a qualifier on a clip keeps its values, and
+    // marks are read as they stand.
+    const shared_text& name_in_place() const { return _name; }
+    const shared_text& category_in_place() const { return _cat; }
+    // Null when there are none.
+    const std::vector<clip_attribute_ITEM>* attributes_in_place() const {
+        return rare ? &rare->ql_ATTRIBUTES : nullptr;
+    }
+    bool filtered_in_now() const { return peek(filtered_IN); }
+    bool filtered_in_previous_now() const { return peek(filtered_IN_previous); }
+    const void* first_looked_at() const { return &_name; }
+    const void* last_looked_at() const { return &filtered_IN_previous; }
 
     // Equal in everything that is stored.
     bool operator==(const qual_ITEM& other) const;

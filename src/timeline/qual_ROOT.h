@@ -34,6 +34,9 @@ class qual_ROOT : record {
     const_iterator begin() const { return items_.begin(); }
     const_iterator end() const { return items_.end(); }
     iterator begin() { return items_.begin(); }
+    // Of what a walk over all clips looks at, see sxy_CLIP.
+    const void* first_looked_at() const { return &items_; }
+    const void* last_looked_at() const { return reinterpret_cast<const char*>(&items_ + 1) - 1; }
     iterator end() { return items_.end(); }
     void reserve(std::size_t count) { items_.reserve(count); }
     void push_back(qual_ITEM item) { items_.push_back(std::move(item)); }

@@ -69,7 +69,13 @@ struct clip_run_state {
 };
 
 // The fields of a clip. A timeline has a million of them: what is rare lies in blocks of its own.
+// What a filter looks at comes first, so that it stands in few lines of the processor's cache.
 struct clip_fields {
+    int stars = 0;
+    mutable bool selected = false;
+    mutable bool filtered_in = true;
+    std::shared_ptr<const qual_ROOT> qual_Root;    // null when there are none
+    std::shared_ptr<const clip_rare_fields> rare;  // null when all of it is at its default
     double secs_start = 0;
     double secs_end = 0;
     double coll_id = 0;
@@ -77,16 +83,11 @@ struct clip_fields {
     shared_text row_UUID_sxy__in_clip;
     std::optional<colour> col;
     sxy_clip_EDIT_info_k11 sxy_clip_Edit_info;
-    std::shared_ptr<const qual_ROOT> qual_Root;    // null when there are none
-    std::shared_ptr<const clip_rare_fields> rare;  // null when all of it is at its default
     mutable copied_ptr<clip_run_state> run;
-    int stars = 0;
     clip_type clip_TYPE = clip_type::normal;
     int clip_count_position_in_timeline = 0;
     int clip_mod_cnt = 0;
     compact_text _id;
-    mutable bool selected = false;
-    mutable bool filtered_in = true;
 };
 
 // One clip: a span of seconds on the collection's clock, with what was coded about it.
@@ -218,7 +219,16 @@ class sxy_CLIP : record, clip_fields {
     bool selected() const { return read(clip_fields::selected); }
     void set_selected(bool selected) const { write(clip_fields::selected, selected); }
     bool filtered_in() const { return read(clip_fields::filtered_in); }
-    void set_filtered_in(bool passes) const { write(clip_fields::filtered_in, passes); }
+    void set_filtered_in(bool passes) const { write_mark(clip_fields::filtered_in, passes); }
+    // For a walk over all clips of a timeline, without the lock: a clip on a timeline keeps its values, and
+    // marks are read as they stand. What these return lives as long as the clip; null when there is none.
+    const qual_ROOT* qualifiers_in_place() const { return qual_Root.get(); }
+    const clip_note* note_in_place() const { return rare ? rare->note.get() : nullptr; }
+    int stars_in_place() const { return clip_fields::stars; }
+    double start_in_place() const { return clip_fields::secs_start; }
+    bool filtered_in_now() const { return peek(clip_fields::filtered_in); }
+    const void* first_looked_at() const { return &(clip_fields::stars); }
+    const void* last_looked_at() const { return &qual_Root; }
     // The other values of this run, by their field: clip.run_value(&clip_run_state::show_info).
     template <class Value>
     Value run_value(Value clip_run_state::*field) const {

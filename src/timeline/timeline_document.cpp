@@ -410,7 +410,7 @@ void timeline_document::save_soon() {
     if (has_unsaved_edits()) begin_save();
 }
 
-void timeline_document::set_save_companion(std::function<save_companion()> begin) {
+void timeline_document::set_save_companion(std::function<result<save_companion>()> begin) {
     begin_companion_ = std::move(begin);
     if (!begin_companion_ && save_queue_) save_queue_->drain();
 }
@@ -424,7 +424,8 @@ void timeline_document::begin_save() {
     running_save_ = save;
     save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(), alive = alive_,
                        companion = begin_companion_ ? begin_companion_() : save_companion()] {
-        save->saved = write_files(snapshot, header, companion, *save);
+        save->saved = companion ? write_files(snapshot, header, companion.value(), *save)
+                                : result<void>(companion.error());
         loop_.post([this, save, alive] {
             if (*alive && running_save_ == save) (void)end_save();  // `saved` tells
         });

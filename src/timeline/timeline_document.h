@@ -47,6 +47,8 @@ class timeline_document {
 
     const std::string& folder() const { return folder_; }
     const sxy_DATA_root& timeline() const { return timeline_; }
+    // This revision, for work on another thread.
+    timeline_snapshot snapshot() { return timeline_.snapshot(); }
     timeline_header& header() { return header_; }
     // What there was to tell the user: recovered edits, conflicts, in the order in which it happened.
     const std::vector<std::string>& messages() const { return messages_; }
@@ -99,10 +101,11 @@ class timeline_document {
     bool has_unsaved_edits() const { return revision_ != saved_revision_; }
     // Called on the main thread when a save begins; what it returns is called on the save queue, with the
     // mark of the file that is coming and that of the one it replaces, before the file is put in place.
+    // Where `begin` fails nothing is saved and the save has failed so: the journal keeps what it holds.
     // Before what these use is gone the companion must be taken away, which waits for a save that runs.
     using save_companion =
         std::function<void(const file_content_mark& coming, const file_content_mark& earlier)>;
-    void set_save_companion(std::function<save_companion()> begin);
+    void set_save_companion(std::function<result<save_companion>()> begin);
     // The file that was read. Together with the edits that the journal brought back, which are given away
     // here, each with its inverse, it makes the state after opening.
     const file_content_mark& opened_file() const { return opened_file_; }
@@ -174,7 +177,7 @@ class timeline_document {
     double first_unsaved_seconds_ = 0;
     run_loop::timer_id save_timer_ = 0;  // 0 = none
     std::shared_ptr<running_save> running_save_;
-    std::function<save_companion()> begin_companion_;
+    std::function<result<save_companion>()> begin_companion_;
     beside_changer beside_;
     file_content_mark opened_file_;
     std::vector<std::pair<timeline_edit, timeline_edit>> recovered_;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cmath>
 
+#include "timeline/text_cache.h"
 #include "timeline/timeline_edit.h"
+#include "util/stored_view.h"
 
 namespace vistels {
 
@@ -155,14 +157,16 @@ property_dictionary write_one(const operation::change_beside& one) {
     return stored;
 }
 
-property_dictionary dictionary_or_empty(const property_dictionary& stored, const char* key) {
+const property_dictionary& dictionary_or_empty(const property_dictionary& stored, const char* key) {
+    static const property_dictionary none;
     const auto* found = stored.dictionary(key);
-    return found ? *found : property_dictionary();
+    return found ? *found : none;
 }
 
-property_array array_or_empty(const property_dictionary& stored, const char* key) {
+const property_array& array_or_empty(const property_dictionary& stored, const char* key) {
+    static const property_array none;
     const auto* found = stored.array(key);
-    return found ? *found : property_array();
+    return found ? *found : none;
 }
 
 operation::add_tombstones read_added_tombstones(const shared_text& row, const property_array& stored) {
@@ -184,12 +188,32 @@ operation::remove_tombstones read_removed_tombstones(const shared_text& row, con
     return remove;
 }
 
-std::optional<operation::any> read_row_operation(const std::string& code, const property_dictionary& stored) {
+// The records that come with an operation.
+
+std::optional<sxy_CLIP> clip_in(const property_dictionary& stored, text_cache& texts) {
+    stored_arena arena;
+    if (!texts.take_memory(heap_bytes(shared_block_bytes + sizeof(sxy_CLIP)))) return std::nullopt;
+    return read_clip(view_of(dictionary_or_empty(stored, "values"), arena), texts);
+}
+
+qual_ITEM qualifier_in(const property_dictionary& stored, text_cache& texts) {
+    stored_arena arena;
+    return read_qual_item(view_of(dictionary_or_empty(stored, "values"), arena), texts);
+}
+
+sxy_ROW row_in(const property_dictionary& stored, text_cache& texts) {
+    stored_arena arena;
+    texts.take_memory(heap_bytes(shared_block_bytes + sizeof(sxy_ROW)));
+    return read_row_values(view_of(dictionary_or_empty(stored, "values"), arena).members(), 0, texts);
+}
+
+std::optional<operation::any> read_row_operation(const std::string& code, const property_dictionary& stored,
+                                                 text_cache& texts) {
     const auto index =
         static_cast<std::size_t>(std::max<std::int64_t>(stored.integer("index").value_or(0), 0));
     const shared_text row(stored.text_or_empty("row"));
     if (code == "insert row") {
-        return operation::insert_row{index, read_row_values(dictionary_or_empty(stored, "values"), 0)};
+        return operation::insert_row{index, row_in(stored, texts)};
     }
     if (code == "remove row") return operation::remove_row{row};
     if (code == "move row") return operation::move_row{row, index};
@@ -202,14 +226,14 @@ std::optional<operation::any> read_row_operation(const std::string& code, const 
     return std::nullopt;
 }
 
-std::optional<operation::any> read_clip_operation(const std::string& code,
-                                                  const property_dictionary& stored) {
+std::optional<operation::any> read_clip_operation(const std::string& code, const property_dictionary& stored,
+                                                  text_cache& texts) {
     const auto index =
         static_cast<std::size_t>(std::max<std::int64_t>(stored.integer("index").value_or(0), 0));
     const shared_text row(stored.text_or_empty("row"));
     const std::string clip = stored.text_or_empty("clip");
     if (code == "insert clip" || code == "begin clip") {
-        auto values = read_clip(dictionary_or_empty(stored, "values"));
+        auto values = clip_in(stored, texts);
         if (!values) return std::nullopt;
         if (code == "insert clip") return operation::insert_clip{row, std::move(*values)};
         return operation::begin_clip{row, std::move(*values)};
@@ -221,8 +245,7 @@ std::optional<operation::any> read_clip_operation(const std::string& code,
     }
     if (code == "move clip") return operation::move_clip{clip, row};
     if (code == "insert qualifier") {
-        return operation::insert_qualifier{clip, index,
-                                           read_qual_item(dictionary_or_empty(stored, "values"))};
+        return operation::insert_qualifier{clip, index, qualifier_in(stored, texts)};
     }
     if (code == "remove qualifier") {
         return operation::remove_qualifier{clip, stored.text_or_empty("qualifier")};
@@ -271,17 +294,26 @@ property_dictionary write_edit(const timeline_edit& edit) {
 }
 
 result<timeline_edit> read_edit(const property_dictionary& stored) {
+    text_cache texts;
+    return read_edit(stored, texts);
+}
+
+result<timeline_edit> read_edit(const property_dictionary& stored, text_cache& texts) {
     timeline_edit edit{stored.text_or_empty("name"), stored.text_or_empty("scope"), {}};
     if (const auto seconds = stored.number("edit_seconds"); seconds && std::isfinite(*seconds)) {
         edit.stamp = edit_stamp{stored.text_or_empty("author"), *seconds};
     }
-    for (const auto& value : array_or_empty(stored, "operations")) {
+    const auto& operations = array_or_empty(stored, "operations");
+    if (texts.take_memory(operations.size() * sizeof(operation::any))) {
+        edit.operations.reserve(operations.size());
+    }
+    for (const auto& value : operations) {
         const auto* one = value.dictionary();
         const std::string code = one ? one->text_or_empty("do") : std::string();
-        auto read = one ? read_row_operation(code, *one) : std::nullopt;
+        auto read = one ? read_row_operation(code, *one, texts) : std::nullopt;
         if (one && !read) read = read_whole_operation(code, *one);
-        if (one && !read) read = read_clip_operation(code, *one);
-        if (!read)
+        if (one && !read) read = read_clip_operation(code, *one, texts);
+        if (!read || texts.allowance().is_spent())
             return failure{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
         edit.operations.push_back(std::move(*read));
     }

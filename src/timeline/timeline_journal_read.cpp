@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "timeline/journal_lines.h"
+#include "timeline/text_cache.h"
 #include "timeline/timeline_journal.h"
 
 namespace vistels {
@@ -27,27 +28,52 @@ struct segment_content {
     std::string writer() const { return bases.empty() ? std::string() : bases.back().writer; }
 };
 
-void take_line(std::string_view line, segment_content& segment) {
+// What the edits of all segments take in memory. With the segment itself, and a line's content beside the
+// edit that is made of it, reading takes no more than twenty times the size of the segments.
+struct edits_in_memory {
+    std::size_t read = 0;
+    std::size_t taken = 0;
+
+    // For the edit of a line that follows what was read.
+    memory_allowance left(std::size_t line) const {
+        constexpr std::size_t most_times = 16;
+        constexpr std::size_t most_times_of_line = 8;
+        constexpr std::size_t fixed_bytes = std::size_t{128} * 1024;
+        const std::size_t most = most_times * read + most_times_of_line * line + fixed_bytes;
+        return memory_allowance::of(most - std::min(taken, most));
+    }
+};
+
+// How often an edit is in memory, as an object, while the lists of all segments become one.
+constexpr std::size_t edit_places = growing_list_times + 2;
+
+void take_line(std::string_view line, segment_content& segment, edits_in_memory& memory) {
     std::uint64_t sum = 0;
-    const auto value = read_line(line, sum);
+    std::size_t tree_bytes = 0;
+    const auto value = read_line(line, sum, tree_bytes);
     const auto* document = value.dictionary();
     if (!document) return;
     if (const auto time = document->number("time")) segment.last_time = time;
-    if (auto base = read_base(*document)) segment.bases.push_back(std::move(*base));
+    // The edit holds parts of the line's content as they are.
+    text_cache texts(0, memory.left(line.size()));
+    texts.take_memory(tree_bytes + edit_places * sizeof(numbered_edit));
+    if (auto base = read_base(*document, texts)) segment.bases.push_back(std::move(*base));
     const auto number = document->integer("number");
     const auto* stored = document->dictionary("edit");
     if (!number || *number <= 0 || !stored) return;
-    if (auto edit = read_edit(*stored)) {
+    if (auto edit = read_edit(*stored, texts); edit && !texts.allowance().is_spent()) {
+        memory.taken += texts.allowance().taken();
         segment.edits.push_back({static_cast<std::uint64_t>(*number), std::move(edit).value(), sum, 0});
     }
 }
 
-void read_lines(std::string_view rest, segment_content& segment) {
+void read_lines(std::string_view rest, segment_content& segment, edits_in_memory& memory) {
     segment.part.size = static_cast<std::int64_t>(rest.size());
     while (!rest.empty()) {
         const auto end = rest.find('\n');
         if (end == std::string_view::npos) break;  // no newline: torn
-        take_line(rest.substr(0, end), segment);
+        take_line(rest.substr(0, end), segment, memory);
+        memory.read += end + 1;
         rest.remove_prefix(end + 1);
     }
 }
@@ -59,6 +85,7 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
     if (listing != 0 && listing != ENOENT) return file_failure(folder, "cannot be looked through", listing);
     sort_names(names);
     std::vector<segment_content> segments;
+    edits_in_memory memory;
     for (const auto& name : names) {
         const int number = segment_number(name);
         if (number == 0) continue;
@@ -69,7 +96,7 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
         file_identity found;
         if (!bytes && files.identity(segment.path, found) == ENOENT) continue;
         if (!bytes) return bytes.error();
-        read_lines(bytes.value(), segment);
+        read_lines(bytes.value(), segment, memory);
         segment.part.writer = segment.writer();
         if (files.identity(segment.path, found) == 0) segment.part.inode = found.inode;
         segments.push_back(std::move(segment));
@@ -123,6 +150,7 @@ std::vector<numbered_edit> one_of_each(std::vector<numbered_edit> all,
     std::stable_sort(all.begin(), all.end(),
                      [](const auto& a, const auto& b) { return a.number < b.number; });
     std::vector<numbered_edit> kept;
+    kept.reserve(all.size());
     for (auto& one : all) {
         if (strangers[one.segment]) continue;
         if (!kept.empty() && kept.back().number == one.number) {
@@ -142,6 +170,7 @@ std::vector<numbered_edit> one_of_each(std::vector<numbered_edit> all,
 void take_edits(std::vector<numbered_edit> edits, const std::string& folder, journal_content& content,
                 std::vector<bool>& left_out) {
     content.last_number = content.base.through;
+    content.edits.reserve(edits.size());
     bool is_told = false;
     for (auto& one : edits) {
         if (one.number == content.last_number + 1) {
@@ -182,6 +211,9 @@ result<journal_content> read_journal(const std::string& folder, const file_conte
     choose_base(segments, file, fitting, content);
     std::vector<bool> strangers(segments.size());
     std::vector<numbered_edit> edits;
+    std::size_t count = 0;
+    for (const auto& segment : segments) count += segment.edits.size();
+    edits.reserve(count);
     for (std::size_t at = 0; at < segments.size(); ++at) {
         auto& segment = segments[at];
         content.last_segment = segment.part.segment;

@@ -133,7 +133,8 @@ bool is_beyond_doubles(std::string_view text) {
 
 }  // namespace
 
-json_cursor::json_cursor(std::string_view bytes) : at_(bytes.data()), end_(bytes.data() + bytes.size()) {
+json_cursor::json_cursor(std::string_view bytes)
+    : begin_(bytes.data()), at_(bytes.data()), end_(bytes.data() + bytes.size()) {
     if (bytes.starts_with(byte_order_mark)) at_ += byte_order_mark.size();
     if (!simdjson::validate_utf8(bytes.data(), bytes.size())) stop(not_json);
 }

@@ -31,6 +31,8 @@ class json_cursor {
 
     // True when the value, read or skipped to its end, was all that the document holds.
     bool finish();
+    // How much of the bytes lies behind it.
+    std::size_t passed() const { return static_cast<std::size_t>(at_ - begin_); }
     // Why `finish` returned false, for the user: "it is not valid JSON".
     std::string_view fault() const { return fault_; }
 
@@ -62,6 +64,7 @@ class json_cursor {
     stored_view read_word(std::string_view word, stored_view value);
     stored_view read_number();
 
+    const char* begin_;
     const char* at_;
     const char* end_;  // of the bytes
     std::size_t depth_ = 0;

@@ -98,7 +98,7 @@ std::size_t head_length(std::string_view bytes) {
 }  // namespace
 
 property_list_cursor::property_list_cursor(std::string_view bytes)
-    : at_(bytes.data()), end_(bytes.data() + bytes.size()) {
+    : begin_(bytes.data()), at_(bytes.data()), end_(bytes.data() + bytes.size()) {
     const auto head = head_length(bytes);
     usual_ = head != 0 && bytes.size() - head >= shortest_end && bytes.ends_with(property_list_foot) &&
              simdjson::validate_utf8(bytes.data(), bytes.size());

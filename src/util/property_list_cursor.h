@@ -35,6 +35,8 @@ class property_list_cursor {
     bool usual() const { return usual_; }
     // True when the value, read or skipped to its end, was all that the file holds.
     bool finish();
+    // How much of the bytes lies behind it.
+    std::size_t passed() const { return static_cast<std::size_t>(at_ - begin_); }
 
     // The kind of the value that comes next; null when none does.
     stored_view::form next_form() const;
@@ -83,6 +85,7 @@ class property_list_cursor {
     stored_view read_array(stored_arena* arena);
     stored_view read_dictionary(stored_arena* arena);
 
+    const char* begin_;
     const char* at_;   // always the start of a line
     const char* end_;  // of the bytes
     std::size_t depth_ = 0;

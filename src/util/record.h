@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <utility>
 
 #include "util/record_lock.h"
@@ -20,6 +21,17 @@ class record {
     void write(Field& field, Field value) const {
         const record_guard guard(lk);
         field = std::move(value);
+    }
+
+    // For marks that a walk over all records reads without their locks: written under `lk` like the rest.
+    template <class Mark>
+    void write_mark(Mark& mark, Mark value) const {
+        const record_guard guard(lk);
+        std::atomic_ref<Mark>(mark).store(value, std::memory_order_relaxed);
+    }
+    template <class Mark>
+    static Mark peek(Mark& mark) {
+        return std::atomic_ref<Mark>(mark).load(std::memory_order_relaxed);
     }
 
     mutable record_lock lk;

@@ -74,31 +74,4 @@ result<void> write_blank_movie(const std::string& path, double seconds, job& wor
     return {};
 }
 
-blank_vistel_movie::blank_vistel_movie(const std::string& folder)
-    : folder_(folder), path_(path_join(folder, file_name)) {}
-
-void blank_vistel_movie::prepare(std::function<void()> done) {
-    if (!started_.exchange(true)) queue_.post([this] { make(); });
-    if (done) queue_.post(std::move(done));
-}
-
-void blank_vistel_movie::make() {
-    result<void> made;
-    if (!file_exists(path_)) {
-        job work;
-        made = make_folders(folder_);
-        made = made ? write_blank_movie(path_, seconds, work) : not_made(made.message());
-    }
-    {
-        const std::lock_guard lock(mutex_);
-        problem_ = made.message();
-    }
-    done_ = true;
-}
-
-std::string blank_vistel_movie::problem() const {
-    const std::lock_guard lock(mutex_);
-    return problem_;
-}
-
 }  // namespace vistels

@@ -189,7 +189,7 @@ constexpr adding_choice one_choice{movies_as::one_vistel, "Create A New Vistel A
                                    "Create a single new vistel and add video files to this vistel."};
 constexpr adding_choice single_choice{movies_as::vistel_each, "Create A New Vistel",
                                       "Create a new vistel for each file."};
-constexpr adding_choice parts_choice{movies_as::parts_of_existing, "Append Video Files",
+constexpr adding_choice parts_choice{movies_as::parts_of_existing, "Append video files to this vistel.",
                                      "Append video files to this vistel."};
 
 }  // namespace
@@ -341,7 +341,6 @@ void add_new_vistels(video_collection_ROOT& collection, const vistel_list& viste
 result<void> new_collection(const std::string& folder, const std::string& name,
                             const std::vector<std::string>& movies, movies_as how, job& work,
                             const std::string& user) {
-    if (movies.empty()) return failure{"A collection needs at least one movie."};
     if (file_exists(path_join(folder, collection_file_name))) {
         return failure{"\"" + folder + "\" holds a collection already."};
     }
@@ -350,12 +349,12 @@ result<void> new_collection(const std::string& folder, const std::string& name,
     collection.set_quick_number(new_quick_number());
     collection.set_created_by(user);
     collection.set_name(name);
-    collection.set_state(video_type_state::playback);
+    if (!movies.empty()) collection.set_state(video_type_state::playback);
     made_files made;
     const bool is_new_folder = !is_folder(folder);
     made.add_missing_of(folder);
     const std::string vistels_folder = vistels_folder_of(folder);
-    made.add_missing_of(vistels_folder);
+    if (!movies.empty()) made.add_missing_of(vistels_folder);
     const auto vistels = make_vistels({vistels_folder, user, false}, movies, how, work);
     if (!vistels) return vistels.error();
     add_new_vistels(collection, vistels.value());

@@ -67,10 +67,10 @@ void number_new_vistels(const video_collection_ROOT& collection, const vistel_li
 // Numbers them and puts them behind the others. A layout is left to the caller. Main thread.
 void add_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels);
 
-// Makes the collection folder with a collection of these movies, laid out in a grid. A folder that holds a
+// Makes the collection folder with a collection of these movies, laid out in a grid; without movies an empty
+// one, to be coded by the clock alone until they come. A folder that holds a
 // collection already is an error, so is a movie that cannot be read. On failure, or when `work` is cancelled,
-// nothing is left behind. An empty `user`: nobody is named as the one who made
-// it. Any thread.
+// nothing is left behind. An empty `user`: nobody is named as the one who made it. Any thread.
 result<void> new_collection(const std::string& folder, const std::string& name,
                             const std::vector<std::string>& movies, movies_as how, job& work,
                             const std::string& user = {});

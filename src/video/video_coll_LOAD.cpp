@@ -209,7 +209,7 @@ void load_vistels(loaded_collection& loaded, const std::string& folder, const st
         auto& vistel = *vistels[index];
         const auto outcome = load_vistel(vistel, folder, local_vistels);
         if (!vistel.proportion_rect()) vistel.set_proportion_rect(frames[index]);
-        if (!outcome.alert.empty()) loaded.messages.push_back(outcome.alert);
+        if (!outcome.alert.empty()) loaded.alerts.push_back(outcome.alert);
         if (outcome.problem.empty()) continue;
         vistel.set_problem(outcome.problem);
         loaded.messages.push_back(load_error(vistel, outcome.problem));

@@ -24,6 +24,9 @@ struct loaded_collection {
     // For the user: one for each vistel with a problem, which names the file, and what is wrong with the
     // collection's record or its numbering.
     std::vector<std::string> messages;
+    // Of streamed vistels whose local copy is shorter than expected, as they stand. Told a moment after
+    // loading: they are no fault of the collection.
+    std::vector<std::string> alerts;
 };
 
 // Reads "video group.plist" in `folder` and, for each vistel in its order, the record and the movie parts in

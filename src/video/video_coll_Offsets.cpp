@@ -15,6 +15,14 @@ std::int64_t media_time(double seconds) {
     return std::abs(ticks) < 9e18 ? static_cast<std::int64_t>(ticks) : 0;
 }
 
+// The first counts; null when there is none, and for a number that is not positive.
+const vistel_offset* item_of_number(const std::vector<vistel_offset>& items, double number) {
+    for (const auto& item : items) {
+        if (item.number > 0 && item.number == number) return &item;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 std::vector<vistel_offset> offsets_of(const video_collection_ROOT& collection) {
@@ -40,10 +48,8 @@ double largest_offset_for_composer(const std::vector<vistel_offset>& items) {
 }
 
 double offset_of_number(const std::vector<vistel_offset>& items, double number) {
-    for (const auto& item : items) {
-        if (item.number > 0 && item.number == number) return item.offset.value_or(0);
-    }
-    return 0;
+    const auto* item = item_of_number(items, number);
+    return item ? item->offset.value_or(0) : 0;
 }
 
 double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item) {
@@ -51,7 +57,8 @@ double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offs
 }
 
 double lead_for_composer(const std::vector<vistel_offset>& items, double number) {
-    return largest_offset_for_composer(items) - offset_of_number(items, number);
+    const auto* item = item_of_number(items, number);
+    return item ? largest_offset_for_composer(items) - item->offset.value_or(0) : 0;
 }
 
 source_range source_range_of(double start, double end, double lead, double movie_duration) {

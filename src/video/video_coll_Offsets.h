@@ -30,6 +30,7 @@ double offset_of_number(const std::vector<vistel_offset>& items, double number);
 
 // How far a vistel's movie is ahead of the collection time.
 double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item);
+// 0 as well when no item has that number, or it is not positive.
 double lead_for_composer(const std::vector<vistel_offset>& items, double number);
 
 // A stretch of a vistel's movie, with its media times of 1/600 second.

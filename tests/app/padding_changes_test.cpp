@@ -33,14 +33,8 @@ constexpr double wait_seconds = 120;
 class filmed_event : public ::testing::Test {
   protected:
     filmed_event() {
-        movie_writer_settings settings;
-        settings.width = 320;
-        settings.height = 240;
-        settings.gop_frames = 15;
-        settings.preset = "ultrafast";
-        settings.threads = 1;
-        EXPECT_TRUE(write_coded_movie(home / "long.mp4", settings, 120));
-        EXPECT_TRUE(write_coded_movie(home / "short.mp4", settings, 30));
+        EXPECT_TRUE(write_small_coded_movie(home / "long.mp4", 120, 15));
+        EXPECT_TRUE(write_small_coded_movie(home / "short.mp4", 30, 15));
         job work;
         EXPECT_TRUE(new_collection(folder, "Final",
                                    {home / "long.mp4", home / "short.mp4", home / "long.mp4"},

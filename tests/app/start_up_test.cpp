@@ -274,6 +274,8 @@ TEST(settings, values_in_force) {
          "default formula operator", "!"},
         {"Formulas/default formula operator.plist", "default formula operator", 3, "default formula operator",
          "&"},
+        {"Formulas/filtered out clips.plist", "filtered out clips", "hide", "filtered out clips", "hide"},
+        {"Formulas/filtered out clips.plist", "filtered out clips", true, "filtered out clips", "dim"},
         {"application volume.plist", "application volume", 0.25, "application volume", 0.25},
         {"application volume.plist", "application volume", "0.25", "application volume", 1.0},
         {"Collection/show vistel number name.plist", "show_vistel_name_with_number", true,

@@ -39,17 +39,26 @@ class StoredCollection(CommandTest):
 
     def test_show(self):
         self.store(item("A", 5, **{"manual start offset": -3.0, "Vistel video name - coll": "wide"}),
-                   item("B", 6, **{"manual start offset": -5.0}))
+                   item("B", 6, **{"manual start offset": -5.0}), item("C", 0))
         shown = self.printed("collection", "show", self.collection)
         self.assertEqual((shown["uuid"], shown["name"], shown["state"], shown["movie_time"]),
                          ("C", "Final", "PLAYBACK", 12.5))
         self.assertEqual((shown["largest_offset_clips"], shown["largest_offset_composer"]), (0, -3))
         self.assertEqual([(one["number"], one["name"], one["offset"], one["lead_clips"], one["lead_composer"])
-                          for one in shown["vistels"]], [(5, "wide", -3, 3, 0), (6, "", -5, 5, 2)])
+                          for one in shown["vistels"]], [(5, "wide", -3, 3, 0), (6, "", -5, 5, 2),
+                                                      (0, "", 0, 0, 0)])
         self.assertEqual(shown["vistels"][0]["duration"], 53.5)
         self.assertEqual(shown["vistels"][0]["parts"][1],
                          {"file": str(self.vault / "Single Videos/A/part 002.mp4"), "gap_before": 2.0,
                           "part_duration": 30.5, "start": 23.0})
+
+    def test_a_new_collection_needs_no_movie(self):
+        folder = self.vault / "Video Groups/Kick off"
+        shown = self.printed("collection", "new", folder, "--name", "Kick off")
+        self.assertEqual((shown["name"], shown["state"], shown["vistels"]), ("Kick off", "NONE", []))
+        self.assertEqual((shown["largest_offset_clips"], shown["largest_offset_composer"]), (0, 0))
+        self.assertEqual(self.printed("collection", "show", folder), shown)
+        self.assertFalse((self.vault / "Single Videos").exists())
 
     def test_offset_is_saved_and_the_rest_is_kept(self):
         self.store(item("A", 5, overlay={"kept": 1}), item("B", 6))

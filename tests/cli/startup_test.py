@@ -76,6 +76,7 @@ class Startup(CommandTest):
         home_vault = str(self.home / "Home Vault.VVault")
         self.assertEqual(shown, {"playback top speed": 64, "pitch algorithm": "Varispeed",
                                  "application volume": 1, "default formula operator": "&",
+                                 "filtered out clips": "dim",
                                  "show_vistel_name_with_number": True,
                                  "store video data in collection folder": False,
                                  "minimum vault free space percent": 10, "show unavailable vaults": True,

@@ -38,14 +38,14 @@ inline constexpr std::size_t most_times = 20;
 inline constexpr std::size_t constant_bytes = 512 * 1024;
 
 // Runs `work` on an input of `size` bytes. When it held more at any moment, tells so under the name `what`,
-// and is false.
+// and is false. `times` is for what takes more of its input than a file does.
 template <class Work>
-bool is_lean(std::size_t size, const char* what, Work work) {
+bool is_lean(std::size_t size, const char* what, Work work, std::size_t times = most_times) {
     const std::size_t before = allocated_now;
     allocated_most = before;
     work();
     const std::size_t used = allocated_most - before;
-    if (used <= most_times * size + constant_bytes) return true;
+    if (used <= times * size + constant_bytes) return true;
     std::fprintf(stderr, "%s took %zu bytes for an input of %zu: %.1f times\n", what, used, size,
                  static_cast<double>(used) / static_cast<double>(size));
     return false;

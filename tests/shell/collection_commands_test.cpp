@@ -160,7 +160,7 @@ TEST_F(collection_window, movies_are_added_as_the_user_chooses) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(2)); }, 60000));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     files().add({movies.front()}, uuid(0));
-    EXPECT_EQ(find<QPushButton>("add_movies.2")->toolTip(), "Append video files to this vistel.");
+    EXPECT_EQ(find<QPushButton>("add_movies.2")->text(), "Append video files to this vistel.");
     press_button("add_movies.2");
     ASSERT_TRUE(QTest::qWaitFor([&] { return vistels()[0]->parts().parts.size() == 2; }, 60000));
     EXPECT_NEAR(event().playback().last_time(), 8, 0.2);

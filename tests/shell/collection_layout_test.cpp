@@ -14,6 +14,8 @@
 #include "shell/collection_view.h"
 #include "shell/controls.h"
 #include "shell/single_Adjust_offset_View.h"
+#include "support/temporary_folder.h"
+#include "util/file_system.h"
 
 namespace vistels {
 namespace {
@@ -32,6 +34,7 @@ void drag(QWidget& on, QPoint from, QPoint by, Qt::KeyboardModifiers keys = {}, 
 struct laid_out : public ::testing::Test {
     laid_out() {
         view.resize(800, 450);
+        view.set_has_collection(true);
         view.set_vistels({{"a", "1 Wide", {0, 0, 0.5, 0.5}, {}, true, 0},
                           {"b", "2 Left", {0.25, 0.25, 0.5, 0.5}, {}, false, 1}},
                          16.0 / 9);
@@ -145,7 +148,22 @@ TEST_F(laid_out, movies_are_dropped_on_a_vistel_or_beside_it) {
     EXPECT_TRUE(drop("/movies/late.mp4", {300, 200}));
     EXPECT_TRUE(drop("/movies/late.mp4", {780, 20}));
     EXPECT_FALSE(drop("/movies/notes.txt", {300, 200}));  // the window opens what is no movie
+    const testing::temporary_folder home;
+    ASSERT_TRUE(make_folders(home / "takes").ok());
+    ASSERT_TRUE(make_folders(home / "Cup.VVault/Video Groups/Final").ok());
+    testing::put_file(home / "takes/take 10.mp4", "movie");
+    testing::put_file(home / "takes/take 2.mp4", "movie");
+    testing::put_file(home / "Cup.VVault/Video Groups/Final/video group.plist", "record");
+    EXPECT_FALSE(drop(QString::fromStdString(home / "Cup.VVault"), {300, 200}));
+    EXPECT_FALSE(drop(QString::fromStdString(home / "Cup.VVault/Video Groups/Final"), {300, 200}));
     ASSERT_EQ(dropped.size(), 2);
+    EXPECT_TRUE(drop(QString::fromStdString(home / "takes"), {300, 200}));
+    ASSERT_EQ(dropped.size(), 3);
+    EXPECT_EQ(dropped[2][0].toStringList(),
+              (QStringList{QString::fromStdString(home / "takes/take 2.mp4"),
+                           QString::fromStdString(home / "takes/take 10.mp4")}));
+    view.set_has_collection(false);  // nothing is open: the window makes a collection of them
+    EXPECT_FALSE(drop("/movies/late.mp4", {300, 200}));
     EXPECT_EQ(dropped[0][0].toStringList(), QStringList{"/movies/late.mp4"});
     EXPECT_EQ(dropped[0][1].toString(), "b");
     EXPECT_EQ(dropped[1][1].toString(), "");

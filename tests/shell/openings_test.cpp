@@ -27,6 +27,7 @@ struct vault_home : public ::testing::Test {
         put_file(home / "a.mp4", "movie");
         put_file(home / "b.mov", "movie");
         put_file(home / "notes.txt", "text");
+        EXPECT_TRUE(make_folders(home / "empty").ok());
     }
     void make(const std::string& folder, const char* file) {
         const std::string whole = path_join(places.home_vault, folder);
@@ -59,6 +60,7 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
         {{alone}, opening::kind::timeline, alone, 0},
         {{alone + "/chron data.plist"}, opening::kind::timeline, alone, 0},
         {{home / "b.mov", home / "a.mp4"}, opening::kind::movies, "", 2},
+        {{home.path()}, opening::kind::movies, "", 2},
     };
     for (const auto& one : cases) {
         const auto wanted = what_to_open(one.paths);
@@ -68,7 +70,7 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
         EXPECT_EQ(wanted.found.front().folder, one.folder);
         EXPECT_EQ(wanted.found.front().movies.size(), one.movies);
     }
-    for (const std::string& path : {home / "gone.mp4", home / "notes.txt", home.path()}) {
+    for (const std::string& path : {home / "gone.mp4", home / "notes.txt", home / "empty"}) {
         const auto wanted = what_to_open({path});
         EXPECT_TRUE(wanted.found.empty()) << path;
         ASSERT_EQ(wanted.refused.size(), 1u) << path;

@@ -219,6 +219,27 @@ TEST_F(side_bar, the_menu_of_a_line_is_about_that_line) {
     EXPECT_EQ(path, "/h/Harbour");
 }
 
+TEST_F(side_bar, lists_filters_with_a_name_below_the_home_vault) {
+    QStringList chosen;
+    QObject::connect(&bar, &content_side_bar::pattern_chosen, &bar,
+                     [&](const QString& pattern) { chosen << pattern; });
+    content_vault home = vault("Home", {});
+    home.is_home = true;
+    bar.set_content({home, vault("Away", {collection("Final")})});
+    bar.set_patterns({{"Shots in the box", R"([RN]"Shot" & "Box")"}, {"All of Marek", "Marek"}});
+    EXPECT_EQ(lines(), QStringList({"Home", "Patterns", "Shots in the box", "All of Marek", "Away",
+                                    "Collections", "Final"}));
+    click("Shots in the box");
+    QTest::keyClick(&list(), Qt::Key_Return);
+    EXPECT_EQ(chosen, QStringList(R"([RN]"Shot" & "Box")"));
+    EXPECT_TRUE(opened.isEmpty() && unknown.isEmpty());
+    // One of them gets another name, the other goes.
+    bar.set_patterns({{"Shots, box", R"([RN]"Shot" & "Box")"}});
+    EXPECT_EQ(lines().mid(0, 3), QStringList({"Home", "Patterns", "Shots, box"}));
+    bar.set_patterns({});
+    EXPECT_EQ(lines().mid(0, 2), QStringList({"Home", "Nothing in it yet"}));
+}
+
 TEST_F(side_bar, takes_dropped_vaults_only) {
     QStringList dropped;
     QObject::connect(&bar, &content_side_bar::folders_dropped, &bar,

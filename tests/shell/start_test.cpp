@@ -38,12 +38,13 @@ TEST(options, what_is_wrong_is_named) {
 }
 
 TEST(options, are_read) {
-    const auto read =
-        read_options({"a.mp4", "--home=/h", "--theme", "light", "--size", "1600x1000", "--", "--b"});
+    const auto read = read_options({"a.mp4", "--home=/h", "--theme", "light", "--size", "1600x1000",
+                                    "--filter", "[RN]\"Shot\"", "--", "--b"});
     ASSERT_TRUE(read.ok()) << read.message();
     EXPECT_EQ(read.value().paths, (std::vector<std::string>{"a.mp4", "--b"}));
     EXPECT_EQ(read.value().home, "/h");
     EXPECT_EQ(read.value().theme, "light");
+    EXPECT_EQ(read.value().filter, "[RN]\"Shot\"");
     EXPECT_EQ(read.value().width, 1600);
     EXPECT_EQ(read.value().height, 1000);
 }

@@ -2,10 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <filesystem>
-#include <thread>
 
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
@@ -159,27 +157,15 @@ TEST(movie_parts, are_dragged_between_their_neighbours) {
 
 #if VISTELS_HAVE_MEDIA
 
-TEST(blank_movie, is_made_once_and_stands_under_its_name_when_whole) {
-    temporary_folder home;
-    {
-        blank_vistel_movie blank(home / "Temp");
-        EXPECT_FALSE(blank.started_preparing_getting_blank_movie());
-        std::atomic<int> told = 0;
-        blank.prepare([&] { told += blank.blank_movie_preparation_is_done() ? 1 : 100; });
-        EXPECT_TRUE(blank.started_preparing_getting_blank_movie());
-        blank.prepare([&] { ++told; });
-        while (told < 2) std::this_thread::yield();
-        EXPECT_EQ(told, 2);
-        EXPECT_EQ(blank.problem(), "");
-        EXPECT_EQ(names_in_folder(home / "Temp"), std::vector<std::string>{"blank vistel movie.mov"});
-    }
+TEST(blank_movie, says_why_it_cannot_be_made) {
+    const temporary_folder home;
     testing::put_file(home / "file", "no folder");
-    blank_vistel_movie blank(home / "file");
-    std::atomic<bool> told = false;
-    blank.prepare([&] { told = true; });
-    while (!told) std::this_thread::yield();
-    EXPECT_TRUE(blank.blank_movie_preparation_is_done());
-    EXPECT_TRUE(blank.problem().starts_with("Could not make an empty vistel movie.")) << blank.problem();
+    job work;
+    for (const double seconds : {1.0, 0.0}) {
+        const auto made = write_blank_movie(home / "file/blank.mov", seconds, work);
+        EXPECT_TRUE(made.message().starts_with("Could not make an empty vistel movie.")) << made.message();
+        EXPECT_NE(made.message().find("file/blank"), std::string::npos) << made.message();
+    }
 }
 
 TEST(padding, files_are_made_whole_or_not_at_all) {

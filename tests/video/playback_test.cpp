@@ -23,14 +23,8 @@ constexpr double wait_seconds = 60;
 class playback : public ::testing::Test {
   protected:
     playback() {
-        movie_writer_settings settings;
-        settings.width = 320;
-        settings.height = 240;
-        settings.gop_frames = 20;
-        settings.preset = "ultrafast";
-        settings.threads = 1;
-        EXPECT_TRUE(write_coded_movie(folder_ / "long.mp4", settings, 120).ok());
-        EXPECT_TRUE(write_coded_movie(folder_ / "short.mp4", settings, 30).ok());
+        EXPECT_TRUE(write_small_coded_movie(folder_ / "long.mp4", 120, 20).ok());
+        EXPECT_TRUE(write_small_coded_movie(folder_ / "short.mp4", 30, 20).ok());
         played_.set_volume(0);
     }
 

@@ -26,6 +26,7 @@ TEST(offset_rule, largest_offset_and_leads) {
         {{{1, 2.0}, {2, -1.5}}, 2, 2, {0, 3.5}, {0, 3.5}},
         {{{1, std::nullopt}, {2, -4.0}}, 0, -4, {0, 4}, {-4, 0}},
         {{{1, std::nullopt}}, 0, 0, {0}, {0}},
+        {{{0, 2.0}, {-3, 1.0}, {4, -1.0}}, 2, 2, {0, 1, 3}, {0, 0, 3}},  // numbers that find nothing
     };
     for (const auto& one : cases) {
         EXPECT_EQ(largest_offset_for_clips(one.items), one.for_clips);
@@ -34,6 +35,7 @@ TEST(offset_rule, largest_offset_and_leads) {
             EXPECT_EQ(lead_for_clips(one.items, one.items[index]), one.leads_for_clips[index]);
             EXPECT_EQ(lead_for_composer(one.items, one.items[index].number), one.leads_for_composer[index]);
         }
+        EXPECT_EQ(lead_for_composer(one.items, 99), 0);
     }
 }
 

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "timeline/sxy_DATA_root.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+#include "util/transport.h"
+
+namespace vistels {
+
+// A clip to be played: seconds on the collection's clock.
+struct playlist_clip {
+    std::string uuid;
+    double start = 0;
+    double end = 0;
+};
+
+// The clips of all rows that are filtered in, by start.
+std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline);
+
+// Plays clips one after another: each from its start to its end, then on to the start of the next. Of clips
+// that overlap nothing is played twice: the next one goes on where the playhead stands, and one that is over
+// by then is passed over. Playing stops after the last. A person who pauses, seeks or plays backwards ends
+// the list, and playback does what they asked for. Main thread.
+class clip_playlist {
+  public:
+    // Both must outlive it.
+    clip_playlist(transport& playback, run_loop& loop);
+    ~clip_playlist();
+    clip_playlist(const clip_playlist&) = delete;
+    clip_playlist& operator=(const clip_playlist&) = delete;
+
+    // `clips` by start. Begins with the first that ends after `from_seconds`; when there is none nothing
+    // happens. Takes the place of a list that plays.
+    void play(std::vector<playlist_clip> clips, std::optional<double> from_seconds = {});
+    // Ends the list; playback goes on as it is.
+    void stop();
+
+    bool is_playing() const { return timer_.has_value(); }
+    // The UUID of the clip that plays; empty when none does.
+    std::string current() const { return is_playing() ? clips_[at_].uuid : std::string(); }
+
+    // Playing or not, or another clip plays.
+    signal<> changed;
+
+  private:
+    void tick();
+    bool was_moved(double now) const;
+    void go_on(double now);
+    void begin_at(double seconds);
+    void note_time();
+
+    transport& playback_;
+    run_loop& loop_;
+    std::vector<playlist_clip> clips_;
+    std::size_t at_ = 0;
+    std::optional<run_loop::timer_id> timer_;  // none: no list plays
+    double noted_time_ = 0;                    // the collection's time at the last look
+    double noted_rate_ = 1;
+    double noted_at_ = 0;  // by the loop's clock
+};
+
+}  // namespace vistels

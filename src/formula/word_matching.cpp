@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formula/word_matching.h"
+
+#include <string.h>
+
+#include <algorithm>
+
+namespace vistels {
+
+bool matches(std::string_view value, std::string_view pattern, wild_card mode) {
+    if (pattern.empty() || value.size() < pattern.size()) return false;
+    switch (mode) {
+        case wild_card::MATCH_ALL:
+            return value == pattern;
+        case wild_card::MATCH_PREFIX:
+            return value.starts_with(pattern);
+        case wild_card::MATCH_SUFFIX:
+            return value.ends_with(pattern);
+        case wild_card::MATCH_ANYWHERE:
+            // Unlike string_view::find it never takes quadratic time.
+            return ::memmem(value.data(), value.size(), pattern.data(), pattern.size()) != nullptr;
+    }
+    return false;
+}
+
+bool matches_any(std::span<const std::string> values, std::string_view pattern, wild_card mode) {
+    return std::any_of(values.begin(), values.end(),
+                       [&](const std::string& value) { return matches(value, pattern, mode); });
+}
+
+}  // namespace vistels

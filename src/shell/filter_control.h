@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "app/clip_filtering.h"
+#include "app/clip_playlist.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+
+namespace vistels {
+
+class inspector_view;
+class open_event;
+class timeline_view;
+
+// The filter of the event that a window shows: brings what it lets through onto the timeline and into the
+// inspector, and does the window's commands that go from clip to clip. Every command is harmless while no
+// event is open. Main thread.
+class filter_control : public QObject {
+    Q_OBJECT
+  public:
+    // All must outlive it.
+    filter_control(timeline_view& timeline, inspector_view& inspector, run_loop& loop);
+    ~filter_control() override;
+
+    // Null: none is open. The event must outlive its use here.
+    void set_event(open_event* event);
+
+    bool is_on() const;
+    // The clips that pass; without a filter all.
+    std::size_t passing_count() const;
+    // The clip that passes and starts next after (direction > 0) or before the playhead: selected, in view,
+    // and the playhead at its start.
+    void go_to_clip(int direction);
+
+    bool hides() const { return hides_; }
+    void set_hides(bool hides);
+    // By the user: hides_chosen() follows, so that it is remembered.
+    void choose_hides(bool hides);
+
+    // Plays the clips that pass, one after another: from the selected one on when the playhead is in it, else
+    // from the first. Each is selected while it plays. Pausing, seeking, Escape and another filter end it;
+    // going to the clip before or after goes on with that one.
+    void play_all(bool plays);
+    bool plays_all() const;
+
+  Q_SIGNALS:
+    // What the commands show of its state.
+    void changed();
+    void hides_chosen(bool hides);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void follow(bool marks_changed);
+    void show(bool verdicts_changed);
+    std::size_t first_to_play() const;
+    void play_from(std::size_t index);
+    void follow_list();
+
+    timeline_view& timeline_;
+    inspector_view& inspector_;
+    run_loop& loop_;
+    open_event* event_ = nullptr;
+    clip_filtering* filtering_ = nullptr;
+    filter_standing shown_;
+    bool hides_ = false;
+    std::vector<connection> connections_;
+    std::unique_ptr<clip_playlist> list_;
+    std::vector<playlist_clip> clips_;  // of the list that plays, from the first that passes
+    std::size_t playing_ = 0;           // in clips_
+};
+
+}  // namespace vistels

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A collection without movies: coded by the clock, filmed later. And what is told a moment after opening.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "app/offset_changes.h"
+#include "shell/align_control.h"
+#include "shell/collection_commands.h"
+#include "shell/message_bar.h"
+#include "shell/vistel_files.h"
+#include "shell/window_actions.h"
+#include "support/shown_event.h"
+#include "util/property_list.h"
+#include "video/video_coll_LOAD.h"
+
+namespace vistels {
+namespace {
+
+class empty_collection : public testing::shown_event {
+  protected:
+    void make(const QString& name) {
+        window->actions()[command::new_empty_collection]->trigger();
+        auto* button = find<QPushButton>("new_collection.make");
+        EXPECT_FALSE(button->isEnabled());
+        EXPECT_EQ(find<QComboBox>("new_collection.vault")->currentData().toString().toStdString(),
+                  places.home_vault);
+        find<QLineEdit>("new_collection.name")->setText(name);
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+    event_session& session() { return window->session(); }
+};
+
+TEST_F(empty_collection, is_made_coded_and_filmed_later) {
+    open();
+    make("Kick: off");
+    ASSERT_EQ(session().name(), "Kick: off");
+    EXPECT_EQ(event().collection().state(), video_type_state::none);
+    EXPECT_TRUE(event().has_collection());
+    EXPECT_TRUE(event().runs_on_clock());
+    EXPECT_EQ(session().fact(), "No camera · 0 clips");
+
+    window->actions()[command::play]->trigger();
+    EXPECT_TRUE(event().playback().is_playing());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return event().playback().collection_time() > 0.2; }, 60000));
+    const auto& first = event().logger().buttons().front();
+    event().logger().press(first.uuid(), event().playback().collection_time());
+    event().logger().release(first.uuid(), event().playback().collection_time() + 1);
+    event().logger().release_all(event().playback().collection_time() + 1);
+    EXPECT_EQ(timeline().clip_count(), 1U);
+    // Pausing and playing again runs on: the clock does not begin anew.
+    window->actions()[command::pause]->trigger();
+    const double paused_at = event().playback().collection_time();
+    window->actions()[command::play]->trigger();
+    EXPECT_GE(event().playback().collection_time(), paused_at);
+    window->actions()[command::pause]->trigger();
+    session().step(1);
+    const double stood_at = event().playback().collection_time();
+    EXPECT_GT(stood_at, paused_at);
+
+    window->collection().files().add_as({QString::fromStdString(home / "left end.mp4")}, {},
+                                        movies_as::vistel_each);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return event().collection().vistels().size() == 1; }, 60000));
+    EXPECT_FALSE(event().runs_on_clock());
+    EXPECT_EQ(event().collection().state(), video_type_state::playback);
+    EXPECT_EQ(event().playback().collection_time(), stood_at);
+    // What was coded at the clip's start is seen at 2 s of the movie.
+    auto& alignment = window->collection().alignment();
+    const auto coded = [&] { return (*timeline().rows().front()).clips()[0]->secs_start(); };
+    session().seek(coded());
+    alignment.mark_moment();
+    session().seek(2);
+    alignment.same_moment();
+    const auto vistel = event().collection().vistels().front()->uuid();
+    EXPECT_NEAR(movie_time_at(event().collection(), vistel, coded()).value_or(-1), 2, 1e-6);
+    session().undo();
+    session().undo();
+    EXPECT_TRUE(event().runs_on_clock());
+    EXPECT_EQ(timeline().clip_count(), 1U);
+
+    const std::string made = session().folder();
+    window->opener().open_folder(folder);
+    window->opener().open_folder(made);
+    EXPECT_EQ(timeline().clip_count(), 1U);
+}
+
+TEST_F(empty_collection, a_streamed_movie_that_is_short_is_told_a_moment_after_opening) {
+    const auto loaded = load_collection(folder);
+    ASSERT_TRUE(loaded);
+    const auto& vistel = *loaded.value().collection.vistels().front();
+    const std::string path = path_join(vistel.data_folder(), vistel_file_name);
+    auto record = read_dictionary_or_empty(path);
+    record.set("http file", "https://example.org/a");
+    auto& part = *(*record.find("drone_array")->array())[0].dictionary();
+    part.set("part_duration", 20.0);
+    testing::put_file(path, write_property_list(record));
+    open();
+    ASSERT_EQ(event().alerts().size(), 1U);
+    EXPECT_TRUE(event().messages().empty());
+    auto* bar = find<message_bar>("message");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bar->waiting() > 0; }, 60000));
+    EXPECT_EQ(bar->text(),
+              "Vistel 'left end' is 16 seconds shorter than expected.  \n"
+              "Restarting HLS localizing for this vistel may fix this.");
+}
+
+}  // namespace
+}  // namespace vistels
