@@ -215,8 +215,6 @@ void transport_bar::set_muted(bool muted) {
 }
 
 QSize transport_bar::minimumSizeHint() const {
-    // The layout notices only later that the slider came or went.
-    parts_->invalidate();
     const QSize whole(parts_->minimumSize().width(), height());
     return {whole.width() - (volume_->isHidden() ? 0 : volume_room()), whole.height()};
 }
@@ -228,7 +226,11 @@ int transport_bar::volume_room() const {
 
 void transport_bar::resizeEvent(QResizeEvent* event) {
     // Where room is short the frame's number goes first, then the volume slider; what is pressed stays.
-    volume_->setVisible(width() >= minimumSizeHint().width() + volume_room());
+    const bool has_room = width() >= minimumSizeHint().width() + volume_room();
+    if (has_room == volume_->isHidden()) {
+        volume_->setVisible(has_room);
+        parts_->invalidate();  // it would notice only later
+    }
     QWidget::resizeEvent(event);
 }
 

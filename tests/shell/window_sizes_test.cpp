@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QSplitterHandle>
 #include <set>
+#include <utility>
 
 #include "shell/code_window_button.h"
 #include "shell/code_window_canvas.h"
@@ -65,6 +66,36 @@ class window_sizes : public testing::shown_event {
         ASSERT_EQ(window->size(), size) << "the panes do not fit";
     }
 };
+
+// How often a widget of the program is laid out.
+class layout_count : public QObject {
+  public:
+    layout_count() { qApp->installEventFilter(this); }
+    int taken() { return std::exchange(count_, 0); }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest) ++count_;
+        return false;
+    }
+
+  private:
+    int count_ = 0;
+};
+
+// A layout that asks for the next one keeps the processor busy and the pictures waiting.
+TEST_F(window_sizes, the_layout_comes_to_rest) {
+    open();
+    layout_count layouts;
+    for (const QSize size : sizes) {
+        SCOPED_TRACE(text_of(size));
+        resize_to(size);
+        for (int round = 0; round < 20; ++round) QCoreApplication::processEvents();
+        layouts.taken();
+        for (int round = 0; round < 20; ++round) QCoreApplication::processEvents();
+        EXPECT_EQ(layouts.taken(), 0);
+    }
+}
 
 TEST_F(window_sizes, nothing_lies_over_its_neighbour_or_is_cut_off) {
     open();
