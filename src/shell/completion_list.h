@@ -30,6 +30,8 @@ class completion_list : public QListView {
     // Shows the lines under `under` (in the coordinates of the field), or above it where there is no room.
     // None is chosen unless `chooses_first`.
     void offer(const std::vector<completion_line>& lines, const QRect& under, bool chooses_first);
+    // Another `under` while it is shown.
+    void place(const QRect& under);
     void set_colours(const filter_colours& colours) { colours_ = colours; }
     const filter_colours& colours() const { return colours_; }
     int count() const;
@@ -45,8 +47,6 @@ class completion_list : public QListView {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    void place(const QRect& under);
-
     QWidget* field_;
     QStandardItemModel* lines_;
     filter_colours colours_;

@@ -84,7 +84,11 @@ void filter_completer::offer() {
     for (const formula_text& one : offered_) lines.push_back(line_of(one, at_.part));
     list_->set_colours(entry->colours());
     // Return after a plain search means the search.
-    list_->offer(lines, field_.frame(), at_.part != typed_part::plain_word && is_begun);
+    list_->offer(lines, field_.taken_room(), at_.part != typed_part::plain_word && is_begun);
+}
+
+void filter_completer::follow_field() {
+    if (is_shown()) list_->place(field_.taken_room());
 }
 
 void filter_completer::accept(int line) {

@@ -24,6 +24,8 @@ class filter_completer : public QObject {
 
     bool is_shown() const;
     void hide();
+    // What the field takes up has changed.
+    void follow_field();
     // The names in use were counted anew.
     void take_up_texts();
 

@@ -94,6 +94,12 @@ void filter_editor::set_text(const QString& text) {
     cursor.insertText(line);
     setTextCursor(cursor);
     is_setting_ = false;
+    show_start();
+}
+
+// Where nobody types the text is read from its beginning.
+void filter_editor::show_start() {
+    if (!hasFocus()) horizontalScrollBar()->setValue(horizontalScrollBar()->minimum());
 }
 
 void filter_editor::replace(int start, int length, const QString& piece, int place) {
@@ -252,6 +258,7 @@ void filter_editor::paintEvent(QPaintEvent* event) {
 void filter_editor::resizeEvent(QResizeEvent* event) {
     QPlainTextEdit::resizeEvent(event);
     ensureCursorVisible();
+    show_start();
 }
 
 // Chooses what stands between the quotes: blanks in it do not end the word.

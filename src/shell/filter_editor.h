@@ -64,6 +64,7 @@ class filter_editor : public QPlainTextEdit {
 
     void follow_text();
     void place_words();
+    void show_start();
     void use_theme();
 
     filter_colours colours_;

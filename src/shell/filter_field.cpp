@@ -152,7 +152,7 @@ void filter_field::place_message() {
     if (!message_) return;
     const QString message = entry_ ? entry_->message() : QString();
     message_->setVisible(!message.isEmpty());
-    if (message.isEmpty()) return;
+    if (message.isEmpty()) return completer_->follow_field();
     const theme_metrics& metrics = theme::current().metrics;
     QWidget* ground = message_->parentWidget();
     const QPoint at = mapTo(ground, QPoint(ring_room(), height() - ring_room()));
@@ -164,6 +164,7 @@ void filter_field::place_message() {
     message_->resize(std::min(room, message_->sizeHint().width()), message_->sizeHint().height());
     message_->move(at.x(), at.y() + metrics.grid);
     message_->raise();
+    completer_->follow_field();
 }
 
 void filter_field::focus() {
@@ -215,6 +216,13 @@ void filter_field::open_under(icon_button& button, QMenu& menu) {
 QRect filter_field::frame() const {
     const int room = ring_room();
     return rect().adjusted(room, room, -room, -room);
+}
+
+QRect filter_field::taken_room() const {
+    QRect room = frame();
+    if (message_ && message_->isVisible())
+        room.setBottom(room.bottom() + theme::current().metrics.grid + message_->height());
+    return room;
 }
 
 QSize filter_field::sizeHint() const {

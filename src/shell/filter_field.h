@@ -35,6 +35,8 @@ class filter_field : public QWidget {
     filter_editor& editor() const { return *editor_; }
     // Without the room for the focus ring.
     QRect frame() const;
+    // The frame with the message under it, while there is one.
+    QRect taken_room() const;
 
     // For menus and keys.
     void focus();
