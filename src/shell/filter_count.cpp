@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "shell/filter_entry.h"
 #include "shell/theme.h"
 
 namespace vistels {
@@ -22,6 +23,16 @@ QString counted(std::size_t number) {
 filter_count::filter_count(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     set_counts(0, 0, false, false);
+}
+
+void filter_count::follow(const filter_entry& entry) {
+    const auto show = [this, &entry] {
+        const filter_standing& standing = entry.standing();
+        set_counts(standing.passing, standing.total, entry.is_on(), standing.is_judging);
+        setVisible(entry.has_source());
+    };
+    connect(&entry, &filter_entry::standing_changed, this, show);
+    show();
 }
 
 void filter_count::set_counts(std::size_t passing, std::size_t total, bool is_on, bool is_judging) {

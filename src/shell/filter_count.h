@@ -6,6 +6,8 @@
 
 namespace vistels {
 
+class filter_entry;
+
 // "26 of 121" beside a filter field, or "121 clips" while every clip passes, in a width that does not change
 // with what passes. Main thread.
 class filter_count : public QWidget {
@@ -13,6 +15,8 @@ class filter_count : public QWidget {
   public:
     explicit filter_count(QWidget* parent = nullptr);
 
+    // Shows what this filter lets through from now on; nothing while there is no event.
+    void follow(const filter_entry& entry);
     // `is_judging`: the number that passes is about to change.
     void set_counts(std::size_t passing, std::size_t total, bool is_on, bool is_judging);
     QString words() const { return before_ + after_; }

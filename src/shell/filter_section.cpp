@@ -43,18 +43,12 @@ filter_section::filter_section(const QString& name, QWidget* parent)
 
 void filter_section::set_entry(filter_entry* entry) {
     field_->set_entry(entry);
-    const auto show = [this, entry] {
-        const filter_standing& standing = entry->standing();
-        count_->set_counts(standing.passing, standing.total, entry->is_on(), standing.is_judging);
-        count_->setVisible(entry->has_source());
-    };
+    count_->follow(*entry);
     const auto show_message = [this, entry] {
         message_->setText(entry->message());
         message_->setVisible(!entry->message().isEmpty());
     };
-    connect(entry, &filter_entry::standing_changed, this, show);
     connect(entry, &filter_entry::message_changed, this, show_message);
-    show();
     show_message();
 }
 

@@ -116,13 +116,7 @@ void timeline_view::build_filter() {
 
 void timeline_view::set_filter(filter_entry* entry) {
     filter_->set_entry(entry);
-    const auto show = [this, entry] {
-        const filter_standing& standing = entry->standing();
-        count_->set_counts(standing.passing, standing.total, entry->is_on(), standing.is_judging);
-        count_->setVisible(entry->has_source());
-    };
-    connect(entry, &filter_entry::standing_changed, this, show);
-    show();
+    count_->follow(*entry);
 }
 
 void timeline_view::set_timeline(timeline_document* document, transport* playing) {
