@@ -86,6 +86,13 @@ void collection_view::set_gap(const std::string& vistel, double seconds, bool ma
     update(place(*one));
 }
 
+void collection_view::set_over(const std::string& vistel, bool over) {
+    tile* one = find(vistel);
+    if (!one || one->is_over == over) return;
+    one->is_over = over;
+    update(place(*one));
+}
+
 void collection_view::set_problem(const std::string& vistel, const QString& problem) {
     tile* one = find(vistel);
     if (!one || one->vistel.problem == problem) return;
@@ -296,6 +303,16 @@ std::string collection_view::vistel_at(const QPoint& point) const {
 QRect collection_view::chip_of(const std::string& vistel) const {
     const tile* one = find(vistel);
     return one ? chip_in(place(*one), *one) : QRect();
+}
+
+QString collection_view::chip_words_of(const tile& one) {
+    if (one.vistel.name.isEmpty() || !one.vistel.problem.isEmpty()) return {};
+    return one.is_over ? tr("%1 · ended").arg(one.vistel.name) : one.vistel.name;
+}
+
+QString collection_view::chip_words(const std::string& vistel) const {
+    const tile* one = find(vistel);
+    return one ? chip_words_of(*one) : QString();
 }
 
 bool collection_view::has_picture(const std::string& vistel) const {

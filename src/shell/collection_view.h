@@ -43,6 +43,10 @@ class collection_view : public QWidget {
     // In place of the picture: there is none before `seconds` of the collection; not finite: there is none.
     // `marks_start` draws that the movie has not started yet.
     void set_gap(const std::string& vistel, double seconds, bool marks_start = false);
+    // Its movie is over and the picture its last one: its chip says so.
+    void set_over(const std::string& vistel, bool over);
+    // What stands on its chip; empty: it has none.
+    QString chip_words(const std::string& vistel) const;
     void set_problem(const std::string& vistel, const QString& problem);
     // A picture over the vistel's own, `frame` being fractions of that; a null one: none.
     void set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
@@ -128,6 +132,7 @@ class collection_view : public QWidget {
         bool in_gap = false;
         double gap_end = 0;
         bool marks_start = false;
+        bool is_over = false;
         QString note;
         QImage overlay;
         rectangle overlay_frame;
@@ -151,6 +156,7 @@ class collection_view : public QWidget {
     QRect home_of(const tile& one) const;
     QRect place(const tile& one) const;
     QRect chip_in(const QRect& view, const tile& one) const;
+    static QString chip_words_of(const tile& one);
     frame_grip grip_at(const tile& one, const QPoint& point) const;
     void lay_out();
     void paint_tile(QPainter& painter, const tile& one) const;

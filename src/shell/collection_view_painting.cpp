@@ -154,10 +154,11 @@ void collection_view::paint_words(QPainter& painter, const QRect& view, const ti
 }
 
 QRect collection_view::chip_in(const QRect& view, const tile& one) const {
-    if (one.vistel.name.isEmpty() || !one.vistel.problem.isEmpty() || view.isEmpty()) return {};
+    const QString name = chip_words_of(one);
+    if (name.isEmpty() || view.isEmpty()) return {};
     const theme_metrics& metrics = theme::current().metrics;
     const QFontMetrics words(theme::font(type_step::secondary_strong));
-    int width = words.horizontalAdvance(one.vistel.name) + 2 * metrics.padding;
+    int width = words.horizontalAdvance(name) + 2 * metrics.padding;
     if (one.vistel.has_sound) width += metrics.icon + metrics.grid;
     const int height = metrics.vistel_label_height;
     return {view.left() + metrics.padding, view.bottom() - metrics.padding - height + 1,
@@ -189,10 +190,10 @@ void collection_view::paint_chip(QPainter& painter, const QRect& view, const til
     painter.setPen(look.video_label);
     // Cut only where the vistel is too narrow for it.
     const QFontMetrics words(font);
-    const bool fits = words.horizontalAdvance(one.vistel.name) <= chip.width();
-    painter.drawText(
-        chip, Qt::AlignLeft | Qt::AlignVCenter,
-        fits ? one.vistel.name : words.elidedText(one.vistel.name, Qt::ElideRight, chip.width()));
+    const QString name = chip_words_of(one);
+    const bool fits = words.horizontalAdvance(name) <= chip.width();
+    painter.drawText(chip, Qt::AlignLeft | Qt::AlignVCenter,
+                     fits ? name : words.elidedText(name, Qt::ElideRight, chip.width()));
     painter.restore();
 }
 

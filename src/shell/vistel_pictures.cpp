@@ -145,6 +145,7 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
         view.set_problem(vistel, QString::fromStdString(problem));
         return;
     }
+    view.set_over(vistel, playback.is_over(vistel));
     switch (playback.state(vistel)) {
         case vistel_state::unreadable:
             return;

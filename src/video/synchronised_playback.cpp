@@ -310,6 +310,13 @@ std::optional<double> synchronised_playback::picture_seconds(const std::string& 
     return found == nullptr || !found->shown ? std::nullopt : std::optional(found->shown_seconds);
 }
 
+bool synchronised_playback::is_over(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    if (found == nullptr || found->player->is_still() || found->state == vistel_state::unreadable)
+        return false;
+    return clock_.time() + found->vistel.lead >= found->player->duration() + frame_tolerance_seconds;
+}
+
 double synchronised_playback::frame_seconds(const std::string& uuid) const {
     const entry* const found = find(uuid);
     return found == nullptr ? 0 : found->player->frame_seconds(clock_.time() + found->vistel.lead);

@@ -77,6 +77,8 @@ class synchronised_playback final : public transport {
     picture_pointer picture(const std::string& uuid) const;
     // The shown frame's time on the vistel's own time line.
     std::optional<double> picture_seconds(const std::string& uuid) const;
+    // Its movies are over at this time: the last picture stays.
+    bool is_over(const std::string& uuid) const;
     // How long a frame of the vistel stands on average; 0 when there is no such vistel.
     double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;

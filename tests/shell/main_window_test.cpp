@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QTreeView>
 #include <filesystem>
+#include <utility>
 
 #include "app/start_up.h"
 #include "logger/press_engine.h"
@@ -176,6 +177,25 @@ TEST_F(event_window, a_missing_movie_is_told_in_its_vistel_and_the_other_plays) 
     }
     EXPECT_EQ(with_picture, 1);
     EXPECT_EQ(with_words, 1);
+}
+
+// Its last picture stays, which must not be taken for one of that moment.
+TEST_F(event_window, a_vistel_whose_movie_is_over_says_so) {
+    open();
+    auto* view = window->findChild<collection_view*>();
+    const std::string left = event().collection().vistels()[0]->uuid();
+    const std::string right = event().collection().vistels()[1]->uuid();
+    const QString words = view->chip_words(right);
+    ASSERT_TRUE(event().set_offset(right, -1).ok());  // began, and ends, a second before the other
+    const auto say_over = [&] {
+        return std::pair(view->chip_words(left).contains("ended"), view->chip_words(right).contains("ended"));
+    };
+    for (const double seconds : {2.9, 3.5, 1.0}) {
+        window->session().seek(seconds);
+        const std::pair expected{false, seconds > 3};
+        EXPECT_TRUE(QTest::qWaitFor([&] { return say_over() == expected; })) << seconds;
+    }
+    EXPECT_EQ(view->chip_words(right), words);
 }
 
 TEST_F(event_window, a_damaged_timeline_is_named_and_left_alone) {
