@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QRectF>
 #include <QString>
 #include <string>
 #include <vector>
@@ -21,6 +22,8 @@ struct filter_display {
         span place;        // with its identifiers, where nothing but blanks is between them
         span text;         // between the quotes
         std::string code;  // "RN", "QN" ...: the one that decides; empty: a wrong one
+        // Where it was drawn last, in the view's coordinates; empty: nowhere.
+        QRectF stored_draw_coloured_formula_rect = {};
 
         bool operator==(const word&) const = default;
     };

@@ -161,8 +161,8 @@ void filter_editor::follow_text() {
 }
 
 const filter_display::word* filter_editor::word_under(const QPoint& place) const {
-    for (std::size_t i = 0; i < word_rects_.size() && i < display_.words.size(); ++i) {
-        if (word_rects_[i].contains(place)) return &display_.words[i];
+    for (const auto& word : display_.words) {
+        if (word.stored_draw_coloured_formula_rect.contains(place)) return &word;
     }
     return nullptr;
 }
@@ -210,7 +210,6 @@ void filter_editor::keyPressEvent(QKeyEvent* event) {
 }
 
 void filter_editor::place_words() {
-    word_rects_.clear();
     const QTextBlock block = document()->firstBlock();
     // This lays the line out where that is still to be done.
     const QPointF origin = blockBoundingGeometry(block).translated(contentOffset()).topLeft();
@@ -227,15 +226,13 @@ void filter_editor::place_words() {
     const bool is_long = block.length() > long_text;
     const int first = is_long ? line.xToCursor(-origin.x()) : 0;
     const int last = is_long ? line.xToCursor(viewport()->width() - origin.x()) : block.length();
-    for (const auto& word : display_.words) {
-        if (word.place.end() < first || word.place.start > last) {
-            word_rects_.emplace_back();
-            continue;
-        }
+    for (auto& word : display_.words) {
+        word.stored_draw_coloured_formula_rect = {};
+        if (word.place.end() < first || word.place.start > last) continue;
         const double left = x_at(word.place.start);
         const double right = x_at(word.place.end());
         QRectF place(std::min(left, right), line.y(), std::abs(right - left), line.height());
-        word_rects_.push_back(place.translated(origin).adjusted(-padding, 0, padding, 0));
+        word.stored_draw_coloured_formula_rect = place.translated(origin).adjusted(-padding, 0, padding, 0);
     }
 }
 
@@ -245,11 +242,12 @@ void filter_editor::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    for (std::size_t i = 0; i < word_rects_.size(); ++i) {
-        const QColor ground = colours_.ground(look, display_.words[i].code);
-        if (!ground.isValid() || word_rects_[i].isEmpty()) continue;
+    for (const auto& word : display_.words) {
+        const QColor ground = colours_.ground(look, word.code);
+        if (!ground.isValid() || word.stored_draw_coloured_formula_rect.isEmpty()) continue;
         painter.setBrush(ground);
-        painter.drawRoundedRect(word_rects_[i], look.metrics.radius_clip, look.metrics.radius_clip);
+        painter.drawRoundedRect(word.stored_draw_coloured_formula_rect, look.metrics.radius_clip,
+                                look.metrics.radius_clip);
     }
     painter.end();
     QPlainTextEdit::paintEvent(event);

@@ -32,9 +32,6 @@ class filter_editor : public QPlainTextEdit {
     std::size_t caret() const;
     const filter_display& display() const { return display_; }
 
-    // Where the words were drawn last, in the order of display().words; in coordinates of the viewport. Empty
-    // for those of a long text that are not seen.
-    const std::vector<QRectF>& word_rects() const { return word_rects_; }
     const filter_display::word* word_under(const QPoint& place) const;
 
     QSize sizeHint() const override;
@@ -69,7 +66,6 @@ class filter_editor : public QPlainTextEdit {
 
     filter_colours colours_;
     filter_display display_;
-    std::vector<QRectF> word_rects_;
     QString last_text_;
     bool is_setting_ = false;
     painter_of_words* highlighter_;

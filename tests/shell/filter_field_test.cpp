@@ -142,8 +142,8 @@ TEST_F(filter_editing, letters_take_the_colour_of_their_word_and_a_wavy_line_whe
     use_theme(*qApp, theme_choice::dark);
     // A click finds its word, a double click chooses what is between the quotes.
     editor.viewport()->repaint();
-    ASSERT_EQ(editor.word_rects().size(), 2U);
-    const QPoint in_first = editor.word_rects()[0].center().toPoint();
+    ASSERT_EQ(editor.display().words.size(), 2U);
+    const QPoint in_first = editor.display().words[0].stored_draw_coloured_formula_rect.center().toPoint();
     ASSERT_TRUE(editor.word_under(in_first));
     EXPECT_EQ(editor.word_under(in_first)->code, "RN");
     EXPECT_FALSE(editor.word_under(QPoint(editor.width() - 2, in_first.y())));
@@ -152,12 +152,13 @@ TEST_F(filter_editing, letters_take_the_colour_of_their_word_and_a_wavy_line_whe
     // Of a long text only what is seen is placed: here its end.
     editor.set_text(QStringLiteral("[RN]\"Shot\" | ").repeated(1000) + QStringLiteral("\"b\""));
     editor.viewport()->repaint();
-    const auto& rects = editor.word_rects();
-    ASSERT_EQ(rects.size(), 1001U);
-    EXPECT_TRUE(rects.front().isEmpty());
-    EXPECT_TRUE(editor.viewport()->rect().intersects(rects.back().toRect()));
-    EXPECT_LT(std::count_if(rects.begin(), rects.end(), [](const QRectF& one) { return !one.isEmpty(); }),
-              50);
+    const auto& words = editor.display().words;
+    const auto is_drawn = [](const auto& one) { return !one.stored_draw_coloured_formula_rect.isEmpty(); };
+    ASSERT_EQ(words.size(), 1001U);
+    EXPECT_FALSE(is_drawn(words.front()));
+    EXPECT_TRUE(
+        editor.viewport()->rect().intersects(words.back().stored_draw_coloured_formula_rect.toRect()));
+    EXPECT_LT(std::count_if(words.begin(), words.end(), is_drawn), 50);
 }
 
 TEST_F(filter_editing, one_line_comes_of_pasting_input_methods_and_setting) {
@@ -181,7 +182,8 @@ TEST_F(filter_editing, one_line_comes_of_pasting_input_methods_and_setting) {
     QApplication::sendEvent(&editor, &composing);
     editor.viewport()->repaint();
     EXPECT_EQ(typed, 0);
-    EXPECT_EQ(editor.word_rects().size(), 1U);
+    ASSERT_EQ(editor.display().words.size(), 1U);
+    EXPECT_FALSE(editor.display().words[0].stored_draw_coloured_formula_rect.isEmpty());
     QInputMethodEvent done;
     done.setCommitString(QString::fromUtf8("日本\n"));
     QApplication::sendEvent(&editor, &done);
