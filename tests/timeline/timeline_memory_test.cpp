@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/counted_memory.h"
+#include "support/sanitized.h"
 #include "support/temporary_folder.h"
 #include "timeline/sxy_Save_Load.h"
 #include "timeline/timeline_journal.h"
@@ -178,7 +179,7 @@ TEST(timeline, no_file_makes_loading_it_need_more_than_twenty_times_its_size) {
             << file.substr(0, 200) << ": " << static_cast<double>(needed) / static_cast<double>(file.size())
             << " times";
     };
-    constexpr std::size_t bytes = 1'000'000;
+    constexpr std::size_t bytes = testing::is_sanitized ? 300'000 : 1'000'000;
     for (const auto& one : greedy_documents()) expect_lean(one.of_size(bytes), folder / "chron.json");
     for (const auto& one : greedy_lists()) expect_lean(one.of_size(bytes), folder / "chron.plist");
     expect_lean(different_names(bytes), folder / "chron.json");
