@@ -96,7 +96,6 @@ result<void> open_event::load() {
     const saving_block block(collection_);
     has_collection_ ? link_records() : name_timeline();
     playback_ = std::make_unique<synchronised_playback>(loop_);
-    playlist_ = std::make_unique<clip_playlist>(*playback_, loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
     feed_playback();
     playback_->seek(to_restore);

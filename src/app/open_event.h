@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "app/clip_filtering.h"
-#include "app/clip_playlist.h"
 #include "app/collection_changes.h"
 #include "app/places.h"
 #include "app/undo_stack.h"
@@ -52,8 +51,6 @@ class open_event {
     undo_stack& undo() { return *undo_; }
     // Which clips of the timeline pass.
     clip_filtering& filtering() { return *filtering_; }
-    // Plays clips one after another.
-    clip_playlist& playlist() { return *playlist_; }
     // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
     // which is not to be changed.
     collection_changes& changes() { return *changes_; }
@@ -130,7 +127,6 @@ class open_event {
     std::unique_ptr<timeline_document> timeline_;
     std::unique_ptr<clip_filtering> filtering_;
     std::unique_ptr<synchronised_playback> playback_;
-    std::unique_ptr<clip_playlist> playlist_;
     // What playback was given.
     std::pair<double, double> fed_range_ = {0, 0};
     std::vector<playback_vistel> fed_vistels_;
