@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/clip_filtering.h"
 
-#include <cmath>
-#include <limits>
-
 #include "formula/parser_ROOT.h"
-#include "timeline/clip_row.h"
 
 namespace vistels {
 
 namespace {
-
-// A clip that starts at the playhead is neither before nor after it.
-constexpr double beside_seconds = 0.02;
 
 // Rows and clips are not named one by one.
 bool is_everything(const change_set& changes) {
@@ -224,40 +217,6 @@ void clip_filtering::count() {
         standing_.passing = 0;
         for (const auto& row : document_.timeline().rows()) standing_.passing += passing_in(*row);
     }
-}
-
-std::vector<std::string> clip_filtering::passing_clips() const {
-    std::vector<std::string> clips;
-    for (const auto& one : clips_in_start_order(document_.timeline().rows(), true)) {
-        clips.push_back(one.clip_->id());
-    }
-    return clips;
-}
-
-std::string clip_filtering::passing_clip_beside(double seconds, int direction) const {
-    clip_pointer nearest;
-    double away = std::numeric_limits<double>::infinity();
-    for (const auto& row : document_.timeline().rows()) {
-        if (row->filtered_in_count() == 0) continue;
-        const auto& clips = row->clips();
-        const auto consider = [&](const clip_pointer& clip) {
-            const double distance = std::abs(clip->start_in_place() - seconds);
-            if (distance >= away) return false;
-            if (distance <= beside_seconds || !clip->filtered_in_now()) return true;
-            nearest = clip;
-            away = distance;
-            return false;
-        };
-        if (direction > 0) {
-            auto at = clips.begin() + static_cast<std::ptrdiff_t>(clips.first_starting_at(seconds));
-            while (at != clips.end() && consider(*at)) ++at;
-        } else {
-            auto at = clips.begin() + static_cast<std::ptrdiff_t>(clips.first_starting_at(seconds));
-            while (at != clips.begin() && consider(*--at)) {
-            }
-        }
-    }
-    return nearest ? nearest->id() : std::string();
 }
 
 }  // namespace vistels

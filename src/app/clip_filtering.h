@@ -56,12 +56,6 @@ class clip_filtering {
     const filter_standing& standing() const { return standing_; }
     bool is_on() const { return !standing_.text.empty(); }
 
-    // The UUIDs of the clips that pass, by start time.
-    std::vector<std::string> passing_clips() const;
-    // The clip that passes and starts next after (direction > 0) or before `seconds`; empty: none. One that
-    // starts within 0.02 seconds is neither after nor before.
-    std::string passing_clip_beside(double seconds, int direction) const;
-
     // The standing changed; with `marks_changed` so did which clips and qualifiers are filtered in. Comes
     // after the document's `changed` for what an edit brought about.
     signal<bool /* marks_changed */> changed;
