@@ -33,6 +33,7 @@ function(vistels_folder name)
 
     set(library vistels_${name})
     if(sources)
+        vistels_group_sources(${name} ${library} sources)
         add_library(${library} STATIC ${sources} ${headers})
         target_link_libraries(${library} PUBLIC ${linked})
     else()

@@ -11,12 +11,6 @@ namespace vistels {
 
 namespace {
 
-bool is_shared(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
-    const auto all = collection.vistels();
-    return std::count_if(all.begin(), all.end(),
-                         [&](const auto& one) { return one->uuid() == vistel.uuid(); }) > 1;
-}
-
 // The reason and what could not be undone after it.
 failure with_undoing(failure reason, const result<void>& undone) {
     if (!undone) reason.message += " " + undone.message();
@@ -34,6 +28,15 @@ std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel,
            "The movie data will then not be available for others.";
 }
 
+std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
+    const auto all = collection.vistels();
+    const auto items =
+        std::count_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == vistel.uuid(); });
+    if (items <= 1) return {};
+    return "The data of the vistel \"" + vistel.name() +
+           "\" is shown by another vistel of the collection, too.";
+}
+
 result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, const std::string& folder,
                                             const std::string& uuid, const std::string& user, bool confirmed,
                                             const std::string& home_trash, file_system& files) {
@@ -41,10 +44,8 @@ result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, c
     if (!vistel) return failure{"The collection has no vistel \"" + uuid + "\"."};
     const auto warning = close_vistel_warning(*vistel, user);
     if (warning && !confirmed) return failure{*warning};
-    if (is_shared(collection, *vistel)) {
-        return failure{"The data of the vistel \"" + vistel->name() +
-                       "\" is shown by another vistel of the collection, too."};
-    }
+    if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
+        return failure{refusal};
     closed_vistel closed{vistel, 0, vistel->data_folder(), std::nullopt};
     if (!closed.data_folder.empty()) {
         auto moved = move_to_trash(closed.data_folder, home_trash, files);

@@ -18,6 +18,10 @@ namespace vistels {
 // when nobody is named as its creator.
 std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user);
 
+// Why a vistel of the collection is not to be closed for good: another one shows its data, too. An empty text
+// when it may be.
+std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel);
+
 // A vistel that was closed for good, and what it takes to bring it back.
 struct closed_vistel {
     std::shared_ptr<single_Vistel_CTR> vistel;
@@ -28,7 +32,7 @@ struct closed_vistel {
 
 // Closes a vistel for good: its item is taken out of the collection in `folder`, which is saved, and its data
 // goes to the trash. Where the warning above applies, `confirmed` says that the user has answered it; without
-// that it is the failure. A vistel whose data another item of the collection shows too is refused. On failure
+// that it is the failure. What is refused above is a failure. On failure
 // collection and data are as they were. Main thread.
 result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, const std::string& folder,
                                             const std::string& uuid, const std::string& user, bool confirmed,

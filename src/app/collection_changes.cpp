@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/undo_stack.h"
+#include "video/blank_movie.h"
 #include "video/padding_movies.h"
 #include "video/video_coll_Offsets.h"
 
@@ -29,11 +30,12 @@ bool changes_parts(const collection_edit& edit) {
 }
 
 // Padding movies that no part named were deleted; doing a change again needs them again.
-result<void> make_padding_again(const video_collection_ROOT& collection, const collection_edit& edit) {
+result<void> make_padding_again(const video_collection_ROOT& collection, const collection_edit& edit,
+                                blank_vistel_movie& blank) {
     auto changed = detached_copy(collection);
     if (auto applied = apply_collection_edit(changed, edit, edit_manner::lenient); !applied) return applied;
     job work;
-    return make_padding_files(padding_files_of(changed), work);
+    return make_padding_files(padding_files_of(changed), blank, work);
 }
 
 double largest_offset(const video_collection_ROOT& collection) {
@@ -49,12 +51,12 @@ double shift_of(const collection_change& change, const video_collection_ROOT& be
 }
 
 collection_changes::collection_changes(video_collection_ROOT& collection, timeline_document& timeline,
-                                       saver save)
-    : collection_(collection), timeline_(timeline), save_(std::move(save)) {
+                                       blank_vistel_movie& blank, saver save)
+    : collection_(collection), timeline_(timeline), blank_(blank), save_(std::move(save)) {
     timeline_.set_beside_changer([this](const property_dictionary& stored) -> result<void> {
         const auto edit = read_collection_edit(stored);
         if (changes_parts(edit)) {
-            if (auto ready = make_padding_again(collection_, edit); !ready) return ready;
+            if (auto ready = make_padding_again(collection_, edit, blank_); !ready) return ready;
             parts_changed_ = true;
         }
         return apply_collection_edit(collection_, edit);
@@ -157,7 +159,7 @@ result<void> collection_changes::cancel() {
 }
 
 bool collection_changes::take_up_recovered(video_collection_ROOT& collection,
-                                           const timeline_document& timeline) {
+                                           const timeline_document& timeline, blank_vistel_movie& blank) {
     bool found = false;
     for (const auto& [edit, inverse] : timeline.recovered()) {
         for (const auto& any : edit.operations) {
@@ -165,7 +167,7 @@ bool collection_changes::take_up_recovered(video_collection_ROOT& collection,
             if (!beside) continue;
             found = true;
             const auto change = read_collection_edit(beside->change);
-            if (changes_parts(change)) (void)make_padding_again(collection, change);
+            if (changes_parts(change)) (void)make_padding_again(collection, change, blank);
             (void)apply_collection_edit(collection, change, edit_manner::lenient);
         }
     }

@@ -14,6 +14,7 @@
 
 namespace vistels {
 
+class blank_vistel_movie;
 class undo_stack;
 
 // A change of a collection that is to be made.
@@ -42,8 +43,9 @@ class collection_changes {
     // Saves the collection's records.
     using saver = std::function<result<void>()>;
 
-    // The references must outlive this; `undo` may be null, and set later.
-    collection_changes(video_collection_ROOT& collection, timeline_document& timeline, saver save);
+    // The references must outlive this; blank movies come from `blank`. `undo` may be null, and set later.
+    collection_changes(video_collection_ROOT& collection, timeline_document& timeline,
+                       blank_vistel_movie& blank, saver save);
     ~collection_changes();
     collection_changes(const collection_changes&) = delete;
     collection_changes& operator=(const collection_changes&) = delete;
@@ -63,7 +65,8 @@ class collection_changes {
 
     // Makes what the journal brought back when the timeline was opened, as far as the collection lacks it.
     // True when there was something of that kind: the collection is to be saved.
-    static bool take_up_recovered(video_collection_ROOT& collection, const timeline_document& timeline);
+    static bool take_up_recovered(video_collection_ROOT& collection, const timeline_document& timeline,
+                                  blank_vistel_movie& blank);
 
     // By how many seconds the timeline's times moved, in what the journal brought back, since the collection
     // was saved as it is here. To be asked before that is taken up.
@@ -87,6 +90,7 @@ class collection_changes {
 
     video_collection_ROOT& collection_;
     timeline_document& timeline_;
+    blank_vistel_movie& blank_;
     const saver save_;
     undo_stack* undo_ = nullptr;
     bool is_within_ = false;

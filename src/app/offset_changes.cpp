@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "video/video_coll_Offsets.h"
+#include "video/video_coll_Records.h"
 
 namespace vistels {
 
@@ -18,6 +19,8 @@ result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const video_collection_ROOT
 
 result<void> put_offset(single_Vistel_CTR& vistel, double seconds) {
     if (!std::isfinite(seconds)) return failure{"The offset of \"" + vistel.name() + "\" is no number."};
+    if (std::abs(seconds) > most_stored_seconds)
+        return failure{"The offset of \"" + vistel.name() + "\" is too long: more than 30 years."};
     vistel.set_manual_start_offset(seconds);
     return {};
 }

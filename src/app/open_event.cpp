@@ -15,6 +15,7 @@
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/uuid.h"
+#include "video/blank_movie.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -63,7 +64,10 @@ bool is_timeline_alone(const std::string& folder) {
 }  // namespace
 
 open_event::open_event(std::string folder, home_places places, run_loop& loop)
-    : folder_(std::move(folder)), places_(std::move(places)), loop_(loop) {}
+    : folder_(std::move(folder)),
+      places_(std::move(places)),
+      loop_(loop),
+      blank_movie_(std::make_shared<blank_vistel_movie>(places_.temporary_folder())) {}
 
 result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, const home_places& places,
                                                      run_loop& loop) {
@@ -91,7 +95,8 @@ result<void> open_event::load() {
     }
     if (auto opened = open_timeline(); !opened) return opened;
     const double to_restore = movie_time_to_restore();
-    is_recovered_ = has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_);
+    is_recovered_ =
+        has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
     // Nothing is saved of a collection that is not whole yet.
     const saving_block block(collection_);
     has_collection_ ? link_records() : name_timeline();
@@ -110,8 +115,8 @@ result<void> open_event::load() {
 }
 
 void open_event::open_changes() {
-    changes_ =
-        std::make_unique<collection_changes>(collection_, *timeline_, [this] { return save_collection(); });
+    changes_ = std::make_unique<collection_changes>(collection_, *timeline_, *blank_movie_,
+                                                    [this] { return save_collection(); });
     changes_->set_undo(undo_.get());
     made_ = changes_->made.connect([this](double shift) { follow_change(shift); });
 }
@@ -145,7 +150,8 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
     if (auto loaded = load_collection_record(); !loaded) return loaded;
-    if (collection_changes::take_up_recovered(collection_, *timeline_)) (void)changes_->save_all();
+    if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_))
+        (void)changes_->save_all();
     link_records();
     feed_playback();
     collection_changed.emit();

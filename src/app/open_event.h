@@ -20,6 +20,7 @@
 
 namespace vistels {
 
+class blank_vistel_movie;
 class press_engine;
 
 // One open collection with everything that belongs to it: its record, its timeline, its code window, the
@@ -54,6 +55,8 @@ class open_event {
     // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
     // which is not to be changed.
     collection_changes& changes() { return *changes_; }
+    // For work on other threads, which may outlast the event.
+    std::shared_ptr<blank_vistel_movie> blank_movie() const { return blank_movie_; }
 
     // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
     const std::vector<std::string>& messages() const { return messages_; }
@@ -133,6 +136,7 @@ class open_event {
     std::string fed_sound_;
     std::unique_ptr<press_engine> logger_;
     std::unique_ptr<undo_stack> undo_;
+    const std::shared_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
     std::optional<run_loop::timer_id> tick_timer_;
     connection made_;

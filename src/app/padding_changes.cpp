@@ -48,10 +48,10 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
 }
 
 result<void> run_padding(collection_changes& changes, const video_collection_ROOT& collection,
-                         padding_command command, job& work) {
+                         blank_vistel_movie& blank, padding_command command, job& work) {
     const auto planned = plan_padding(collection, command);
     if (!planned) return planned.error();
-    if (auto made = make_padding_files(planned.value().files, work); !made) return made;
+    if (auto made = make_padding_files(planned.value().files, blank, work); !made) return made;
     auto changed = changes.make(planned.value().change);
     if (!changed) remove_unused_padding_files(collection);
     return changed;

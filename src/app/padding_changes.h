@@ -14,10 +14,10 @@ enum class padding_command { replace_with_padding, remove_offsets_and_padding, r
 // "Replace Vistel Offsets With Padding Movies" and so on.
 const char* padding_command_title(padding_command command);
 
-// A padding command on its way: plan, on the main thread; make_padding_files(files, work), in a job; then
-// collection_changes::make(change), on the main thread. It is refused when the collection changed in between.
-// Until then nothing names the files: of a command that is given up, remove_unused_padding_files() deletes
-// them.
+// A padding command on its way: plan, on the main thread; make_padding_files(files, blank, work), in a job;
+// then collection_changes::make(change), on the main thread. It is refused when the collection changed in
+// between. Until then nothing names the files: of a command that is given up, remove_unused_padding_files()
+// deletes them.
 struct planned_padding {
     collection_change change;
     std::vector<padding_file> files;
@@ -27,6 +27,6 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
 // All three steps, one after the other on this thread. Nothing is changed and no file left on failure, or
 // when `work` is cancelled.
 result<void> run_padding(collection_changes& changes, const video_collection_ROOT& collection,
-                         padding_command command, job& work);
+                         blank_vistel_movie& blank, padding_command command, job& work);
 
 }  // namespace vistels

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/part_changes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
 #include "app/offset_changes.h"
 #include "video/part_placing.h"
+#include "video/video_coll_Records.h"
 
 namespace vistels {
 
@@ -50,7 +52,8 @@ collection_change plan_parts(const video_collection_ROOT& collection, const sxy_
             return failure{"The movie parts of \"" + found->name() + "\" changed meanwhile."};
         for (std::size_t index = 0; index < placed.parts.size(); ++index) {
             const double gap = parts.parts[index].gap_before;
-            if (!std::isfinite(gap) || gap < 0) return failure{"A gap must be 0 seconds or longer."};
+            if (!(gap >= 0)) return failure{"A gap must be 0 seconds or longer."};
+            if (gap > most_stored_seconds) return failure{"A gap must not be longer than 30 years."};
             placed.parts[index].gap_before = gap;
         }
         found->set_parts(std::move(placed));
@@ -74,6 +77,25 @@ collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DA
                 }};
     }
     return plan_parts(collection, timeline, vistel, with_gap(parts, part, seconds));
+}
+
+collection_change plan_found_movie(const std::string& vistel, const movie_Part_DRONE_Offset_Item& brought) {
+    return {"Find Movie", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+                const auto found = copy.find_vistel(vistel);
+                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                auto parts = found->parts();
+                const auto missing = std::find_if(parts.parts.begin(), parts.parts.end(),
+                                                  [](const auto& part) { return part.path.empty(); });
+                if (missing == parts.parts.end())
+                    return failure{"No movie of \"" + found->name() + "\" is missing any more."};
+                const double longer = brought.part_duration - missing->part_duration;
+                missing->path = brought.path;
+                missing->part_duration = brought.part_duration;
+                if (const auto next = missing + 1; next != parts.parts.end())
+                    next->gap_before = std::max(0.0, next->gap_before - longer);
+                found->set_parts(std::move(parts));
+                return {};
+            }};
 }
 
 collection_change plan_clip_lock(const std::string& vistel, bool locks) {

@@ -21,6 +21,9 @@ collection_change plan_parts(const video_collection_ROOT& collection, const sxy_
 // A gap gets another length; the parts behind it move along.
 collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
                            const std::string& vistel, std::size_t part, double seconds);
+// The first part whose movie is missing gets that of `brought`, which lies in the vistel's folder, and its
+// duration. The parts behind it stay where they are, as far as the gap after it allows.
+collection_change plan_found_movie(const std::string& vistel, const movie_Part_DRONE_Offset_Item& brought);
 collection_change plan_clip_lock(const std::string& vistel, bool locks);
 
 }  // namespace vistels

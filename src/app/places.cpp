@@ -61,8 +61,8 @@ std::string home_places::local_vistels() const {
     return path_join(state_folder, "Single Videos Local");
 }
 
-std::string desktop_folder() {
-    return user_folder("DESKTOP", "Desktop");
+std::string home_places::temporary_folder() const {
+    return path_join(state_folder, "Temp");
 }
 
 std::string absolute_path(const std::string& path) {
@@ -77,11 +77,12 @@ home_places find_home_places(const std::string& home) {
     if (!chosen.empty()) {
         const std::string folder = absolute_path(chosen);
         return {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
-                path_join(folder, "Trash")};
+                path_join(folder, "Trash"), path_join(folder, "Desktop")};
     }
     const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
     return {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
-            path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash")};
+            path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash"),
+            user_folder("DESKTOP", "Desktop")};
 }
 
 }  // namespace vistels

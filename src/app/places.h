@@ -10,18 +10,18 @@ struct home_places {
     std::string home_vault;    // ".../Home Vault.VVault"
     std::string state_folder;  // ".../Home Folder.VVault", also the folder of the settings
     std::string trash = {};    // the user's trash; empty: that of each volume
+    std::string desktop = {};  // the folder that the user's desktop shows
 
     // Data of vistels that is kept on this machine only.
     std::string local_vistels() const;
+    // What can be made again.
+    std::string temporary_folder() const;
 };
 
 // All lie in `home` when it is not empty, else in the folder that VISTELS_HOME names, else the vault
 // in the user's documents folder and the state in the user's data folder ("$XDG_DATA_HOME/vistels",
 // "~/.local/share/vistels"), beside which the desktop's trash lies. Nothing is made.
 home_places find_home_places(const std::string& home = {});
-
-// The folder that the user's desktop shows.
-std::string desktop_folder();
 
 // The path from the root, without "." and "..", and without a slash at its end. Nothing is looked up.
 std::string absolute_path(const std::string& path);

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <ctime>
 #include <optional>
+#include <sstream>
+#include <string_view>
 #include <vector>
 
 namespace vistels {
@@ -20,6 +22,14 @@ struct trash_place {
     std::string folder;
     std::string top;
 };
+
+constexpr std::string_view information_ending = ".trashinfo";
+
+// Room for a number and the ending in a name of 255 bytes.
+std::string trash_name(const std::string& path) {
+    constexpr std::size_t longest_name = 230;
+    return path_name(path).substr(0, longest_name);
+}
 
 std::optional<dev_t> volume_of(const std::string& path) {
     struct stat state {};
@@ -98,6 +108,22 @@ std::string information_text(const std::string& path, const trash_place& trash) 
            "\n";
 }
 
+// The line that says where it was, and the day it was moved, as information_text() writes them.
+struct trash_information {
+    std::string path_line;
+    std::string date_line;
+};
+
+trash_information read_information(const std::string& text) {
+    trash_information read;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("Path=")) read.path_line = line;
+        if (line.starts_with("DeletionDate=")) read.date_line = line;
+    }
+    return read;
+}
+
 // Takes a free name in the trash by making its information file.
 result<trashed> take_name(const std::string& path, const trash_place& trash, file_system& files) {
     const std::string information_folder = path_join(trash.folder, "info");
@@ -105,13 +131,11 @@ result<trashed> take_name(const std::string& path, const trash_place& trash, fil
     for (const auto& folder : {trash.folder, information_folder, files_folder}) {
         if (auto made = make_private_folder(folder); !made) return made.error();
     }
-    // Room for the number and the ending in a name of 255 bytes.
-    constexpr std::size_t longest_name = 230;
-    const std::string name = path_name(path).substr(0, longest_name);
+    const std::string name = trash_name(path);
     for (int number = 1;; ++number) {
         const std::string free_name = number == 1 ? name : name + " " + std::to_string(number);
         trashed taken{path_join(files_folder, free_name),
-                      path_join(information_folder, free_name + ".trashinfo")};
+                      path_join(information_folder, free_name + std::string(information_ending))};
         int descriptor = -1;
         int fault = files.open(taken.information, O_WRONLY | O_CREAT | O_EXCL, descriptor);
         if (fault == EEXIST) continue;
@@ -145,6 +169,27 @@ result<trashed> move_to_trash(const std::string& path, const std::string& home_t
         if (fault != EXDEV) break;
     }
     return reason;
+}
+
+std::optional<trashed> find_in_trash(const std::string& path, const std::string& home_trash) {
+    std::optional<trashed> found;
+    std::string found_date;
+    for (const auto& trash : places_for(path, home_trash)) {
+        const std::string wanted = read_information(information_text(path, trash)).path_line;
+        for (const auto& name : names_in_folder(path_join(trash.folder, "info"))) {
+            if (!name.starts_with(trash_name(path)) || !name.ends_with(information_ending)) continue;
+            const trashed one{path_join(path_join(trash.folder, "files"),
+                                        name.substr(0, name.size() - information_ending.size())),
+                              path_join(path_join(trash.folder, "info"), name)};
+            const auto text = read_file(one.information);
+            if (!text || !volume_of(one.path)) continue;
+            const auto read = read_information(text.value());
+            if (read.path_line != wanted || (found && read.date_line < found_date)) continue;
+            found = one;
+            found_date = read.date_line;
+        }
+    }
+    return found;
 }
 
 result<void> restore_from_trash(const trashed& what, const std::string& path, file_system& files) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "util/file_system.h"
@@ -19,6 +20,9 @@ struct trashed {
 // deleted: where it cannot be moved it stays, and the failure says why. Any thread.
 result<trashed> move_to_trash(const std::string& path, const std::string& home_trash,
                               file_system& files = machine_files());
+
+// What was moved to the trash from `path` last; nothing when it is not there any more. Any thread.
+std::optional<trashed> find_in_trash(const std::string& path, const std::string& home_trash);
 
 // Brings it back to `path`, where nothing must be.
 result<void> restore_from_trash(const trashed& what, const std::string& path,

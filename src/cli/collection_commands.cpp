@@ -41,7 +41,7 @@ property_dictionary vistel_document(const single_Vistel_CTR& vistel,
     one.add("number", vistel.number());
     one.add("name", vistel.name());
     one.add("offset", vistel.manual_start_offset().value_or(0));
-    one.add("lead_clips", lead_for_clips(items, {vistel.number(), vistel.manual_start_offset()}));
+    one.add("lead_clips", lead_for_cutting(items, {vistel.number(), vistel.manual_start_offset()}));
     one.add("lead_composer", lead_for_composer(items, vistel.number()));
     one.add("duration", vistel.parts().duration());
     one.add("parts", parts_of(vistel));
@@ -106,8 +106,7 @@ result<command_outcome> set_offset(const vistel_values& values, const home_place
     if (auto opened = changes.open(values.folder, places); !opened) return opened.error();
     const auto vistel = vistel_of(changes.collection(), values.folder, values.vistel);
     if (!vistel) return vistel.error();
-    if (auto made = changes.make(plan_offset(vistel.value()->uuid(), values.first)); !made)
-        return made.error();
+    if (auto made = changes.make(plan_offset(values.vistel, values.first)); !made) return made.error();
     return show_collection(values.folder, places);
 }
 
@@ -125,8 +124,9 @@ result<command_outcome> pad(const padding_values& values, command_line& line) {
                          : values.restore ? padding_command::restore_offsets
                                           : padding_command::remove_offsets_and_padding;
     const auto planned = plan_padding(changes.collection(), command);
-    if (!planned) return planned.error();
-    if (auto made = make_padding_files(planned.value().files, line.long_work()); !made) return made.error();
+    if (!planned) return failure{"\"" + values.folder + "\" was not changed: " + planned.message()};
+    if (auto made = make_padding_files(planned.value().files, changes.blank_movie(), line.long_work()); !made)
+        return made.error();
     auto changed = changes.make(planned.value().change);
     remove_unused_padding_files(changes.collection());
     if (!changed) return changed.error();
@@ -141,7 +141,7 @@ result<command_outcome> range(const vistel_values& values, const home_places& pl
     if (!vistel) return vistel.error();
     const auto& chosen = *vistel.value();
     const double lead =
-        lead_for_clips(offsets_of(collection), {chosen.number(), chosen.manual_start_offset()});
+        lead_for_cutting(offsets_of(collection), {chosen.number(), chosen.manual_start_offset()});
     const auto source = source_range_of(values.first, values.second, lead, chosen.parts().duration());
     property_dictionary printed;
     printed.add("from", source.from);

@@ -7,11 +7,13 @@
 #include "app/close_vistel.h"
 #include "app/settings.h"
 #include "app/user_name.h"
+#include "app/vistel_changes.h"
 #include "cli/headless_changes.h"
 #include "timeline/writer_lock.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/safe_write.h"
+#include "util/text_forms.h"
 #include "video/video_coll_Duplicate_funcs.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -38,11 +40,15 @@ std::string user_of(const edit_values& values, const home_places& places) {
 using changer = std::function<result<void>(video_collection_ROOT&)>;
 
 // Makes the change and saves, with the timeline in step, while no other program has the event open. What is
-// loaded of it then is printed.
-result<command_outcome> change(const edit_values& values, command_line& line, const changer& make) {
+// loaded of it then is printed. A change that was not made drops what it brought.
+result<command_outcome> change(const edit_values& values, command_line& line, const changer& make,
+                               const std::function<void()>& drop = {}) {
     headless_changes changes;
     if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
-    if (auto made = changes.make({"Change Collection", "", make}); !made) return made.error();
+    if (auto made = changes.make({"Change Collection", "", make}); !made) {
+        if (drop && !changes.is_made()) drop();
+        return made.error();
+    }
     return show_collection(values.folder, line.places());
 }
 
@@ -51,12 +57,13 @@ using vistel_changer =
     std::function<result<void>(video_collection_ROOT&, const std::shared_ptr<single_Vistel_CTR>&)>;
 
 result<command_outcome> change_vistel(const edit_values& values, command_line& line,
-                                      const vistel_changer& make) {
-    return change(values, line, [&](video_collection_ROOT& collection) -> result<void> {
+                                      const vistel_changer& make, const std::function<void()>& drop = {}) {
+    const auto change_it = [&](video_collection_ROOT& collection) -> result<void> {
         const auto vistel = collection.find_vistel(values.vistel);
         if (vistel) return make(collection, vistel);
         return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
-    });
+    };
+    return change(values, line, change_it, drop);
 }
 
 // Where new vistels go: as the option says, else as the setting does.
@@ -77,52 +84,61 @@ result<std::vector<std::string>> movies_of(const edit_values& values) {
     return movies;
 }
 
+// The movies become further parts of a vistel.
+result<command_outcome> append(edit_values values, command_line& line,
+                               const std::vector<std::string>& movies) {
+    values.vistel = values.to;
+    std::vector<movie_Part_DRONE_Offset_Item> brought;
+    const auto bring = [&](auto&, const auto& vistel) -> result<void> {
+        auto made = bring_parts(*vistel, movies, line.long_work());
+        if (!made) return made.error();
+        brought = std::move(made).value();
+        auto parts = vistel->parts();
+        parts.parts.insert(parts.parts.end(), brought.begin(), brought.end());
+        vistel->set_parts(std::move(parts));
+        return {};
+    };
+    return change_vistel(values, line, bring, [&] { discard(brought); });
+}
+
 result<command_outcome> add(const edit_values& values, command_line& line) {
     const auto movies = movies_of(values);
     if (!movies) return movies.error();
-    if (!values.to.empty()) {
-        edit_values to = values;
-        to.vistel = values.to;
-        return change_vistel(to, line, [&](auto&, const auto& vistel) -> result<void> {
-            auto brought = bring_parts(*vistel, movies.value(), line.long_work());
-            if (!brought) return brought.error();
-            auto parts = vistel->parts();
-            parts.parts.insert(parts.parts.end(), brought.value().begin(), brought.value().end());
-            vistel->set_parts(std::move(parts));
-            return {};
-        });
-    }
-    return change(values, line, [&](video_collection_ROOT& collection) -> result<void> {
+    if (!values.to.empty()) return append(values, line, movies.value());
+    vistel_list brought;
+    const auto bring = [&](video_collection_ROOT& collection) -> result<void> {
         const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
-        const auto made =
-            make_vistels(made_with(values, line.places()), movies.value(), how, line.long_work());
+        auto made = make_vistels(made_with(values, line.places()), movies.value(), how, line.long_work());
         if (!made) return made.error();
-        add_new_vistels(collection, made.value());
+        brought = std::move(made).value();
+        add_new_vistels(collection, brought);
         return {};
-    });
+    };
+    return change(values, line, bring, [&] { discard(brought); });
 }
 
 result<command_outcome> remove(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [](auto& collection, const auto& vistel) -> result<void> {
-        collection.remove_vistel(*vistel);
-        return {};
+    return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
+        return plan_removal(values.vistel).change(collection);
     });
 }
 
 result<command_outcome> move(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
-        collection.move_vistel(*vistel, static_cast<std::size_t>(values.place - 1));
-        return {};
+    return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
+        return plan_place(values.vistel, static_cast<std::size_t>(values.place - 1)).change(collection);
     });
 }
 
 result<command_outcome> duplicate(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
-        auto clone = duplicate_vistel(*vistel, made_with(values, line.places()), line.long_work());
-        if (!clone) return clone.error();
-        add_new_vistels(collection, {std::move(clone).value()});
+    vistel_list brought;
+    const auto clone = [&](auto& collection, const auto& vistel) -> result<void> {
+        auto made = duplicate_vistel(*vistel, made_with(values, line.places()), line.long_work());
+        if (!made) return made.error();
+        brought = {std::move(made).value()};
+        add_new_vistels(collection, brought);
         return {};
-    });
+    };
+    return change_vistel(values, line, clone, [&] { discard(brought); });
 }
 
 result<command_outcome> close_for_good(const edit_values& values, command_line& line) {
@@ -135,12 +151,15 @@ result<command_outcome> close_for_good(const edit_values& values, command_line& 
 }
 
 result<command_outcome> deinterlace(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<void> {
-        auto parts = deinterlaced_parts(*vistel, line.long_work());
-        if (!parts) return parts.error();
-        vistel->set_parts({std::move(parts).value()});
+    std::vector<movie_Part_DRONE_Offset_Item> brought;
+    const auto replace = [&](auto&, const auto& vistel) -> result<void> {
+        auto made = deinterlaced_parts(*vistel, line.long_work());
+        if (!made) return made.error();
+        brought = std::move(made).value();
+        vistel->set_parts({brought});
         return {};
-    });
+    };
+    return change_vistel(values, line, replace, [&] { discard(brought); });
 }
 
 result<command_outcome> overlay(const edit_values& values, command_line& line) {
@@ -163,7 +182,8 @@ result<command_outcome> copy(const edit_values& values, command_line& line) {
     if (!vistel) {
         return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
     }
-    const std::string to = values.to.empty() ? desktop_folder() : values.to;
+    const std::string to = values.to.empty() ? line.places().desktop : values.to;
+    if (auto made = values.to.empty() ? make_folders(to) : result<void>(); !made) return made.error();
     const auto copies = copy_vistel_movie(*vistel, to, line.long_work());
     if (!copies) return copies.error();
     property_dictionary printed;
@@ -257,7 +277,10 @@ void register_collection_edits(CLI::App& collection, command_line& line) {
         add_command(collection, line, values, "move", "move a vistel in the order", move, true);
     command->add_option("PLACE", values->place, "its new place, from 1")
         ->required()
-        ->check(CLI::PositiveNumber);
+        ->check([](const std::string& text) {
+            const auto place = integer_from_text(text);
+            return place && *place > 0 ? std::string() : "\"" + text + "\" is no place: they count from 1";
+        });
     command = add_command(collection, line, values, "close", "close a vistel for good: its data to the trash",
                           close_for_good, true);
     command->add_flag("--confirmed", values->confirmed, "also when somebody else made it");

@@ -24,6 +24,7 @@ bool has_timeline(const std::string& folder) {
 // The lock first, so that what another program saves is not written over.
 result<void> headless_changes::open(const std::string& folder, const home_places& places) {
     folder_ = folder;
+    blank_movie_ = std::make_unique<blank_vistel_movie>(places.temporary_folder());
     if (!has_timeline(folder)) {
         auto lock = writer_lock::take(folder);
         if (!lock) return lock.error();
@@ -36,10 +37,18 @@ result<void> headless_changes::open(const std::string& folder, const home_places
     if (timeline_->is_read_only()) return failure{timeline_->read_only_reason()};
     for (const auto& message : timeline_->messages()) std::cerr << message << '\n';
     if (auto loaded = load(places); !loaded) return loaded;
-    collection_changes::take_up_recovered(collection_, *timeline_);
-    changes_ = std::make_unique<collection_changes>(collection_, *timeline_,
-                                                    [this] { return save_collection(collection_, folder_); });
+    // What the timeline's file holds the journal forgets: it waits for the collection.
+    using companion = timeline_document::save_companion;
+    timeline_->set_save_companion([this]() -> result<companion> {
+        if (is_saved_) return companion();
+        return failure{"The timeline in \"" + folder_ + "\" was not saved: its collection could not be."};
+    });
+    is_saved_ = !collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
+    changes_ = std::make_unique<collection_changes>(collection_, *timeline_, *blank_movie_,
+                                                    [this] { return save(); });
     made_ = changes_->made.connect([this](double shift) {
+        is_made_ = true;
+        is_saved_ = false;
         collection_.set_movie_time(collection_.movie_time() + shift);
         timeline_->header().cursor_seconds += shift;
     });
@@ -57,8 +66,14 @@ result<void> headless_changes::make(const collection_change& change) {
     if (!timeline_) return make_alone(change);
     if (auto made = changes_->make(change); !made) return made;
     // What opening brought back is saved even if there was nothing to change.
-    if (auto saved = save_collection(collection_, folder_); !saved) return saved;
+    if (auto saved = save(); !saved) return saved;
     return timeline_->save_now();
+}
+
+result<void> headless_changes::save() {
+    auto saved = save_collection(collection_, folder_);
+    is_saved_ = is_saved_ || saved;
+    return saved;
 }
 
 result<void> headless_changes::make_alone(const collection_change& change) {
@@ -68,7 +83,13 @@ result<void> headless_changes::make_alone(const collection_change& change) {
     if (auto applied = apply_collection_edit(collection_, difference(collection_, copy)); !applied)
         return applied;
     collection_.set_movie_time(collection_.movie_time() + shift);
-    return save_collection(collection_, folder_);
+    // The collection's record is written before those of its vistels.
+    const std::string record = path_join(folder_, collection_file_name);
+    const auto before = read_file(record);
+    auto saved = save_collection(collection_, folder_);
+    const auto after = read_file(record);
+    is_made_ = saved || !before || !after || before.value() != after.value();
+    return saved;
 }
 
 }  // namespace vistels

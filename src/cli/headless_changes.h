@@ -10,6 +10,7 @@
 #include "timeline/writer_lock.h"
 #include "util/result.h"
 #include "util/simulated_run_loop.h"
+#include "video/blank_movie.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
@@ -21,18 +22,25 @@ class headless_changes {
     result<void> open(const std::string& folder, const home_places& places);
     // Not to be changed but by make().
     const video_collection_ROOT& collection() const { return collection_; }
+    blank_vistel_movie& blank_movie() { return *blank_movie_; }
     // Makes the change and saves collection and timeline; the playheads move along.
     result<void> make(const collection_change& change);
+    // Whether the change is on record, also when make() failed: what it needs is to stay then.
+    bool is_made() const { return is_made_; }
 
   private:
     result<void> load(const home_places& places);
     result<void> make_alone(const collection_change& change);
+    result<void> save();
 
+    bool is_made_ = false;
+    bool is_saved_ = true;  // nothing of the collection is in the timeline's journal alone
     std::string folder_;
     simulated_run_loop loop_;
     video_collection_ROOT collection_;
     std::unique_ptr<writer_lock> lock_;            // of a collection without a timeline
     std::unique_ptr<timeline_document> timeline_;  // null: there is none
+    std::unique_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
     connection made_;
 };

@@ -131,6 +131,24 @@ result<void> headless_playback::seek(double collection_seconds) {
     return {};
 }
 
+// A frame in the size before counts as shown until the vistel's queue has come to the new one.
+result<void> headless_playback::seek_in(const std::map<std::string, size_in_pixels>& sizes) {
+    if (auto settled = seek(playback_.collection_time()); !settled) return settled;
+    const bool made = loop_.run_until(
+        [&] {
+            return work_.is_cancelled() || std::all_of(sizes.begin(), sizes.end(), [&](const auto& wanted) {
+                       const auto shown = playback_.picture(wanted.first);
+                       return playback_.state(wanted.first) == vistel_state::unreadable ||
+                              (shown && shown->width == wanted.second.width &&
+                               shown->height == wanted.second.height);
+                   });
+        },
+        longest_wait_seconds);
+    if (work_.is_cancelled()) return failure{"Showing \"" + folder_ + "\" was cancelled."};
+    if (!made) return failure{"The vistels of \"" + folder_ + "\" did not show their frames in time."};
+    return {};
+}
+
 void headless_playback::run(double seconds, const std::function<bool()>& done) {
     loop_.run_until([&] { return work_.is_cancelled() || done(); }, seconds);
 }
@@ -168,16 +186,17 @@ result<picture> headless_playback::compose() {
     }
     const double shrink = std::min({1.0, largest_side / width, largest_side / height});
     picture composed = black_picture(whole_side(width * shrink), whole_side(height * shrink));
+    std::map<std::string, size_in_pixels> sizes;
     for (const auto& vistel : played_) {
         const auto shown = playback_.picture(vistel.uuid);
         if (!shown) continue;
         const auto frame = frame_of(vistel.uuid);
         const double scale = std::min(frame.width * composed.width / shown->width,
                                       frame.height * composed.height / shown->height);
-        playback_.set_view_size(vistel.uuid, whole_side(shown->width * scale),
-                                whole_side(shown->height * scale));
+        sizes[vistel.uuid] = {whole_side(shown->width * scale), whole_side(shown->height * scale)};
+        playback_.set_view_size(vistel.uuid, sizes[vistel.uuid].width, sizes[vistel.uuid].height);
     }
-    if (auto settled = seek(playback_.collection_time()); !settled) return settled.error();
+    if (auto settled = seek_in(sizes); !settled) return settled.error();
     for (const auto& vistel : played_) {
         const auto shown = playback_.picture(vistel.uuid);
         if (!shown) continue;

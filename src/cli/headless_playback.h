@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,6 +48,12 @@ class headless_playback {
     result<picture> compose();
 
   private:
+    struct size_in_pixels {
+        int width = 0;
+        int height = 0;
+    };
+
+    result<void> seek_in(const std::map<std::string, size_in_pixels>& sizes);
     rectangle frame_of(const std::string& vistel) const;
 
     job& work_;

@@ -44,15 +44,19 @@ void complain(std::string text) {
     std::cerr << "vistels-cli: " << text << '\n';
 }
 
+constexpr const char* no_progress = "\r     \r";
+
 void show_progress(double fraction) {
     std::fprintf(stderr, "\r%3d %%", static_cast<int>(fraction * 100));
-    if (fraction >= 1) std::fputs("\r     \r", stderr);
+    if (fraction >= 1) std::fputs(no_progress, stderr);
 }
 
 int run_chosen(command_line& line) {
     cancel_on_signals(line.long_work());
     const auto done = line.chosen()();
     cancelled_by_signal = nullptr;
+    // Work that broke off left its line standing.
+    if (::isatty(STDERR_FILENO) && line.long_work().progress() < 1) std::fputs(no_progress, stderr);
     if (!done) {
         complain(done.message());
         return exit_failed;

@@ -8,6 +8,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <utility>
@@ -129,6 +130,9 @@ result<void> deinterlacing::open_encoder(const AVFrame& first) {
     encoder_->pix_fmt = AV_PIX_FMT_YUV420P;
     encoder_->time_base = av_buffersink_get_time_base(sink_);
     encoder_->framerate = av_buffersink_get_frame_rate(sink_);
+    // A key frame a second: what lies before it has to be decoded whenever somebody goes there.
+    const double rate = av_q2d(encoder_->framerate);
+    if (rate >= 1) encoder_->gop_size = static_cast<int>(std::lround(rate));
     encoder_->sample_aspect_ratio = av_buffersink_get_sample_aspect_ratio(sink_);
     encoder_->color_range = first.color_range;
     encoder_->colorspace = first.colorspace;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the folder answers when the program was built without FFmpeg and GStreamer.
+#include "media/coded_pictures.h"
 #include "media/deinterlace.h"
 #include "media/frame_reader.h"
 #include "media/movie_writer.h"
@@ -33,6 +34,10 @@ result<movie_information> probe_movie(const std::string& path) {
     return without_media(path);
 }
 result<void> deinterlace_movie(const std::string& from, const std::string&, const std::string&, job&) {
+    return without_media(from);
+}
+result<void> show_coded_pictures(const std::string& from, const std::string&, const std::vector<double>&,
+                                 double, job&) {
     return without_media(from);
 }
 result<packet_index> read_packet_index(const std::string& path) {

@@ -3,7 +3,9 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vistels {
 
@@ -127,10 +129,55 @@ result<ffmpeg_owner<AVCodecContext>> movie_file::open_decoder(const AVStream& st
     return decoder;
 }
 
+namespace {
+
+// How long the packets from here on show a stream, counted from its beginning; 0 when there are none.
+double seconds_until_end(movie_file& movie, const AVStream& stream) {
+    const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
+    const std::int64_t first = stream.start_time != AV_NOPTS_VALUE ? stream.start_time : 0;
+    std::int64_t last = 0;
+    while (packet && movie.read(*packet) >= 0) {
+        const std::int64_t stamp = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+        if (packet->stream_index == stream.index && stamp != AV_NOPTS_VALUE) {
+            last = std::max(last, stamp + std::max<std::int64_t>(packet->duration, 0) - first);
+        }
+        av_packet_unref(packet.get());
+    }
+    return static_cast<double>(last) * seconds_of(stream.time_base);
+}
+
+const AVStream& main_stream(const movie_file& movie) {
+    return movie.video() != nullptr ? *movie.video() : *movie.sound();
+}
+
+// The header of a recording that was broken off, or went through a pipe, does not say how long it is; some
+// say only when the last picture ends, though the first comes late.
+bool knows_duration(const movie_file& movie) {
+    const AVStream& stream = main_stream(movie);
+    const bool comes_late = stream.start_time != AV_NOPTS_VALUE && stream.start_time > 0;
+    return stream.duration > 0 || (movie.information().duration > 0 && !comes_late);
+}
+
+double measured_duration(movie_file& movie) {
+    const AVStream& stream = main_stream(movie);
+    constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max() / 4;
+    double seconds = movie.seek(stream, end) >= 0 ? seconds_until_end(movie, stream) : 0;
+    if (seconds <= 0 && movie.seek(stream, std::numeric_limits<std::int64_t>::min() / 4) >= 0) {
+        seconds = seconds_until_end(movie, stream);
+    }
+    return seconds;
+}
+
+}  // namespace
+
 result<movie_information> probe_movie(const std::string& path) {
     auto opened = movie_file::open(path);
     if (!opened.ok()) return opened.error();
-    return opened.value()->information();
+    auto known = opened.value()->information();
+    if (knows_duration(*opened.value())) return known;
+    const double measured = measured_duration(*opened.value());
+    if (measured > 0) known.duration = measured;
+    return known;
 }
 
 }  // namespace vistels

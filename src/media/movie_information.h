@@ -25,8 +25,9 @@ struct movie_information {
     int sound_channels = 0;
 };
 
-// Reads a movie file's header. The failure names the file and says why. May take as long as the volume is
-// slow, but gives up after 10 seconds. Any thread.
+// Reads a movie file's header; where that does not know the duration, the file to its end. The failure names
+// the file and says why. May take as long as the volume is slow, but gives up when it does not answer for 10
+// seconds. Any thread.
 result<movie_information> probe_movie(const std::string& path);
 
 }  // namespace vistels

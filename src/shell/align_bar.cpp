@@ -58,13 +58,17 @@ align_bar::align_bar(QWidget* parent) : QWidget(parent) {
 QWidget* align_bar::make_offset_line() {
     auto* whole = new QWidget(this);
     auto* line = make_line(whole);
-    name_ = make_label({}, type_step::title, {}, whole);
+    name_ = new cut_label(type_step::title, {}, theme::current().metrics.align_name_width, whole);
     name_->setObjectName(QStringLiteral("align.vistel"));
+    auto* what = make_label(tr("Offset"), type_step::secondary, QStringLiteral("muted"), whole);
     offset_ = make_field(QStringLiteral("align.offset"),
                          tr("Start offset of the vistel, in seconds or as h:mm:ss"), whole);
     nudge_ = new buttons_Adjust_Offsets(QStringLiteral("align.nudge"),
-                                        tr("Shift the vistel one frame earlier (Ctrl+Shift+Left)"),
-                                        tr("Shift the vistel one frame later (Ctrl+Shift+Right)"), whole);
+                                        tr("Offset one frame less: the vistel shows a frame later "
+                                           "(Ctrl+Shift+Right)"),
+                                        tr("Offset one frame more: the vistel shows a frame earlier "
+                                           "(Ctrl+Shift+Left)"),
+                                        whole);
     mark_ = make_push_button(tr("Mark Moment"), {}, whole);
     mark_->setObjectName(QStringLiteral("align.mark"));
     mark_->setToolTip(
@@ -72,7 +76,8 @@ QWidget* align_bar::make_offset_line() {
     same_ = make_push_button(tr("Same Moment"), QStringLiteral("first"), whole);
     same_->setObjectName(QStringLiteral("align.same"));
     same_->setToolTip(tr("This vistel shows the marked instant now: bring both into step"));
-    marked_ = make_label({}, type_step::secondary, QStringLiteral("muted"), whole);
+    marked_ = new cut_label(type_step::secondary, QStringLiteral("muted"),
+                            theme::current().metrics.align_name_width, whole);
     marked_->setObjectName(QStringLiteral("align.marked"));
     unmark_ = new icon_button(QStringLiteral("close"), tr("Forget the marked moment"), whole);
     unmark_->setObjectName(QStringLiteral("align.unmark"));
@@ -83,6 +88,7 @@ QWidget* align_bar::make_offset_line() {
     close_ = new icon_button(QStringLiteral("close"), tr("Done with aligning"), whole);
     close_->setObjectName(QStringLiteral("align.close"));
     line->addWidget(name_);
+    line->addWidget(what);
     line->addWidget(offset_);
     line->addWidget(nudge_);
     line->addWidget(mark_);
@@ -107,6 +113,7 @@ QWidget* align_bar::make_parts_line() {
     part_name_ = make_label({}, type_step::secondary, QStringLiteral("muted"), whole);
     part_name_->setObjectName(QStringLiteral("movie_parts.name"));
     gap_ = make_field(QStringLiteral("movie_parts.gap"), tr("Gap before the movie part"), whole);
+    gap_->set_least(0);
     gap_nudge_ = new buttons_Adjust_Offsets(QStringLiteral("movie_parts.nudge"), tr("Gap one frame shorter"),
                                             tr("Gap one frame longer"), whole);
     lock_ = new check_box(tr("Lock clips to the movie parts"), whole);
@@ -147,7 +154,7 @@ void align_bar::connect_parts() {
 }
 
 void align_bar::set_vistel(const QString& name, std::optional<double> offset) {
-    name_->setText(name);
+    name_->set_text(name);
     has_vistel_ = offset.has_value();
     if (offset) offset_->set_seconds(*offset);
     set_changeable(changeable_);
@@ -155,7 +162,7 @@ void align_bar::set_vistel(const QString& name, std::optional<double> offset) {
 
 void align_bar::set_mark(const QString& words) {
     const bool is_marked = !words.isEmpty();
-    marked_->setText(words);
+    marked_->set_text(words);
     mark_->setVisible(!is_marked);
     same_->setVisible(is_marked);
     marked_->setVisible(is_marked);

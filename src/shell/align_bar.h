@@ -14,6 +14,7 @@ namespace vistels {
 
 class buttons_Adjust_Offsets;
 class check_box;
+class cut_label;
 class icon_button;
 class time_field;
 
@@ -60,12 +61,12 @@ class align_bar : public QWidget {
     void connect_parts();
     void show_part();
 
-    QLabel* name_;
+    cut_label* name_;
     time_field* offset_;
     buttons_Adjust_Offsets* nudge_;
     QPushButton* mark_;
     QPushButton* same_;
-    QLabel* marked_;
+    cut_label* marked_;
     icon_button* unmark_;
     QPushButton* show_parts_;
     icon_button* close_;

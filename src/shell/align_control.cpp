@@ -196,6 +196,8 @@ void align_control::mark_moment() {
     const auto seconds = movie_time_at(event()->collection(), current(), now);
     if (!seconds) return;
     event()->playback().pause();
+    // The line for it says what is marked, and what comes next.
+    if (!pane_.is_aligning()) set_aligning(true);
     mark_ = seen_moment{current(), *seconds};
     const auto vistel = event()->collection().find_vistel(current());
     pane_.alignment().set_mark(
@@ -211,6 +213,8 @@ void align_control::same_moment() {
     const auto marked = collection_time_of(event()->collection(), *mark_);
     if (!seconds || !marked) return forget_mark();
     const bool is_same = mark_->vistel == current();
+    // A second click where "Mark Moment" was.
+    if (is_same && *seconds == mark_->movie_seconds) return;
     const auto change = is_same ? plan_coded_moment(*marked, {current(), *seconds})
                                 : plan_same_moment(*mark_, {current(), *seconds});
     const seen_moment met = *mark_;

@@ -3,6 +3,7 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <algorithm>
 #include <utility>
 
 #include "app/open_event.h"
@@ -12,10 +13,21 @@
 #include "shell/collection_view.h"
 #include "shell/event_session.h"
 #include "shell/padding_commands.h"
+#include "shell/pattern_menu.h"
+#include "shell/theme.h"
+#include "shell/view_offset_keeper.h"
 #include "shell/vistel_files.h"
 #include "shell/vistel_placing.h"
 
 namespace vistels {
+
+namespace {
+
+QString name_in_menu(const single_Vistel_CTR& vistel) {
+    return menu_words(QString::fromStdString(vistel.name()), theme::current().metrics.menu_greatest_width);
+}
+
+}  // namespace
 
 collection_commands::collection_commands(QWidget& window, collection_pane& pane, event_session& session,
                                          home_places places, run_loop& loop)
@@ -25,7 +37,8 @@ collection_commands::collection_commands(QWidget& window, collection_pane& pane,
       places_(std::move(places)),
       alignment_(std::make_unique<align_control>(pane, session)),
       files_(std::make_unique<vistel_files>(window, pane.view(), session, places_, loop)),
-      padding_(std::make_unique<padding_commands>(window, session, loop)) {
+      padding_(std::make_unique<padding_commands>(window, session, loop)),
+      offsets_kept_(std::make_unique<view_offset_keeper>(pane.view(), places_)) {
     make_actions();
     connect(&pane.view(), &collection_view::layout_asked, this, &collection_commands::set_arrangement_as);
     connect(&pane.view(), &collection_view::menu_asked, this, &collection_commands::show_vistel_menu);
@@ -38,6 +51,7 @@ collection_commands::collection_commands(QWidget& window, collection_pane& pane,
     connect(&session, &event_session::opened, this, &collection_commands::follow_event);
     connect(&session, &event_session::closed, this, [this] {
         connections_.clear();
+        offsets_kept_->keep();
         show_state();
     });
     show_state();
@@ -70,7 +84,7 @@ void collection_commands::make_actions() {
     };
     changes_.push_back(add(menu_, "add_movies", tr("Add Movies…"), QStringLiteral("Ctrl+Shift+M"),
                            tr("Add movies to the collection; they can also be dropped on its pane"),
-                           [this] { files_->ask_movies(); }));
+                           [this] { files_->ask_movies({}); }));
     menu_->addSeparator();
     layouts_ = menu_->addMenu(tr("Layout"));
     layouts_->setObjectName(QStringLiteral("menu.Layout"));
@@ -82,6 +96,8 @@ void collection_commands::make_actions() {
     layout("one_large", tr("One Large, the Rest Small"), tr("The current vistel large, the others beside it"),
            ready_layout::one_large);
     layout("side_by_side", tr("Side by Side"), tr("All vistels in one line"), ready_layout::side_by_side);
+    layout("two_columns", tr("Two Columns, Scrolling"),
+           tr("All vistels alike, as wide as two in a line allow"), ready_layout::two_columns);
     layouts_->addSeparator();
     front_ = add(layouts_, "to_front", tr("Bring to Front"), {}, tr("The current vistel covers the others"),
                  [this] { restack(true); });
@@ -142,6 +158,7 @@ void collection_commands::follow_event() {
     open_event* shown = session_.shown_event();
     connections_.push_back(shown->collection_changed.connect([this] { show_state(); }));
     connections_.push_back(shown->timeline().access_changed.connect([this] { show_state(); }));
+    offsets_kept_->restore();
     session_.set_shows_names(load_show_vistel_number_name(places_).shown);
     show_state();
 }
@@ -181,8 +198,10 @@ void collection_commands::use_layout(ready_layout layout) {
     }
     const auto ready = ready_layout_frames(layout, wanted.vistels.size(), pane_.view().picture_aspect(), at);
     wanted.ratio = ready.ratio;
+    wanted.scrolls = ready.scrolls;
     for (std::size_t i = 0; i < wanted.vistels.size(); ++i) wanted.vistels[i].frame = ready.frames[i];
     set_arrangement_as(wanted, tr("Change Layout"));
+    pane_.view().bring_into_sight(large);
 }
 
 void collection_commands::restack(bool front) {
@@ -229,7 +248,7 @@ void collection_commands::show_vistel_menu(const QString& vistel, const QPoint& 
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setToolTipsVisible(true);
     const bool is_large = !pane_.view().enlarged().empty();
-    const QString name = QString::fromStdString(record->name());
+    const QString name = name_in_menu(*record);
     QAction* size = menu->addAction(is_large ? tr("Show All Vistels") : tr("Enlarge “%1”").arg(name));
     connect(size, &QAction::triggered, this,
             [this, uuid, is_large] { session_.enlarge(is_large ? std::string() : uuid); });
@@ -253,7 +272,16 @@ void collection_commands::add_vistel_actions(QMenu& menu, const std::string& vis
         action->setEnabled(enabled);
         connect(action, &QAction::triggered, this, does);
     };
-    const bool has_movie = !record->parts().parts.empty();
+    const auto parts = record->parts().parts;
+    const bool has_movie = !parts.empty();
+    if (std::any_of(parts.begin(), parts.end(), [](const auto& part) { return part.path.empty(); })) {
+        add(tr("Find Movie…"), tr("Show where the movie is that is not in its place"), can_change,
+            [this, vistel] { files_->ask_missing_movie(vistel); });
+    }
+    add(tr("Rename Vistel…"), tr("Give this vistel another name"), can_change,
+        [this, vistel] { files_->ask_name(vistel); });
+    add(tr("Append Movies…"), tr("Append video files to this vistel."),
+        can_change && !record->is_inserted_picture(), [this, vistel] { files_->ask_movies(vistel); });
     add(tr("Remove Vistel"), tr("Remove this vistel from the video collection"), can_change,
         [this, vistel] { files_->remove(vistel); });
     add(tr("Duplicate Vistel"), tr("Clone this vistel from the video collection"), can_change,
@@ -278,8 +306,8 @@ void collection_commands::add_place_menu(QMenu& menu, const std::string& vistel)
     const auto all = event()->collection().vistels();
     for (std::size_t i = 0; i < all.size(); ++i) {
         const bool is_here = all[i]->uuid() == vistel;
-        QAction* action = places->addAction(
-            tr("Place %1, now “%2”").arg(i + 1).arg(QString::fromStdString(all[i]->name())));
+        QAction* action =
+            places->addAction(tr("Place %1, now “%2”").arg(QString::number(i + 1), name_in_menu(*all[i])));
         action->setEnabled(!is_here && !event()->timeline().is_read_only());
         connect(action, &QAction::triggered, this, [this, vistel, i] { files_->move(vistel, i); });
     }

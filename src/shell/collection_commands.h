@@ -24,6 +24,7 @@ class collection_pane;
 class event_session;
 class open_event;
 class padding_commands;
+class view_offset_keeper;
 class vistel_files;
 
 // The "Collection" menu and the menu of a vistel: layouts, stacking, what is drawn on vistels, their files,
@@ -69,6 +70,7 @@ class collection_commands : public QObject {
     std::unique_ptr<align_control> alignment_;
     std::unique_ptr<vistel_files> files_;
     std::unique_ptr<padding_commands> padding_;
+    std::unique_ptr<view_offset_keeper> offsets_kept_;
     QMenu* menu_ = nullptr;
     QMenu* layouts_ = nullptr;
     QMenu* offsets_ = nullptr;

@@ -30,12 +30,15 @@ collection_view::collection_view(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setAcceptDrops(true);
+    make_bar();
     growth_.setStartValue(0.0);
     growth_.setEndValue(1.0);
     growth_.setEasingCurve(QEasingCurve::OutCubic);
     connect(&growth_, &QVariantAnimation::valueChanged, this, [this] { update(); });
     connect(&growth_, &QVariantAnimation::finished, this, [this] {
         leaving_.clear();
+        show_bar();
+        Q_EMIT sight_changed();
         update();
     });
     ring_time_.setSingleShot(true);
@@ -45,7 +48,7 @@ collection_view::collection_view(QWidget* parent) : QWidget(parent) {
     });
 }
 
-void collection_view::set_vistels(std::vector<shown_vistel> vistels, double ratio) {
+void collection_view::set_vistels(std::vector<shown_vistel> vistels, double ratio, bool scrolls) {
     std::vector<tile> tiles;
     for (auto& one : vistels) {
         // What is on show stays until its next picture.
@@ -56,6 +59,7 @@ void collection_view::set_vistels(std::vector<shown_vistel> vistels, double rati
     }
     tiles_ = std::move(tiles);
     ratio_ = ratio;
+    scrolls_ = scrolls;
     if (!find(enlarged_)) enlarged_.clear();
     if (!find(leaving_)) leaving_.clear();
     if (drag_ && !find(drag_->vistel)) end_drag(false);
@@ -71,6 +75,14 @@ void collection_view::set_picture(const std::string& vistel, const QImage& pictu
         one->aspect = aspect;
         lay_out();
     }
+    update(place(*one));
+}
+
+void collection_view::forget_picture(const std::string& vistel) {
+    tile* one = find(vistel);
+    if (!one || (one->picture.isNull() && !one->in_gap)) return;
+    one->picture = {};
+    one->in_gap = false;
     update(place(*one));
 }
 
@@ -132,12 +144,16 @@ void collection_view::set_enlarged(const std::string& vistel) {
     if (next == enlarged_) return;
     leaving_ = enlarged_;
     enlarged_ = next;
+    // Another one than before may have been enlarged meanwhile: it goes back to where it is seen.
+    if (enlarged_.empty() && !home_of(*find(leaving_)).intersects(rect())) bring_into_sight(leaving_);
     start_ring(enlarged_.empty() ? leaving_ : enlarged_);
     const bool moves = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) > 0;
     growth_.stop();
     growth_.setDuration(moves ? theme::current().motion.change : 0);
     growth_.start();
+    show_bar();
     Q_EMIT sizes_changed();
+    Q_EMIT sight_changed();
     update();
 }
 
@@ -158,14 +174,6 @@ const collection_view::tile* collection_view::find(const std::string& vistel) co
 
 collection_view::tile* collection_view::find(const std::string& vistel) {
     return const_cast<tile*>(std::as_const(*this).find(vistel));
-}
-
-void collection_view::lay_out() {
-    std::vector<rectangle> frames;
-    for (const auto& one : tiles_) frames.push_back(one.vistel.frame);
-    area_ = video_area(rect(), frames, tiles_.empty() ? 0 : tiles_.front().aspect, ratio_);
-    Q_EMIT sizes_changed();
-    update();
 }
 
 QRect collection_view::home_of(const tile& one) const {
@@ -266,6 +274,7 @@ vistel_arrangement collection_view::arrangement() const {
     // Whatever is moved from here on, the others stay where they are.
     now.ratio = area_.height() > 0 ? static_cast<double>(area_.width()) / area_.height() : ratio_;
     if (ratio_ > 0) now.ratio = ratio_;
+    now.scrolls = scrolls_;
     for (const auto& one : tiles_)
         now.vistels.push_back({one.vistel.uuid, one.vistel.frame, one.vistel.order});
     return now;

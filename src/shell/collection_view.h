@@ -14,6 +14,8 @@
 #include "shell/vistel_geometry.h"
 #include "util/colour_text.h"
 
+class QScrollBar;
+
 namespace vistels {
 
 // What the collection's view shows of one vistel.
@@ -29,17 +31,21 @@ struct shown_vistel {
 
 // All vistels of a collection as laid out. Pictures come scaled to picture_size() and are painted as they
 // are. Double click enlarges a vistel and puts it back; a drag of a vistel's name moves it, one of its edges
-// resizes it; while aligning, a drag of its picture shifts its movie. Movies can be dropped on it. It changes
+// resizes it; while aligning, a drag of its picture shifts its movie. Movies can be dropped on it. Where the
+// layout scrolls, the wheel, the bar at its right and a drag near its upper or lower edge do so. It changes
 // nothing by itself: what the user wants is told by signals. Main thread.
 class collection_view : public QWidget {
     Q_OBJECT
   public:
     explicit collection_view(QWidget* parent = nullptr);
 
-    // `ratio` is the width to height of the video area; 0: as the first frame asks for.
-    void set_vistels(std::vector<shown_vistel> vistels, double ratio = 0);
+    // `ratio` is the width to height of the video area; 0: as the first frame asks for. An area that scrolls
+    // is as wide as the view and may be higher.
+    void set_vistels(std::vector<shown_vistel> vistels, double ratio = 0, bool scrolls = false);
     // A null picture keeps the one before. `aspect` is the width to the height of the movie's picture.
     void set_picture(const std::string& vistel, const QImage& picture, double aspect);
+    // It shows nothing until the next one.
+    void forget_picture(const std::string& vistel);
     // In place of the picture: there is none before `seconds` of the collection; not finite: there is none.
     // `marks_start` draws that the movie has not started yet.
     void set_gap(const std::string& vistel, double seconds, bool marks_start = false);
@@ -79,9 +85,19 @@ class collection_view : public QWidget {
     double picture_aspect() const;
     bool is_dragging() const { return drag_.has_value(); }
 
+    // How far it is scrolled, in logical pixels. What is wanted beyond what there is counts again when there
+    // is more: in a higher view, or in another layout.
+    int offset() const;
+    void set_offset(double offset);
+    // Scrolls as little as shows all of the vistel.
+    void bring_into_sight(const std::string& vistel);
+    // Whether any of it is seen, or is as soon as no vistel is enlarged.
+    bool is_in_sight(const std::string& vistel) const;
+
     // The size in device pixels in which a vistel's pictures are wanted.
     QSize picture_size(const std::string& vistel) const;
-    // Where a vistel is drawn, in logical pixels; empty while another one covers it.
+    // Where a vistel is drawn, in logical pixels; empty while another one covers it, outside of the view when
+    // it is scrolled out of sight.
     QRect place_of(const std::string& vistel) const;
     // Where its name is drawn; empty when it has none.
     QRect chip_of(const std::string& vistel) const;
@@ -95,6 +111,10 @@ class collection_view : public QWidget {
   Q_SIGNALS:
     // Pictures are wanted in other sizes now.
     void sizes_changed();
+    // Other vistels may be in sight now.
+    void sight_changed();
+    // It is scrolled elsewhere, by the user or with its size.
+    void scrolled(double offset);
     void enlarge_asked(const QString& vistel);  // empty: all back into their places
     // The user moved, resized or restacked a vistel; `name` is for the undo menu.
     void layout_asked(const vistels::vistel_arrangement& wanted, const QString& name);
@@ -113,6 +133,7 @@ class collection_view : public QWidget {
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -142,7 +163,10 @@ class collection_view : public QWidget {
     struct dragging {
         std::string vistel;
         frame_drag frame;
-        QPoint from;
+        QPoint pressed;
+        QPoint from;  // the same place in the video area
+        QPoint pointer;
+        Qt::KeyboardModifiers keys;
         bool shifts = false;  // the movie, not the frame
         bool moves = false;   // it went farther than a click does
         double pixels = 0;    // across, since the press
@@ -159,6 +183,13 @@ class collection_view : public QWidget {
     static QString chip_words_of(const tile& one);
     frame_grip grip_at(const tile& one, const QPoint& point) const;
     void lay_out();
+    void make_bar();
+    void place_area();
+    void show_bar();
+    void follow_bar(int value);
+    bool can_scroll() const;
+    void scroll_at_edge(const QPoint& point);
+    void scroll_on();
     void paint_tile(QPainter& painter, const tile& one) const;
     void paint_words(QPainter& painter, const QRect& view, const tile& one) const;
     void paint_gap(QPainter& painter, const QRect& view, const tile& one) const;
@@ -178,10 +209,19 @@ class collection_view : public QWidget {
     void choose_next(int direction);
     void move_by_key(const QKeyEvent& event);
     void show_drop(const std::optional<std::string>& vistel);
+    void hold_drop(const QPoint& point);
 
     std::vector<tile> tiles_;
     double ratio_ = 0;
-    QRect area_;
+    bool scrolls_ = false;
+    QRect area_;  // where it lies now: scrolled, it begins above the view
+    QScrollBar* bar_;
+    double top_widths_ = 0;                // what is scrolled away at the top, in widths of the area
+    std::optional<double> wanted_offset_;  // in pixels, as long as the user has not scrolled
+    double wheel_rest_ = 0;                // pixels
+    QTimer edge_time_{this};
+    int edge_step_ = 0;  // pixels each time
+    QPoint drop_pointer_;
     std::string enlarged_;
     std::string leaving_;  // the one on its way back
     QVariantAnimation growth_;

@@ -101,7 +101,10 @@ void collection_view::mousePressEvent(QMouseEvent* event) {
     drag_.emplace();
     drag_->vistel = one->vistel.uuid;
     drag_->frame = drag_of(*one, grip);
-    drag_->from = point;
+    drag_->pressed = point;
+    drag_->from = point - area_.topLeft();
+    drag_->pointer = point;
+    drag_->keys = event->modifiers();
     drag_->shifts = aligning_;
     drag_->now.frame = one->vistel.frame;
     // Escape is wanted wherever the focus is.
@@ -132,7 +135,10 @@ void collection_view::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void collection_view::drag_to(const QPoint& point, Qt::KeyboardModifiers keys) {
-    const QPoint moved = point - drag_->from;
+    drag_->pointer = point;
+    drag_->keys = keys;
+    // Counted in the area: what is held stays under the pointer while that is scrolled.
+    const QPoint moved = point - area_.topLeft() - drag_->from;
     if (!drag_->moves && moved.manhattanLength() < QApplication::startDragDistance()) return;
     drag_->moves = true;
     drag_->pixels = moved.x();
@@ -142,6 +148,7 @@ void collection_view::drag_to(const QPoint& point, Qt::KeyboardModifiers keys) {
     }
     drag_->frame.keeps_shape = !(keys & Qt::AltModifier);
     drag_->now = drag_frame(drag_->frame, moved);
+    scroll_at_edge(point);
     update();
 }
 
@@ -157,8 +164,10 @@ void collection_view::end_drag(bool keeps) {
     const dragging ended = *drag_;
     drag_.reset();
     watch_.end();
+    edge_time_.stop();
     update();
     if (!ended.moves) return;
+    Q_EMIT sight_changed();
     const QString vistel = QString::fromStdString(ended.vistel);
     if (ended.shifts) {
         Q_EMIT shift_ended(vistel, ended.pixels, keeps);
@@ -198,6 +207,7 @@ void collection_view::contextMenuEvent(QContextMenuEvent* event) {
     const tile* one = by_key ? find(current()) : tile_at(event->pos());
     if (!one) return;
     set_current(one->vistel.uuid);
+    if (by_key) bring_into_sight(one->vistel.uuid);
     const QPoint at = by_key ? mapToGlobal(place(*one).center()) : event->globalPos();
     Q_EMIT menu_asked(QString::fromStdString(one->vistel.uuid), at);
 }
@@ -248,6 +258,7 @@ void collection_view::choose_next(int direction) {
     const std::string uuid = tiles_[static_cast<std::size_t>(next)].vistel.uuid;
     if (!enlarged_.empty()) Q_EMIT enlarge_asked(QString::fromStdString(uuid));
     set_current(uuid);
+    if (enlarged_.empty()) bring_into_sight(uuid);
 }
 
 void collection_view::move_by_key(const QKeyEvent& event) {
@@ -266,7 +277,9 @@ void collection_view::move_by_key(const QKeyEvent& event) {
     const int y = event.key() == Qt::Key_Up ? -step : event.key() == Qt::Key_Down ? step : 0;
     const rectangle frame = drag_frame(drag, QPointF(x, y)).frame;
     if (frame == one->vistel.frame) return;
-    ask_layout(one->vistel.uuid, frame, resizes ? tr("Resize Vistel") : tr("Move Vistel"));
+    const std::string uuid = one->vistel.uuid;
+    ask_layout(uuid, frame, resizes ? tr("Resize Vistel") : tr("Move Vistel"));
+    bring_into_sight(uuid);
 }
 
 void collection_view::focusInEvent(QFocusEvent* event) {
@@ -280,9 +293,16 @@ void collection_view::focusOutEvent(QFocusEvent* event) {
 }
 
 void collection_view::show_drop(const std::optional<std::string>& vistel) {
+    if (!vistel) edge_time_.stop();
     if (drop_ == vistel) return;
     drop_ = vistel;
     update();
+}
+
+void collection_view::hold_drop(const QPoint& point) {
+    drop_pointer_ = point;
+    show_drop(vistel_at(point));
+    scroll_at_edge(point);
 }
 
 void collection_view::dragEnterEvent(QDragEnterEvent* event) {
@@ -290,13 +310,13 @@ void collection_view::dragEnterEvent(QDragEnterEvent* event) {
     if (!changeable_ || !has_collection_ || movies_in(*event->mimeData()).isEmpty()) return event->ignore();
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    show_drop(vistel_at(event->position().toPoint()));
+    hold_drop(event->position().toPoint());
 }
 
 void collection_view::dragMoveEvent(QDragMoveEvent* event) {
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    show_drop(vistel_at(event->position().toPoint()));
+    hold_drop(event->position().toPoint());
 }
 
 void collection_view::dragLeaveEvent(QDragLeaveEvent*) {

@@ -169,11 +169,13 @@ void content_side_bar::set_content(std::vector<content_vault> vaults) {
     // What stands at the top stays there, whatever comes and goes above it.
     const QPersistentModelIndex top = list_->indexAt(QPoint(0, 0));
     const int place = list_->visualRect(top).top();
+    const bool was_listed = model_->index_of(open_folder_).isValid();
     model_->set_content(std::move(vaults));
     show_folding();
     show_disk();
+    // A new event is open before it is listed.
     const QModelIndex open = model_->index_of(open_folder_);
-    if (open.isValid() && !list_->currentIndex().isValid()) go_to(open);
+    if (open.isValid() && (!was_listed || !list_->currentIndex().isValid())) go_to(open);
     if (model_->item_count() >= many_items && !filter_was_offered_) {
         filter_was_offered_ = true;
         show_filter(true);

@@ -77,6 +77,44 @@ QLabel* make_label(const QString& words, type_step step, const QString& tone, QW
     return label;
 }
 
+cut_label::cut_label(type_step step, const QString& tone, int greatest_width, QWidget* parent)
+    : QLabel(parent), greatest_width_(greatest_width) {
+    setFont(theme::font(step));
+    setProperty("tone", tone);
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+}
+
+void cut_label::set_text(const QString& text) {
+    if (text == text_) return;
+    text_ = text;
+    setAccessibleName(text);
+    updateGeometry();
+    show_text();
+}
+
+void cut_label::show_text() {
+    const QString shown = fontMetrics().elidedText(text_, Qt::ElideRight, width());
+    setText(shown);
+    setToolTip(shown == text_ ? QString() : text_);
+}
+
+void cut_label::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    show_text();
+}
+
+QSize cut_label::sizeHint() const {
+    // A part of a pixel that is missing would cost the last letters.
+    const int whole = static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text_)));
+    return {std::min(whole, greatest_width_), QLabel::sizeHint().height()};
+}
+
+QSize cut_label::minimumSizeHint() const {
+    return {std::min(sizeHint().width(), theme::current().metrics.inspector_label_width),
+            QLabel::minimumSizeHint().height()};
+}
+
 icon_button::icon_button(QString icon, const QString& tip, QWidget* parent)
     : QAbstractButton(parent), icon_(std::move(icon)) {
     const theme_metrics& metrics = theme::current().metrics;

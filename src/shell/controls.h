@@ -2,13 +2,13 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QStringList>
 #include <QWidget>
 
 #include "shell/theme.h"
 
 class QButtonGroup;
-class QLabel;
 class QPainter;
 class QPushButton;
 
@@ -26,6 +26,27 @@ QRectF outline_of(const QRect& place);
 QPushButton* make_push_button(const QString& words, const QString& kind, QWidget* parent);
 // A label in one of the theme's type steps and tones ("muted", "title", "live", "warning", "good" or empty).
 QLabel* make_label(const QString& words, type_step step, const QString& tone, QWidget* parent);
+
+// A label for a text of the user's: plain, and cut at its end where there is no room for it; the tool tip has
+// it whole then. It asks for `greatest_width` at most and gives way down to a few letters.
+class cut_label : public QLabel {
+    Q_OBJECT
+  public:
+    cut_label(type_step step, const QString& tone, int greatest_width, QWidget* parent);
+
+    void set_text(const QString& text);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void show_text();
+
+    QString text_;
+    int greatest_width_;
+};
 
 // A square button with one of the program's icons. `tip` is its tool tip and its accessible name.
 class icon_button : public QAbstractButton {

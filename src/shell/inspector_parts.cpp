@@ -40,6 +40,7 @@ bool keep_arrows(QEvent& event) {
 time_field::time_field(QWidget* parent) : QLineEdit(parent) {
     setFixedHeight(theme::current().metrics.field_height);
     connect(this, &QLineEdit::editingFinished, this, &time_field::commit);
+    connect(this, &QLineEdit::textEdited, this, [this] { complain({}); });
 }
 
 void time_field::set_seconds(std::optional<double> seconds) {
@@ -52,16 +53,59 @@ void time_field::set_seconds(std::optional<double> seconds) {
 void time_field::show_seconds() {
     setText(seconds_ ? time_text(*seconds_, time_form::field) : tr("several"));
     setModified(false);
+    complain({});
 }
 
 void time_field::commit() {
     if (!isModified() || !seconds_) return;
     const double typed = time_from_text(text());
+    // Who goes elsewhere has given it up.
+    if (hasFocus() && !std::isfinite(typed)) return complain(tr("Type seconds, or a time as h:mm:ss.mmm."));
+    if (hasFocus() && typed < least_)
+        return complain(tr("No less than %1.").arg(time_text(least_, time_form::field)));
     setModified(false);
-    if (std::isfinite(typed) && typed != *seconds_) {
+    if (std::isfinite(typed) && typed >= least_ && typed != *seconds_) {
         Q_EMIT seconds_asked(typed);
     }
     show_seconds();
+}
+
+QString time_field::complaint() const {
+    return complaint_ ? complaint_->text() : QString();
+}
+
+// Under the field, or above it where the window ends.
+void time_field::complain(const QString& words) {
+    if (words == complaint()) return;
+    delete complaint_;
+    setAccessibleDescription(words);
+    update();
+    if (words.isEmpty()) return;
+    selectAll();
+    const theme_metrics& metrics = theme::current().metrics;
+    complaint_ = make_label(words, type_step::secondary, QStringLiteral("popover"), window());
+    complaint_->adjustSize();
+    const QPoint under = mapTo(window(), QPoint(0, height() + metrics.grid));
+    const bool fits = under.y() + complaint_->height() <= window()->height();
+    const QPoint over = mapTo(window(), QPoint(0, -metrics.grid - complaint_->height()));
+    const int right = window()->width() - complaint_->width() - metrics.padding;
+    complaint_->move(std::max(0, std::min(under.x(), right)), fits ? under.y() : over.y());
+    complaint_->show();
+}
+
+void time_field::hideEvent(QHideEvent* event) {
+    complain({});
+    QLineEdit::hideEvent(event);
+}
+
+void time_field::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    if (!complaint_) return;
+    const theme& look = theme::current();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(look.live, look.metrics.line));
+    painter.drawRoundedRect(outline_of(rect()), look.metrics.radius_control, look.metrics.radius_control);
 }
 
 void time_field::keyPressEvent(QKeyEvent* event) {
@@ -71,7 +115,8 @@ void time_field::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QLineEdit::keyPressEvent(event);
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) clearFocus();
+    const bool is_return = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (is_return && !complaint_) clearFocus();
 }
 
 star_row::star_row(QWidget* parent) : QWidget(parent) {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QWidget>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,26 +17,35 @@ namespace vistels {
 // The parts of which the inspector is made. Each shows what it was given and asks for changes by a signal;
 // the value shown changes when it is given anew. Main thread.
 
-// A time as h:mm:ss.mmm. Return or leaving the field asks for the time typed; Esc, or a text that is no time,
-// brings the old one back.
+// A time as h:mm:ss.mmm. Return or leaving the field asks for the time typed. A text that is no time stays on
+// Return, and a message under the field says why; Esc, or leaving the field, brings the old one back.
 class time_field : public QLineEdit {
     Q_OBJECT
   public:
     explicit time_field(QWidget* parent = nullptr);
     // Nothing: the clips have several.
     void set_seconds(std::optional<double> seconds);
+    // Less is not taken.
+    void set_least(double seconds) { least_ = seconds; }
+    // What is wrong with the text, as the message under the field says it; empty: nothing.
+    QString complaint() const;
 
   Q_SIGNALS:
     void seconds_asked(double seconds);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void commit();
     void show_seconds();
+    void complain(const QString& words);
 
     std::optional<double> seconds_;
+    double least_ = std::numeric_limits<double>::lowest();
+    QPointer<QLabel> complaint_;
 };
 
 // Five stars; a click on the last one that is set takes it away. Arrow keys add and take away.

@@ -94,6 +94,9 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     connect_vault_commands();
     restore();
     show_facts();
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* old, QWidget* now) {
+        if (now ? now->window() == this : old && old->window() == this) left_field_ = now ? nullptr : old;
+    });
     content_->list()->setFocus();  // where an event is chosen, as long as none is open
 }
 
@@ -126,8 +129,10 @@ void main_window::build() {
     auto* column = new QVBoxLayout(whole);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(messages_);
     column->addWidget(frame_, 1);
+    // Below, where it comes and goes without moving what may be pressed just then.
+    column->addWidget(messages_);
+    connect(messages_, &message_bar::changing, work_, &work_area::hold_upper);
     setCentralWidget(whole);
 }
 
@@ -354,6 +359,14 @@ void main_window::keyPressEvent(QKeyEvent* event) {
     filter_->clear();
 }
 
+// Who has typed goes on from there.
+bool main_window::focusNextPrevChild(bool next) {
+    if (!focusWidget() && left_field_ && left_field_->isVisible() && left_field_->isEnabled()) {
+        left_field_->setFocus(Qt::TabFocusReason);
+    }
+    return QMainWindow::focusNextPrevChild(next);
+}
+
 void main_window::show_patterns() {
     std::vector<content_pattern> named;
     for (const auto& one : load_search_patterns(places_)) {
@@ -363,6 +376,10 @@ void main_window::show_patterns() {
 }
 
 bool main_window::event(QEvent* event) {
+    // Where nothing has the focus, Qt would give it to the first button there is, and Return would press it.
+    if (event->type() == QEvent::WindowActivate && !focusWidget() && session_->is_open()) {
+        collection_->setFocus();
+    }
     const bool done = QMainWindow::event(event);
     if (event->type() == QEvent::WindowActivate) show_patterns();  // another window may have changed them
     if (event->type() == QEvent::Paint && !appeared_) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 #include <memory>
 #include <string>
@@ -92,6 +93,7 @@ class main_window : public QMainWindow {
     void dropEvent(QDropEvent* event) override;
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
   private:
     void build();
@@ -140,6 +142,7 @@ class main_window : public QMainWindow {
     std::unique_ptr<vault_commands> vaults_;
     std::unique_ptr<save_moments> save_moments_;
     connection content_changed_;
+    QPointer<QWidget> left_field_;  // where was typed last, when nothing has the focus since
     bool appeared_ = false;
     bool agreed_ = false;
 };

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <algorithm>
+#include <chrono>
 
 #include "shell/controls.h"
 #include "shell/icons.h"
@@ -14,6 +15,8 @@
 namespace vistels {
 
 namespace {
+
+constexpr auto time_to_read = std::chrono::seconds(8);
 
 QColor tone_colour(const theme& look, user_message::tone kind) {
     switch (kind) {
@@ -66,6 +69,10 @@ message_bar::message_bar(QWidget* parent)
     row->addLayout(words, 1);
     row->addLayout(buttons_);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    going_.setObjectName(QStringLiteral("message.going"));
+    going_.setSingleShot(true);
+    going_.setInterval(time_to_read);
+    connect(&going_, &QTimer::timeout, this, [this] { answer(0); });
     hide();
 }
 
@@ -118,7 +125,9 @@ QString message_bar::text() const {
 
 void message_bar::clear() {
     waiting_.clear();
+    going_.stop();
     sent_away_.clear();
+    Q_EMIT changing(false);
     hide();
 }
 
@@ -127,7 +136,9 @@ void message_bar::show_first() {
         if (item->widget()) item->widget()->deleteLater();
         delete item;
     }
+    Q_EMIT changing(!waiting_.empty());
     setVisible(!waiting_.empty());
+    going_.stop();
     if (waiting_.empty()) return;
     user_message& message = waiting_.front();
     if (message.choices.empty()) message.choices.push_back({tr("Continue"), {}});
@@ -144,7 +155,25 @@ void message_bar::show_first() {
         connect(button, &QPushButton::clicked, this, [this, i] { answer(i); });
         buttons_->addWidget(button, 0, Qt::AlignTop);
     }
+    start_going();
     update();
+}
+
+void message_bar::start_going() {
+    if (waiting_.empty() || underMouse()) return;
+    const user_message& message = waiting_.front();
+    const bool asks = message.choices.size() > 1 || message.choices.front().does;
+    if (message.kind == user_message::tone::good && message.key.isEmpty() && !asks) going_.start();
+}
+
+void message_bar::enterEvent(QEnterEvent* event) {
+    going_.stop();
+    QWidget::enterEvent(event);
+}
+
+void message_bar::leaveEvent(QEvent* event) {
+    start_going();
+    QWidget::leaveEvent(event);
 }
 
 void message_bar::show_detail() {
@@ -172,7 +201,7 @@ void message_bar::paintEvent(QPaintEvent*) {
     const theme& look = theme::current();
     QPainter painter(this);
     painter.fillRect(rect(), look.raised);
-    painter.fillRect(QRect(0, height() - look.metrics.line, width(), look.metrics.line), look.edge);
+    painter.fillRect(QRect(0, 0, width(), look.metrics.line), look.edge);
     if (waiting_.empty()) return;
     const QColor tone = tone_colour(look, waiting_.front().kind);
     painter.fillRect(QRect(0, 0, look.metrics.grid, height()), tone);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <deque>
 #include <functional>
@@ -33,7 +34,8 @@ struct user_message {
 };
 
 // A bar across the window with one message at a time; the next comes when a choice was made. What happened
-// once comes before states that last, which may stand for hours. Hidden while there is none. Main thread.
+// once comes before states that last, which may stand for hours. Good news that asks for nothing goes by
+// itself after a while in which the pointer was not on it. Hidden while there is none. Main thread.
 class message_bar : public QWidget {
     Q_OBJECT
   public:
@@ -51,11 +53,18 @@ class message_bar : public QWidget {
     // Forgets all.
     void clear();
 
+  Q_SIGNALS:
+    // Before it becomes visible or hidden, or may get another height.
+    void changing(bool will_be_shown);
+
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
   private:
     void show_first();
+    void start_going();
     void show_detail();
     void answer(std::size_t index);
 
@@ -66,6 +75,7 @@ class message_bar : public QWidget {
     QLabel* text_;
     QLabel* detail_;
     QHBoxLayout* buttons_;
+    QTimer going_{this};
 };
 
 }  // namespace vistels

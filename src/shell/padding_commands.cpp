@@ -37,8 +37,8 @@ void padding_commands::run(padding_command which) {
     work_ = std::make_unique<long_work>(title, tr("Blank movies are written where they are needed."), loop_,
                                         &window_);
     work_->start(
-        [files = planned.value().files](job& work) -> result<std::string> {
-            if (const auto made = make_padding_files(files, work); !made) return made.error();
+        [files = planned.value().files, blank = event->blank_movie()](job& work) -> result<std::string> {
+            if (const auto made = make_padding_files(files, *blank, work); !made) return made.error();
             return std::string();
         },
         [this, planned = std::move(planned).value(), folder = session_.folder()](

@@ -102,12 +102,15 @@ struct theme_metrics {
     int vistel_gap = 1;
     int vistel_ring = 2;
     int vistel_label_height = 20;
-    int vistel_grip = 6;        // how near to a vistel's edge a drag resizes
-    int vistel_handle = 8;      // side of the squares at its corners
-    int vistel_snap = 6;        // how near to a line a dragged edge meets it
-    int vistel_least = 64;      // least side
-    int vistel_key_step = 8;    // of the arrow keys
-    int align_frame_width = 6;  // so far a vistel is dragged for one frame
+    int vistel_grip = 6;          // how near to a vistel's edge a drag resizes
+    int vistel_handle = 8;        // side of the squares at its corners
+    int vistel_snap = 6;          // how near to a line a dragged edge meets it
+    int vistel_least = 64;        // least side
+    int vistel_key_step = 8;      // of the arrow keys
+    int vistel_scroll_edge = 32;  // how near to the view's edge what is held scrolls it
+    int vistel_scroll_step = 20;  // and how far each time, at the most
+    int align_frame_width = 6;    // so far a vistel is dragged for one frame
+    int align_name_width = 160;   // greatest, of a vistel's name where it is brought into step
 
     int row_height = 30;
     int row_small_height = 24;  // in small windows

@@ -191,6 +191,8 @@ QScrollBar:vertical { width: 10px; }
 QScrollBar:horizontal { height: 10px; }
 QScrollBar::handle { background: @line; border-radius: 3px; margin: 2px; min-width: 24px; min-height: 24px; }
 QScrollBar::handle:hover { background: @edge; }
+QScrollBar[kind="video"]::handle { background: @videoedge; }
+QScrollBar[kind="video"]::handle:hover { background: @videomuted; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
 QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 QSlider::groove:horizontal { height: 3px; background: @line; border-radius: 1px; }
@@ -212,6 +214,9 @@ QLabel[tone="good"] { color: @good; }
     const std::pair<const char*, QString> words[] = {
         // Longer words first: "@accentground" holds "@accent".
         {"@accentground", hex(look.accent_ground)},
+        // The ground of videos is dark in both themes.
+        {"@videoedge", hex(theme::dark().edge)},
+        {"@videomuted", hex(theme::dark().muted)},
         {"@disabled", hex(mix(look.text, look.pane, look.disabled_share))},
         {"@onaccent", hex(look.on_accent)},
         {"@warning", hex(look.warning)},

@@ -65,6 +65,7 @@ QString time_text(double seconds, time_form form) {
 double time_from_text(const QString& text) {
     constexpr double none = std::numeric_limits<double>::quiet_NaN();
     QString rest = text.trimmed();
+    rest.replace(QLatin1Char(','), QLatin1Char('.')).replace(QChar(0x2212), QLatin1Char('-'));
     const bool negative = rest.startsWith(QLatin1Char('-'));
     if (negative) rest.remove(0, 1);
     const QStringList parts = rest.split(QLatin1Char(':'));

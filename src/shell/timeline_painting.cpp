@@ -370,7 +370,8 @@ void timeline_painter::paint_ruler(QPainter& painter, const timeline_scale& scal
         if (parts_of_seconds) text.chop(1);
         const QRectF label(x + metrics.grid, place.top(), time_text_width(text, font),
                            place.height() - metrics.grid);
-        if (label.intersects(QRectF(flag))) continue;
+        // A label that is cut off would be another number.
+        if (label.intersects(QRectF(flag)) || !QRectF(place).contains(label)) continue;
         painter.setPen(look_.muted);
         draw_time_text(painter, label, Qt::AlignLeft, text, font);
     }

@@ -2,6 +2,7 @@
 #include "shell/vistel_files.h"
 
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -11,9 +12,11 @@
 
 #include "app/close_vistel.h"
 #include "app/open_event.h"
+#include "app/part_changes.h"
 #include "app/settings.h"
 #include "app/trash.h"
 #include "app/user_name.h"
+#include "app/vistel_changes.h"
 #include "shell/collection_view.h"
 #include "shell/controls.h"
 #include "shell/event_session.h"
@@ -35,6 +38,13 @@ QString name_of(const single_Vistel_CTR& vistel) {
     return QString::fromStdString(vistel.name());
 }
 
+std::set<std::string> uuids_of(const open_event* event) {
+    std::set<std::string> all;
+    if (!event) return all;
+    for (const auto& one : event->collection().vistels()) all.insert(one->uuid());
+    return all;
+}
+
 }  // namespace
 
 adding_panel::adding_panel(const QStringList& movies, const QString& vistel,
@@ -49,7 +59,7 @@ adding_panel::adding_panel(const QStringList& movies, const QString& vistel,
     const QString what =
         movies.size() == 1
             ? QStringLiteral("“%1”").arg(QString::fromStdString(path_name(movies.front().toStdString())))
-            : tr("%1 movies").arg(movies.size());
+            : tr("%1 files").arg(movies.size());
     const QString title = vistel.isEmpty() ? tr("Add %1 to the collection").arg(what)
                                            : tr("Add %1, dropped on “%2”").arg(what, vistel);
     auto* headline = make_label(title, type_step::headline, {}, this);
@@ -87,11 +97,12 @@ vistel_files::vistel_files(QWidget& window, collection_view& view, event_session
     connect(&view, &collection_view::movies_dropped, this,
             [this](const QStringList& movies, const QString& vistel) { add(movies, vistel.toStdString()); });
     connect(&session, &event_session::opened, this, [this] {
+        known_ = uuids_of(event());
         made_ = session_.shown_event()->changes().made.connect([this](double) { bring_back_closed(); });
     });
     connect(&session, &event_session::closed, this, [this] {
         made_.disconnect();
-        closed_.clear();
+        known_.clear();
     });
 }
 
@@ -118,13 +129,64 @@ bool vistel_files::make(const collection_change& change) {
     return done.ok();
 }
 
-void vistel_files::ask_movies() {
-    if (!event()) return;
+void vistel_files::ask_movies(const std::string& vistel) {
+    const auto record = find(vistel);
+    if (!event() || (!record && !vistel.empty())) return;
+    const QString movies = tr("Movies (*.mp4 *.mov *.m4v *.mkv *.avi *.mts *.m2ts *.webm *.mpg *.ts)");
+    const QString pictures = tr("Pictures (*.png *.jpg *.jpeg)");
+    const QString all = tr("All files (*)");
+    const QString title =
+        record ? tr("Append Movies to “%1”").arg(name_of(*record)) : tr("Add Movies to the Collection");
+    const QStringList kinds = record ? QStringList{movies, all} : QStringList{movies, pictures, all};
     const QStringList chosen =
-        QFileDialog::getOpenFileNames(&window_, tr("Add Movies to the Collection"), {},
-                                      tr("Movies (*.mp4 *.mov *.m4v *.mkv *.avi *.mts *.m2ts *.webm *.mpg "
-                                         "*.ts);;Pictures (*.png *.jpg *.jpeg);;All files (*)"));
-    if (!chosen.isEmpty()) add(chosen, {});
+        QFileDialog::getOpenFileNames(&window_, title, {}, kinds.join(QStringLiteral(";;")));
+    if (chosen.isEmpty()) return;
+    record ? add_as(chosen, vistel, movies_as::parts_of_existing) : add(chosen, {});
+}
+
+void vistel_files::ask_missing_movie(const std::string& vistel) {
+    const auto record = find(vistel);
+    if (!record) return;
+    const QString movie =
+        QFileDialog::getOpenFileName(&window_, tr("Find a Movie of “%1”").arg(name_of(*record)));
+    if (!movie.isEmpty()) bring_missing_movie(vistel, movie);
+}
+
+void vistel_files::bring_missing_movie(const std::string& vistel, const QString& movie) {
+    const auto record = find(vistel);
+    if (!record) return;
+    auto brought = std::make_shared<std::vector<movie_Part_DRONE_Offset_Item>>();
+    run(
+        tr("Bringing a movie of “%1”").arg(name_of(*record)),
+        tr("The movie is brought into “%1”.").arg(session_.name()),
+        [record, path = movie.toStdString(), brought](job& work) -> result<void> {
+            auto made = bring_parts(*record, {path}, work);
+            if (!made) return made.error();
+            *brought = std::move(made).value();
+            return {};
+        },
+        [this, vistel, brought] {
+            if (!make(plan_found_movie(vistel, brought->front()))) discard(*brought);
+        },
+        tr("The movie could not be used"));
+}
+
+void vistel_files::ask_name(const std::string& vistel) {
+    const auto record = find(vistel);
+    if (!record) return;
+    auto* dialog = new QInputDialog(&window_);
+    dialog->setObjectName(QStringLiteral("vistel.ask_name"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Rename Vistel"));
+    dialog->setLabelText(tr("Name of the vistel:"));
+    dialog->setTextValue(name_of(*record));
+    connect(dialog, &QInputDialog::textValueSelected, this, [this, vistel](const QString& typed) {
+        const QString name = typed.simplified();
+        const auto now = find(vistel);
+        if (!now || name.isEmpty() || name == name_of(*now)) return;
+        make(plan_name(vistel, name.toStdString()));
+    });
+    dialog->open();
 }
 
 void vistel_files::add(const QStringList& movies, const std::string& vistel) {
@@ -308,6 +370,8 @@ void vistel_files::close_for_good(const std::string& vistel) {
     const auto record = find(vistel);
     if (!record) return;
     const QString name = name_of(*record);
+    if (const auto refusal = close_vistel_refusal(event()->collection(), *record); !refusal.empty())
+        return tell_failure(tr("“%1” is not closed").arg(name), refusal);
     const auto warning = close_vistel_warning(*record, load_user_name(places_));
     const QString usual =
         tr("If you click 'Close Vistel' this will close the vistel and move the movie data to the trash.  "
@@ -318,6 +382,7 @@ void vistel_files::close_for_good(const std::string& vistel) {
                                      QMessageBox::NoButton, &window_);
     question->setObjectName(QStringLiteral("close_vistel"));
     question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setTextFormat(Qt::PlainText);
     auto* keep = question->addButton(tr("Keep Vistel"), QMessageBox::RejectRole);
     auto* close = question->addButton(tr("Close Vistel"), QMessageBox::DestructiveRole);
     close->setObjectName(QStringLiteral("close_vistel.close"));
@@ -334,11 +399,9 @@ void vistel_files::close_now(const std::string& vistel) {
     const std::string folder = record->data_folder();
     remove(vistel);
     if (find(vistel) || folder.empty()) return;
-    auto done = move_to_trash(folder, places_.trash);
-    if (!done) {
+    if (const auto done = move_to_trash(folder, places_.trash); !done) {
         return tell_failure(tr("The vistel is closed; its movie data stayed in its place"), done.message());
     }
-    closed_[vistel] = {folder, std::move(done).value()};
     Q_EMIT told({user_message::tone::good,
                  tr("“%1” is closed").arg(QString::fromStdString(record->name())),
                  tr("Its movie data is in the trash. Undo brings it back."),
@@ -346,21 +409,26 @@ void vistel_files::close_now(const std::string& vistel) {
                  {}});
 }
 
-// Undo put a closed vistel back: its data comes from the trash, and playback looks for it again.
+// Also in another run than that in which it was closed: the undo history lasts longer than that.
 void vistel_files::bring_back_closed() {
-    for (auto at = closed_.begin(); at != closed_.end();) {
-        if (!find(at->first)) {
-            ++at;
-            continue;
-        }
-        const auto back = restore_from_trash(at->second.data, at->second.folder);
+    const auto known = std::exchange(known_, uuids_of(event()));
+    for (const auto& vistel : known_) {
+        const std::string folder = find(vistel)->data_folder();
+        if (known.contains(vistel) || folder.empty() || is_folder(folder)) continue;
+        const auto data = find_in_trash(folder, places_.trash);
+        if (!data) continue;
+        const auto back = restore_from_trash(*data, folder);
         if (!back) tell_failure(tr("The movie data is still in the trash"), back.message());
-        auto all = playback_vistels_of(event()->collection());
-        std::erase_if(all, [&](const auto& one) { return one.uuid == at->first; });
-        event()->playback().set_vistels(std::move(all));
-        event()->playback().set_vistels(playback_vistels_of(event()->collection()));
-        at = closed_.erase(at);
+        play_again(vistel);
     }
+}
+
+// Playback looks for its movies anew.
+void vistel_files::play_again(const std::string& vistel) {
+    auto all = playback_vistels_of(event()->collection());
+    std::erase_if(all, [&](const auto& one) { return one.uuid == vistel; });
+    event()->playback().set_vistels(std::move(all));
+    event()->playback().set_vistels(playback_vistels_of(event()->collection()));
 }
 
 void vistel_files::ask_overlay(const std::string& vistel) {

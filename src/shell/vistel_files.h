@@ -5,14 +5,13 @@
 #include <QObject>
 #include <QStringList>
 #include <functional>
-#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "app/collection_changes.h"
 #include "app/places.h"
-#include "app/trash.h"
 #include "shell/message_bar.h"
 #include "util/job.h"
 #include "util/result.h"
@@ -50,11 +49,15 @@ class vistel_files : public QObject {
                  run_loop& loop);
     ~vistel_files() override;
 
-    // Chooses movies, then how to add them.
-    void ask_movies();
+    // Chooses movies, then how to add them; with a vistel they are appended to it.
+    void ask_movies(const std::string& vistel);
     // `vistel` is the one that they were dropped on; empty: none. More than one way to add them is asked for.
     void add(const QStringList& movies, const std::string& vistel);
     void add_as(const QStringList& movies, const std::string& vistel, movies_as how);
+    // For the first movie part whose file is not in its place: the movie that the user shows takes it.
+    void ask_missing_movie(const std::string& vistel);
+    void bring_missing_movie(const std::string& vistel, const QString& movie);
+    void ask_name(const std::string& vistel);
     void remove(const std::string& vistel);
     void duplicate(const std::string& vistel);
     void deinterlace(const std::string& vistel);
@@ -73,14 +76,10 @@ class vistel_files : public QObject {
     void told(const vistels::user_message& message);
 
   private:
-    // A closed vistel's data, by its UUID.
-    struct closed_data {
-        std::string folder;
-        trashed data;
-    };
-
     void close_now(const std::string& vistel);
+    // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
+    void play_again(const std::string& vistel);
     void put_in(const vistel_list& made, const QString& name);
     void put_parts(const std::string& vistel, std::vector<movie_Part_DRONE_Offset_Item> parts, bool replaces,
                    const QString& name);
@@ -97,7 +96,7 @@ class vistel_files : public QObject {
     const home_places places_;
     run_loop& loop_;
     std::unique_ptr<long_work> work_;
-    std::map<std::string, closed_data> closed_;
+    std::set<std::string> known_;  // the vistels that were there after the last change
     connection made_;
 };
 

@@ -225,12 +225,18 @@ dragged_frame drag_frame(const frame_drag& drag, QPointF moved) {
 ready_frames ready_layout_frames(ready_layout layout, std::size_t count, double picture_aspect,
                                  std::size_t large) {
     const double aspect = picture_aspect > 0 ? picture_aspect : 16.0 / 9;
-    if (count == 0) return {aspect, {}};
-    if (count == 1) return {aspect, {{0, 0, 1, 1}}};
+    const bool scrolls = layout == ready_layout::two_columns;
+    if (count == 0) return {aspect, {}, scrolls};
+    if (count == 1) return {aspect, {{0, 0, 1, 1}}, scrolls};
     if (layout == ready_layout::one_large) return one_large_frames(count, aspect, std::min(large, count - 1));
     ready_frames made;
+    made.scrolls = scrolls;
     if (layout == ready_layout::grid) {
         made.frames = grid_layout(count);
+    } else if (layout == ready_layout::two_columns) {
+        const double height = 1.0 / static_cast<double>((count + 1) / 2);
+        for (std::size_t i = 0; i < count; ++i)
+            made.frames.push_back({i % 2 == 0 ? 0 : 0.5, static_cast<double>(i / 2) * height, 0.5, height});
     } else {
         const double width = 1.0 / static_cast<double>(count);
         for (std::size_t i = 0; i < count; ++i)

@@ -26,7 +26,8 @@ struct placed_vistel {
 };
 
 struct vistel_arrangement {
-    double ratio = 0;  // width to height of the video area; 0: as the first frame asks for
+    double ratio = 0;      // width to height of the video area; 0: as the first frame asks for
+    bool scrolls = false;  // the area is as wide as its pane and may be higher
     std::vector<placed_vistel> vistels;
     bool operator==(const vistel_arrangement&) const = default;
 };
@@ -68,14 +69,15 @@ struct dragged_frame {
 // area's edges and to those of the others.
 dragged_frame drag_frame(const frame_drag& drag, QPointF moved);
 
-enum class ready_layout { grid, one_large, side_by_side };
+enum class ready_layout { grid, one_large, side_by_side, two_columns };
 
 // Frames for `count` vistels whose pictures have that aspect, with the ratio of the area that leaves no bars.
 // In `one_large` the vistel with the index `large` has most of the room, and the rest stand in columns at its
-// right in their order.
+// right in their order. `two_columns` scrolls.
 struct ready_frames {
     double ratio = 0;
     std::vector<rectangle> frames;
+    bool scrolls = false;
 };
 ready_frames ready_layout_frames(ready_layout layout, std::size_t count, double picture_aspect,
                                  std::size_t large = 0);

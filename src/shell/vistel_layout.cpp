@@ -19,15 +19,44 @@ QRect inside(const QRect& room, double aspect) {
             std::max(1, width), std::max(1, height)};
 }
 
+// The area's width to height; 0: whatever room there is.
+double ratio_of_area(const std::vector<rectangle>& frames, double picture_aspect, double ratio) {
+    if (frames.empty()) return 0;
+    if (ratio > 0) return ratio;
+    const rectangle& first = frames.front();
+    if (!(picture_aspect > 0) || !(first.width > 0) || !(first.height > 0)) return 0;
+    return picture_aspect * first.height / first.width;
+}
+
+// The middle one, so that a single large vistel does not make the others small.
+double usual_height(const std::vector<rectangle>& frames) {
+    std::vector<double> heights;
+    for (const auto& one : frames) heights.push_back(one.height);
+    const auto middle = heights.begin() + static_cast<std::ptrdiff_t>((heights.size() - 1) / 2);
+    std::nth_element(heights.begin(), middle, heights.end());
+    return *middle;
+}
+
 }  // namespace
 
 QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
                  double ratio) {
-    if (ratio > 0 && !frames.empty()) return inside(room, ratio);
-    if (frames.empty() || !(picture_aspect > 0)) return room;
-    const rectangle& first = frames.front();
-    if (!(first.width > 0) || !(first.height > 0)) return room;
-    return inside(room, picture_aspect * first.height / first.width);
+    const double wanted = ratio_of_area(frames, picture_aspect, ratio);
+    return wanted > 0 ? inside(room, wanted) : room;
+}
+
+QRect scrolling_video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
+                           double ratio, int bar) {
+    const double wanted = ratio_of_area(frames, picture_aspect, ratio);
+    if (!(wanted > 0)) return room;
+    const int beside_bar = std::max(1, room.width() - bar);
+    double width = beside_bar;
+    if (const double usual = usual_height(frames); usual > 0)
+        width = std::min(width, room.height() / usual * wanted);
+    const int height = static_cast<int>(std::lround(width / wanted));
+    if (height <= room.height()) return inside(room, wanted);
+    const int across = std::max(1, static_cast<int>(std::lround(width)));
+    return {room.left() + (beside_bar - across) / 2, room.top(), across, height};
 }
 
 QRect view_of(const QRect& area, const rectangle& frame, int gap) {

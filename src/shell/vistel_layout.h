@@ -18,6 +18,12 @@ namespace vistels {
 QRect video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
                  double ratio = 0);
 
+// The same of a layout that scrolls: as wide as the room less `bar` pixels at its right, with its top at the
+// room's, and as high as its ratio asks. Only where that would cut a vistel of the usual height it is
+// narrower. When it is not higher than the room it lies in it as any other.
+QRect scrolling_video_area(const QRect& room, const std::vector<rectangle>& frames, double picture_aspect,
+                           double ratio, int bar);
+
 // A vistel's view in the area; `frame` holds fractions of the area. `gap` pixels are left free at the sides
 // where a neighbour may be.
 QRect view_of(const QRect& area, const rectangle& frame, int gap);

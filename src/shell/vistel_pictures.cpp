@@ -70,6 +70,7 @@ vistel_pictures::vistel_pictures(collection_pane& pane) : pane_(pane) {
     connect(&size_time_, &QTimer::timeout, this, &vistel_pictures::tell_sizes);
     // While a border is dragged the pictures that are there are stretched.
     connect(&pane.view(), &collection_view::sizes_changed, &size_time_, qOverload<>(&QTimer::start));
+    connect(&pane.view(), &collection_view::sight_changed, this, &vistel_pictures::tell_sight);
 }
 
 void vistel_pictures::set_event(open_event* event) {
@@ -96,7 +97,8 @@ void vistel_pictures::show_vistels() {
         one.problem = QString::fromStdString(event_->problem(one.uuid));
         one.is_waiting = known->second.is_new && one.problem.isEmpty();
     }
-    pane_.view().set_vistels(std::move(vistels), collection.outside_bounds_ratio().value_or(0));
+    pane_.view().set_vistels(std::move(vistels), collection.outside_bounds_ratio().value_or(0),
+                             collection.area_scrolls());
     for (const auto& one : collection.vistels()) show_overlay(*one, shown_[one->uuid()]);
 }
 
@@ -129,12 +131,31 @@ void vistel_pictures::tell_sizes() {
     }
 }
 
+void vistel_pictures::tell_sight() {
+    if (!event_) return;
+    bool came = false;
+    for (auto& [vistel, one] : shown_) {
+        const bool is_seen = pane_.view().is_in_sight(vistel);
+        came = came || (is_seen && !one.in_sight);
+        one.in_sight = is_seen;
+        // The first picture tells the aspect, whether it is seen or not.
+        event_->playback().set_seen(vistel, is_seen || one.aspect <= 0);
+        if (is_seen || one.aspect <= 0) continue;
+        one.picture.reset();
+        // When it comes back an old picture would pass for the one of that time.
+        pane_.view().forget_picture(vistel);
+    }
+    if (came) show_pictures();
+}
+
 void vistel_pictures::show_pictures() {
     if (!event_) return;
     const bool knew_all = are_complete();
     for (auto& [vistel, one] : shown_) show_picture(vistel, one);
     pane_.header().set_fact(fact());
-    if (!knew_all) tell_sizes();
+    if (knew_all) return;
+    tell_sizes();
+    tell_sight();
 }
 
 void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
@@ -145,6 +166,7 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
         view.set_problem(vistel, QString::fromStdString(problem));
         return;
     }
+    if (!one.in_sight && one.aspect > 0) return;
     view.set_over(vistel, playback.is_over(vistel));
     switch (playback.state(vistel)) {
         case vistel_state::unreadable:
@@ -161,18 +183,20 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
     view.set_problem(vistel, {});
     const picture_pointer picture = playback.picture(vistel);
     if (!picture || picture == one.picture) return;
-    one.picture = picture;
+    if (one.in_sight) one.picture = picture;
     if (std::exchange(one.is_new, false)) view.set_ready(vistel);
     if (one.aspect <= 0 && picture->height > 0)
         one.aspect = static_cast<double>(picture->width) / picture->height;
-    view.set_picture(vistel, image_of(picture), one.aspect);
+    view.set_picture(vistel, image_of(one.picture), one.aspect);
 }
 
 bool vistel_pictures::are_complete() const {
     if (!event_) return false;
     return std::all_of(shown_.begin(), shown_.end(), [this](const auto& one) {
         const vistel_state state = event_->playback().state(one.first);
-        return one.second.picture || state == vistel_state::blank || state == vistel_state::unreadable;
+        const bool is_away = !one.second.in_sight && one.second.aspect > 0;
+        return is_away || one.second.picture || state == vistel_state::blank ||
+               state == vistel_state::unreadable;
     });
 }
 
@@ -193,10 +217,19 @@ long long vistel_pictures::frame_number() const {
     if (all.empty()) return -1;
     const std::string enlarged = pane_.view().enlarged();
     const std::string vistel = enlarged.empty() ? all.front()->uuid() : enlarged;
+    if (!pane_.view().is_in_sight(vistel)) return frame_number_by_time(vistel);
     const auto seconds = event_->playback().picture_seconds(vistel);
     const auto picture = event_->playback().picture(vistel);
     if (!seconds || !picture || picture->sparse || !(picture->until > picture->time)) return -1;
     return std::llround(*seconds / (picture->until - picture->time));
+}
+
+long long vistel_pictures::frame_number_by_time(const std::string& vistel) const {
+    const double now = event_->playback().collection_time();
+    const auto seconds = movie_time_at(event_->collection(), vistel, now);
+    const double each = event_->playback().frame_seconds(vistel);
+    if (!seconds || !(each > 0)) return -1;
+    return static_cast<long long>(std::floor(*seconds / each + 1e-3));
 }
 
 // Before its first part, where the collection wants that seen.

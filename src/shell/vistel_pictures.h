@@ -51,14 +51,19 @@ class vistel_pictures : public QObject {
         QSize asked;          // the size that playback was told
         std::string overlay;  // the path of the picture over it
         bool is_new = false;  // it came while the event was open, and had no picture yet
+        bool in_sight = true;
     };
 
     void tell_sizes();
+    // Pictures of what is out of sight are not wanted.
+    void tell_sight();
     void show_picture(const std::string& vistel, shown& one);
     void show_overlay(const single_Vistel_CTR& vistel, shown& one);
     QString fact() const;
     // When there is a picture again, on the collection's clock; infinite: never.
     double gap_end(const std::string& vistel) const;
+    // For one that is out of sight.
+    long long frame_number_by_time(const std::string& vistel) const;
     bool marks_start(const std::string& vistel) const;
 
     collection_pane& pane_;

@@ -12,6 +12,7 @@
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
+#include "shell/filter_control.h"
 #include "shell/main_window.h"
 #include "shell/theme.h"
 #include "shell/window_list.h"
@@ -189,6 +190,9 @@ void window_set::connect_window(main_window& window) {
     connect(one, &main_window::theme_chosen, this, [this](const QString& name) {
         for (const auto& other : members_) other.window->show_theme_choice(name.toStdString());
         keep();
+    });
+    connect(&one->session().filter(), &filter_control::hides_chosen, this, [this](bool hides) {
+        for (const auto& other : members_) other.window->session().filter().set_hides(hides);
     });
     connect(one, &main_window::closing, this, [this, one] { take_closing(one); });
     one->installEventFilter(this);

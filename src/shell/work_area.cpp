@@ -73,6 +73,9 @@ work_area::work_area(QWidget* collection, QWidget* code, QWidget* timeline, QWid
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(rows_);
+    connect(rows_, &QSplitter::splitterMoved, this, [this] {
+        if (held_height_ >= 0) held_height_ = rows_->sizes().front();
+    });
 }
 
 void work_area::set_code_content_width(int width) {
@@ -108,8 +111,16 @@ void work_area::set_shows_pictures(bool shows) {
     if (shows) set_sizes(kept_sizes_);
 }
 
+void work_area::hold_upper(bool holds) {
+    if (holds && held_height_ < 0) held_height_ = rows_->sizes().front();
+    holds_upper_ = holds;
+}
+
 void work_area::resizeEvent(QResizeEvent*) {
     arrange();
+    if (held_height_ < 0) return;
+    if (shows_pictures_) rows_->setSizes({held_height_, height() - held_height_ - rows_->handleWidth()});
+    if (!holds_upper_) held_height_ = -1;
 }
 
 void work_area::arrange() {

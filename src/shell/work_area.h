@@ -35,6 +35,9 @@ class work_area : public QWidget {
     // the code window.
     void set_shows_pictures(bool shows);
     bool shows_code() const { return shows_code_; }
+    // Before room is taken below for a while: what is above the timeline stays where it is and as it is,
+    // until the room is given back after `holds` was set to false.
+    void hold_upper(bool holds);
 
     // The sizes the user gave the panes; nothing while they are of the window's own choosing.
     property_dictionary sizes() const;
@@ -54,6 +57,8 @@ class work_area : public QWidget {
     int code_content_width_;
     bool shows_code_ = true;
     bool shows_pictures_ = true;
+    bool holds_upper_ = false;
+    int held_height_ = -1;            // of what is above the timeline; -1: it is not held
     property_dictionary kept_sizes_;  // of the panes with pictures, while there are none
 };
 

@@ -225,7 +225,6 @@ class sxy_CLIP : record, clip_fields {
     const qual_ROOT* qualifiers_in_place() const { return qual_Root.get(); }
     const clip_note* note_in_place() const { return rare ? rare->note.get() : nullptr; }
     int stars_in_place() const { return clip_fields::stars; }
-    double start_in_place() const { return clip_fields::secs_start; }
     bool filtered_in_now() const { return peek(clip_fields::filtered_in); }
     const void* first_looked_at() const { return &(clip_fields::stars); }
     const void* last_looked_at() const { return &qual_Root; }

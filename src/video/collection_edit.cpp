@@ -2,6 +2,7 @@
 #include "video/collection_edit.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "util/file_system.h"
@@ -83,22 +84,67 @@ property_dictionary changed(property_dictionary values, const value_change& chan
     return values;
 }
 
-std::vector<std::string> uuids_of(const video_collection_ROOT& collection) {
-    std::vector<std::string> all;
-    for (const auto& vistel : collection.vistels()) all.push_back(vistel->uuid());
+using vistel_pointer = std::shared_ptr<single_Vistel_CTR>;
+
+// A vistel and how an edit names it: by its UUID, and by which one it is where a damaged record holds several
+// with one UUID, or with none.
+struct named_vistel {
+    std::string name;
+    vistel_pointer vistel;
+};
+
+// Gives vistels their names, one after another.
+class vistel_namer {
+  public:
+    std::string name_next(const std::string& uuid) {
+        const std::size_t number = ++counts_[uuid];
+        return number == 1 ? uuid : uuid + "\n" + std::to_string(number);
+    }
+
+  private:
+    std::map<std::string, std::size_t> counts_;
+};
+
+std::vector<named_vistel> named(const std::vector<vistel_pointer>& vistels, vistel_namer& namer) {
+    std::vector<named_vistel> all;
+    for (const auto& vistel : vistels) all.push_back({namer.name_next(vistel->uuid()), vistel});
     return all;
 }
 
-std::shared_ptr<single_Vistel_CTR> vistel_of(const std::vector<std::shared_ptr<single_Vistel_CTR>>& all,
-                                             const std::string& uuid) {
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == uuid; });
-    return found == all.end() ? nullptr : *found;
+std::vector<std::string> names_of(const std::vector<named_vistel>& all) {
+    std::vector<std::string> names;
+    for (const auto& one : all) names.push_back(one.name);
+    return names;
 }
 
-vistel_change change_of_vistel(const single_Vistel_CTR* before, const single_Vistel_CTR& after) {
+// Takes the first out of `all` of which `is_wanted` is true; one without a vistel when there is none.
+template <class Wanted>
+named_vistel take_first(std::vector<named_vistel>& all, Wanted is_wanted) {
+    const auto found = std::find_if(all.begin(), all.end(), is_wanted);
+    if (found == all.end()) return {};
+    named_vistel taken = std::move(*found);
+    all.erase(found);
+    return taken;
+}
+
+named_vistel take_named(std::vector<named_vistel>& all, const std::string& name) {
+    return take_first(all, [&](const auto& one) { return one.name == name; });
+}
+
+// The one that `vistel` was: of several with its UUID the one that was read from the same record.
+named_vistel take_former(std::vector<named_vistel>& all, const single_Vistel_CTR& vistel) {
+    const auto is_same = [&](const auto& one) { return one.vistel->uuid() == vistel.uuid(); };
+    if (std::count_if(all.begin(), all.end(), is_same) < 2) return take_first(all, is_same);
+    const auto record = vistel.stored_item();
+    auto taken =
+        take_first(all, [&](const auto& one) { return is_same(one) && one.vistel->stored_item() == record; });
+    return taken.vistel ? taken : take_first(all, is_same);
+}
+
+vistel_change change_of_vistel(const std::string& name, const single_Vistel_CTR* before,
+                               const single_Vistel_CTR& after) {
     vistel_change change;
-    change.vistel = after.uuid();
+    change.vistel = name;
     const property_dictionary nothing;
     change.item = change_between(before ? write_vistel_item(*before) : nothing, write_vistel_item(after));
     change.own = change_between(before ? own_values_of(*before) : nothing, own_values_of(after));
@@ -131,12 +177,13 @@ single_Vistel_CTR changed_vistel(const single_Vistel_CTR* was, const vistel_chan
 class edit_maker {
   public:
     edit_maker(const video_collection_ROOT& collection, edit_manner manner)
-        : before_(collection.vistels()), manner_(manner) {}
+        : before_(named(collection.vistels(), namer_)), manner_(manner) {}
 
     result<void> change(const vistel_change& change) {
-        const auto was = vistel_of(before_, change.vistel);
+        auto all = before_;
+        const auto was = take_named(all, change.vistel).vistel;
         const bool comes = !was && change.item.set.contains("UUID single video - g");
-        if (!was && (!comes || change.data_folder.empty())) {
+        if (!was && !comes) {
             if (manner_ == edit_manner::lenient) return {};
             return failure{"the collection has no vistel \"" + change.vistel + "\"."};
         }
@@ -144,13 +191,14 @@ class edit_maker {
         if (was) {
             changed_.emplace_back(was, std::move(made));
         } else {
-            come_.push_back(std::move(made));
+            come_.push_back({change.vistel, std::move(made)});
         }
         return {};
     }
 
     result<void> arrange(const std::optional<std::vector<std::string>>& order) {
-        after_ = before_;
+        after_.clear();
+        for (const auto& one : before_) after_.push_back(one.vistel);
         if (!order) {
             if (come_.empty() || manner_ == edit_manner::lenient) return {};
             return failure{"a vistel has no place."};
@@ -158,14 +206,14 @@ class edit_maker {
         after_.clear();
         auto pool = before_;
         pool.insert(pool.end(), come_.begin(), come_.end());
-        for (const auto& uuid : *order) {
-            const auto vistel = vistel_of(pool, uuid);
-            if (vistel) {
-                after_.push_back(vistel);
-                pool.erase(std::find(pool.begin(), pool.end(), vistel));
-            } else if (manner_ == edit_manner::strict) {
-                return failure{"the collection has no vistel \"" + uuid + "\"."};
-            }
+        for (const auto& name : *order) {
+            auto vistel = take_named(pool, name).vistel;
+            if (!vistel && manner_ == edit_manner::strict)
+                return failure{"the collection has no vistel \"" + name + "\"."};
+            // One of several with one UUID may have gone already.
+            const std::string uuid = name.substr(0, name.find('\n'));
+            if (!vistel) vistel = take_named(pool, uuid).vistel;
+            if (vistel) after_.push_back(std::move(vistel));
         }
         return {};
     }
@@ -176,12 +224,11 @@ class edit_maker {
     }
 
   private:
-    using vistel_pointer = std::shared_ptr<single_Vistel_CTR>;
-
-    const std::vector<vistel_pointer> before_;
+    vistel_namer namer_;
+    const std::vector<named_vistel> before_;
     const edit_manner manner_;
     std::vector<std::pair<vistel_pointer, vistel_pointer>> changed_;
-    std::vector<vistel_pointer> come_;
+    std::vector<named_vistel> come_;
     std::vector<vistel_pointer> after_;
 };
 
@@ -248,16 +295,19 @@ video_collection_ROOT detached_copy(const video_collection_ROOT& collection) {
 collection_edit difference(const video_collection_ROOT& before, const video_collection_ROOT& after) {
     collection_edit edit;
     edit.values = change_between(values_of(before), values_of(after));
-    const auto earlier = before.vistels();
+    vistel_namer namer;
+    auto earlier = named(before.vistels(), namer);
+    const auto order_before = names_of(earlier);
+    std::vector<std::string> order;
     for (const auto& vistel : after.vistels()) {
-        const auto was = vistel_of(earlier, vistel->uuid());
-        auto change = change_of_vistel(was.get(), *vistel);
-        if (!was || !is_empty(change.item) || !is_empty(change.own) || change.parts) {
+        const auto was = take_former(earlier, *vistel);
+        order.push_back(was.vistel ? was.name : namer.name_next(vistel->uuid()));
+        auto change = change_of_vistel(order.back(), was.vistel.get(), *vistel);
+        if (!was.vistel || !is_empty(change.item) || !is_empty(change.own) || change.parts) {
             edit.vistels.push_back(std::move(change));
         }
     }
-    auto order = uuids_of(after);
-    if (order != uuids_of(before)) edit.order = std::move(order);
+    if (order != order_before) edit.order = std::move(order);
     return edit;
 }
 

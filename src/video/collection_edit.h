@@ -15,11 +15,11 @@ namespace vistels {
 // What an edit does to one vistel: stored values of its item record and of its own record, and its movie
 // parts as a whole. Of a vistel that comes it holds all of them.
 struct vistel_change {
-    std::string vistel;  // UUID
+    std::string vistel;  // UUID; "UUID\n2" for the second with that UUID, and so on
     value_change item;
     value_change own;                     // without "drone_array"
     std::optional<property_array> parts;  // the part records in play order, each with its "file"
-    std::string data_folder;              // of a vistel that comes
+    std::string data_folder;              // of a vistel that comes; empty: its data was not found
 };
 
 // One change of a collection, as a value: what differs afterwards. Not in it, and left alone by it: the movie
@@ -40,8 +40,8 @@ video_collection_ROOT detached_copy(const video_collection_ROOT& collection);
 collection_edit difference(const video_collection_ROOT& before, const video_collection_ROOT& after);
 
 // Makes the edit. Vistels that stay keep their identity: whoever holds one sees it change. Strict: an edit
-// that changes a vistel which is not there, or brings one without data, is refused with the collection
-// unchanged. Lenient: passes over what cannot be done, for edits that may have been made already.
+// that changes a vistel which is not there is refused with the collection unchanged. Lenient: passes over
+// what cannot be done, for edits that may have been made already.
 enum class edit_manner { strict, lenient };
 result<void> apply_collection_edit(video_collection_ROOT& collection, const collection_edit& edit,
                                    edit_manner manner = edit_manner::strict);

@@ -14,7 +14,7 @@ namespace {
 constexpr const char* part_keys[] = {"gap_before", "part_duration", "movie_file"};
 
 double length_of(const property_dictionary& stored, const char* key) {
-    return std::max(finite_number(stored, key).value_or(0), 0.0);
+    return std::max(stored_seconds(stored, key).value_or(0), 0.0);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <optional>
 
 #include "util/file_system.h"
-#include "video/blank_movie.h"
 #include "video/video_coll_Offsets.h"
 
 namespace vistels {
@@ -19,9 +18,10 @@ constexpr const char* padding_key = "padding_movie";
 // In the record of the first part of a vistel that has no padding part for its offset.
 constexpr const char* offset_key = "offset_before_padding";
 constexpr std::string_view name_mark = " padding ";
+constexpr const char* name_without_movies = "vistel";
 constexpr std::string_view name_ending = ".mov";
 constexpr std::string_view temporary_mark = " temp";  // of one that is being written
-constexpr double shortest_seconds = 0.0005;
+constexpr double shortest_seconds = 0.00005;          // below the tolerance with which frames are found
 
 enum class stands_for { offset = 1, gap = 2, end = 3 };
 
@@ -90,12 +90,21 @@ void pad_end(single_Vistel_CTR& vistel, double length) {
     vistel.set_parts(std::move(parts));
 }
 
+// A vistel without movies: all of it is end, which keeps the offset.
+void pad_whole(single_Vistel_CTR& vistel, double length) {
+    const auto offset = vistel.manual_start_offset();
+    const std::string folder = vistel.data_folder();
+    vistel.set_parts({{padding_part(folder, name_without_movies, stands_for::end, length, offset)}});
+    if (offset) vistel.set_manual_start_offset(0);
+}
+
 // What a vistel's padding says about its offset.
 struct padded_offset {
     bool is_known = false;
-    bool is_set = false;  // a value was stored
-    double offset = 0;    // before padding
-    double wait = 0;      // the padding in front
+    bool is_set = false;   // a value was stored
+    bool has_wait = true;  // there is a movie, which waited
+    double offset = 0;     // before padding
+    double wait = 0;       // the padding in front
 };
 
 // Takes the padding parts away; the gaps for which they stand come back.
@@ -125,10 +134,28 @@ padded_offset strip(single_Vistel_CTR& vistel) {
             found.is_set = found.is_set || offset;
             found.offset += offset.value_or(0);
             found.wait += part.part_duration;
+        } else if (const auto offset = padding->number("offset")) {
+            found.is_known = found.is_set = true;
+            found.has_wait = false;
+            found.offset += *offset;
         }
     }
     vistel.set_parts(std::move(plain));
     return found;
+}
+
+// A movie that is only away must not be taken for none.
+result<void> check_is_there(const single_Vistel_CTR& vistel) {
+    const auto parts = vistel.parts().parts;
+    const bool has_all =
+        std::none_of(parts.begin(), parts.end(), [](const auto& part) { return part.path.empty(); });
+    if (!has_all) {
+        return failure{"A movie of \"" + vistel.name() + "\" is missing in \"" + vistel.data_folder() +
+                       "\"."};
+    }
+    const bool was_read = !vistel.data_folder().empty() && vistel.http_file().empty();
+    if (!parts.empty() || was_read || vistel.manual_start_offset().value_or(0) == 0) return {};
+    return failure{"\"" + vistel.name() + "\" has a start offset but cannot be padded: " + vistel.problem()};
 }
 
 double largest_offset(const video_collection_ROOT& collection) {
@@ -163,18 +190,14 @@ bool is_padding_file_name(std::string_view name) {
 // the earliest footage does; collection time 0 comes to be there.
 result<padding_outcome> pad_collection(video_collection_ROOT& collection) {
     std::vector<std::shared_ptr<single_Vistel_CTR>> padded;
+    std::vector<std::shared_ptr<single_Vistel_CTR>> without_movies;
     for (const auto& vistel : collection.vistels()) {
+        if (vistel->is_inserted_picture()) continue;
+        if (auto whole = check_is_there(*vistel); !whole) return whole.error();
         if (!vistel->parts().parts.empty()) {
             padded.push_back(vistel);
-        } else if (vistel->manual_start_offset().value_or(0) != 0) {
-            return failure{
-                "\"" + vistel->name() +
-                "\" has a start offset but no movie that could be padded: There are no movie parts."};
-        }
-        for (const auto& part : vistel->parts().parts) {
-            if (part.path.empty())
-                return failure{"A movie of \"" + vistel->name() + "\" is missing in \"" +
-                               vistel->data_folder() + "\"."};
+        } else if (!vistel->data_folder().empty() && vistel->http_file().empty()) {
+            without_movies.push_back(vistel);
         }
     }
     if (padded.empty()) return failure{"There are no movie parts."};
@@ -190,6 +213,7 @@ result<padding_outcome> pad_collection(video_collection_ROOT& collection) {
         length = std::max(length, vistel->parts().duration());
     }
     for (const auto& vistel : padded) pad_end(*vistel, length);
+    for (const auto& vistel : without_movies) pad_whole(*vistel, length);
     outcome.files = padding_files_of(collection);
     return outcome;
 }
@@ -203,7 +227,8 @@ padding_outcome restore_offsets(video_collection_ROOT& collection) {
     std::optional<double> common;
     for (const auto& vistel : vistels) {
         all.push_back(strip(*vistel));
-        if (all.back().is_known && !common) common = all.back().offset - all.back().wait;
+        if (all.back().is_known && all.back().has_wait && !common)
+            common = all.back().offset - all.back().wait;
     }
     for (std::size_t index = 0; index < vistels.size(); ++index) {
         const auto now = vistels[index]->manual_start_offset();
@@ -226,7 +251,8 @@ padding_outcome remove_offsets_and_padding(video_collection_ROOT& collection) {
     return outcome;
 }
 
-result<void> make_padding_files(const std::vector<padding_file>& files, job& work) {
+result<void> make_padding_files(const std::vector<padding_file>& files, blank_vistel_movie& blank,
+                                job& work) {
     std::vector<std::string> made;
     double all = 0;
     for (const auto& file : files) all += file.seconds;
@@ -238,7 +264,7 @@ result<void> make_padding_files(const std::vector<padding_file>& files, job& wor
             if (work.is_cancelled()) one.cancel();
         });
         if (work.is_cancelled()) one.cancel();
-        auto written = is_there ? result<void>() : write_blank_movie(file.path, file.seconds, one);
+        auto written = is_there ? result<void>() : blank.write(file.path, file.seconds, one);
         if (!written) {
             for (const auto& path : made) machine_files().remove(path);
             return written;

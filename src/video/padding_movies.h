@@ -7,6 +7,7 @@
 
 #include "util/job.h"
 #include "util/result.h"
+#include "video/blank_movie.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
@@ -32,7 +33,8 @@ struct padding_outcome {
 
 // Every start offset becomes a padding movie as long as the vistel has to wait before its first part (the
 // largest lead less its own), every gap one of its length; all vistels are padded to one length. Offsets and
-// gaps are 0 then. A vistel with an offset but without movie parts is a failure.
+// gaps are 0 then.
+// A vistel that never had a movie becomes blank from beginning to end; a still picture is left as it is.
 result<padding_outcome> pad_collection(video_collection_ROOT& collection);
 // Takes the padding movies away and puts offsets and gaps back.
 padding_outcome restore_offsets(video_collection_ROOT& collection);
@@ -46,9 +48,9 @@ std::string padding_file_of(const movie_Part_DRONE_Offset_Item& part);
 // For names that padding files have, while they are written, too.
 bool is_padding_file_name(std::string_view name);
 
-// Makes those files that are not there yet. On failure, or when `work` is cancelled, none that was made is
-// left. Any thread.
-result<void> make_padding_files(const std::vector<padding_file>& files, job& work);
+// Makes those files that are not there yet, of `blank`. On failure, or when `work` is cancelled, none that
+// was made is left. Any thread.
+result<void> make_padding_files(const std::vector<padding_file>& files, blank_vistel_movie& blank, job& work);
 // The padding files that the collection's parts name.
 std::vector<padding_file> padding_files_of(const video_collection_ROOT& collection);
 // Deletes the padding files in the folders of the vistels that no part names.

@@ -106,7 +106,7 @@ void write_common(record_writer& writer, const single_Vistel_CTR& vistel, bool i
         writer.number("Vistel name UUID - coll", number_or_nothing(vistel.number()));
     }
     if (is_item || vistel.manual_start_offset()) {
-        writer.number("manual start offset", vistel.manual_start_offset());
+        writer.seconds("manual start offset", vistel.manual_start_offset());
     }
     writer.text("Vistel video name - coll", vistel.name());
     writer.flag("drone_lock_clips", vistel.locks_clips());
@@ -159,7 +159,7 @@ single_Vistel_CTR read_vistel_item(const property_dictionary& stored) {
     vistel.set_flicked_in(stored.boolean("this_vistel_flicked_in").value_or(false));
     vistel.set_number(finite_number(stored, "Vistel name UUID - coll").value_or(0));
     vistel.set_is_inserted_picture(stored.boolean("inserted_Type_PICTURE").value_or(false));
-    vistel.set_manual_start_offset(finite_number(stored, "manual start offset"));
+    vistel.set_manual_start_offset(stored_seconds(stored, "manual start offset"));
     vistel.set_vistel_number_displayed_ordinal(small_integer(stored, "vistel_number_displayed_ordinal"));
     vistel.set_saved_view_order(small_integer(stored, "saved view order i8"));
     vistel.set_name(stored.text_or_empty("Vistel video name - coll"));

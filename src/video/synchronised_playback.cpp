@@ -14,6 +14,8 @@ constexpr double timer_interval_seconds = 1.0 / 60;
 constexpr double follow_interval_seconds = 0.2;
 // Enough to come before a frame by the tolerance with which frames are found.
 constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
+// What comes back into sight does not show a frame farther from the right one than that.
+constexpr double late_frame_seconds = 1;
 
 }  // namespace
 
@@ -91,12 +93,12 @@ synchronised_playback::entry* synchronised_playback::find(const std::string& uui
     return const_cast<entry*>(std::as_const(*this).find(uuid));
 }
 
-synchronised_playback::entry* synchronised_playback::stepped() {
-    entry* const enlarged = find(enlarged_);
+const synchronised_playback::entry* synchronised_playback::stepped() const {
+    const entry* const enlarged = find(enlarged_);
     return enlarged != nullptr && !enlarged->player->is_still() ? enlarged : first_movie();
 }
 
-synchronised_playback::entry* synchronised_playback::first_movie() {
+const synchronised_playback::entry* synchronised_playback::first_movie() const {
     const auto found = std::find_if(vistels_.begin(), vistels_.end(),
                                     [](const entry& vistel) { return !vistel.player->is_still(); });
     return found == vistels_.end() ? nullptr : &*found;
@@ -118,6 +120,17 @@ void synchronised_playback::set_view_size(const std::string& uuid, int width, in
     found->height = height;
     found->player->set_size(width, height);
     tick();
+}
+
+void synchronised_playback::set_seen(const std::string& uuid, bool seen) {
+    entry* const found = find(uuid);
+    if (found == nullptr || found->is_seen == seen) return;
+    found->is_seen = seen;
+    tick();
+}
+
+bool synchronised_playback::is_followed(const entry& vistel) const {
+    return vistel.is_seen || (!is_playing() && stepped() == &vistel);
 }
 
 void synchronised_playback::set_sound_vistel(const std::string& uuid) {
@@ -224,10 +237,12 @@ bool synchronised_playback::show(entry& vistel, double seconds) {
     vistel.problem = std::move(seen.problem);
     if (seen.state == vistel_state::waiting) {
         // Better the last picture than none; while playing, better a late one than one that stands still.
-        const bool is_nearer = seen.frame && (!vistel.shown || std::abs(seen.frame_seconds - seconds) <
-                                                                   std::abs(vistel.shown_seconds - seconds));
-        if (!is_playing() || !is_nearer) return is_news;
+        const double away = std::abs(seen.frame_seconds - seconds);
+        const bool is_nearer = vistel.shown ? away < std::abs(vistel.shown_seconds - seconds)
+                                            : !vistel.returns || away < late_frame_seconds;
+        if (!is_playing() || !seen.frame || !is_nearer) return is_news;
     }
+    vistel.returns = false;
     const bool is_same = vistel.shown == seen.frame;
     vistel.shown = std::move(seen.frame);
     vistel.shown_seconds = seen.frame_seconds;
@@ -237,7 +252,15 @@ bool synchronised_playback::show(entry& vistel, double seconds) {
 void synchronised_playback::tick() {
     const double now = clock_.time();
     bool changed = false;
-    for (auto& vistel : vistels_) changed = show(vistel, now + vistel.vistel.lead) || changed;
+    for (auto& vistel : vistels_) {
+        if (is_followed(vistel)) {
+            changed = show(vistel, now + vistel.vistel.lead) || changed;
+        } else {
+            vistel.shown.reset();
+            vistel.returns = true;
+            if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
+        }
+    }
     update_sound(now);
     if (is_playing() && !clock_.can_move()) {
         clock_.pause();
@@ -262,8 +285,9 @@ void synchronised_playback::settle() {
 }
 
 bool synchronised_playback::is_settled() const {
-    return std::none_of(vistels_.begin(), vistels_.end(),
-                        [](const entry& vistel) { return vistel.state == vistel_state::waiting; });
+    return std::none_of(vistels_.begin(), vistels_.end(), [this](const entry& vistel) {
+        return vistel.state == vistel_state::waiting && is_followed(vistel);
+    });
 }
 
 // A vistel that lags is asked for the time that the others are at.

@@ -44,6 +44,9 @@ class synchronised_playback final : public transport {
     void set_least_range(double first, double last);
     // The size, in pixels, that a vistel's pictures are made in; 0, 0: the movie's own.
     void set_view_size(const std::string& uuid, int width, int height);
+    // Whether the user sees the vistel, as one does from the beginning. One out of sight is not decoded and
+    // has no picture, but for the one whose frames are stepped by while playback stands still.
+    void set_seen(const std::string& uuid, bool seen);
     // Whose frames are stepped by; empty: the first vistel's.
     void set_enlarged(const std::string& uuid) { enlarged_ = uuid; }
     // Who is heard; empty: the first vistel.
@@ -83,7 +86,7 @@ class synchronised_playback final : public transport {
     double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;
     std::string problem(const std::string& uuid) const;
-    // Whether every vistel shows its very frame, or cannot show any.
+    // Whether every vistel that is seen shows its very frame, or cannot show any.
     bool is_settled() const;
     // Whether the timer runs: while the collection's time moves, and half a second longer.
     bool timer_runs() const { return timer_.has_value(); }
@@ -104,13 +107,16 @@ class synchronised_playback final : public transport {
         vistel_state state = vistel_state::waiting;
         std::string problem;
         std::optional<double> last_correction_seconds;
+        bool is_seen = true;
+        bool returns = false;  // it was out of sight and has shown nothing since
     };
     struct arrival_link;
 
     const entry* find(const std::string& uuid) const;
     entry* find(const std::string& uuid);
-    entry* stepped();
-    entry* first_movie();  // null when there are pictures alone
+    const entry* stepped() const;
+    const entry* first_movie() const;  // null when there are pictures alone
+    bool is_followed(const entry& vistel) const;
     std::unique_ptr<vistel_player> make_player(const playback_vistel& vistel);
     void update_range();
     void start_timer();

@@ -11,9 +11,11 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <limits>
 #include <random>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -119,7 +121,9 @@ result<double> duration_of(const std::string& movie) {
     const auto information = probe_movie(movie);
     if (!information) return information.error();
     if (!information.value().has_video) return failure{"\"" + movie + "\" holds no pictures."};
-    return information.value().duration;
+    const double seconds = information.value().duration;
+    if (!(seconds > 0)) return failure{"\"" + movie + "\" cannot be played: its pictures have no times."};
+    return seconds;
 }
 
 result<std::vector<planned_vistel>> plan_vistels(const std::vector<std::string>& movies, movies_as how) {
@@ -183,6 +187,15 @@ std::size_t highest_part_number(const std::string& folder) {
     return highest;
 }
 
+// A copy of a movie that nobody goes on with.
+bool is_left_over(const std::string& folder, const std::string& name) {
+    const auto mark = name.rfind(temporary_mark);
+    if (mark == std::string::npos || part_number(name.substr(0, mark)) == 0) return false;
+    std::error_code unknown;
+    const auto written = fs::last_write_time(path_join(folder, name), unknown);
+    return !unknown && fs::file_time_type::clock::now() - written > std::chrono::hours(24);
+}
+
 constexpr adding_choice each_choice{movies_as::vistel_each, "Create A New Vistel For Each File",
                                     "Create a new vistel for each file."};
 constexpr adding_choice one_choice{movies_as::one_vistel, "Create A New Vistel And Append Movies",
@@ -191,6 +204,18 @@ constexpr adding_choice single_choice{movies_as::vistel_each, "Create A New Vist
                                       "Create a new vistel for each file."};
 constexpr adding_choice parts_choice{movies_as::parts_of_existing, "Append video files to this vistel.",
                                      "Append video files to this vistel."};
+
+// A vistel without a number of its own shows its place.
+std::set<int> shown_numbers(const video_collection_ROOT& collection) {
+    std::set<int> numbers;
+    int place = 0;
+    for (const auto& vistel : collection.vistels()) {
+        ++place;
+        const int own = vistel->vistel_number_displayed();
+        numbers.insert(own > 0 ? own : place);
+    }
+    return numbers;
+}
 
 }  // namespace
 
@@ -263,12 +288,31 @@ result<void> bring_movie(const std::string& from, const std::string& to, job& wo
     return finish_file(unfinished, to);
 }
 
+void remove_unfinished_copies(const std::string& folder) {
+    for (const auto& vistel : names_in_folder(folder)) {
+        const std::string inside = path_join(folder, vistel);
+        std::size_t others = 0;
+        std::vector<std::string> unfinished;
+        for (const auto& name : names_in_folder(inside)) {
+            if (is_left_over(inside, name)) {
+                unfinished.push_back(path_join(inside, name));
+            } else {
+                ++others;
+            }
+        }
+        for (const auto& path : unfinished) machine_files().remove(path);
+        std::error_code ignored;
+        if (others == 0 && !unfinished.empty()) fs::remove(inside, ignored);
+    }
+}
+
 result<vistel_list> make_vistels(const new_vistels& made_with, const std::vector<std::string>& movies,
                                  movies_as how, job& work) {
     const auto planned = plan_vistels(movies, how);
     if (!planned) return planned.error();
     made_files made;
     made.add_missing_of(made_with.folder);
+    remove_unfinished_copies(made_with.folder);
     shared_progress progress(movies.size(), work);
     vistel_list vistels;
     for (const auto& plan : planned.value()) {
@@ -320,12 +364,14 @@ void discard(const std::vector<movie_Part_DRONE_Offset_Item>& parts) {
 
 void number_new_vistels(const video_collection_ROOT& collection, const vistel_list& vistels) {
     std::vector<double> numbers = collection.unused_vistel_numbers(vistels.size());
-    int shown = static_cast<int>(collection.vistels().size());
+    std::set<int> taken = shown_numbers(collection);
+    int shown = 1;
     int front = 0;
     for (const auto& vistel : collection.vistels()) front = std::max(front, vistel->saved_view_order());
     for (std::size_t index = 0; index < vistels.size(); ++index) {
+        while (!taken.insert(shown).second) ++shown;
         vistels[index]->set_number(numbers[index]);
-        vistels[index]->set_vistel_number_displayed(++shown);
+        vistels[index]->set_vistel_number_displayed(shown);
         vistels[index]->set_vistel_number_displayed_ordinal(shown);
         vistels[index]->set_saved_view_order(front < std::numeric_limits<int>::max() ? ++front : front);
     }

@@ -49,6 +49,10 @@ struct new_vistels {
 // they return is put into the collection on the main thread. Movies are hard links or clones where the
 // volume allows it, copies otherwise. On failure, or when `work` is cancelled, nothing is left behind.
 
+// What a program that died has left of copying movies into folders of vistels in `folder`: deletes such files
+// when nothing was written to them for a day, and the folders that hold nothing else.
+void remove_unfinished_copies(const std::string& folder);
+
 // New vistels of these movies, with a UUID, an offset of 0 and no number yet. A picture among the movies
 // becomes a vistel of its own that is shown at all times. A movie that cannot be read is an error.
 result<vistel_list> make_vistels(const new_vistels& made_with, const std::vector<std::string>& movies,
@@ -62,7 +66,7 @@ void discard(const vistel_list& vistels);
 void discard(const std::vector<movie_Part_DRONE_Offset_Item>& parts);
 
 // Gives new vistels what they have only in their collection: an unused number, which is positive and below
-// 2^53, the number that is shown, and a place in front of the others. Main thread.
+// 2^53, the lowest number to show that no other one shows, and a place in front of the others. Main thread.
 void number_new_vistels(const video_collection_ROOT& collection, const vistel_list& vistels);
 // Numbers them and puts them behind the others. A layout is left to the caller. Main thread.
 void add_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels);

@@ -137,11 +137,26 @@ double missing_seconds(const part_list& parts) {
     return missing;
 }
 
-// Where a vistel's record lies, and what it holds.
+// Where a vistel's record lies, and what it holds; or that it is missing beside the vistel's movies.
 struct found_record {
     std::string folder;
     property_dictionary record;
+    std::string problem = {};
 };
+
+// A program that dies while it saves a new collection leaves vistels with movies and without a record. A copy
+// of one that is being saved means that it is not missing for good.
+result<found_record> without_record(const std::string& folder, const std::string& path) {
+    const auto names = names_in_folder(folder);
+    const bool has_copy = std::any_of(names.begin(), names.end(),
+                                      [](const auto& name) { return name.starts_with(vistel_file_name); });
+    const bool has_movie = std::any_of(names.begin(), names.end(), [](const auto& name) {
+        return is_movie_name(name) || is_picture_name(name);
+    });
+    const std::string problem = in_quotes(path) + " is missing.";
+    if (has_copy || !has_movie) return failure{problem};
+    return found_record{folder, {}, problem};
+}
 
 result<found_record> find_record(const single_Vistel_CTR& vistel, const std::string& folder,
                                  const std::string& local_vistels) {
@@ -155,7 +170,7 @@ result<found_record> find_record(const single_Vistel_CTR& vistel, const std::str
                                  ", and there is no local copy in " + in_quotes(places.front()) + "."};
     }
     const std::string path = path_join(*found, vistel_file_name);
-    if (!file_exists(path)) return failure{in_quotes(path) + " is missing."};
+    if (!file_exists(path)) return without_record(*found, path);
     const auto record = read_property_list_file(path);
     if (!record) return record.error();
     const auto* dictionary = record.value().dictionary();
@@ -193,11 +208,18 @@ load_outcome load_vistel(single_Vistel_CTR& vistel, const std::string& folder,
     // From here on the record may be written again.
     vistel.set_data_folder(found.value().folder);
     read_vistel_record(vistel, found.value().record);
-    if (vistel.is_inserted_picture()) {
-        const bool is_there = !picture_path(vistel).empty();
-        return {is_there ? "" : in_quotes(found.value().folder) + " holds no picture.", {}};
+    load_outcome outcome;
+    if (!vistel.is_inserted_picture()) {
+        outcome = load_movies(vistel, found.value().folder);
+    } else if (picture_path(vistel).empty()) {
+        outcome.problem = in_quotes(found.value().folder) + " holds no picture.";
     }
-    return load_movies(vistel, found.value().folder);
+    if (!found.value().problem.empty()) {
+        outcome.problem = found.value().problem;
+        // Its movies are to be listed when it is saved.
+        vistel.set_parts_on_record(std::nullopt);
+    }
+    return outcome;
 }
 
 // Every vistel in its order; nothing may save the collection meanwhile.
@@ -260,10 +282,11 @@ void list_unused_movies(property_dictionary& record, const single_Vistel_CTR& vi
 result<void> keep_foreign_file(const std::string& path, file_system& files) {
     const auto there = read_property_list_file(path);
     if (!there || is_collection_record(there.value())) return {};
-    if (const int fault = files.hard_link(path, damaged_name(path))) {
-        return file_failure(path, "could not be kept", fault);
-    }
-    return {};
+    const std::string kept = damaged_name(path);
+    if (files.hard_link(path, kept) == 0) return {};
+    // Not every volume has hard links.
+    const auto bytes = read_file(path, files);
+    return bytes ? safe_write_bytes(kept, bytes.value(), files) : result<void>(bytes.error());
 }
 
 }  // namespace
@@ -337,19 +360,24 @@ result<void> save_collection(video_collection_ROOT& collection, const std::strin
     return save_vistels(collection, files);
 }
 
+// One that cannot be saved, its volume being away for instance, keeps no other from it.
 result<void> save_vistels(const video_collection_ROOT& collection, file_system& files) {
+    result<void> all;
     for (const auto& vistel : collection.vistels()) {
         if (vistel->data_folder().empty()) continue;
         auto stored = write_vistel_record(*vistel);
         list_unused_movies(stored, *vistel);
         const std::string path = path_join(vistel->data_folder(), vistel_file_name);
         if (stored != vistel->stored_vistel() || !file_exists(path)) {
-            if (auto saved = safe_write(path, stored, files); !saved) return saved;
+            if (auto saved = safe_write(path, stored, files); !saved) {
+                if (all) all = std::move(saved);
+                continue;
+            }
             vistel->set_stored_vistel(std::move(stored));
         }
         vistel->set_parts_on_record(vistel->parts());
     }
-    return {};
+    return all;
 }
 
 }  // namespace vistels

@@ -31,15 +31,17 @@ struct loaded_collection {
 
 // Reads "video group.plist" in `folder` and, for each vistel in its order, the record and the movie parts in
 // its data folder. A vistel that cannot be read keeps the rest: it has a problem() and no path for what is
-// missing. A missing or damaged collection record is an error; an element of it that is no record is told and
-// kept. Nothing is written: movie parts without a file stay, files without a part are shown after the others,
-// and both change the record only when the parts are changed. `local_vistels` is the folder of the vistels
-// whose data is kept locally ("Single Videos Local"); empty when there is none. Movies are not opened, except
-// those whose duration no record holds, and the local copy of a streamed vistel. Any thread.
+// missing; one whose record alone is missing shows its movies one after another. A missing or damaged
+// collection record is an error; an element of it that is no record is told and kept. Nothing is written:
+// movie parts without a file stay, files without a part are shown after the others, and both change the
+// record only when the parts are changed. `local_vistels` is the folder of the vistels whose data is kept
+// locally ("Single Videos Local"); empty when there is none. Movies are not opened, except those whose
+// duration no record holds, and the local copy of a streamed vistel. Any thread.
 result<loaded_collection> load_collection(const std::string& folder, const std::string& local_vistels = {});
 
 // Writes the collection record and then the records of the vistels that differ from what was read. Fails
-// while saving is blocked. What stands in the record's place and is none is kept as "X damaged N".
+// while saving is blocked; a vistel that cannot be saved keeps no other from it. What stands in the record's
+// place and is none is kept as "X damaged N".
 result<void> save_collection(video_collection_ROOT& collection, const std::string& folder,
                              file_system& files = machine_files());
 // The records of the vistels that differ from what was read, alone.

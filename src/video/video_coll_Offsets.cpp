@@ -56,6 +56,10 @@ double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offs
     return largest_offset_for_clips(items) - item.offset.value_or(0);
 }
 
+double lead_for_cutting(const std::vector<vistel_offset>& items, const vistel_offset& item) {
+    return item.number > 0 ? lead_for_clips(items, item) : largest_offset_for_clips(items);
+}
+
 double lead_for_composer(const std::vector<vistel_offset>& items, double number) {
     const auto* item = item_of_number(items, number);
     return item ? largest_offset_for_composer(items) - item->offset.value_or(0) : 0;

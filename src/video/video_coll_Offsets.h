@@ -20,7 +20,7 @@ struct vistel_offset {
 
 std::vector<vistel_offset> offsets_of(const video_collection_ROOT& collection);
 
-// For playing, and for the source range of a timeline's clips: never below 0.
+// For playing and cutting: never below 0.
 double largest_offset_for_clips(const std::vector<vistel_offset>& items);
 // For composer clips and movie export: below 0 when every stored offset is; 0 when none is stored.
 double largest_offset_for_composer(const std::vector<vistel_offset>& items);
@@ -30,6 +30,9 @@ double offset_of_number(const std::vector<vistel_offset>& items, double number);
 
 // How far a vistel's movie is ahead of the collection time.
 double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item);
+// The same for the source range of a clip, which names the vistel by its number: without a usable one its
+// offset is not found and counts as 0.
+double lead_for_cutting(const std::vector<vistel_offset>& items, const vistel_offset& item);
 // 0 as well when no item has that number, or it is not positive.
 double lead_for_composer(const std::vector<vistel_offset>& items, double number);
 

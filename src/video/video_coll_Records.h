@@ -19,6 +19,15 @@ inline std::optional<double> finite_number(const property_dictionary& stored, co
     return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
+// A length or an offset beyond this, some 30 years, is none: times lose their milliseconds there.
+inline constexpr double most_stored_seconds = 1e9;
+
+// The number under `key` as seconds, when it is one that can be reckoned with.
+inline std::optional<double> stored_seconds(const property_dictionary& stored, const char* key) {
+    const auto seconds = finite_number(stored, key);
+    return seconds && std::abs(*seconds) <= most_stored_seconds ? seconds : std::nullopt;
+}
+
 inline std::optional<rectangle> stored_frame(const property_dictionary& stored, const char* key) {
     const auto* value = stored.find(key);
     return value ? rectangle_from(*value) : std::nullopt;
@@ -48,6 +57,10 @@ class record_writer {
     void number(const char* key, std::optional<double> number) {
         if (number != finite_number(as_read_, key))
             set_.set(key, number ? property_value(*number) : property_value());
+    }
+    void seconds(const char* key, std::optional<double> seconds) {
+        if (seconds != stored_seconds(as_read_, key))
+            set_.set(key, seconds ? property_value(*seconds) : property_value());
     }
     // The same for a number whose default is 0.
     void number_if_set(const char* key, double number) {

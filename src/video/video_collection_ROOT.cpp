@@ -17,6 +17,7 @@ namespace {
 constexpr const char* archive_key = "temp_completion_UUID_created_during_archive";
 constexpr const char* pushed_key = "pushed vistel data";
 constexpr const char* remembered_ratio_key = "remember_outside_bounds_video_ratio_for_vistel_FLICKING";
+constexpr const char* area_scrolls_key = "video area scrolls";
 constexpr std::int64_t numbers_end = std::int64_t{1} << 53;
 
 constexpr const char* collection_keys[] = {
@@ -43,6 +44,7 @@ constexpr const char* collection_keys[] = {
     pushed_key,
     collection_items_key,
     "show missing vistel starts",
+    area_scrolls_key,
     archive_key,
 };
 
@@ -261,6 +263,7 @@ video_collection_ROOT read_collection(const property_dictionary& stored) {
     collection.set_vistel_for_sound(stored.text_or_empty("UUID_of_vistel_for_sound"));
     collection.set_pushed_vistels(read_pushed(stored));
     collection.set_shows_missing_starts(stored.boolean("show missing vistel starts").value_or(false));
+    collection.set_area_scrolls(stored.boolean(area_scrolls_key).value_or(false));
     collection.set_vistels(read_items(stored));
     property_dictionary kept = stored;
     kept.remove(archive_key);
@@ -303,6 +306,10 @@ property_dictionary write_collection(const video_collection_ROOT& collection, do
     write_pushed(writer, collection, as_read);
     writer.value(collection_items_key, write_items(collection));
     writer.flag("show missing vistel starts", collection.shows_missing_starts());
+    // Of this program alone: only there when it says something.
+    if (collection.area_scrolls() != as_read.boolean(area_scrolls_key).value_or(false)) {
+        writer.value(area_scrolls_key, collection.area_scrolls() ? property_value(true) : property_value());
+    }
     if (!archive_uuid.empty()) writer.value(archive_key, archive_uuid);
     return writer.finish();
 }

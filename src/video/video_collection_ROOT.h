@@ -77,6 +77,10 @@ class video_collection_ROOT : record {
     void set_remembered_outside_bounds_ratio(std::optional<double> ratio) {
         write(remembered_outside_bounds_ratio_, ratio);
     }
+    // Whether the video area is as wide as its pane and scrolls where it is higher, instead of lying in it
+    // whole.
+    bool area_scrolls() const { return read(area_scrolls_); }
+    void set_area_scrolls(bool scrolls) { write(area_scrolls_, scrolls); }
     // The frames, by UUID, to which vistels that an enlarged one pushed aside return.
     std::vector<pushed_vistel> pushed_vistels() const { return read(pushed_vistels_); }
     void set_pushed_vistels(std::vector<pushed_vistel> pushed) { write(pushed_vistels_, std::move(pushed)); }
@@ -139,6 +143,7 @@ class video_collection_ROOT : record {
     bool shows_missing_starts_ = false;
     std::optional<double> outside_bounds_ratio_;
     std::optional<double> remembered_outside_bounds_ratio_;
+    bool area_scrolls_ = false;
     std::vector<pushed_vistel> pushed_vistels_;
     std::string vistel_for_sound_;
     std::string linked_timeline_;

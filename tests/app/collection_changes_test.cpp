@@ -217,6 +217,7 @@ TEST_F(changes, what_grows_moves_along) {
 TEST_F(changes, a_refused_change_changes_nothing) {
     const std::string before = state();
     EXPECT_FALSE(event->changes().make(plan_offset("nobody", 3)));
+    EXPECT_FALSE(event->changes().make(plan_offset("A", 1e12)));
     EXPECT_FALSE(event->changes().make(plan_frame("A", {0, 0, 0, 1})));
     // A part of an edit that cannot be done refuses the rest.
     auto change = plan_offset("A", 3);

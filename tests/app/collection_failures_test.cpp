@@ -6,6 +6,7 @@
 #include "support/failure_runs.h"
 #include "support/power_loss.h"
 #include "util/safe_write.h"
+#include "video/blank_movie.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -43,7 +44,8 @@ std::string state_found_in(const std::string& folder) {
     auto loaded = load_collection(folder);
     EXPECT_TRUE(loaded) << loaded.message();
     if (!document || !loaded) return {};
-    collection_changes::take_up_recovered(loaded.value().collection, *document);
+    blank_vistel_movie blank(folder);
+    collection_changes::take_up_recovered(loaded.value().collection, *document, blank);
     return state_of(document->timeline(), loaded.value().collection);
 }
 
@@ -71,7 +73,7 @@ class coded_collection {
         document = testing::opened(folder, loop_, files);
         collection = std::move(load_collection(folder).value().collection);
         changes = std::make_unique<collection_changes>(
-            collection, *document, [this] { return may_save ? save() : failure{"not to be saved"}; });
+            collection, *document, blank_, [this] { return may_save ? save() : failure{"not to be saved"}; });
         using companion = timeline_document::save_companion;
         document->set_save_companion([this]() -> result<companion> {
             if (auto saved = changes->save_pending(); !saved) return saved.error();
@@ -100,6 +102,7 @@ class coded_collection {
     const std::string folder_;
     file_system& files_;
     simulated_run_loop loop_;
+    blank_vistel_movie blank_{folder_};
 
   public:
     std::unique_ptr<timeline_document> document;

@@ -154,7 +154,7 @@ TEST_F(event, an_auto_up_comes_without_playing) {
 }
 
 TEST_F(event, what_is_broken_is_told_and_the_rest_opens) {
-    fs::remove(vault + "/Single Videos/A/single video.plist");
+    put_file(vault + "/Single Videos/A/single video.plist", "<plist><dict>");
     fs::create_directories(folder + "/Logger");
     put_file(folder + "/Logger/button dict.plist", "<plist><dict>");
     const auto opened = open();

@@ -76,7 +76,8 @@ class filmed_event : public ::testing::Test {
     }
     void run(padding_command command) {
         job work;
-        const auto done = run_padding(event->changes(), event->collection(), command, work);
+        const auto done =
+            run_padding(event->changes(), event->collection(), *event->blank_movie(), command, work);
         EXPECT_TRUE(done) << done.message();
     }
     std::string uuid(std::size_t vistel) { return event->collection().vistels()[vistel]->uuid(); }
@@ -175,8 +176,8 @@ TEST_F(filmed_event, padding_that_is_given_up_changes_nothing) {
     const auto before = times();
     job cancelled;
     cancelled.cancel();
-    EXPECT_FALSE(
-        run_padding(event->changes(), event->collection(), padding_command::replace_with_padding, cancelled));
+    EXPECT_FALSE(run_padding(event->changes(), event->collection(), *event->blank_movie(),
+                             padding_command::replace_with_padding, cancelled));
     // What changes while the files are made is not padded by what was planned before.
     const auto planned = plan_padding(event->collection(), padding_command::replace_with_padding);
     ASSERT_TRUE(planned);
@@ -209,6 +210,36 @@ TEST_F(filmed_event, locked_clips_move_with_their_movie_part) {
         event->changes().make(plan_gap(event->collection(), event->timeline().timeline(), uuid(1), 1, -1)));
     EXPECT_TRUE(event->undo().undo());
     expect_near(times(), start);
+}
+
+TEST_F(filmed_event, a_movie_that_was_away_comes_back_to_its_frames) {
+    const auto before = frames();
+    const auto start = times();
+    const auto part = event->collection().vistels()[1]->parts().parts[0];
+    event.reset();
+    fs::rename(part.path, home / "found.mp4");
+    open();
+    EXPECT_NE(frames(), before);
+    job work;
+    const auto brought = bring_parts(*event->collection().vistels()[1], {home / "found.mp4"}, work);
+    ASSERT_TRUE(brought) << brought.message();
+    make(plan_found_movie(uuid(1), brought.value().front()));
+    EXPECT_EQ(frames(), before);
+    EXPECT_FALSE(event->changes().make(plan_found_movie(uuid(1), brought.value().front())));
+    open();
+    EXPECT_TRUE(event->messages().empty()) << event->messages().front();
+    EXPECT_EQ(frames(), before);
+    expect_near(times(), start);
+    EXPECT_TRUE(event->undo().undo());
+    EXPECT_NE(frames(), before);
+    EXPECT_TRUE(event->undo().redo());
+    EXPECT_EQ(frames(), before);
+    // A shorter one leaves the part behind it in its place.
+    auto shorter = brought.value().front();
+    shorter.part_duration -= 0.25;
+    EXPECT_TRUE(event->undo().undo());
+    make(plan_found_movie(uuid(1), shorter));
+    EXPECT_NEAR(event->collection().vistels()[1]->parts().starts()[1], 1.75, 1e-9);
 }
 
 // Coded on the clock alone, and only then filmed.

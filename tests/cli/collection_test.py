@@ -3,11 +3,14 @@
 
 import os
 import plistlib
+import pty
 import shutil
+import subprocess
+import tempfile
 import unittest
 from pathlib import Path
 
-from support import HAVE_MEDIA, CommandTest, clip, row, timeline
+from support import HAVE_MEDIA, PROGRAM, CommandTest, clip, row, timeline
 
 
 def item(uuid, number=None, **more):
@@ -72,6 +75,15 @@ class StoredCollection(CommandTest):
                           self.printed("collection", "show", self.collection)["vistels"]], [3.25, 0])
         self.assertIn("7", self.complaint("collection", "offset", self.collection, "7", "1"))
 
+    def test_an_offset_of_more_than_30_years_is_none(self):
+        self.store(item("A", 5, **{"manual start offset": -1e300}), item("B", 6))
+        shown = self.printed("collection", "show", self.collection)
+        self.assertEqual([one["offset"] for one in shown["vistels"]], [0, 0])
+        self.assertIn("30 years", self.complaint("collection", "offset", self.collection, "B", "1e10"))
+        self.printed("collection", "offset", self.collection, "B", "2")
+        stored = plistlib.loads((self.collection / "video group.plist").read_bytes())
+        self.assertEqual([one["manual start offset"] for one in stored["array video group items"]], [-1e300, 2])
+
     def test_an_offset_takes_the_timeline_along(self):
         self.store(item("A", 5), item("B", 6))
         stamped = {"qualifiers_array": [{"uuid": "Q", "name": "q", "time": 21.5}]}
@@ -87,6 +99,25 @@ class StoredCollection(CommandTest):
         stored = self.printed("timeline", "show", self.collection)["rows"][0]["clips"][0]
         self.assertEqual(stored["time_start"], 20)
 
+    def test_clips_stay_with_a_collection_that_cannot_be_saved(self):
+        self.store(item("A", 5), item("B", 6))
+        self.write(self.collection / "chron data.plist", timeline(row("Shot", clip("K", 20.0, 25.0))))
+        record = self.collection / "video group.plist"
+        self.write(record, {**plistlib.loads(record.read_bytes()), "kept": "x" * 2**21})
+
+        done = self.run_with_small_files("collection", "offset", self.collection, "A", "4")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(str(record), done.stderr)
+        self.assertEqual(self.stored_clips(), [20])
+        # What was coded on record is made with the next change, both of it.
+        shown = self.printed("collection", "move", self.collection, "B", "1")
+        self.assertEqual([(one["uuid"], one["offset"]) for one in shown["vistels"]], [("B", 0), ("A", 4)])
+        self.assertEqual(self.stored_clips(), [16])
+
+    def stored_clips(self):
+        stored = plistlib.loads((self.collection / "chron data.plist").read_bytes())
+        return [one["time_start"] for each in stored["rows"] for one in each["clips"]]
+
     def test_range(self):
         self.store(item("A", 5, **{"manual start offset": -1.5}), item("B", 6))
         for vistel, start, end, wanted in (("A", 10, 12, (11.5, 2, 6900, 1200)), ("5", 12, 10, (11.5, 2, 6900, 1200)),
@@ -94,6 +125,49 @@ class StoredCollection(CommandTest):
                                            ("B", 60, 70, (53.5, 0, 32100, 0))):
             found = self.printed("collection", "range", self.collection, vistel, start, end)
             self.assertEqual(tuple(found.values()), wanted)
+        # A clip finds the offset of a vistel by its number.
+        self.store(item("A", 5, **{"manual start offset": 4.0}), item("B", 0, **{"manual start offset": 1.0}))
+        shown = self.printed("collection", "show", self.collection)["vistels"]
+        self.assertEqual([(one["lead_clips"], one["lead_composer"]) for one in shown], [(0, 0), (4, 0)])
+        self.assertEqual(self.printed("collection", "range", self.collection, "B", 10, 12)["from"], 14)
+
+    def test_removing_and_moving(self):
+        self.store(item("A", 5), item("B", 6), item("C", 7))
+        record = plistlib.loads((self.collection / "video group.plist").read_bytes())
+        self.write(self.collection / "video group.plist", {**record, "UUID_of_vistel_for_sound": "B"})
+        self.printed("collection", "remove", self.collection, "B")
+        moved = self.printed("collection", "move", self.collection, "C", "1")
+        self.assertEqual([one["uuid"] for one in moved["vistels"]], ["C", "A"])
+        stored = plistlib.loads((self.collection / "video group.plist").read_bytes())
+        self.assertNotIn("UUID_of_vistel_for_sound", stored)
+        self.assertIn('"0" is no place', self.complaint("collection", "move", self.collection, "C", "0", status=2))
+
+    def test_the_desktop_of_a_home_lies_in_it(self):
+        self.store(item("A", 5, **{"Vistel video name - coll": "wide"}))
+        copies = self.printed("collection", "copy", self.collection, "A")["files"]
+        self.assertEqual(copies, [str(self.home / "Desktop/wide 1.mp4"), str(self.home / "Desktop/wide 2.mp4")])
+
+    def test_a_complaint_takes_the_place_of_the_progress_line(self):
+        self.store(item("A", 5))
+        second = self.vault / "Single Videos/A/part 002.mp4"
+        second.unlink()
+        second.mkdir()
+        terminal, other_end = pty.openpty()
+        done = subprocess.run([PROGRAM, "--home", self.home, "collection", "copy", self.collection, "A"],
+                              stdout=subprocess.PIPE, stderr=other_end, timeout=120, check=False)
+        os.close(other_end)
+        written = b""
+        try:
+            while piece := os.read(terminal, 65536):
+                written += piece
+        except OSError:  # all is read
+            pass
+        os.close(terminal)
+        self.assertEqual((done.returncode, done.stdout), (1, b""))
+        self.assertIn(b"\r 50 %", written)
+        self.assertIn(b"\r     \rvistels-cli: ", written)
+        self.assertIn(b"part 002.mp4", written)
+        self.assertFalse(any((self.home / "Desktop").iterdir()))
 
     def test_what_is_broken_in_one_vistel_leaves_the_other(self):
         self.store(item("A", 5), item("B", 6))
@@ -129,17 +203,14 @@ class StoredCollection(CommandTest):
         self.assertEqual(record.read_bytes(), before)
 
 
-@unittest.skipUnless(HAVE_MEDIA and shutil.which("ffmpeg"), "needs movies")
+@unittest.skipUnless(HAVE_MEDIA, "needs movies")
 class NewCollection(CommandTest):
     @classmethod
     def setUpClass(cls):
-        import subprocess
-        import tempfile
         cls.movies = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.movies.cleanup)
-        cls.movie = os.path.join(cls.movies.name, "wide.mp4")
-        subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "testsrc2=size=128x72:rate=25:duration=2",
-                        "-c:v", "libx264", "-pix_fmt", "yuv420p", cls.movie], check=True, timeout=60)
+        # 2 seconds, 25 frames a second, 128 times 72 pixels. A copy, since commands link it.
+        cls.movie = shutil.copy(Path(__file__).with_name("wide.mp4"), cls.movies.name)
 
     def test_a_vistel_for_each_movie_or_one_of_all(self):
         folder = self.folder / "Cup.VVault/Video Groups/Final"
@@ -242,6 +313,19 @@ class NewCollection(CommandTest):
                                 (["copy", folder, "1", "--to", self.folder / "none"], "none")):
             self.assertIn(word, self.complaint("collection", *arguments))
         self.assertEqual({path: (self.folder / path).read_bytes() for path in self.files_below(self.folder)}, before)
+
+    def test_what_a_change_brought_goes_when_the_collection_cannot_be_saved(self):
+        folder = self.collection()
+        record = folder / "video group.plist"
+        self.write(record, {**plistlib.loads(record.read_bytes()), "kept": "x" * 2**21})
+        before = self.files_below(self.folder)
+
+        for arguments in (["add", folder, self.movie], ["add", folder, "--to", "1", self.movie],
+                          ["duplicate", folder, "1"], ["deinterlace", folder, "1"]):
+            done = self.run_with_small_files("collection", *arguments)
+            self.assertEqual(done.returncode, 1, arguments)
+            self.assertIn(str(record), done.stderr)
+            self.assertEqual(self.files_below(self.folder), before)
 
     def test_every_vistel_shows_the_frame_that_its_offset_asks_for(self):
         folder = self.folder / "two"

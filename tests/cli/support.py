@@ -4,6 +4,7 @@
 import json
 import os
 import plistlib
+import resource
 import subprocess
 import tempfile
 import unittest
@@ -27,6 +28,16 @@ class CommandTest(unittest.TestCase):
         environment = dict(os.environ, VISTELS_HOME=str(self.home))
         return subprocess.run([PROGRAM, *map(str, arguments)], env=environment, capture_output=True,
                               text=True, timeout=120, check=False)
+
+    def run_with_small_files(self, *arguments):
+        """The same where no file may become larger than a megabyte."""
+        def limit_file_size():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (2**20, 2**20))
+
+        # With its signal ignored, as Python has it, the limit is a failing write.
+        environment = dict(os.environ, VISTELS_HOME=str(self.home))
+        return subprocess.run([PROGRAM, *map(str, arguments)], env=environment, capture_output=True, text=True,
+                              timeout=120, check=False, preexec_fn=limit_file_size, restore_signals=False)
 
     def printed(self, *arguments):
         """The JSON document that a successful command prints."""

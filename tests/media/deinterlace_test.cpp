@@ -26,7 +26,7 @@ int shade_of(int field) {
 }
 
 // Each picture holds two moments: the upper lines show one, those between them the next.
-void write_interlaced_movie(const std::string& path) {
+void write_interlaced_movie(const std::string& path, int count = frames, bool moves = true) {
     movie_writer_settings settings;
     settings.width = side;
     settings.height = side;
@@ -36,10 +36,11 @@ void write_interlaced_movie(const std::string& path) {
     settings.sound_channels = 1;
     auto writer = movie_writer::create(path, settings);
     ASSERT_TRUE(writer.ok()) << writer.message();
-    for (int frame = 0; frame < frames; ++frame) {
+    for (int frame = 0; frame < count; ++frame) {
         std::vector<std::uint8_t> pixels;
         for (int y = 0; y < side; ++y) {
-            pixels.insert(pixels.end(), side * 4, static_cast<std::uint8_t>(shade_of(2 * frame + y % 2)));
+            pixels.insert(pixels.end(), side * 4,
+                          static_cast<std::uint8_t>(shade_of(moves ? 2 * frame + y % 2 : 0)));
         }
         ASSERT_TRUE(writer.value()->add_picture(pixels.data(), side * 4).ok());
         const std::vector<float> silence(static_cast<std::size_t>(settings.sound_rate / rate));
@@ -72,6 +73,20 @@ TEST(deinterlace, makes_one_whole_picture_of_each_field) {
         }
         std::remove((folder / "unfinished 1").c_str());
     }
+}
+
+TEST(deinterlace, a_key_frame_is_no_more_than_a_second_away) {
+    const temporary_folder folder;
+    write_interlaced_movie(folder / "from.mp4", 3 * rate, false);
+    job work;
+    const auto done = deinterlace_movie(folder / "from.mp4", folder / "unfinished 1", "a.mp4", work);
+    ASSERT_TRUE(done.ok()) << done.message();
+    auto reader = frame_reader::open(folder / "unfinished 1");
+    ASSERT_TRUE(reader.ok()) << reader.message();
+    reader.value()->set_decoded(frames_decoded::key_frames_only);
+    ASSERT_TRUE(reader.value()->seek(reader.value()->stamp_at(2.9)).ok());
+    ASSERT_TRUE(reader.value()->advance().ok());
+    EXPECT_GE(reader.value()->seconds_at(reader.value()->current_stamp()), 1.9);
 }
 
 TEST(deinterlace, leaves_nothing_of_what_fails) {

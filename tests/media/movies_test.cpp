@@ -139,6 +139,22 @@ TEST(movie_information, says_what_was_written) {
     }
 }
 
+// As a recording that was broken off, or one that went through a pipe.
+TEST(movie_information, duration_is_measured_where_the_header_does_not_know_it) {
+    const temporary_folder folder;
+    const std::string path = folder / "whole.mkv";
+    ASSERT_TRUE(write_coded_movie(path, small_movie(), 60).ok());
+    std::string bytes = file_bytes(path);
+    const std::string duration_id("\x44\x89\x88", 3);  // and 8 bytes of a double
+    const auto at = bytes.find(duration_id);
+    ASSERT_NE(at, std::string::npos);
+    bytes.replace(at + duration_id.size(), 8, 8, '\0');
+    put_file(path, bytes);
+    const auto probed = probe_movie(path);
+    ASSERT_TRUE(probed.ok()) << probed.message();
+    EXPECT_NEAR(probed.value().duration, 2.0, 0.002);
+}
+
 TEST(broken_movies, are_refused_by_name_or_read_as_far_as_they_go) {
     const temporary_folder folder;
     const std::string whole_path = folder / "whole.mp4";

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
@@ -16,6 +18,7 @@
 #include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
+#include "shell/inspector_parts.h"
 #include "shell/message_bar.h"
 #include "shell/vistel_files.h"
 #include "shell/window_actions.h"
@@ -190,6 +193,74 @@ TEST_F(collection_window, closing_for_good_asks_and_moves_the_data_to_the_trash)
     EXPECT_EQ(vistels().size(), 2u);
     EXPECT_TRUE(std::filesystem::exists(data));
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
+    // The next run can undo it as well.
+    redo();
+    undo();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    choose(uuid(0), "Close Vistel…");
+    press_button("close_vistel.close");
+    EXPECT_FALSE(std::filesystem::exists(data));
+    window->close();
+    window.reset();
+    open();
+    ASSERT_EQ(vistels().size(), 1u);
+    undo();
+    ASSERT_EQ(vistels().size(), 2u);
+    EXPECT_TRUE(std::filesystem::exists(data));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
+}
+
+TEST_F(collection_window, a_vistel_is_renamed_and_a_long_name_takes_no_room) {
+    trigger("collection.align");
+    view().set_current(uuid(0));
+    const int least = find<align_bar>("align")->minimumSizeHint().width();
+    const std::string before = vistels()[0]->name();
+    const QString name = QStringLiteral("<b>A & B</b> ") + QString(200, QLatin1Char('m'));
+    choose(uuid(0), "Rename Vistel…");
+    auto* dialog = find<QInputDialog>("vistel.ask_name");
+    EXPECT_EQ(dialog->textValue().toStdString(), before);
+    dialog->setTextValue(name);
+    dialog->accept();
+    EXPECT_EQ(vistels()[0]->name(), name.toStdString());
+    EXPECT_EQ(find<align_bar>("align")->minimumSizeHint().width(), least);
+    EXPECT_EQ(find<QLabel>("align.vistel")->toolTip(), name);
+    EXPECT_EQ(find<QLabel>("align.vistel")->textFormat(), Qt::PlainText);
+    undo();
+    EXPECT_EQ(vistels()[0]->name(), before);
+}
+
+TEST_F(collection_window, what_is_no_time_is_said_at_the_field) {
+    trigger("collection.align");
+    find<align_bar>("align")->set_shows_parts(true);
+    const auto type = [this](const char* name, const char* text) {
+        auto* field = find<time_field>(name);
+        field->setFocus();
+        field->selectAll();
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Return);
+        return field;
+    };
+    for (const auto& [name, text] : {std::pair{"align.offset", "abc"}, std::pair{"movie_parts.gap", "-1"}}) {
+        const QString shown = find<time_field>(name)->text();
+        auto* field = type(name, text);
+        EXPECT_FALSE(field->complaint().isEmpty()) << name;
+        EXPECT_EQ(field->text(), text);
+        EXPECT_TRUE(field->hasFocus());
+        EXPECT_EQ(find<message_bar>("message")->waiting(), 0u);
+        QTest::keyClick(field, Qt::Key_Escape);
+        EXPECT_TRUE(field->complaint().isEmpty());
+        EXPECT_EQ(field->text(), shown);
+    }
+    type("align.offset", "0,5");
+    EXPECT_NEAR(offset(0), 0.5, 1e-9);
+    // The keys code again; Tab goes on from the field, and coming back to the window presses no button.
+    EXPECT_FALSE(window->focusWidget());
+    QTest::keyClick(window.get(), Qt::Key_Tab);
+    EXPECT_EQ(window->focusWidget(), find<QWidget>("align.nudge.less"));
+    window->focusWidget()->clearFocus();
+    QEvent back(QEvent::WindowActivate);
+    QApplication::sendEvent(window.get(), &back);
+    EXPECT_EQ(window->focusWidget(), find<QWidget>("collection"));
 }
 
 TEST_F(collection_window, offsets_are_typed_nudged_and_dragged) {
@@ -207,6 +278,8 @@ TEST_F(collection_window, offsets_are_typed_nudged_and_dragged) {
     EXPECT_NEAR(offset(1), 0.6, 1e-3);
     trigger("collection.frame_later");
     EXPECT_NEAR(offset(1), 0.5, 1e-3);
+    const QString key = find<QAction>("collection.frame_later")->shortcut().toString();
+    EXPECT_TRUE(find<QWidget>("align.nudge.less")->toolTip().contains(key));
     // A vistel with a smaller offset is ahead: there is a time before 0, and the transport goes there.
     EXPECT_NEAR(event().start_seconds(), -0.5, 1e-3);
     window->session().to_start();

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QPushButton>
+#include <QTest>
+#include <QTimer>
 
 #include "shell/event_messages.h"
 #include "shell/message_bar.h"
@@ -48,6 +50,20 @@ TEST_F(messages, come_one_after_another) {
     answer();
     EXPECT_TRUE(done);
     EXPECT_TRUE(bar.isHidden());
+}
+
+TEST_F(messages, good_news_go_by_themselves) {
+    auto* going = bar.findChild<QTimer*>("message.going");
+    ASSERT_TRUE(going);
+    bar.tell({user_message::tone::good, "Done, and more to do", {}, {}, {{"Do it", [] {}}}});
+    EXPECT_FALSE(going->isActive());
+    answer();
+    bar.tell({user_message::tone::good, "Done", {}, {}, {}});
+    bar.tell({user_message::tone::warning, "Not done", {}, {}, {}});
+    ASSERT_TRUE(going->isActive());
+    going->start(0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return bar.headline() == "Not done"; }, 60000));
+    EXPECT_FALSE(going->isActive());
 }
 
 TEST_F(messages, a_state_stands_once_behind_what_happened_and_goes_by_itself) {

@@ -219,6 +219,19 @@ TEST_F(side_bar, the_menu_of_a_line_is_about_that_line) {
     EXPECT_EQ(path, "/h/Harbour");
 }
 
+TEST_F(side_bar, a_new_event_that_is_open_becomes_the_chosen_line) {
+    bar.set_content({vault("Home", {collection("Harbour")})});
+    bar.set_open("/h/Harbour", "2 cameras");
+    EXPECT_EQ(list().currentIndex(), line("Harbour"));
+    bar.set_open("/h/Training", {});
+    bar.set_content({vault("Home", {collection("Harbour"), collection("Training")})});
+    EXPECT_EQ(list().currentIndex(), line("Training"));
+    // What is chosen afterwards stays.
+    click("Harbour");
+    bar.set_content({vault("Home", {collection("Final"), collection("Harbour"), collection("Training")})});
+    EXPECT_EQ(list().currentIndex(), line("Harbour"));
+}
+
 TEST_F(side_bar, lists_filters_with_a_name_below_the_home_vault) {
     QStringList chosen;
     QObject::connect(&bar, &content_side_bar::pattern_chosen, &bar,

@@ -9,6 +9,7 @@
 #include "shell/single_Adjust_offset_View.h"
 #include "shell/vistel_alignment.h"
 #include "shell/vistel_layout.h"
+#include "shell/vistel_placing.h"
 
 namespace vistels {
 namespace {
@@ -131,10 +132,12 @@ TEST(vistel_drag, edges_and_corners_are_found) {
 // Without bars: each view has the pictures' shape; and nothing lies over anything else.
 TEST(ready_layouts, leave_no_bars_and_no_overlaps) {
     const double aspect = 16.0 / 9;
-    for (const auto layout : {ready_layout::grid, ready_layout::one_large, ready_layout::side_by_side}) {
+    for (const auto layout : {ready_layout::grid, ready_layout::one_large, ready_layout::side_by_side,
+                              ready_layout::two_columns}) {
         for (const std::size_t count : {1u, 2u, 3u, 4u, 5u, 7u, 16u}) {
             const ready_frames made = ready_layout_frames(layout, count, aspect, 1);
             ASSERT_EQ(made.frames.size(), count);
+            EXPECT_EQ(made.scrolls, layout == ready_layout::two_columns);
             for (std::size_t i = 0; i < count; ++i) {
                 const rectangle& a = made.frames[i];
                 EXPECT_NEAR(a.width * made.ratio / a.height, aspect, 1e-9) << count;
@@ -170,6 +173,77 @@ TEST(vistel_order, is_restacked) {
 TEST(video_area, keeps_a_ratio_that_is_stored) {
     const QRect area = video_area({0, 0, 1000, 1000}, {{0, 0, 0.5, 0.5}}, 16.0 / 9, 2);
     EXPECT_EQ(area.size(), QSize(1000, 500));
+}
+
+TEST(video_area, is_as_wide_as_the_pane_where_it_scrolls) {
+    const auto columns = [](std::size_t count) {
+        return ready_layout_frames(ready_layout::two_columns, count, 2).frames;
+    };
+    auto one_tall = columns(16);
+    one_tall[3].height = 1;
+    // Pictures of 2 to 1; the bar is 10 wide.
+    struct {
+        QRect room;
+        std::vector<rectangle> frames;
+        double ratio;
+        QRect area;
+    } const cases[] = {
+        {{0, 0, 810, 500}, columns(16), 0.5, {0, 0, 800, 1600}},
+        {{0, 0, 810, 500}, one_tall, 0.5, {0, 0, 800, 1600}},
+        {{0, 0, 810, 500}, columns(16), 0, {0, 0, 800, 1600}},     // as the first frame asks
+        {{0, 0, 810, 100}, columns(16), 0.5, {200, 0, 400, 800}},  // a line is seen whole
+        {{0, 0, 800, 500}, columns(4), 2, {0, 50, 800, 400}},      // nothing to scroll: as any other
+        {{0, 0, 800, 200}, columns(1), 2, {200, 0, 400, 200}},
+        {{0, 0, 800, 397}, columns(4), 2, {3, 0, 794, 397}},  // only the bar would make it fit
+        {{0, 0, 800, 500}, {}, 0, {0, 0, 800, 500}},
+    };
+    for (const auto& one : cases) {
+        EXPECT_EQ(scrolling_video_area(one.room, one.frames, 2, one.ratio, 10), one.area)
+            << one.frames.size() << " in " << one.room.width() << " x " << one.room.height();
+    }
+}
+
+// A collection of vistels in two columns that scroll.
+video_collection_ROOT in_columns(std::size_t count) {
+    video_collection_ROOT collection;
+    for (std::size_t i = 0; i < count; ++i) {
+        auto vistel = std::make_shared<single_Vistel_CTR>();
+        vistel->set_uuid(std::string(1, static_cast<char>('a' + i)));
+        collection.insert_vistel(i, vistel);
+    }
+    place_again(collection, ready_layout::two_columns, 2);
+    return collection;
+}
+
+TEST(placing, of_a_layout_that_scrolls_is_known_and_renewed) {
+    video_collection_ROOT collection = in_columns(4);  // in frames alone the same as a grid
+    EXPECT_TRUE(collection.area_scrolls());
+    EXPECT_EQ(placing_of(collection, 2), ready_layout::two_columns);
+    collection.remove_vistel(*collection.find_vistel("b"));
+    place_again(collection, ready_layout::two_columns, 2);
+    EXPECT_EQ(collection.find_vistel("d")->proportion_rect(), (rectangle{0, 0.5, 0.5, 0.5}));
+    EXPECT_NEAR(collection.outside_bounds_ratio().value_or(0), 2, 1e-9);
+    place_again(collection, ready_layout::grid, 2);
+    EXPECT_FALSE(collection.area_scrolls());
+    EXPECT_EQ(placing_of(collection, 2), ready_layout::grid);
+}
+
+TEST(placing, puts_new_vistels_below_those_that_scroll) {
+    video_collection_ROOT collection = in_columns(4);
+    collection.find_vistel("a")->set_proportion_rect(rectangle{0.1, 0, 0.4, 0.4});
+    EXPECT_FALSE(placing_of(collection, 2));
+    for (const char* uuid : {"e", "f", "g"}) {
+        auto vistel = std::make_shared<single_Vistel_CTR>();
+        vistel->set_uuid(uuid);
+        collection.insert_vistel(9, vistel);
+    }
+    place_again(collection, {}, 2);
+    EXPECT_NEAR(collection.outside_bounds_ratio().value_or(0), 1, 1e-9);  // four lines in place of two
+    EXPECT_EQ(collection.find_vistel("a")->proportion_rect(), (rectangle{0.1, 0, 0.4, 0.2}));
+    EXPECT_EQ(collection.find_vistel("d")->proportion_rect(), (rectangle{0.5, 0.25, 0.5, 0.25}));
+    EXPECT_EQ(collection.find_vistel("f")->proportion_rect(), (rectangle{0.5, 0.5, 0.5, 0.25}));
+    EXPECT_EQ(collection.find_vistel("g")->proportion_rect(), (rectangle{0, 0.75, 0.5, 0.25}));
+    EXPECT_TRUE(collection.area_scrolls());
 }
 
 TEST(aligning, goes_by_whole_frames) {

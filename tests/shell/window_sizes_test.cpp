@@ -10,6 +10,8 @@
 
 #include "shell/code_window_button.h"
 #include "shell/code_window_canvas.h"
+#include "shell/message_bar.h"
+#include "shell/pane_splitter.h"
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"
 #include "shell/window_actions.h"
@@ -152,6 +154,40 @@ TEST_F(window_sizes, outer_columns_lie_over_the_edge_of_narrow_windows_only) {
             EXPECT_LE(inspector->width(), theme::current().metrics.inspector_greatest_width);
             EXPECT_LE(side_bar->width(), theme::current().metrics.side_bar_greatest_width);
         }
+    }
+}
+
+// What is pressed just then must not be somewhere else.
+TEST_F(window_sizes, a_message_moves_nothing_above_the_timeline) {
+    open();
+    auto* rows = find<pane_splitter>("work.rows");
+    auto* bar = window->findChild<message_bar*>();
+    for (const bool by_user : {false, true}) {
+        SCOPED_TRACE(by_user);
+        resize_to(sizes[2]);
+        if (by_user) rows->move_by(1, -40);
+        const auto stand = [&] {
+            std::vector<QRect> all;
+            for (const char* name : {"collection", "transport", "code_window", "timeline.filter"})
+                if (auto* one = window->findChild<QWidget*>(name)) all.push_back(place_in(*window, *one));
+            return all;
+        };
+        const auto before = stand();
+        const QList<int> sizes_before = rows->sizes();
+        ASSERT_GE(before.size(), 2U);
+        for (int n = 0; n < 2; ++n)
+            window->tell({user_message::tone::error, "Not saved", "“x.plist”", {}, {}});
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(bar->isVisible());
+        EXPECT_LT(rows->height(), sizes_before[0] + sizes_before[1]);
+        EXPECT_EQ(stand(), before);
+        for (int n = 0; n < 2; ++n) {
+            QTest::mouseClick(find<QWidget>("message.choice.0"), Qt::LeftButton);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QCoreApplication::processEvents();
+        }
+        EXPECT_FALSE(bar->isVisible());
+        EXPECT_EQ(rows->sizes(), sizes_before);
     }
 }
 

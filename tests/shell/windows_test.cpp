@@ -325,7 +325,11 @@ TEST_F(windows, code_only_in_the_active_one_and_let_go_when_left) {
 TEST_F(windows, share_vaults_and_settings) {
     start_with({"First half", "Second half"});
     trigger(set->front(), command::theme_dark);
-    for (auto* one : set->windows()) EXPECT_TRUE(one->actions()[command::theme_dark]->isChecked());
+    trigger(set->front(), command::hide_filtered_out);
+    for (auto* one : set->windows()) {
+        EXPECT_TRUE(one->actions()[command::theme_dark]->isChecked());
+        EXPECT_TRUE(one->actions()[command::hide_filtered_out]->isChecked());
+    }
     testing::put_stored_timeline(in_vault("Extra time"));
     for (auto* one : set->windows()) {
         auto* model = one->findChild<content_side_bar*>()->list()->model();

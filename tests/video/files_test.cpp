@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <set>
 
@@ -153,6 +154,37 @@ TEST(duplicate_vistel, has_data_of_its_own) {
     cancelled.cancel();
     EXPECT_FALSE(duplicate_vistel(*made, {folder, "me", false}, cancelled));
     EXPECT_EQ(files_below(folder), before);
+}
+
+TEST(remove_unfinished_copies, takes_what_nobody_writes_any_more) {
+    const temporary_folder folder;
+    for (const char* name : {"dead", "alive", "copying"}) fs::create_directory(folder / name);
+    const auto old = [&](const std::string& name) {
+        put_file(folder / name, "half");
+        fs::last_write_time(folder / name, fs::file_time_type::clock::now() - std::chrono::hours(25));
+    };
+    old("dead/part 001.mp4 temp file 3");
+    old("alive/part 002.mp4 temp file 3");
+    for (const char* kept : {"alive/part 001.mp4", "alive/my movie.mp4 temp file 3", "alive/part 003.mp4"})
+        old(kept);
+    put_file(folder / "alive/single video.plist", "");
+    put_file(folder / "copying/part 001.mp4 temp file 4", "half");
+    remove_unfinished_copies(folder.path());
+    remove_unfinished_copies(folder / "nothing");
+    EXPECT_FALSE(fs::exists(folder / "dead"));
+    EXPECT_FALSE(fs::exists(folder / "alive/part 002.mp4 temp file 3"));
+    EXPECT_EQ(files_below(folder.path()).size(), 2U + 4 + 1);
+}
+
+TEST(add_new_vistels, shows_the_lowest_numbers_that_are_free) {
+    video_collection_ROOT collection;
+    const auto make = [] { return std::make_shared<single_Vistel_CTR>(); };
+    add_new_vistels(collection, {make(), make(), make()});
+    collection.remove_vistel(*collection.vistels()[1]);
+    collection.vistels()[1]->set_vistel_number_displayed(0);  // shows its place, which is 2
+    add_new_vistels(collection, {make(), make()});
+    EXPECT_EQ(collection.vistels()[2]->vistel_number_displayed(), 3);
+    EXPECT_EQ(collection.vistels()[3]->vistel_number_displayed(), 4);
 }
 
 #if VISTELS_HAVE_MEDIA

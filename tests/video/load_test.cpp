@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <functional>
 
@@ -76,6 +77,25 @@ TEST(load_collection, what_is_wrong_with_one_vistel_leaves_the_other) {
         EXPECT_TRUE(damaged != "<pl" || now == damaged);
         EXPECT_EQ(stored.load().collection.find_vistel("A")->manual_start_offset(), 2);
     }
+}
+
+// As a program leaves it that dies between the collection's record and those of its vistels.
+TEST(load_collection, movies_whose_record_is_missing_are_shown_and_get_one) {
+    const stored_collection stored;
+    const std::string record = stored.vistel_folder("A") + "single video.plist";
+    // A copy of it that was being saved is not to be written over.
+    std::filesystem::rename(record, record + std::string(previous_mark) + "1");
+    auto loaded = stored.load();
+    EXPECT_EQ(loaded.collection.find_vistel("A")->data_folder(), "");
+    std::filesystem::remove(record + std::string(previous_mark) + "1");
+
+    loaded = stored.load();
+    const auto vistel = loaded.collection.find_vistel("A");
+    ASSERT_EQ(vistel->parts().parts.size(), 2U);
+    EXPECT_NE(vistel->problem().find("single video.plist"), std::string::npos) << vistel->problem();
+    EXPECT_FALSE(file_exists(record));
+    ASSERT_TRUE(save_collection(loaded.collection, stored.folder()));
+    EXPECT_EQ(read_dictionary_or_empty(record).array("drone_array")->size(), 2U);
 }
 
 TEST(load_collection, a_folder_without_a_readable_record_is_an_error_that_names_it) {
@@ -281,15 +301,36 @@ TEST(load_collection, nothing_is_saved_while_saving_is_blocked) {
     EXPECT_TRUE(save_collection(loaded.collection, stored.folder()));
 }
 
+TEST(load_collection, a_vistel_that_cannot_be_saved_keeps_no_other_from_it) {
+    const stored_collection stored;
+    auto loaded = stored.load();
+    for (const auto& vistel : loaded.collection.vistels()) vistel->set_manual_start_offset(7);
+    std::filesystem::remove_all(stored.vistel_folder("A"));
+    const auto saved = save_collection(loaded.collection, stored.folder());
+    EXPECT_NE(saved.message().find("/A/"), std::string::npos) << saved.message();
+    const auto record = read_property_list_file(stored.vistel_folder("B") + "single video.plist");
+    EXPECT_EQ(record.value().dictionary()->number("manual start offset"), 7);
+}
+
+class files_without_links : public file_system {
+  public:
+    int hard_link(const std::string&, const std::string&) override { return EPERM; }
+};
+
 TEST(load_collection, a_record_whose_vistels_are_no_array_is_kept) {
-    const temporary_folder folder;
-    const auto foreign = write_property_list(dictionary({{"array video group items", "lost?"}}));
-    put_file(folder / "video group.plist", foreign);
-    auto loaded = load_collection(folder.path());
-    ASSERT_TRUE(loaded);
-    EXPECT_EQ(loaded.value().messages.size(), 1U);
-    ASSERT_TRUE(save_collection(loaded.value().collection, folder.path()));
-    EXPECT_EQ(file_bytes(folder / "video group damaged 1.plist"), foreign);
+    files_without_links without_links;
+    for (file_system* files : {&machine_files(), static_cast<file_system*>(&without_links)}) {
+        const temporary_folder folder;
+        const auto foreign = write_property_list(dictionary({{"array video group items", "lost?"}}));
+        put_file(folder / "video group.plist", foreign);
+        auto loaded = load_collection(folder.path());
+        ASSERT_TRUE(loaded);
+        EXPECT_EQ(loaded.value().messages.size(), 1U);
+        const auto saved = save_collection(loaded.value().collection, folder.path(), *files);
+        ASSERT_TRUE(saved) << saved.message();
+        EXPECT_EQ(file_bytes(folder / "video group damaged 1.plist"), foreign);
+        EXPECT_EQ(names_in_folder(folder.path()).size(), 2U);
+    }
 }
 
 TEST(load_collection, local_vistels_lie_in_the_local_folder) {

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 
+#include "media/frame_reader.h"
+#include "media/movie_information.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
 #include "video/blank_movie.h"
@@ -58,9 +61,16 @@ std::string shown_at(const video_collection_ROOT& collection, double seconds) {
 }
 
 TEST(padding, leaves_every_frame_in_its_place_there_and_back) {
-    const offsets cases[] = {{0, 0},      {0, 2.5},      {-3, -5},
-                             {4, 4},      {-2, -2},      {{}, 3.25},
-                             {{}, -1, 2}, {1, 2, 3.125}, {0.1, 0.7, -0.3, {}},
+    const offsets cases[] = {{0, 0},
+                             {0, 2.5},
+                             {-3, -5},
+                             {4, 4},
+                             {-2, -2},
+                             {{}, 3.25},
+                             {{}, -1, 2},
+                             {1, 2, 3.125},
+                             {0.1, 0.7, -0.3, {}},
+                             {0.0004, -0.0003, 0.0001},
                              {}};
     for (const auto& all : cases) {
         if (all.empty()) {
@@ -119,6 +129,39 @@ TEST(padding, what_changed_while_padded_stays_in_step) {
     EXPECT_NE(shift, 0);
 }
 
+TEST(padding, a_vistel_without_movies_is_blank_from_beginning_to_end) {
+    // It neither waits nor makes others wait, wherever its offset lies.
+    const offsets cases[] = {{{}, 0.5, 2}, {0, 0.5, 2}, {-7, 0.5, 2}, {9, 0.5, 2}, {1, -3, -5}};
+    for (const auto& all : cases) {
+        const auto before = collection_of(all);
+        before.vistels().front()->set_parts({});
+        auto padded = detached_copy(before);
+        const auto there = pad_collection(padded);
+        ASSERT_TRUE(there) << there.message();
+        const auto blank = padded.vistels().front()->parts();
+        ASSERT_EQ(blank.parts.size(), 1U);
+        EXPECT_TRUE(is_padding(blank.parts.front()));
+        EXPECT_TRUE(is_padding_file_name(path_name(blank.parts.front().path)));
+        EXPECT_NEAR(blank.duration(), padded.vistels().back()->parts().duration(), 1e-9);
+        auto restored = detached_copy(padded);
+        EXPECT_NEAR(restore_offsets(restored).shift, -there.value().shift, 1e-9);
+        EXPECT_TRUE(difference(before, restored).empty()) << ::testing::PrintToString(all);
+        for (double seconds = -9.9; seconds < 25; seconds += 0.37) {
+            EXPECT_EQ(shown_at(padded, seconds + there.value().shift), shown_at(before, seconds)) << seconds;
+        }
+    }
+    // One that could not be read, or is streamed and not here, has movies that are only away.
+    for (const bool streamed : {false, true}) {
+        auto away = collection_of({1, 2});
+        const auto first = away.vistels().front();
+        first->set_parts({});
+        first->set_problem("its folder is missing.");
+        streamed ? first->set_http_file("http://localhost/1.m3u8") : first->set_data_folder("");
+        EXPECT_NE(pad_collection(away).message().find("its folder is missing."), std::string::npos);
+        EXPECT_EQ(away.vistels().back()->manual_start_offset(), 2);
+    }
+}
+
 TEST(padding, names_of_other_movies_are_no_padding) {
     for (const char* name : {"part 001.mp4", "my padding.mov", "padding 1 20.mov", "a padding 1.mov",
                              "a padding 1 20.mp4", "a padding 1 2x.mov", "a padding .mov", ""})
@@ -157,36 +200,100 @@ TEST(movie_parts, are_dragged_between_their_neighbours) {
 
 #if VISTELS_HAVE_MEDIA
 
+TEST(blank_movie, is_made_once_and_again_when_it_is_lost_or_damaged) {
+    const temporary_folder home;
+    const std::string path = home / "Temp/blank vistel movie.mov";
+    blank_vistel_movie blank(home / "Temp");
+    EXPECT_FALSE(blank.started_preparing_getting_blank_movie());
+    blank.prepare();
+    EXPECT_TRUE(blank.started_preparing_getting_blank_movie());
+    ASSERT_TRUE(blank.wait_for_movie());
+    EXPECT_TRUE(blank.blank_movie_preparation_is_done());
+    EXPECT_EQ(blank.wait_for_movie().value(), path);
+    const auto inode = [&] {
+        file_identity found;
+        EXPECT_EQ(machine_files().identity(path, found), 0);
+        return found;
+    };
+    const auto first = inode();
+    const std::string whole = read_file(path).value();
+    testing::put_file(home / "Temp/blank vistel movie OLD temp.mov", "left over");
+    std::filesystem::last_write_time(home / "Temp/blank vistel movie OLD temp.mov",
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(2));
+    {
+        blank_vistel_movie other(home / "Temp");
+        ASSERT_TRUE(other.wait_for_movie());
+        EXPECT_EQ(inode(), first);
+    }
+    for (const std::string& damage : {std::string(), whole.substr(0, whole.size() / 2)}) {
+        testing::put_file(path, damage);
+        ASSERT_TRUE(blank.wait_for_movie());
+        EXPECT_NEAR(probe_movie(path).value().duration, 1, 1e-3);
+    }
+    EXPECT_EQ(names_in_folder(home / "Temp").size(), 1U);
+}
+
+TEST(blank_movie, is_as_long_as_wanted_and_black_throughout) {
+    const temporary_folder home;
+    blank_vistel_movie blank(home / "Temp");
+    for (const double seconds : {0.0001, 0.001, 0.03, 0.5, 1.0 / 3, 61.7, 7200.125}) {
+        const std::string path = home / "blank.mov";
+        job work;
+        const auto made = blank.write(path, seconds, work);
+        ASSERT_TRUE(made) << made.message();
+        EXPECT_EQ(work.progress(), 1);
+        EXPECT_NEAR(probe_movie(path).value().duration, seconds, 2e-5);
+        auto reader = frame_reader::open(path);
+        ASSERT_TRUE(reader);
+        for (const double at : {0.0, 0.4, 0.99}) {
+            const auto shown = reader.value()->frame_at(at * seconds, 320, 180);
+            ASSERT_TRUE(shown) << shown.message();
+            const auto& picture = *shown.value();
+            for (const int row : {0, picture.height - 1}) EXPECT_LT(picture.row(row)[0], 4);
+        }
+    }
+}
+
 TEST(blank_movie, says_why_it_cannot_be_made) {
     const temporary_folder home;
     testing::put_file(home / "file", "no folder");
     job work;
-    for (const double seconds : {1.0, 0.0}) {
-        const auto made = write_blank_movie(home / "file/blank.mov", seconds, work);
+    const struct {
+        std::string temporary, path;
+        double seconds;
+        const char* named;
+    } cases[] = {{home / "Temp", home / "file/blank.mov", 1, "file/blank"},
+                 {home / "Temp", home / "blank.mov", 0, "blank.mov"},
+                 {home / "file/Temp", home / "blank.mov", 1, "file/Temp"}};
+    for (const auto& one : cases) {
+        blank_vistel_movie blank(one.temporary);
+        const auto made = blank.write(one.path, one.seconds, work);
         EXPECT_TRUE(made.message().starts_with("Could not make an empty vistel movie.")) << made.message();
-        EXPECT_NE(made.message().find("file/blank"), std::string::npos) << made.message();
+        EXPECT_NE(made.message().find(one.named), std::string::npos) << made.message();
+        EXPECT_FALSE(file_exists(one.path));
     }
 }
 
 TEST(padding, files_are_made_whole_or_not_at_all) {
-    temporary_folder folder;
+    const temporary_folder folder, home;
+    blank_vistel_movie blank(home.path());
     const std::vector<padding_file> files{{folder / "a padding 1 500.mov", 0.5},
                                           {folder / "a padding 2 30.mov", 0.03},
                                           {folder / "b padding 3 3600000.mov", 3600}};
     job cancelled([&](double fraction) {
         if (fraction > 0.5) cancelled.cancel();
     });
-    EXPECT_FALSE(make_padding_files(files, cancelled));
+    EXPECT_FALSE(make_padding_files(files, blank, cancelled));
     EXPECT_TRUE(names_in_folder(folder.path()).empty());
     job work;
-    const auto made = make_padding_files(files, work);
+    const auto made = make_padding_files(files, blank, work);
     ASSERT_TRUE(made) << made.message();
     EXPECT_EQ(names_in_folder(folder.path()).size(), 3U);
     EXPECT_EQ(work.progress(), 1);
     std::filesystem::create_directory(folder / "d padding 1 500 temp.mov");
     const std::vector<padding_file> more{{folder / "c padding 1 500.mov", 0.5},
                                          {folder / "d padding 1 500.mov", 0.5}};
-    EXPECT_FALSE(make_padding_files(more, work));
+    EXPECT_FALSE(make_padding_files(more, blank, work));
     EXPECT_FALSE(file_exists(folder / "c padding 1 500.mov"));
 }
 

@@ -177,6 +177,33 @@ TEST_F(playback, pictures_come_in_the_size_asked_for) {
     EXPECT_EQ(shown("a"), 30);
 }
 
+// The second one is scrolled away; the first is the one that is stepped by.
+TEST_F(playback, what_is_out_of_sight_is_not_read) {
+    set_both();
+    seek(1);
+    EXPECT_EQ(shown("b"), 45);
+    played_.set_seen("b", false);
+    EXPECT_EQ(played_.picture("b"), nullptr);
+    EXPECT_TRUE(played_.is_settled());
+    seek(2);
+    EXPECT_EQ(shown("a"), 60);
+    EXPECT_EQ(played_.picture("b"), nullptr);
+    played_.set_seen("b", true);
+    EXPECT_NE(shown("b"), 45);  // the old one would pass for the one of this time
+    ASSERT_TRUE(wait_for([&] { return played_.is_settled(); }));
+    EXPECT_EQ(shown("b"), 75);
+    played_.set_seen("a", false);
+    step(1);
+    EXPECT_EQ(shown("a"), 61);
+    EXPECT_NEAR(played_.collection_time(), 61 / 30.0, 0.001);
+    played_.set_rate(4);
+    played_.play();
+    EXPECT_EQ(played_.picture("a"), nullptr);
+    ASSERT_TRUE(wait_for([&] { return !played_.is_playing() && played_.is_settled(); }));
+    EXPECT_EQ(shown("b"), 29);
+    EXPECT_EQ(shown("a"), 119);
+}
+
 TEST_F(playback, goes_away_in_the_middle_of_work) {
     bool is_gone = false;
     for (int i = 0; i < 20; ++i) {

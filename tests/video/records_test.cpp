@@ -4,6 +4,7 @@
 #include <map>
 
 #include "support/stored_collection.h"
+#include "video/collection_edit.h"
 #include "video/video_coll_Offsets.h"
 #include "video/video_collection_ROOT.h"
 
@@ -37,6 +38,13 @@ TEST(offset_rule, largest_offset_and_leads) {
         }
         EXPECT_EQ(lead_for_composer(one.items, 99), 0);
     }
+}
+
+TEST(offset_rule, a_clip_finds_no_offset_without_a_usable_number) {
+    const offsets items{{0, 2.0}, {-3, 1.0}, {4, -1.0}, {5, std::nullopt}};
+    const double wanted[] = {2, 2, 3, 2};
+    for (std::size_t index = 0; index < items.size(); ++index)
+        EXPECT_EQ(lead_for_cutting(items, items[index]), wanted[index]) << index;
 }
 
 TEST(offset_rule, an_offset_is_found_by_a_positive_number_and_the_first_counts) {
@@ -113,6 +121,25 @@ TEST(collection_record, keeps_every_key_in_the_stored_order) {
                                         "save_video_data_locally", "Vistel name UUID - coll",
                                         "manual start offset", "overlay", "a key of later"}));
     for (const auto& entry : item) EXPECT_EQ(*item_written.find(entry.key), entry.value) << entry.key;
+}
+
+TEST(collection_record, tells_of_an_area_that_scrolls_only_when_it_does) {
+    const auto with = [](property_value value) {
+        return read_collection(dictionary({{"video area scrolls", std::move(value)}, {"a later key", 1}}));
+    };
+    for (const bool was : {false, true}) {
+        for (const bool is : {false, true}) {
+            auto collection = was ? with(true) : read_collection({});
+            EXPECT_EQ(collection.area_scrolls(), was);
+            collection.set_area_scrolls(is);
+            const auto written = write_collection(collection, 0);
+            EXPECT_EQ(written.boolean("video area scrolls"), is ? std::optional(true) : std::nullopt);
+            const auto edit = difference(was ? with(true) : read_collection({}), collection);
+            EXPECT_EQ(edit.empty(), was == is);
+        }
+    }
+    EXPECT_FALSE(with("yes").area_scrolls());
+    EXPECT_EQ(write_collection(with("yes"), 0).text_or_empty("video area scrolls"), "yes");
 }
 
 TEST(collection_record, wrong_types_keep_the_defaults) {
