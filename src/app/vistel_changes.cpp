@@ -84,9 +84,7 @@ collection_change plan_removal(const std::string& vistel) {
     return {"Remove Vistel", "", [vistel](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
                 if (!found) return no_vistel(vistel);
-                auto all = copy.vistels();
-                std::erase(all, found);
-                copy.set_vistels(std::move(all));
+                copy.remove_vistel(*found);
                 if (copy.vistel_for_sound() == found->uuid()) copy.set_vistel_for_sound("");
                 return {};
             }};
@@ -96,10 +94,7 @@ collection_change plan_place(const std::string& vistel, std::size_t index) {
     return {"Move Collection Vistel", "", [vistel, index](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
                 if (!found) return no_vistel(vistel);
-                auto all = copy.vistels();
-                std::erase(all, found);
-                all.insert(all.begin() + static_cast<std::ptrdiff_t>(std::min(index, all.size())), found);
-                copy.set_vistels(std::move(all));
+                copy.move_vistel(*found, index);
                 return {};
             }};
 }

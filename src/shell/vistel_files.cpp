@@ -274,31 +274,21 @@ void vistel_files::put_parts(const std::string& vistel, std::vector<movie_Part_D
 }
 
 void vistel_files::remove(const std::string& vistel) {
-    collection_change change;
-    change.name = tr("Remove Vistel").toStdString();
-    change.scope = vistel;
-    const double aspect = view_.picture_aspect();
-    change.change = [vistel, aspect](video_collection_ROOT& copy) -> result<void> {
-        const auto found = copy.find_vistel(vistel);
-        if (!found) return failure{"The vistel is not in the collection any more."};
-        const auto before = placing_of(copy, aspect);
-        copy.remove_vistel(*found);
-        place_again(copy, before, aspect);
-        return {};
-    };
-    make(change);
+    make_and_place(plan_removal(vistel), vistel, tr("Remove Vistel"));
 }
 
 void vistel_files::move(const std::string& vistel, std::size_t place) {
-    collection_change change;
-    change.name = tr("Move collection vistel").toStdString();
+    make_and_place(plan_place(vistel, place), vistel, tr("Move collection vistel"));
+}
+
+// The vistels stay in their ready layout.
+void vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
+    change.name = name.toStdString();
     change.scope = vistel;
     const double aspect = view_.picture_aspect();
-    change.change = [vistel, place, aspect](video_collection_ROOT& copy) -> result<void> {
-        const auto found = copy.find_vistel(vistel);
-        if (!found) return failure{"The vistel is not in the collection any more."};
+    change.change = [plain = change.change, aspect](video_collection_ROOT& copy) -> result<void> {
         const auto before = placing_of(copy, aspect);
-        copy.move_vistel(*found, place);
+        if (auto done = plain(copy); !done) return done;
         place_again(copy, before, aspect);
         return {};
     };

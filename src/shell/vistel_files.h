@@ -76,6 +76,7 @@ class vistel_files : public QObject {
     void told(const vistels::user_message& message);
 
   private:
+    void make_and_place(collection_change change, const std::string& vistel, const QString& name);
     void close_now(const std::string& vistel);
     // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
