@@ -69,7 +69,8 @@ class vistel_files : public QObject {
     void close_for_good(const std::string& vistel);
     void ask_overlay(const std::string& vistel);
     void remove_overlay(const std::string& vistel);
-    // A change as one undo step, on record and saved. A refused one is told.
+    // A change as one undo step, on record and saved. A refused one is told, and so is one that could not be
+    // saved; whether it was made, saved or not.
     bool make(const collection_change& change);
 
   Q_SIGNALS:

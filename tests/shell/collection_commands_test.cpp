@@ -174,6 +174,17 @@ TEST_F(collection_window, movies_are_added_as_the_user_chooses) {
     EXPECT_EQ(vistels().size(), 3u);
 }
 
+// The change stands in the journal: its movies must not go.
+TEST_F(collection_window, movies_stay_when_the_collection_could_not_be_saved) {
+    const std::string data = vistels()[0]->data_folder();
+    std::filesystem::rename(data, home / "away");
+    files().add({QString::fromStdString(home / "left end.mp4")}, {});
+    ASSERT_TRUE(wait_for_vistels(3));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return find<message_bar>("message")->waiting() > 0; }, 60000));
+    EXPECT_TRUE(file_exists(vistels()[2]->parts().parts[0].path));
+    std::filesystem::rename(home / "away", data);
+}
+
 TEST_F(collection_window, closing_for_good_asks_and_moves_the_data_to_the_trash) {
     vistels()[0]->set_creator("someone else");
     const std::string data = vistels()[0]->data_folder();
