@@ -80,7 +80,7 @@ loaded_timeline loaded_from(const std::string& folder) {
 
 void save_into(const std::string& folder, const timeline_snapshot& timeline) {
     unsynced_files files;
-    if (auto saved = save_timeline(timeline, folder, false, files); !saved.ok()) stop_with(saved.message());
+    if (auto saved = save_timeline(timeline, folder, files); !saved.ok()) stop_with(saved.message());
 }
 
 void parse_with_expat_alone(const std::string& bytes) {

@@ -8,6 +8,7 @@
 #include "app/offset_changes.h"
 #include "app/settings.h"
 #include "app/state_log.h"
+#include "app/timeline_links.h"
 #include "app/user_name.h"
 #include "app/vistel_changes.h"
 #include "logger/logger_Dict_funcs.h"
@@ -99,7 +100,8 @@ result<void> open_event::load() {
         has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
     // Nothing is saved of a collection that is not whole yet.
     const saving_block block(collection_);
-    has_collection_ ? link_records() : name_timeline();
+    if (has_collection_) link_collection();
+    link_timeline(*timeline_, has_collection_ ? links_to(collection_) : links_of_folder(folder_));
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
     feed_playback();
@@ -109,6 +111,10 @@ result<void> open_event::load() {
     logger_->set_earliest_time(playback_->first_time());
     open_code_window();
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
+    made_again_ = logger_->made_again.connect([this](const std::string& button) {
+        log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
+                              folder_ + "\"; it was made again.");
+    });
     open_undo();
     open_changes();
     return {};
@@ -152,7 +158,8 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto loaded = load_collection_record(); !loaded) return loaded;
     if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_))
         (void)changes_->save_all();
-    link_records();
+    link_collection();
+    link_timeline(*timeline_, links_to(collection_));
     feed_playback();
     collection_changed.emit();
     return {};
@@ -164,6 +171,7 @@ result<void> open_event::open_timeline() {
     timeline_ = std::move(opened).value();
     timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
+    for (const auto& message : timeline_->messages()) log_line(places_, message);
     filtering_ = std::make_unique<clip_filtering>(*timeline_, loop_);
     // The playhead goes into the timeline's header with every background save, so it outlives a kill.
     edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
@@ -199,19 +207,13 @@ void open_event::take_up_history() {
     for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
 }
 
-void open_event::name_timeline() {
-    auto& header = timeline_->header();
-    if (header.uuid.empty()) header.uuid = timeline_->timeline().uuid();
-    if (header.name.empty()) header.name = path_name(folder_);
-}
-
 std::string open_event::name() const {
     const std::string& name = has_collection_ ? collection_.name() : timeline_->header().name;
     return name.empty() ? path_name(folder_) : name;
 }
 
-// Collection and timeline name each other; an older collection gets what it lacks.
-void open_event::link_records() {
+// The collection names its timeline; an older one gets what it lacks.
+void open_event::link_collection() {
     if (collection_.uuid().empty()) collection_.set_uuid(new_uuid());
     if (!collection_.stored().contains("UUID video group quick")) {
         collection_.set_quick_number(new_quick_number());
@@ -219,10 +221,6 @@ void open_event::link_records() {
     if (collection_.name().empty()) collection_.set_name(path_name(folder_));
     if (collection_.linked_timeline().empty()) collection_.set_linked_timeline(timeline_->timeline().uuid());
     if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
-    auto& header = timeline_->header();
-    if (header.uuid.empty()) header.uuid = timeline_->timeline().uuid();
-    if (header.linked_collection.empty()) header.linked_collection = collection_.uuid();
-    if (header.name.empty()) header.name = collection_.name();
 }
 
 // The later of the two records of the playhead, before what was recovered is taken up: the collection's, or

@@ -106,8 +106,7 @@ class open_event {
     void open_undo();
     void take_up_history();
     void open_code_window();
-    void name_timeline();
-    void link_records();
+    void link_collection();
     void open_changes();
     void follow_change(double shift);
     void feed_playback();
@@ -143,6 +142,7 @@ class open_event {
     connection edited_;
     connection access_;
     connection fired_;
+    connection made_again_;
 };
 
 }  // namespace vistels

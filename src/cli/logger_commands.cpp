@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/logger_commands.h"
-#include "app/user_name.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,12 +8,13 @@
 #include <utility>
 #include <vector>
 
-#include "app/user_name.h"
+#include "app/timeline_links.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
 #include "timeline/timeline_document.h"
 #include "util/json.h"
 #include "util/simulated_run_loop.h"
+#include "video/video_coll_Records.h"
 
 namespace vistels {
 
@@ -76,6 +76,7 @@ result<script_event> read_event(const property_value& value, const buttons& all)
     const auto* stored = value.dictionary();
     const auto at = stored ? stored->number("at") : std::nullopt;
     if (!at || !std::isfinite(*at)) return failure{"has no time under \"at\"."};
+    if (std::abs(*at) > most_stored_seconds) return failure{"is at a time beyond 30 years."};
     const auto action = action_named(stored->text_or_empty("do"));
     if (!action) return failure{"has no \"down\", \"up\", \"tab\" or \"end\" under \"do\"."};
     script_event event{*at, *action, {}};
@@ -152,11 +153,12 @@ result<command_outcome> press(const press_values& values, const home_places& pla
     if (!loaded) return loaded.error();
     const auto events = read_script(values.script, loaded.value().buttons);
     if (!events) return events.error();
+    // The timeline's own timers stand still: between two events may be years, and it is saved in the end.
+    simulated_run_loop standing;
     simulated_run_loop loop;
-    auto opened = timeline_document::open(values.timeline, loop);
+    auto opened = open_linked_timeline(values.timeline, places, standing);
     if (!opened) return opened.error();
     auto& document = *opened.value();
-    document.set_author(load_user_name(places));
     press_engine engine(document, loop.time());
     engine.set_buttons(std::move(loaded).value().buttons, 0);
 

@@ -3,6 +3,8 @@
 #include <memory>
 #include <set>
 
+#include "app/state_log.h"
+#include "app/timeline_links.h"
 #include "cli/commands.h"
 #include "cli/timeline_edit_commands.h"
 #include "cli/timeline_source.h"
@@ -50,15 +52,15 @@ result<void> select_only(const timeline_snapshot& timeline, const std::string& l
 }
 
 // What the file that is saved holds.
-property_dictionary counts_of(const timeline_snapshot& timeline, bool only_selected) {
+property_dictionary counts_of(const timeline_snapshot& timeline) {
     std::int64_t row_count = 0;
     std::int64_t clip_count = 0;
     for (const auto& row : timeline.rows) {
         const auto written = std::count_if(row->clips().begin(), row->clips().end(), [&](const auto& clip) {
-            return !only_selected || (clip->selected() && clip->filtered_in());
+            return !timeline.only_selected || (clip->selected() && clip->filtered_in());
         });
         clip_count += written;
-        if (written > 0 || !only_selected) ++row_count;
+        if (written > 0 || !timeline.only_selected) ++row_count;
     }
     property_dictionary counts;
     counts.add("rows", row_count);
@@ -92,26 +94,34 @@ result<void> save_files(const resave_values& values, const timeline_snapshot& ti
         return failure{"\"" + path_join(values.to, segments.front()) +
                        "\" may hold unsaved edits of the timeline there; open that timeline first."};
     }
-    if (auto saved = save_timeline(timeline, values.to, values.selects); !saved) return saved;
+    if (auto saved = save_timeline(timeline, values.to); !saved) return saved;
     const std::string source_folder = is_folder(values.source) ? values.source : path_folder(values.source);
     auto header = load_timeline_header(source_folder);
-    if (header.uuid.empty()) header.uuid = new_uuid();
+    complete_header(header, timeline.uuid, links_of_folder(values.to));
     if (auto saved = save_timeline_header(header, values.to); !saved) return saved;
+    const auto summary = load_timeline_summary(source_folder);
+    if (!in_place && summary != timeline_summary()) {
+        if (auto saved = save_timeline_summary(summary, values.to); !saved) return saved;
+    }
     if (auto saved = save_save_time(values.to, new_uuid()); !saved) return saved;
     // Their edits are in the file now.
     for (const auto& name : segments) machine_files().remove(path_join(values.to, name));
     return {};
 }
 
-result<command_outcome> resave(const resave_values& values) {
-    const auto loaded = read_source(values.source);
+result<command_outcome> resave(const resave_values& values, const home_places& places) {
+    auto loaded = read_source(values.source);
     if (!loaded) return loaded.error();
-    const auto& timeline = loaded.value().content;
+    for (const auto& message : loaded.value().messages) log_line(places, message);
+    // With what an open timeline has: rows and clips without an identity get one.
+    sxy_DATA_root timeline(std::move(loaded.value().content));
+    timeline.set_stores_only_selected(values.selects);
+    const auto snapshot = timeline.snapshot();
     if (values.selects) {
-        if (auto selected = select_only(timeline, values.only); !selected) return selected.error();
+        if (auto selected = select_only(snapshot, values.only); !selected) return selected.error();
     }
-    if (auto saved = save_files(values, timeline); !saved) return saved.error();
-    return command_outcome{counts_of(timeline, values.selects)};
+    if (auto saved = save_files(values, snapshot); !saved) return saved.error();
+    return command_outcome{counts_of(snapshot)};
 }
 
 result<command_outcome> overlap(const std::string& source, const std::string& uuid) {
@@ -143,8 +153,8 @@ result<command_outcome> split(const clip_span& a, const clip_span& b) {
 
 void register_resave(CLI::App& timeline, command_line& line) {
     const auto values = std::make_shared<resave_values>();
-    CLI::App* command =
-        line.command(timeline, "resave", "load a timeline and save it", [values] { return resave(*values); });
+    CLI::App* command = line.command(timeline, "resave", "load a timeline and save it",
+                                     [values, &line] { return resave(*values, line.places()); });
     command->add_option("SOURCE", values->source, "folder, .plist or .json file")->required();
     command->add_option("--to", values->to, "folder to save into")->required();
     command

@@ -5,7 +5,7 @@
 #include <iostream>
 #include <memory>
 
-#include "app/user_name.h"
+#include "app/timeline_links.h"
 #include "cli/timeline_source.h"
 #include "timeline/merge_timeline.h"
 #include "timeline/row_compaction.h"
@@ -25,10 +25,9 @@ result<command_outcome> edit_folder(const std::string& folder, const home_places
         return failure{"\"" + path_join(folder, timeline_file_name) + "\" is missing."};
     }
     simulated_run_loop loop;
-    auto opened = timeline_document::open(folder, loop);
+    auto opened = open_linked_timeline(folder, places, loop);
     if (!opened) return opened.error();
     auto& document = *opened.value();
-    document.set_author(load_user_name(places));
     auto edit = plan(document.timeline());
     if (!edit) return failure{"\"" + folder + "\": " + edit.message()};
     for (const auto& message : document.messages()) std::cerr << message << '\n';

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <optional>
-#include <set>
 #include <utility>
 
+#include "timeline/clip_operations.h"
 #include "util/clock.h"
 #include "util/uuid.h"
 
@@ -40,57 +40,10 @@ std::vector<clip_pointer> clips_met(const sxy_ROW& row, clip_span& span) {
     return met;
 }
 
-operation::any set_time(const std::string& clip, const char* key, double seconds) {
-    operation::change_clip change{clip, {}, {}};
-    change.set.add(key, seconds);
-    return change;
-}
-
-// Adds qualifiers to one clip, each under a UUID that it does not have yet.
-class qualifier_adder {
-  public:
-    qualifier_adder(const sxy_CLIP& to, std::vector<operation::any>& operations)
-        : clip_(to.id()), index_(to.qualifiers()->size()), operations_(operations) {
-        for (const auto& own : *to.qualifiers()) uuids_.insert(own.uuid());
-    }
-    void add_all_of(const sxy_CLIP& from) {
-        for (qual_ITEM item : *from.qualifiers()) {
-            if (!uuids_.insert(item.uuid()).second) item.set_uuid(new_uuid());
-            operations_.emplace_back(operation::insert_qualifier{clip_, index_++, item});
-        }
-    }
-
-  private:
-    std::string clip_;
-    std::size_t index_;
-    std::set<std::string> uuids_;
-    std::vector<operation::any>& operations_;
-};
-
-planned_finish plan_merge(const sxy_DATA_root& timeline, const sxy_CLIP& growing, clip_span span,
-                          clip_span joined, const std::vector<clip_pointer>& met) {
-    const bool growing_stays = span.start < met.front()->secs_start();
-    planned_finish plan;
-    plan.clip = growing_stays ? growing.id() : met.front()->id();
-    const clip_span finished = growing_stays ? joined : span;
-    plan.operations.emplace_back(operation::finish_clip{growing.id(), finished.start, finished.end});
-    std::vector<std::string> removed;
-    {
-        qualifier_adder adder(growing_stays ? growing : *met.front(), plan.operations);
-        for (const auto& clip : met) {
-            if (clip->id() == plan.clip) continue;
-            adder.add_all_of(*clip);
-            removed.push_back(clip->id());
-        }
-        if (!growing_stays) adder.add_all_of(growing);
-    }
-    if (!growing_stays) {
-        plan.operations.emplace_back(set_time(plan.clip, "time_end", joined.end));
-        plan.operations.emplace_back(operation::remove_clip{growing.id()});
-    }
-    auto deletion = plan_delete_clips(timeline, removed, "", seconds_since_1970());
-    std::move(deletion.operations.begin(), deletion.operations.end(), std::back_inserter(plan.operations));
-    return plan;
+std::vector<std::string> ids_of(const std::vector<clip_pointer>& clips) {
+    std::vector<std::string> ids;
+    for (const auto& clip : clips) ids.push_back(clip->id());
+    return ids;
 }
 
 // The clip that started last among those of the row that hold the time; null for none.
@@ -177,6 +130,19 @@ sxy_ROW new_row_of_button(const markup_Button_Item& button) {
     return row;
 }
 
+sxy_CLIP new_clip_of_button(const markup_Button_Item& button, const std::string& uuid, const sxy_ROW& row,
+                            double at) {
+    sxy_CLIP clip;
+    clip.set_id(uuid);
+    clip.set_secs_start(at);
+    clip.set_secs_end(at);
+    clip.set_row_uuid_in_clip(row.uuid());
+    clip.set_row_category_in_clip(shared_text(row.category()));
+    const auto colour = button.made_colour();
+    clip.set_col(colour ? colour : row.col());
+    return clip;
+}
+
 planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& growing,
                            const markup_Button_Item& button, clip_span held, double earliest) {
     clip_span span = widened_span(button, held, earliest);
@@ -184,11 +150,13 @@ planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& grow
     if (row && button.merge_clips()) {
         clip_span joined = span;
         const auto met = clips_met(*row, joined);
-        if (!met.empty()) return plan_merge(timeline, *growing.clip, span, joined, met);
+        auto merged =
+            plan_clips_Merge(timeline, ids_of(met), {{}, seconds_since_1970()}, ended_clip{growing, span});
+        if (merged) return {std::move(merged.value().operations), std::move(merged.value().scope)};
     } else if (row && !button.allow_overlapping_clips()) {
         span = free_span(*row, span, held);
     }
-    return {{operation::finish_clip{growing.clip->id(), span.start, span.end}}, growing.clip->id()};
+    return {{plan_end(timeline, {growing, span})}, growing.clip->id()};
 }
 
 std::vector<std::string> stamped_clips(const sxy_DATA_root& timeline, double at,

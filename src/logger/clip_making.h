@@ -26,9 +26,12 @@ clip_span free_span(const sxy_ROW& row, clip_span wanted, clip_span held);
 // The row that the button's clips go to; null when it is still to be made.
 row_pointer row_of_button(const sxy_DATA_root& timeline, const markup_Button_Item& button);
 sxy_ROW new_row_of_button(const markup_Button_Item& button);
+// The clip that a press begins on the row, with the button's colour as its own, else that of the row.
+sxy_CLIP new_clip_of_button(const markup_Button_Item& button, const std::string& uuid, const sxy_ROW& row,
+                            double at);
 
-// The operations that put the growing clip `growing` into its row, and which clip holds it then: itself, or
-// the one that it was merged into.
+// The operations that put the growing clip `growing` into its row (whether the timeline still has it or it
+// got lost), and which clip holds it then: itself, or the one that it was merged into.
 struct planned_finish {
     std::vector<operation::any> operations;
     std::string clip;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -54,7 +55,26 @@ std::string_view made_kind_text(made_kind made) {
 }
 
 press_engine::press_engine(timeline_document& document, const clock& time)
-    : document_(document), time_(time) {}
+    : document_(document),
+      time_(time),
+      edited_(document.edited.connect(
+          [this](const timeline_edit& edit, const timeline_edit&) { follow_edit(edit); })) {}
+
+// A clip that is missing when its button goes up was taken away on purpose only if an edit says so.
+void press_engine::follow_edit(const timeline_edit& edit) {
+    const auto is_ours = [this](const std::string& clip) {
+        return std::any_of(down_.begin(), down_.end(), [&](const auto& one) { return one.clip == clip; }) ||
+               std::any_of(waiting_.begin(), waiting_.end(),
+                           [&](const auto& one) { return one.clip == clip; });
+    };
+    for (const auto& any : edit.operations) {
+        if (const auto* removed = std::get_if<operation::remove_clip>(&any)) {
+            if (is_ours(removed->clip)) taken_away_.insert(removed->clip);
+        } else if (const auto* begun = std::get_if<operation::begin_clip>(&any)) {
+            taken_away_.erase(begun->clip->id());  // taking it away was taken back
+        }
+    }
+}
 
 void press_engine::set_buttons(std::vector<markup_Button_Item> buttons, double at) {
     for (const auto& down : down_buttons()) {
@@ -266,22 +286,21 @@ timeline_edit press_engine::edit_of(const pending_action& action) {
             {}};
 }
 
-result<press_engine::outcome> press_engine::record_begin(const pending_action& action) {
+// The button's row, made by `edit` when it is missing.
+row_pointer press_engine::row_for(const pending_action& action, timeline_edit& edit) const {
     const auto& timeline = document_.timeline();
-    auto edit = edit_of(action);
     auto row = row_of_button(timeline, action.button);
-    if (!row) {
-        row = std::make_shared<const sxy_ROW>(new_row_of_button(action.button));
-        edit.operations.emplace_back(operation::insert_row{timeline.rows().size(), *row});
-    }
-    sxy_CLIP clip;
-    clip.set_id(action.clip);
-    clip.set_secs_start(action.at);
-    clip.set_secs_end(action.at);
-    clip.set_row_uuid_in_clip(row->uuid());
-    clip.set_row_category_in_clip(shared_text(row->category()));
-    if (!row->col()) clip.set_col(action.button.made_colour());
-    edit.operations.emplace_back(operation::begin_clip{row->uuid(), std::move(clip)});
+    if (row) return row;
+    row = std::make_shared<const sxy_ROW>(new_row_of_button(action.button));
+    edit.operations.emplace_back(operation::insert_row{timeline.rows().size(), *row});
+    return row;
+}
+
+result<press_engine::outcome> press_engine::record_begin(const pending_action& action) {
+    auto edit = edit_of(action);
+    const auto row = row_for(action, edit);
+    edit.operations.emplace_back(
+        operation::begin_clip{row->uuid(), new_clip_of_button(action.button, action.clip, *row, action.at)});
     if (auto applied = document_.apply(std::move(edit)); !applied) return applied.error();
     // The time noted before may belong to another place: a clip that ends at once must not get it.
     (void)document_.note_time(action.at);
@@ -290,14 +309,27 @@ result<press_engine::outcome> press_engine::record_begin(const pending_action& a
 }
 
 result<press_engine::outcome> press_engine::record_finish(const pending_action& action) {
-    const auto place = document_.timeline().find_clip(action.clip);
-    if (!place || !place->is_live) return outcome{};  // taken away while it grew
+    auto place = document_.timeline().find_clip(action.clip);
+    const bool was_taken = taken_away_.contains(action.clip) || (place && !place->is_live);
+    if (was_taken) {
+        taken_away_.erase(action.clip);
+        return outcome{};
+    }
+    auto edit = edit_of(action);
+    const bool is_lost = !place;
+    if (is_lost) {
+        const auto row = row_for(action, edit);
+        place = clip_place{std::make_shared<const sxy_CLIP>(
+                               new_clip_of_button(action.button, action.clip, *row, action.pressed_at)),
+                           row->uuid()};
+    }
     auto plan = plan_finish(document_.timeline(), *place, action.button, {action.pressed_at, action.at},
                             earliest_seconds_);
-    auto edit = edit_of(action);
-    edit.operations = std::move(plan.operations);
+    std::move(plan.operations.begin(), plan.operations.end(), std::back_inserter(edit.operations));
+    const std::string name = edit.name;
     if (auto applied = document_.apply(std::move(edit)); !applied) return applied.error();
     made_clips_.push_back(std::move(plan.clip));
+    if (is_lost) made_again.emit(name);
     return outcome{made_kind::clip, false};
 }
 

@@ -68,6 +68,9 @@ struct down_button {
 //   the press, or with "delayed up" after the release by hand. It does so when the collection's clock gets
 //   there, or when as much real time has passed (playback may stand), and the time counted is the due one.
 //
+// A clip that was taken away by an edit while it grew stays away when its button goes up. One that is missing
+// without that is a loss: it is made again from what the press knows, and `made_again` tells.
+//
 // Each press and release is one edit, named after the button, with the button's UUID for scope. A press that
 // cannot be put on record is kept in memory with all that follow it, `trouble` tells, and the work is tried
 // again in order: at each further press and once a second in tick(). The states change at once all the same.
@@ -125,6 +128,8 @@ class press_engine {
     // Why presses cannot be recorded, once when it begins (or the reason changes); an empty text when all
     // are.
     signal<const std::string&> trouble;
+    // The clip of this button got lost while it grew and was made again.
+    signal<const std::string&> made_again;
     // Other buttons were set.
     signal<> buttons_changed;
 
@@ -162,6 +167,8 @@ class press_engine {
     result<outcome> record(const pending_action& action);
     result<outcome> record_begin(const pending_action& action);
     result<outcome> record_finish(const pending_action& action);
+    row_pointer row_for(const pending_action& action, timeline_edit& edit) const;
+    void follow_edit(const timeline_edit& edit);
     result<outcome> record_stamp(const pending_action& action);
     static timeline_edit edit_of(const pending_action& action);
     std::unordered_set<shared_text> rows_without_qualifiers() const;
@@ -176,9 +183,11 @@ class press_engine {
     std::vector<button_state> down_;       // in the order in which they went down
     std::vector<std::string> made_clips_;  // the last one at the end
     std::deque<pending_action> waiting_;
+    std::unordered_set<std::string> taken_away_;  // growing clips, by edits
     std::string trouble_;
     double last_note_seconds_ = -1e9;   // monotonic clock
     double last_retry_seconds_ = -1e9;  // monotonic clock
+    connection edited_;
 };
 
 }  // namespace vistels

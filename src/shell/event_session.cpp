@@ -160,6 +160,8 @@ void event_session::connect_event() {
         event_->logger().fired.connect([this](const button_fired&) { tick_while_needed(); }));
     connections_.push_back(
         event_->logger().trouble.connect([this](const std::string& why) { tell_trouble(why); }));
+    connections_.push_back(
+        event_->logger().made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(event_->collection_changed.connect([this] {
         apply_volume();  // the change has set the collection's own
         show_state();

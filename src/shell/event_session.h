@@ -115,6 +115,7 @@ class event_session : public QObject {
     void tick();
     void tick_while_needed();
     void tell_trouble(const std::string& reason);
+    void tell_made_again(const std::string& button);
     void find_loop();
     void keep_within_loop(double seconds);
     void apply_volume();

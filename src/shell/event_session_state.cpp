@@ -46,6 +46,14 @@ void event_session::tell_trouble(const std::string& reason) {
                  {}});
 }
 
+void event_session::tell_made_again(const std::string& button) {
+    Q_EMIT told({user_message::tone::warning,
+                 tr("A clip of \"%1\" was missing and was made again").arg(QString::fromStdString(button)),
+                 tr("It has the times of its press. What was stamped on it while it grew may be gone."),
+                 tr("Look at it before you go on."),
+                 {}});
+}
+
 void event_session::save_in_background() {
     if (event_) event_->timeline().save_soon();
 }

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "app/search_patterns.h"
+#include "logger/press_engine.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
@@ -319,11 +320,21 @@ window_memory main_window::memory() const {
 bool main_window::agree_to_close() {
     agreed_ = true;
     if (!session_->is_open()) return agreed_;
-    const auto done = session_->shown_event()->save_all();
+    press_engine& logger = session_->shown_event()->logger();
+    const auto recorded = logger.record_waiting();
+    const auto saved = session_->shown_event()->save_all();
+    const auto done = recorded ? saved : recorded;
     if (done) return agreed_;
-    QMessageBox question(QMessageBox::Warning, tr("The event could not be saved"),
-                         QString::fromStdString(done.message()), QMessageBox::NoButton, this);
-    question.setInformativeText(tr("What was coded is on record and comes back at the next start."));
+    const int waiting = static_cast<int>(logger.unrecorded());
+    QMessageBox question(
+        QMessageBox::Warning,
+        waiting > 0 ? tr("The last presses are not on record") : tr("The event could not be saved"),
+        QString::fromStdString(done.message()), QMessageBox::NoButton, this);
+    question.setInformativeText(
+        waiting == 0   ? tr("What was coded is on record and comes back at the next start.")
+        : waiting == 1 ? tr("One press or release is in memory only and is lost when the window closes.")
+                       : tr("%1 presses and releases are in memory only and are lost when the window closes.")
+                             .arg(waiting));
     const QAbstractButton* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
     question.addButton(tr("Close Anyway"), QMessageBox::AcceptRole);
     question.exec();

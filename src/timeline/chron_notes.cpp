@@ -90,11 +90,11 @@ result<notes_by_clip> notes_in(const std::string& bytes, const std::string& path
 
 }  // namespace
 
-separate_notes take_notes_off(const timeline_snapshot& timeline, bool only_selected) {
+separate_notes take_notes_off(const timeline_snapshot& timeline) {
     separate_notes separate{timeline, {}};
     for (auto& row : separate.timeline.rows) {
         row = with_changed_clips(row, [&](const sxy_CLIP& clip) -> clip_pointer {
-            if (only_selected && !(clip.selected() && clip.filtered_in())) return nullptr;
+            if (timeline.only_selected && !(clip.selected() && clip.filtered_in())) return nullptr;
             const auto note = clip.note();
             if (!note || clip.id().empty() || note->kept.contains(clip_key)) return nullptr;
             const bool first = separate.notes.emplace(clip.id(), *note).second;

@@ -24,10 +24,11 @@ struct separate_notes {
     notes_by_clip notes;
 };
 
-// Takes the notes off the clips; with `only_selected` those of clips that are selected and filtered in alone.
+// Takes the notes off the clips; of a snapshot with
+// `only_selected` those of clips that are selected and filtered in alone.
 // A note that could not be told by its clip (one without a UUID, or with that of another) stays on it. Any
 // thread.
-separate_notes take_notes_off(const timeline_snapshot& timeline, bool only_selected = false);
+separate_notes take_notes_off(const timeline_snapshot& timeline);
 
 // Puts the notes on their clips. A note that a clip has already stays: whoever wrote it into the timeline's
 // file did so after the notes were written.

@@ -5,30 +5,12 @@
 #include <cmath>
 #include <set>
 
-#include "timeline/sxy_Adjust_Clip_Overlaps.h"
 #include "timeline/tombstones.h"
 #include "util/uuid.h"
 
 namespace vistels {
 
 namespace {
-
-// The clips in a row's order, each once. A clip that is not there, or still grows, is a failure.
-result<std::vector<clip_place>> find_clips(const sxy_DATA_root& timeline,
-                                           const std::vector<std::string>& clips) {
-    std::vector<clip_place> places;
-    std::set<std::string> seen;
-    for (const auto& uuid : clips) {
-        if (!seen.insert(uuid).second) continue;
-        auto place = timeline.find_clip(uuid);
-        if (!place) return failure{"A clip that was to be changed is no longer there."};
-        if (place->is_live) return failure{"A clip that is still being marked cannot be changed yet."};
-        places.push_back(std::move(*place));
-    }
-    std::sort(places.begin(), places.end(),
-              [](const auto& a, const auto& b) { return clip_before(*a.clip, *b.clip); });
-    return places;
-}
 
 // Times that the drawings over a clip know of.
 void set_times(operation::change_clip& change, const sxy_CLIP& clip, double start, double end) {
@@ -37,68 +19,7 @@ void set_times(operation::change_clip& change, const sxy_CLIP& clip, double star
     const auto stored = write_clip_values(clip);
     const auto* drawings = stored.dictionary("telestration");
     if (!drawings) return;
-    property_dictionary trimmed = *drawings;
-    trimmed.set("telestration_secs_start_trimmed", start);
-    trimmed.set("telestration_secs_end_trimmed", end);
-    change.set.set("telestration", std::move(trimmed));
-}
-
-std::shared_ptr<const clip_note> joined_note(const std::vector<clip_place>& places) {
-    std::shared_ptr<const clip_note> joined;
-    for (const auto& place : places) {
-        const auto note = place.clip->note();
-        if (!note) continue;
-        if (!joined || joined->text().empty()) {
-            joined = note;
-        } else if (!note->text().empty()) {
-            joined =
-                std::make_shared<const clip_note>(joined->with_text(joined->text() + "\n" + note->text()));
-        }
-    }
-    return joined;
-}
-
-struct merged_qualifier {
-    qual_ITEM item;
-    bool is_own;  // of the clip that stays
-};
-
-bool stamped_before(const merged_qualifier& a, const merged_qualifier& b) {
-    return a.item.time() < b.item.time();
-}
-
-// The qualifiers of all, clip by clip. The copies of a clip made elsewhere may have the same ones: none comes
-// twice with one UUID.
-std::vector<merged_qualifier> all_qualifiers(const std::vector<clip_place>& places) {
-    std::set<std::string> uuids;
-    std::vector<merged_qualifier> all;
-    for (const auto& place : places) {
-        const bool is_own = &place == &places.front();
-        for (const auto& one : *place.clip->qualifiers()) {
-            const bool is_new = uuids.insert(one.uuid()).second && !one.uuid().empty();
-            all.push_back({one, is_own});
-            if (!is_new && !is_own) all.back().item.set_uuid(new_uuid());
-        }
-    }
-    return all;
-}
-
-// What makes the qualifiers of the first clip those of all, in stamping order.
-void merge_qualifiers(const std::vector<clip_place>& places, std::vector<operation::any>& operations) {
-    const std::string clip = places.front().clip->id();
-    auto all = all_qualifiers(places);
-    const auto foreign = std::find_if(all.begin(), all.end(), [](const auto& one) { return !one.is_own; });
-    if (foreign == all.end()) return;
-    const bool own_stay = std::is_sorted(all.begin(), foreign, stamped_before);
-    for (auto one = all.begin(); one != foreign && !own_stay; ++one) {
-        operations.emplace_back(operation::remove_qualifier{clip, one->item.uuid()});
-        if (one->item.uuid().empty()) one->item.set_uuid(new_uuid());
-    }
-    std::stable_sort(all.begin(), all.end(), stamped_before);
-    for (std::size_t index = 0; index < all.size(); ++index) {
-        if (own_stay && all[index].is_own) continue;
-        operations.emplace_back(operation::insert_qualifier{clip, index, all[index].item});
-    }
+    change.set.set("telestration", drawings_trimmed(*drawings, {start, end}));
 }
 
 clip_span span_of(const sxy_CLIP& clip) {
@@ -116,35 +37,33 @@ clip_pointer split_partner(const sxy_ROW& row, const sxy_CLIP& clip) {
 
 }  // namespace
 
-result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
-                                       const edit_stamp& stamp) {
-    auto found = find_clips(timeline, clips);
-    if (!found) return found.error();
-    const auto& places = found.value();
-    if (places.size() < 2) return failure{"Select two clips or more to merge them."};
-    const sxy_CLIP& kept = *places.front().clip;
-    double end = kept.secs_end();
-    std::vector<std::string> merged;
-    for (std::size_t at = 1; at < places.size(); ++at) {
-        end = std::max(end, places[at].clip->secs_end());
-        merged.push_back(places[at].clip->id());
+result<std::vector<clip_place>> find_whole_clips(const sxy_DATA_root& timeline,
+                                                 const std::vector<std::string>& clips) {
+    std::vector<clip_place> places;
+    std::set<std::string> seen;
+    for (const auto& uuid : clips) {
+        if (!seen.insert(uuid).second) continue;
+        auto place = timeline.find_clip(uuid);
+        if (!place) return failure{"A clip that was to be changed is no longer there."};
+        if (place->is_live) return failure{"A clip that is still being marked cannot be changed yet."};
+        places.push_back(std::move(*place));
     }
-    timeline_edit edit{"Merge Clips", kept.id(), {}};
-    operation::change_clip change{kept.id(), {}, {}};
-    set_times(change, kept, kept.secs_start(), end);
-    if (const auto note = joined_note(places)) change.set.set("notes_dict", write_clip_note(*note));
-    edit.operations.emplace_back(std::move(change));
-    merge_qualifiers(places, edit.operations);
-    auto deletion = plan_delete_clips(timeline, merged, stamp.author, stamp.edit_seconds);
-    std::move(deletion.operations.begin(), deletion.operations.end(), std::back_inserter(edit.operations));
-    return edit;
+    std::sort(places.begin(), places.end(),
+              [](const auto& a, const auto& b) { return clip_before(*a.clip, *b.clip); });
+    return places;
+}
+
+property_dictionary drawings_trimmed(property_dictionary drawings, clip_span span) {
+    drawings.set("telestration_secs_start_trimmed", span.start);
+    drawings.set("telestration_secs_end_trimmed", span.end);
+    return drawings;
 }
 
 result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& timeline,
                                                        const std::vector<std::string>& clips,
                                                        std::optional<double> mark_in,
                                                        std::optional<double> mark_out) {
-    auto found = find_clips(timeline, clips);
+    auto found = find_whole_clips(timeline, clips);
     if (!found) return found.error();
     if ((mark_in && !std::isfinite(*mark_in)) || (mark_out && !std::isfinite(*mark_out))) {
         return failure{"A clip cannot be trimmed to a time that is none."};
@@ -169,7 +88,7 @@ result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& time
 
 result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
                                          const std::vector<std::string>& clips) {
-    auto found = find_clips(timeline, clips);
+    auto found = find_whole_clips(timeline, clips);
     if (!found) return found.error();
     const auto& places = found.value();
     if (places.empty() || places.size() > 2) return failure{"Select one clip, or two, to split an overlap."};

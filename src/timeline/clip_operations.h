@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "timeline/sxy_Adjust_Clip_Overlaps.h"
 #include "timeline/timeline_edit.h"
 #include "util/result.h"
 
@@ -14,12 +15,22 @@ namespace vistels {
 // cannot be done the message says why, and nothing changes. An edit that would change nothing has no
 // operations. Clips are named by UUID. Any thread that owns the timeline.
 
-// Merges two or more clips into the earliest of them (by start, then end, then UUID), in its row: it spans
-// from the earliest start to the latest end, has the qualifiers of all by the time at which they were
-// stamped, and the texts of all notes, a line break between them. The other clips are deleted and leave
-// tombstones.
+// A growing clip that ends: its place, and the times that it gets (seconds).
+struct ended_clip {
+    clip_place place;
+    clip_span span;
+};
+// What puts it into its row; it may be missing from the timeline meanwhile.
+operation::any plan_end(const sxy_DATA_root& timeline, const ended_clip& ending);
+
+// Merges two or more clips into the earliest of them (by start, then end, then UUID), in its row; the one
+// that `ending` brings is one of them, and the later one where another starts with it. The clip that stays
+// spans from the earliest start to the latest end. It has the qualifiers, triggers, pause points and inserted
+// objects of all in order of time, the texts of all notes, a line break between them, and the most stars;
+// every other value is its own, or where it has none that of the first clip with one. The other clips are
+// deleted and leave tombstones. The edit's scope is the clip that stays.
 result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
-                                       const edit_stamp& stamp);
+                                       const edit_stamp& stamp, const std::optional<ended_clip>& ending = {});
 
 // Moves the start of the clips to `mark_in` and their end to `mark_out` (seconds), where given. Refused when
 // that would leave nothing of one of them.
@@ -58,5 +69,11 @@ result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,
                                            const edit_stamp& stamp);
 // Puts a copy of the row and its clips below it, named "NAME copy".
 result<timeline_edit> plan_duplicate_row(const sxy_DATA_root& timeline, const shared_text& row);
+
+// The clips in a row's order, each once. One that is not there, or still grows, is a failure.
+result<std::vector<clip_place>> find_whole_clips(const sxy_DATA_root& timeline,
+                                                 const std::vector<std::string>& clips);
+// The stored drawings of a clip that gets this span.
+property_dictionary drawings_trimmed(property_dictionary drawings, clip_span span);
 
 }  // namespace vistels

@@ -167,7 +167,7 @@ class timeline_merge {
     shared_text above_;                       // the last row that was merged
     std::map<std::string, std::vector<sxy_Deleted_Clip_Item_k11>> coming_tombstones_;  // by row
     bool grows_ = false;
-    timeline_edit edit_{"Merge Timelines", "", {}};
+    timeline_edit edit_{"Merge Timelines", "", {}, {}, true};  // clips come as the other copy has them
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "timeline/tombstones.h"
 #include "util/uuid.h"
@@ -31,6 +32,7 @@ struct merged_row {
     property_dictionary values;      // stored values of the row
     std::vector<std::string> clips;  // those that do not say that they were made on it
     std::int64_t number = std::numeric_limits<std::int64_t>::max();  // its place, from 1
+    std::int64_t order = std::numeric_limits<std::int64_t>::max();   // the compactor's sort number, from 1
 };
 
 property_value text_of(const property_dictionary& stored, const char* key) {
@@ -41,7 +43,7 @@ property_value integer_of(const property_dictionary& stored, const char* key) {
     return stored.integer(key).value_or(0);
 }
 
-// The values of the master row that hold the merged rows.
+// The values of the master row that hold the merged rows. The compactor's sort numbers are the rows' places.
 void add_arrays(property_dictionary& master, const std::vector<property_dictionary>& rows) {
     std::map<std::string, property_array> arrays;
     property_array whole;
@@ -50,7 +52,7 @@ void add_arrays(property_dictionary& master, const std::vector<property_dictiona
         arrays[colours_key].push_back(text_of(row, "color"));
         arrays[uuids_key].push_back(text_of(row, "uuid_row"));
         arrays[sort_numbers_key].push_back(integer_of(row, sort_number_key));
-        arrays[compactor_numbers_key].push_back(integer_of(row, compactor_number_key));
+        arrays[compactor_numbers_key].push_back(integer_of(row, "row_number"));
         whole.emplace_back(row);
     }
     for (const char* key : array_keys) master.set(key, std::move(arrays[key]));
@@ -125,6 +127,9 @@ std::vector<merged_row> merged_rows_of(const property_dictionary& master) {
     std::set<std::string> uuids;
     for (std::size_t index = 0; index < count; ++index) {
         merged_row row{values_in_arrays(master, index), {}};
+        if (const auto* order = element(master, compactor_numbers_key, index);
+            order && order->integer().value_or(0) > 0)
+            row.order = *order->integer();
         const std::string uuid = row.values.text_or_empty("uuid_row");
         if (const auto* whole = whole_values(master, uuid)) {
             row.values = *whole;
@@ -213,6 +218,7 @@ result<timeline_edit> plan_compact_rows(const sxy_DATA_root& timeline, const std
     add_arrays(arrays, kept);
     sxy_ROW master = row_with(master_of(merged, name), arrays, {});
     master.set_uuid(shared_text(new_uuid()));
+    master.set_compactor_sort_number(static_cast<int>(*places.begin() + 1));
     const shared_text uuid = master.uuid();
     timeline_edit edit{"Merge Rows", uuid.str(), {}, {}, true};
     edit.operations.emplace_back(operation::insert_row{*places.begin(), std::move(master)});
@@ -256,8 +262,9 @@ result<timeline_edit> plan_expand_row(const sxy_DATA_root& timeline, const share
     }
     edit.operations.emplace_back(operation::remove_row{master});
     // Then each to its place, from the top, so that those below do not shift it any more.
-    std::stable_sort(made.begin(), made.end(),
-                     [&](std::size_t a, std::size_t b) { return merged[a].number < merged[b].number; });
+    std::stable_sort(made.begin(), made.end(), [&](std::size_t a, std::size_t b) {
+        return std::pair(merged[a].number, merged[a].order) < std::pair(merged[b].number, merged[b].order);
+    });
     const std::size_t count = timeline.rows().size() - 1 + made.size();
     std::size_t next = *place;
     for (const std::size_t index : made) {

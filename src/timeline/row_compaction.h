@@ -12,12 +12,13 @@ namespace vistels {
 // Row compaction: several rows are shown as one master row, until they are expanded again.
 //
 // The master row keeps for each merged row, in five arrays of equal length, its category, colour, permanent
-// UUID, sort number and compactor's sort number; and beside them, under "uncompacted_rows", all its stored
-// values with its place and the clips that do not say themselves that they belong to it. There and back
+// UUID, sort number and compactor's sort number, which is the row's place in the timeline, from 1; its own
+// compactor's sort number is the place where it stands. Beside the arrays, under "uncompacted_rows", it keeps
+// all their stored values with the clips that do not say themselves that they belong to them. There and back
 // leaves the timeline equal. Where another program has written the master row anew, without
 // "uncompacted_rows", the names of the rows (they get the master's), their heights, timer marks, tombstones
-// and places (they come where the master stood) cannot be kept, nor the row of a clip that was made on
-// another.
+// and places cannot be kept, nor the row of a clip that was made on another: the rows come where the master
+// stood, in the order of their compactor's sort numbers, those without one last.
 
 // Merges the rows (two or more) into a new row in the place of the topmost; it is named `name`, or as that
 // row when that is empty. Refused while a clip of one of them still grows.

@@ -128,7 +128,7 @@ double sxy_DATA_root::last_end() const {
 
 timeline_snapshot sxy_DATA_root::snapshot() {
     for (auto& owned : owned_) owned.is_shared = true;
-    return {uuid_, description_, kept_, rows_, live_, tags_};
+    return {uuid_, description_, kept_, rows_, live_, tags_, stores_only_selected()};
 }
 
 std::shared_ptr<serial_queue> sxy_DATA_root::work_queue() {

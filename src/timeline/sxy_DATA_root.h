@@ -45,6 +45,7 @@ struct timeline_snapshot {
     std::vector<row_pointer> rows;
     std::vector<clip_place> live_clips;  // clips still growing; the stored form does not hold them
     std::vector<sXY_data_TAG> tags = {};
+    bool only_selected = false;  // its stored form holds only the clips that are selected and filtered in
 };
 
 // One timeline: its rows in display order and their clips, and the live clips, which grow while their buttons
@@ -111,7 +112,8 @@ class sxy_DATA_root : record {
     void set_owner(const std::shared_ptr<void>& owner) { write(sxy_Root__, std::weak_ptr<void>(owner)); }
     // For work that must not run on the thread that owns the timeline. Made when first asked for.
     std::shared_ptr<serial_queue> work_queue();
-    // The stored form is to hold only the clips that are selected and filtered in.
+    // The stored form of snapshots is to hold only the clips that are selected and filtered in: of a copy
+    // that is given away, since what is left out is not kept.
     bool stores_only_selected() const {
         return read(only_add_Selected_and_filtered_in_clips_to_Save_Dictionary__);
     }

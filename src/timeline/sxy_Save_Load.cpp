@@ -346,6 +346,12 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
 
 }  // namespace
 
+std::string skipped_clips_text(const std::string& path, std::size_t count) {
+    return "\"" + path + "\" holds " + std::to_string(count) +
+           (count == 1 ? " clip without a readable time; it was left out."
+                       : " clips without a readable time; they were left out.");
+}
+
 loaded_timeline read_timeline(const property_dictionary& stored) {
     stored_arena arena;
     return *read_view(view_of(stored, arena), memory_allowance());
@@ -380,7 +386,8 @@ result<loaded_timeline> read_timeline_json(std::string_view bytes, const std::st
     return cursor.finish() ? no_timeline(path) : unreadable_json(path, cursor);
 }
 
-void write_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
+void write_timeline(const timeline_snapshot& timeline, stored_sink& to) {
+    const bool only_selected = timeline.only_selected;
     to.put("row_count", static_cast<std::int64_t>(timeline.rows.size()));
     const auto* by_category = timeline.kept.find(by_category_key);
     to.put(by_category_key, by_category ? *by_category : property_value(false));
@@ -399,22 +406,22 @@ void write_timeline(const timeline_snapshot& timeline, bool only_selected, store
     to.end();
 }
 
-void write_whole_timeline(const timeline_snapshot& timeline, bool only_selected, stored_sink& to) {
+void write_whole_timeline(const timeline_snapshot& timeline, stored_sink& to) {
     to.begin_dictionary({});
-    write_timeline(timeline, only_selected, to);
+    write_timeline(timeline, to);
     to.end();
 }
 
-property_dictionary write_timeline(const timeline_snapshot& timeline, bool only_selected) {
+property_dictionary write_timeline(const timeline_snapshot& timeline) {
     dictionary_sink sink;
-    write_timeline(timeline, only_selected, sink);
+    write_timeline(timeline, sink);
     return sink.take();
 }
 
-std::string timeline_bytes(const timeline_snapshot& timeline, bool only_selected) {
+std::string timeline_bytes(const timeline_snapshot& timeline) {
     property_list_sink sink;
     sink.expect(guessed_bytes(timeline));
-    write_whole_timeline(timeline, only_selected, sink);
+    write_whole_timeline(timeline, sink);
     return sink.take();
 }
 
@@ -422,9 +429,12 @@ result<loaded_timeline> load_timeline(const std::string& source) {
     const std::string path = is_folder(source) ? path_join(source, timeline_file_name) : source;
     const auto bytes = read_file(path);
     if (!bytes) return bytes.error();
-    if (path.ends_with(".json")) return read_timeline_json(bytes.value(), path);
-    auto loaded = read_timeline_bytes(bytes.value(), path);
-    if (!loaded || path_name(path) != timeline_file_name) return loaded;
+    auto loaded = path.ends_with(".json") ? read_timeline_json(bytes.value(), path)
+                                          : read_timeline_bytes(bytes.value(), path);
+    if (!loaded) return loaded;
+    if (const auto count = loaded.value().skipped_clips; count > 0)
+        loaded.value().messages.push_back(skipped_clips_text(path, count));
+    if (path_name(path) != timeline_file_name) return loaded;
     notes_keeper keeper(path_folder(path));
     auto& timeline = loaded.value();
     auto notes = keeper.open(false, timeline.messages);
@@ -433,16 +443,15 @@ result<loaded_timeline> load_timeline(const std::string& source) {
     return loaded;
 }
 
-result<void> save_timeline(const timeline_snapshot& timeline, const std::string& folder, bool only_selected,
-                           file_system& files) {
-    const auto separate = take_notes_off(timeline, only_selected);
+result<void> save_timeline(const timeline_snapshot& timeline, const std::string& folder, file_system& files) {
+    const auto separate = take_notes_off(timeline);
     notes_keeper keeper(folder, files);
     if (auto saved = keeper.save(separate); !saved) return saved.error();
     return safe_write_blocks(
         path_join(folder, timeline_file_name),
         [&](const block_writer& put) {
             property_list_sink sink(put);
-            write_whole_timeline(separate.timeline, only_selected, sink);
+            write_whole_timeline(separate.timeline, sink);
             sink.finish();
         },
         files);

@@ -180,8 +180,7 @@ result<void> timeline_document::read_data(files_read& read, bool may_change) {
     if (!found) return found.error();
     auto& loaded = found.value();
     if (loaded.skipped_clips > 0) {
-        read.messages.push_back("\"" + path + "\" holds " + std::to_string(loaded.skipped_clips) +
-                                " clips without a readable time; they were left out.");
+        read.messages.push_back(skipped_clips_text(path, loaded.skipped_clips));
     }
     auto notes = notes_.open(may_change, read.messages);
     if (!notes) return notes.error();
@@ -358,14 +357,14 @@ void timeline_document::finish_growing(const char* name) {
 }
 
 result<void> timeline_document::apply(timeline_edit edit) {
-    complete_edit(edit, author_, seconds_since_1970());
+    complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
     if (!journal_ || !still_holds_lock()) return failure{read_only_reason_};
     change_set touched;
+    const auto growing = timeline_.live_clips();
     const auto inverse = apply_edit(timeline_, edit, touched, beside_);
     if (!inverse) return inverse.error();
     if (auto recorded = journal_->append(edit); !recorded) {
-        change_set undone;
-        (void)apply_edit(timeline_, inverse.value(), undone, beside_);
+        withdraw_edit(timeline_, inverse.value(), growing, beside_);
         return recorded;
     }
     follow_shift(edit);
@@ -475,7 +474,7 @@ result<void> timeline_document::write_data(const timeline_snapshot& timeline,
     std::optional<property_list_sink> sink;
     const auto put_all = [&](const block_writer& put) {
         sink.emplace(put);
-        write_whole_timeline(timeline, false, *sink);
+        write_whole_timeline(timeline, *sink);
         return sink->last_block();
     };
     const auto kept = safe_write_known_blocks(path, put_all, note, known_data_, in_doubt, files_);

@@ -73,6 +73,9 @@ class timeline_document {
     // The name that edits from now on are stamped with; empty: not known.
     void set_author(std::string name) { author_ = std::move(name); }
     const std::string& author() const { return author_; }
+    // The number of the collection that the timeline belongs to: edits from now on give it to the clips that
+    // they bring or change and that have none ("coll_id"). 0: it belongs to none.
+    void set_collection_number(double number) { collection_number_ = number; }
 
     // Completes the edit (see complete_edit), applies it and puts it on record. When this returns ok the edit
     // survives the death of the process. A refused edit, or one that cannot be recorded, leaves the timeline
@@ -158,6 +161,7 @@ class timeline_document {
     notes_keeper notes_;  // on the save queue, once there is one
     timeline_header header_;
     std::string author_;
+    double collection_number_ = 0;
     std::unique_ptr<timeline_journal> journal_;  // none: the timeline can only be read
     std::string read_only_reason_;
     bool is_held_elsewhere_ = false;

@@ -60,20 +60,25 @@ value_change way_back(const property_dictionary& before, const property_dictiona
     return back;
 }
 
-bool changes_clip(const operation::any& one) {
-    return std::holds_alternative<operation::change_clip>(one) ||
+// The changes of which a stamp tells.
+bool is_stamped(const operation::any& one) {
+    return std::holds_alternative<operation::insert_clip>(one) ||
+           std::holds_alternative<operation::begin_clip>(one) ||
+           std::holds_alternative<operation::finish_clip>(one) ||
+           std::holds_alternative<operation::change_clip>(one) ||
            std::holds_alternative<operation::move_clip>(one) ||
            std::holds_alternative<operation::insert_qualifier>(one) ||
            std::holds_alternative<operation::remove_qualifier>(one);
 }
 
-bool changes_clips(const std::vector<operation::any>& operations) {
-    return std::any_of(operations.begin(), operations.end(), changes_clip);
+bool are_stamped(const std::vector<operation::any>& operations) {
+    return std::any_of(operations.begin(), operations.end(), is_stamped);
 }
 
 constexpr const char* seconds_key = "edit_seconds";
 constexpr const char* author_key = "author";
 constexpr const char* older_author_key = "edit clip author";
+constexpr const char* collection_key = "coll_id";
 
 bool names_key(const operation::change_clip& change, const char* key) {
     return change.set.contains(key) ||
@@ -101,10 +106,11 @@ class edit_applier {
           rows_(touched.rows, 2 * operations.size()),
           clips_(touched.clips, operations.size()) {
         inverse_.reserve(operations.size());
-        if (!stamp || !changes_clips(operations)) return;
+        if (!stamp || !are_stamped(operations)) return;
         stamp_.emplace();
         stamp_->edit_seconds = stamp->edit_seconds;
         stamp_->author = shared_text(stamp->author);
+        coll_id_ = stamp->coll_id;
     }
 
     bool apply(const operation::any& one) {
@@ -135,9 +141,30 @@ class edit_applier {
         clips_.add(clip);
         rows_.add(row);
     }
-    // A clip that comes with the edit is new: it gets no stamp.
+    // A clip that comes with the edit gets its stamp with it: what the edit changes of it afterwards adds
+    // none.
     void note_new(const std::string& clip) {
         if (stamp_) new_clips_.insert(clip);
+    }
+    bool lacks_collection(const sxy_CLIP& clip) const { return coll_id_ != 0 && clip.coll_id() == 0; }
+    void put_stamp_on_new(sxy_CLIP& clip) const {
+        auto info = clip.edit_info();
+        info.edit_seconds = stamp_->edit_seconds;
+        if (!stamp_->author.empty()) info.author = stamp_->author;
+        clip.set_edit_info(std::move(info));
+        if (lacks_collection(clip)) clip.set_coll_id(coll_id_);
+    }
+    // The clip as it goes on the timeline. One that says when it was edited keeps that.
+    shared_record<sxy_CLIP> with_stamp(const shared_record<sxy_CLIP>& coming) const {
+        const bool is_dated = !stamp_ || coming->edit_info().edit_seconds.has_value();
+        if (is_dated && (!stamp_ || !lacks_collection(*coming))) return coming;
+        sxy_CLIP stamped = *coming;
+        if (is_dated) {
+            stamped.set_coll_id(coll_id_);
+        } else {
+            put_stamp_on_new(stamped);
+        }
+        return stamped;
     }
     bool is_to_be_stamped(const clip_place& place, const std::string& clip) const {
         return stamp_ && !place.is_live && (new_clips_.empty() || !new_clips_.contains(clip));
@@ -145,10 +172,15 @@ class edit_applier {
     // Puts the stamp on `clip`, whose last edit was `before`. False when it is there already.
     bool put_stamp(sxy_CLIP& clip, const sxy_clip_EDIT_info_k11& before, bool seconds, bool author,
                    value_change& back) const {
+        const bool is_placed = lacks_collection(clip);
+        if (is_placed) {
+            clip.set_coll_id(coll_id_);
+            back.unset.emplace_back(collection_key);
+        }
         auto info = clip.edit_info();
         if (seconds) info.edit_seconds = stamp_->edit_seconds;
         if (author) info.author = stamp_->author;
-        if (info == before) return false;
+        if (info == before) return is_placed;
         add_stamp_back(before, seconds, author, back);
         clip.set_edit_info(std::move(info));
         return true;
@@ -197,7 +229,8 @@ class edit_applier {
         auto clip = one.clip->id();
         touch_clip(clip, one.row, change_set::clips_changed);
         note_new(clip);
-        return done(timeline_.insert_clip(one.row, one.clip), operation::remove_clip{std::move(clip)});
+        return done(timeline_.insert_clip(one.row, with_stamp(one.clip)),
+                    operation::remove_clip{std::move(clip)});
     }
 
     bool run(const operation::remove_clip& one) {
@@ -282,7 +315,8 @@ class edit_applier {
     bool run(const operation::begin_clip& one) {
         auto clip = one.clip->id();
         touch_clip(clip, one.row, change_set::live_changed);
-        return done(timeline_.insert_live_clip(one.row, one.clip), operation::remove_clip{std::move(clip)});
+        return done(timeline_.insert_live_clip(one.row, with_stamp(one.clip)),
+                    operation::remove_clip{std::move(clip)});
     }
 
     bool run(const operation::finish_clip& one) {
@@ -291,6 +325,7 @@ class edit_applier {
         sxy_CLIP clip = *place->clip;
         clip.set_secs_start(one.secs_start);
         clip.set_secs_end(one.secs_end);
+        if (stamp_) put_stamp_on_new(clip);  // that of its beginning, if any, stood for a kill
         touch_clip(one.clip, place->row, change_set::live_changed | change_set::clips_changed);
         timeline_.remove_clip(one.clip);
         note_new(one.clip);
@@ -361,6 +396,7 @@ class edit_applier {
     once_adder<std::string> clips_;
     std::vector<operation::any> inverse_;
     std::optional<sxy_clip_EDIT_info_k11> stamp_;
+    double coll_id_ = 0;                         // the same, with stamp_
     std::unordered_set<std::string> new_clips_;  // while there is a stamp
 };
 
@@ -381,11 +417,7 @@ result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& e
     expect_clips_of(edit, timeline);
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
-        change_set undone;
-        const auto inverse = applier.take_inverse();
-        edit_applier back(timeline, undone, inverse, beside);
-        for (const auto& earlier : inverse) back.apply(earlier);
-        timeline.set_live_clips(growing_before);  // taking back a finish does not make its clip grow again
+        withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before, beside);
         const std::string reason = applier.reason();
         return failure{"\"" + edit.name + "\" could not be done: " +
                        (reason.empty() ? "what it changes is no longer there." : reason)};
@@ -393,14 +425,22 @@ result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& e
     return timeline_edit{edit.name, edit.scope, applier.take_inverse(), {}, true};
 }
 
-void complete_edit(timeline_edit& edit, const std::string& author, double now) {
+void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing,
+                   const beside_changer& beside) {
+    change_set undone;
+    edit_applier back(timeline, undone, inverse.operations, beside);
+    for (const auto& one : inverse.operations) (void)back.apply(one);
+    timeline.set_live_clips(std::move(growing));
+}
+
+void complete_edit(timeline_edit& edit, const edit_stamp& stamp) {
     if (edit.is_complete) return;
-    if (!edit.stamp && changes_clips(edit.operations)) edit.stamp = edit_stamp{author, now};
+    if (!edit.stamp && are_stamped(edit.operations)) edit.stamp = stamp;
     for (auto& one : edit.operations) {
         auto* added = std::get_if<operation::add_tombstones>(&one);
         if (!added) continue;
         for (auto& tombstone : added->tombstones) {
-            if (tombstone.edit_author.empty()) tombstone.edit_author = author;
+            if (tombstone.edit_author.empty()) tombstone.edit_author = stamp.author;
         }
     }
 }

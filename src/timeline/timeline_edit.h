@@ -114,10 +114,11 @@ using any = std::variant<insert_row, remove_row, move_row, change_row, insert_cl
 
 }  // namespace operation
 
-// Who edits, and when.
+// Who edits, when, and where.
 struct edit_stamp {
     std::string author;       // may be empty
     double edit_seconds = 0;  // since 1970
+    double coll_id = 0;       // the number of the collection that the timeline belongs to; 0 = none
 };
 
 // One change of a timeline as a person sees it, planned whole and applied whole.
@@ -126,8 +127,9 @@ struct timeline_edit {
     std::string scope;  // the object that it belongs to; edits of one scope and name may be merged by undo
     std::vector<operation::any> operations;
     // Noted as the last edit of every clip that the operations change, but for the key of the two that they
-    // set or take away themselves ("edit_seconds", "author"). Clips that come with the edit, or still grow,
-    // are passed over.
+    // set or take away themselves ("edit_seconds", "author"), and of clips that come with the edit and do not
+    // say when they were edited, growing ones too, which get it anew when they are finished. All of them get
+    // the collection's number where they have none. What changes a growing clip is passed over.
     std::optional<edit_stamp> stamp = {};
     // Nothing is to be added to it when it is made: it takes back or repeats another, or only arranges rows.
     bool is_complete = false;
@@ -159,12 +161,17 @@ using beside_changer = std::function<result<void>(const property_dictionary& cha
 result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched,
                                  const beside_changer& beside = {});
 
+// Takes back an edit that counts as never made: by the inverse that apply_edit gave, and with the growing
+// clips as they were (taking back a finish does not make its clip grow again).
+void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing,
+                   const beside_changer& beside = {});
+
 // By how much the edit moves the times of the timeline.
 double seconds_shifted(const timeline_edit& edit);
 
-// Completes an edit as one that is made now, by this author: with its stamp, unless it has one or changes no
-// clips, and with the author of the tombstones that have none. `now` in seconds since 1970.
-void complete_edit(timeline_edit& edit, const std::string& author, double now);
+// Completes an edit as one that is made now: with the stamp, unless it has one or neither changes nor brings
+// clips, and with its author in the tombstones that have none.
+void complete_edit(timeline_edit& edit, const edit_stamp& stamp);
 
 // The edit that deletes the clips (unknown UUIDs are passed over) and leaves a tombstone of each in its row.
 // `now` in seconds since 1970.

@@ -288,6 +288,7 @@ property_dictionary write_edit(const timeline_edit& edit) {
     if (edit.stamp) {
         stored.add("edit_seconds", edit.stamp->edit_seconds);
         if (!edit.stamp->author.empty()) stored.add("author", edit.stamp->author);
+        if (edit.stamp->coll_id != 0) stored.add("coll_id", edit.stamp->coll_id);
     }
     stored.add("operations", std::move(operations));
     return stored;
@@ -302,6 +303,8 @@ result<timeline_edit> read_edit(const property_dictionary& stored, text_cache& t
     timeline_edit edit{stored.text_or_empty("name"), stored.text_or_empty("scope"), {}};
     if (const auto seconds = stored.number("edit_seconds"); seconds && std::isfinite(*seconds)) {
         edit.stamp = edit_stamp{stored.text_or_empty("author"), *seconds};
+        if (const auto number = stored.number("coll_id"); number && std::isfinite(*number))
+            edit.stamp->coll_id = *number;
     }
     const auto& operations = array_or_empty(stored, "operations");
     if (texts.take_memory(operations.size() * sizeof(operation::any))) {

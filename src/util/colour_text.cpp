@@ -71,10 +71,9 @@ std::string colour_text(const colour& value, int decimals) {
     append_component(text, value.green, decimals);
     text += ',';
     append_component(text, value.blue, decimals);
-    if (value.alpha != 1.0) {
-        text += ',';
-        append_component(text, value.alpha, decimals);
-    }
+    std::string alpha;
+    append_component(alpha, value.alpha, decimals);
+    if (alpha != "1.0") text += ',' + alpha;  // one that rounds to 1 says nothing
     return text;
 }
 

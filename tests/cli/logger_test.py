@@ -48,9 +48,22 @@ class Logger(CommandTest):
                          [(8, 21), (38, 46)])
         self.assertEqual(rows[0]["clips"][0]["qualifiers"]["qualifiers_array"][0]["category"], "Outcome")
 
+    def test_press_tells_clips_and_header_what_they_belong_to(self):
+        self.write(self.event / "video group.plist",
+                   {"UUID video group": "COLLECTION", "video group name": "Final", "UUID video group quick": "4711"})
+        self.press({"at": 10, "button": "Shot", "do": "down"}, {"at": 900_000_000, "do": "end"})
+        clip = plistlib.loads((self.event / "chron data.plist").read_bytes())["rows"][0]["clips"][0]
+        self.assertEqual((clip["coll_id"], clip["time_end"]), (4711, 900_000_001))
+        self.assertTrue(clip["author"] and clip["edit_seconds"])
+        header = plistlib.loads((self.event / "chron data header.plist").read_bytes())
+        self.assertEqual((header["UUID linked collection"], header["chronology name"]), ("COLLECTION", "Final"))
+        self.assertEqual(header["UUID chronology header"],
+                         plistlib.loads((self.event / "chron data.plist").read_bytes())["uuid_timeline"])
+
     def test_a_wrong_script_is_named_and_nothing_is_pressed(self):
         for text in ("{}", "[", '{"events": [{"at": 1, "do": "fly"}]}',
                      '{"events": [{"at": 1, "button": "zz", "do": "down"}]}',
+                     '{"events": [{"at": 1e300, "do": "end"}]}', '{"events": [{"at": -2e9, "do": "tab"}]}',
                      '{"events": [{"at": 2, "do": "tab"}, {"at": 1, "do": "tab"}]}'):
             self.script.write_text(text)
             told = self.complaint("logger", "press", self.event, self.folder / "other", self.script)

@@ -47,6 +47,37 @@ class Timeline(CommandTest):
         self.printed("timeline", "resave", to, "--to", again)
         self.assertEqual((again / "chron data.plist").read_bytes(), (to / "chron data.plist").read_bytes())
 
+    def test_resave_gives_identities_and_tells_what_it_leaves_out(self):
+        nameless = timeline({"row_name": "Shot", "clips": [{"time_start": 1, "time_end": 2, "color": "1,0,0,0.99999"},
+                                                           {"uuid": "X", "time_start": 1}]})
+        del nameless["uuid_timeline"]
+        self.write(self.source / "chron data.plist", nameless)
+        self.write(self.source / "chron data summary.plist", {"secondary uuid - sxy": "S"})
+        to = self.folder / "saved"
+        done = self.run_program("timeline", "resave", self.source, "--to", to)
+        self.assertEqual(json.loads(done.stdout), {"rows": 1, "clips": 1})
+        self.assertIn("1 clip without a readable time", done.stderr)
+        log = next(self.folder.rglob("vistels log.txt"))
+        self.assertIn("1 clip without a readable time", log.read_text())
+        saved = plistlib.loads((to / "chron data.plist").read_bytes())
+        header = plistlib.loads((to / "chron data header.plist").read_bytes())
+        self.assertEqual((header["UUID chronology header"], header["chronology name"]),
+                         (saved["uuid_timeline"], "saved"))
+        only = saved["rows"][0]["clips"][0]
+        self.assertTrue(saved["rows"][0]["uuid_row"] and only["uuid"])
+        self.assertEqual(only["color"], "1.0,0.0,0.0")
+        self.assertEqual(plistlib.loads((to / "chron data summary.plist").read_bytes()),
+                         {"secondary uuid - sxy": "S"})
+
+    def test_edits_complete_the_header(self):
+        self.printed("timeline", "compact", self.source, "Goal", "Shot", "--name", "Both")
+        header = plistlib.loads((self.source / "chron data header.plist").read_bytes())
+        self.assertEqual((header["UUID chronology header"], header["chronology name"]),
+                         (self.stored["uuid_timeline"], "event"))
+        rows = plistlib.loads((self.source / "chron data.plist").read_bytes())["rows"]
+        self.assertEqual([row.get("sort_number_(for_row_Compactor_or_Expander)") for row in rows], [1, None])
+        self.assertEqual(rows[0]["uncompacted_sort_number_Compactor_Expander"], [1, 2])
+
     def test_notes_are_beside_the_timeline_and_shown_in_it(self):
         note = {"clip_notes_uuid": "N", "note_string": "Left foot", "theirs": [1, {"a": True}],
                 "note_text_storage_rtf__json_String": "{\\rtf1 Left foot}"}

@@ -154,9 +154,10 @@ void check_other_reader(std::string_view bytes, bool json, const result<loaded_t
     require(timeline_bytes(other.value().content) == timeline_bytes(loaded.value().content));
 }
 
-std::string saved_list(const timeline_snapshot& timeline, bool only_selected = false) {
+std::string saved_list(timeline_snapshot timeline, bool only_selected = false) {
     unsynced_files files;
-    require(save_timeline(timeline, folder().path(), only_selected, files).ok());
+    timeline.only_selected = only_selected;
+    require(save_timeline(timeline, folder().path(), files).ok());
     const auto bytes = read_file(folder().list_file());
     require(bytes.ok());
     const auto notes = read_file(folder().notes_file());

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "logger/coding.h"
+#include "support/failure_runs.h"
 
 namespace vistels {
 namespace {
@@ -223,6 +224,83 @@ TEST(press, that_cannot_be_recorded_is_told_and_made_up_for_in_order) {
     ASSERT_EQ(told.size(), 2U);
     EXPECT_NE(told[0].find("chron data journal"), std::string::npos);
     EXPECT_EQ(told[1], "");
+}
+
+TEST(press, whose_release_alone_cannot_be_recorded_keeps_its_clip) {
+    coding code;
+    code.run("1+A 2+B 3+Q");
+    code.files.set_fault([](int) { return ENOSPC; });
+    code.run("4-A");
+    EXPECT_EQ(code.clips(), "A; B; live A 1; live B 2") << "growing as before";
+    code.files.set_fault({});
+    code.run("5-B 6.5");
+    EXPECT_EQ(code.clips(), "A 1-4(Q); B 2-5(Q)");
+}
+
+TEST(press, whose_clip_got_lost_makes_it_again_and_tells) {
+    coding code;
+    std::string told;
+    const auto listening = code.engine->made_again.connect([&](const std::string& name) { told += name; });
+    code.buttons[1].set_merge_clips(true);
+    code.run("1+B 4-B 2+A 3+B");
+    for (const auto& growing : std::vector(code.document->timeline().live_clips()))
+        const_cast<sxy_DATA_root&>(code.document->timeline()).remove_clip(growing.clip->id());
+    code.run("5-A 6-B");
+    EXPECT_EQ(code.clips(), "B 1-6; A 2-5");
+    EXPECT_EQ(told, "AB");
+    ASSERT_TRUE(code.document->save_now());
+    EXPECT_EQ(testing::rows_found_in(code.folder.path()), testing::rows_text(code.document->timeline()));
+}
+
+TEST(press, makes_a_clip_that_says_by_whom_where_and_in_which_colour_it_was_made) {
+    coding code;
+    code.document->set_author("me");
+    auto display = code.buttons[0].display();
+    display.button_colour = colour{1, 0, 0, 1};
+    code.buttons[0].set_display(display);
+    code.run("1+A 2-A");
+    code.document->set_collection_number(7);
+    code.run("3+A");
+    const auto growing = code.document->timeline().live_clips().front().clip;
+    EXPECT_EQ(growing->coll_id(), 7) << "so that after a kill it says so, too";
+    EXPECT_EQ(growing->edit_info().author.str(), "me");
+    code.run("4-A");
+    const auto& clips = code.document->timeline().row_named("A")->clips();
+    ASSERT_EQ(clips.size(), 2U);
+    for (const auto& clip : clips) {
+        EXPECT_EQ(clip->col(), display.button_colour) << "its own, though the row has one";
+        EXPECT_EQ(clip->edit_info().author.str(), "me");
+        EXPECT_GT(clip->edit_info().edit_seconds.value_or(0), 1.7e9);
+    }
+    EXPECT_EQ(clips[0]->coll_id(), 0);
+    EXPECT_EQ(clips[1]->coll_id(), 7);
+    // A clip from before gets the number with its next change, and gives it back with that.
+    code.run("1.5+Q");
+    EXPECT_EQ(code.document->timeline().row_named("A")->clips()[0]->coll_id(), 7);
+}
+
+// The clip that is met starts later and has all that can be coded on one.
+TEST(press, merging_keeps_what_was_coded_on_the_clips_that_it_meets) {
+    coding code;
+    sxy_CLIP met = testing::clip_of("met", 10, 20);
+    met.set_stars(4);
+    met.set_note(std::make_shared<const clip_note>(clip_note().with_text("left foot")));
+    met.set_triggers({{12, shared_text("pause"), {}}});
+    met.set_pause_items({{13}});
+    met.set_group("G");
+    code.run("30+A 31-A");
+    const auto row = code.document->timeline().row_named("A")->uuid();
+    ASSERT_TRUE(code.document->apply({"Clip", "", {operation::insert_clip{row, met}}}));
+    code.buttons[0].set_merge_clips(true);
+    code.run("5+A 12-A");
+    EXPECT_EQ(code.clips(), "A 5-20 30-31");
+    const auto kept = code.document->timeline().row_named("A")->clips()[0];
+    EXPECT_NE(kept->id(), "met");
+    EXPECT_EQ(kept->stars(), 4);
+    EXPECT_EQ(kept->note_text(), "left foot");
+    EXPECT_EQ(kept->triggers().size(), 1U);
+    EXPECT_EQ(kept->pause_items().size(), 1U);
+    EXPECT_EQ(kept->group(), "G");
 }
 
 TEST(press, that_a_kill_broke_off_made_its_clip_up_to_the_last_noted_time) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Several windows: opened, switched, closed and brought back, each with its own event.
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 
 #include <QAction>
 #include <QApplication>
@@ -29,6 +31,7 @@
 #include "support/patience.h"
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
+#include "timeline/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "video/synchronised_playback.h"
@@ -345,6 +348,38 @@ TEST_F(windows, share_vaults_and_settings) {
     for (auto* one : set->windows()) EXPECT_TRUE(one->actions()[command::theme_dark]->isChecked());
     trigger(set->front(), command::theme_desktop);
     quit();
+}
+
+// While the volume takes nothing a press is in memory alone; closing the window would lose it.
+TEST_F(windows, tell_before_closing_which_presses_are_not_on_record) {
+    start_with({"First half"});
+    wait_for_front();
+    const press_engine& logger = set->front()->session().shown_event()->logger();
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit full = before;
+    full.rlim_cur = 0;
+    const auto handled = ::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &full), 0);
+    QTest::keyClick(set->front(), Qt::Key_A);
+    EXPECT_GT(logger.unrecorded(), 0u);
+    QString told;
+    QTimer::singleShot(0, set->front(), [&told] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box);
+        told = box->informativeText();
+        box->reject();  // stays
+    });
+    EXPECT_FALSE(set->quit());
+    EXPECT_TRUE(told.contains("in memory only")) << told.toStdString();
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    ::signal(SIGXFSZ, handled);
+    EXPECT_TRUE(set->quit());
+    const auto saved = load_timeline(in_vault("First half"));
+    ASSERT_TRUE(saved) << saved.message();
+    std::size_t clips = 0;
+    for (const auto& row : saved.value().content.rows) clips += row->clips().size();
+    EXPECT_EQ(clips, 3u) << "two were there";
 }
 
 TEST_F(windows, stay_when_one_cannot_save_and_the_user_wants_to) {

@@ -102,6 +102,65 @@ TEST(clip_operations, merging_keeps_the_earliest_with_everything_of_the_others) 
     EXPECT_EQ(buried, (std::set<std::string>{"bme", "cme", "dme"}));
 }
 
+// Each value of the merged clip, by where it comes from: a has the second of each pair, b the first.
+TEST(clip_operations, merging_keeps_every_value_of_the_first_clip_that_has_it) {
+    sxy_DATA_root timeline;
+    change_set touched;
+    sxy_CLIP a = clip_of("a", 0, 4);
+    a.set_stars(2);
+    a.set_triggers({{3, shared_text("late"), {}}});
+    a.set_pause_items({{2}});
+    a.set_alt_seconds(7);
+    a.set_frame_style(shared_text("a style"));
+    sxy_CLIP b = clip_of("b", 1, 9);
+    b.set_stars(1);
+    b.set_col(colour{1, 0, 0, 1});
+    b.set_frame_style(shared_text("b style"));
+    b.set_group("group");
+    b.set_coll_id(5);
+    b.set_alt_counts_down(true);
+    b.set_triggers({{1, shared_text("early"), {}}});
+    b.set_pause_items({{8}, {1}});
+    b.set_inserted_objects(inserted_Objects_Root_25{{{4, 1, "pic", "P"}}});
+    sxy_CLIP c = clip_of("c", 2, 3);
+    c.set_stars(5);
+    c.set_col(colour{0, 1, 0, 1});
+    sxy_CLIP_telestration_data_24 drawn;
+    drawn.using_telestrated_data = true;
+    c.set_telestration(drawn);
+    c.set_inserted_objects(inserted_Objects_Root_25{{{2, 1, "pic", "Q"}}});
+    const shared_text r("R");
+    ASSERT_TRUE(apply_edit(timeline,
+                           {"",
+                            "",
+                            {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_clip{r, c},
+                             operation::insert_clip{r, b}, operation::begin_clip{r, a}}},
+                           touched));
+    // One of them still grows and ends with the merge: taken back, it is gone.
+    const auto growing = *timeline.find_clip("a");
+    const auto merge = plan_clips_Merge(timeline, {"c", "b"}, stamp, ended_clip{growing, {0, 4}});
+    ASSERT_TRUE(merge) << merge.message();
+    const auto back = apply_edit(timeline, merge.value(), touched);
+    ASSERT_TRUE(back) << back.message();
+    const auto again = apply_edit(timeline, back.value(), touched);
+    ASSERT_TRUE(again) << again.message();
+    EXPECT_EQ(timeline.clip_count(), 2U);
+    EXPECT_TRUE(timeline.live_clips().empty());
+    ASSERT_TRUE(apply_edit(timeline, again.value(), touched));
+    const auto place = timeline.find_clip("a");
+    ASSERT_TRUE(place && !place->is_live);
+    EXPECT_EQ(timeline.clip_count(), 1U);
+    const auto text = write_json(write_clip(*place->clip), json_layout::one_line);
+    for (const char* part :
+         {R"("time_start":0.0,"time_end":9.0)", R"("clip_style":"a style")", R"("color":"1.0,0.0,0.0")",
+          R"("stars":5)", R"("alt_seconds":7.0)", R"("clip_group":"group")", R"("coll_id":5.0)",
+          R"("trigger_type":"early"},{"trigger_time":3.0)",
+          R"([{"seconds":1.0},{"seconds":2.0},{"seconds":8.0}])", R"("pic_UUID":"Q"},{"start_secs":4.0)",
+          R"("telestration_secs_end_trimmed":9.0)"})
+        EXPECT_NE(text.find(part), std::string::npos) << part << " is not in " << text;
+    EXPECT_EQ(text.find("alt_count_down"), std::string::npos) << "of another clip's clock";
+}
+
 TEST(clip_operations, merging_clips_that_have_the_same_qualifiers_keeps_all_apart) {
     sxy_DATA_root timeline;
     change_set touched;

@@ -87,6 +87,8 @@ TEST(edit, a_stamp_is_put_on_the_clips_that_an_edit_changes) {
     };
     property_dictionary height;
     height.add("height", 9.0);
+    auto dated = clip_of("n", 1, 2);
+    dated.set_edit_info({5.0, shared_text("them"), {}});
     const auto insert = operation::insert_qualifier{"a", 0, qualifier_of("new", "Goal")};
     const struct {
         const char* name;
@@ -109,13 +111,15 @@ TEST(edit, a_stamp_is_put_on_the_clips_that_an_edit_changes) {
         {"one that came",
          {operation::insert_clip{r, clip_of("n", 1, 2)}, change("n", "stars", 3)},
          "n",
-         {},
-         ""},
+         9.0,
+         "me"},
+        {"one that came and says when it was edited", {operation::insert_clip{r, dated}}, "n", 5.0, "them"},
         {"one that ended",
          {operation::finish_clip{"live", 1, 2}, change("live", "stars", 3)},
          "live",
-         {},
-         ""},
+         9.0,
+         "me"},
+        {"one that begins", {operation::begin_clip{r, clip_of("n", 7, 7)}}, "n", 9.0, "me"},
     };
     for (const auto& one : cases) {
         sxy_DATA_root timeline;
@@ -144,7 +148,7 @@ TEST(edit, a_stamp_is_put_on_the_clips_that_an_edit_changes) {
         std::vector<timeline_edit> backs{back.value()};
         for (int step = 0; step < 3 && !ends; ++step) {
             backs.back().is_complete = false;
-            complete_edit(backs.back(), "undoing", 100.0 + step);
+            complete_edit(backs.back(), {"undoing", 100.0 + step});
             const auto next = apply_edit(timeline, backs.back(), touched);
             ASSERT_TRUE(next) << one.name;
             backs.push_back(next.value());

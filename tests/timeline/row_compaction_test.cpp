@@ -172,6 +172,11 @@ TEST(row_compaction, arrays_of_other_programs_count_as_far_as_all_reach) {
          R"("uncompacted_row_Permanent_uuids":["U","V"],"uncompacted_sort_number":[4,0],)"
          R"("uncompacted_sort_number_Compactor_Expander":[1,2])",
          {"U/x/4/1", "V/y/0/2"}},
+        {"in another order",
+         R"("uncompacted_row_categories":["x","y"],"uncompacted_row_colors":["1.0,0.0,0.0",""],)"
+         R"("uncompacted_row_Permanent_uuids":["U","V"],"uncompacted_sort_number":[4,0],)"
+         R"("uncompacted_sort_number_Compactor_Expander":[2,1])",
+         {"V/y/0/1", "U/x/4/2"}},
         {"one is shorter",
          R"("uncompacted_row_categories":["x","y"],"uncompacted_row_colors":["1.0,0.0,0.0",""],)"
          R"("uncompacted_row_Permanent_uuids":["U","V","W"],"uncompacted_sort_number":[4],)"

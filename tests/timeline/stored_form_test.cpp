@@ -108,7 +108,7 @@ TEST(row, is_read_leniently_and_written_in_the_stored_order) {
 }
 
 TEST(timeline, writes_its_keys_in_order_and_only_what_is_selected_when_asked) {
-    const auto loaded = read_timeline(json(
+    auto loaded = read_timeline(json(
         R"({"tags":[{"secs_tag":1,"xy_tag":"2, 3"}],"uuid_timeline":"T","description":"d","show_rows_by_category":true,"rows":[
             {"row_name":"a","uuid_row":"A"},{"row_name":"b","uuid_row":"B","clips":[
             {"uuid":"1","time_start":1,"time_end":2},{"uuid":"2","time_start":3,"time_end":4}]}]})"));
@@ -117,7 +117,9 @@ TEST(timeline, writes_its_keys_in_order_and_only_what_is_selected_when_asked) {
         R"({"row_count":2,"show_rows_by_category":true,"data_version":2,"description":"d","uuid_timeline":"T",)"
         R"("tags":[{"secs_tag":1.0,"xy_tag":"2,3"}],"rows":[{"row_number":1,"row_name":"a")");
     loaded.content.rows[1]->clips()[1]->set_selected(true);
-    const auto selected = write_timeline(loaded.content, true);
+    sxy_DATA_root timeline(std::move(loaded.content));
+    timeline.set_stores_only_selected(true);
+    const auto selected = write_timeline(timeline.snapshot());
     EXPECT_TRUE(selected.boolean("only contains selected and filtered in clips").value_or(false));
     EXPECT_EQ(selected.integer("row_count"), 2);
     ASSERT_EQ(selected.array("rows")->size(), 1U);

@@ -112,7 +112,7 @@ class ThreadsTest : public ::testing::Test {
     void post(timeline_snapshot snapshot) {
         post_reading();
         saver_.post([this, snapshot] {
-            if (!save_timeline(snapshot, folder_.path(), false, files_)) ++failed_saves_;
+            if (!save_timeline(snapshot, folder_.path(), files_)) ++failed_saves_;
         });
         marker_.post([snapshot, mark = texts_.size() % 2 == 0] {
             for (const auto& row : snapshot.rows) {

@@ -23,10 +23,14 @@ TEST(colour_text, is_written_in_shortest_decimals) {
     } const cases[] = {
         {{1, 0, 0, 1}, 4, "1.0,0.0,0.0"},
         {{1, 0, 0, 0.5}, 4, "1.0,0.0,0.0,0.5"},
+        {{1, 0, 0, 0.9999}, 4, "1.0,0.0,0.0,0.9999"},
         {{1.0 / 3, 2.0 / 3, 0.00005, 1}, 4, "0.3333,0.6667,0.0001"},
-        {{0.0625, -0.00001, 0.1234565, 0.99999}, 3, "0.063,0.0,0.123,1.0"},
+        {{0.0625, -0.00001, 0.1234565, 0.99999},
+         3,
+         "0.063,0.0,0.123"},  // an alpha that rounds to 1 says nothing
     };
     for (const auto& one : cases) EXPECT_EQ(colour_text(one.value, one.decimals), one.text);
+
     EXPECT_EQ(colour_from_text(" 0.5, 1 ,0"), (colour{0.5, 1, 0, 1}));
     for (const char* bad : {"", "1,2", "1,2,3,4,5", "a,b,c", "1,,2", "nan,0,0", "1 2 3"}) {
         EXPECT_FALSE(colour_from_text(bad)) << bad;
