@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "util/safe_write.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 
@@ -46,6 +47,8 @@ result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, c
     if (warning && !confirmed) return failure{*warning};
     if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
         return failure{refusal};
+    const auto lock = vault_lock::take_around(vistel->data_folder());
+    if (!lock) return lock.error();
     closed_vistel closed{vistel, 0, vistel->data_folder(), std::nullopt};
     if (!closed.data_folder.empty()) {
         auto moved = move_to_trash(closed.data_folder, home_trash, files);
@@ -64,6 +67,8 @@ result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, c
 
 result<void> reopen_closed_vistel(video_collection_ROOT& collection, const std::string& folder,
                                   const closed_vistel& closed, file_system& files) {
+    const auto lock = vault_lock::take_around(closed.data_folder);
+    if (!lock) return lock.error();
     if (closed.data) {
         if (auto restored = restore_from_trash(*closed.data, closed.data_folder, files); !restored) {
             return restored;
@@ -78,6 +83,8 @@ result<std::vector<trashed>> trash_unused_movies(const video_collection_ROOT& co
     std::vector<trashed> moved;
     for (const auto& vistel : collection.vistels()) {
         if (vistel->data_folder().empty()) continue;
+        const auto lock = vault_lock::take_around(vistel->data_folder());
+        if (!lock) return lock.error();
         const auto parts = vistel->parts().parts;
         auto names = unused_movies(vistel->stored_vistel());
         // Copies that were not finished when a program died.

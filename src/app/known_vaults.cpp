@@ -88,7 +88,7 @@ result<void> remove_known_vault(const home_places& places, const std::string& va
     if (!focus.path.empty() && is_meant(focus.path)) {
         if (auto saved = save_focus_vault_setting(places, {}); !saved) return saved;
     }
-    if (std::erase_if(added.paths, is_meant) == 0) return {};
+    if (std::erase_if(added.paths, is_meant) == 0) return failure{"\"" + path + "\" is not listed."};
     return save_added_vaults(places, added);
 }
 

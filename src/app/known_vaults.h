@@ -20,7 +20,8 @@ struct known_vault {
 // Adds an existing vault: a folder whose name ends in ".VVault" and that can be listed. One that is known
 // already, by this path or by another, is not listed twice.
 result<known_vault> add_known_vault(const home_places& places, const std::string& vault);
-// Takes a vault from the list; its folder stays as it is. The home vault stays. When it was the focus vault,
+// Takes a vault from the list; its folder stays as it is. One that is not listed is an error. The home vault
+// stays. When it was the focus vault,
 // the home vault becomes that.
 result<void> remove_known_vault(const home_places& places, const std::string& vault);
 

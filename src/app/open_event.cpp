@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "app/mending.h"
 #include "app/offset_changes.h"
 #include "app/settings.h"
 #include "app/state_log.h"
@@ -90,6 +91,7 @@ open_event::~open_event() {
 }
 
 result<void> open_event::load() {
+    add_all(messages_, mend_event(folder_, places_.local_vistels()).messages);
     has_collection_ = !is_timeline_alone(folder_);
     if (has_collection_) {
         if (auto loaded = load_collection_record(); !loaded) return loaded;

@@ -3,20 +3,43 @@
 
 #include <algorithm>
 
+#include "app/known_vaults.h"
+#include "util/file_system.h"
 #include "util/property_value.h"
+#include "video/video_coll_LOAD.h"
 
 namespace vistels {
+
+namespace {
+
+// An item of a vault that is not known under its path, but by its name, was copied or restored with it: it is
+// looked for there first, whatever still lies in the old place.
+std::string in_own_vault(const std::string& path, const std::vector<std::string>& vaults) {
+    const std::string vault = vault_of(path);
+    const auto is_same = [&](const std::string& known) { return is_same_folder(known, vault); };
+    if (vault.empty() || std::any_of(vaults.begin(), vaults.end(), is_same)) return path;
+    for (const auto& known : vaults) {
+        if (path_name(known) != path_name(vault)) continue;
+        std::string there = known + path.substr(std::min(vault.size(), path.size()));
+        if (is_folder(there)) return there;
+    }
+    return path;
+}
+
+}  // namespace
 
 std::vector<open_window> load_open_windows(const home_places& places) {
     std::vector<open_window> windows;
     const auto stored = read_settings(places, windows_open_file);
+    const auto vaults = known_vaults(places);
     if (const auto* all = stored.array("open windows")) {
         for (const auto& value : *all) {
             const auto* window = value.dictionary();
             if (!window) continue;
             const auto* path = window->find("open_from_path");
             windows.push_back({window->text_or_empty("root ID"), window->text_or_empty("name"),
-                               window->integer("order").value_or(0), path ? path_from(*path) : ""});
+                               window->integer("order").value_or(0),
+                               path ? in_own_vault(path_from(*path), vaults) : ""});
         }
     }
     std::stable_sort(windows.begin(), windows.end(),

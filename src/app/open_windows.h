@@ -21,7 +21,8 @@ struct open_window {
     std::string open_from_path;  // the vault or folder that it shows
 };
 
-// The windows in their order; none when there is no readable file.
+// The windows in their order; none when there is no readable file. What lay in a vault that was copied or
+// restored elsewhere is found in the vault of that name that is known.
 std::vector<open_window> load_open_windows(const home_places& places);
 result<void> save_open_windows(const home_places& places, const std::vector<open_window>& windows);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/padding_changes.h"
 
+#include "video/vault_lock.h"
+
 namespace vistels {
 
 namespace {
@@ -51,7 +53,10 @@ result<void> run_padding(collection_changes& changes, const video_collection_ROO
                          blank_vistel_movie& blank, padding_command command, job& work) {
     const auto planned = plan_padding(collection, command);
     if (!planned) return planned.error();
-    if (auto made = make_padding_files(planned.value().files, blank, work); !made) return made;
+    const auto& files = planned.value().files;
+    const auto lock = vault_lock::take_around(files.empty() ? std::string() : files.front().path);
+    if (!lock) return lock.error();
+    if (auto made = make_padding_files(files, blank, work); !made) return made;
     auto changed = changes.make(planned.value().change);
     if (!changed) remove_unused_padding_files(collection);
     return changed;

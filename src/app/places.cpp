@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "app/home_vault.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -74,15 +75,22 @@ std::string absolute_path(const std::string& path) {
 
 home_places find_home_places(const std::string& home) {
     const std::string chosen = home.empty() ? environment("VISTELS_HOME") : home;
+    home_places places;
     if (!chosen.empty()) {
         const std::string folder = absolute_path(chosen);
-        return {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
-                path_join(folder, "Trash"), path_join(folder, "Desktop")};
+        places = {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
+                  path_join(folder, "Trash"), path_join(folder, "Desktop")};
+    } else {
+        const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
+        places = {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
+                  path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash"),
+                  user_folder("DESKTOP", "Desktop")};
     }
-    const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
-    return {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
-            path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash"),
-            user_folder("DESKTOP", "Desktop")};
+    if (!file_exists(places.home_vault)) {
+        if (std::string moved = moved_home_vault(places); !moved.empty())
+            places.home_vault = std::move(moved);
+    }
+    return places;
 }
 
 }  // namespace vistels

@@ -44,6 +44,7 @@ result<void> write_settings(const home_places& places, const settings_file& file
                             const property_dictionary& values) {
     const std::string path = path_of(places, file);
     if (auto made = make_folders(path_folder(path)); !made) return made;
+    if (auto checked = check_replaceable(path); !checked) return checked;
     if (damage_of(path)) {
         if (const auto kept = set_aside(path); !kept) return kept.error();
     }

@@ -5,16 +5,19 @@
 #include <memory>
 #include <utility>
 
+#include "app/home_vault.h"
+#include "app/mending.h"
 #include "app/settings.h"
 #include "app/vault_preferences.h"
 #include "app/vaults.h"
-#include "timeline/writer_lock.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
+#include "util/recovery.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
 #include "util/uuid.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -22,6 +25,7 @@ namespace {
 
 constexpr const char* home_information_name = "home vault information.plist";
 constexpr const char* home_id_key = "ID for this file:";
+constexpr const char* inspector_folder = "Inspector";  // its strays have an hour, and are no files to miss
 constexpr const char* home_date_key = "home vault creation date:";
 
 void add_all(std::vector<std::string>& to, std::vector<std::string> from) {
@@ -37,7 +41,7 @@ result<void> make_places(const home_places& places, start_up_report& report) {
     for (const auto& folder : {places.state_folder, places.home_vault}) {
         if (auto made = make_folders(folder); !made) return made;
     }
-    for (const char* folder : {"Windows", "System", "Inspector", "Vault preferences"}) {
+    for (const char* folder : {"Windows", "System", inspector_folder, "Vault preferences"}) {
         tell(report, make_folders(path_join(places.state_folder, folder)));
     }
     return {};
@@ -46,6 +50,7 @@ result<void> make_places(const home_places& places, start_up_report& report) {
 // A home vault whose information is damaged keeps it aside and gets a new one: it stays the home vault.
 result<void> identify_home_vault(const home_places& places, start_up_report& report) {
     const std::string path = path_join(places.home_vault, home_information_name);
+    if (auto checked = check_replaceable(path); !checked) return checked;
     if (file_exists(path)) {
         const auto stored = read_property_list_file(path);
         const auto* information = stored ? stored.value().dictionary() : nullptr;
@@ -63,37 +68,24 @@ result<void> identify_home_vault(const home_places& places, start_up_report& rep
     return safe_write(path, stored);
 }
 
-void mend_folder(const std::string& folder, start_up_report& report) {
-    auto mended = recover_folder(folder);
-    add_all(report.recovered, std::move(mended.recovered));
-    add_all(report.messages, std::move(mended.messages));
-}
-
-// Mends the torn files that were seen; where another program has the timeline open its copies are its own.
 // True when a file was put back, which is to be seen too.
-bool mend(const vault_tree& tree, start_up_report& report) {
-    const std::size_t before = report.recovered.size();
-    for (const auto& [folder, has_writer] : tree.folders_with_copies()) {
-        std::unique_ptr<writer_lock> lock;
-        if (has_writer) {
-            auto taken = writer_lock::take(folder);
-            if (!taken) continue;
-            lock = std::move(taken).value();
-        }
-        mend_folder(folder, report);
-    }
-    return report.recovered.size() > before;
+bool take_up(recovery mended, start_up_report& report) {
+    const bool is_changed = !mended.recovered.empty();
+    add_all(report.recovered, std::move(mended.recovered));
+    add_all(report.cleaned, std::move(mended.cleaned));
+    add_all(report.messages, std::move(mended.messages));
+    return is_changed;
 }
 
 void mend_state_folder(const home_places& places, start_up_report& report) {
     vault_tree tree(places.state_folder);
     if (const auto looked = tree.look(); !looked) return tell(report, looked.error());
-    mend(tree, report);
+    take_up(mend_tree(tree, inspector_folder), report);
     std::vector<settings_file> files = vault_preference_files();
     const auto& others = application_settings_files();
     files.insert(files.end(), others.begin(), others.end());
-    for (const auto& file :
-         {windows_open_file, correctly_terminated_file, last_build_file, build_number_file}) {
+    for (const auto& file : {windows_open_file, correctly_terminated_file, last_build_file, build_number_file,
+                             home_vault_file}) {
         files.push_back(file);
     }
     add_all(report.messages, set_damaged_settings_aside(places, files));
@@ -110,11 +102,18 @@ void tell_problems(const vault_tree& tree, start_up_report& report) {
                               " more folders that cannot be looked into.");
 }
 
+// Not while somebody else changes the vault: what looks like a left copy may be on its way.
+bool mend_vault(const vault_tree& tree, start_up_report& report) {
+    if (tree.folders_with_copies().empty()) return false;
+    const auto lock = vault_lock::take(tree.vault());
+    return lock && take_up(mend_tree(tree), report);
+}
+
 void mend_vaults(const home_places& places, start_up_report& report) {
     for (const auto& vault : known_vaults(places)) {
         vault_tree tree(vault);
         if (!tree.look()) continue;  // its volume is away
-        if (mend(tree, report)) (void)tree.look();
+        if (mend_vault(tree, report)) (void)tree.look();
         tell_problems(tree, report);
         report.trees.push_back(std::move(tree));
     }
@@ -138,7 +137,11 @@ void note_build(const home_places& places, double build, start_up_report& report
     const auto checked = check_build(places, build);
     const std::string& message = checked ? checked.value() : checked.message();
     if (!message.empty()) report.messages.push_back(message);
-    tell(report, note_build_in_use(places, build));
+    if (checked) report.start_up_message = message;
+    const auto newer = check_for_newer_build(places, build, running_executable());
+    if (const auto& told = newer ? newer.value() : newer.message(); !told.empty()) {
+        report.messages.push_back(told);
+    }
 }
 
 }  // namespace
@@ -147,10 +150,14 @@ result<start_up_report> start_up(const home_places& places, double build, double
     start_up_report report;
     if (auto made = make_places(places, report); !made) return made.error();
     report.run = std::make_shared<run_record>(places);
-    report.cleaned = clean_up_strays(path_join(places.state_folder, "Inspector"), running_seconds);
+    report.cleaned = clean_up_strays(path_join(places.state_folder, inspector_folder), running_seconds);
     if (report.run->is_alone()) mend_state_folder(places, report);
-    mend_folder(places.home_vault, report);  // its identity may be in a copy
+    take_up(recover_folder(places.home_vault), report);  // its identity may be in a copy
     tell(report, identify_home_vault(places, report));
+    const auto found = note_home_vault(places);
+    if (const auto& message = found ? found.value() : found.message(); !message.empty()) {
+        report.messages.push_back(message);
+    }
     mend_vaults(places, report);
     result<void> noted;
     const auto last = report.run->begin(noted);

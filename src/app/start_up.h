@@ -19,6 +19,7 @@ struct start_up_report {
     std::vector<std::string> cleaned;    // paths of deleted stray files
     std::vector<std::string> recovered;  // paths of files put back whole
     std::vector<std::string> messages;   // for the user
+    std::string start_up_message;        // the one of them that is known as start_up_message_id; else empty
     std::vector<open_window> windows;    // to be opened again, front to back
     bool ended_well_before = true;       // the previous run was quit, not killed
     std::string uuid_last_focus;         // of the item that had the focus when it was quit

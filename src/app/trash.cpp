@@ -80,23 +80,6 @@ result<void> make_private_folder(const std::string& folder) {
     return file_failure(folder, "could not be made", errno);
 }
 
-std::string percent_encoded(const std::string& path) {
-    constexpr std::string_view plain = "/-_.~!$&'()*+,;=:@";
-    constexpr const char* digits = "0123456789ABCDEF";
-    std::string text;
-    for (const char one : path) {
-        const auto byte = static_cast<unsigned char>(one);
-        const bool is_plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') ||
-                              (byte >= 'A' && byte <= 'Z') || plain.find(one) != plain.npos;
-        if (is_plain) {
-            text += one;
-        } else {
-            text += {'%', digits[byte >> 4], digits[byte & 15]};
-        }
-    }
-    return text;
-}
-
 std::string information_text(const std::string& path, const trash_place& trash) {
     const std::size_t passed = trash.top.empty() ? 0 : trash.top.size() + (trash.top == "/" ? 0 : 1);
     const std::time_t now = std::time(nullptr);
@@ -151,6 +134,23 @@ result<trashed> take_name(const std::string& path, const trash_place& trash, fil
 }
 
 }  // namespace
+
+std::string percent_encoded(const std::string& path) {
+    constexpr std::string_view plain = "/-_.~!$&'()*+,;=:@";
+    constexpr const char* digits = "0123456789ABCDEF";
+    std::string text;
+    for (const char one : path) {
+        const auto byte = static_cast<unsigned char>(one);
+        const bool is_plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') ||
+                              (byte >= 'A' && byte <= 'Z') || plain.find(one) != plain.npos;
+        if (is_plain) {
+            text += one;
+        } else {
+            text += {'%', digits[byte >> 4], digits[byte & 15]};
+        }
+    }
+    return text;
+}
 
 result<trashed> move_to_trash(const std::string& path, const std::string& home_trash, file_system& files) {
     if (!volume_of(path)) return file_failure(path, "could not be moved to the trash", errno);

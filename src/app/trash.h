@@ -28,4 +28,7 @@ std::optional<trashed> find_in_trash(const std::string& path, const std::string&
 result<void> restore_from_trash(const trashed& what, const std::string& path,
                                 file_system& files = machine_files());
 
+// The path as it stands in addresses of files and in what the trash notes of its items.
+std::string percent_encoded(const std::string& path);
+
 }  // namespace vistels

@@ -8,8 +8,6 @@ namespace vistels {
 
 // What is told of a vault, with a placeholder for its name.
 inline constexpr std::string_view vault_exists_message = "Vault '<$vault_name$>' already exists.";
-inline constexpr std::string_view vault_is_being_modified_message =
-    "Vault '<$vault_name$>' is currently being modified.";
 inline constexpr std::string_view no_folder_message = "Could not create folder.";
 
 // `message` with "<$vault_name$>" replaced by the name of the vault ("Cup" for "/a/Cup.VVault").

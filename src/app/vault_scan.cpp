@@ -289,12 +289,12 @@ std::vector<std::string> vault_tree::folders() const {
     return all;
 }
 
-std::vector<vault_tree::folder_with_copies> vault_tree::folders_with_copies() const {
-    std::vector<folder_with_copies> all;
+std::vector<std::string> vault_tree::folders_with_copies() const {
+    std::vector<std::string> all;
     if (!root_) return all;
     walk over{vault_};
     const auto keep = [&all](const node& at, const std::string& path) {
-        if (at.has_copies) all.push_back({path, at.has_writer});
+        if (at.has_copies) all.push_back(path);
     };
     over.each(*root_, keep);
     return all;

@@ -74,11 +74,7 @@ class vault_tree {
     std::size_t folders_listed() const { return folders_listed_; }
 
     // Folders that hold copies of a broken-off safe write.
-    struct folder_with_copies {
-        std::string path;
-        bool has_writer;  // a timeline's writer left or keeps its mark there
-    };
-    std::vector<folder_with_copies> folders_with_copies() const;
+    std::vector<std::string> folders_with_copies() const;
     // Folders in which a timeline's writer left or keeps its mark.
     std::vector<std::string> folders_with_writer() const;
 

@@ -9,12 +9,12 @@
 #include <string_view>
 
 #include "app/trash.h"
-#include "app/vault_lock.h"
 #include "app/vault_messages.h"
 #include "app/vault_preferences.h"
 #include "timeline/writer_lock.h"
 #include "util/text_forms.h"
 #include "util/uuid.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -78,8 +78,8 @@ result<void> check_replaceable(const home_places& places, const std::string& vau
     const auto used = timeline_in_use(vault);
     if (!used) return used.error();
     if (used.value().empty()) return {};
-    return failure{about_vault(vault_is_being_modified_message, vault) + " The timeline in \"" +
-                   used.value() + "\" is open."};
+    return failure{vault_is_being_modified_text(vault) + " The timeline in \"" + used.value() +
+                   "\" is open."};
 }
 
 // Puts the folder `made` in the place of the vault.
@@ -104,9 +104,13 @@ result<void> put_in_place(const std::string& made, const std::string& vault, con
 
 }  // namespace
 
-bool is_home_vault(const std::string& folder) {
-    return path_name(folder).ends_with(vault_ending) &&
-           file_exists(path_join(folder, "home vault information.plist"));
+std::string about_vault(std::string_view message, const std::string& vault) {
+    constexpr std::string_view placeholder = "<$vault_name$>";
+    std::string text(message);
+    if (const auto at = text.find(placeholder); at != text.npos) {
+        text.replace(at, placeholder.size(), vault_name(vault));
+    }
+    return text;
 }
 
 result<std::string> new_vault_path(const std::string& parent, const std::string& name) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "app/home_vault.h"
 #include "app/known_vaults.h"
 #include "app/places.h"
 #include "app/vault_scan.h"
@@ -42,8 +43,5 @@ struct new_vault {
     std::string problem;  // the vault is made, but not listed, or not the focus: why; else empty
 };
 result<new_vault> create_new_vault(const home_places& places, const new_vault_request& request);
-
-// Ends in ".VVault" and holds "home vault information.plist".
-bool is_home_vault(const std::string& folder);
 
 }  // namespace vistels

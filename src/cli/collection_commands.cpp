@@ -9,6 +9,7 @@
 #include "cli/commands.h"
 #include "cli/headless_changes.h"
 #include "util/file_system.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_coll_Offsets.h"
@@ -118,6 +119,8 @@ struct padding_values {
 };
 
 result<command_outcome> pad(const padding_values& values, command_line& line) {
+    const auto lock = vault_lock::take_around(values.folder);
+    if (!lock) return lock.error();
     headless_changes changes;
     if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
     const auto command = values.replace   ? padding_command::replace_with_padding

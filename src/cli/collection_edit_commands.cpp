@@ -14,6 +14,7 @@
 #include "util/file_system.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Duplicate_funcs.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -118,12 +119,16 @@ result<command_outcome> add(const edit_values& values, command_line& line) {
 }
 
 result<command_outcome> remove(const edit_values& values, command_line& line) {
+    const auto lock = vault_lock::take_around(values.folder);
+    if (!lock) return lock.error();
     return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
         return plan_removal(values.vistel).change(collection);
     });
 }
 
 result<command_outcome> move(const edit_values& values, command_line& line) {
+    const auto lock = vault_lock::take_around(values.folder);
+    if (!lock) return lock.error();
     return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
         return plan_place(values.vistel, static_cast<std::size_t>(values.place - 1)).change(collection);
     });
@@ -210,6 +215,8 @@ result<command_outcome> resave(const edit_values& values, const home_places& pla
     const auto loaded = load_collection(values.folder, places.local_vistels());
     if (!loaded) return loaded.error();
     const auto& collection = loaded.value().collection;
+    const auto lock = vault_lock::take_around(values.to);
+    if (!lock) return lock.error();
     const double date = collection.stored().number("seconds updated").value_or(seconds_since_1970());
     if (auto made = make_folders(values.to); !made) return made.error();
     auto saved = safe_write(path_join(values.to, collection_file_name), write_collection(collection, date));

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "app/mending.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
 
@@ -24,6 +25,8 @@ bool has_timeline(const std::string& folder) {
 // The lock first, so that what another program saves is not written over.
 result<void> headless_changes::open(const std::string& folder, const home_places& places) {
     folder_ = folder;
+    for (const auto& message : mend_event(folder, places.local_vistels()).messages)
+        std::cerr << message << '\n';
     blank_movie_ = std::make_unique<blank_vistel_movie>(places.temporary_folder());
     if (!has_timeline(folder)) {
         auto lock = writer_lock::take(folder);

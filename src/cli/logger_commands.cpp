@@ -14,6 +14,7 @@
 #include "timeline/timeline_document.h"
 #include "util/json.h"
 #include "util/simulated_run_loop.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Records.h"
 
 namespace vistels {
@@ -28,6 +29,8 @@ result<command_outcome> show(const std::string& folder) {
 
 // A code window that lay in "Logger" below its folder is put there in the new one too.
 result<command_outcome> resave(const std::string& folder, const std::string& to) {
+    const auto lock = vault_lock::take_around(to);
+    if (!lock) return lock.error();
     const std::string from = logger_folder_of(folder);
     const auto loaded = load_button_dict(from);
     if (!loaded) return loaded.error();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <iostream>
 #include <memory>
 
 #include "app/settings.h"
@@ -60,27 +61,68 @@ result<command_outcome> run_scan(const std::string& vault) {
     return command_outcome{std::move(printed)};
 }
 
+result<command_outcome> list_vaults(const home_places& places) {
+    const std::string focus = focus_vault_of(places).path;
+    property_array all;
+    for (const auto& vault : known_vaults(places)) {
+        property_dictionary one;
+        one.add("vault", vault);
+        one.add("name", vault_name(vault));
+        one.add("focus", is_same_folder(vault, focus));
+        one.add("away", !is_folder(vault));
+        all.emplace_back(std::move(one));
+    }
+    return command_outcome{std::move(all)};
+}
+
+// What is not as it should be with the list does not undo the vault.
+result<command_outcome> run_create(const home_places& places, const new_vault_request& request) {
+    const auto made = create_new_vault(places, request);
+    if (!made) return made.error();
+    property_dictionary printed;
+    printed.add("vault", made.value().path);
+    if (!made.value().problem.empty()) std::cerr << made.value().problem << '\n';
+    return command_outcome{std::move(printed), made.value().problem.empty() ? 0 : 1};
+}
+
+using vault_change = result<void> (*)(const home_places&, const std::string& vault);
+
+result<void> add_vault(const home_places& places, const std::string& vault) {
+    const auto added = add_known_vault(places, vault);
+    return added ? result<void>() : result<void>(added.error());
+}
+
+// A change of the list of vaults, which prints the list.
+void register_list_command(CLI::App& group, command_line& line, const char* name, const char* description,
+                           vault_change change) {
+    const auto path = std::make_shared<std::string>();
+    CLI::App* command =
+        line.command(group, name, description, [path, change, &line]() -> result<command_outcome> {
+            const auto places = line.places();
+            if (auto changed = change(places, *path); !changed) return changed.error();
+            return list_vaults(places);
+        });
+    command->add_option("PATH", *path, "the vault's folder")->required();
+}
+
 void register_vault_commands(CLI::App& program, command_line& line) {
     CLI::App* vault = line.group(program, "vault", "make and list vaults");
 
-    struct create_values {
-        std::string parent, name;
-        bool replace = false;
-    };
-    const auto create = std::make_shared<create_values>();
+    const auto request = std::make_shared<new_vault_request>();
     CLI::App* command =
-        line.command(*vault, "create", "make a vault", [create, &line]() -> result<command_outcome> {
-            const auto made = create->replace ? replace_vault(line.places(), create->parent, create->name)
-                                              : create_vault(create->parent, create->name);
-            if (!made) return made.error();
-            property_dictionary printed;
-            printed.add("vault", made.value());
-            return command_outcome{std::move(printed)};
-        });
-    command->add_option("PARENT", create->parent, "folder in which it is made")->required();
-    command->add_option("NAME", create->name, "its name, without the ending")->required();
-    command->add_flag("--replace", create->replace,
+        line.command(*vault, "create", "make a vault, list it, and focus it where the settings say so",
+                     [request, &line] { return run_create(line.places(), *request); });
+    command->add_option("PARENT", request->parent, "folder in which it is made")->required();
+    command->add_option("NAME", request->name, "its name, without the ending")->required();
+    command->add_flag("--replace", request->replace,
                       "put it in the place of one of that name, which goes to the trash");
+
+    line.command(*vault, "list", "the known vaults", [&line] { return list_vaults(line.places()); });
+    register_list_command(*vault, line, "add", "list an existing vault", add_vault);
+    register_list_command(*vault, line, "forget", "take a vault from the list; its files stay",
+                          remove_known_vault);
+    register_list_command(*vault, line, "focus", "make a vault the one into which new items are saved",
+                          choose_focus_vault);
 
     const auto scanned = std::make_shared<std::string>();
     command = line.command(*vault, "scan", "count and list what a vault holds",

@@ -12,6 +12,7 @@
 #include "timeline/writer_lock.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -85,6 +86,8 @@ bool is_same_folder(const std::string& a, const std::string& b) {
 }
 
 result<void> save_files(const resave_values& values, const timeline_snapshot& timeline) {
+    const auto change = vault_lock::take_around(values.to);
+    if (!change) return change.error();
     if (auto made = make_folders(values.to); !made) return made;
     const auto lock = writer_lock::take(values.to);
     if (!lock) return lock.error();

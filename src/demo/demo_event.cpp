@@ -19,6 +19,7 @@
 #include "timeline/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_collection_ROOT.h"
@@ -183,6 +184,8 @@ class event_maker {
 
 // Puts the vistels in place and then the collection, which makes them known.
 result<void> put_in_place(const event_maker& made, const std::string& vault, const std::string& collection) {
+    const auto lock = vault_lock::take(vault);
+    if (!lock) return lock.error();
     const std::string vistels = path_join(vault, vistels_folder_name);
     std::vector<std::string> moved;
     result<void> outcome = make_folders(vistels);

@@ -74,7 +74,9 @@ std::vector<user_message> messages_of_start(const start_up_report& report) {
         // Paragraphs come as the build check writes them.
         QString text = QString::fromStdString(message);
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-        all.push_back({user_message::tone::warning, QObject::tr("From the start"), text, {}, {}});
+        user_message told{user_message::tone::warning, QObject::tr("From the start"), text, {}, {}};
+        if (message == report.start_up_message) told.key = QString::fromLatin1(start_up_message_id);
+        all.push_back(std::move(told));
     }
     return all;
 }

@@ -8,6 +8,7 @@
 #include "app/places.h"
 #include "app/start_up.h"
 #include "shell/application_options.h"
+#include "shell/build_watch.h"
 #include "shell/display_check.h"
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"
@@ -66,6 +67,7 @@ void trace_front(window_set& windows) {
 }
 
 int run(QApplication& application, const application_options& options, termination_watch& ending) {
+    running_executable executable;
     const home_places places = find_home_places(options.home);
     auto started = start_up(places, VISTELS_BUILD_NUMBER, 0);
     if (!started) {
@@ -83,6 +85,10 @@ int run(QApplication& application, const application_options& options, terminati
     if (!is_alone && first.listed.size() > 1) first.listed.resize(1);
     windows.begin(std::move(first));
     trace_front(windows);
+    build_watch builds(places, VISTELS_BUILD_NUMBER, std::move(executable), loop);
+    QObject::connect(&builds, &build_watch::told, &windows, [&windows](const user_message& message) {
+        if (windows.front()) windows.front()->tell(message);
+    });
     std::unique_ptr<screenshot> picture;
     if (!options.screenshot.empty()) {
         picture = std::make_unique<screenshot>(

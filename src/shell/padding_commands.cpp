@@ -7,6 +7,7 @@
 #include "app/open_event.h"
 #include "shell/event_session.h"
 #include "shell/long_work.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -37,7 +38,10 @@ void padding_commands::run(padding_command which) {
     work_ = std::make_unique<long_work>(title, tr("Blank movies are written where they are needed."), loop_,
                                         &window_);
     work_->start(
-        [files = planned.value().files, blank = event->blank_movie()](job& work) -> result<std::string> {
+        [files = planned.value().files, blank = event->blank_movie(),
+         in = event->folder()](job& work) -> result<std::string> {
+            const auto lock = vault_lock::take_around(in);
+            if (!lock) return lock.error();
             if (const auto made = make_padding_files(files, *blank, work); !made) return made.error();
             return std::string();
         },

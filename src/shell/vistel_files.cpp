@@ -26,6 +26,7 @@
 #include "shell/vistel_placing.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Duplicate_funcs.h"
 #include "video/video_coll_Pictures.h"
 #include "video/video_coll_Playback.h"
@@ -276,10 +277,14 @@ void vistel_files::put_parts(const std::string& vistel, std::vector<movie_Part_D
 }
 
 void vistel_files::remove(const std::string& vistel) {
+    const auto lock = vault_lock::take_around(session_.folder());
+    if (!lock) return tell_failure(tr("This could not be changed"), lock.message());
     make_and_place(plan_removal(vistel), vistel, tr("Remove Vistel"));
 }
 
 void vistel_files::move(const std::string& vistel, std::size_t place) {
+    const auto lock = vault_lock::take_around(session_.folder());
+    if (!lock) return tell_failure(tr("This could not be changed"), lock.message());
     make_and_place(plan_place(vistel, place), vistel, tr("Move collection vistel"));
 }
 
@@ -389,7 +394,12 @@ void vistel_files::close_now(const std::string& vistel) {
     const auto record = find(vistel);
     if (!record) return;
     const std::string folder = record->data_folder();
-    remove(vistel);
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) {
+        return tell_failure(tr("“%1” is not closed").arg(QString::fromStdString(record->name())),
+                            lock.message());
+    }
+    make_and_place(plan_removal(vistel), vistel, tr("Remove Vistel"));
     if (find(vistel) || folder.empty()) return;
     if (const auto done = move_to_trash(folder, places_.trash); !done) {
         return tell_failure(tr("The vistel is closed; its movie data stayed in its place"), done.message());
@@ -409,7 +419,8 @@ void vistel_files::bring_back_closed() {
         if (known.contains(vistel) || folder.empty() || is_folder(folder)) continue;
         const auto data = find_in_trash(folder, places_.trash);
         if (!data) continue;
-        const auto back = restore_from_trash(*data, folder);
+        const auto lock = vault_lock::take_around(folder);
+        const auto back = lock ? restore_from_trash(*data, folder) : result<void>(lock.error());
         if (!back) tell_failure(tr("The movie data is still in the trash"), back.message());
         play_again(vistel);
     }

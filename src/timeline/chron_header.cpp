@@ -2,6 +2,8 @@
 #include "timeline/chron_header.h"
 
 #include "timeline/stored_values.h"
+#include "timeline/sxy_Save_Load.h"
+#include "util/checksum.h"
 #include "util/clock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
@@ -36,6 +38,38 @@ constexpr stored_field<header> kept() {
             [](stored_reading<header>& reading) { reading.to.kept.remove(kept_keys[index]); }};
 }
 
+template <file_content_mark header::*Mark>
+constexpr stored_field<header> size_of(std::string_view key) {
+    return {key,
+            {},
+            [](stored_reading<header>& reading, const stored_view& from) {
+                const auto size = from.integer();
+                if (size && *size >= 0) (reading.to.*Mark).size = *size;
+                return size.has_value();
+            },
+            [](const header& from, std::string_view name, stored_sink& to) {
+                if ((from.*Mark).size >= 0) to.put(name, (from.*Mark).size);
+            },
+            [](stored_reading<header>& reading) { (reading.to.*Mark).size = -1; }};
+}
+
+// As text, since a number of 64 bits is more than some readers keep.
+template <file_content_mark header::*Mark>
+constexpr stored_field<header> hash_of(std::string_view key) {
+    return {key,
+            {},
+            [](stored_reading<header>& reading, const stored_view& from) {
+                const auto text = from.text();
+                const auto hash = text ? checksum_from_text(*text) : std::nullopt;
+                (reading.to.*Mark).hash = hash.value_or(0);
+                return hash.has_value();
+            },
+            [](const header& from, std::string_view name, stored_sink& to) {
+                if ((from.*Mark).size >= 0) to.put(name, checksum_text((from.*Mark).hash));
+            },
+            [](stored_reading<header>& reading) { (reading.to.*Mark).hash = 0; }};
+}
+
 constexpr std::array header_table{
     plain<header, &header::uuid>("UUID chronology header"),
     plain<header, &header::full_row_colored>("full row colored"),
@@ -60,6 +94,10 @@ constexpr std::array header_table{
         };
         return field;
     }(),
+    size_of<&header::data>("data size"),
+    hash_of<&header::data>("data hash"),
+    size_of<&header::data_before>("data size before"),
+    hash_of<&header::data_before>("data hash before"),
 };
 
 // A value of any type; null while it is not there.
@@ -123,7 +161,17 @@ timeline_header load_timeline_header(const std::string& folder) {
 
 result<void> save_timeline_header(const timeline_header& header, const std::string& folder,
                                   file_system& files) {
-    return safe_write(path_join(folder, timeline_header_file_name), write_timeline_header(header), files);
+    const auto before = load_timeline_header(folder);
+    timeline_header saved = header;
+    saved.data = {};
+    saved.data_before = before.data;
+    if (const std::string path = path_join(folder, timeline_file_name); file_exists(path)) {
+        const auto bytes = read_file(path, files);
+        if (!bytes) return bytes.error();
+        saved.data = content_mark_of(bytes.value());
+        if (saved.data == before.data) saved.data_before = before.data_before;
+    }
+    return safe_write(path_join(folder, timeline_header_file_name), write_timeline_header(saved), files);
 }
 
 timeline_summary load_timeline_summary(const std::string& folder) {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "timeline/file_content_mark.h"
 #include "util/file_system.h"
 #include "util/property_value.h"
 #include "util/result.h"
@@ -33,6 +34,10 @@ struct timeline_header {
     double last_saved = 0;         // seconds since 1970; 0 = never
     std::string unlinked_message_created_by;
     double cursor_seconds = 0;  // the playhead
+    // The content of "chron data.plist" that it was written beside, and the one before that: by them a copy
+    // that a broken-off save left is told from one that has nothing to say any more. Of size -1: not known.
+    file_content_mark data;
+    file_content_mark data_before;
     // Values whose use is not built yet, by their key: the bookmark of the source path, and when the timeline
     // was last copied between folders.
     property_dictionary kept;
@@ -42,6 +47,7 @@ timeline_header read_timeline_header(const property_dictionary& stored);
 // With the time of now as "last saved".
 property_dictionary write_timeline_header(const timeline_header& header);
 timeline_header load_timeline_header(const std::string& folder);
+// Beside the "chron data.plist" that is in the folder, whatever `header` says of it.
 result<void> save_timeline_header(const timeline_header& header, const std::string& folder,
                                   file_system& files = machine_files());
 

@@ -8,20 +8,6 @@
 
 namespace vistels {
 
-namespace {
-
-std::uint64_t hash_from_text(const std::string& text) {
-    std::uint64_t hash = 0;
-    for (const char digit : text) {
-        constexpr std::string_view digits = "0123456789abcdef";
-        const auto value = digits.find(digit);
-        hash = hash << 4U | (value == std::string_view::npos ? 0U : value);
-    }
-    return hash;
-}
-
-}  // namespace
-
 std::string line_of(const property_dictionary& document) {
     const std::string text = write_json(document, json_layout::one_line);
     return checksum_text(checksum(text)) + " " + text + "\n";
@@ -74,7 +60,7 @@ std::optional<journal_base> read_base(const property_dictionary& document, text_
     const auto through = values ? values->integer("through") : std::nullopt;
     if (!size || !through || *through < 0) return std::nullopt;
     journal_base base;
-    base.content = {*size, hash_from_text(values->text_or_empty("hash"))};
+    base.content = {*size, checksum_from_text(values->text_or_empty("hash")).value_or(0)};
     base.through = static_cast<std::uint64_t>(*through);
     if (const auto* growing = values->dictionary("growing")) {
         auto edit = read_edit(*growing, texts);

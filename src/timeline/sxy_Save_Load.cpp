@@ -444,11 +444,14 @@ result<loaded_timeline> load_timeline(const std::string& source) {
 }
 
 result<void> save_timeline(const timeline_snapshot& timeline, const std::string& folder, file_system& files) {
+    const std::string path = path_join(folder, timeline_file_name);
+    // Before the notes beside it are written.
+    if (auto checked = check_replaceable(path, files); !checked) return checked;
     const auto separate = take_notes_off(timeline);
     notes_keeper keeper(folder, files);
     if (auto saved = keeper.save(separate); !saved) return saved.error();
     return safe_write_blocks(
-        path_join(folder, timeline_file_name),
+        path,
         [&](const block_writer& put) {
             property_list_sink sink(put);
             write_whole_timeline(separate.timeline, sink);

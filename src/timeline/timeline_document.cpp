@@ -6,6 +6,7 @@
 #include <iterator>
 #include <utility>
 
+#include "timeline/timeline_recovery.h"
 #include "util/clock.h"
 #include "util/property_list.h"
 #include "util/stored_sink.h"
@@ -100,7 +101,7 @@ timeline_document::~timeline_document() {
 result<void> timeline_document::load() {
     if (auto lock = writer_lock::take(folder_, files_, &is_held_elsewhere_)) {
         lock_ = std::move(lock).value();
-        auto mended = recover_folder(folder_, files_);
+        auto mended = recover_timeline_folder(folder_, files_);
         messages_ = std::move(mended.messages);
     } else {
         read_only_reason_ = lock.message();
@@ -121,7 +122,7 @@ result<void> timeline_document::try_to_write(bool take_over) {
                               : writer_lock::take(folder_, files_, &is_held_elsewhere_);
         if (!lock) return failure{read_only_reason_ = lock.message()};
         taken = std::move(lock).value();
-        auto mended = recover_folder(folder_, files_);
+        auto mended = recover_timeline_folder(folder_, files_);
         std::move(mended.messages.begin(), mended.messages.end(), std::back_inserter(messages_));
     }
     auto read = read_files(true);
@@ -454,10 +455,13 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
         if (companion) companion(coming.content, mark_of(known_data_));
         return {};
     };
+    timeline_header beside = header;
+    beside.data_before = mark_of(known_data_);
     auto written = write_data(separate.timeline, note, in_doubt, save);
     if (written) {
         notes_.timeline_is_saved();
-        written = write_file(timeline_header_file_name, write_property_list(write_timeline_header(header)),
+        beside.data = coming.content;
+        written = write_file(timeline_header_file_name, write_property_list(write_timeline_header(beside)),
                              known_header_, in_doubt, save);
     }
     if (written) written = save_save_time(folder_, instance_, files_);

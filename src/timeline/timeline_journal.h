@@ -9,21 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "timeline/file_content_mark.h"
 #include "timeline/timeline_edit.h"
 #include "util/file_system.h"
 #include "util/result.h"
 #include "util/serial_queue.h"
 
 namespace vistels {
-
-// Names one content of "chron data.plist". A missing file has size -1.
-struct file_content_mark {
-    std::int64_t size = -1;
-    std::uint64_t hash = 0;
-    bool operator==(const file_content_mark&) const = default;
-};
-
-file_content_mark content_mark_of(std::string_view file_content);
 
 // A segment of the journal and how much of it counts. Numbers are given out again once a segment is deleted,
 // so its writer tells it, too, and while the program runs its inode.

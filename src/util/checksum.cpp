@@ -4,6 +4,8 @@
 #define XXH_STATIC_LINKING_ONLY  // the state's size
 #include <xxhash.h>
 
+#include <charconv>
+
 namespace vistels {
 
 std::uint64_t checksum(std::string_view bytes) {
@@ -33,6 +35,14 @@ std::string checksum_text(std::uint64_t sum) {
     std::string text(16, '0');
     for (auto at = text.rbegin(); at != text.rend(); ++at, sum >>= 4U) *at = digits[sum & 15U];
     return text;
+}
+
+std::optional<std::uint64_t> checksum_from_text(std::string_view text) {
+    constexpr int base = 16;
+    std::uint64_t sum = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), sum, base);
+    if (read.ec != std::errc() || read.ptr != text.data() + text.size()) return std::nullopt;
+    return checksum_text(sum) == text ? std::optional(sum) : std::nullopt;
 }
 
 }  // namespace vistels

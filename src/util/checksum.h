@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,5 +30,7 @@ class checksum_of_parts {
 
 // The number as 16 lower-case hexadecimal digits.
 std::string checksum_text(std::uint64_t sum);
+// The number in such a text; nothing when it is none.
+std::optional<std::uint64_t> checksum_from_text(std::string_view text);
 
 }  // namespace vistels

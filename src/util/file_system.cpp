@@ -133,6 +133,15 @@ int file_system::opened_identity(int descriptor, file_identity& found) {
     return take_identity(::fstat(descriptor, &state), state, found);
 }
 
+int file_system::kind(const std::string& path, file_kind& found) {
+    struct stat state {};
+    if (::lstat(path.c_str(), &state) != 0) return errno;
+    found = S_ISREG(state.st_mode)   ? file_kind::plain_file
+            : S_ISDIR(state.st_mode) ? file_kind::folder
+                                     : file_kind::something_else;
+    return 0;
+}
+
 int file_system::list(const std::string& folder, std::vector<std::string>& names) {
     names.clear();
     DIR* const listing = ::opendir(folder.c_str());
@@ -208,12 +217,13 @@ result<std::string> read_file(const std::string& path, file_system& files) {
 result<void> make_folders(const std::string& path, file_system& files) {
     if (is_folder(path)) return {};
     const std::string above = path_folder(path);
-    if (above != path && !above.empty()) {
+    if (above != path && !above.empty() && !file_exists(above)) {
         if (auto made = make_folders(above, files); !made) return made;
     }
     const int fault = files.make_folder(path);
-    if (fault != 0 && fault != EEXIST) return file_failure(path, "could not be made", fault);
-    return {};
+    if (fault == 0 || (fault == EEXIST && is_folder(path))) return {};
+    if (fault != EEXIST) return file_failure(path, "could not be made", fault);
+    return failure{"\"" + path + "\" could not be made: something that is no folder has that name."};
 }
 
 std::vector<std::string> names_in_folder(const std::string& folder) {

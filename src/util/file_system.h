@@ -20,6 +20,9 @@ struct file_identity {
     bool operator==(const file_identity&) const = default;
 };
 
+// What stands under a name; a symbolic link is something else, wherever it leads.
+enum class file_kind { plain_file, folder, something_else };
+
 // The calls by which files are read, written and locked, one system call each, so that tests can make any of
 // them fail or end the program before it. Every call returns 0 or the error number (errno). Any thread.
 class file_system {
@@ -50,6 +53,7 @@ class file_system {
     virtual int make_folder(const std::string& path);
     virtual int identity(const std::string& path, file_identity& found);
     virtual int opened_identity(int descriptor, file_identity& found);
+    virtual int kind(const std::string& path, file_kind& found);
     // The names in a folder without "." and "..", in no order.
     virtual int list(const std::string& folder, std::vector<std::string>& names);
 };
@@ -70,7 +74,7 @@ result<std::string> read_file(const std::string& path, file_system& files = mach
 // Reads to the end of the file; 0 or the error number.
 int read_whole(file_system& files, int descriptor, std::string& bytes);
 
-// Makes a folder and those above it; one that is there is no error.
+// Makes a folder and those above it; one that is there is no error, something else of that name is.
 result<void> make_folders(const std::string& path, file_system& files = machine_files());
 
 // The names in a folder in natural order ("part 2" before "part 10"), without "." and ".."; empty when there

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <map>
 #include <mutex>
 #include <utility>
 
@@ -20,7 +19,6 @@ namespace {
 
 constexpr double fixed_offset_seconds = 1'000'000;
 constexpr double nanoseconds = 1e9;
-constexpr double stray_age_seconds = 3600;
 
 bool has_no_hard_links(int fault) {
     return fault == EPERM || fault == EOPNOTSUPP || fault == ENOSYS || fault == EMLINK || fault == ENOTSUP;
@@ -94,12 +92,14 @@ class replacement {
     using content = std::function<void(const block_writer& put)>;
 
     result<void> run(const content& put_all) {
+        if (auto checked = check_replaceable(path_, files_); !checked) return checked.error();
         if (const int fault = write_temporary(put_all)) return fail(fault);
         if (const int fault = put_in_place(false)) return fail(fault);
         return finish();
     }
 
     result<std::string> run(std::string_view bytes, known_file& known, bool in_doubt) {
+        if (auto checked = check_replaceable(path_, files_); !checked) return checked.error();
         if (const int fault = write_temporary([bytes](const block_writer& put) { put(bytes); })) {
             return fail(fault);
         }
@@ -111,6 +111,7 @@ class replacement {
 
     result<std::string> run(const blocks& put_all, const announcer& known_ahead, known_file& known,
                             bool in_doubt) {
+        if (auto checked = check_replaceable(path_, files_); !checked) return checked.error();
         coming_content coming;
         result<void> announced;
         const int fault = write_temporary([&](const block_writer& put) {
@@ -253,99 +254,6 @@ class replacement {
     int fault_ = 0;  // of writing the temporary file
 };
 
-enum class copy_state { whole, torn, missing, unreadable };
-
-// Unreadable is what the volume fails to give now: no reason to replace it.
-copy_state state_of_copy(const std::string& path, file_system& files) {
-    int descriptor = -1;
-    const int opening = files.open(path, O_RDONLY, descriptor);
-    if (opening == ENOENT) return copy_state::missing;
-    if (opening != 0) return copy_state::unreadable;
-    std::string bytes;
-    const int reading = read_whole(files, descriptor, bytes);
-    files.close(descriptor);
-    if (reading != 0) return copy_state::unreadable;
-    return read_property_list(bytes, path).ok() ? copy_state::whole : copy_state::torn;
-}
-
-// The copies that broken-off writes left of one destination, by their number.
-struct left_copies {
-    std::map<std::int64_t, std::string> temporary;
-    std::map<std::int64_t, std::string> previous;
-};
-
-// The destination's name and the number in a temporary or previous copy's name; an empty name for others.
-struct copy_name {
-    std::string destination;
-    std::int64_t number = 0;
-};
-
-copy_name copy_name_of(const std::string& name, std::string_view mark) {
-    const auto at = name.rfind(mark);
-    if (at == std::string::npos) return {};
-    const auto number = integer_from_text(std::string_view(name).substr(at + mark.size()));
-    return number ? copy_name{name.substr(0, at), *number} : copy_name{};
-}
-
-// A temporary file was synced before the old file was set aside, so with a previous copy beside it, it is the
-// newest whole state. Empty: there is none. `state` is `unreadable` when one that counts cannot be read.
-std::string newest_whole_copy(const std::string& folder, const left_copies& copies, file_system& files,
-                              copy_state& state) {
-    const auto is_taken = [&](const std::string& name) {
-        state = state_of_copy(path_join(folder, name), files);
-        return state == copy_state::whole || state == copy_state::unreadable;
-    };
-    for (auto copy = copies.previous.rbegin(); copy != copies.previous.rend(); ++copy) {
-        const auto newer = copies.temporary.find(copy->first);
-        if (newer != copies.temporary.end() && is_taken(newer->second)) return newer->second;
-        if (is_taken(copy->second)) return copy->second;
-    }
-    for (auto copy = copies.temporary.rbegin(); copy != copies.temporary.rend(); ++copy) {
-        if (is_taken(copy->second)) return copy->second;
-    }
-    return {};
-}
-
-void put_back(const std::string& destination, const std::string& copy, bool missing, file_system& files,
-              recovery& done) {
-    std::string kept;
-    const auto cannot = [&](int fault) {
-        done.messages.push_back(file_failure(destination, "could not be put back", fault).message);
-    };
-    if (!missing) {
-        kept = damaged_name(destination);
-        if (const int fault = files.rename(destination, kept)) return cannot(fault);
-    }
-    if (const int fault = files.rename(copy, destination)) {
-        if (!missing) files.rename(kept, destination);
-        return cannot(fault);
-    }
-    files.sync_folder(path_folder(destination));
-    done.recovered.push_back(destination);
-    done.messages.push_back("\"" + destination + "\" was put back from its copy." +
-                            (kept.empty() ? "" : " The torn file was kept as \"" + path_name(kept) + "\"."));
-}
-
-void recover_destination(const std::string& folder, const std::string& name, const left_copies& copies,
-                         file_system& files, recovery& done) {
-    const std::string destination = path_join(folder, name);
-    const auto found = state_of_copy(destination, files);
-    if (found == copy_state::whole) return;
-    auto state = found;
-    const std::string copy =
-        found == copy_state::unreadable ? "" : newest_whole_copy(folder, copies, files, state);
-    if (state == copy_state::unreadable) {
-        done.messages.push_back("\"" + (copy.empty() ? destination : path_join(folder, copy)) +
-                                "\" cannot be read now. Nothing was changed.");
-    } else if (copy.empty()) {
-        done.messages.push_back("\"" + destination + "\" is " +
-                                (found == copy_state::missing ? "missing" : "damaged") +
-                                " and no whole copy of it was found. Nothing was changed.");
-    } else {
-        put_back(destination, path_join(folder, copy), found == copy_state::missing, files, done);
-    }
-}
-
 }  // namespace
 
 std::int64_t safe_write_number() {
@@ -359,8 +267,20 @@ std::int64_t safe_write_number() {
     }
 }
 
+result<void> check_replaceable(const std::string& path, file_system& files) {
+    auto found = file_kind::plain_file;
+    const int looking = files.kind(path, found);
+    if (looking != 0 && looking != ENOENT) return file_failure(path, "could not be saved", looking);
+    if (found == file_kind::plain_file) return {};
+    const bool is_folder = found == file_kind::folder;
+    return failure{"\"" + path + "\" could not be saved: " +
+                   (is_folder ? "a folder has that name" : "what has that name is no plain file") +
+                   ". It was left alone."};
+}
+
 result<void> safe_write_bytes(const std::string& path, std::string_view bytes, file_system& files) {
-    return replacement(path, files).run([bytes](const block_writer& put) { put(bytes); });
+    return safe_write_blocks(
+        path, [bytes](const block_writer& put) { put(bytes); }, files);
 }
 
 result<void> safe_write_blocks(const std::string& path,
@@ -408,50 +328,14 @@ result<std::string> safe_write_known(const std::string& path, std::string_view b
 }
 
 std::string damaged_name(const std::string& path) {
+    return kept_name(path, "damaged");
+}
+
+std::string kept_name(const std::string& path, std::string_view what) {
     for (int number = 1;; ++number) {
-        auto name = numbered_name(path, "damaged", number);
+        auto name = numbered_name(path, what, number);
         if (!file_exists(name)) return name;
     }
-}
-
-recovery recover_folder(const std::string& folder, file_system& files) {
-    recovery done;
-    std::vector<std::string> names;
-    if (const int fault = files.list(folder, names)) {
-        done.messages.push_back(file_failure(folder, "cannot be looked through", fault).message);
-        return done;
-    }
-    sort_names(names);
-    std::map<std::string, left_copies> left;
-    for (const auto& name : names) {
-        if (auto copy = copy_name_of(name, temporary_mark); !copy.destination.empty()) {
-            left[copy.destination].temporary[copy.number] = name;
-        } else if (auto aside = copy_name_of(name, previous_mark); !aside.destination.empty()) {
-            left[aside.destination].previous[aside.number] = name;
-        }
-    }
-    for (const auto& [name, copies] : left) {
-        if (name.ends_with(".plist")) recover_destination(folder, name, copies, files, done);
-    }
-    return done;
-}
-
-std::vector<std::string> clean_up_strays(const std::string& folder, double running_seconds) {
-    namespace fs = std::filesystem;
-    std::vector<std::string> cleaned;
-    std::error_code fault;
-    const auto now = fs::file_time_type::clock::now();
-    for (fs::recursive_directory_iterator at(folder, fault), end; !fault && at != end; at.increment(fault)) {
-        const std::string name = at->path().filename().string();
-        const bool stray = name.find(".plist temp file") != std::string::npos ||
-                           name.find(".plist <previous> ") != std::string::npos;
-        std::error_code ignored;
-        if (!stray || !at->is_regular_file(ignored)) continue;
-        const std::chrono::duration<double> age = now - at->last_write_time(ignored);
-        if (ignored || age.count() <= stray_age_seconds || age.count() <= running_seconds) continue;
-        if (fs::remove(at->path(), ignored)) cleaned.push_back(at->path().string());
-    }
-    return cleaned;
 }
 
 }  // namespace vistels

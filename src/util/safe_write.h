@@ -23,7 +23,8 @@ inline constexpr std::string_view previous_mark = " <previous> ";
 
 // Replaces the file at `path` by `bytes` so that at every instant, after a kill or a power cut too, the old
 // or the new content stands there whole. On failure the old file is as it was and the message names the file.
-// Any thread; two calls for one path must not run at once.
+// What stands there and is no plain file (a folder, a link) is an error, and left alone; so it is by all
+// below. Any thread; two calls for one path must not run at once.
 result<void> safe_write_bytes(const std::string& path, std::string_view bytes,
                               file_system& files = machine_files());
 
@@ -37,6 +38,9 @@ result<void> safe_write_blocks(const std::string& path,
 // The same for a property list.
 result<void> safe_write(const std::string& path, const property_value& value,
                         file_system& files = machine_files());
+
+// Whether a file at `path` could be replaced by what it is: nothing, or a plain file.
+result<void> check_replaceable(const std::string& path, file_system& files = machine_files());
 
 // A file as this program last read or wrote it.
 struct known_file {
@@ -76,23 +80,9 @@ result<std::string> safe_write_known_blocks(
     const std::function<result<void>(const coming_content&)>& known_ahead, known_file& known,
     bool in_doubt = false, file_system& files = machine_files());
 
-// The first free name "X damaged N" for a file "X" that is kept aside, its ending kept.
+// The first free name "X damaged N" for a file "X" that is kept aside, its ending kept; and the same with
+// another word.
 std::string damaged_name(const std::string& path);
-
-// What a recovery did, in words for the user, with the files' paths.
-struct recovery {
-    std::vector<std::string> recovered;
-    std::vector<std::string> messages;
-};
-
-// Mends what a broken-off safe write left in `folder`: a destination that is missing, or is no readable
-// property list, gets its newest whole copy back (the torn file is kept as "X damaged N"). Idempotent. Only
-// property lists are looked at. What the volume fails to read is left alone and told. Not while another
-// program writes there.
-recovery recover_folder(const std::string& folder, file_system& files = machine_files());
-
-// Deletes files in `folder` and the folders in it that a broken-off safe write left, when they are older than
-// an hour and than `running_seconds`, the time this program has been running. Returns their paths.
-std::vector<std::string> clean_up_strays(const std::string& folder, double running_seconds);
+std::string kept_name(const std::string& path, std::string_view what);
 
 }  // namespace vistels

@@ -12,6 +12,7 @@
 #include "util/text_forms.h"
 #include "util/uuid.h"
 #include "video/made_files.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_coll_Pictures.h"
 
@@ -110,6 +111,8 @@ result<std::shared_ptr<single_Vistel_CTR>> duplicate_vistel(const single_Vistel_
     if (source.data_folder().empty()) {
         return failure{"The data of the vistel " + in_quotes(source.name()) + " is missing."};
     }
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return lock.error();
     auto parts = source.parts();
     const auto brought = files_of(source, folder, parts);
     made_files made;
@@ -166,6 +169,8 @@ result<std::vector<movie_Part_DRONE_Offset_Item>> deinterlaced_parts(const singl
                                                                      job& work) {
     auto parts = vistel.parts().parts;
     if (parts.empty()) return failure{in_quotes(vistel.name()) + ": " + no_movie_parts_text};
+    const auto lock = vault_lock::take_around(vistel.data_folder());
+    if (!lock) return lock.error();
     made_files made;
     shared_progress progress(parts.size(), work);
     for (std::size_t index = 0; index < parts.size(); ++index) {

@@ -24,6 +24,7 @@
 #include "util/safe_write.h"
 #include "util/uuid.h"
 #include "video/made_files.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_coll_Pictures.h"
 
@@ -174,6 +175,27 @@ result<std::shared_ptr<single_Vistel_CTR>> make_vistel(const planned_vistel& pla
     return vistel;
 }
 
+// While the lock of the vault is held.
+result<vistel_list> make_vistels_locked(const new_vistels& made_with, const std::vector<std::string>& movies,
+                                        movies_as how, job& work) {
+    const auto planned = plan_vistels(movies, how);
+    if (!planned) return planned.error();
+    made_files made;
+    made.add_missing_of(made_with.folder);
+    remove_unfinished_copies(made_with.folder);
+    shared_progress progress(movies.size(), work);
+    vistel_list vistels;
+    for (const auto& plan : planned.value()) {
+        const std::string folder = path_join(made_with.folder, new_uuid());
+        made.add(folder);
+        auto vistel = make_vistel(plan, folder, made_with, progress);
+        if (!vistel) return vistel.error();
+        vistels.push_back(std::move(vistel).value());
+    }
+    made.keep();
+    return vistels;
+}
+
 bool has_ending(const std::string& name, std::span<const char* const> endings) {
     const std::string ending = lower_case_ending(name);
     return !path_name(name).starts_with(".") &&
@@ -308,22 +330,8 @@ void remove_unfinished_copies(const std::string& folder) {
 
 result<vistel_list> make_vistels(const new_vistels& made_with, const std::vector<std::string>& movies,
                                  movies_as how, job& work) {
-    const auto planned = plan_vistels(movies, how);
-    if (!planned) return planned.error();
-    made_files made;
-    made.add_missing_of(made_with.folder);
-    remove_unfinished_copies(made_with.folder);
-    shared_progress progress(movies.size(), work);
-    vistel_list vistels;
-    for (const auto& plan : planned.value()) {
-        const std::string folder = path_join(made_with.folder, new_uuid());
-        made.add(folder);
-        auto vistel = make_vistel(plan, folder, made_with, progress);
-        if (!vistel) return vistel.error();
-        vistels.push_back(std::move(vistel).value());
-    }
-    made.keep();
-    return vistels;
+    const auto lock = vault_lock::take_around(made_with.folder);
+    return lock ? make_vistels_locked(made_with, movies, how, work) : result<vistel_list>(lock.error());
 }
 
 result<std::vector<movie_Part_DRONE_Offset_Item>> bring_parts(const single_Vistel_CTR& vistel,
@@ -338,6 +346,8 @@ result<std::vector<movie_Part_DRONE_Offset_Item>> bring_parts(const single_Viste
     if (!planned) return planned.error();
     std::vector<movie_Part_DRONE_Offset_Item> parts;
     if (movies.empty()) return parts;
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return lock.error();
     made_files made;
     shared_progress progress(movies.size(), work);
     std::size_t number = std::max(vistel.parts().parts.size(), highest_part_number(folder));
@@ -387,6 +397,8 @@ void add_new_vistels(video_collection_ROOT& collection, const vistel_list& viste
 result<void> new_collection(const std::string& folder, const std::string& name,
                             const std::vector<std::string>& movies, movies_as how, job& work,
                             const std::string& user) {
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return lock.error();
     if (file_exists(path_join(folder, collection_file_name))) {
         return failure{"\"" + folder + "\" holds a collection already."};
     }
@@ -401,7 +413,7 @@ result<void> new_collection(const std::string& folder, const std::string& name,
     made.add_missing_of(folder);
     const std::string vistels_folder = vistels_folder_of(folder);
     if (!movies.empty()) made.add_missing_of(vistels_folder);
-    const auto vistels = make_vistels({vistels_folder, user, false}, movies, how, work);
+    const auto vistels = make_vistels_locked({vistels_folder, user, false}, movies, how, work);
     if (!vistels) return vistels.error();
     add_new_vistels(collection, vistels.value());
     const auto frames = grid_layout(vistels.value().size());

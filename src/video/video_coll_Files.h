@@ -47,7 +47,8 @@ struct new_vistels {
 
 // The following bring files below a vistel's folder and touch no collection, so they may run in a job; what
 // they return is put into the collection on the main thread. Movies are hard links or clones where the
-// volume allows it, copies otherwise. On failure, or when `work` is cancelled, nothing is left behind.
+// volume allows it, copies otherwise. On failure, or when `work` is cancelled, nothing is left behind. They
+// hold the lock of the vault (vault_lock); while another change has it they fail.
 
 // What a program that died has left of copying movies into folders of vistels in `folder`: deletes such files
 // when nothing was written to them for a day, and the folders that hold nothing else.

@@ -5,6 +5,7 @@
 
 #include "media/frame_reader.h"
 #include "util/file_system.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 
 namespace vistels {
@@ -20,6 +21,8 @@ result<vistel_overlay> bring_overlay(const single_Vistel_CTR& vistel, const std:
     const std::string folder = vistel.data_folder();
     if (folder.empty()) return failure{"The data of the vistel \"" + vistel.name() + "\" is missing."};
     if (auto checked = check_picture(picture); !checked) return checked.error();
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return lock.error();
     const std::string ending = std::filesystem::path(picture).extension().string();
     vistel_overlay overlay;
     for (int number = 1;; ++number) {

@@ -16,6 +16,7 @@
 #include "timeline/writer_lock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 namespace {
@@ -112,7 +113,7 @@ TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults
     started(places);
     const std::string names[] = {
         "Vault preferences/focus vault.plist", "Vault preferences/vaults.plist", "Windows/windows open.plist",
-        "System/last build used.plist",        "application volume.plist",       "build number.plist"};
+        "System/last build used.plist",        "application volume.plist",       "System/build number.plist"};
     for (const auto& name : names) put_file(places.state_folder + "/" + name, "<plist><dict>");
     const std::string information = places.home_vault + "/home vault information.plist";
     put_file(information, "");
@@ -128,7 +129,7 @@ TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults
     }
     EXPECT_FALSE(read_dictionary_or_empty(information).text_or_empty("ID for this file:").empty());
     EXPECT_TRUE(file_exists(places.home_vault + "/home vault information damaged 1.plist"));
-    EXPECT_EQ(read_dictionary_or_empty(places.state_folder + "/build number.plist").size(), 1U);
+    EXPECT_EQ(read_dictionary_or_empty(places.state_folder + "/System/build number.plist").size(), 4U);
     // Once is enough.
     for (const auto& text : started(places).messages) EXPECT_EQ(text.find("damaged 1"), text.npos) << text;
 }
@@ -147,21 +148,47 @@ TEST(start_up, a_home_that_is_read_only_starts_and_tells) {
     }
 }
 
-TEST(start_up, what_is_known_of_newer_builds_is_kept) {
+TEST(start_up, a_newer_build_is_told_from_what_is_installed) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
-    property_dictionary stored;
-    stored.add("build number available for download", 250);
-    stored.add("last time checked", property_date{1e9});
-    stored.add("latest build information url", "https://example.org/builds");
-    fs::create_directories(places.state_folder);
-    ASSERT_TRUE(safe_write(places.state_folder + "/build number.plist", stored));
     started(places, 101.5);
-    const auto known = load_build_number(places);
+    auto known = load_build_number(places);
     EXPECT_EQ(known.in_use, 101.5);
-    EXPECT_EQ(known.available, 250);
-    EXPECT_EQ(known.last_checked, 1e9);
-    EXPECT_EQ(known.latest_information_url, "https://example.org/builds");
+    EXPECT_EQ(known.available, 101.5);
+    EXPECT_GT(known.last_checked.value_or(0), 1.6e9);
+    const std::string self = fs::read_symlink("/proc/self/exe").string();
+    EXPECT_EQ(known.latest_information_url, "file://" + self);
+    EXPECT_EQ(build_number_in(self), VISTELS_BUILD_NUMBER);
+    EXPECT_EQ(read_dictionary_or_empty(path_of(places, build_number_file)).size(), 4U);
+    EXPECT_EQ(path_of(places, build_number_file), places.state_folder + "/System/build number.plist");
+
+    const std::string mark = std::string("Vistels build ") + "number: ";  // not in this file
+    const struct {
+        std::string installed;  // empty: the running file itself
+        const char* told;       // a part of the message; null: none
+        double available;
+    } cases[] = {
+        {"", nullptr, 100},
+        {"some other program", nullptr, 100},
+        {"x" + std::string((1 << 20) - 9, 'y') + mark + "120; and more", "  120.", 120},
+        {mark + "; " + mark + "100.5;", "  100.5.", 100.5},
+        {mark + "99;", nullptr, 99},
+    };
+    put_file(home / "running", "this one");
+    for (const auto& one : cases) {
+        fs::remove(home / "vistels");
+        if (one.installed.empty()) fs::create_hard_link(home / "running", home / "vistels");
+        if (!one.installed.empty()) put_file(home / "vistels", one.installed);
+        const running_executable executable(home / "vistels", home / "running");
+        EXPECT_EQ(executable.is_replaced(), !one.installed.empty());
+        const auto message = check_for_newer_build(places, 100, executable);
+        ASSERT_TRUE(message);
+        EXPECT_EQ(message.value().empty(), one.told == nullptr) << message.value();
+        if (one.told) {
+            EXPECT_NE(message.value().find(one.told), std::string::npos) << message.value();
+        }
+        EXPECT_EQ(load_build_number(places).available, one.available);
+    }
 }
 
 TEST(start_up, build_check) {
@@ -176,6 +203,7 @@ TEST(start_up, build_check) {
     for (const auto& [build, messages] : runs) {
         const auto report = started(places, build);
         EXPECT_EQ(report.messages.size(), messages) << build;
+        EXPECT_EQ(report.start_up_message, messages ? report.messages[0] : "") << build;
         EXPECT_TRUE(note_clean_quit(report, ""));
     }
     const auto stored = read_dictionary_or_empty(places.state_folder + "/System/last build used.plist");
@@ -197,7 +225,6 @@ TEST(start_up, cleans_up_old_strays_in_the_inspector_folder_only) {
         {"Inspector/a.plist temp file 13", 59, 1, false},
         {"Inspector/a.plist temp file 14", 61, 62 * 60, false},  // made by this run
         {"Inspector/a.plist", 600, 1, false},
-        {"a.plist temp file 12", 600, 1, false},
     };
     for (const auto& one : cases) {
         const std::string path = places.state_folder + "/" + one.name;
@@ -232,6 +259,60 @@ TEST(start_up, mends_torn_files_in_every_known_vault) {
     EXPECT_EQ(report.recovered, (std::vector{folders[0] + "/x.plist", folders[1] + "/x.plist"}));
     for (const auto& folder : folders) EXPECT_EQ(file_bytes(folder + "/x.plist"), whole);
     EXPECT_TRUE(started(places).recovered.empty());
+}
+
+TEST(start_up, cleans_and_keeps_aside_what_killed_saves_left_in_vaults_that_nobody_changes) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    started(places);
+    const std::string event = places.home_vault + "/Video Groups/a";
+    const std::string whole = write_property_list(property_dictionary());
+    // Each with a stray of two days and one of now.
+    const std::string files[] = {event + "/chron data.plist", event + "/video group.plist",
+                                 event + "/Logger/button dict.plist",
+                                 places.home_vault + "/Single Videos/U/single video.plist",
+                                 places.state_folder + "/Windows/windows open.plist"};
+    std::vector<std::string> old;
+    for (const auto& file : files) {
+        fs::create_directories(path_folder(file));
+        put_file(file, whole);
+        put_file(file + " <previous> 8", whole);
+        old.push_back(file + " temp file 7");
+        put_file(old.back(), whole);
+        fs::last_write_time(old.back(), fs::file_time_type::clock::now() - std::chrono::hours(48));
+    }
+    const auto cleaned_now = [&] {
+        auto cleaned = started(places).cleaned;
+        std::sort(cleaned.begin(), cleaned.end());
+        return cleaned;
+    };
+    {
+        const auto writer = writer_lock::take(event);
+        const auto lock = vault_lock::take(places.home_vault);
+        ASSERT_TRUE(writer && lock);
+        EXPECT_EQ(cleaned_now(), std::vector{old[4]});
+    }
+    {
+        const auto writer = writer_lock::take(event);
+        ASSERT_TRUE(writer);
+        EXPECT_EQ(cleaned_now(), std::vector{old[3]}) << "the code window belongs to the open timeline";
+    }
+    EXPECT_EQ(cleaned_now(), (std::vector{old[2], old[0], old[1]}));
+    for (const auto& file : files) EXPECT_TRUE(file_exists(file + " <previous> 8")) << file;
+
+    // A file that is gone, and one that never was whole: kept aside and told, once.
+    const std::string gone = places.home_vault + "/gone.plist";
+    put_file(gone + " temp file 7", whole);
+    fs::last_write_time(gone + " temp file 7", fs::file_time_type::clock::now() - std::chrono::hours(72));
+    put_file(places.home_vault + "/torn.plist temp file 9", "<plist>");
+    auto first = started(places);
+    std::erase_if(first.messages, [](const auto& text) { return text.starts_with("Vistels was not quit"); });
+    EXPECT_EQ(first.messages.size(), 2U);
+    EXPECT_TRUE(first.recovered.empty());
+    EXPECT_TRUE(file_exists(places.home_vault + "/gone copy 1.plist") && !file_exists(gone));
+    ASSERT_TRUE(note_clean_quit(first, ""));
+    first = {};
+    EXPECT_TRUE(started(places).messages.empty());
 }
 
 TEST(start_up, the_home_vaults_identity_comes_back_from_a_copy) {

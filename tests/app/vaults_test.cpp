@@ -7,12 +7,13 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "app/vault_lock.h"
 #include "app/vault_preferences.h"
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
+#include "support/unprivileged_user.h"
 #include "timeline/writer_lock.h"
 #include "util/property_list.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 namespace {
@@ -160,6 +161,25 @@ TEST(vaults, a_lock_ends_with_its_holder_and_leaves_nothing) {
     for (int round = 0; round < 2; ++round) EXPECT_TRUE(vault_lock::take(home / "Cup.VVault"));
     EXPECT_TRUE(names_in_folder(home / "Cup.VVault").empty());
     EXPECT_FALSE(vault_lock::take(home / "none"));
+}
+
+TEST(vaults, a_lock_is_that_of_the_vault_around_a_folder) {
+    const temporary_folder home;
+    const std::string inside = home / "Cup.VVault/Video Groups/new";
+    EXPECT_TRUE(vault_lock::take_around(inside)) << "where the vault is still to be made";
+    ASSERT_TRUE(create_vault(home.path(), "Cup"));
+    fs::create_directories(home / "plain");
+    for (const bool is_read_only : {false, true}) {
+        const testing::unprivileged_user user(home.path());
+        fs::permissions(home / "Cup.VVault", fs::perms(is_read_only ? 0500 : 0700));
+        const auto lock = vault_lock::take_around(inside);
+        ASSERT_TRUE(lock) << lock.message();
+        EXPECT_EQ(vault_lock::take_around(home / "Cup.VVault").message(),
+                  "Vault 'Cup' is currently being modified.");
+        EXPECT_TRUE(vault_lock::take_around(home / "plain/folder"));
+        EXPECT_TRUE(vault_lock::take_around({}));
+    }
+    EXPECT_TRUE(names_in_folder(home / "Cup.VVault").empty());
 }
 
 TEST(vaults, adding_and_removing) {

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Collections made of movies, their offsets, and what a clip shows of a vistel."""
 
+import fcntl
 import os
 import plistlib
 import pty
@@ -262,6 +263,27 @@ class NewCollection(CommandTest):
         self.assertEqual(self.numbers(self.printed("collection", "remove", folder, "2")), [3, 1, 4])
         self.assertTrue(os.path.isdir(data))
         self.assertIn('"2"', self.complaint("collection", "remove", folder, "2"))
+
+    def test_no_change_beside_another_change_of_the_vault(self):
+        folder = self.collection(self.movie, self.movie)
+        board = self.folder / "board.png"
+        self.printed("collection", "frame", folder, "1", board)
+        vault = self.folder / "Cup.VVault"
+        before = self.files_below(vault)
+        changes = (("new", vault / "Video Groups/Second", "--name", "Second"), ("add", folder, self.movie),
+                   ("add", folder, "--to", "1", self.movie), ("duplicate", folder, "1"),
+                   ("deinterlace", folder, "1"), ("overlay", folder, "1", board), ("remove", folder, "1"),
+                   ("move", folder, "2", "1"), ("close", folder, "2", "--confirmed"),
+                   ("padding", folder, "--replace"), ("resave", folder, "--to", vault / "again"))
+        with open(vault / ".vault change.lock", "w", encoding="utf-8") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            for change in changes:
+                self.assertIn("Vault 'Cup' is currently being modified.", self.complaint("collection", *change))
+        (vault / ".vault change.lock").unlink()
+        self.assertEqual(self.files_below(vault), before)
+        for change in changes[:-1]:
+            self.printed("collection", *change)
+        self.assertFalse((vault / ".vault change.lock").exists())
 
     def test_vistels_are_cloned_and_closed_for_good(self):
         folder = self.collection()

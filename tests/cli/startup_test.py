@@ -3,10 +3,11 @@
 
 import os
 import plistlib
+import shutil
 import time
 import unittest
 
-from support import CommandTest
+from support import CommandTest, clip, row, timeline
 
 
 class Startup(CommandTest):
@@ -33,6 +34,122 @@ class Startup(CommandTest):
         report = self.printed("startup")
         self.assertEqual((report["cleaned"], report["recovered"]), ([str(stray)], [str(torn)]))
         self.assertEqual(plistlib.loads(torn.read_bytes()), {"video group name": "whole"})
+
+    def test_a_stray_of_three_days_brings_no_timeline_back(self):
+        self.printed("startup")
+        folder = self.home / "Home Vault.VVault/Video Groups/a"
+        source = self.write(self.folder / "t.plist", timeline(row("Shot", clip("K", 1.0, 2.0))))
+        self.printed("timeline", "resave", source, "--to", folder)
+        data = folder / "chron data.plist"
+        header = plistlib.loads((folder / "chron data header.plist").read_bytes())
+        self.assertEqual(header["data size"], data.stat().st_size)
+        self.assertRegex(header["data hash"], "^[0-9a-f]{16}$")
+        first = data.read_bytes()
+        source = self.write(self.folder / "t.plist", timeline(row("Shot", clip("K", 1.0, 3.0))))
+        self.printed("timeline", "resave", source, "--to", folder)
+        stray = folder / "chron data.plist temp file 5"
+        for days, content in ((3, first), (3, data.read_bytes()), (0, b"<plist>")):
+            kept = data.read_bytes() if data.exists() else None
+            stray.write_bytes(content)
+            os.utime(stray, (time.time() - days * 86400,) * 2)
+            if kept is not None:
+                data.unlink()
+            messages = self.printed("startup")["messages"]
+            self.assertEqual(len(messages), 1, messages)
+            self.assertFalse(data.exists())
+            self.assertEqual(self.printed("startup")["messages"], [])
+            data.write_bytes(kept)
+        self.assertEqual(sorted(path.name for path in folder.glob("chron data *1.plist")),
+                         ["chron data copy 1.plist", "chron data damaged 1.plist"])
+        stray.write_bytes(first)
+        os.utime(stray, (time.time() - 2 * 86400,) * 2)
+        self.assertEqual(self.printed("startup")["cleaned"], [str(stray)])
+
+    def test_a_file_in_the_place_of_the_state_folder(self):
+        self.home.mkdir()
+        self.state.write_text("mine")
+        self.assertIn(str(self.state), self.complaint("startup"))
+        self.assertEqual(self.state.read_text(), "mine")
+
+    def test_folders_in_the_place_of_files_stay(self):
+        self.printed("startup", "--build", "7")
+        names = ("System/last build used.plist", "Windows/windows open.plist",
+                 "../Home Vault.VVault/home vault information.plist")
+        for name in names:
+            (self.state / name).unlink(missing_ok=True)
+            (self.state / name).mkdir()
+            (self.state / name / "inside").write_text("mine")
+        done = self.run_program("startup", "--build", "8")
+        told = done.stdout + done.stderr
+        for name in names:
+            self.assertEqual([path.name for path in (self.state / name).iterdir()], ["inside"], told)
+            self.assertIn(os.path.basename(name), told)
+
+    def test_a_home_vault_that_was_moved_is_found_again(self):
+        self.printed("startup")
+        usual = self.home / "Home Vault.VVault"
+        identity = (usual / "home vault information.plist").read_bytes()
+        for moved in (self.home / "Mine.VVault", self.home / "a/b/Home Vault.VVault"):
+            moved.parent.mkdir(parents=True, exist_ok=True)
+            (usual if usual.exists() else self.home / "Mine.VVault").rename(moved)
+            self.assertEqual(self.printed("vault", "list")[0]["vault"], str(moved))
+            started = self.printed("startup")
+            self.assertEqual(started["home_vault"], str(moved))
+            self.assertEqual(len(started["messages"]), 1)
+            self.assertIn(str(moved), started["messages"][0])
+            self.assertEqual((moved / "home vault information.plist").read_bytes(), identity)
+            self.assertFalse(usual.exists())
+            self.assertEqual(self.printed("startup")["messages"], [])
+        # One in the trash, another one's, and one without its file, are not found.
+        trash = self.home / "Trash/files/Home Vault.VVault"
+        trash.parent.mkdir(parents=True)
+        moved.rename(trash)
+        self.write(self.home / "Other.VVault/home vault information.plist", {"ID for this file:": "other"})
+        (self.home / "Plain.VVault").mkdir()
+        started = self.printed("startup")
+        self.assertEqual(started["home_vault"], str(usual))
+        self.assertIn(str(moved), started["messages"][0])
+        self.assertNotEqual((usual / "home vault information.plist").read_bytes(), identity)
+
+    def test_windows_of_a_copied_home_open_in_the_copy(self):
+        self.printed("startup")
+        inside = "Home Vault.VVault/Video Groups/a"
+        (self.home / inside).mkdir(parents=True)
+        (self.home / "Home Vault.VVault/gone").mkdir()
+        paths = [self.home / inside, self.home / "Home Vault.VVault/gone", self.folder]
+        self.write(self.state / "Windows/windows open.plist",
+                   {"open windows": [{"root ID": str(order), "order": order, "open_from_path": str(path)}
+                                     for order, path in enumerate(paths)]})
+        shutil.copytree(self.home, self.folder / "copy")
+        (self.folder / "copy/Home Vault.VVault/gone").rmdir()
+        listed = self.printed("startup", "--home", self.folder / "copy")["windows"]
+        self.assertEqual([one["open_from_path"] for one in listed],
+                         [str(self.folder / "copy" / inside), *map(str, paths[1:])])
+        listed = self.printed("startup")["windows"]
+        self.assertEqual([one["open_from_path"] for one in listed], list(map(str, paths)))
+
+    def test_the_list_of_vaults(self):
+        self.printed("startup")
+        home = {"vault": str(self.home / "Home Vault.VVault"), "name": "Home Vault", "focus": True, "away": False}
+        self.assertEqual(self.printed("vault", "list"), [home])
+        cup = self.folder / "Cup.VVault"
+        self.printed("vault", "create", self.folder, "Cup")
+        listed = {"vault": str(cup), "name": "Cup", "focus": False, "away": False}
+        self.assertEqual(self.printed("vault", "list"), [home, listed])
+        focused = [{**home, "focus": False}, {**listed, "focus": True}]
+        self.assertEqual(self.printed("vault", "focus", cup), focused)
+        self.assertEqual(self.printed("settings", "show")["path of focus vault"], str(cup))
+        cup.rename(self.folder / "away")
+        self.assertEqual(self.printed("vault", "list"), [home, {**listed, "away": True}])
+        (self.folder / "away").rename(cup)
+        self.assertEqual(self.printed("vault", "forget", cup), [home])
+        self.assertIn("not listed", self.complaint("vault", "forget", cup))
+        self.assertTrue(cup.is_dir())
+        self.assertEqual(self.printed("vault", "add", cup), [home, listed])
+        self.assertIn("nowhere", self.complaint("vault", "add", self.folder / "nowhere.VVault"))
+        self.write(self.state / "Vault preferences/set focus to new vault.plist", {"set focus to new vault": True})
+        self.printed("vault", "create", self.folder, "New")
+        self.assertEqual([one["name"] for one in self.printed("vault", "list") if one["focus"]], ["New"])
 
     def test_windows_come_back_to_front(self):
         windows = [{"root ID": "B", "order": 2, "open_from_path": "/b"},

@@ -66,6 +66,14 @@ class TimelineFiles(CommandTest):
         self.check_refused(folder, folder / FILE)
         self.assertIsNone(self.printed("timeline", "rows", folder))
 
+    def test_resaving_over_a_folder_leaves_it_alone(self):
+        source = self.write(self.folder / "t.plist", timeline())
+        to = self.folder / "event"
+        (to / FILE).mkdir(parents=True)
+        (to / FILE / "inside").write_text("mine")
+        self.assertIn(str(to / FILE), self.complaint("timeline", "resave", source, "--to", to))
+        self.assertEqual(self.files_below(to), [f"{FILE}/inside"])
+
     def test_json_that_is_no_timeline(self):
         contents = ("", "{", '{"rows": nope}', '{"rows": [}', nested(200, "[", "]"), "[]", "3", '{"a": "\udcff"}')
         for number, content in enumerate(contents):

@@ -22,11 +22,15 @@
 #include "shell/message_bar.h"
 #include "shell/vistel_files.h"
 #include "shell/window_actions.h"
+#include "support/patience.h"
 #include "support/shown_event.h"
 #include "video/synchronised_playback.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 namespace {
+
+using testing::comes_true;
 
 struct collection_window : public testing::shown_event {
     void SetUp() override {
@@ -219,6 +223,36 @@ TEST_F(collection_window, closing_for_good_asks_and_moves_the_data_to_the_trash)
     ASSERT_EQ(vistels().size(), 2u);
     EXPECT_TRUE(std::filesystem::exists(data));
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
+}
+
+TEST_F(collection_window, nothing_is_brought_moved_or_closed_beside_another_change_of_the_vault) {
+    const auto uuids = std::vector{uuid(0), uuid(1)};
+    const auto changes = [&](int which) {
+        if (which == 0) files().add({QString::fromStdString(home / "left end.mp4")}, {});
+        if (which == 1) files().duplicate(uuid(0));
+        if (which == 2) files().move(uuid(0), 1);
+        if (which == 3) files().remove(uuid(1));
+        if (which == 4) {
+            choose(uuid(1), "Close Vistel…");
+            press_button("close_vistel.close");
+        }
+    };
+    auto* bar = find<message_bar>("message");
+    for (int which = 0; which < 5; ++which) {
+        SCOPED_TRACE(which);
+        auto lock = vault_lock::take(places.home_vault);
+        ASSERT_TRUE(lock) << lock.message();
+        bar->clear();
+        changes(which);
+        ASSERT_TRUE(comes_true([&] { return bar->waiting() > 0; }));
+        EXPECT_EQ(bar->text(), "Vault 'Home Vault' is currently being modified.");
+        EXPECT_EQ((std::vector{uuid(0), uuid(1)}), uuids);
+        EXPECT_TRUE(is_folder(vistels()[1]->data_folder()));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    bar->clear();
+    changes(4);
+    EXPECT_EQ(vistels().size(), 1u);
 }
 
 TEST_F(collection_window, a_vistel_is_renamed_and_a_long_name_takes_no_room) {

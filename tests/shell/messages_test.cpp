@@ -112,6 +112,9 @@ TEST(start_messages, tell_all_that_was_put_back_at_once) {
         EXPECT_TRUE(all[0].text.contains(part)) << part;
     EXPECT_FALSE(all[0].text.contains("/v/e"));
     EXPECT_TRUE(all[1].text.contains("older build.\n\nBuild"));
+    EXPECT_EQ(all[1].key, "");
+    report.start_up_message = report.messages[1];
+    EXPECT_EQ(messages_of_start(report)[1].key, "start up message");
 }
 
 }  // namespace

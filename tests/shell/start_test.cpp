@@ -5,16 +5,22 @@
 #include <algorithm>
 #include <map>
 
+#include "app/build_check.h"
 #include "shell/application_options.h"
+#include "shell/build_watch.h"
 #include "shell/display_check.h"
 #include "shell/event_stamp.h"
+#include "shell/qt_run_loop.h"
 #include "shell/sleep_watch.h"
 #include "shell/window_memory.h"
+#include "support/patience.h"
 #include "support/temporary_folder.h"
+#include "util/safe_write.h"
 
 namespace vistels {
 namespace {
 
+using testing::comes_true;
 using testing::temporary_folder;
 
 struct refused_options {
@@ -172,6 +178,25 @@ TEST(window_memory, further_windows_are_cascaded_on_the_screen) {
         }
         all.push_back(next);
     }
+}
+
+TEST(build_watch, a_newer_build_is_told_once) {
+    const temporary_folder home;
+    const home_places places{home / "Home Vault.VVault", home / "Home Folder.VVault"};
+    testing::put_file(home / "running", "this one");
+    qt_run_loop loop;
+    constexpr double often = 0.001;
+    build_watch watch(places, 100, running_executable(home / "vistels", home / "running"), loop, often);
+    std::vector<QString> told;
+    QObject::connect(&watch, &build_watch::told, &watch,
+                     [&](const user_message& message) { told.push_back(message.text); });
+    for (const char* number : {"101", "102"}) {
+        const std::string installed = std::string("Vistels build number: ") + number + ";";
+        ASSERT_TRUE(safe_write_bytes(home / "vistels", installed));
+        const auto is_noted = [&] { return load_build_number(places).available == std::stod(number); };
+        ASSERT_TRUE(comes_true([&] { return is_noted() && !told.empty() && told.back().contains(number); }));
+    }
+    EXPECT_EQ(told.size(), 2u);
 }
 
 }  // namespace

@@ -108,6 +108,10 @@ class failing_files : public file_system {
         const int failed = ask();
         return failed > 0 ? failed : file_system::opened_identity(descriptor, found);
     }
+    int kind(const std::string& path, file_kind& found) override {
+        const int failed = ask();
+        return failed > 0 ? failed : file_system::kind(path, found);
+    }
     int list(const std::string& folder, std::vector<std::string>& names) override {
         const int failed = ask();
         return failed > 0 ? failed : file_system::list(folder, names);

@@ -3,12 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+
+#include <chrono>
 #include <filesystem>
 
 #include "support/failing_files.h"
 #include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
+#include "util/checksum.h"
+#include "util/property_list.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels {
@@ -268,6 +273,110 @@ TEST(document, one_writes_and_a_second_one_reads_until_the_first_is_gone) {
     testing::put_file(folder / "chron data writer.plist",
                       "<plist><dict><key>machine</key><string>elsewhere</string></dict></plist>");
     EXPECT_FALSE(opened(folder.path(), loop)->apply(add_clip("e", 1))) << "another machine may be writing";
+}
+
+// What broken-off saves left of "chron data.plist", by what the header says of it.
+struct strays {
+    temporary_folder folder;
+    simulated_run_loop loop;
+    std::vector<std::string> saved;  // the file's content after each save
+    const std::string path = folder / "t/chron data.plist";
+
+    strays() {
+        const auto document = opened(folder / "t", loop);
+        EXPECT_TRUE(document->apply(add_row("R")));
+        for (const char* clip : {"a", "b", "c"}) {
+            EXPECT_TRUE(document->apply(add_clip(clip, 1)));
+            EXPECT_TRUE(document->save_now());
+            saved.push_back(file_bytes(path));
+        }
+    }
+    void put(const std::string& mark, const std::string& bytes, int days) const {
+        testing::put_file(path + mark + "7", bytes);
+        std::filesystem::last_write_time(path + mark + "7", std::filesystem::file_time_type::clock::now() -
+                                                                std::chrono::hours(24 * days + 1));
+    }
+    std::size_t clips_found() {
+        const auto document = opened(folder / "t", loop);
+        return document ? document->timeline().clip_count() : 0;
+    }
+};
+
+TEST(document, its_header_names_the_content_saved_last_and_the_one_before) {
+    const strays at;
+    const auto header = load_timeline_header(at.folder / "t");
+    EXPECT_EQ(header.data, content_mark_of(at.saved[2]));
+    EXPECT_EQ(header.data_before, content_mark_of(at.saved[1]));
+    const auto stored = read_dictionary_or_empty(at.folder / "t/chron data header.plist");
+    EXPECT_EQ(stored.integer("data size"), static_cast<std::int64_t>(at.saved[2].size()));
+    EXPECT_EQ(stored.text_or_empty("data hash"), checksum_text(checksum(at.saved[2])));
+    // Saved by itself, it names the file that it is saved beside.
+    testing::put_file(at.path, at.saved[0]);
+    timeline_header other = header;
+    other.data = {5, 5};
+    ASSERT_TRUE(save_timeline_header(other, at.folder / "t"));
+    EXPECT_EQ(load_timeline_header(at.folder / "t").data, content_mark_of(at.saved[0]));
+    EXPECT_EQ(load_timeline_header(at.folder / "t").data_before, content_mark_of(at.saved[2]));
+}
+
+TEST(document, a_copy_comes_back_only_as_what_was_saved_last_or_before) {
+    const struct {
+        const char* what;
+        const char* mark;
+        std::size_t save;  // whose content the copy has
+        int days_old;
+        std::size_t clips;
+    } cases[] = {
+        {"the last, moved aside by a save, found after a holiday", " <previous> ", 2, 20, 3},
+        {"the one before", " <previous> ", 1, 20, 2},
+        {"an older one, of a save that was killed", " <previous> ", 0, 3, 0},
+        {"an older one", " temp file ", 0, 0, 0},
+        {"the last, beside a file that a person took away", " temp file ", 2, 3, 0},
+        {"an older one of three days, after that", " temp file ", 0, 3, 0},
+        {"the last, just now", " temp file ", 2, 0, 3},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.what);
+        strays at;
+        std::filesystem::remove(at.path);
+        at.put(one.mark, at.saved[one.save], one.days_old);
+        EXPECT_EQ(at.clips_found(), one.clips);
+        const auto kept = read_file(at.folder / "t/chron data copy 1.plist");
+        EXPECT_EQ(kept.ok(), one.clips == 0) << "kept aside, not thrown away";
+        EXPECT_EQ(at.clips_found(), one.clips);
+    }
+}
+
+// The file is in place, the header is not yet: then the file goes, and what it replaced is there.
+TEST(document, a_save_that_died_between_file_and_header_is_judged_by_its_journal) {
+    struct : testing::unsynced_files {
+        std::string fails;
+        int open(const std::string& path, int flags, int& descriptor) override {
+            if (!fails.empty() && path.find(fails) != std::string::npos && (flags & O_CREAT)) return EIO;
+            return unsynced_files::open(path, flags, descriptor);
+        }
+    } files;
+    strays at;
+    const temporary_folder grave;
+    {
+        const auto document = opened(at.folder / "t", at.loop, files);
+        ASSERT_TRUE(document->apply(add_clip("d", 4)));
+        files.fails = "chron data header.plist";
+        ASSERT_FALSE(document->save_now());
+        std::filesystem::copy(at.folder / "t", grave / "t");
+        files.fails.clear();
+    }
+    EXPECT_EQ(load_timeline_header(grave / "t").data, content_mark_of(at.saved[2]));
+    const std::string path = grave / "t/chron data.plist";
+    const std::string coming = file_bytes(path);
+    ASSERT_NE(coming, at.saved[2]);
+    for (const auto& [mark, bytes] : {std::pair{" <previous> ", at.saved[2]}, {" temp file ", coming}}) {
+        const temporary_folder copy;
+        std::filesystem::copy(grave / "t", copy / "t");
+        std::filesystem::remove(copy / "t/chron data.plist");
+        testing::put_file(copy / "t/chron data.plist" + mark + "7", bytes);
+        EXPECT_EQ(opened(copy / "t", at.loop)->timeline().clip_count(), 4U) << mark;
+    }
 }
 
 TEST(document, a_damaged_timeline_is_not_opened_and_not_overwritten) {

@@ -2,15 +2,20 @@
 #include "util/safe_write.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <set>
 
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
 #include "util/checksum.h"
 #include "util/property_list.h"
+#include "util/recovery.h"
 
 namespace vistels {
 namespace {
@@ -154,38 +159,159 @@ TEST(safe_write, a_process_that_dies_before_any_call_leaves_a_whole_file) {
     }
 }
 
-TEST(recovery, puts_back_the_newest_whole_copy) {
+void make_old(const std::string& path, int hours) {
+    std::filesystem::last_write_time(
+        path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(hours));
+}
+
+TEST(safe_write, what_is_no_plain_file_is_refused_and_left_alone) {
+    for (const char* what : {"folder", "link", "pipe"}) {
+        const temporary_folder folder;
+        const std::string path = folder / "a.plist";
+        put_file(folder / "linked.plist", old_list);
+        if (*what == 'f') {
+            std::filesystem::create_directory(path);
+            put_file(path + "/inside", "x");
+        } else if (*what == 'l') {
+            std::filesystem::create_symlink("linked.plist", path);
+        } else {
+            ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+        }
+        const auto names = names_in_folder(folder.path());
+        known_file known;
+        const auto last = [](const block_writer&) { return std::string_view(new_list); };
+        const auto announce = [](const coming_content&) { return result<void>(); };
+        const std::string messages[] = {safe_write_bytes(path, new_list).message(),
+                                        safe_write(path, "new").message(),
+                                        safe_write_known(path, new_list, known).message(),
+                                        safe_write_known_blocks(path, last, announce, known).message()};
+        for (const auto& message : messages) EXPECT_NE(message.find(path), std::string::npos) << what;
+        EXPECT_EQ(names_in_folder(folder.path()), names) << what;
+        EXPECT_EQ(file_bytes(folder / "linked.plist"), old_list);
+        file_kind kind{};
+        EXPECT_EQ(machine_files().kind(path, kind), 0);
+        EXPECT_NE(kind, file_kind::plain_file) << what;
+    }
+}
+
+TEST(folders, something_else_in_the_place_of_one_is_told) {
+    const temporary_folder folder;
+    put_file(folder / "file", "x");
+    for (const std::string& path : {folder / "file", folder / "file/below"}) {
+        const auto made = make_folders(path);
+        EXPECT_NE(made.message().find(folder / "file"), std::string::npos) << path;
+    }
+    EXPECT_TRUE(make_folders(folder / "a/b"));
+    EXPECT_TRUE(make_folders(folder / "a/b"));
+}
+
+constexpr int day = 24;  // hours
+
+TEST(recovery, puts_back_the_newest_whole_copy_that_counts) {
     const std::string torn = new_list.substr(0, new_list.size() / 2);
-    struct {
+    using known = held_content;
+    const struct {
         const char* what;
         std::string destination;  // empty: missing
         std::string temporary;
         std::string previous;
-        std::string expected;  // empty: nothing was done
-    } const cases[] = {
-        {"whole destination", old_list, new_list, "", ""},
-        {"missing, both copies", "", new_list, old_list, new_list},
-        {"missing, torn temporary", "", torn, old_list, old_list},
-        {"missing, only temporary", "", new_list, "", new_list},
-        {"torn, previous", torn, "", old_list, old_list},
-        {"torn, nothing whole", torn, torn, torn, ""},
+        std::string expected;  // of the file; empty: as it was
+        std::vector<std::string> names_beside;
+        int temporary_hours = 0;
+        int previous_hours = 0;
+        held_content content = known::not_known;
+    } cases[] = {
+        {"whole", old_list, new_list, "", "", {"a.plist temp file 12"}},
+        {"whole, old copies", old_list, new_list, old_list, "", {}, day + 1, 99 * day},
+        {"whole, a save that broke off just now",
+         old_list,
+         torn,
+         old_list,
+         "",
+         {"a.plist <previous> 12", "a.plist temp file 12"},
+         1,
+         99 * day},
+        {"missing, both copies", "", new_list, old_list, new_list, {"a.plist <previous> 12"}},
+        {"missing, both, the last save long ago",
+         "",
+         new_list,
+         old_list,
+         new_list,
+         {"a.plist <previous> 12"},
+         1,
+         99 * day},
+        {"missing, torn temporary", "", torn, old_list, old_list, {"a.plist temp file 12"}, 1, 99 * day},
+        {"missing, only temporary", "", new_list, "", new_list, {}},
+        {"missing, only temporary, old", "", new_list, "", "", {"a copy 1.plist"}, day + 1},
+        {"missing, both old",
+         "",
+         new_list,
+         old_list,
+         "",
+         {"a copy 1.plist", "a copy 2.plist"},
+         day + 1,
+         day + 1},
+        {"missing, both old, known",
+         "",
+         new_list,
+         old_list,
+         new_list,
+         {"a.plist <previous> 12"},
+         3 * day,
+         3 * day,
+         known::yes},
+        {"missing, temporary, old, known", "", new_list, "", "", {"a copy 1.plist"}, 3 * day, 0, known::yes},
+        {"missing, temporary, fresh, known", "", new_list, "", new_list, {}, 1, 0, known::yes},
+        {"missing, previous, old, known", "", "", old_list, old_list, {}, 0, 3 * day, known::yes},
+        {"missing, fresh, another content", "", new_list, "", "", {"a copy 1.plist"}, 0, 0, known::no},
+        {"missing, cannot be told now",
+         "",
+         new_list,
+         old_list,
+         "",
+         {"a.plist <previous> 12", "a.plist temp file 12"},
+         0,
+         0,
+         known::cannot_be_told_now},
+        {"missing, never written whole", "", torn, "", "", {"a damaged 1.plist"}},
+        {"missing, nothing whole", "", torn, torn, "", {"a.plist <previous> 12", "a.plist temp file 12"}},
+        {"torn, previous", torn, "", old_list, old_list, {"a damaged 1.plist"}},
+        {"torn, old copy", torn, new_list, "", "", {"a copy 1.plist"}, day + 1},
+        {"torn, nothing whole", torn, torn, torn, "", {"a.plist <previous> 12", "a.plist temp file 12"}},
     };
     for (const auto& one : cases) {
+        SCOPED_TRACE(one.what);
         const temporary_folder folder;
-        const auto put = [&](const std::string& name, const std::string& bytes) {
-            if (!bytes.empty()) put_file(folder / name, bytes);
+        const auto put = [&](const std::string& name, const std::string& bytes, int hours) {
+            if (bytes.empty()) return;
+            put_file(folder / name, bytes);
+            make_old(folder / name, hours);
         };
-        put("a.plist", one.destination);
-        put("a.plist temp file 12", one.temporary);
-        put("a.plist <previous> 12", one.previous);
-        const auto done = recover_folder(folder.path());
-        EXPECT_EQ(done.recovered.size(), one.expected.empty() ? 0U : 1U) << one.what;
-        EXPECT_EQ(file_bytes(folder / "a.plist"), one.expected.empty() ? one.destination : one.expected)
-            << one.what;
-        if (!one.expected.empty() && !one.destination.empty()) {
-            EXPECT_EQ(file_bytes(folder / "a damaged 1.plist"), one.destination) << one.what;
+        put("a.plist", one.destination, 0);
+        put("a.plist temp file 12", one.temporary, one.temporary_hours);
+        put("a.plist <previous> 12", one.previous, one.previous_hours);
+        const auto count = names_in_folder(folder.path()).size();
+        const auto judge = [&](const std::string& name, const std::string&) {
+            EXPECT_EQ(name, "a.plist");
+            return one.content;
+        };
+        const auto done = recover_folder(folder.path(), machine_files(), judge);
+        EXPECT_EQ(done.recovered.size(), one.expected.empty() ? 0U : 1U);
+        EXPECT_EQ(file_bytes(folder / "a.plist"), one.expected.empty() ? one.destination : one.expected);
+        auto names = names_in_folder(folder.path());
+        std::erase(names, "a.plist");
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ(names, one.names_beside);
+        EXPECT_EQ(done.cleaned.size(), count - names_in_folder(folder.path()).size());
+        const bool is_whole = one.destination == old_list;
+        EXPECT_EQ(done.messages.empty(), is_whole);
+        const auto again = recover_folder(folder.path(), machine_files(), judge);
+        EXPECT_TRUE(again.recovered.empty());
+        // What is still open is told again, everything else once.
+        const bool is_open = one.content == known::cannot_be_told_now || one.temporary == torn;
+        if (!is_open || one.names_beside[0] == "a damaged 1.plist") {
+            EXPECT_EQ(again.messages, std::vector<std::string>());
         }
-        EXPECT_TRUE(recover_folder(folder.path()).recovered.empty()) << one.what;
     }
 }
 
