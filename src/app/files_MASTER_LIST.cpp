@@ -246,7 +246,8 @@ void files_MASTER_LIST::list_items() {
     std::vector<files_Items_Master_list_ITEM_DATA> items;
     std::set<std::tuple<std::uint64_t, std::uint64_t, item_kind>> met;
     std::set<std::string> duplicates;
-    for (const auto& vault : all_) {
+    for (auto& vault : all_) {
+        vault.first_item = items.size();
         for (const auto& item : vault.content->items) {
             if (met.emplace(item.device, item.inode, item.kind).second) {
                 items.push_back(item);
@@ -257,6 +258,7 @@ void files_MASTER_LIST::list_items() {
             if (!logged_duplicates_.contains(text)) log_line(places_, text);
             duplicates.insert(text);
         }
+        vault.item_count = items.size() - vault.first_item;
     }
     logged_duplicates_ = std::move(duplicates);
     items_ = std::move(items);

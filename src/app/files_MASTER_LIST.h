@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,12 +32,15 @@ struct listed_vault {
     bool has_limited_free_space = false;  // less than the percentage of the settings
     // Never null; empty when it is not available. Another pointer is another content.
     std::shared_ptr<const vault_content> content = std::make_shared<vault_content>();
+    std::size_t first_item = 0;  // its part of the list of items
+    std::size_t item_count = 0;
     bool operator==(const listed_vault&) const = default;
 };
 
-// The application's one list of every item in every known vault, kept up to date: what changes in a vault
-// shows as soon as the file system tells of it, or within `look_seconds` where it does not. Made, asked and
-// destroyed on the main thread; vaults are looked through on a queue of its own.
+// The application's one list of every item in every known vault, which the side bar shows and finds in
+// (through content_keeper), kept up to date: what changes in a vault shows as soon as the file system tells
+// of it, or within `look_seconds` where it does not. Made, asked and destroyed on the main thread; vaults are
+// looked through on a queue of its own.
 class files_MASTER_LIST {
   public:
     struct options {
@@ -61,9 +65,13 @@ class files_MASTER_LIST {
     // The vaults to be shown, the home vault first; those that are not available only when the settings say
     // so.
     const std::vector<listed_vault>& vaults() const { return shown_; }
-    // Every item of every vault that is available, each once.
+    // Every item of every vault that is available, each once, vault by vault.
     const std::vector<files_Items_Master_list_ITEM_DATA>& files_Items_App_MASTER_FILE_LIST() const {
         return items_;
+    }
+    // Those of one of vaults(); an item that lies in two is the first one's. Until the next change.
+    std::span<const files_Items_Master_list_ITEM_DATA> items_in(const listed_vault& vault) const {
+        return std::span(items_).subspan(vault.first_item, vault.item_count);
     }
     // When the vaults were last looked at, in seconds since 1970; 0: not yet.
     double last_time_file_list_updated() const { return last_time_file_list_updated_; }

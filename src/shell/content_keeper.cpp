@@ -40,7 +40,7 @@ void content_keeper::refresh() {
 void content_keeper::show() {
     std::vector<content_vault> vaults;
     for (const auto& listed : list_.vaults()) {
-        vaults.push_back(content_of(listed));
+        vaults.push_back(content_of(listed, list_.items_in(listed)));
         for (auto& item : vaults.back().items) {
             if (const auto known = clips_.find(item.path); known != clips_.end()) item.count = known->second;
         }
@@ -51,10 +51,8 @@ void content_keeper::show() {
 
 void content_keeper::count_in_background() {
     std::vector<std::string> folders;
-    for (const auto& listed : list_.vaults()) {
-        for (const auto& item : listed.content->items) {
-            if (item.kind == item_kind::timeline) folders.push_back(item.full_file_path);
-        }
+    for (const auto& item : list_.files_Items_App_MASTER_FILE_LIST()) {
+        if (item.kind == item_kind::timeline) folders.push_back(item.full_file_path);
     }
     const unsigned wanted = ++wanted_;
     queue_.forget_waiting();

@@ -21,7 +21,7 @@ std::string owner_of(const std::set<std::string>& owners, const std::string& fol
 
 }  // namespace
 
-std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITEM_DATA>& found) {
+std::vector<content_item> items_of(std::span<const files_Items_Master_list_ITEM_DATA> found) {
     std::set<std::string> collections;
     std::set<std::string> timelines;
     for (const auto& item : found) {
@@ -31,13 +31,12 @@ std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITE
     std::vector<content_item> items;
     for (const auto& item : found) {
         content_item one{item.kind, item.file_name_, item.full_file_path, {}, -1};
-        one.opens = owner_of(collections, item.full_file_path);
-        const bool belongs = item.kind != item_kind::collection && !one.opens.empty();
-        if (belongs && item.kind != item_kind::markup) continue;
-        if (belongs) one.name = path_name(one.opens);
-        if (item.kind == item_kind::timeline) one.opens = item.full_file_path;
-        if (item.kind == item_kind::markup && one.opens.empty()) {
-            one.opens = owner_of(timelines, item.full_file_path);
+        const bool is_timeline = item.kind == item_kind::timeline;
+        if (is_timeline && collections.contains(one.path)) continue;
+        if (is_timeline || item.kind == item_kind::collection) one.opens = one.path;
+        if (item.kind == item_kind::markup) {
+            one.opens = owner_of(collections, one.path);
+            if (one.opens.empty()) one.opens = owner_of(timelines, one.path);
             if (!one.opens.empty()) one.name = path_name(one.opens);
         }
         items.push_back(std::move(one));
@@ -48,7 +47,8 @@ std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITE
     return items;
 }
 
-content_vault content_of(const listed_vault& listed) {
+content_vault content_of(const listed_vault& listed,
+                         std::span<const files_Items_Master_list_ITEM_DATA> found) {
     content_vault vault;
     vault.name = listed.name;
     vault.path = listed.path;
@@ -58,9 +58,10 @@ content_vault content_of(const listed_vault& listed) {
     vault.is_limited = listed.has_limited_free_space;
     if (!listed.is_available) {
         vault.problem = listed.problem.empty() ? "It is not available." : listed.problem;
-    } else {
-        vault.items = items_of(listed.content->items);
+        return vault;
     }
+    vault.items = items_of(found);
+    for (const auto& item : found) ++vault.counts[static_cast<std::size_t>(item.kind)];
     return vault;
 }
 

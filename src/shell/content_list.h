@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,9 +28,10 @@ struct content_vault {
     std::string name;
     std::string path;
     bool is_home = false;
-    std::string problem;              // why it cannot be listed, for the user; empty when it can
-    std::vector<content_item> items;  // by kind, then by name in natural order
-    bool is_focus = false;            // new items are saved into it
+    std::string problem;                  // why it cannot be listed, for the user; empty when it can
+    std::vector<content_item> items;      // by kind, then by name in natural order
+    std::array<std::size_t, 6> counts{};  // of all it holds, in the order of item_kinds()
+    bool is_focus = false;                // new items are saved into it
     std::optional<volume_space> space;
     bool is_limited = false;  // its volume has less free space than the user wants to be warned of
 };
@@ -41,12 +44,13 @@ struct content_pattern {
     bool operator==(const content_pattern&) const = default;
 };
 
-// The items of a vault that holds these things. What belongs to a collection (its timeline, its code window)
-// is not listed beside it, except the code window, under the collection's name; so is a timeline's.
-std::vector<content_item> items_of(const std::vector<files_Items_Master_list_ITEM_DATA>& found);
+// The items of a vault that holds these things: all but the timelines of collections, which their collections
+// stand for. A code window has the name of the collection or timeline that it belongs to, and opens with it.
+std::vector<content_item> items_of(std::span<const files_Items_Master_list_ITEM_DATA> found);
 
-// A vault of the application's list as the side bar shows it.
-content_vault content_of(const listed_vault& listed);
+// A vault of the application's list, and what the list names in it, as the side bar shows it.
+content_vault content_of(const listed_vault& listed,
+                         std::span<const files_Items_Master_list_ITEM_DATA> found);
 
 // The clips of a collection or timeline, or -1; reads the whole timeline, so it takes its time. Any thread.
 long long count_clips(const std::string& folder);

@@ -4,7 +4,6 @@
 #include <QLocale>
 #include <QStringList>
 #include <algorithm>
-#include <array>
 #include <unordered_set>
 #include <utility>
 
@@ -93,7 +92,7 @@ QString vault_tip(const content_vault& vault) {
     if (!vault.problem.empty()) {
         parts << QString::fromStdString(vault.problem);
     } else {
-        parts << content_summary(vault.items);
+        parts << content_summary(vault.counts);
     }
     if (vault.is_home) parts << QObject::tr("The home vault");
     if (vault.is_focus) parts << QObject::tr("The focus vault: new items are saved here");
@@ -110,16 +109,14 @@ QString vault_spoken(const content_vault& vault) {
     QStringList parts{QObject::tr("%1, vault").arg(QString::fromStdString(vault.name))};
     if (vault.is_home) parts << QObject::tr("home vault");
     if (vault.is_focus) parts << QObject::tr("focus vault");
-    parts << (vault.problem.empty() ? content_summary(vault.items) : QString::fromStdString(vault.problem));
+    parts << (vault.problem.empty() ? content_summary(vault.counts) : QString::fromStdString(vault.problem));
     if (const QString space = space_warning(vault); !space.isEmpty()) parts << space;
     return parts.join(QStringLiteral(", "));
 }
 
 }  // namespace
 
-QString content_summary(const std::vector<content_item>& items) {
-    std::array<std::size_t, std::size(group_order)> counts{};
-    for (const auto& item : items) ++counts[static_cast<std::size_t>(item.kind)];
+QString content_summary(const std::array<std::size_t, 6>& counts) {
     QStringList parts;
     for (const item_kind kind : group_order) {
         const auto count = counts[static_cast<std::size_t>(kind)];
@@ -390,7 +387,7 @@ QVariant content_model::vault_data(const vault_node& node, int asked) const {
         case path_role:
             return QString::fromStdString(vault.path);
         case summary_role:
-            return vault.problem.empty() ? content_summary(vault.items) : QString();
+            return vault.problem.empty() ? content_summary(vault.counts) : QString();
         case space_role:
             return space_warning(vault);
         case problem_role:

@@ -3,6 +3,7 @@
 
 #include <QAbstractItemModel>
 #include <QString>
+#include <array>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -87,8 +88,8 @@ class content_model final : public QAbstractItemModel {
     QString open_fact_;
 };
 
-// "12 collections, 3 timelines"; "Nothing in it yet" for none.
-QString content_summary(const std::vector<content_item>& items);
+// "12 collections, 14 timelines"; "Nothing in it yet" for none. `counts` in the order of item_kinds().
+QString content_summary(const std::array<std::size_t, 6>& counts);
 // "212 GB", with one decimal below 10.
 QString space_text(double bytes);
 

@@ -134,8 +134,15 @@ TEST_F(master_list, an_item_met_twice_is_listed_once_and_logged_once) {
     auto paths = load_added_vaults(places);
     paths.paths.push_back(cup + "/Inner");
     ASSERT_TRUE(save_added_vaults(places, paths));
+    put_marker(places.home_vault + "/b/Matrix.plist");
     const auto list = started({false, {}, never_seconds});
-    EXPECT_EQ(list->files_Items_App_MASTER_FILE_LIST().size(), 1U);
+    EXPECT_EQ(list->files_Items_App_MASTER_FILE_LIST().size(), 2U);
+    std::vector<std::string> items;  // by vault
+    for (const auto& vault : list->vaults()) {
+        items.push_back(vault.name + ":");
+        for (const auto& item : list->items_in(vault)) items.back() += " " + item.file_name_;
+    }
+    EXPECT_EQ(items, (std::vector<std::string>{"Home Vault: b", "Cup: a", "Inner:"}));
     const double before = list->last_time_file_list_updated();
     list->refresh();
     ASSERT_TRUE(wait([&] { return list->last_time_file_list_updated() > before; }));

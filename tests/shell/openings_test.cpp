@@ -109,18 +109,25 @@ TEST_F(vault_home, new_collections_get_folders_of_their_own) {
 
 TEST_F(vault_home, the_list_shows_each_thing_once) {
     make("Timelines/Alone", "chron data.plist");
+    make("Video Groups/Match 2/Second half", "chron data.plist");
+    make("Video Groups/Match 2/Set pieces", "composer info.plist");
+    make("Video Groups/Match 2/Shots", "Table.plist");
+    make("Video Groups/Match 10/Passes", "Matrix.plist");
     const auto content = scan_vault(places.home_vault);
     ASSERT_TRUE(content.ok());
     const auto items = items_of(content.value().items);
     std::vector<std::pair<item_kind, std::string>> found;
     for (const auto& item : items) found.emplace_back(item.kind, item.name);
-    const std::vector<std::pair<item_kind, std::string>> expected = {{item_kind::collection, "Match 2"},
-                                                                     {item_kind::collection, "Match 10"},
-                                                                     {item_kind::timeline, "Alone"},
-                                                                     {item_kind::markup, "Match 2"}};
+    const std::vector<std::pair<item_kind, std::string>> expected = {
+        {item_kind::collection, "Match 2"},  {item_kind::collection, "Match 10"},
+        {item_kind::timeline, "Alone"},      {item_kind::timeline, "Second half"},
+        {item_kind::composer, "Set pieces"}, {item_kind::markup, "Match 2"},
+        {item_kind::table, "Shots"},         {item_kind::matrix, "Passes"}};
     EXPECT_EQ(found, expected);
     EXPECT_EQ(items[2].opens, in_vault("Timelines/Alone"));
-    EXPECT_EQ(items[3].opens, in_vault("Video Groups/Match 2"));
+    EXPECT_EQ(items[3].opens, in_vault("Video Groups/Match 2/Second half"));
+    EXPECT_EQ(items[5].opens, in_vault("Video Groups/Match 2"));
+    for (const std::size_t kept_closed : {4, 6, 7}) EXPECT_EQ(items[kept_closed].opens, "");
 }
 
 TEST(shuttle, goes_faster_at_each_press_and_turns_at_once) {

@@ -29,6 +29,7 @@ content_vault vault(const std::string& name, std::vector<content_item> items) {
     content_vault made;
     made.name = name;
     made.path = "/" + name;
+    for (const auto& item : items) ++made.counts[static_cast<std::size_t>(item.kind)];
     made.items = std::move(items);
     return made;
 }

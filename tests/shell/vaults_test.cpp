@@ -228,6 +228,18 @@ TEST_F(vault_window, what_comes_into_a_vault_shows_and_what_cannot_be_opened_is_
     EXPECT_EQ(shown.paths.size(), 2);
     EXPECT_EQ(messages().waiting(), 1u);
     EXPECT_FALSE(session().is_open());
+
+    // What lies below a collection is listed; its timeline is counted, and shown by the collection.
+    const std::string match = path_join(places.home_vault, "Video Groups/Final");
+    testing::put_stored_event(places.home_vault, match, 0);
+    testing::put_stored_timeline(match);
+    std::filesystem::create_directories(path_join(match, "Passes"));
+    put_file(path_join(match, "Passes/Matrix.plist"), "<plist/>");
+    open_line("Passes");
+    EXPECT_EQ(shown.paths.back(), QString::fromStdString(path_join(match, "Passes")));
+    EXPECT_FALSE(session().is_open());
+    EXPECT_EQ(line("Home Vault").data(content_model::summary_role).toString(),
+              "1 collection, 1 timeline, 1 composer, 1 matrix");
 }
 
 TEST_F(vault_window, a_timeline_alone_is_coded_on_a_clock) {
