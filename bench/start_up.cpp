@@ -156,7 +156,7 @@ void start_core(const home_places& places, std::size_t items, const std::functio
     const auto is_complete = [&] { return list.files_Items_App_MASTER_FILE_LIST().size() == items; };
     if (!loop.run_until(is_complete, 60)) stop_with("the list did not become complete");
     done();
-    if (const auto noted = note_clean_quit(report.value(), {}); !noted) stop_with(noted.message());
+    if (const auto noted = note_clean_quit(report.value()); !noted) stop_with(noted.message());
 }
 
 bool print(const char* what, const figures& ours, const figures& peer, double most) {
@@ -182,7 +182,7 @@ bool run(const std::string& folder, int collections, bool cold) {
         const auto report = start_up(places, 100, 0);
         if (!report) stop_with(report.message());
         done();
-        if (const auto noted = note_clean_quit(report.value(), {}); !noted) stop_with(noted.message());
+        if (const auto noted = note_clean_quit(report.value()); !noted) stop_with(noted.message());
     };
     print("the start-up steps alone, warm", measure(warm_runs, false, steps_alone),
           measure(warm_runs, false, peer), most_seconds);

@@ -214,6 +214,10 @@ std::string open_event::name() const {
     return name.empty() ? path_name(folder_) : name;
 }
 
+std::string open_event::uuid() const {
+    return has_collection_ ? collection_.uuid() : timeline_->header().uuid;
+}
+
 // The collection names its timeline; an older one gets what it lacks.
 void open_event::link_collection() {
     if (collection_.uuid().empty()) collection_.set_uuid(new_uuid());

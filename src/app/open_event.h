@@ -44,8 +44,9 @@ class open_event {
     const video_collection_ROOT& collection() const { return collection_; }
     // False for a timeline that belongs to no collection.
     bool has_collection() const { return has_collection_; }
-    // The collection's, or else the timeline's.
+    // Both are the collection's, or else the timeline's.
     std::string name() const;
+    std::string uuid() const;
     timeline_document& timeline() { return *timeline_; }
     press_engine& logger() { return *logger_; }
     synchronised_playback& playback() { return *playback_; }

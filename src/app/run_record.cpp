@@ -17,7 +17,6 @@ namespace {
 
 constexpr const char* loaded_key = "loaded at";
 constexpr const char* ended_key = "terminated correctly at";
-constexpr const char* focus_key = "uuid last focus 2";
 
 // The lock's descriptor; negative while another program holds it. Where nothing can be locked or written this
 // program counts as alone: it is then the only one that can be known of.
@@ -51,7 +50,7 @@ run_record::~run_record() {
 run_record::last_run run_record::begin(result<void>& written) {
     const auto before = read_settings(places_, correctly_terminated_file);
     last_run last;
-    last.uuid_last_focus = before.text_or_empty(focus_key);
+    last.uuid_last_focus = before.text_or_empty(last_focus_key);
     if (!is_alone()) return last;
     last.loaded_at = stored_time(before, loaded_key);
     const auto ended = stored_time(before, ended_key);
@@ -66,12 +65,11 @@ run_record::last_run run_record::begin(result<void>& written) {
     return last;
 }
 
-result<void> run_record::end(const std::string& uuid_last_focus) {
+result<void> run_record::end() {
     if (!is_alone()) return {};
     const auto loaded = stored_time(read_settings(places_, correctly_terminated_file), loaded_key);
     property_dictionary stored;
     stored.add(ended_key, std::max(seconds_since_1970(), loaded.value_or(0)));
-    if (!uuid_last_focus.empty()) stored.add(focus_key, uuid_last_focus);
     return write_settings(places_, correctly_terminated_file, stored);
 }
 

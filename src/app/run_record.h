@@ -13,6 +13,7 @@
 namespace vistels {
 
 inline constexpr settings_file correctly_terminated_file{"", "correctly terminated.plist"};
+inline constexpr const char* last_focus_key = "uuid last focus 2";
 
 // The record of this run in "correctly terminated.plist". Of several programs that run with one state folder
 // the first one keeps it; the others leave it alone. Main thread.
@@ -37,7 +38,7 @@ class run_record {
     // Notes that this run has begun and tells of the one before.
     last_run begin(result<void>& written);
     // Notes that it ended as it should.
-    result<void> end(const std::string& uuid_last_focus);
+    result<void> end();
 
   private:
     const home_places places_;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/home_vault.h"
+#include "app/last_focus.h"
 #include "app/mending.h"
 #include "app/settings.h"
 #include "app/vault_preferences.h"
@@ -163,7 +164,6 @@ result<start_up_report> start_up(const home_places& places, double build, double
     const auto last = report.run->begin(noted);
     tell(report, noted);
     report.ended_well_before = last.ended_well;
-    report.uuid_last_focus = last.uuid_last_focus;
     if (!last.ended_well) {
         report.messages.insert(report.messages.begin(), told_of_unclean_end(last, report.recovered));
     }
@@ -172,11 +172,12 @@ result<start_up_report> start_up(const home_places& places, double build, double
         report.messages.push_back(std::move(focus.message));
     }
     report.windows = load_open_windows(places);
+    report.folder_last_focus = folder_of_last_focus(last.uuid_last_focus, report.windows, report.trees);
     return report;
 }
 
-result<void> note_clean_quit(const start_up_report& report, const std::string& uuid_last_focus) {
-    return report.run ? report.run->end(uuid_last_focus) : result<void>();
+result<void> note_clean_quit(const start_up_report& report) {
+    return report.run ? report.run->end() : result<void>();
 }
 
 }  // namespace vistels

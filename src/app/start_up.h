@@ -22,7 +22,7 @@ struct start_up_report {
     std::string start_up_message;        // the one of them that is known as start_up_message_id; else empty
     std::vector<open_window> windows;    // to be opened again, front to back
     bool ended_well_before = true;       // the previous run was quit, not killed
-    std::string uuid_last_focus;         // of the item that had the focus when it was quit
+    std::string folder_last_focus;       // of the item that had the focus last; empty: not known
     std::vector<vault_tree> trees;       // what was seen of the vaults, for the list of their items
     std::shared_ptr<run_record> run;     // to be kept for as long as the program runs
 };
@@ -36,7 +36,7 @@ struct start_up_report {
 // this program has been running.
 result<start_up_report> start_up(const home_places& places, double build, double running_seconds);
 
-// Notes that the run ended as it should, with the UUID of the item that had the focus.
-result<void> note_clean_quit(const start_up_report& report, const std::string& uuid_last_focus);
+// Notes that the run ended as it should.
+result<void> note_clean_quit(const start_up_report& report);
 
 }  // namespace vistels

@@ -36,7 +36,7 @@ result<command_outcome> run_startup(const home_places& places, double build) {
     printed.add("recovered", texts(report.value().recovered));
     printed.add("messages", texts(report.value().messages));
     printed.add("windows", std::move(windows));
-    if (auto noted = note_clean_quit(report.value(), {}); !noted) return noted.error();
+    if (auto noted = note_clean_quit(report.value()); !noted) return noted.error();
     return command_outcome{std::move(printed)};
 }
 

@@ -80,9 +80,11 @@ int run(QApplication& application, const application_options& options, terminati
     const bool is_alone = started.value().run->is_alone();
     window_set windows(places, loop,
                        {std::move(started.value().trees), is_alone, {options.width, options.height}});
-    window_set::first first{options.paths, started.value().windows, messages_of_start(started.value())};
+    window_set::first first{options.paths, started.value().windows, messages_of_start(started.value()),
+                            started.value().folder_last_focus};
     // Beside another program all but one would be read-only copies of what is open there.
-    if (!is_alone && first.listed.size() > 1) first.listed.resize(1);
+    const std::size_t most_listed = options.paths.empty() ? 1 : 0;
+    if (!is_alone && first.listed.size() > most_listed) first.listed.resize(most_listed);
     windows.begin(std::move(first));
     trace_front(windows);
     build_watch builds(places, VISTELS_BUILD_NUMBER, std::move(executable), loop);
@@ -97,7 +99,8 @@ int run(QApplication& application, const application_options& options, terminati
     }
     ending.start([&windows] { windows.quit(); });
     const int status = QApplication::exec();
-    const auto noted = note_clean_quit(started.value(), {});
+    windows.wait_until_kept();  // in the same file, of the window that had the focus
+    const auto noted = note_clean_quit(started.value());
     if (!noted) std::fprintf(stderr, "vistels: %s\n", noted.message().c_str());
     return status;
 }

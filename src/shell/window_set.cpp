@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "app/known_vaults.h"
+#include "app/last_focus.h"
+#include "app/open_event.h"
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
@@ -98,37 +100,56 @@ void window_set::begin(first wanted) {
 // The windows to begin with, front to back.
 std::vector<window_set::member> window_set::members_of(const first& wanted) {
     std::vector<member> planned;
-    const auto plan = [&](first_step step, opening what, const std::string& root_id) {
-        member one;
-        one.root_id = root_id;
-        one.step = step;
-        one.wanted = std::move(what);
-        planned.push_back(std::move(one));
-    };
-    if (!wanted.paths.empty()) {
-        openings asked = what_to_open(wanted.paths);
-        for (const auto& why : asked.refused) {
-            first_messages_.push_back(
-                {user_message::tone::error, tr("This can't be opened"), QString::fromStdString(why), {}, {}});
-        }
-        for (auto& one : asked.found) plan(first_step::what_was_asked, std::move(one), {});
-        if (planned.empty()) plan(first_step::nothing, {}, {});
-        return planned;
+    plan_asked(wanted, planned);
+    plan_listed(wanted, planned);
+    if (planned.empty()) {
+        auto& one = planned.emplace_back();
+        if (!wanted.paths.empty()) return planned;
+        one.step = first_step::something;
+        one.wanted.folder = wanted.focused;
     }
+    return planned;
+}
+
+// What was open before has its window's place.
+void window_set::plan_asked(const first& wanted, std::vector<member>& planned) {
+    openings asked = what_to_open(wanted.paths);
+    for (const auto& why : asked.refused) {
+        first_messages_.push_back(
+            {user_message::tone::error, tr("This can't be opened"), QString::fromStdString(why), {}, {}});
+    }
+    for (auto& what : asked.found) {
+        auto& one = planned.emplace_back();
+        one.step = first_step::what_was_asked;
+        const bool is_vault = what.what == opening::kind::vault && !wanted.listed.empty();
+        const std::string folder = is_vault ? first_collection_in(what.folder) : what.folder;
+        for (const auto& before : wanted.listed) {
+            if (folder.empty() || !is_same_folder(before.open_from_path, folder)) continue;
+            one.root_id = before.root_id;
+            if (is_vault) what = {opening::kind::collection, folder, {}};
+        }
+        one.wanted = std::move(what);
+    }
+}
+
+void window_set::plan_listed(const first& wanted, std::vector<member>& planned) {
+    const auto first_listed = static_cast<std::ptrdiff_t>(planned.size());
     for (const auto& before : wanted.listed) {
         const std::string& folder = before.open_from_path;
         const bool is_planned = std::any_of(planned.begin(), planned.end(), [&](const member& one) {
             return is_same_folder(one.wanted.folder, folder);
         });
         if (folder.empty() || is_planned) continue;
-        if (can_be_opened(folder)) {
-            plan(first_step::what_was_open, {opening::kind::collection, folder, {}}, before.root_id);
-        } else {
+        if (!can_be_opened(folder)) {
             tell_gone(before);
+            continue;
         }
+        const bool had_focus = folder == wanted.focused;
+        auto& one = *planned.emplace(had_focus ? planned.begin() + first_listed : planned.end());
+        one.root_id = before.root_id;
+        one.step = first_step::what_was_open;
+        one.wanted = {opening::kind::collection, folder, {}};
     }
-    if (planned.empty()) plan(first_step::something, {}, {});
-    return planned;
 }
 
 void window_set::tell_gone(const open_window& before) {
@@ -223,7 +244,7 @@ void window_set::open_next() {
             opener.open_folder(what.folder);
             break;
         case first_step::something:
-            opener.open_last_or_demo({});
+            opener.open_last_or_demo(what.folder);
             break;
     }
     show_state();
@@ -422,10 +443,15 @@ void window_set::keep() {
         one.order = static_cast<std::int64_t>(open.size());
         open.push_back(std::move(one));
     }
+    // Where no event is open in front, what had the focus before is what to come back to.
+    const open_event* focused = members_.front().window->session().shown_event();
     queue_.forget_waiting();
-    queue_.post([places = places_, open = std::move(open), memories = std::move(memories)] {
-        (void)save_open_windows(places, open);
-        (void)save_window_memories(places, memories);
+    queue_.post([this, open = std::move(open), memories = std::move(memories),
+                 uuid = focused ? focused->uuid() : std::string()] {
+        (void)save_open_windows(places_, open);
+        (void)save_window_memories(places_, memories);
+        const bool is_noted = uuid.empty() || uuid == noted_focus_;
+        if (!is_noted && note_focus(places_, uuid)) noted_focus_ = uuid;
     });
 }
 

@@ -25,9 +25,9 @@ namespace vistels {
 class main_window;
 
 // The application's windows, each with an event of its own. It makes and places them, knows which is in
-// front, and keeps on disk which are open and how they stand: whenever that changes, so that they come back
-// after a kill too. They share one list of vaults. Only the one in front is heard. Main thread; the files are
-// written on a queue of its own.
+// front, and keeps on disk which are open, how they stand and what has the focus: whenever that changes, so
+// that they come back after a kill too. They share one list of vaults. Only the one in front is heard. Main
+// thread; the files are written on a queue of its own.
 class window_set : public QObject {
     Q_OBJECT
   public:
@@ -44,14 +44,16 @@ class window_set : public QObject {
 
     // What the program starts with.
     struct first {
-        std::vector<std::string> paths;      // of the command line; they win over `listed`
+        std::vector<std::string> paths;      // of the command line; they open in front of `listed`
         std::vector<open_window> listed;     // open before, front to back
         std::vector<user_message> messages;  // told in the front window
+        std::string focused = {};            // the folder that had the focus before; empty: not known
     };
-    // Makes the first windows. When the one in front has drawn itself the events open, the front one first.
-    // A listed window whose folder is gone is told and left out; while its vault is away it stays listed for
-    // the next start, unless the user says otherwise. With nothing to open there is one window with the first
-    // event of the home vault, or the demo event.
+    // Makes the first windows: of the paths, and behind them of what was open before, what had the focus
+    // first. When the one in front has drawn itself the events open, the front one first. A listed window
+    // whose folder is gone is told and left out; while its vault is away it stays listed for the next start,
+    // unless the user says otherwise. With nothing to open there is one window with what had the focus, else
+    // the first event of the home vault, or the demo event.
     void begin(first wanted);
 
     // Opens it in a new window in front; a folder that a window shows already comes to the front instead.
@@ -87,6 +89,8 @@ class window_set : public QObject {
     };
 
     std::vector<member> members_of(const first& wanted);
+    void plan_asked(const first& wanted, std::vector<member>& planned);
+    void plan_listed(const first& wanted, std::vector<member>& planned);
     void tell_gone(const open_window& before);
     member& add(member made, window_memory memory);
     void connect_window(main_window& window);
@@ -115,8 +119,9 @@ class window_set : public QObject {
     std::vector<open_window> away_;  // not opened, since their vaults are away
     std::vector<user_message> first_messages_;
     int last_number_ = 0;
-    bool ending_ = false;  // what is on disk stays
-    QTimer places_timer_;  // after a window was moved
+    bool ending_ = false;      // what is on disk stays
+    QTimer places_timer_;      // after a window was moved
+    std::string noted_focus_;  // as it stands on disk; used on the queue alone
     serial_queue queue_{"windows"};
 };
 

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "app/last_focus.h"
 #include "app/settings.h"
 #include "app/vault_preferences.h"
 #include "app/vaults.h"
@@ -67,12 +68,13 @@ TEST(start_up, tells_a_run_that_was_killed_from_one_that_was_quit) {
         ASSERT_FALSE(after_kill.messages.empty());
         EXPECT_TRUE(after_kill.messages[0].starts_with("Vistels was not quit properly"));
         EXPECT_NE(after_kill.messages[0].find(places.home_vault + "/x.plist"), std::string::npos);
-        EXPECT_TRUE(note_clean_quit(after_kill, "FOCUS"));
+        EXPECT_TRUE(note_focus(places, "FOCUS"));
+        EXPECT_TRUE(note_clean_quit(after_kill));
     }
     const auto after_quit = started(places);
     EXPECT_TRUE(after_quit.ended_well_before);
-    EXPECT_EQ(after_quit.uuid_last_focus, "FOCUS");
     const auto stored = read_dictionary_or_empty(places.state_folder + "/correctly terminated.plist");
+    EXPECT_EQ(stored.text_or_empty("uuid last focus 2"), "FOCUS");
     EXPECT_TRUE(stored.number("loaded at") && stored.number("terminated correctly at"));
 }
 
@@ -88,7 +90,7 @@ TEST(start_up, a_second_program_beside_a_running_one_leaves_its_record_and_its_f
         const auto second = started(places);
         EXPECT_TRUE(second.ended_well_before);
         EXPECT_TRUE(second.recovered.empty() && second.messages.empty());
-        EXPECT_TRUE(note_clean_quit(second, "OTHER"));
+        EXPECT_TRUE(note_clean_quit(second));
     }
     EXPECT_EQ(file_bytes(record), begun);
     EXPECT_TRUE(file_exists(copy));
@@ -102,7 +104,7 @@ TEST(start_up, an_end_before_its_start_by_a_clock_set_back_is_an_end) {
     future.add("terminated correctly at", property_date{4.1e9});
     fs::create_directories(places.state_folder);
     ASSERT_TRUE(safe_write(places.state_folder + "/correctly terminated.plist", future));
-    EXPECT_TRUE(note_clean_quit(started(places), ""));
+    EXPECT_TRUE(note_clean_quit(started(places)));
     EXPECT_TRUE(started(places).ended_well_before);
     EXPECT_FALSE(started(places).ended_well_before);
 }
@@ -137,14 +139,14 @@ TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults
 TEST(start_up, a_home_that_is_read_only_starts_and_tells) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
-    ASSERT_TRUE(note_clean_quit(started(places), ""));
+    ASSERT_TRUE(note_clean_quit(started(places)));
     const testing::unprivileged_user user(home.path());
     for (const char* mode : {"a-w", "u+w"}) {
         ASSERT_EQ(std::system(("chmod -R " + std::string(mode) + " '" + home.path() + "'").c_str()), 0);
         const auto report = started(places, 101);
         EXPECT_EQ(report.messages.empty(), *mode == 'u');
         for (const auto& text : report.messages) EXPECT_NE(text.find(home.path()), text.npos) << text;
-        EXPECT_EQ(note_clean_quit(report, "").ok(), *mode == 'u');
+        EXPECT_EQ(note_clean_quit(report).ok(), *mode == 'u');
     }
 }
 
@@ -204,7 +206,7 @@ TEST(start_up, build_check) {
         const auto report = started(places, build);
         EXPECT_EQ(report.messages.size(), messages) << build;
         EXPECT_EQ(report.start_up_message, messages ? report.messages[0] : "") << build;
-        EXPECT_TRUE(note_clean_quit(report, ""));
+        EXPECT_TRUE(note_clean_quit(report));
     }
     const auto stored = read_dictionary_or_empty(places.state_folder + "/System/last build used.plist");
     EXPECT_EQ(stored.number("last build"), 111);

@@ -18,6 +18,7 @@
 #include <tuple>
 
 #include "app/open_windows.h"
+#include "app/run_record.h"
 #include "app/start_up.h"
 #include "logger/press_engine.h"
 #include "shell/content_side_bar.h"
@@ -29,6 +30,7 @@
 #include "shell/window_actions.h"
 #include "shell/window_set.h"
 #include "support/patience.h"
+#include "support/stored_event.h"
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
 #include "timeline/sxy_Save_Load.h"
@@ -56,8 +58,10 @@ struct windows : public ::testing::Test {
 
     // Starts as the program does, and waits until all is open.
     void start(std::vector<std::string> paths = {}) {
+        const auto report = start_up(places, 1, 0);
+        ASSERT_TRUE(report.ok());
         set = std::make_unique<window_set>(places, loop);
-        set->begin({std::move(paths), load_open_windows(places), {}});
+        set->begin({std::move(paths), report.value().windows, {}, report.value().folder_last_focus});
         ASSERT_TRUE(comes_true([this] {
             const auto all = set->windows();
             return std::all_of(all.begin(), all.end(), [](auto* one) { return one->session().is_open(); });
@@ -228,6 +232,60 @@ TEST_F(windows, that_have_not_opened_yet_are_listed_too) {
     for (const auto& one : load_open_windows(places)) paths.push_back(path_name(one.open_from_path));
     EXPECT_EQ(paths, (names{"First half", "Second half", "Training"}));
     EXPECT_TRUE(comes_true([&] { return !listed().empty() && !listed().back().empty(); }));
+    quit();
+}
+
+TEST_F(windows, of_the_last_session_open_behind_a_path_and_stay_remembered) {
+    start_with({"First half", "Second half"});
+    set->front()->setGeometry(0, 30, 1100, 700);
+    quit();
+    start_with({"Training"});
+    EXPECT_EQ(shown(), (names{"Training", "First half", "Second half"}));
+    EXPECT_EQ(listed(), (names{"Training", "First half", "Second half"}));
+    quit();
+    start_with({"First half"});
+    EXPECT_EQ(shown(), (names{"First half", "Training", "Second half"})) << "each once";
+    EXPECT_EQ(set->front()->height(), 700) << "in its own window";
+    quit();
+    // A vault stands for its first collection, which may be among them.
+    testing::put_stored_event(places.home_vault, in_vault("Video Groups/Final"), 0);
+    start({in_vault("Video Groups/Final")});
+    quit();
+    start({in_vault("Training"), places.home_vault});
+    EXPECT_EQ(shown(), (names{"Training", "Final", "First half", "Second half"}));
+    quit();
+}
+
+TEST_F(windows, what_had_the_focus_is_kept_as_it_changes_and_gets_it_again) {
+    for (const char* name : {"First half", "Second half", "Training"}) {
+        timeline_header header;
+        header.uuid = name;
+        ASSERT_TRUE(save_timeline_header(header, in_vault(name)).ok());
+    }
+    const auto kept = [this] {
+        set->wait_until_kept();
+        return read_settings(places, correctly_terminated_file).text_or_empty("uuid last focus 2");
+    };
+    start_with({"First half", "Second half"});
+    EXPECT_EQ(kept(), "First half");
+    choose(set->front(), "Second half");
+    EXPECT_EQ(kept(), "Second half");
+    trigger(set->front(), command::new_window);
+    wait_for_front("");
+    EXPECT_EQ(kept(), "Second half") << "nothing is open in front";
+    set->front()->opener().open_folder(in_vault("Training"));
+    EXPECT_EQ(kept(), "Training");
+    quit();
+    auto order = load_open_windows(places);
+    ASSERT_EQ(order.size(), 3u);
+    for (auto& one : order) one.order = 3 - one.order;
+    ASSERT_TRUE(save_open_windows(places, order).ok());
+    start();
+    EXPECT_EQ(shown(), (names{"Training", "First half", "Second half"}));
+    quit();
+    ASSERT_TRUE(save_open_windows(places, {}).ok());
+    start();
+    EXPECT_EQ(shown(), names{"Training"}) << "and not the first event of the home vault";
     quit();
 }
 
