@@ -2,7 +2,7 @@
 //
 // Measures the opening of a collection: its record, and for each vistel the record and the movie parts in its
 // data folder. No movie is opened.
-//   bench_collection_open [--vistels N] [--parts N] [--at FOLDER]
+//   bench_collection_open [--short] [--vistels N] [--parts N] [--at FOLDER]
 // The peer reads the same files and parses them with expat alone, with empty handlers: it looks at no folder
 // and keeps nothing. Both take turns; the figure is the median. Exits with 1 when the target is missed.
 
@@ -119,6 +119,7 @@ std::size_t parts_of(const video_collection_ROOT& collection) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    const bool is_short = take_short(count, arguments);
     int vistels = 16;
     int parts = 200;
     std::string at = fs::temp_directory_path().string();
@@ -153,5 +154,5 @@ int main(int count, char** arguments) {
                 parts, typical * 1e3, most_seconds * 1e3, median(pairs.ours) * 1e3);
     std::printf("expat alone on the same files: %.2f ms, ours %.2f times\n", median(pairs.theirs) * 1e3,
                 pairs.ratio());
-    return typical <= most_seconds ? 0 : 1;
+    return typical <= most_seconds || is_short ? 0 : 1;
 }

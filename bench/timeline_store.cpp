@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Measures loading and saving of timelines on a corpus that it makes.
-//   bench_timeline_store [--quick]
+//   bench_timeline_store [--quick | --short]
 // Processor time in all figures; ours and the peer's runs take turns, ratios are medians of pairs. --quick
 // takes a tenth of the clips and fewer runs, for a look while working. Exits with 1 when a target is missed.
 
@@ -29,6 +29,12 @@ namespace {
 
 using namespace vistels;
 using namespace vistels::bench;
+
+constexpr std::size_t most_clips = 1'000'000;
+// The clips of a run are these parts of all.
+constexpr std::size_t whole = 1;
+constexpr std::size_t quick = 10;
+constexpr std::size_t least = 100;
 
 constexpr double most_of_expat = 1.5;
 constexpr double most_of_tree_reading = 0.5;
@@ -198,10 +204,10 @@ void check_saved_bytes(const measured_corpus& corpus, const std::string& to) {
     }
 }
 
-bool compare_with_peers(const temporary_folder& folder, bool quick) {
-    measured_corpus corpus{folder.make("corpus"), {}, quick ? 5 : 9};
+bool compare_with_peers(const temporary_folder& folder, std::size_t part) {
+    measured_corpus corpus{folder.make("corpus"), {}, part == whole ? 9 : part == quick ? 5 : 1};
     corpus_size size;
-    if (quick) size.clips /= 10;
+    size.clips /= part;
     if (!corpus_writer(corpus.file(), size).write()) stop_with("The corpus cannot be written");
     corpus.bytes = bytes_of(corpus.file());
     std::printf("%zu clips, %.1f MB\n", size.clips, static_cast<double>(corpus.bytes.size()) / 1e6);
@@ -241,10 +247,10 @@ growth_point measure_size(const temporary_folder& folder, std::size_t clips) {
     return {median(loads) / count, median(saves) / count};
 }
 
-bool growth(const temporary_folder& folder, bool quick) {
+bool growth(const temporary_folder& folder, std::size_t part) {
     growth_point least{1, 1};
     growth_point most;
-    for (std::size_t clips = 1'000; clips <= (quick ? 100'000U : 1'000'000U); clips *= 10) {
+    for (std::size_t clips = 1'000; clips <= most_clips / part; clips *= 10) {
         const auto point = measure_size(folder, clips);
         std::printf("%9zu clips: load %6.2f us a clip, save %6.2f us a clip\n", clips, point.load * 1e6,
                     point.save * 1e6);
@@ -260,8 +266,8 @@ bool growth(const temporary_folder& folder, bool quick) {
     return met;
 }
 
-bool memory(const temporary_folder& folder, bool quick) {
-    const std::size_t clips = quick ? 100'000 : 1'000'000;
+bool memory(const temporary_folder& folder, std::size_t part) {
+    const std::size_t clips = most_clips / part;
     const auto from = folder.make("large");
     if (!corpus_writer(path_join(from, timeline_file_name), {clips, 2, 2}).write()) {
         stop_with("The corpus cannot be written");
@@ -287,15 +293,17 @@ bool memory(const temporary_folder& folder, bool quick) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    const bool quick = count > 1 && std::string(arguments[1]) == "--quick";
-    if (count > (quick ? 2 : 1)) stop_with("usage: bench_timeline_store [--quick]");
+    const bool is_short = take_short(count, arguments);
+    const bool is_quick = count > 1 && std::string(arguments[1]) == "--quick";
+    if (count > (is_quick ? 2 : 1)) stop_with("usage: bench_timeline_store [--quick | --short]");
+    const std::size_t part = is_short ? least : is_quick ? quick : whole;
     bool good = true;
     {
         const temporary_folder folder;
         // Memory and growth first: their processes begin with little in them.
-        good = memory(folder, quick);
-        good = growth(folder, quick) && good;
-        good = compare_with_peers(folder, quick) && good;
+        good = memory(folder, part);
+        good = growth(folder, part) && good;
+        good = compare_with_peers(folder, part) && good;
     }
-    return good ? 0 : 1;
+    return good || is_short ? 0 : 1;
 }

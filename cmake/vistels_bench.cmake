@@ -1,28 +1,18 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # bench/NAME.cpp -> program bench_NAME; bench/shell/NAME.cpp -> bench_shell_NAME.
-# A benchmark has its own main or BENCHMARK_MAIN(). The peers it compares with are
-# linked when they are installed and announced as VISTELS_HAVE_<PEER>.
+# A benchmark has its own main, takes "--short", and is run by scripts/run_benchmarks.
+# The peers it compares with are libplist, when it is installed (VISTELS_HAVE_PLIST), and SQLite.
 # What they share is bench/support, included as "support/NAME.h".
 
-find_package(benchmark REQUIRED)
-pkg_check_modules(vistels_mpv IMPORTED_TARGET mpv)
 pkg_check_modules(vistels_plist IMPORTED_TARGET libplist-2.0)
-pkg_check_modules(vistels_sqlite IMPORTED_TARGET sqlite3)
-find_path(VISTELS_NLOHMANN_INCLUDE nlohmann/json.hpp)
-mark_as_advanced(VISTELS_NLOHMANN_INCLUDE)
+pkg_check_modules(vistels_sqlite REQUIRED IMPORTED_TARGET sqlite3)
 
 add_library(vistels_peers INTERFACE)
 target_include_directories(vistels_peers INTERFACE "${CMAKE_SOURCE_DIR}/bench")
-target_link_libraries(vistels_peers INTERFACE benchmark::benchmark)
-foreach(peer mpv plist sqlite)
-    string(TOUPPER ${peer} peer_upper)
-    if(TARGET PkgConfig::vistels_${peer})
-        target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_${peer})
-        target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_${peer_upper}=1)
-    endif()
-endforeach()
-if(VISTELS_NLOHMANN_INCLUDE)
-    target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_NLOHMANN=1)
+target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_sqlite)
+if(TARGET PkgConfig::vistels_plist)
+    target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_plist)
+    target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_PLIST=1)
 endif()
 
 get_property(folders GLOBAL PROPERTY vistels_folders)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How long the side bar takes to show a vault of 2,000 collections, to take in a change of it, to scroll a
 // page, to find by name and to bring the open event's line up to date. Milliseconds of processor time.
+//   bench_shell_side_bar [--short]
 #include <QApplication>
 #include <QImage>
 #include <QScrollBar>
@@ -14,13 +15,14 @@
 #include "shell/content_model.h"
 #include "shell/content_side_bar.h"
 #include "shell/theme.h"
+#include "support/measure.h"
 
 using namespace vistels;
 
 namespace {
 
 constexpr int collections = 2000;
-constexpr int rounds = 40;
+int rounds = 40;
 
 double processor_milliseconds() {
     timespec now{};
@@ -48,12 +50,13 @@ void measure(const char* what, const std::function<void(int)>& work) {
         all.push_back(processor_milliseconds() - before);
     }
     std::sort(all.begin(), all.end());
-    std::printf("%-44s median %7.2f  p95 %7.2f\n", what, all[rounds / 2], all[rounds * 95 / 100]);
+    std::printf("%-44s median %7.2f  p95 %7.2f\n", what, all[all.size() / 2], all[all.size() * 95 / 100]);
 }
 
 }  // namespace
 
 int main(int argument_count, char** arguments) {
+    if (bench::take_short(argument_count, arguments)) rounds = 2;
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argument_count, arguments);
     use_theme(application, theme_choice::dark);

@@ -17,6 +17,7 @@
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"
 #include "shell/timeline_state.h"
+#include "support/measure.h"
 #include "util/uuid.h"
 
 using namespace vistels;
@@ -24,9 +25,9 @@ using namespace vistels;
 namespace {
 
 constexpr int row_count = 50;
-constexpr int clips_in_row = 2000;
+int clips_in_row = 2000;
 constexpr int width = 1900;
-constexpr int rounds = 60;
+std::size_t rounds = 60;
 
 class bench_transport final : public transport {
   public:
@@ -88,7 +89,7 @@ spread measure(const std::function<void()>& work) {
     const steady_clock clock;
     std::vector<double> taken;
     std::vector<double> wall;
-    for (int round = 0; round < rounds; ++round) {
+    for (std::size_t round = 0; round < rounds; ++round) {
         const double wall_before = clock.seconds();
         const double before = thread_seconds();
         work();
@@ -162,6 +163,10 @@ void print_filtering(timeline_document& document, timeline_state& state, timelin
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (bench::take_short(count, arguments)) {
+        clips_in_row = 50;
+        rounds = 2;
+    }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(count, arguments);
     use_theme(application, theme_choice::dark);

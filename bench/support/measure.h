@@ -19,6 +19,16 @@
 // What the benchmarks share: processor time, medians of paired runs, memory, and printing beside a target.
 namespace vistels::bench {
 
+// Takes "--short" out of the arguments; true when it was there. A run of about a second is asked for then,
+// which shows that the benchmark works: its figures say nothing, and no target is judged.
+inline bool take_short(int& count, char** arguments) {
+    char** const end = std::remove_if(arguments + 1, arguments + count, [](const char* argument) {
+        return std::strcmp(argument, "--short") == 0;
+    });
+    const int kept = static_cast<int>(end - arguments);
+    return std::exchange(count, kept) != kept;
+}
+
 // Of all threads of this process, in the program and in the kernel on its behalf.
 inline double processor_seconds() {
     timespec used{};
