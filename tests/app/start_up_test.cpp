@@ -312,7 +312,7 @@ TEST(start_up, cleans_and_keeps_aside_what_killed_saves_left_in_vaults_that_nobo
     EXPECT_EQ(first.messages.size(), 2U);
     EXPECT_TRUE(first.recovered.empty());
     EXPECT_TRUE(file_exists(places.home_vault + "/gone copy 1.plist") && !file_exists(gone));
-    ASSERT_TRUE(note_clean_quit(first, ""));
+    ASSERT_TRUE(note_clean_quit(first));
     first = {};
     EXPECT_TRUE(started(places).messages.empty());
 }
