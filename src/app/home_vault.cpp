@@ -78,7 +78,10 @@ result<std::string> note_home_vault(const home_places& places) {
     stored.add(path_key, stored_path(places.home_vault));
     stored.add(id_key, id);
     if (auto saved = write_settings(places, home_vault_file, stored); !saved) return saved.error();
-    if (before.path.empty() || before.path == places.home_vault) return std::string();
+    // Of a copy there is nothing to tell: what was noted is still in its place.
+    if (before.path.empty() || before.path == places.home_vault || is_folder(before.path)) {
+        return std::string();
+    }
     if (before.id == id) return "The home vault was found again as \"" + places.home_vault + "\".";
     return "The home vault \"" + before.path + "\" was not found. The home vault is now \"" +
            places.home_vault + "\".";

@@ -22,8 +22,8 @@ std::string home_vault_id(const std::string& folder);
 // one is. Empty: nowhere, so that a new one is to be made in the usual place.
 std::string moved_home_vault(const home_places& usual);
 
-// Notes where the home vault is and which it is. The message tells when that is not what was noted before:
-// that it was found in another place, or that it is a new one; else it is empty.
+// Notes where the home vault is and which it is. When the one noted before is gone from its place the message
+// tells: that it was found in another place, or that there is a new one; else it is empty.
 result<std::string> note_home_vault(const home_places& places);
 
 }  // namespace vistels

@@ -27,8 +27,7 @@ void build_watch::look() {
         if (!checked || checked.value().empty()) return;
         loop_.post([this, alive, text = checked.value()] {
             if (!*alive || std::exchange(last_told_, text) == text) return;
-            QString words = QString::fromStdString(text);
-            words.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+            const QString words = QString::fromStdString(text).simplified();
             Q_EMIT told({user_message::tone::good,
                          tr("A newer build is installed"),
                          words,

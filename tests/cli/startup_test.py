@@ -122,8 +122,9 @@ class Startup(CommandTest):
                                      for order, path in enumerate(paths)]})
         shutil.copytree(self.home, self.folder / "copy")
         (self.folder / "copy/Home Vault.VVault/gone").rmdir()
-        listed = self.printed("startup", "--home", self.folder / "copy")["windows"]
-        self.assertEqual([one["open_from_path"] for one in listed],
+        started = self.printed("startup", "--home", self.folder / "copy")
+        self.assertEqual(started["messages"], [])
+        self.assertEqual([one["open_from_path"] for one in started["windows"]],
                          [str(self.folder / "copy" / inside), *map(str, paths[1:])])
         listed = self.printed("startup")["windows"]
         self.assertEqual([one["open_from_path"] for one in listed], list(map(str, paths)))
