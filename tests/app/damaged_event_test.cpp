@@ -166,6 +166,36 @@ TEST_F(damaged_event, a_vistel_that_is_broken_or_gone_keeps_its_place_and_the_ot
     }
 }
 
+// In a vault that is not listed, so that no start has looked through it.
+TEST_F(damaged_event, what_killed_saves_left_in_its_folders_is_put_in_order_by_opening) {
+    { const auto opened = open(folder); }  // its code window is saved
+    const std::string vistel = vault + "/Single Videos/A/single video.plist";
+    const std::string whole = file_bytes(vistel);
+    std::vector<std::string> old;
+    for (const auto& file :
+         {folder + "/chron data.plist", folder + "/video group.plist", folder + "/Logger/button dict.plist",
+          vault + "/Single Videos/B/single video.plist"}) {
+        old.push_back(file + " temp file 7");
+        put_file(old.back(), file_bytes(file));
+        fs::last_write_time(old.back(), fs::file_time_type::clock::now() - std::chrono::hours(48));
+    }
+    fs::rename(vistel, vistel + " <previous> 8");
+    {
+        // Puts its own folder in order.
+        const auto other = timeline_document::open(folder, loop);
+        ASSERT_TRUE(other);
+        EXPECT_TRUE(open(folder));
+        for (const auto& path : old) EXPECT_EQ(fs::exists(path), path_folder(path) != folder) << path;
+        EXPECT_FALSE(fs::exists(vistel)) << "another program may be saving it";
+    }
+    const auto opened = open(folder);
+    ASSERT_TRUE(opened) << opened.message();
+    EXPECT_TRUE(tells(*opened.value(), "single video.plist\" was put back"));
+    EXPECT_EQ(opened.value()->problem("A").find("single video.plist"), std::string::npos);
+    EXPECT_EQ(file_bytes(vistel), whole);
+    for (const auto& path : old) EXPECT_FALSE(fs::exists(path)) << path;
+}
+
 // A copy of the folder as it is on the disk at some moment is what a program that is killed then leaves.
 TEST_F(damaged_event, what_was_coded_before_the_program_was_killed_comes_back) {
     const std::string killed = vault + "/Video Groups/Killed";
