@@ -10,6 +10,7 @@
 #include <string>
 
 #include "media/sound_reader.h"
+#include "util/file_system.h"
 
 namespace vistels {
 
@@ -17,9 +18,33 @@ namespace {
 
 constexpr GstClockTime start_limit_ns = 3 * GST_SECOND;
 
+// A device of ALSA that plays.
+bool has_sound_card() {
+    const auto devices = names_in_folder("/dev/snd");
+    return std::any_of(devices.begin(), devices.end(), [](const std::string& name) {
+        return name.starts_with("pcm") && name.ends_with("p");
+    });
+}
+
+// Without a sound card OpenAL has none either, and both it and ALSA below it say so on standard error when
+// its sink is tried.
+void pass_over_openal() {
+    GstPluginFeature* const sink =
+        gst_registry_find_feature(gst_registry_get(), "openalsink", GST_TYPE_ELEMENT_FACTORY);
+    if (sink == nullptr) return;
+    gst_plugin_feature_set_rank(sink, GST_RANK_NONE);
+    gst_object_unref(sink);
+}
+
+bool start_gstreamer() {
+    if (gst_init_check(nullptr, nullptr, nullptr) == 0) return false;
+    if (!has_sound_card()) pass_over_openal();
+    return true;
+}
+
 // GStreamer is started once in a program; the standard library guards the first call.
 bool gstreamer_is_there() {
-    static const bool is_there = gst_init_check(nullptr, nullptr, nullptr) != 0;
+    static const bool is_there = start_gstreamer();
     return is_there;
 }
 
