@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QColor>
 #include <QElapsedTimer>
+#include <QFont>
 #include <QRectF>
 #include <QString>
 #include <QTimer>
@@ -89,6 +90,18 @@ class code_window_button final : public QAbstractButton {
     QTimer lingers_;
     QString time_;
 };
+
+// Where the words of a button stand on its face. The name is in its own type where that has room, else in the
+// smallest, on one line below the key or beside it, else on several; only what has no room that way is cut.
+struct code_button_layout {
+    QRectF cap;     // of the key; empty without one, at the upper right corner
+    QRectF corner;  // of the count, the time or the cross
+    bool has_corner = true;
+    QRectF name;  // the text stands at its lower left
+    QFont font;
+    QString text;  // the name, or what is left of it
+};
+code_button_layout code_button_layout_of(const code_button& button, const QRectF& face);
 
 // Draws the button's face in `face`, whatever widget it is on.
 struct code_button_look {

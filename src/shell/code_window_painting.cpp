@@ -80,44 +80,16 @@ void paint_ground(QPainter& painter, const theme& look, const code_button& butto
                             metrics.radius_button);
 }
 
-// Returns its left end.
-double paint_key_cap(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
-                     const face_colours& colours, bool is_down) {
-    if (button.key.isEmpty()) return face.right() - look.metrics.grid;
-    const QFont font = theme::font(type_step::clip_label);
-    const int side = look.metrics.key_cap;
-    const double wide =
-        std::max<double>(side, QFontMetricsF(font).horizontalAdvance(button.key) + look.metrics.padding);
-    const QRectF cap(face.right() - look.metrics.grid - wide, face.top() + look.metrics.grid, wide, side);
+void paint_key_cap(QPainter& painter, const theme& look, const code_button& button, const QRectF& cap,
+                   const face_colours& colours, bool is_down) {
+    if (button.key.isEmpty()) return;
     painter.setPen(is_down ? colours.ink : look.line);
     painter.setBrush(is_down ? QBrush(Qt::NoBrush) : QBrush(look.field));
     painter.drawRoundedRect(cap.adjusted(0.5, 0.5, -0.5, -0.5), look.metrics.radius_clip,
                             look.metrics.radius_clip);
     painter.setPen(is_down ? colours.ink : look.text);
-    painter.setFont(font);
+    painter.setFont(theme::font(type_step::clip_label));
     painter.drawText(cap, Qt::AlignCenter, button.key);
-    return cap.left();
-}
-
-void paint_name(QPainter& painter, const code_button& button, const QRectF& place, const QColor& ink) {
-    const bool is_clip = button.marks != code_button::band::below;
-    QFont font = theme::font(is_clip ? type_step::button : type_step::qualifier_button);
-    if (QFontMetricsF(font).horizontalAdvance(button.name) > place.width()) {
-        QFont smaller = theme::font(type_step::clip_label);
-        smaller.setWeight(font.weight());
-        font = smaller;
-    }
-    painter.setFont(font);
-    painter.setPen(ink);
-    const QFontMetricsF sizes(font);
-    const QRectF wrapped =
-        sizes.boundingRect(place, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap, button.name);
-    if (wrapped.height() <= place.height() && wrapped.width() <= place.width()) {
-        painter.drawText(place, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap, button.name);
-    } else {
-        painter.drawText(place, Qt::AlignLeft | Qt::AlignBottom,
-                         sizes.elidedText(button.name, Qt::ElideRight, place.width()));
-    }
 }
 
 void paint_corner(QPainter& painter, const theme& look, const QRectF& place, const face_colours& colours,
@@ -150,26 +122,22 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
     if (shown.state.is_down) paint_ring(painter, look, face, look.selection);
     if (shown.has_focus) paint_ring(painter, look, face, look.accent);
 
-    const double cap_left = paint_key_cap(painter, look, button, face, colours, shown.state.is_down);
-    const double band = button.marks == code_button::band::left ? metrics.clip_band : 0;
-    const double below = button.marks == code_button::band::below ? metrics.qualifier_band : 0;
-    const QRectF inside =
-        face.adjusted(metrics.button_text_indent + band, metrics.grid, -metrics.grid, -metrics.grid - below);
-    const QRectF corner(inside.left(), inside.top(), cap_left - inside.left(), metrics.key_cap);
-    const bool is_low =
-        face.height() < metrics.key_cap + theme::line_height(type_step::button) + metrics.grid;
-    if (!is_low || shown.state.is_blocked) paint_corner(painter, look, corner, colours, shown);
+    const code_button_layout words = code_button_layout_of(button, face);
+    paint_key_cap(painter, look, button, words.cap, colours, shown.state.is_down);
+    if (words.has_corner || shown.state.is_blocked) paint_corner(painter, look, words.corner, colours, shown);
     if (shown.state.is_live) {
-        const QRectF dot(cap_left - metrics.grid - metrics.live_dot,
-                         corner.center().y() - metrics.live_dot / 2.0, metrics.live_dot, metrics.live_dot);
+        const QRectF dot(words.cap.left() - metrics.grid - metrics.live_dot,
+                         words.corner.center().y() - metrics.live_dot / 2.0, metrics.live_dot,
+                         metrics.live_dot);
         painter.setPen(QPen(look.clip_ink_dark, metrics.focus_ring));
         painter.setBrush(look.live);
         painter.drawEllipse(dot);
     }
-    QRectF words = inside;
-    words.setTop(is_low ? inside.top() : inside.top() + metrics.key_cap - metrics.grid);
-    if (is_low) words.setRight(cap_left - metrics.grid);
-    if (button.shows_name) paint_name(painter, button, words, colours.ink);
+    if (button.shows_name) {
+        painter.setFont(words.font);
+        painter.setPen(colours.ink);
+        painter.drawText(words.name, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap, words.text);
+    }
     painter.restore();
 }
 

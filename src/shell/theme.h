@@ -158,6 +158,7 @@ struct theme_metrics {
     int clip_band = 5;
     int qualifier_band = 4;
     int key_cap = 18;
+    int key_cap_small = 14;  // on a low button
     int link_width = 2;
     int link_casing = 5;
     int link_dot = 6;

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "logger/logger_Dict_funcs.h"
 #include "shell/code_window_button.h"
 #include "shell/code_window_canvas.h"
 #include "shell/message_bar.h"
@@ -16,6 +17,10 @@
 #include "shell/timeline_canvas.h"
 #include "shell/window_actions.h"
 #include "support/shown_event.h"
+#include "util/file_system.h"
+#if VISTELS_HAVE_MEDIA
+#include "demo/code_plan.h"
+#endif
 
 namespace vistels {
 namespace {
@@ -230,6 +235,34 @@ TEST_F(window_sizes, what_is_pressed_while_the_event_runs_keeps_its_size) {
         EXPECT_GE(find<QWidget>("collection.view")->height(), size.height() / 5);
     }
 }
+
+#if VISTELS_HAVE_MEDIA
+// The least type is 11; letters stand clear of the key and inside the face.
+TEST_F(window_sizes, names_of_the_demos_code_window_are_not_cut) {
+    ASSERT_TRUE(save_button_dict(demo::demo_code_window(), path_join(folder, "Logger")).ok());
+    open();
+    for (const QSize size : sizes) {
+        SCOPED_TRACE(text_of(size));
+        resize_to(size);
+        const auto buttons = window->findChildren<code_window_button*>();
+        ASSERT_EQ(buttons.size(), 31);
+        for (const auto* button : buttons) {
+            const int margin = code_window_button::margin();
+            const QRectF face = QRectF(button->rect()).adjusted(margin, margin, -margin, -margin);
+            const std::string name = button->button().name.toStdString();
+            const code_button_layout words = code_button_layout_of(button->button(), face);
+            EXPECT_EQ(words.text.toStdString(), name);
+            EXPECT_GE(words.font.pixelSize(), 11) << name;
+            const QFontMetricsF sizes_of(words.font);
+            QRectF ink = sizes_of.boundingRect(words.name, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap,
+                                               words.text);
+            ink.adjust(0, sizes_of.ascent() - sizes_of.capHeight(), 0, -sizes_of.descent());
+            EXPECT_FALSE(ink.intersects(words.cap)) << name;
+            EXPECT_TRUE(face.contains(ink) && face.contains(words.cap)) << name;
+        }
+    }
+}
+#endif
 
 TEST_F(window_sizes, the_tab_key_goes_round_and_all_it_reaches_has_a_name) {
     open();
