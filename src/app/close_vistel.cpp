@@ -3,22 +3,13 @@
 
 #include <algorithm>
 
+#include "app/vistel_changes.h"
 #include "util/safe_write.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
-
-namespace {
-
-// The reason and what could not be undone after it.
-failure with_undoing(failure reason, const result<void>& undone) {
-    if (!undone) reason.message += " " + undone.message();
-    return reason;
-}
-
-}  // namespace
 
 std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
     const std::string creator = vistel.creator();
@@ -38,44 +29,25 @@ std::string close_vistel_refusal(const video_collection_ROOT& collection, const 
            "\" is shown by another vistel of the collection, too.";
 }
 
-result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, const std::string& folder,
-                                            const std::string& uuid, const std::string& user, bool confirmed,
-                                            const std::string& home_trash, file_system& files) {
-    const auto vistel = collection.find_vistel(uuid);
-    if (!vistel) return failure{"The collection has no vistel \"" + uuid + "\"."};
-    const auto warning = close_vistel_warning(*vistel, user);
-    if (warning && !confirmed) return failure{*warning};
+result<closed_vistel> close_vistel_for_good(
+    const video_collection_ROOT& collection, const closing_order& order,
+    const std::function<result<void>(const collection_change&)>& take_out, file_system& files) {
+    const auto vistel = collection.find_vistel(order.vistel);
+    if (!vistel) return failure{"The collection has no vistel \"" + order.vistel + "\"."};
+    const auto warning = close_vistel_warning(*vistel, order.user);
+    if (warning && !order.confirmed) return failure{*warning};
     if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
         return failure{refusal};
-    const auto lock = vault_lock::take_around(vistel->data_folder());
+    const std::string folder = vistel->data_folder();
+    const auto lock = vault_lock::take_around(folder);
     if (!lock) return lock.error();
-    closed_vistel closed{vistel, 0, vistel->data_folder(), std::nullopt};
-    if (!closed.data_folder.empty()) {
-        auto moved = move_to_trash(closed.data_folder, home_trash, files);
-        if (!moved) return moved.error();
-        closed.data = std::move(moved).value();
-    }
-    closed.index = collection.remove_vistel(*vistel).value_or(0);
-    if (auto saved = save_collection(collection, folder, files); !saved) {
-        collection.insert_vistel(closed.index, vistel);
-        result<void> restored;
-        if (closed.data) restored = restore_from_trash(*closed.data, closed.data_folder, files);
-        return with_undoing(saved.error(), restored);
-    }
+    if (auto taken = take_out(plan_removal(vistel->uuid())); !taken) return taken.error();
+    closed_vistel closed;
+    if (folder.empty()) return closed;
+    auto moved = move_to_trash(folder, order.home_trash, files);
+    if (moved) closed.data = std::move(moved).value();
+    if (!moved) closed.problem = moved.message();
     return closed;
-}
-
-result<void> reopen_closed_vistel(video_collection_ROOT& collection, const std::string& folder,
-                                  const closed_vistel& closed, file_system& files) {
-    const auto lock = vault_lock::take_around(closed.data_folder);
-    if (!lock) return lock.error();
-    if (closed.data) {
-        if (auto restored = restore_from_trash(*closed.data, closed.data_folder, files); !restored) {
-            return restored;
-        }
-    }
-    collection.insert_vistel(closed.index, closed.vistel);
-    return save_collection(collection, folder, files);
 }
 
 result<std::vector<trashed>> trash_unused_movies(const video_collection_ROOT& collection,

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstddef>
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/collection_changes.h"
 #include "app/trash.h"
 #include "util/file_system.h"
 #include "util/result.h"
@@ -22,25 +22,27 @@ std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel,
 // when it may be.
 std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel);
 
-// A vistel that was closed for good, and what it takes to bring it back.
-struct closed_vistel {
-    std::shared_ptr<single_Vistel_CTR> vistel;
-    std::size_t index = 0;        // its place in the collection
-    std::string data_folder;      // where its data was
-    std::optional<trashed> data;  // where it is; nothing when there was none
+// What is asked for when a vistel is closed for good.
+struct closing_order {
+    std::string vistel;      // UUID or number
+    std::string user;        // who closes it
+    bool confirmed = false;  // the user has answered the warning above, where it applies
+    std::string home_trash;
 };
 
-// Closes a vistel for good: its item is taken out of the collection in `folder`, which is saved, and its data
-// goes to the trash. Where the warning above applies, `confirmed` says that the user has answered it; without
-// that it is the failure. What is refused above is a failure. On failure
-// collection and data are as they were. Main thread.
-result<closed_vistel> close_vistel_for_good(video_collection_ROOT& collection, const std::string& folder,
-                                            const std::string& uuid, const std::string& user, bool confirmed,
-                                            const std::string& home_trash,
-                                            file_system& files = machine_files());
-// Brings a closed vistel back: its data from the trash, its item to its place.
-result<void> reopen_closed_vistel(video_collection_ROOT& collection, const std::string& folder,
-                                  const closed_vistel& closed, file_system& files = machine_files());
+// A vistel that was closed for good.
+struct closed_vistel {
+    std::optional<trashed> data;  // where its data is; nothing when there was none
+    std::string problem;          // why its data stayed in its place; empty: it did not
+};
+
+// Closes a vistel for good: `take_out` makes the change that removes it, and when that is on record its data
+// goes to the trash, so that what cannot be written loses no movie. What is refused, or not confirmed, is a
+// failure, and so is what `take_out` fails with; collection and data are then as they were. Main thread.
+result<closed_vistel> close_vistel_for_good(
+    const video_collection_ROOT& collection, const closing_order& order,
+    const std::function<result<void>(const collection_change&)>& take_out,
+    file_system& files = machine_files());
 
 // Moves the movies that vistels of the collection no longer use (see unused_movies), and unfinished copies of
 // movies, to the trash; returns where they are. Changes of movie parts that used them can then no longer be

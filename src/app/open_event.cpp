@@ -75,7 +75,7 @@ result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, 
                                                      run_loop& loop) {
     std::unique_ptr<open_event> event(new open_event(folder, places, loop));
     if (auto loaded = event->load(); !loaded) return loaded.error();
-    if (event->is_recovered_ && !event->timeline_->is_read_only()) {
+    if ((event->is_recovered_ || event->has_new_numbers_) && !event->timeline_->is_read_only()) {
         if (auto saved = event->changes_->save_all(); !saved) event->messages_.push_back(saved.message());
     }
     return event;
@@ -149,6 +149,7 @@ result<void> open_event::load_collection_record() {
     collection_ = std::move(loaded.value().collection);
     add_all(messages_, loaded.value().messages);
     alerts_ = std::move(loaded.value().alerts);
+    has_new_numbers_ = loaded.value().has_new_numbers;
     for (const auto& message : loaded.value().messages) log_line(places_, message);
     saved_record_ = record_of(collection_);
     return {};
@@ -158,7 +159,7 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
     if (auto loaded = load_collection_record(); !loaded) return loaded;
-    if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_))
+    if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_) || has_new_numbers_)
         (void)changes_->save_all();
     link_collection();
     link_timeline(*timeline_, links_to(collection_));

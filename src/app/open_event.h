@@ -124,6 +124,7 @@ class open_event {
     video_collection_ROOT collection_;
     bool has_collection_ = true;
     bool is_recovered_ = false;         // the journal brought back changes of the collection
+    bool has_new_numbers_ = false;      // vistels that had none got one, which is to be saved
     property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
     std::vector<std::string> alerts_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/padding_changes.h"
 
-#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -47,19 +46,6 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
                        "\" was not done: the collection changed meanwhile."};
     };
     return planned_padding{std::move(change), outcome.files};
-}
-
-result<void> run_padding(collection_changes& changes, const video_collection_ROOT& collection,
-                         blank_vistel_movie& blank, padding_command command, job& work) {
-    const auto planned = plan_padding(collection, command);
-    if (!planned) return planned.error();
-    const auto& files = planned.value().files;
-    const auto lock = vault_lock::take_around(files.empty() ? std::string() : files.front().path);
-    if (!lock) return lock.error();
-    if (auto made = make_padding_files(files, blank, work); !made) return made;
-    auto changed = changes.make(planned.value().change);
-    if (!changed) remove_unused_padding_files(collection);
-    return changed;
 }
 
 }  // namespace vistels

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "app/collection_changes.h"
-#include "util/job.h"
 #include "video/padding_movies.h"
 
 namespace vistels {
@@ -23,10 +22,5 @@ struct planned_padding {
     std::vector<padding_file> files;
 };
 result<planned_padding> plan_padding(const video_collection_ROOT& collection, padding_command command);
-
-// All three steps, one after the other on this thread. Nothing is changed and no file left on failure, or
-// when `work` is cancelled.
-result<void> run_padding(collection_changes& changes, const video_collection_ROOT& collection,
-                         blank_vistel_movie& blank, padding_command command, job& work);
 
 }  // namespace vistels

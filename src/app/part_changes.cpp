@@ -39,8 +39,7 @@ std::vector<operation::any> clip_movements(const sxy_DATA_root& timeline, double
     return all;
 }
 
-}  // namespace
-
+// The parts come to lie as in `parts`, which has the same parts in the same order.
 collection_change plan_parts(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
                              const std::string& vistel, const movie_Part_DRONE_Offsets_Root& parts) {
     collection_change change{"Movie Parts", vistel, {}};
@@ -67,6 +66,8 @@ collection_change plan_parts(const video_collection_ROOT& collection, const sxy_
     return change;
 }
 
+}  // namespace
+
 collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
                            const std::string& vistel, std::size_t part, double seconds) {
     const auto found = collection.find_vistel(vistel);
@@ -77,6 +78,26 @@ collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DA
                 }};
     }
     return plan_parts(collection, timeline, vistel, with_gap(parts, part, seconds));
+}
+
+collection_change plan_more_parts(const std::string& vistel, const part_list& brought) {
+    return {"Append Movies", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+                const auto found = copy.find_vistel(vistel);
+                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                auto all = found->parts();
+                all.parts.insert(all.parts.end(), brought.begin(), brought.end());
+                found->set_parts(std::move(all));
+                return {};
+            }};
+}
+
+collection_change plan_other_parts(const std::string& vistel, const part_list& brought) {
+    return {"Deinterlace Vistel", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+                const auto found = copy.find_vistel(vistel);
+                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                found->set_parts({brought});
+                return {};
+            }};
 }
 
 collection_change plan_found_movie(const std::string& vistel, const movie_Part_DRONE_Offset_Item& brought) {

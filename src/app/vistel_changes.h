@@ -1,25 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "app/collection_changes.h"
-#include "util/colour_text.h"
+#include "video/video_coll_Files.h"
 
 namespace vistels {
 
 // The plain changes of a collection's vistels. `vistel` is a UUID, or a number as text.
 
-// Frames as fractions of the video area. One vistel's changes soon after each other become one undo step.
-collection_change plan_frame(const std::string& vistel, const rectangle& frame);
-// Of several vistels at once: a ready layout.
-collection_change plan_frames(std::vector<std::pair<std::string, rectangle>> frames);
-// In front of all others.
-collection_change plan_to_front(const std::string& vistel);
-// Enlarged over the others; an empty text: none.
-collection_change plan_enlarged(const std::string& vistel);
+// New vistels behind the others, as copies of those given, with numbers that no clip of the timeline names;
+// null: there is no timeline. A layout is left to the caller.
+collection_change plan_new_vistels(const vistel_list& brought, timeline_document* timeline);
 
 // Its data stays in the vault.
 collection_change plan_removal(const std::string& vistel);
@@ -28,6 +22,7 @@ collection_change plan_place(const std::string& vistel, std::size_t index);
 collection_change plan_name(const std::string& vistel, const std::string& name);
 // Who is heard; an empty text: the first.
 collection_change plan_sound_vistel(const std::string& vistel);
-collection_change plan_numbers_shown(bool shown);
+// A picture over the vistel's own; nothing takes it away.
+collection_change plan_overlay(const std::string& vistel, std::optional<vistel_overlay> overlay);
 
 }  // namespace vistels

@@ -42,7 +42,7 @@ property_dictionary vistel_document(const single_Vistel_CTR& vistel,
     one.add("number", vistel.number());
     one.add("name", vistel.name());
     one.add("offset", vistel.manual_start_offset().value_or(0));
-    one.add("lead_clips", lead_for_cutting(items, {vistel.number(), vistel.manual_start_offset()}));
+    one.add("lead_clips", lead_for_clips(items, {vistel.number(), vistel.manual_start_offset()}));
     one.add("lead_composer", lead_for_composer(items, vistel.number()));
     one.add("duration", vistel.parts().duration());
     one.add("parts", parts_of(vistel));
@@ -144,7 +144,7 @@ result<command_outcome> range(const vistel_values& values, const home_places& pl
     if (!vistel) return vistel.error();
     const auto& chosen = *vistel.value();
     const double lead =
-        lead_for_cutting(offsets_of(collection), {chosen.number(), chosen.manual_start_offset()});
+        lead_for_clips(offsets_of(collection), {chosen.number(), chosen.manual_start_offset()});
     const auto source = source_range_of(values.first, values.second, lead, chosen.parts().duration());
     property_dictionary printed;
     printed.add("from", source.from);

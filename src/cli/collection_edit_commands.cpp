@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "app/close_vistel.h"
+#include "app/part_changes.h"
 #include "app/settings.h"
 #include "app/user_name.h"
 #include "app/vistel_changes.h"
@@ -38,33 +39,41 @@ std::string user_of(const edit_values& values, const home_places& places) {
     return values.user.empty() ? load_user_name(places) : values.user;
 }
 
-using changer = std::function<result<void>(video_collection_ROOT&)>;
+using planner = std::function<result<collection_change>(headless_changes&)>;
 
-// Makes the change and saves, with the timeline in step, while no other program has the event open. What is
-// loaded of it then is printed. A change that was not made drops what it brought.
-result<command_outcome> change(const edit_values& values, command_line& line, const changer& make,
+// Makes the change that is planned and saves, with the timeline in step, while no other program has the event
+// open. What is loaded of it then is printed. A change that was not made drops what it brought.
+result<command_outcome> change(const edit_values& values, command_line& line, const planner& plan,
                                const std::function<void()>& drop = {}) {
     headless_changes changes;
     if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
-    if (auto made = changes.make({"Change Collection", "", make}); !made) {
+    const auto planned = plan(changes);
+    if (!planned) return planned.error();
+    if (auto made = changes.make(planned.value()); !made) {
         if (drop && !changes.is_made()) drop();
         return made.error();
     }
     return show_collection(values.folder, line.places());
 }
 
+result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const headless_changes& changes,
+                                                     const edit_values& values) {
+    auto vistel = changes.collection().find_vistel(values.vistel);
+    if (vistel) return vistel;
+    return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+}
+
 // The same for a change of one vistel.
-using vistel_changer =
-    std::function<result<void>(video_collection_ROOT&, const std::shared_ptr<single_Vistel_CTR>&)>;
+using vistel_planner = std::function<result<collection_change>(headless_changes&, const single_Vistel_CTR&)>;
 
 result<command_outcome> change_vistel(const edit_values& values, command_line& line,
-                                      const vistel_changer& make, const std::function<void()>& drop = {}) {
-    const auto change_it = [&](video_collection_ROOT& collection) -> result<void> {
-        const auto vistel = collection.find_vistel(values.vistel);
-        if (vistel) return make(collection, vistel);
-        return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+                                      const vistel_planner& plan, const std::function<void()>& drop = {}) {
+    const auto plan_it = [&](headless_changes& changes) -> result<collection_change> {
+        const auto vistel = vistel_of(changes, values);
+        if (!vistel) return vistel.error();
+        return plan(changes, *vistel.value());
     };
-    return change(values, line, change_it, drop);
+    return change(values, line, plan_it, drop);
 }
 
 // Where new vistels go: as the option says, else as the setting does.
@@ -89,15 +98,12 @@ result<std::vector<std::string>> movies_of(const edit_values& values) {
 result<command_outcome> append(edit_values values, command_line& line,
                                const std::vector<std::string>& movies) {
     values.vistel = values.to;
-    std::vector<movie_Part_DRONE_Offset_Item> brought;
-    const auto bring = [&](auto&, const auto& vistel) -> result<void> {
-        auto made = bring_parts(*vistel, movies, line.long_work());
+    part_list brought;
+    const auto bring = [&](auto&, const auto& vistel) -> result<collection_change> {
+        auto made = bring_parts(vistel, movies, line.long_work());
         if (!made) return made.error();
         brought = std::move(made).value();
-        auto parts = vistel->parts();
-        parts.parts.insert(parts.parts.end(), brought.begin(), brought.end());
-        vistel->set_parts(std::move(parts));
-        return {};
+        return plan_more_parts(vistel.uuid(), brought);
     };
     return change_vistel(values, line, bring, [&] { discard(brought); });
 }
@@ -107,13 +113,12 @@ result<command_outcome> add(const edit_values& values, command_line& line) {
     if (!movies) return movies.error();
     if (!values.to.empty()) return append(values, line, movies.value());
     vistel_list brought;
-    const auto bring = [&](video_collection_ROOT& collection) -> result<void> {
+    const auto bring = [&](headless_changes& changes) -> result<collection_change> {
         const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
         auto made = make_vistels(made_with(values, line.places()), movies.value(), how, line.long_work());
         if (!made) return made.error();
         brought = std::move(made).value();
-        add_new_vistels(collection, brought);
-        return {};
+        return plan_new_vistels(brought, changes.timeline());
     };
     return change(values, line, bring, [&] { discard(brought); });
 }
@@ -121,62 +126,59 @@ result<command_outcome> add(const edit_values& values, command_line& line) {
 result<command_outcome> remove(const edit_values& values, command_line& line) {
     const auto lock = vault_lock::take_around(values.folder);
     if (!lock) return lock.error();
-    return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
-        return plan_removal(values.vistel).change(collection);
-    });
+    return change_vistel(values, line, [](auto&, const auto& vistel) { return plan_removal(vistel.uuid()); });
 }
 
 result<command_outcome> move(const edit_values& values, command_line& line) {
     const auto lock = vault_lock::take_around(values.folder);
     if (!lock) return lock.error();
-    return change_vistel(values, line, [&](auto& collection, const auto&) -> result<void> {
-        return plan_place(values.vistel, static_cast<std::size_t>(values.place - 1)).change(collection);
+    return change_vistel(values, line, [&](auto&, const auto& vistel) {
+        return plan_place(vistel.uuid(), static_cast<std::size_t>(values.place - 1));
     });
 }
 
 result<command_outcome> duplicate(const edit_values& values, command_line& line) {
     vistel_list brought;
-    const auto clone = [&](auto& collection, const auto& vistel) -> result<void> {
-        auto made = duplicate_vistel(*vistel, made_with(values, line.places()), line.long_work());
+    const auto clone = [&](headless_changes& changes, const auto& vistel) -> result<collection_change> {
+        auto made = duplicate_vistel(vistel, made_with(values, line.places()), line.long_work());
         if (!made) return made.error();
         brought = {std::move(made).value()};
-        add_new_vistels(collection, brought);
-        return {};
+        return plan_new_vistels(brought, changes.timeline());
     };
     return change_vistel(values, line, clone, [&] { discard(brought); });
 }
 
 result<command_outcome> close_for_good(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [&](auto& collection, const auto& vistel) -> result<void> {
-        const auto closed =
-            close_vistel_for_good(collection, values.folder, vistel->uuid(), user_of(values, line.places()),
-                                  values.confirmed, line.places().trash);
-        return closed ? result<void>() : result<void>(closed.error());
-    });
+    headless_changes changes;
+    if (auto opened = changes.open(values.folder, line.places()); !opened) return opened.error();
+    if (const auto vistel = vistel_of(changes, values); !vistel) return vistel.error();
+    const auto take_out = [&](const collection_change& removal) { return changes.make(removal); };
+    const auto closed = close_vistel_for_good(
+        changes.collection(),
+        {values.vistel, user_of(values, line.places()), values.confirmed, line.places().trash}, take_out);
+    if (!closed) return closed.error();
+    if (!closed.value().problem.empty())
+        return failure{"The vistel is closed; its movie data stayed in its place: " + closed.value().problem};
+    return show_collection(values.folder, line.places());
 }
 
 result<command_outcome> deinterlace(const edit_values& values, command_line& line) {
-    std::vector<movie_Part_DRONE_Offset_Item> brought;
-    const auto replace = [&](auto&, const auto& vistel) -> result<void> {
-        auto made = deinterlaced_parts(*vistel, line.long_work());
+    part_list brought;
+    const auto replace = [&](auto&, const auto& vistel) -> result<collection_change> {
+        auto made = deinterlaced_parts(vistel, line.long_work());
         if (!made) return made.error();
         brought = std::move(made).value();
-        vistel->set_parts({brought});
-        return {};
+        return plan_other_parts(vistel.uuid(), brought);
     };
     return change_vistel(values, line, replace, [&] { discard(brought); });
 }
 
 result<command_outcome> overlay(const edit_values& values, command_line& line) {
-    return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<void> {
-        if (values.remove || values.files.empty()) {
-            vistel->set_overlay(std::nullopt);
-            return {};
-        }
-        auto brought = bring_overlay(*vistel, values.files.front(), line.long_work());
+    return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<collection_change> {
+        if (values.remove || values.files.empty()) return plan_overlay(vistel.uuid(), std::nullopt);
+        auto brought = bring_overlay(vistel, values.files.front(), line.long_work());
         if (!brought) return brought.error();
-        vistel->set_overlay(std::move(brought).value());
-        return {};
+        return plan_overlay(vistel.uuid(), std::move(brought).value());
     });
 }
 

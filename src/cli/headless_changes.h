@@ -23,6 +23,7 @@ class headless_changes {
     // Not to be changed but by make().
     const video_collection_ROOT& collection() const { return collection_; }
     blank_vistel_movie& blank_movie() { return *blank_movie_; }
+    timeline_document* timeline() { return timeline_.get(); }  // null: it has none
     // Makes the change and saves collection and timeline; the playheads move along.
     result<void> make(const collection_change& change);
     // Whether the change is on record, also when make() failed: what it needs is to stay then.

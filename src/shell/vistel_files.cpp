@@ -226,7 +226,10 @@ void vistel_files::add_as(const QStringList& movies, const std::string& vistel, 
                 *brought = std::move(made).value();
                 return {};
             },
-            [this, vistel, brought] { put_parts(vistel, *brought, false, tr("Append Movies")); }, failed);
+            [this, vistel, brought] {
+                if (!make(plan_more_parts(vistel, *brought))) discard(*brought);
+            },
+            failed);
         return;
     }
     auto made = std::make_shared<vistel_list>();
@@ -242,38 +245,9 @@ void vistel_files::add_as(const QStringList& movies, const std::string& vistel, 
 }
 
 void vistel_files::put_in(const vistel_list& made, const QString& name) {
-    collection_change change;
-    change.name = name.toStdString();
-    change.scope = event() ? event()->collection().uuid() : std::string();
-    const double aspect = view_.picture_aspect();
-    change.change = [made, aspect](video_collection_ROOT& copy) -> result<void> {
-        const auto before = placing_of(copy, aspect);
-        vistel_list copies;
-        for (const auto& one : made) copies.push_back(std::make_shared<single_Vistel_CTR>(*one));
-        add_new_vistels(copy, copies);
-        place_again(copy, before, aspect);
-        return {};
-    };
-    if (!make(change)) discard(made);
-}
-
-void vistel_files::put_parts(const std::string& vistel, std::vector<movie_Part_DRONE_Offset_Item> parts,
-                             bool replaces, const QString& name) {
-    const auto record = find(vistel);
-    if (!record) return discard(parts);
-    collection_change change;
-    change.name = name.toStdString();
-    change.scope = vistel;
-    change.change = [vistel, parts, replaces](video_collection_ROOT& copy) -> result<void> {
-        const auto found = copy.find_vistel(vistel);
-        if (!found) return failure{"The vistel is not in the collection any more."};
-        auto all = found->parts();
-        if (replaces) all.parts.clear();
-        all.parts.insert(all.parts.end(), parts.begin(), parts.end());
-        found->set_parts(std::move(all));
-        return {};
-    };
-    if (!make(change)) discard(parts);
+    if (!event()) return discard(made);
+    const std::string collection = event()->collection().uuid();
+    if (!make_and_place(plan_new_vistels(made, &event()->timeline()), collection, name)) discard(made);
 }
 
 void vistel_files::remove(const std::string& vistel) {
@@ -288,8 +262,7 @@ void vistel_files::move(const std::string& vistel, std::size_t place) {
     make_and_place(plan_place(vistel, place), vistel, tr("Move collection vistel"));
 }
 
-// The vistels stay in their ready layout.
-void vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
+bool vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
     change.name = name.toStdString();
     change.scope = vistel;
     const double aspect = view_.picture_aspect();
@@ -299,7 +272,7 @@ void vistel_files::make_and_place(collection_change change, const std::string& v
         place_again(copy, before, aspect);
         return {};
     };
-    make(change);
+    return make(change);
 }
 
 void vistel_files::duplicate(const std::string& vistel) {
@@ -331,7 +304,9 @@ void vistel_files::deinterlace(const std::string& vistel) {
             *parts = std::move(made).value();
             return {};
         },
-        [this, vistel, parts] { put_parts(vistel, *parts, true, tr("Deinterlace Vistel")); },
+        [this, vistel, parts] {
+            if (!make(plan_other_parts(vistel, *parts))) discard(*parts);
+        },
         tr("The vistel could not be deinterlaced"));
 }
 
@@ -389,23 +364,26 @@ void vistel_files::close_for_good(const std::string& vistel) {
     question->open();
 }
 
-// First out of the collection, so that what cannot be written there loses no movie.
 void vistel_files::close_now(const std::string& vistel) {
     const auto record = find(vistel);
     if (!record) return;
-    const std::string folder = record->data_folder();
-    const auto lock = vault_lock::take_around(folder);
-    if (!lock) {
-        return tell_failure(tr("“%1” is not closed").arg(QString::fromStdString(record->name())),
-                            lock.message());
+    const QString name = name_of(*record);
+    bool is_told = false;
+    const auto take_out = [&](const collection_change& change) -> result<void> {
+        is_told = !make_and_place(change, vistel, tr("Remove Vistel"));
+        return is_told ? failure{"it was told"} : result<void>();
+    };
+    const auto closed = close_vistel_for_good(
+        event()->collection(), {vistel, load_user_name(places_), true, places_.trash}, take_out);
+    if (is_told) return;
+    if (!closed) return tell_failure(tr("“%1” is not closed").arg(name), closed.message());
+    if (!closed.value().problem.empty()) {
+        return tell_failure(tr("The vistel is closed; its movie data stayed in its place"),
+                            closed.value().problem);
     }
-    make_and_place(plan_removal(vistel), vistel, tr("Remove Vistel"));
-    if (find(vistel) || folder.empty()) return;
-    if (const auto done = move_to_trash(folder, places_.trash); !done) {
-        return tell_failure(tr("The vistel is closed; its movie data stayed in its place"), done.message());
-    }
+    if (!closed.value().data) return;
     Q_EMIT told({user_message::tone::good,
-                 tr("“%1” is closed").arg(QString::fromStdString(record->name())),
+                 tr("“%1” is closed").arg(name),
                  tr("Its movie data is in the trash. Undo brings it back."),
                  {},
                  {}});
@@ -449,28 +427,12 @@ void vistel_files::ask_overlay(const std::string& vistel) {
             *overlay = std::move(made).value();
             return {};
         },
-        [this, vistel, overlay] {
-            collection_change change;
-            change.name = tr("Add Overlay").toStdString();
-            change.scope = vistel;
-            change.change = [vistel, overlay](video_collection_ROOT& copy) -> result<void> {
-                if (const auto found = copy.find_vistel(vistel)) found->set_overlay(*overlay);
-                return {};
-            };
-            make(change);
-        },
+        [this, vistel, overlay] { make(plan_overlay(vistel, *overlay)); },
         tr("The overlay could not be added"));
 }
 
 void vistel_files::remove_overlay(const std::string& vistel) {
-    collection_change change;
-    change.name = tr("Remove Overlay").toStdString();
-    change.scope = vistel;
-    change.change = [vistel](video_collection_ROOT& copy) -> result<void> {
-        if (const auto found = copy.find_vistel(vistel)) found->set_overlay({});
-        return {};
-    };
-    make(change);
+    make(plan_overlay(vistel, std::nullopt));
 }
 
 // The work's window keeps the user from closing the event meanwhile; a window that went all the same takes

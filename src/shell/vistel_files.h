@@ -77,14 +77,13 @@ class vistel_files : public QObject {
     void told(const vistels::user_message& message);
 
   private:
-    void make_and_place(collection_change change, const std::string& vistel, const QString& name);
+    // The vistels stay in their ready layout.
+    bool make_and_place(collection_change change, const std::string& vistel, const QString& name);
     void close_now(const std::string& vistel);
     // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
     void play_again(const std::string& vistel);
     void put_in(const vistel_list& made, const QString& name);
-    void put_parts(const std::string& vistel, std::vector<movie_Part_DRONE_Offset_Item> parts, bool replaces,
-                   const QString& name);
     new_vistels made_with() const;
     std::shared_ptr<single_Vistel_CTR> find(const std::string& vistel) const;
     open_event* event() const;

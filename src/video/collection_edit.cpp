@@ -24,6 +24,7 @@ constexpr const char* passing_keys[] = {
     "video type state",
     "UUID video group",
     "UUID of linked timeline archive",
+    "largest vistel number",
 };
 
 property_dictionary values_of(const video_collection_ROOT& collection) {

@@ -23,7 +23,7 @@ struct vistel_change {
 };
 
 // One change of a collection, as a value: what differs afterwards. Not in it, and left alone by it: the movie
-// time, the volume, the state, times of saving, files.
+// time, the volume, the state, times of saving, the largest number that a vistel had, files.
 struct collection_edit {
     value_change values;  // of the collection record
     std::vector<vistel_change> vistels;

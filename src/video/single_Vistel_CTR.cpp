@@ -146,7 +146,41 @@ void read_missing(single_Vistel_CTR& vistel, const property_dictionary& stored) 
     if (vistel.capture_preset().empty()) vistel.set_capture_preset(stored.text_or_empty("capture preset"));
 }
 
+vistel_own_values read_own_values(const property_dictionary& stored) {
+    return {stored.text_or_empty("Vistel video name"), finite_number(stored, "Vistel name UUID").value_or(0),
+            small_integer(stored, "vistel number"), stored.text_or_empty("http file"),
+            stored.text_or_empty("capture preset")};
+}
+
 }  // namespace
+
+void single_Vistel_CTR::set_number(double number) {
+    const record_guard guard(lk);
+    number_ = own_values_.number = number;
+}
+
+void single_Vistel_CTR::set_name(std::string name) {
+    const record_guard guard(lk);
+    own_values_.name = name;
+    name_ = std::move(name);
+}
+
+void single_Vistel_CTR::set_vistel_number_displayed(int number) {
+    const record_guard guard(lk);
+    vistel_number_displayed_ = own_values_.shown_number = number;
+}
+
+void single_Vistel_CTR::set_http_file(std::string address) {
+    const record_guard guard(lk);
+    own_values_.http_file = address;
+    http_file_ = std::move(address);
+}
+
+void single_Vistel_CTR::set_capture_preset(std::string preset) {
+    const record_guard guard(lk);
+    own_values_.capture_preset = preset;
+    capture_preset_ = std::move(preset);
+}
 
 single_Vistel_CTR read_vistel_item(const property_dictionary& stored) {
     single_Vistel_CTR vistel;
@@ -190,6 +224,8 @@ property_dictionary write_vistel_item(const single_Vistel_CTR& vistel) {
 
 void read_vistel_record(single_Vistel_CTR& vistel, const property_dictionary& stored) {
     read_missing(vistel, stored);
+    // Of a vistel whose record is missing, a new one says what the collection does.
+    if (!stored.empty()) vistel.set_own_values(read_own_values(stored));
     vistel.set_creator(stored.text_or_empty("creator"));
     vistel.set_default_proportion_rect(stored_frame(stored, "proportion rect"));
     vistel.set_capture_sound_device(stored.text_or_empty("localized name of current Audio input device"));
@@ -201,13 +237,14 @@ property_dictionary write_vistel_record(const single_Vistel_CTR& vistel) {
     const auto as_read = vistel.stored_vistel();
     record_writer writer(vistel_keys, as_read);
     write_common(writer, vistel, false);
-    writer.text("Vistel video name", vistel.name());
-    if (vistel.number() != 0) writer.number("Vistel name UUID", vistel.number());
-    writer.integer("vistel number", vistel.vistel_number_displayed());
+    const auto own = vistel.own_values();
+    writer.text("Vistel video name", own.name);
+    writer.number_if_set("Vistel name UUID", own.number);
+    writer.integer("vistel number", own.shown_number);
     writer.text("creator", vistel.creator());
     writer.frame("proportion rect", vistel.default_proportion_rect());
-    writer.text("http file", vistel.http_file());
-    writer.text("capture preset", vistel.capture_preset());
+    writer.text("http file", own.http_file);
+    writer.text("capture preset", own.capture_preset);
     writer.text("localized name of current Audio input device", vistel.capture_sound_device());
     const auto parts = vistel.parts();
     const auto on_record = vistel.parts_on_record();

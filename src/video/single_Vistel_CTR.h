@@ -21,6 +21,15 @@ struct vistel_overlay {
     bool operator==(const vistel_overlay&) const = default;
 };
 
+// What stands in a vistel's own record beside the values that it shares with its collection's.
+struct vistel_own_values {
+    std::string name;            // "Vistel video name"
+    double number = 0;           // "Vistel name UUID"; 0: none
+    int shown_number = 0;        // "vistel number"
+    std::string http_file;       // "http file"
+    std::string capture_preset;  // "capture preset"
+};
+
 // One vistel of a collection: what the collection's item record and the vistel's own record hold about it.
 // Every accessor takes `lk` for that one read or write, so any thread may read while the main thread changes.
 class single_Vistel_CTR : record {
@@ -30,9 +39,9 @@ class single_Vistel_CTR : record {
     void set_uuid(std::string uuid) { write(uuid_, std::move(uuid)); }
     // By which clips and composers refer to the vistel; positive, or 0 when it has none.
     double number() const { return read(number_); }
-    void set_number(double number) { write(number_, number); }
+    void set_number(double number);
     std::string name() const { return read(name_); }
-    void set_name(std::string name) { write(name_, std::move(name)); }
+    void set_name(std::string name);
     // Seconds, may be negative; nothing when none is stored, which counts as 0 for playing.
     std::optional<double> manual_start_offset() const { return read(manual_start_offset_); }
     void set_manual_start_offset(std::optional<double> seconds) { write(manual_start_offset_, seconds); }
@@ -51,7 +60,7 @@ class single_Vistel_CTR : record {
     }
     // The number shown on the view, and its place among those that are shown.
     int vistel_number_displayed() const { return read(vistel_number_displayed_); }
-    void set_vistel_number_displayed(int number) { write(vistel_number_displayed_, number); }
+    void set_vistel_number_displayed(int number);
     int vistel_number_displayed_ordinal() const { return read(vistel_number_displayed_ordinal_); }
     void set_vistel_number_displayed_ordinal(int place) { write(vistel_number_displayed_ordinal_, place); }
     int saved_view_order() const { return read(saved_view_order_); }  // the largest stands in front
@@ -72,19 +81,24 @@ class single_Vistel_CTR : record {
     void set_overlay(std::optional<vistel_overlay> overlay) { write(overlay_, std::move(overlay)); }
     // Address of a streamed movie, of which the movie parts are a local copy; empty: it is not streamed.
     std::string http_file() const { return read(http_file_); }
-    void set_http_file(std::string address) { write(http_file_, std::move(address)); }
+    void set_http_file(std::string address);
     std::string capture_device() const { return read(capture_device_); }  // the camera's name
     void set_capture_device(std::string name) { write(capture_device_, std::move(name)); }
     std::string capture_sound_device() const { return read(capture_sound_device_); }
     void set_capture_sound_device(std::string name) { write(capture_sound_device_, std::move(name)); }
     std::string capture_preset() const { return read(capture_preset_); }
-    void set_capture_preset(std::string preset) { write(capture_preset_, std::move(preset)); }
+    void set_capture_preset(std::string preset);
     // The composer from which the vistel was made; empty: none.
     std::string linked_composer() const { return read(linked_composer_); }
     void set_linked_composer(std::string uuid) { write(linked_composer_, std::move(uuid)); }
     // Who made it; who did not is asked before closing it for good.
     std::string creator() const { return read(creator_); }
     void set_creator(std::string user) { write(creator_, std::move(user)); }
+
+    // What the vistel's own record says of itself, which may be something else than what its collection
+    // says: it changes with the fields above, and only then.
+    vistel_own_values own_values() const { return read(own_values_); }
+    void set_own_values(vistel_own_values values) { write(own_values_, std::move(values)); }
 
     movie_Part_DRONE_Offsets_Root parts() const { return read(parts_); }
     void set_parts(movie_Part_DRONE_Offsets_Root parts) { write(parts_, std::move(parts)); }
@@ -133,6 +147,7 @@ class single_Vistel_CTR : record {
     std::string capture_preset_;
     std::string linked_composer_;
     std::string creator_;
+    vistel_own_values own_values_;
     movie_Part_DRONE_Offsets_Root parts_;
     std::optional<movie_Part_DRONE_Offsets_Root> parts_on_record_;
     std::string data_folder_;

@@ -372,18 +372,17 @@ void discard(const std::vector<movie_Part_DRONE_Offset_Item>& parts) {
     for (const auto& part : parts) unwanted.add(part.path);
 }
 
-void number_new_vistels(const video_collection_ROOT& collection, const vistel_list& vistels) {
-    std::vector<double> numbers = collection.unused_vistel_numbers(vistels.size());
+void number_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels) {
     std::set<int> taken = shown_numbers(collection);
     int shown = 1;
     int front = 0;
     for (const auto& vistel : collection.vistels()) front = std::max(front, vistel->saved_view_order());
-    for (std::size_t index = 0; index < vistels.size(); ++index) {
+    for (const auto& vistel : vistels) {
         while (!taken.insert(shown).second) ++shown;
-        vistels[index]->set_number(numbers[index]);
-        vistels[index]->set_vistel_number_displayed(shown);
-        vistels[index]->set_vistel_number_displayed_ordinal(shown);
-        vistels[index]->set_saved_view_order(front < std::numeric_limits<int>::max() ? ++front : front);
+        vistel->set_number(collection.take_vistel_number());
+        vistel->set_vistel_number_displayed(shown);
+        vistel->set_vistel_number_displayed_ordinal(shown);
+        vistel->set_saved_view_order(front < std::numeric_limits<int>::max() ? ++front : front);
     }
 }
 

@@ -66,9 +66,9 @@ result<std::vector<movie_Part_DRONE_Offset_Item>> bring_parts(const single_Viste
 void discard(const vistel_list& vistels);
 void discard(const std::vector<movie_Part_DRONE_Offset_Item>& parts);
 
-// Gives new vistels what they have only in their collection: an unused number, which is positive and below
-// 2^53, the lowest number to show that no other one shows, and a place in front of the others. Main thread.
-void number_new_vistels(const video_collection_ROOT& collection, const vistel_list& vistels);
+// Gives new vistels what they have only in their collection: a number (see take_vistel_number), the lowest
+// number to show that no other one shows, and a place in front of the others. Main thread.
+void number_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels);
 // Numbers them and puts them behind the others. A layout is left to the caller. Main thread.
 void add_new_vistels(video_collection_ROOT& collection, const vistel_list& vistels);
 

@@ -7,12 +7,14 @@
 #include <optional>
 
 #include "media/movie_information.h"
+#include "timeline/sxy_Save_Load.h"
 #include "util/clock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
 #include "video/padding_movies.h"
 #include "video/video_coll_Files.h"
+#include "video/video_coll_Offsets.h"
 #include "video/video_coll_Pictures.h"
 
 namespace vistels {
@@ -238,6 +240,29 @@ void load_vistels(loaded_collection& loaded, const std::string& folder, const st
     }
 }
 
+// Clips and composers find a vistel by its number, so each has one; those that clips in the folder name stand
+// for vistels that there were.
+void give_missing_numbers(loaded_collection& loaded, const std::string& folder) {
+    auto& collection = loaded.collection;
+    const auto vistels = collection.vistels();
+    if (std::all_of(vistels.begin(), vistels.end(), [](const auto& one) { return has_number(*one); })) return;
+    if (file_exists(path_join(folder, timeline_file_name))) {
+        if (const auto timeline = load_timeline(folder))
+            collection.set_vistel_numbers_in_use(vistel_numbers_in(timeline.value().content));
+    }
+    for (const auto& vistel : vistels) {
+        if (has_number(*vistel)) continue;
+        vistel->set_number(collection.take_vistel_number());
+        std::string told = "The vistel " +
+                           in_quotes(vistel->name().empty() ? vistel->uuid() : vistel->name()) +
+                           " had no number, and has got ";
+        append_shortest_decimal(told, vistel->number());
+        loaded.messages.push_back(told + ": clips refer to it by that.");
+        loaded.has_new_numbers = true;
+    }
+    collection.set_vistel_numbers_in_use({});
+}
+
 // A record in which something stands where the vistels should would lose it.
 bool is_collection_record(const property_value& record) {
     const auto* dictionary = record.dictionary();
@@ -342,6 +367,7 @@ result<loaded_collection> load_collection(const std::string& folder, const std::
         loaded.messages.push_back(in_quotes(path) + " names something that is no vistel. It is passed over.");
     }
     load_vistels(loaded, folder, local_vistels);
+    give_missing_numbers(loaded, folder);
     for (auto& problem : numbering_problems(loaded.collection)) {
         loaded.messages.push_back(std::move(problem));
     }

@@ -27,16 +27,18 @@ struct loaded_collection {
     // Of streamed vistels whose local copy is shorter than expected, as they stand. Told a moment after
     // loading: they are no fault of the collection.
     std::vector<std::string> alerts;
+    // Vistels without a number got one, which is to be saved.
+    bool has_new_numbers = false;
 };
 
 // Reads "video group.plist" in `folder` and, for each vistel in its order, the record and the movie parts in
 // its data folder. A vistel that cannot be read keeps the rest: it has a problem() and no path for what is
 // missing; one whose record alone is missing shows its movies one after another. A missing or damaged
 // collection record is an error; an element of it that is no record is told and kept. Nothing is written:
-// movie parts without a file stay, files without a part are shown after the others, and both change the
-// record only when the parts are changed. `local_vistels` is the folder of the vistels whose data is kept
-// locally ("Single Videos Local"); empty when there is none. Movies are not opened, except those whose
-// duration no record holds, and the local copy of a streamed vistel. Any thread.
+// a vistel without a usable number gets one, movie parts without a file stay, files without a part are shown
+// after the others, and both change the record only when the parts are changed. `local_vistels` is the folder
+// of the vistels whose data is kept locally ("Single Videos Local"); empty when there is none. Movies are not
+// opened, except those whose duration no record holds, and the local copy of a streamed vistel. Any thread.
 result<loaded_collection> load_collection(const std::string& folder, const std::string& local_vistels = {});
 
 // Writes the collection record and then the records of the vistels that differ from what was read. Fails

@@ -33,6 +33,22 @@ std::vector<vistel_offset> offsets_of(const video_collection_ROOT& collection) {
     return items;
 }
 
+std::set<double> vistel_numbers_in(const timeline_snapshot& timeline) {
+    std::set<double> numbers;
+    const auto add = [&](const sxy_CLIP& clip) {
+        const auto shown = clip.vistel_data();
+        if (!shown) return;
+        for (const auto& one : shown->vistels) {
+            if (one.vistel_ID && std::isfinite(*one.vistel_ID)) numbers.insert(*one.vistel_ID);
+        }
+    };
+    for (const auto& row : timeline.rows) {
+        for (const auto& clip : row->clips()) add(*clip);
+    }
+    for (const auto& live : timeline.live_clips) add(*live.clip);
+    return numbers;
+}
+
 double largest_offset_for_clips(const std::vector<vistel_offset>& items) {
     double largest = 0;
     for (const auto& item : items) largest = std::max(largest, item.offset.value_or(0));
@@ -54,10 +70,6 @@ double offset_of_number(const std::vector<vistel_offset>& items, double number) 
 
 double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item) {
     return largest_offset_for_clips(items) - item.offset.value_or(0);
-}
-
-double lead_for_cutting(const std::vector<vistel_offset>& items, const vistel_offset& item) {
-    return item.number > 0 ? lead_for_clips(items, item) : largest_offset_for_clips(items);
 }
 
 double lead_for_composer(const std::vector<vistel_offset>& items, double number) {

@@ -3,8 +3,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
+#include "timeline/sxy_DATA_root.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
@@ -19,6 +21,8 @@ struct vistel_offset {
 };
 
 std::vector<vistel_offset> offsets_of(const video_collection_ROOT& collection);
+// The numbers of vistels that clips name, those that still grow included.
+std::set<double> vistel_numbers_in(const timeline_snapshot& timeline);
 
 // For playing and cutting: never below 0.
 double largest_offset_for_clips(const std::vector<vistel_offset>& items);
@@ -30,9 +34,6 @@ double offset_of_number(const std::vector<vistel_offset>& items, double number);
 
 // How far a vistel's movie is ahead of the collection time.
 double lead_for_clips(const std::vector<vistel_offset>& items, const vistel_offset& item);
-// The same for the source range of a clip, which names the vistel by its number: without a usable one its
-// offset is not found and counts as 0.
-double lead_for_cutting(const std::vector<vistel_offset>& items, const vistel_offset& item);
 // 0 as well when no item has that number, or it is not positive.
 double lead_for_composer(const std::vector<vistel_offset>& items, double number);
 

@@ -20,6 +20,10 @@ constexpr const char* remembered_ratio_key = "remember_outside_bounds_video_rati
 constexpr const char* area_scrolls_key = "video area scrolls";
 constexpr std::int64_t numbers_end = std::int64_t{1} << 53;
 
+// What has a greater number is no camera.
+constexpr double largest_camera_number = 100'000;
+constexpr const char* largest_number_key = "largest vistel number";
+
 constexpr const char* collection_keys[] = {
     "UUID video group",
     "UUID video group - secondary",
@@ -45,6 +49,7 @@ constexpr const char* collection_keys[] = {
     collection_items_key,
     "show missing vistel starts",
     area_scrolls_key,
+    largest_number_key,
     archive_key,
 };
 
@@ -157,6 +162,28 @@ property_array write_items(const video_collection_ROOT& collection) {
     return items;
 }
 
+// The largest of the vistels' numbers that may be a camera's, or `least`.
+double largest_number(double least, const std::vector<std::shared_ptr<single_Vistel_CTR>>& vistels) {
+    for (const auto& vistel : vistels) {
+        const double number = std::floor(vistel->number());
+        if (number <= largest_camera_number) least = std::max(least, number);
+    }
+    return least;
+}
+
+double stored_largest_number(const property_dictionary& stored) {
+    const double number = std::floor(finite_number(stored, largest_number_key).value_or(0));
+    return number > 0 && number <= largest_camera_number ? number : 0;
+}
+
+// Only what neither the record nor the vistels say already.
+void write_largest_number(record_writer& writer, const video_collection_ROOT& collection,
+                          const property_dictionary& as_read) {
+    const double largest = collection.largest_vistel_number();
+    if (largest > largest_number(stored_largest_number(as_read), collection.vistels()))
+        writer.value(largest_number_key, static_cast<std::int64_t>(largest));
+}
+
 // How a problem names a vistel.
 std::string shown_name(const single_Vistel_CTR& vistel) {
     return "\"" + (vistel.name().empty() ? vistel.uuid() : vistel.name()) + "\"";
@@ -227,18 +254,27 @@ saving_block::~saving_block() {
     --collection_.saving_blocks_.number;
 }
 
-std::vector<double> video_collection_ROOT::unused_vistel_numbers(std::size_t count) const {
-    std::set<double> used;
-    for (const auto& vistel : vistels()) used.insert(std::floor(vistel->number()));
-    constexpr auto end = static_cast<double>(numbers_end);
-    const auto above = used.lower_bound(end);
-    double next = above == used.begin() ? 1 : std::max(*std::prev(above), 0.0) + 1;
-    if (end - next < static_cast<double>(count)) next = 1;
-    std::vector<double> numbers;
-    for (; numbers.size() < count; ++next) {
-        if (!used.contains(next)) numbers.push_back(next);
+// What has been in the collection counts as well as what is in it.
+void video_collection_ROOT::set_vistels(std::vector<std::shared_ptr<single_Vistel_CTR>> all) {
+    const record_guard guard(lk);
+    largest_number_ = largest_number(largest_number_, vistels_);
+    vistels_ = std::move(all);
+    largest_number_ = largest_number(largest_number_, vistels_);
+}
+
+double video_collection_ROOT::take_vistel_number() {
+    const record_guard guard(lk);
+    double largest = largest_number(largest_number_, vistels_);
+    for (const double number : numbers_in_use_) {
+        if (number <= largest_camera_number) largest = std::max(largest, std::floor(number));
     }
-    return numbers;
+    if (largest < largest_camera_number) return largest_number_ = largest + 1;
+    std::set<double> used = numbers_in_use_;
+    for (const auto& vistel : vistels_) used.insert(std::floor(vistel->number()));
+    double number = 1;
+    while (used.contains(number)) ++number;
+    numbers_in_use_.insert(number);
+    return number;
 }
 
 video_collection_ROOT read_collection(const property_dictionary& stored) {
@@ -264,6 +300,7 @@ video_collection_ROOT read_collection(const property_dictionary& stored) {
     collection.set_pushed_vistels(read_pushed(stored));
     collection.set_shows_missing_starts(stored.boolean("show missing vistel starts").value_or(false));
     collection.set_area_scrolls(stored.boolean(area_scrolls_key).value_or(false));
+    collection.set_largest_vistel_number(stored_largest_number(stored));
     collection.set_vistels(read_items(stored));
     property_dictionary kept = stored;
     kept.remove(archive_key);
@@ -310,12 +347,17 @@ property_dictionary write_collection(const video_collection_ROOT& collection, do
     if (collection.area_scrolls() != as_read.boolean(area_scrolls_key).value_or(false)) {
         writer.value(area_scrolls_key, collection.area_scrolls() ? property_value(true) : property_value());
     }
+    write_largest_number(writer, collection, as_read);
     if (!archive_uuid.empty()) writer.value(archive_key, archive_uuid);
     return writer.finish();
 }
 
 bool has_foreign_items(const video_collection_ROOT& collection) {
     return !foreign_items(collection.stored()).empty();
+}
+
+bool has_number(const single_Vistel_CTR& vistel) {
+    return vistel.number() > 0;
 }
 
 std::vector<std::string> numbering_problems(const video_collection_ROOT& collection) {
@@ -326,10 +368,7 @@ std::vector<std::string> numbering_problems(const video_collection_ROOT& collect
         const auto same_number = [&](const auto& other) { return other->number() == number; };
         const auto same_uuid = [&](const auto& other) { return other->uuid() == (*one)->uuid(); };
         const auto namesake = std::find_if(all.begin(), one, same_number);
-        if (!(number > 0)) {
-            problems.push_back("The vistel " + shown_name(**one) +
-                               " has no number: clips cannot refer to it.");
-        } else if (namesake != one) {
+        if (namesake != one && has_number(**one)) {
             problems.push_back("The vistels " + shown_name(**namesake) + " and " + shown_name(**one) +
                                " have the same number: clips that refer to it show the first.");
         }

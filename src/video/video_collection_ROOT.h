@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -95,13 +96,18 @@ class video_collection_ROOT : record {
 
     // The vistels in their order, never null.
     std::vector<std::shared_ptr<single_Vistel_CTR>> vistels() const { return read(vistels_); }
-    void set_vistels(std::vector<std::shared_ptr<single_Vistel_CTR>> all) { write(vistels_, std::move(all)); }
+    void set_vistels(std::vector<std::shared_ptr<single_Vistel_CTR>> all);
     // By its UUID, or by its number written as text; null when there is none.
     std::shared_ptr<single_Vistel_CTR> find_vistel(std::string_view uuid_or_number) const;
-    // Numbers that no vistel of the collection has, positive and below 2^53: above all there are, as long as
-    // there is room.
-    std::vector<double> unused_vistel_numbers(std::size_t count) const;
-    double unused_vistel_number() const { return unused_vistel_numbers(1).front(); }
+    // A number for a new vistel, from 1 to 100,000 as a camera's is: above all that the collection has had
+    // and those in use elsewhere, so that none is given twice. Only when there is no room left above, the
+    // lowest that is in use nowhere.
+    double take_vistel_number();
+    // Numbers by which something outside the collection refers to vistels: not to be given to new ones.
+    void set_vistel_numbers_in_use(std::set<double> numbers) { write(numbers_in_use_, std::move(numbers)); }
+    // The largest number from 1 to 100,000 that a vistel of the collection has had; 0: none had one.
+    double largest_vistel_number() const { return read(largest_number_); }
+    void set_largest_vistel_number(double number) { write(largest_number_, number); }
     // Puts a vistel at a place in the order (at the end beyond it).
     void insert_vistel(std::size_t index, std::shared_ptr<single_Vistel_CTR> vistel);
     // Takes a vistel out of the collection; its data stays. Its place, or nothing when it is not there.
@@ -149,6 +155,8 @@ class video_collection_ROOT : record {
     std::string linked_timeline_;
     std::string linked_composer_;
     block_count saving_blocks_;
+    double largest_number_ = 0;
+    std::set<double> numbers_in_use_;
     std::vector<std::shared_ptr<single_Vistel_CTR>> vistels_;
     property_dictionary stored_;
 };
@@ -176,8 +184,11 @@ property_dictionary write_collection(const video_collection_ROOT& collection, do
 // Whether the record as read names something among its vistels that is no record.
 bool has_foreign_items(const video_collection_ROOT& collection);
 
+// Whether the vistel has a number by which it can be found.
+bool has_number(const single_Vistel_CTR& vistel);
+
 // What is wrong with the numbers and identifiers of the vistels, one text each: several vistels with one
-// number (the first is found by it), none at all, several with one identifier. Nothing is changed.
+// number (the first is found by it), several with one identifier. Nothing is changed.
 std::vector<std::string> numbering_problems(const video_collection_ROOT& collection);
 
 // Frames for `count` vistels in a grid, as fractions of the video area from its upper left corner; the last

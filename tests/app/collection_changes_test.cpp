@@ -71,6 +71,7 @@ class changes : public ::testing::Test {
             text += "\n" + one->uuid() + " " + one->name() + " " +
                     std::to_string(one->manual_start_offset().value_or(-99)) + " " +
                     std::to_string(one->saved_view_order()) +
+                    one->overlay().value_or(vistel_overlay{}).picture +
                     rectangle_text(one->proportion_rect().value_or(rectangle{}));
         }
         return text;
@@ -108,15 +109,19 @@ TEST_F(changes, an_offset_moves_the_clips_so_that_they_stay_on_their_frames) {
 }
 
 TEST_F(changes, every_kind_is_taken_back_and_done_again_and_outlives_closing) {
+    const collection_change frame{
+        "Move Vistel", "B", [](video_collection_ROOT& copy) -> result<void> {
+            copy.find_vistel("B")->set_proportion_rect(rectangle{0.1, 0.2, 0.5, 0.5});
+            copy.find_vistel("A")->set_saved_view_order(7);
+            return {};
+        }};
     const collection_change all[] = {
         plan_offset("A", 3),
         plan_offset_nudge("B", 0.04),
-        plan_frame("B", {0.1, 0.2, 0.5, 0.5}),
-        plan_to_front("A"),
+        frame,
         plan_name("A", "Main"),
-        plan_enlarged("B"),
         plan_sound_vistel("B"),
-        plan_numbers_shown(true),
+        plan_overlay("A", vistel_overlay{"crest.png"}),
         plan_place("A", 9),
         plan_same_moment({"A", 7}, {"B", 9.5}),
         plan_removal("A"),
@@ -127,7 +132,7 @@ TEST_F(changes, every_kind_is_taken_back_and_done_again_and_outlives_closing) {
         EXPECT_EQ(event->undo().undo_name(), change.name);
         states.push_back(state());
         loop.advance(2);
-        if (change.name == "Enlarge Vistel") reopen();
+        if (change.name == "Vistel Name") reopen();
     }
     EXPECT_EQ(vistel("A"), nullptr);
     EXPECT_NEAR(*vistel("B")->manual_start_offset(), 3 + 7 - 9.5, 1e-9);
@@ -218,7 +223,6 @@ TEST_F(changes, a_refused_change_changes_nothing) {
     const std::string before = state();
     EXPECT_FALSE(event->changes().make(plan_offset("nobody", 3)));
     EXPECT_FALSE(event->changes().make(plan_offset("A", 1e12)));
-    EXPECT_FALSE(event->changes().make(plan_frame("A", {0, 0, 0, 1})));
     // A part of an edit that cannot be done refuses the rest.
     auto change = plan_offset("A", 3);
     change.operations.emplace_back(operation::remove_clip{"nobody"});

@@ -15,7 +15,6 @@
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
 #include "util/plain_run_loop.h"
-#include "video/part_placing.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -65,7 +64,7 @@ class filmed_event : public ::testing::Test {
         auto opened = open_event::open(folder, find_home_places(home.path()), loop);
         ASSERT_TRUE(opened) << opened.message();
         event = std::move(opened).value();
-        EXPECT_TRUE(event->set_volume(0));
+        event->set_volume(0);
         for (const auto& vistel : event->collection().vistels()) {
             event->playback().set_view_size(vistel->uuid(), 160, 120);
         }
@@ -76,9 +75,10 @@ class filmed_event : public ::testing::Test {
     }
     void run(padding_command command) {
         job work;
-        const auto done =
-            run_padding(event->changes(), event->collection(), *event->blank_movie(), command, work);
-        EXPECT_TRUE(done) << done.message();
+        const auto planned = plan_padding(event->collection(), command);
+        ASSERT_TRUE(planned) << planned.message();
+        EXPECT_TRUE(make_padding_files(planned.value().files, *event->blank_movie(), work));
+        make(planned.value().change);
     }
     std::string uuid(std::size_t vistel) { return event->collection().vistels()[vistel]->uuid(); }
     // Behind its last part a vistel goes on showing the last frame, unless it is padded.
@@ -174,13 +174,12 @@ TEST_F(filmed_event, clips_stay_on_their_frames_through_offsets_padding_and_back
 TEST_F(filmed_event, padding_that_is_given_up_changes_nothing) {
     make(plan_offset(uuid(0), 2));
     const auto before = times();
-    job cancelled;
-    cancelled.cancel();
-    EXPECT_FALSE(run_padding(event->changes(), event->collection(), *event->blank_movie(),
-                             padding_command::replace_with_padding, cancelled));
-    // What changes while the files are made is not padded by what was planned before.
     const auto planned = plan_padding(event->collection(), padding_command::replace_with_padding);
     ASSERT_TRUE(planned);
+    job cancelled;
+    cancelled.cancel();
+    EXPECT_FALSE(make_padding_files(planned.value().files, *event->blank_movie(), cancelled));
+    // What changes while the files are made is not padded by what was planned before.
     make(plan_offset(uuid(0), 3));
     EXPECT_FALSE(event->changes().make(planned.value().change));
     make(plan_offset(uuid(0), 2));
@@ -200,9 +199,7 @@ TEST_F(filmed_event, locked_clips_move_with_their_movie_part) {
     EXPECT_NE(frame_of(frames(), 3), frame_of(before, 3));
     EXPECT_TRUE(event->undo().undo());
     make(plan_clip_lock(uuid(1), true));
-    part_drag drag(event->collection().vistels()[1]->parts(), 1);
-    drag.move_to(0.5);
-    make(plan_parts(event->collection(), event->timeline().timeline(), uuid(1), drag.release()));
+    make(plan_gap(event->collection(), event->timeline().timeline(), uuid(1), 1, 1.25));
     EXPECT_EQ(frame_of(frames(), 3), frame_of(before, 3));
     EXPECT_EQ(frame_of(frames(), 1), frame_of(before, 1));
     EXPECT_NEAR(event->timeline().timeline().find_clip("3")->clip->secs_start(), 2.61, 1e-9);

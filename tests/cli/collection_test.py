@@ -50,7 +50,7 @@ class StoredCollection(CommandTest):
         self.assertEqual((shown["largest_offset_clips"], shown["largest_offset_composer"]), (0, -3))
         self.assertEqual([(one["number"], one["name"], one["offset"], one["lead_clips"], one["lead_composer"])
                           for one in shown["vistels"]], [(5, "wide", -3, 3, 0), (6, "", -5, 5, 2),
-                                                      (0, "", 0, 0, 0)])
+                                                      (7, "", 0, 0, -3)])
         self.assertEqual(shown["vistels"][0]["duration"], 53.5)
         self.assertEqual(shown["vistels"][0]["parts"][1],
                          {"file": str(self.vault / "Single Videos/A/part 002.mp4"), "gap_before": 2.0,
@@ -126,11 +126,13 @@ class StoredCollection(CommandTest):
                                            ("B", 60, 70, (53.5, 0, 32100, 0))):
             found = self.printed("collection", "range", self.collection, vistel, start, end)
             self.assertEqual(tuple(found.values()), wanted)
-        # A clip finds the offset of a vistel by its number.
+        # One without a usable number gets one, by which a clip finds its offset.
         self.store(item("A", 5, **{"manual start offset": 4.0}), item("B", 0, **{"manual start offset": 1.0}))
         shown = self.printed("collection", "show", self.collection)["vistels"]
-        self.assertEqual([(one["lead_clips"], one["lead_composer"]) for one in shown], [(0, 0), (4, 0)])
-        self.assertEqual(self.printed("collection", "range", self.collection, "B", 10, 12)["from"], 14)
+        self.assertEqual([(one["number"], one["lead_clips"], one["lead_composer"]) for one in shown],
+                         [(5, 0, 0), (6, 3, 3)])
+        for vistel in ("B", "6"):
+            self.assertEqual(self.printed("collection", "range", self.collection, vistel, 10, 12)["from"], 13)
 
     def test_removing_and_moving(self):
         self.store(item("A", 5), item("B", 6), item("C", 7))
@@ -294,8 +296,16 @@ class NewCollection(CommandTest):
         self.assertEqual(refused.returncode, 1)
         self.assertIn("You did not create 'wide copy'.", refused.stderr)
         self.assertTrue(os.path.isdir(clone))
+        record = folder / "video group.plist"
+        stored = plistlib.loads(record.read_bytes())
+        self.write(record, {**stored, "UUID_of_vistel_for_sound": cloned["vistels"][1]["uuid"]})
         self.assertEqual(self.numbers(self.printed("collection", "close", folder, "2", "--user", "me")), [1])
         self.assertFalse(os.path.isdir(clone))
+        self.assertNotIn("UUID_of_vistel_for_sound", plistlib.loads(record.read_bytes()))
+        # Its number stays its own, whether removed or closed.
+        again = self.printed("collection", "duplicate", folder, "1", "--user", "me")
+        self.assertEqual(self.numbers(again), [1, 3])
+        self.printed("collection", "remove", folder, "3")
         copies = self.printed("collection", "copy", folder, "1", "--to", self.folder)["files"]
         self.assertEqual(copies, [str(self.folder / "wide.mp4")])
 

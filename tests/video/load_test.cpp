@@ -6,11 +6,14 @@
 #include <cerrno>
 #include <filesystem>
 #include <functional>
+#include <set>
 
 #include "support/stored_collection.h"
 #include "support/temporary_folder.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
+#include "video/collection_edit.h"
+#include "video/video_coll_Offsets.h"
 
 namespace vistels {
 namespace {
@@ -184,49 +187,157 @@ TEST(collection_record, of_both_records_the_item_counts_but_lends_no_number_and_
     const auto own = write_vistel_record(vistel);
     EXPECT_EQ(own.number("Vistel name UUID - coll"), 5);
     EXPECT_EQ(own.number("manual start offset"), 2);
-    EXPECT_EQ(own.text_or_empty("Vistel video name"), "wide");
+    EXPECT_FALSE(own.contains("Vistel video name"));
 }
 
-TEST(collection_record, new_numbers_are_unused_and_below_2_to_the_53) {
-    constexpr double end = 9007199254740992;
+std::shared_ptr<single_Vistel_CTR> numbered(double number) {
+    auto made = std::make_shared<single_Vistel_CTR>();
+    made->set_uuid("N" + std::to_string(number));
+    made->set_number(number);
+    return made;
+}
+
+TEST(collection_record, new_numbers_are_above_all_before_and_at_most_100000) {
     const struct {
         std::vector<double> used;
-        std::vector<double> wanted;
+        std::set<double> named;
+        double first, second;
     } cases[] = {
-        {{}, {1, 2}},
-        {{3, 1}, {4, 5}},
-        {{0, -7, 2.5}, {3, 4}},
-        {{end - 2, 2}, {1, 3}},
-        {{end - 3}, {end - 2, end - 1}},
-        {{end, 1e300}, {1, 2}},
+        {{}, {}, 1, 2},
+        {{3, 1}, {}, 4, 5},
+        {{0, -7, 2.5}, {}, 3, 4},
+        {{2, 100001}, {}, 3, 4},
+        {{99999, 2}, {3, 4}, 100000, 1},
+        {{100000, 2}, {1, 4, 100007}, 3, 5},
+        {{2}, {7, -3, 1e300}, 8, 9},
+        {{9007199254740991, 1e300}, {}, 1, 2},
     };
     for (const auto& one : cases) {
         video_collection_ROOT collection;
-        for (const double number : one.used) {
-            collection.insert_vistel(99, std::make_shared<single_Vistel_CTR>());
-            collection.vistels().back()->set_number(number);
-        }
-        EXPECT_EQ(collection.unused_vistel_numbers(2), one.wanted);
+        for (const double number : one.used) collection.insert_vistel(99, numbered(number));
+        collection.set_vistel_numbers_in_use(one.named);
+        EXPECT_EQ(collection.take_vistel_number(), one.first);
+        EXPECT_EQ(collection.take_vistel_number(), one.second);
     }
 }
 
-TEST(load_collection, double_and_missing_numbers_are_told_and_left) {
+// Clips that name a vistel which is gone would come to show another one.
+TEST(collection_record, a_number_is_not_given_again_when_its_vistel_has_gone) {
+    const stored_collection stored;
+    auto collection = stored.load().collection;
+    const auto untouched = write_collection(collection, 0);
+    EXPECT_FALSE(untouched.contains("largest vistel number"));
+    // It was added and taken back, or removed, and the collection saved and loaded in between.
+    const auto before = detached_copy(collection);
+    auto changed = detached_copy(collection);
+    changed.insert_vistel(2, numbered(3));
+    ASSERT_TRUE(apply_collection_edit(collection, difference(before, changed)));
+    ASSERT_TRUE(apply_collection_edit(collection, difference(changed, before)));
+    EXPECT_EQ(collection.vistels().size(), 2U);
+    ASSERT_TRUE(save_collection(collection, stored.folder()));
+    auto loaded = stored.load().collection;
+    EXPECT_EQ(loaded.take_vistel_number(), 4);
+    loaded = stored.load().collection;
+    const auto last = loaded.find_vistel("2");
+    loaded.remove_vistel(*last);
+    ASSERT_TRUE(save_collection(loaded, stored.folder()));
+    EXPECT_EQ(stored.load().collection.take_vistel_number(), 4);
+}
+
+TEST(load_collection, a_vistel_without_a_usable_number_gets_one_that_no_clip_names) {
+    const property_value unusable[] = {property_value(), 0.0, -3.0, "7", true};
+    for (const auto& number : unusable) {
+        const stored_collection stored;
+        property_array items;
+        items.emplace_back(dictionary({{"UUID single video - g", "A"}, {"Vistel name UUID - coll", 4.0}}));
+        items.emplace_back(dictionary({{"UUID single video - g", "B"}, {"manual start offset", 2.0}}));
+        if (!number.is_null()) items[1].dictionary()->set("Vistel name UUID - coll", number);
+        ASSERT_TRUE(safe_write(stored.folder() + "/video group.plist",
+                               dictionary({{"array video group items", items}})));
+        ASSERT_TRUE(safe_write(
+            stored.folder() + "/chron data.plist",
+            dictionary({{"rows",
+                         property_array{dictionary(
+                             {{"row_name", "Shot"},
+                              {"clips",
+                               property_array{dictionary(
+                                   {{"uuid", "C"},
+                                    {"time_start", 1.0},
+                                    {"time_end", 2.0},
+                                    {"vistels_data",
+                                     dictionary({{"vistels_array", property_array{dictionary(
+                                                                       {{"vistel_id", 8.0}})}}})}})}}})}}})));
+        auto loaded = stored.load();
+        EXPECT_TRUE(loaded.has_new_numbers);
+        ASSERT_EQ(loaded.messages.size(), 1U);
+        EXPECT_NE(loaded.messages.front().find("\"B\" had no number, and has got 9"), std::string::npos)
+            << loaded.messages.front();
+        EXPECT_EQ(loaded.collection.find_vistel("9")->uuid(), "B");
+        EXPECT_EQ(offset_of_number(offsets_of(loaded.collection), 9), 2);
+        ASSERT_TRUE(save_collection(loaded.collection, stored.folder()));
+        loaded = stored.load();
+        EXPECT_TRUE(loaded.messages.empty() && !loaded.has_new_numbers);
+        EXPECT_EQ(loaded.collection.find_vistel("9")->uuid(), "B");
+    }
+}
+
+TEST(load_collection, double_numbers_and_vistels_are_told_and_left) {
     const stored_collection stored;
     property_array items;
-    for (const char* uuid : {"A", "B"}) {
+    for (const char* uuid : {"A", "B", "A"}) {
         items.emplace_back(dictionary({{"UUID single video - g", uuid}, {"Vistel name UUID - coll", 4.0}}));
     }
-    items.emplace_back(dictionary({{"UUID single video - g", "A"}}));
     ASSERT_TRUE(
         safe_write(stored.folder() + "/video group.plist", dictionary({{"array video group items", items}})));
     auto loaded = stored.load();
-    EXPECT_EQ(loaded.messages.size(), 3U);  // the number twice, one without, one vistel twice
+    EXPECT_EQ(loaded.messages.size(), 3U);  // the number twice, one vistel twice
     EXPECT_EQ(loaded.collection.find_vistel("4")->uuid(), "A");
-    EXPECT_EQ(loaded.collection.find_vistel("0"), nullptr);
     ASSERT_TRUE(save_collection(loaded.collection, stored.folder()));
-    std::vector<double> numbers;
-    for (const auto& vistel : stored.load().collection.vistels()) numbers.push_back(vistel->number());
-    EXPECT_EQ(numbers, (std::vector<double>{4, 4, 0}));
+    for (const auto& vistel : stored.load().collection.vistels()) EXPECT_EQ(vistel->number(), 4);
+}
+
+// The vistel's own record says other things of it than its collection does.
+TEST(load_collection, a_save_keeps_what_the_own_record_says_as_read_until_somebody_changes_it) {
+    const std::pair<const char*, property_value> own_values[] = {{"Vistel video name", "Camera 7"},
+                                                                 {"Vistel name UUID", 77},
+                                                                 {"vistel number", "x"},
+                                                                 {"http file", "a"},
+                                                                 {"capture preset", "b"}};
+    const stored_collection stored;
+    const std::string path = stored.vistel_folder("A") + "single video.plist";
+    auto record = *read_property_list_file(path).value().dictionary();
+    for (const auto& [key, value] : own_values) record.set(key, value);
+    ASSERT_TRUE(safe_write(path, record));
+    const auto item = dictionary({{"UUID single video - g", "A"},
+                                  {"vistel_number_displayed", 3},
+                                  {"Vistel name UUID - coll", 1.0},
+                                  {"Vistel video name - coll", "Wide"},
+                                  {"http file - coll", "c"},
+                                  {"capture preset - collection", "d"}});
+    ASSERT_TRUE(safe_write(stored.folder() + "/video group.plist",
+                           dictionary({{"array video group items", property_array{item}}})));
+    auto collection = stored.load().collection;
+    const auto save = [&](const std::function<void(single_Vistel_CTR&)>& change) {
+        auto changed = detached_copy(collection);
+        change(*changed.find_vistel("A"));
+        EXPECT_TRUE(apply_collection_edit(collection, difference(collection, changed)));
+        EXPECT_TRUE(save_collection(collection, stored.folder()));
+        return *read_property_list_file(path).value().dictionary();
+    };
+    const auto moved = save([](auto& vistel) { vistel.set_manual_start_offset(3); });
+    EXPECT_EQ(moved.number("manual start offset"), 3);
+    for (const auto& [key, value] : own_values) EXPECT_EQ(*moved.find(key), value) << key;
+    const auto renamed = save([](auto& vistel) {
+        vistel.set_name("Main");
+        vistel.set_vistel_number_displayed(5);
+        vistel.set_number(6);
+    });
+    EXPECT_EQ(renamed.text_or_empty("Vistel video name"), "Main");
+    EXPECT_EQ(renamed.integer("vistel number"), 5);
+    EXPECT_EQ(renamed.number("Vistel name UUID"), 6);
+    EXPECT_EQ(renamed.text_or_empty("http file"), "a");
+    // The name that it had before in the collection is a change of the record, too.
+    EXPECT_FALSE(save([](auto& vistel) { vistel.set_name(""); }).contains("Vistel video name"));
 }
 
 TEST(load_collection, parts_that_disagree_with_the_files_change_no_record_by_themselves) {

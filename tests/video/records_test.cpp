@@ -40,13 +40,6 @@ TEST(offset_rule, largest_offset_and_leads) {
     }
 }
 
-TEST(offset_rule, a_clip_finds_no_offset_without_a_usable_number) {
-    const offsets items{{0, 2.0}, {-3, 1.0}, {4, -1.0}, {5, std::nullopt}};
-    const double wanted[] = {2, 2, 3, 2};
-    for (std::size_t index = 0; index < items.size(); ++index)
-        EXPECT_EQ(lead_for_cutting(items, items[index]), wanted[index]) << index;
-}
-
 TEST(offset_rule, an_offset_is_found_by_a_positive_number_and_the_first_counts) {
     const offsets items{{0, 9.0}, {-2, 8.0}, {7, 1.5}, {7, 2.5}, {8, std::nullopt}};
     const std::map<double, double> wanted{{0, 0}, {-2, 0}, {7, 1.5}, {8, 0}, {9, 0}};
