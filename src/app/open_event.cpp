@@ -106,6 +106,7 @@ result<void> open_event::load() {
     link_timeline(*timeline_, has_collection_ ? links_to(collection_) : links_of_folder(folder_));
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
+    application_volume_ = kept_application_volume_ = load_application_volume(places_);
     feed_playback();
     playback_->seek(to_restore);
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
@@ -265,7 +266,7 @@ void open_event::feed_playback() {
 }
 
 void open_event::feed_volume() {
-    playback_->set_volume(collection_.volume() * load_application_volume(places_));
+    playback_->set_volume(is_silenced_ ? 0 : collection_.volume() * application_volume_);
 }
 
 // A code window that cannot be read is not written over; a general one stands in for it.
@@ -341,11 +342,38 @@ result<void> open_event::set_sound_vistel(const std::string& vistel) {
     return changes_->make(plan_sound_vistel(vistel));
 }
 
-result<void> open_event::set_volume(double volume) {
+void open_event::set_volume(double volume) {
     collection_.set_volume(std::clamp(volume, 0.0, 1.0));
     feed_volume();
-    collection_changed.emit();
-    return {};
+}
+
+void open_event::set_application_volume(double volume) {
+    application_volume_ = std::clamp(volume, 0.0, 1.0);
+    feed_volume();
+}
+
+void open_event::take_application_volume(double volume) {
+    set_application_volume(volume);
+    kept_application_volume_ = application_volume_;
+}
+
+void open_event::set_silenced(bool silenced) {
+    is_silenced_ = silenced;
+    feed_volume();
+}
+
+bool open_event::has_kept_volume() const {
+    return saved_record_.number("volume") == collection_.volume();
+}
+
+// Where the event can only be read its own volume lasts as long as it is open.
+result<void> open_event::keep_volumes() {
+    if (application_volume_ != kept_application_volume_) {
+        if (auto saved = save_application_volume(places_, application_volume_); !saved) return saved;
+        kept_application_volume_ = application_volume_;
+    }
+    if (!has_collection_ || timeline_->is_read_only() || has_kept_volume()) return {};
+    return changes_->save_all();
 }
 
 void open_event::set_enlarged(const std::string& vistel) {

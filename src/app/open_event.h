@@ -81,8 +81,16 @@ class open_event {
     // taken back, like all that changes() does.
     result<void> set_offset(const std::string& vistel, double seconds);
     result<void> set_sound_vistel(const std::string& vistel);
-    // From 0 to 1, below the application's volume; saved with the next change, or on closing.
-    result<void> set_volume(double volume);
+    // What is heard is the product of the collection's volume and the application's, both from 0 to 1, or
+    // nothing while it is silenced: muted, or another event is heard.
+    void set_volume(double volume);
+    void set_application_volume(double volume);
+    double application_volume() const { return application_volume_; }
+    void set_silenced(bool silenced);
+    // Saves the volumes that were set since they were saved last.
+    result<void> keep_volumes();
+    // The application's volume was set, and is kept, elsewhere.
+    void take_application_volume(double volume);
     // Tries again to change an event that another program had open, see timeline_document::try_to_write().
     // The collection record is read anew. On failure all is as it was.
     result<void> try_to_write(bool take_over);
@@ -112,6 +120,7 @@ class open_event {
     void follow_change(double shift);
     void feed_playback();
     void feed_volume();
+    bool has_kept_volume() const;
     double first_clip_seconds() const;
     double movie_time_to_restore() const;
     result<void> save_changed_collection();
@@ -123,8 +132,11 @@ class open_event {
     run_loop& loop_;
     video_collection_ROOT collection_;
     bool has_collection_ = true;
-    bool is_recovered_ = false;         // the journal brought back changes of the collection
-    bool has_new_numbers_ = false;      // vistels that had none got one, which is to be saved
+    bool is_recovered_ = false;     // the journal brought back changes of the collection
+    bool has_new_numbers_ = false;  // vistels that had none got one, which is to be saved
+    double application_volume_ = 1;
+    double kept_application_volume_ = 1;
+    bool is_silenced_ = false;
     property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
     std::vector<std::string> alerts_;

@@ -62,7 +62,6 @@ result<void> event_session::open(const std::string& folder, const home_places& p
     if (!opened_event) return opened_event.error();
     close();
     event_ = std::move(opened_event).value();
-    volume_ = event_->collection().volume();
     connect_event();
     Q_EMIT opened();
     show_opening();
@@ -83,7 +82,6 @@ void event_session::close() {
     panes_.inspector->set_document(nullptr, {});
     pictures_.set_event(nullptr);
     panes_.collection->bar().setEnabled(false);
-    if (volume_ != event_->collection().volume()) tell(event_->set_volume(volume_));
     tell(event_->save_all());
     event_.reset();
     tick_while_needed();
@@ -124,6 +122,8 @@ void event_session::connect_panes() {
     connect(&bar, &transport_bar::rate_asked, this, &event_session::set_rate);
     connect(&bar, &transport_bar::loop_asked, this, &event_session::set_looping);
     connect(&bar, &transport_bar::volume_asked, this, &event_session::set_volume);
+    connect(&bar, &transport_bar::application_volume_asked, this, &event_session::set_application_volume);
+    connect(&bar, &transport_bar::volume_chosen, this, &event_session::keep_volumes);
     connect(&bar, &transport_bar::mute_asked, this, &event_session::set_muted);
     connect(&bar, &transport_bar::seek_asked, this, [this](double seconds, bool) { seek(seconds); });
     collection_view& view = panes_.collection->view();
@@ -162,10 +162,7 @@ void event_session::connect_event() {
         event_->logger().trouble.connect([this](const std::string& why) { tell_trouble(why); }));
     connections_.push_back(
         event_->logger().made_again.connect([this](const std::string& button) { tell_made_again(button); }));
-    connections_.push_back(event_->collection_changed.connect([this] {
-        apply_volume();  // the change has set the collection's own
-        show_state();
-    }));
+    connections_.push_back(event_->collection_changed.connect([this] { show_state(); }));
     connections_.push_back(event_->undo().changed.connect([this] { Q_EMIT facts_changed(); }));
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
         if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
@@ -233,7 +230,7 @@ void event_session::show_state() {
     bar.set_playing(playback.is_playing());
     bar.set_rate(playback.rate());
     bar.set_looping(looping_);
-    bar.set_volume(volume_);
+    bar.set_volumes(volume(), application_volume());
     bar.set_muted(muted_);
     panes_.timeline->set_reach(event_->start_seconds(),
                                event_->runs_on_clock() ? end_shown_ : event_->end_seconds());
@@ -340,20 +337,51 @@ void event_session::set_looping(bool looping) {
 }
 
 void event_session::apply_volume() {
-    if (event_) event_->playback().set_volume(muted_ || !heard_ ? 0 : volume_);
-    panes_.collection->bar().set_volume(volume_);
+    if (event_) event_->set_silenced(muted_ || !heard_);
+    panes_.collection->bar().set_volumes(volume(), application_volume());
     panes_.collection->bar().set_muted(muted_);
 }
 
 void event_session::set_volume(double volume) {
-    volume_ = std::clamp(volume, 0.0, 1.0);
+    if (!event_) return;
+    event_->set_volume(volume);
     muted_ = false;
     apply_volume();
     Q_EMIT facts_changed();
 }
 
 void event_session::change_volume(int steps) {
-    set_volume(volume_ + steps * volume_step);
+    // In whole steps, so that nothing adds up.
+    set_volume(std::round(volume() / volume_step + steps) * volume_step);
+    keep_volumes();
+}
+
+double event_session::volume() const {
+    return event_ ? event_->collection().volume() : 1;
+}
+
+double event_session::application_volume() const {
+    return event_ ? event_->application_volume() : 1;
+}
+
+void event_session::set_application_volume(double volume) {
+    if (!event_) return;
+    event_->set_application_volume(volume);
+    muted_ = false;
+    apply_volume();
+    Q_EMIT facts_changed();
+}
+
+void event_session::keep_volumes() {
+    if (!event_) return;
+    tell(event_->keep_volumes());
+    Q_EMIT application_volume_chosen(event_->application_volume());
+}
+
+void event_session::take_application_volume(double volume) {
+    if (!event_) return;
+    event_->take_application_volume(volume);
+    apply_volume();
 }
 
 void event_session::set_muted(bool muted) {

@@ -73,9 +73,16 @@ class event_session : public QObject {
     void set_rate(double rate);
     void set_looping(bool looping);
     bool is_looping() const { return looping_; }
+    // From 0 to 1: the event's volume, and that of the application, which lies over those of all events. Both
+    // are heard at once; keep_volumes() saves them when the user has chosen.
     void set_volume(double volume);
     void change_volume(int steps);
-    double volume() const { return volume_; }
+    double volume() const;
+    void set_application_volume(double volume);
+    double application_volume() const;
+    void keep_volumes();
+    // It was chosen in another window.
+    void take_application_volume(double volume);
     void set_muted(bool muted);
     bool is_muted() const { return muted_; }
     // Whether its sound comes out, at the volume and muting set: where several windows play only one is
@@ -104,6 +111,7 @@ class event_session : public QObject {
     void facts_changed();
     void saved(const QString& problem);  // empty: done
     void told(const vistels::user_message& message);
+    void application_volume_chosen(double volume);
     // The state that the lasting message with this key told of is over.
     void state_over(const QString& key);
 
@@ -147,7 +155,6 @@ class event_session : public QObject {
     double loop_end_ = 0;
     bool muted_ = false;
     bool heard_ = true;
-    double volume_ = 1;
     double play_until_;  // seconds: the end of the clip that is played; infinite: none is
 };
 

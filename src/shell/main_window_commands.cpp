@@ -8,6 +8,7 @@
 
 #include "app/settings.h"
 #include "shell/code_window_view.h"
+#include "shell/collection_pane.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
@@ -20,6 +21,7 @@
 #include "shell/pattern_menu.h"
 #include "shell/super_tab_row.h"
 #include "shell/timeline_view.h"
+#include "shell/transport_bar.h"
 #include "shell/vault_commands.h"
 #include "shell/window_actions.h"
 #include "shell/window_frame.h"
@@ -113,6 +115,7 @@ void main_window::connect_play_commands() {
     on(command::mute, [session](bool mutes) { session->set_muted(mutes); });
     on(command::louder, [session] { session->change_volume(1); });
     on(command::softer, [session] { session->change_volume(-1); });
+    on(command::volumes, [this] { collection_->bar().show_volumes(); });
 }
 
 void main_window::connect_timeline_commands() {

@@ -11,6 +11,7 @@
 #include "shell/controls.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
+#include "shell/volume_popover.h"
 
 namespace vistels {
 
@@ -92,7 +93,10 @@ transport_bar::transport_bar(QWidget* parent)
       loop_(new icon_button(QStringLiteral("loop"),
                             tr("Play the selected clip, or the event, again and again"), this)),
       mute_(new icon_button(QStringLiteral("volume"), tr("Sound off and on (M)"), this)),
-      volume_(new value_slider(this)) {
+      volume_(new value_slider(this)),
+      volumes_(
+          new icon_button(QStringLiteral("chevron-down"), tr("Volumes of this event and of Vistels"), this)),
+      popover_(new volume_popover(this)) {
     QStringList words;
     for (const double rate : rates()) words << rate_words(rate);
     rates_ = new segmented_control(QStringLiteral("transport.rates"), words, this);
@@ -106,7 +110,13 @@ transport_bar::transport_bar(QWidget* parent)
     loop_->setObjectName(QStringLiteral("transport.loop"));
     mute_->setObjectName(QStringLiteral("transport.mute"));
     volume_->setObjectName(QStringLiteral("transport.volume"));
-    volume_->setAccessibleName(tr("Volume"));
+    volume_->setAccessibleName(tr("Volume of this event"));
+    volume_->setToolTip(tr("Volume of this event (Ctrl+Up, Ctrl+Down)"));
+    volumes_->setObjectName(QStringLiteral("transport.volumes"));
+    for (QWidget* one : {static_cast<QWidget*>(mute_), static_cast<QWidget*>(volume_)}) {
+        one->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(one, &QWidget::customContextMenuRequested, this, &transport_bar::show_volumes);
+    }
     build();
     connect_parts();
 }
@@ -138,6 +148,7 @@ void transport_bar::build() {
     parts_->addWidget(loop_);
     parts_->addWidget(mute_);
     parts_->addWidget(volume_);
+    parts_->addWidget(volumes_);
 
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -160,6 +171,12 @@ void transport_bar::connect_parts() {
     connect(loop_, &icon_button::clicked, this, &transport_bar::loop_asked);
     connect(mute_, &icon_button::clicked, this, &transport_bar::mute_asked);
     connect(volume_, &value_slider::moved, this, &transport_bar::volume_asked);
+    connect(volume_, &value_slider::drag_ended, this, &transport_bar::volume_chosen);
+    connect(volumes_, &icon_button::clicked, this, &transport_bar::show_volumes);
+    connect(popover_, &volume_popover::volume_asked, this, &transport_bar::volume_asked);
+    connect(popover_, &volume_popover::application_volume_asked, this,
+            &transport_bar::application_volume_asked);
+    connect(popover_, &volume_popover::chosen, this, &transport_bar::volume_chosen);
     connect(position_, &value_slider::moved, this,
             [this](double fraction) { Q_EMIT seek_asked(seconds_at(fraction), false); });
     connect(position_, &value_slider::drag_ended, this,
@@ -205,8 +222,13 @@ void transport_bar::set_looping(bool looping) {
     loop_->setChecked(looping);
 }
 
-void transport_bar::set_volume(double volume) {
-    volume_->set_value(volume);
+void transport_bar::set_volumes(double event, double application) {
+    volume_->set_value(event);
+    popover_->set_volumes(event, application);
+}
+
+void transport_bar::show_volumes() {
+    popover_->show_above(mute_);
 }
 
 void transport_bar::set_muted(bool muted) {
@@ -221,7 +243,7 @@ QSize transport_bar::minimumSizeHint() const {
 
 int transport_bar::volume_room() const {
     const theme_metrics& metrics = theme::current().metrics;
-    return metrics.volume_width + metrics.grid;
+    return metrics.volume_width + volumes_->sizeHint().width() + 2 * metrics.grid;
 }
 
 void transport_bar::resizeEvent(QResizeEvent* event) {
@@ -229,6 +251,7 @@ void transport_bar::resizeEvent(QResizeEvent* event) {
     const bool has_room = width() >= minimumSizeHint().width() + volume_room();
     if (has_room == volume_->isHidden()) {
         volume_->setVisible(has_room);
+        volumes_->setVisible(has_room);
         parts_->invalidate();  // it would notice only later
     }
     QWidget::resizeEvent(event);

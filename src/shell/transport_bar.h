@@ -10,6 +10,7 @@ namespace vistels {
 class icon_button;
 class segmented_control;
 class value_slider;
+class volume_popover;
 
 // The collection's time in large figures that stand still while they run.
 class clock_label : public QWidget {
@@ -27,7 +28,7 @@ class clock_label : public QWidget {
     double seconds_ = 0;
 };
 
-// Position slider, clock, steps, play, rates, loop and volume. It shows what it is told and asks by signals;
+// Position slider, clock, steps, play, rates, loop and volumes. It shows what it is told and asks by signals;
 // it holds no state of its own. Main thread.
 class transport_bar : public QWidget {
     Q_OBJECT
@@ -42,8 +43,12 @@ class transport_bar : public QWidget {
     void set_playing(bool playing);
     void set_rate(double rate);
     void set_looping(bool looping);
-    void set_volume(double volume);  // 0 to 1
+    // From 0 to 1: the event's, and that of the application, which lies over it.
+    void set_volumes(double event, double application);
     void set_muted(bool muted);
+
+    // The popover with both volumes.
+    void show_volumes();
 
     static const QList<double>& rates();
     QSize minimumSizeHint() const override;
@@ -54,6 +59,9 @@ class transport_bar : public QWidget {
     void rate_asked(double rate);
     void loop_asked(bool loop);
     void volume_asked(double volume);
+    void application_volume_asked(double volume);
+    // The user let go of a volume: it is the one to keep.
+    void volume_chosen();
     void mute_asked(bool muted);
     // While the position is dragged many times, at its end once more with `ended`.
     void seek_asked(double seconds, bool ended);
@@ -83,6 +91,8 @@ class transport_bar : public QWidget {
     icon_button* loop_;
     icon_button* mute_;
     value_slider* volume_;
+    icon_button* volumes_;
+    volume_popover* popover_;
 };
 
 }  // namespace vistels

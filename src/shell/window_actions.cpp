@@ -85,6 +85,7 @@ constexpr action_line action_lines[] = {
     {command::mute, "Play", "mute", "Mute", "M", "Sound off and on", true, true},
     {command::louder, "Play", "louder", "Louder", "Ctrl+Up", "More volume"},
     {command::softer, "Play", "softer", "Softer", "Ctrl+Down", "Less volume"},
+    {command::volumes, "Play", "volumes", "Volumes…", "", "The volumes of this event and of Vistels"},
     {command::release_buttons, "Code", "release_buttons", "Release All Buttons", "Shift+Esc",
      "Let every button that is down come up"},
     {command::zoom_in, "Timeline", "zoom_in", "Zoom In",

@@ -53,6 +53,7 @@ enum class command {
     mute,
     louder,
     softer,
+    volumes,
     release_buttons,
     zoom_in,
     zoom_out,

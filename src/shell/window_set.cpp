@@ -215,6 +215,11 @@ void window_set::connect_window(main_window& window) {
     connect(&one->session().filter(), &filter_control::hides_chosen, this, [this](bool hides) {
         for (const auto& other : members_) other.window->session().filter().set_hides(hides);
     });
+    connect(&one->session(), &event_session::application_volume_chosen, this, [this, one](double volume) {
+        for (const auto& other : members_) {
+            if (other.window.get() != one) other.window->session().take_application_volume(volume);
+        }
+    });
     connect(one, &main_window::closing, this, [this, one] { take_closing(one); });
     one->installEventFilter(this);
 }

@@ -141,7 +141,8 @@ void synchronised_playback::set_sound_vistel(const std::string& uuid) {
 }
 
 void synchronised_playback::set_volume(double volume) {
-    sound_.set_volume(std::clamp(volume, 0.0, 1.0));
+    volume_ = std::clamp(volume, 0.0, 1.0);
+    sound_.set_volume(volume_);
 }
 
 void synchronised_playback::set_top_speed(double stored) {

@@ -52,6 +52,7 @@ class synchronised_playback final : public transport {
     // Who is heard; empty: the first vistel.
     void set_sound_vistel(const std::string& uuid);
     void set_volume(double volume);  // 0 to 1
+    double volume() const { return volume_; }
     // A positive top speed bounds playing forwards, a negative one playing backwards.
     void set_top_speed(double stored);
 
@@ -134,6 +135,7 @@ class synchronised_playback final : public transport {
     double least_last_ = 0;
     std::string enlarged_;
     std::string sound_vistel_;
+    double volume_ = 1;
     double top_forward_ = top_forward_rate;
     double top_reverse_ = top_reverse_rate;
     int direction_ = 0;           // of the last step

@@ -7,13 +7,17 @@
 #include <QPushButton>
 
 #include "app/offset_changes.h"
+#include "app/settings.h"
 #include "shell/align_control.h"
 #include "shell/collection_commands.h"
+#include "shell/controls.h"
 #include "shell/message_bar.h"
 #include "shell/vistel_files.h"
+#include "shell/volume_popover.h"
 #include "shell/window_actions.h"
 #include "support/shown_event.h"
 #include "util/property_list.h"
+#include "video/synchronised_playback.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -104,6 +108,39 @@ TEST_F(empty_collection, a_streamed_movie_that_is_short_is_told_a_moment_after_o
     EXPECT_EQ(bar->text(),
               "Vistel 'left end' is 16 seconds shorter than expected.  \n"
               "Restarting HLS localizing for this vistel may fix this.");
+}
+
+// What is heard is the product of both volumes, and both are kept when the user lets go of them.
+TEST_F(empty_collection, both_volumes_are_heard_and_kept_at_once) {
+    ASSERT_TRUE(save_application_volume(places, 0.5));
+    open();
+    EXPECT_EQ(event().playback().volume(), 0.5);
+    const auto stored = [&] { return load_collection(folder).value().collection.volume(); };
+    window->actions()[command::softer]->trigger();
+    EXPECT_NEAR(event().playback().volume(), 0.45, 1e-9);
+    EXPECT_NEAR(stored(), 0.9, 1e-9);
+    window->actions()[command::volumes]->trigger();
+    auto* popover = find<volume_popover>("volumes");
+    ASSERT_TRUE(popover->isVisible());
+    for (int step = 0; step < 2; ++step) {
+        QTest::keyClick(find<value_slider>("volumes.event"), Qt::Key_Left);
+        QTest::keyClick(find<value_slider>("volumes.application"), Qt::Key_Right);
+    }
+    EXPECT_NEAR(event().playback().volume(), 0.8 * 0.6, 1e-9);
+    EXPECT_NEAR(stored(), 0.8, 1e-9);
+    EXPECT_NEAR(load_application_volume(places), 0.6, 1e-9);
+    EXPECT_NEAR(find<value_slider>("transport.volume")->value(), 0.8, 1e-9);
+    QTest::keyClick(popover, Qt::Key_Escape);
+    EXPECT_FALSE(popover->isVisible());
+    // A change of the collection leaves it so, and muting is over when a volume is chosen.
+    window->actions()[command::mute]->trigger();
+    EXPECT_TRUE(event().set_sound_vistel(event().collection().vistels()[1]->uuid()));
+    EXPECT_EQ(event().playback().volume(), 0);
+    window->session().set_volume(1);
+    EXPECT_NEAR(event().playback().volume(), 0.6, 1e-9);
+    window->session().take_application_volume(0.25);
+    EXPECT_EQ(event().playback().volume(), 0.25);
+    EXPECT_NEAR(load_application_volume(places), 0.6, 1e-9);
 }
 
 }  // namespace
