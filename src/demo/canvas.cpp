@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "demo/canvas.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -75,6 +76,17 @@ void canvas::fill() {
 void canvas::stroke(double line_width) {
     cairo_set_line_width(context_, line_width);
     cairo_stroke(context_);
+}
+
+void canvas::put_box(int x, int y, int width, int height, paint colour) {
+    const int left = std::max(x, 0);
+    const int right = std::min(x + width, width_);
+    constexpr paint opaque = 0xFF000000;
+    for (int row = std::max(y, 0); row < std::min(y + height, height_); ++row) {
+        auto* line = reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(surface_) +
+                                                      static_cast<std::ptrdiff_t>(row) * stride_);
+        for (int column = left; column < right; ++column) line[column] = colour | opaque;
+    }
 }
 
 void canvas::add_text(std::string_view text, double x, double y, double text_height) {

@@ -44,6 +44,8 @@ class canvas {
     void add_box(double x, double y, double width, double height);
     void fill();
     void stroke(double line_width);
+    // Fills a box of whole pixels at once, without adding it. Between pixels() and written() only.
+    void put_box(int x, int y, int width, int height, paint colour);
     // A text with its lower left corner there, upright.
     void add_text(std::string_view text, double x, double y, double text_height);
 

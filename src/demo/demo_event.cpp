@@ -17,6 +17,7 @@
 #include "demo/simulation.h"
 #include "logger/logger_Dict_funcs.h"
 #include "timeline/sxy_Save_Load.h"
+#include "timeline/writer_lock.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
 #include "video/vault_lock.h"
@@ -32,6 +33,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* event_name = "Harbour – Northgate";
 constexpr const char* collections_folder_name = "Video Groups";
+constexpr const char* unfinished_mark = ".filming ";
 constexpr int most_cameras = 16;
 constexpr int least_seconds = 2;
 constexpr int most_seconds = 7200;
@@ -53,6 +55,16 @@ class passing_folder {
   private:
     std::string path_;
 };
+
+// What a program that died while it made the event has left in the vault; nobody holds it.
+void remove_unfinished(const std::string& vault) {
+    for (const auto& name : names_in_folder(vault)) {
+        if (!name.starts_with(unfinished_mark)) continue;
+        const std::string folder = path_join(vault, name);
+        std::error_code ignored;
+        if (const auto lock = writer_lock::take(folder)) fs::remove_all(folder, ignored);
+    }
+}
 
 result<void> check(const demo_options& options) {
     if (options.cameras < 1 || options.cameras > most_cameras)
@@ -208,8 +220,11 @@ result<demo_paths> make_demo_collection(const std::string& vault_folder, const d
     if (auto checked = check(options); !checked) return checked.error();
     const std::string collections = path_join(vault_folder, collections_folder_name);
     const bool had_collections = is_folder(collections);
-    const passing_folder hidden(path_join(vault_folder, ".making " + new_uuid()));
+    remove_unfinished(vault_folder);
+    const passing_folder hidden(path_join(vault_folder, unfinished_mark + new_uuid()));
     if (auto made = make_folders(hidden.path()); !made) return made.error();
+    const auto lock = writer_lock::take(hidden.path());
+    if (!lock) return lock.error();
     event_maker maker(hidden.path(), free_name(collections, event_name), options);
     if (auto made = maker.make(work); !made) return made.error();
     if (auto made = make_folders(collections); !made) return made.error();

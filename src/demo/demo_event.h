@@ -28,8 +28,8 @@ struct demo_paths {
 // `cameras` cameras, its coded timeline and its code window. The movies are as long as each other, the
 // cameras started at different moments, and one of them wrote two movies with a gap between. Everything is
 // made in a hidden folder beside and put in place at the end; on failure, or when `work` is cancelled,
-// nothing is left behind. Takes about a second for each four seconds of movie; progress is told on other
-// threads too. Any thread.
+// nothing is left behind; what a program that died meanwhile has left goes with the next call. Two
+// processors take half as long as a camera's movies last. Progress is told on other threads too. Any thread.
 result<demo_paths> make_demo_collection(const std::string& vault_folder, const demo_options& options,
                                         job& work);
 

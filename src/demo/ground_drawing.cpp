@@ -186,18 +186,18 @@ void draw_crowd(canvas& picture, const view_camera& camera, const side_of_ground
             sizes.back().push_back(scale * 0.55);
         }
     }
-    cairo_set_antialias(picture.context(), CAIRO_ANTIALIAS_FAST);
+    const auto whole = [](double length) { return static_cast<int>(std::lround(length)); };
+    (void)picture.pixels();
     for (std::size_t group = 0; group < seats.size(); ++group) {
         for (std::size_t index = 0; index < seats[group].size(); ++index) {
             const double scale = sizes[group][index];
             const screen_point& seat = seats[group][index];
-            picture.add_box(std::round(seat.x - 0.25 * scale), std::round(seat.y - 0.6 * scale),
-                            std::max(1.0, std::round(0.5 * scale)), std::max(1.0, std::round(0.6 * scale)));
+            picture.put_box(whole(seat.x - 0.25 * scale), whole(seat.y - 0.6 * scale),
+                            std::max(1, whole(0.5 * scale)), std::max(1, whole(0.6 * scale)),
+                            group < shirts.size() ? shirts[group] : 0xC09A7C);
         }
-        picture.set(group < shirts.size() ? shirts[group] : 0xC09A7C);
-        picture.fill();
     }
-    cairo_set_antialias(picture.context(), CAIRO_ANTIALIAS_DEFAULT);
+    picture.written();
 }
 
 void draw_stand(canvas& picture, const view_camera& camera, const side_of_ground& side, std::uint64_t seed) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "media/ffmpeg_handles.h"
+#include "media/limited_yuv.h"
 
 namespace vistels {
 
@@ -29,7 +30,6 @@ struct movie_writer::implementation {
     AVFormatContext* file = nullptr;
     track pictures;
     track sound;
-    ffmpeg_owner<SwsContext> colours;
     ffmpeg_owner<AVPacket> packet{av_packet_alloc()};
     std::vector<float> waiting_sound;  // interleaved, less than one encoder frame
     bool file_made = false;
@@ -91,6 +91,8 @@ result<void> movie_writer::implementation::open_pictures() {
     encoder.color_trc = AVCOL_TRC_BT709;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "preset", settings.preset.c_str(), 0);
+    if (!settings.encoder_options.empty())
+        av_dict_set(&options, "x264-params", settings.encoder_options.c_str(), 0);
     const auto opened = open_encoder(pictures, codec, &options);
     av_dict_free(&options);
     if (!opened.ok()) return opened;
@@ -109,12 +111,6 @@ result<void> movie_writer::implementation::open_pictures() {
     frame.color_range = encoder.color_range;
     frame.colorspace = encoder.colorspace;
     if (const int error = av_frame_get_buffer(&frame, 0); error < 0) return failed(error);
-    colours.reset(sws_getContext(settings.width, settings.height, AV_PIX_FMT_BGR0, settings.width,
-                                 settings.height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr,
-                                 nullptr));
-    if (!colours) return failed(AVERROR(EINVAL));
-    const int* bt709 = sws_getCoefficients(SWS_CS_ITU709);
-    sws_setColorspaceDetails(colours.get(), bt709, 1, bt709, 0, 0, 1 << 16, 1 << 16);
     return {};
 }
 
@@ -128,7 +124,11 @@ result<void> movie_writer::implementation::open_sound() {
     encoder.time_base = {1, settings.sound_rate};
     encoder.bit_rate = 64000LL * settings.sound_channels;
     av_channel_layout_default(&encoder.ch_layout, settings.sound_channels);
-    if (auto opened = open_encoder(sound, codec, nullptr); !opened.ok()) return opened;
+    AVDictionary* options = nullptr;
+    if (!settings.sound_coder.empty()) av_dict_set(&options, "aac_coder", settings.sound_coder.c_str(), 0);
+    const auto opened = open_encoder(sound, codec, &options);
+    av_dict_free(&options);
+    if (!opened.ok()) return opened;
     AVFrame& frame = *sound.frame;
     frame.format = encoder.sample_fmt;
     frame.sample_rate = encoder.sample_rate;
@@ -184,7 +184,9 @@ result<void> movie_writer::implementation::add_picture(const std::uint8_t* bgra,
     if (finished || stamp < pictures.next_stamp) return failed(AVERROR(EINVAL));
     AVFrame& frame = *pictures.frame;
     if (const int error = av_frame_make_writable(&frame); error < 0) return failed(error);
-    sws_scale(colours.get(), &bgra, &stride, 0, settings.height, frame.data, frame.linesize);
+    to_limited_yuv(bgra, stride, settings.width, settings.height,
+                   {frame.data[0], frame.data[1], frame.data[2], frame.linesize[0], frame.linesize[1],
+                    frame.linesize[2]});
     frame.pts = stamp;
     const std::int64_t divisor = settings.frame_rate_divisor;
     frame.pkt_duration = variable_rate_ticks_per_second * divisor / settings.frame_rate;

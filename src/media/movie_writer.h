@@ -18,13 +18,15 @@ struct movie_writer_settings {
     int frame_rate_divisor = 1;
     std::int64_t video_bit_rate = 4'000'000;  // bits a second
     std::string preset = "veryfast";          // x264's
+    std::string encoder_options = {};         // of x264 beside the preset, "deblock=1:cabac=1"
     int gop_frames = 60;                      // most frames from one key frame to the next
     int b_frames = 2;
-    int threads = 0;          // of the video encoder; 0: as many as it likes
-    int sound_rate = 48000;   // samples a second
-    int sound_channels = 0;   // 0: no sound
-    int rotation = 0;         // degrees clockwise by which players turn the picture: 0, 90, 180, 270
-    bool fast_start = false;  // index at the front, for which the finished file is copied once more
+    int threads = 0;               // of the video encoder; 0: as many as it likes
+    int sound_rate = 48000;        // samples a second
+    int sound_channels = 0;        // 0: no sound
+    std::string sound_coder = {};  // of FFmpeg's AAC encoder; empty: its own choice
+    int rotation = 0;              // degrees clockwise by which players turn the picture: 0, 90, 180, 270
+    bool fast_start = false;       // index at the front, for which the finished file is copied once more
 };
 
 // Writes one movie file: H.264 and AAC, in the container that the path's ending names (.mp4, .mov, .mkv).

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/collection_view.h"
 
+#include <QHBoxLayout>
 #include <QRegularExpression>
 #include <QStyle>
 #include <algorithm>
@@ -46,6 +47,20 @@ collection_view::collection_view(QWidget* parent) : QWidget(parent) {
         ringed_.clear();
         update();
     });
+}
+
+void collection_view::set_middle(QWidget* widget) {
+    middle_ = widget;
+    if (!layout()) {
+        auto* room = new QHBoxLayout(this);
+        room->setSizeConstraint(QLayout::SetNoConstraint);
+        room->addStretch(1);
+        room->addStretch(1);
+    }
+    // As wide as it may be, where there is room.
+    constexpr int before_the_stretches = 1000;
+    static_cast<QHBoxLayout*>(layout())->insertWidget(1, widget, before_the_stretches, Qt::AlignVCenter);
+    update();
 }
 
 void collection_view::set_vistels(std::vector<shown_vistel> vistels, double ratio, bool scrolls) {

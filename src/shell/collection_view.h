@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -61,6 +62,8 @@ class collection_view : public QWidget {
     bool is_heard(const std::string& vistel) const;
     // Its movie is ready: it is no longer shown at low opacity.
     void set_ready(const std::string& vistel);
+    // Shown in the middle while it is visible; it is the view's from then on.
+    void set_middle(QWidget* widget);
     // An empty text puts all back into their places.
     void set_enlarged(const std::string& vistel);
     std::string enlarged() const;
@@ -227,6 +230,7 @@ class collection_view : public QWidget {
     QVariantAnimation growth_;
     std::string ringed_;
     QTimer ring_time_;
+    QPointer<QWidget> middle_;
     std::string current_;
     bool aligning_ = false;
     bool changeable_ = true;

@@ -18,6 +18,7 @@ void collection_view::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.fillRect(event->rect(), look.video_surround);
     if (tiles_.empty()) {
+        if (middle_ && middle_->parentWidget() == this && middle_->isVisible()) return;
         painter.setFont(theme::font(type_step::secondary));
         painter.setPen(theme::dark().muted);
         const QString words =

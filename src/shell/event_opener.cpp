@@ -10,6 +10,7 @@
 #include "shell/event_session.h"
 #include "shell/long_work.h"
 #include "shell/vault_panels.h"
+#include "shell/work_panel.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
@@ -19,8 +20,9 @@
 
 namespace vistels {
 
-event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session)
-    : window_(window), places_(std::move(places)), loop_(loop), session_(session) {}
+event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session,
+                           work_panel& panel)
+    : window_(window), places_(std::move(places)), loop_(loop), session_(session), panel_(&panel) {}
 
 event_opener::~event_opener() = default;
 
@@ -90,19 +92,48 @@ void event_opener::open_last_or_demo(const std::string& open_last) {
 
 void event_opener::make_demo() {
 #if VISTELS_HAVE_MEDIA
-    const auto does = [vault = places_.home_vault](job& work) -> result<std::string> {
-        auto made = make_demo_collection(vault, demo_options(), work);
+    if (!panel_ || panel_->is_running()) {
+        Q_EMIT settled();
+        return;
+    }
+    demo_options options;
+    options.cameras = demo_cameras_;
+    options.seconds = demo_seconds_;
+    const auto does = [vault = places_.home_vault, options](job& work) -> result<std::string> {
+        auto made = make_demo_collection(vault, options, work);
         if (!made) return made.error();
         return made.value().collection;
     };
-    run(tr("Making a demo event"),
+    panel_->start(
+        tr("Making a demo event"),
         tr("Four cameras film a small game of one minute, and the game is coded. This is done once and takes "
-           "about "
-           "a minute."),
-        true, does, tr("The demo event could not be made"));
+           "about half a minute; it opens by itself."),
+        does, [this](const result<std::string>& made, bool cancelled) { finish_demo(made, cancelled); });
 #else
     Q_EMIT settled();
 #endif
+}
+
+void event_opener::finish_demo(const result<std::string>& made, bool cancelled) {
+    Q_EMIT content_changed();
+    if (made && !session_.is_open()) return open_folder(made.value());
+    if (made) {
+        user_message message{
+            user_message::tone::good,
+            tr("The demo event is ready"),
+            tr("It is in the side bar, in “%1”.").arg(QString::fromStdString(path_name(places_.home_vault))),
+            {},
+            {}};
+        Q_EMIT told(message);
+    } else if (!cancelled) {
+        tell_failure(tr("The demo event could not be made"), made.message());
+    }
+    Q_EMIT settled();
+}
+
+void event_opener::set_demo_size(int cameras, int seconds) {
+    demo_cameras_ = cameras;
+    demo_seconds_ = seconds;
 }
 
 std::string event_opener::vault_for_new() const {
@@ -120,14 +151,13 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
         return folder;
     };
     run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),
-        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))), false, does,
+        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))), does,
         tr("The collection could not be made"));
 }
 
-void event_opener::run(const QString& title, const QString& words, bool at_once,
+void event_opener::run(const QString& title, const QString& words,
                        std::function<result<std::string>(job&)> does, const QString& failed) {
     work_ = std::make_unique<long_work>(title, words, loop_, &window_);
-    if (at_once) work_->show_now();
     work_->start(std::move(does), [this, failed](const result<std::string>& outcome, bool cancelled) {
         // This runs in the work's own window, which goes when the loop is next at rest.
         work_.release()->deleteLater();

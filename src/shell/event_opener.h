@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,14 +21,18 @@ namespace vistels {
 
 class event_session;
 class long_work;
+class work_panel;
 
 // Opens events in a session: by path, by dialogs, from movies, and the demo event when there is nothing else.
-// What takes long shows its progress and can be cancelled. Main thread.
+// What takes long shows its progress and can be cancelled; the demo event does so in its place, and the
+// window can be used meanwhile. Main thread.
 class event_opener : public QObject {
     Q_OBJECT
   public:
-    // All must outlive the opener. `window` is the dialogs' parent.
-    event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session);
+    // All must outlive the opener, but for `panel`, in which the demo event's progress is shown. `window` is
+    // the dialogs' parent.
+    event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session,
+                 work_panel& panel);
     ~event_opener() override;
 
     // Asked before a folder is opened: whether another window shows it and is in front now.
@@ -39,8 +44,11 @@ class event_opener : public QObject {
     void open_folder(const std::string& folder);
     // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
-    // The event that was open last; in a home vault without any event the demo event is made.
+    // The event that was open last; in a home vault without any event the demo event is made, and opened if
+    // nothing else is open by then.
     void open_last_or_demo(const std::string& open_last);
+    // Of the demo event, by default 4 and 60.
+    void set_demo_size(int cameras, int seconds);
 
     void ask_new_collection();
     // Asks for the name and the vault of a collection without movies; it is opened when it is made.
@@ -58,6 +66,7 @@ class event_opener : public QObject {
 
   private:
     void make_demo();
+    void finish_demo(const vistels::result<std::string>& made, bool cancelled);
     void make_collection(const std::vector<std::string>& movies);
     void make_empty(const std::string& name, const std::string& vault);
     // Where new collections are made: the focus vault, or the home vault while that one is away.
@@ -66,8 +75,8 @@ class event_opener : public QObject {
     void remember_vault(const std::string& vault);
     void open_vault(const std::string& vault);
     void tell_failure(const QString& headline, const std::string& message);
-    void run(const QString& title, const QString& words, bool at_once,
-             std::function<result<std::string>(job&)> does, const QString& failed);
+    void run(const QString& title, const QString& words, std::function<result<std::string>(job&)> does,
+             const QString& failed);
 
     QWidget& window_;
     const home_places places_;
@@ -75,6 +84,9 @@ class event_opener : public QObject {
     event_session& session_;
     std::function<bool(const std::string&)> shown_elsewhere_;
     std::unique_ptr<long_work> work_;
+    QPointer<work_panel> panel_;
+    int demo_cameras_ = 4;
+    int demo_seconds_ = 60;
 };
 
 }  // namespace vistels

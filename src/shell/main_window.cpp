@@ -20,6 +20,7 @@
 #include "shell/code_window_view.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
+#include "shell/collection_view.h"
 #include "shell/content_keeper.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_messages.h"
@@ -39,6 +40,7 @@
 #include "shell/window_actions.h"
 #include "shell/window_frame.h"
 #include "shell/work_area.h"
+#include "shell/work_panel.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -65,6 +67,7 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
       tabs_(new super_tab_row({tr("Code"), tr("Review")})),
       work_(new work_area(collection_, code_, timeline_)),
       messages_(new message_bar),
+      making_(new work_panel(loop_)),
       saved_(new saved_label) {
     setObjectName(QStringLiteral("main_window"));
     setWindowTitle(tr("Vistels"));
@@ -73,7 +76,7 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     keys_ = std::make_unique<key_router>(*this, loop_.time());
     session_ = std::make_unique<event_session>(
         event_panes{collection_, code_, timeline_, inspector_, keys_.get(), filter_}, loop_);
-    opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_);
+    opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_, *making_);
     commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_, loop_);
     commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
     for (QAction* one : commands_->actions()) actions_->add(one);
@@ -133,6 +136,7 @@ void main_window::build() {
     column->addWidget(frame_, 1);
     // Below, where it comes and goes without moving what may be pressed just then.
     column->addWidget(messages_);
+    collection_->view().set_middle(making_);
     connect(messages_, &message_bar::changing, work_, &work_area::hold_upper);
     setCentralWidget(whole);
 }
@@ -161,6 +165,7 @@ void main_window::connect_session() {
         setWindowTitle(tr("Vistels"));
         saved_->show_nothing();
         show_facts();
+        place_making();
         Q_EMIT event_changed();
     });
 }
@@ -191,6 +196,7 @@ void main_window::connect_side_bar() {
 }
 
 void main_window::show_event() {
+    place_making();
     const bool has_pictures = session_->shown_event()->has_collection();
     setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
     collection_->set_shows_pictures(has_pictures);
@@ -199,6 +205,16 @@ void main_window::show_event() {
     saved_->show_saved({});
     collection_->setFocus();
     Q_EMIT event_changed();
+}
+
+// Where the event will be that is made; over no other one.
+void main_window::place_making() {
+    auto& view = collection_->view();
+    if (!session_->is_open()) return view.set_middle(making_);
+    if (making_->parentWidget() != &view) return;
+    auto* column = static_cast<QVBoxLayout*>(centralWidget()->layout());
+    column->insertWidget(column->indexOf(messages_), making_, 0, Qt::AlignRight);
+    making_->setVisible(making_->is_running());
 }
 
 void main_window::connect_frame() {

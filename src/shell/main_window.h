@@ -36,6 +36,7 @@ class vault_commands;
 class window_actions;
 class window_frame;
 class work_area;
+class work_panel;
 
 // A window of the application, with one event: puts the panes together and gives their commands to those who
 // do them. What concerns more than this window it asks for by signals. Main thread.
@@ -110,6 +111,7 @@ class main_window : public QMainWindow {
     void connect_window_commands();
     void connect_vault_commands();
     void show_event();
+    void place_making();
     void show_patterns();
     void show_facts();
     void show_filter_state();
@@ -133,6 +135,7 @@ class main_window : public QMainWindow {
     super_tab_row* tabs_;
     work_area* work_;
     message_bar* messages_;
+    work_panel* making_;
     window_frame* frame_;
     saved_label* saved_;
     std::unique_ptr<key_router> keys_;

@@ -2,20 +2,28 @@
 // A collection without movies: coded by the clock, filmed later. And what is told a moment after opening.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <filesystem>
 
 #include "app/offset_changes.h"
 #include "app/settings.h"
 #include "shell/align_control.h"
 #include "shell/collection_commands.h"
+#include "shell/collection_view.h"
+#include "shell/content_side_bar.h"
 #include "shell/controls.h"
 #include "shell/message_bar.h"
 #include "shell/vistel_files.h"
 #include "shell/volume_popover.h"
 #include "shell/window_actions.h"
+#include "shell/work_panel.h"
 #include "support/shown_event.h"
+#include "support/stored_event.h"
+#include "support/stored_timeline.h"
+#include "util/file_system.h"
 #include "util/property_list.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_LOAD.h"
@@ -108,6 +116,78 @@ TEST_F(empty_collection, a_streamed_movie_that_is_short_is_told_a_moment_after_o
     EXPECT_EQ(bar->text(),
               "Vistel 'left end' is 16 seconds shorter than expected.  \n"
               "Restarting HLS localizing for this vistel may fix this.");
+}
+
+// The first start: nothing is there yet, and the window can be used while the demo event is made.
+class first_start : public testing::shown_event {
+  protected:
+    void begin(int seconds) {
+        std::filesystem::remove_all(path_join(places.home_vault, "Video Groups"));
+        folder = path_join(places.home_vault, "Video Groups/not there");
+        content = std::make_unique<content_keeper>(places, loop);
+        window = std::make_unique<main_window>(places, loop, *content);
+        window->resize(1600, 1000);
+        window->show();
+        window->opener().set_demo_size(1, seconds);
+        window->opener().open_last_or_demo({});
+        panel = find<work_panel>("work_panel");
+        EXPECT_TRUE(panel->isVisible());
+        EXPECT_TRUE(find<content_side_bar>("content")->isVisible());
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    }
+    // Waits for the work to end; no box stands over the window meanwhile.
+    bool ends() {
+        return QTest::qWaitFor(
+            [&] {
+                EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+                return !panel->is_running();
+            },
+            120000);
+    }
+    std::size_t left_over() {
+        std::size_t count = 0;
+        for (const auto& name : names_in_folder(places.home_vault)) count += name.starts_with(".filming ");
+        return count;
+    }
+    work_panel* panel = nullptr;
+};
+
+TEST_F(first_start, the_demo_event_opens_by_itself) {
+    // What a program that was killed has left of it.
+    std::filesystem::create_directories(places.home_vault + "/.filming X/Single Videos");
+    begin(2);
+    EXPECT_EQ(panel->parentWidget(), find<collection_view>("collection.view"));
+    ASSERT_TRUE(ends());
+    ASSERT_TRUE(window->session().is_open());
+    EXPECT_EQ(window->session().name(), "Harbour – Northgate");
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_EQ(left_over(), 0U);
+}
+
+TEST_F(first_start, the_demo_event_takes_the_place_of_no_other) {
+    begin(2);
+    testing::put_stored_timeline(path_join(places.home_vault, "Video Groups/Cup"));
+    window->opener().open_folder(path_join(places.home_vault, "Video Groups/Cup"));
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_NE(panel->parentWidget(), find<collection_view>("collection.view"));
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(path_name(window->session().folder()), "Cup");
+    EXPECT_TRUE(window->findChild<message_bar*>()->headline().contains("demo event is ready"));
+    EXPECT_TRUE(is_folder(path_join(places.home_vault, "Video Groups/Harbour – Northgate")));
+}
+
+TEST_F(first_start, cancelling_or_quitting_leaves_nothing_behind) {
+    for (const bool quits : {false, true}) {
+        begin(300);
+        quits ? window.reset() : QTest::mouseClick(find<QPushButton>("work_panel.cancel"), Qt::LeftButton);
+        if (!quits) {
+            ASSERT_TRUE(ends());
+            EXPECT_FALSE(window->session().is_open());
+            EXPECT_EQ(window->findChild<message_bar*>()->waiting(), 0U);
+        }
+        EXPECT_EQ(left_over(), 0U);
+        EXPECT_FALSE(is_folder(path_join(places.home_vault, "Video Groups")));
+    }
 }
 
 // What is heard is the product of both volumes, and both are kept when the user lets go of them.
