@@ -32,6 +32,10 @@ void canvas::written() {
     cairo_surface_mark_dirty(surface_);
 }
 
+void canvas::draw_fast() {
+    cairo_set_antialias(context_, CAIRO_ANTIALIAS_FAST);
+}
+
 void canvas::set(paint colour, double alpha) {
     const auto part = [colour](int shift) { return ((colour >> shift) & 0xFF) / 255.0; };
     if (alpha < 1)

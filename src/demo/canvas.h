@@ -31,6 +31,9 @@ class canvas {
     void written();
 
     cairo_t* context() { return context_; }
+    // From now on edges are smoothed in fewer steps, which a picture that is drawn anew for every frame does
+    // not show.
+    void draw_fast();
 
     void set(paint colour, double alpha = 1);
     void clear();  // to wholly transparent

@@ -15,6 +15,7 @@ frame_painter::frame_painter(const game_record& game, const film_camera& camera,
       behind_(film_width, film_height),
       before_(film_width, film_height),
       grain_(seed) {
+    picture_.draw_fast();
     if (camera_.follows) return;
     const view_camera view = camera_.view_at(game_, 0);
     draw_ground(behind_, view, 1);
