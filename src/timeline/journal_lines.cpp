@@ -13,7 +13,7 @@ std::string line_of(const property_dictionary& document) {
     return checksum_text(checksum(text)) + " " + text + "\n";
 }
 
-property_value read_line(std::string_view line, std::uint64_t& sum, std::size_t& taken) {
+property_value read_line(std::string_view line, std::uint64_t& sum) {
     constexpr std::size_t sum_length = 16;
     if (line.size() <= sum_length + 1 || line[sum_length] != ' ') return {};
     const std::string_view text = line.substr(sum_length + 1);
@@ -22,11 +22,6 @@ property_value read_line(std::string_view line, std::uint64_t& sum, std::size_t&
     stored_arena arena;
     const auto value = read_json(text, "journal", arena);
     if (!value) return {};
-    // With the views and the edit that is made of it, the line takes no more than any other file.
-    constexpr std::size_t most_times = 7;
-    constexpr std::size_t fixed_bytes = std::size_t{64} * 1024;
-    taken = value.value().copied_bytes();
-    if (taken > most_times * line.size() + fixed_bytes) return {};
     return value.value().copy();
 }
 
@@ -54,7 +49,7 @@ property_dictionary write_base(const journal_base& base) {
     return document;
 }
 
-std::optional<journal_base> read_base(const property_dictionary& document, text_cache& texts) {
+std::optional<journal_base> read_base(const property_dictionary& document) {
     const auto* values = document.dictionary("base");
     const auto size = values ? values->integer("size") : std::nullopt;
     const auto through = values ? values->integer("through") : std::nullopt;
@@ -63,7 +58,7 @@ std::optional<journal_base> read_base(const property_dictionary& document, text_
     base.content = {*size, checksum_from_text(values->text_or_empty("hash")).value_or(0)};
     base.through = static_cast<std::uint64_t>(*through);
     if (const auto* growing = values->dictionary("growing")) {
-        auto edit = read_edit(*growing, texts);
+        auto edit = read_edit(*growing);
         if (!edit) return std::nullopt;
         base.growing = std::move(edit).value();
     }

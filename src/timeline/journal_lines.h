@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "timeline/text_cache.h"
 #include "timeline/timeline_journal.h"
 #include "util/property_value.h"
 
@@ -20,12 +19,11 @@ namespace vistels {
 // A line whose checksum is wrong was torn and is passed over; the numbers tell whether one is missing.
 std::string line_of(const property_dictionary& document);
 
-// The document in a line without its newline, its checksum, and what it takes in memory; null when the line
-// is torn, or takes many times its size: no edit does.
-property_value read_line(std::string_view line, std::uint64_t& sum, std::size_t& taken);
+// The document in a line without its newline, and its checksum; null when the line is torn.
+property_value read_line(std::string_view line, std::uint64_t& sum);
 
 property_dictionary write_base(const journal_base& base);
-std::optional<journal_base> read_base(const property_dictionary& document, text_cache& texts);
+std::optional<journal_base> read_base(const property_dictionary& document);
 
 inline constexpr std::string_view segment_name = "chron data journal ";
 inline constexpr int highest_segment = 1'000'000'000;

@@ -40,7 +40,6 @@ struct qual_reading {
 
     qual_rare_fields& rare() {
         if (!changed_rare) {
-            texts.take_memory(heap_bytes(shared_block_bytes + sizeof(qual_rare_fields)));
             changed_rare =
                 to.rare ? std::make_shared<qual_rare_fields>(*to.rare) : std::make_shared<qual_rare_fields>();
         }
@@ -111,8 +110,6 @@ constexpr stored_field<qual_fields, qual_reading> action_field{
     {},
     [](qual_reading& reading, const stored_view& from) {
         if (from.kind() == stored_view::form::null) return false;
-        const std::size_t needed = heap_bytes(sizeof(property_entry)) + from.copied_bytes();
-        if (!reading.texts.take_memory(needed)) return false;
         reading.rare().kept.set("action", from.copy());
         return true;
     },

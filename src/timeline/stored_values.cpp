@@ -52,10 +52,7 @@ std::optional<point> point_from(const stored_view& value) {
     return x && y ? std::optional(point{*x, *y}) : std::nullopt;
 }
 
-bool take_value(std::optional<rectangle>& to, const stored_view& from, text_cache& texts) {
-    const auto taken = texts.allowance().taken();
-    if (!texts.take_memory(from.copied_bytes())) return false;
-    texts.allowance().return_to(taken);
+bool take_value(std::optional<rectangle>& to, const stored_view& from, text_cache&) {
     const auto value = rectangle_from(from.copy());
     if (value) to = value;
     return value.has_value();
@@ -75,17 +72,12 @@ void put_value(const std::optional<point>& value, std::string_view key, stored_s
     if (value) to.put(key, point_text(*value));
 }
 
-bool take_value(std::vector<std::string>& to, const stored_view& from, text_cache& texts) {
+bool take_value(std::vector<std::string>& to, const stored_view& from, text_cache&) {
     if (!from.is_array()) return false;
     const auto items = from.items();
-    if (!texts.take_memory(items.size() * sizeof(std::string) + heap_bytes(0))) return false;
     to.clear();
     to.reserve(items.size());
-    for (const auto& item : items) {
-        const auto text = item.text().value_or(std::string_view());
-        if (!texts.take_memory(text_heap_bytes(text.size()))) return false;
-        to.emplace_back(text);
-    }
+    for (const auto& item : items) to.emplace_back(item.text().value_or(std::string_view()));
     return true;
 }
 
@@ -96,10 +88,9 @@ void put_value(const std::vector<std::string>& value, std::string_view key, stor
     to.end();
 }
 
-bool take_value(std::vector<std::int64_t>& to, const stored_view& from, text_cache& texts) {
+bool take_value(std::vector<std::int64_t>& to, const stored_view& from, text_cache&) {
     if (!from.is_array()) return false;
     const auto items = from.items();
-    if (!texts.take_memory(items.size() * sizeof(std::int64_t) + heap_bytes(0))) return false;
     to.clear();
     to.reserve(items.size());
     for (const auto& item : items) to.push_back(item.integer().value_or(0));

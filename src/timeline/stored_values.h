@@ -81,9 +81,8 @@ inline void put_value(const std::optional<std::int64_t>& value, std::string_view
 }
 
 // Texts: an empty one is none.
-inline bool take_value(std::string& to, const stored_view& from, text_cache& texts) {
+inline bool take_value(std::string& to, const stored_view& from, text_cache&) {
     const auto value = from.text();
-    if (value && !texts.take_memory(text_heap_bytes(value->size()))) return false;
     if (value) to = *value;
     return value.has_value();
 }
@@ -91,13 +90,8 @@ inline void put_value(const std::string& value, std::string_view key, stored_sin
     if (!value.empty()) to.put(key, std::string_view(value));
 }
 
-inline bool take_value(compact_text& to, const stored_view& from, text_cache& texts) {
+inline bool take_value(compact_text& to, const stored_view& from, text_cache&) {
     const auto value = from.text();
-    // UUIDs, and all that is shorter, lie in the object.
-    const bool on_heap = value && value->size() > sizeof(to) && value->size() != compact_text::longest_inside;
-    if (on_heap && !texts.take_memory(heap_bytes(sizeof(std::string)) + heap_bytes(value->size() + 1))) {
-        return false;
-    }
     if (value) to = compact_text(*value);
     return value.has_value();
 }
@@ -129,8 +123,8 @@ bool take_value(std::vector<std::int64_t>& to, const stored_view& from, text_cac
 void put_value(const std::vector<std::int64_t>& value, std::string_view key, stored_sink& to);
 
 // Kept as it is.
-inline bool take_value(property_array& to, const stored_view& from, text_cache& texts) {
-    if (!from.is_array() || !texts.take_memory(from.copied_bytes())) return false;
+inline bool take_value(property_array& to, const stored_view& from, text_cache&) {
+    if (!from.is_array()) return false;
     auto copy = from.copy();
     to = std::move(*copy.array());
     return true;
@@ -142,7 +136,7 @@ inline void put_value(const property_array& value, std::string_view key, stored_
 bool take_colour(std::optional<colour>& to, const stored_view& from, text_cache& texts);
 inline bool take_colour(copied_ptr<colour>& to, const stored_view& from, text_cache& texts) {
     std::optional<colour> value;
-    if (take_colour(value, from, texts) && texts.take_memory(heap_bytes(sizeof(colour)))) to = *value;
+    if (take_colour(value, from, texts)) to = *value;
     return value.has_value();
 }
 template <class Colour>
@@ -170,7 +164,7 @@ void put_part(const Part& part, std::string_view key, stored_sink& to) {
 
 template <class Part>
 bool take_value(copied_ptr<Part>& to, const stored_view& from, text_cache& texts) {
-    if (!from.is_dictionary() || !texts.take_memory(heap_bytes(sizeof(Part)))) return false;
+    if (!from.is_dictionary()) return false;
     to = read_part<Part>(from, texts);
     return true;
 }
@@ -206,11 +200,9 @@ bool take_value(std::vector<Part>& to, const stored_view& from, text_cache& text
     const auto items = from.items();
     const auto is_part = [](const stored_view& item) { return has_key_of(stored_form<Part>::fields, item); };
     const auto count = static_cast<std::size_t>(std::count_if(items.begin(), items.end(), is_part));
-    if (!texts.take_memory(count * sizeof(Part) + heap_bytes(0))) return false;
     to.clear();
     to.reserve(count);
     for (const auto& item : items) {
-        if (texts.allowance().is_spent()) return false;
         if (!is_part(item)) continue;
         to.push_back(read_part<Part>(item, texts));
         if (holds_nothing(to.back())) to.pop_back();

@@ -183,7 +183,6 @@ struct clip_reading {
 
     clip_rare_fields& rare() {
         if (!changed_rare) {
-            texts.take_memory(heap_bytes(shared_block_bytes + sizeof(clip_rare_fields)));
             changed_rare =
                 to.rare ? std::make_shared<clip_rare_fields>(*to.rare) : std::make_shared<clip_rare_fields>();
         }
@@ -287,11 +286,8 @@ bool read_qualifiers(clip_reading& reading, const stored_view& from) {
     if (array) {
         const auto items = array->items();
         const auto count = static_cast<std::size_t>(std::count_if(items.begin(), items.end(), is_qual_item));
-        constexpr std::size_t list_bytes = heap_bytes(shared_block_bytes + sizeof(qual_ROOT)) + heap_bytes(0);
-        if (!reading.texts.take_memory(list_bytes + count * sizeof(qual_ITEM))) return false;
         all.reserve(count);
         for (const auto& item : items) {
-            if (reading.texts.allowance().is_spent()) return false;
             if (is_qual_item(item)) all.push_back(read_qual_item(item, reading.texts));
         }
     }
@@ -314,9 +310,6 @@ void write_qualifiers(const clip_fields& fields, std::string_view key, stored_si
 
 bool read_note(clip_reading& reading, const stored_view& from) {
     if (!from.is_dictionary()) return false;
-    const std::size_t needed = heap_bytes(shared_block_bytes + sizeof(clip_note)) + from.copied_bytes() +
-                               (growing_list_times - 1) * from.members().size() * sizeof(property_entry);
-    if (!reading.texts.take_memory(needed)) return false;
     reading.rare().note = std::make_shared<const clip_note>(read_clip_note(from));
     return true;
 }

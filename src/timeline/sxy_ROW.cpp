@@ -46,10 +46,7 @@ struct in_row {
 struct in_compaction {
     using record_type = row_fields;
     using reading_type = row_reading;
-    static row_compaction& of(row_reading& reading) {
-        if (!reading.to.compaction) reading.texts.take_memory(heap_bytes(sizeof(row_compaction)));
-        return reading.to.compaction.make();
-    }
+    static row_compaction& of(row_reading& reading) { return reading.to.compaction.make(); }
     static const row_compaction* of(const row_fields& fields) { return fields.compaction.get(); }
 };
 
@@ -91,7 +88,6 @@ bool read_tombstones(row_reading& reading, const stored_view& from) {
         stored_reading<sxy_Deleted_Clip_Item_k11> part{one, reading.texts};
         read_members(stored_form<sxy_Deleted_Clip_Item_k11>::fields, item.members(), part);
         if (!(reading.now - one.clip_last_Edited_secs < tombstone_life_seconds)) continue;
-        if (!reading.texts.take_memory(growing_list_times * sizeof(one))) return false;
         all.push_back(std::move(one));
     }
     reading.to.deleted_clips_in_row_k11 = kept(std::move(all));

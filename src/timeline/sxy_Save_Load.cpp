@@ -51,21 +51,10 @@ bool is_row(const stored_view& stored) {
                        [](const stored_member& member) { return is_key_of_row(member.key); });
 }
 
-// What a clip, and a row, takes beside the records that lie in it: the list that it is gathered in and its
-// place in the tree of the row's clips, or in the timeline.
-constexpr std::size_t place_bytes = (growing_list_times + 1) * sizeof(clip_pointer);
-constexpr std::size_t clip_bytes = heap_bytes(shared_block_bytes + sizeof(sxy_CLIP)) + place_bytes;
-constexpr std::size_t clips_of_row_bytes = 512;  // of the first chunk of the tree, mostly empty
-constexpr std::size_t row_bytes = heap_bytes(shared_block_bytes + sizeof(sxy_ROW)) + place_bytes;
-
 // The timeline's own values, as they are written below but for "rows".
 class timeline_reader {
   public:
-    explicit timeline_reader(memory_allowance allowance)
-        : texts_(text_cache::size_for_files, allowance), now_(seconds_since_1970()) {}
-
-    // What reading the file may take; once it is spent, what was read is not whole.
-    memory_allowance& allowance() { return texts_.allowance(); }
+    timeline_reader() : texts_(text_cache::size_for_files), now_(seconds_since_1970()) {}
 
     static bool knows(std::string_view key) {
         return key == by_category_key || key == "description" || key == "uuid_timeline" || key == "tags";
@@ -73,9 +62,7 @@ class timeline_reader {
     void value(std::string_view key, const stored_view& from) {
         auto& content = loaded_.content;
         const bool is_kept = key == by_category_key && !from.is_array() && !from.is_dictionary();
-        if (is_kept && texts_.take_memory(from.copied_bytes())) {
-            content.kept.set(key, from.copy());
-        }
+        if (is_kept) content.kept.set(key, from.copy());
         if (key == "description") take_value(content.description, from, texts_);
         if (key == "uuid_timeline") take_value(content.uuid, from, texts_);
         if (key == "tags") take_value(content.tags, from, texts_);
@@ -96,7 +83,6 @@ class timeline_reader {
     }
     void clip(const stored_view& from) {
         if (auto clip = read_clip(from, texts_)) {
-            if (!texts_.take_memory(clip_bytes)) return;
             clips_.push_back(std::make_shared<const sxy_CLIP>(std::move(*clip)));
         } else {
             ++loaded_.skipped_clips;
@@ -105,7 +91,6 @@ class timeline_reader {
 
     // The row with those values, to which the clips since it began belong.
     void row(std::span<const stored_member> members) {
-        if (!texts_.take_memory(row_bytes + (clips_.empty() ? 0 : clips_of_row_bytes))) return;
         auto row = std::make_shared<sxy_ROW>(read_row_values(members, now_, texts_));
         row->set_row_number(static_cast<int>(loaded_.content.rows.size() + 1));
         row->clips().assign(std::exchange(clips_, {}));
@@ -123,12 +108,11 @@ class timeline_reader {
 };
 
 // Reads a document clip by clip, so that no more than one clip is in memory in another form. Nothing when the
-// cursor finds a fault, the document is no dictionary, or it takes too much memory.
+// cursor finds a fault or the document is no dictionary.
 template <class Cursor>
 class cursor_reader {
   public:
-    cursor_reader(Cursor& cursor, std::size_t file_bytes)
-        : cursor_(cursor), timeline_(memory_allowance(file_bytes)) {}
+    explicit cursor_reader(Cursor& cursor) : cursor_(cursor) {}
 
     std::optional<loaded_timeline> read() {
         if (cursor_.next_form() != form::dictionary || !cursor_.enter()) return std::nullopt;
@@ -136,33 +120,23 @@ class cursor_reader {
             if (*key == rows_key) {
                 read_rows();
             } else if (timeline_reader::knows(*key)) {
-                const auto value = cursor_.read(arena_);
-                look_at_memory();
-                timeline_.value(*key, value);
+                timeline_.value(*key, cursor_.read(arena_));
             } else {
                 cursor_.skip();
             }
-            if (is_spent()) return std::nullopt;
             arena_.clear();
         }
         return cursor_.finish() ? std::optional(timeline_.take()) : std::nullopt;
     }
 
-    // It took too much memory.
-    bool is_spent() { return timeline_.allowance().is_spent(); }
-
   private:
     using form = stored_view::form;
-
-    void look_at_memory() {
-        timeline_.allowance().has_read(cursor_.passed(), arena_.bytes() + clip_arena_.bytes());
-    }
 
     void read_rows() {
         timeline_.begin_rows();
         if (cursor_.next_form() != form::array) return cursor_.skip();
         cursor_.enter();
-        while (!is_spent() && cursor_.next_item()) {
+        while (cursor_.next_item()) {
             if (cursor_.next_form() == form::dictionary) {
                 read_row();
             } else {
@@ -179,7 +153,6 @@ class cursor_reader {
         bool has_key = false;
         while (const auto key = cursor_.next_key(arena_)) {
             has_key |= is_key_of_row(*key);
-            if (is_spent()) return;
             if (*key == clips_key) {
                 read_clips();
             } else if (is_row_key(*key)) {
@@ -188,21 +161,16 @@ class cursor_reader {
                 cursor_.skip();
             }
         }
-        if (is_spent() || !has_key) return;
-        const auto members = members_.take(0, arena_);
-        look_at_memory();
-        timeline_.row(members);
+        if (has_key) timeline_.row(members_.take(0, arena_));
     }
 
     void read_clips() {
         timeline_.begin_clips();
         if (cursor_.next_form() != form::array) return cursor_.skip();
         cursor_.enter();
-        while (!is_spent() && cursor_.next_item()) {
+        while (cursor_.next_item()) {
             clip_arena_.clear();
-            const auto clip = cursor_.read(clip_arena_);
-            look_at_memory();
-            timeline_.clip(clip);
+            timeline_.clip(cursor_.read(clip_arena_));
         }
     }
 
@@ -213,9 +181,9 @@ class cursor_reader {
     part_stack<stored_member> members_;
 };
 
-// A whole document; nothing when it takes too much memory.
-std::optional<loaded_timeline> read_view(const stored_view& document, memory_allowance allowance) {
-    timeline_reader timeline(allowance);
+// A whole document.
+loaded_timeline read_view(const stored_view& document) {
+    timeline_reader timeline;
     std::vector<stored_member> row_members;
     for (const auto& [key, value] : document.members()) {
         if (key != rows_key) {
@@ -233,16 +201,11 @@ std::optional<loaded_timeline> read_view(const stored_view& document, memory_all
                     continue;
                 }
                 timeline.begin_clips();
-                for (const auto& clip : member.value.items()) {
-                    if (timeline.allowance().is_spent()) return std::nullopt;
-                    timeline.clip(clip);
-                }
+                for (const auto& clip : member.value.items()) timeline.clip(clip);
             }
             timeline.row(row_members);
-            if (timeline.allowance().is_spent()) return std::nullopt;
         }
     }
-    if (timeline.allowance().is_spent()) return std::nullopt;
     return timeline.take();
 }
 
@@ -354,32 +317,23 @@ std::string skipped_clips_text(const std::string& path, std::size_t count) {
 
 loaded_timeline read_timeline(const property_dictionary& stored) {
     stored_arena arena;
-    return *read_view(view_of(stored, arena), memory_allowance());
+    return read_view(view_of(stored, arena));
 }
 
 result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::string& path) {
     property_list_cursor cursor(bytes);
-    {
-        cursor_reader reader(cursor, bytes.size());
-        if (auto loaded = reader.read()) return std::move(*loaded);
-        if (reader.is_spent()) return memory_allowance::spent(path);
-    }
+    if (auto loaded = cursor_reader(cursor).read()) return std::move(*loaded);
     stored_arena arena;
     const auto document = read_property_list(bytes, path, arena);
     if (!document) return document.error();
     if (!document.value().is_dictionary()) return no_timeline(path);
-    memory_allowance allowance(bytes.size());
-    allowance.has_read(bytes.size(), arena.bytes());
-    if (auto loaded = read_view(document.value(), allowance)) return std::move(*loaded);
-    return memory_allowance::spent(path);
+    return read_view(document.value());
 }
 
 result<loaded_timeline> read_timeline_json(std::string_view bytes, const std::string& path) {
     json_cursor cursor(bytes);
     if (cursor.next_form() == stored_view::form::dictionary) {
-        cursor_reader reader(cursor, bytes.size());
-        if (auto loaded = reader.read()) return std::move(*loaded);
-        if (reader.is_spent()) return memory_allowance::spent(path);
+        if (auto loaded = cursor_reader(cursor).read()) return std::move(*loaded);
     } else {
         cursor.skip();
     }

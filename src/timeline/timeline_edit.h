@@ -18,8 +18,6 @@
 
 namespace vistels {
 
-class text_cache;
-
 // The single changes of which edits are made. They hold UUIDs and values; a record in one never changes, and
 // stays as it is whatever becomes of the timeline.
 namespace operation {
@@ -181,7 +179,5 @@ timeline_edit plan_delete_clips(const sxy_DATA_root& timeline, const std::vector
 // The stored form, for the journal and the undo history.
 property_dictionary write_edit(const timeline_edit& edit);
 result<timeline_edit> read_edit(const property_dictionary& stored);
-// The same, within the memory that `texts` allows; what takes more cannot be read.
-result<timeline_edit> read_edit(const property_dictionary& stored, text_cache& texts);
 
 }  // namespace vistels

@@ -192,7 +192,6 @@ operation::remove_tombstones read_removed_tombstones(const shared_text& row, con
 
 std::optional<sxy_CLIP> clip_in(const property_dictionary& stored, text_cache& texts) {
     stored_arena arena;
-    if (!texts.take_memory(heap_bytes(shared_block_bytes + sizeof(sxy_CLIP)))) return std::nullopt;
     return read_clip(view_of(dictionary_or_empty(stored, "values"), arena), texts);
 }
 
@@ -203,7 +202,6 @@ qual_ITEM qualifier_in(const property_dictionary& stored, text_cache& texts) {
 
 sxy_ROW row_in(const property_dictionary& stored, text_cache& texts) {
     stored_arena arena;
-    texts.take_memory(heap_bytes(shared_block_bytes + sizeof(sxy_ROW)));
     return read_row_values(view_of(dictionary_or_empty(stored, "values"), arena).members(), 0, texts);
 }
 
@@ -296,10 +294,6 @@ property_dictionary write_edit(const timeline_edit& edit) {
 
 result<timeline_edit> read_edit(const property_dictionary& stored) {
     text_cache texts;
-    return read_edit(stored, texts);
-}
-
-result<timeline_edit> read_edit(const property_dictionary& stored, text_cache& texts) {
     timeline_edit edit{stored.text_or_empty("name"), stored.text_or_empty("scope"), {}};
     if (const auto seconds = stored.number("edit_seconds"); seconds && std::isfinite(*seconds)) {
         edit.stamp = edit_stamp{stored.text_or_empty("author"), *seconds};
@@ -307,16 +301,18 @@ result<timeline_edit> read_edit(const property_dictionary& stored, text_cache& t
             edit.stamp->coll_id = *number;
     }
     const auto& operations = array_or_empty(stored, "operations");
-    if (texts.take_memory(operations.size() * sizeof(operation::any))) {
-        edit.operations.reserve(operations.size());
-    }
+    const auto is_operation = [](const property_value& value) {
+        return value.dictionary() && !value.dictionary()->text_or_empty("do").empty();
+    };
+    edit.operations.reserve(
+        static_cast<std::size_t>(std::count_if(operations.begin(), operations.end(), is_operation)));
     for (const auto& value : operations) {
         const auto* one = value.dictionary();
         const std::string code = one ? one->text_or_empty("do") : std::string();
         auto read = one ? read_row_operation(code, *one, texts) : std::nullopt;
         if (one && !read) read = read_whole_operation(code, *one);
         if (one && !read) read = read_clip_operation(code, *one, texts);
-        if (!read || texts.allowance().is_spent())
+        if (!read)
             return failure{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
         edit.operations.push_back(std::move(*read));
     }

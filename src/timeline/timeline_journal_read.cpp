@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "timeline/journal_lines.h"
-#include "timeline/text_cache.h"
 #include "timeline/timeline_journal.h"
 
 namespace vistels {
@@ -28,52 +27,27 @@ struct segment_content {
     std::string writer() const { return bases.empty() ? std::string() : bases.back().writer; }
 };
 
-// What the edits of all segments take in memory. With the segment itself, and a line's content beside the
-// edit that is made of it, reading takes no more than twenty times the size of the segments.
-struct edits_in_memory {
-    std::size_t read = 0;
-    std::size_t taken = 0;
-
-    // For the edit of a line that follows what was read.
-    memory_allowance left(std::size_t line) const {
-        constexpr std::size_t most_times = 16;
-        constexpr std::size_t most_times_of_line = 8;
-        constexpr std::size_t fixed_bytes = std::size_t{128} * 1024;
-        const std::size_t most = most_times * read + most_times_of_line * line + fixed_bytes;
-        return memory_allowance::of(most - std::min(taken, most));
-    }
-};
-
-// How often an edit is in memory, as an object, while the lists of all segments become one.
-constexpr std::size_t edit_places = growing_list_times + 2;
-
-void take_line(std::string_view line, segment_content& segment, edits_in_memory& memory) {
+void take_line(std::string_view line, segment_content& segment) {
     std::uint64_t sum = 0;
-    std::size_t tree_bytes = 0;
-    const auto value = read_line(line, sum, tree_bytes);
+    const auto value = read_line(line, sum);
     const auto* document = value.dictionary();
     if (!document) return;
     if (const auto time = document->number("time")) segment.last_time = time;
-    // The edit holds parts of the line's content as they are.
-    text_cache texts(0, memory.left(line.size()));
-    texts.take_memory(tree_bytes + edit_places * sizeof(numbered_edit));
-    if (auto base = read_base(*document, texts)) segment.bases.push_back(std::move(*base));
+    if (auto base = read_base(*document)) segment.bases.push_back(std::move(*base));
     const auto number = document->integer("number");
     const auto* stored = document->dictionary("edit");
     if (!number || *number <= 0 || !stored) return;
-    if (auto edit = read_edit(*stored, texts); edit && !texts.allowance().is_spent()) {
-        memory.taken += texts.allowance().taken();
+    if (auto edit = read_edit(*stored)) {
         segment.edits.push_back({static_cast<std::uint64_t>(*number), std::move(edit).value(), sum, 0});
     }
 }
 
-void read_lines(std::string_view rest, segment_content& segment, edits_in_memory& memory) {
+void read_lines(std::string_view rest, segment_content& segment) {
     segment.part.size = static_cast<std::int64_t>(rest.size());
     while (!rest.empty()) {
         const auto end = rest.find('\n');
         if (end == std::string_view::npos) break;  // no newline: torn
-        take_line(rest.substr(0, end), segment, memory);
-        memory.read += end + 1;
+        take_line(rest.substr(0, end), segment);
         rest.remove_prefix(end + 1);
     }
 }
@@ -85,7 +59,6 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
     if (listing != 0 && listing != ENOENT) return file_failure(folder, "cannot be looked through", listing);
     sort_names(names);
     std::vector<segment_content> segments;
-    edits_in_memory memory;
     for (const auto& name : names) {
         const int number = segment_number(name);
         if (number == 0) continue;
@@ -96,7 +69,7 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
         file_identity found;
         if (!bytes && files.identity(segment.path, found) == ENOENT) continue;
         if (!bytes) return bytes.error();
-        read_lines(bytes.value(), segment, memory);
+        read_lines(bytes.value(), segment);
         segment.part.writer = segment.writer();
         if (files.identity(segment.path, found) == 0) segment.part.inode = found.inode;
         segments.push_back(std::move(segment));

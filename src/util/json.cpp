@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "util/json_cursor.h"
-#include "util/memory_allowance.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -144,9 +143,6 @@ result<property_value> read_json(std::string_view bytes, const std::string& name
     stored_arena arena;
     const auto document = read_json(bytes, name, arena);
     if (!document) return document.error();
-    memory_allowance allowance(bytes.size());
-    allowance.has_read(bytes.size(), arena.bytes());
-    if (!allowance.take(document.value().copied_bytes())) return memory_allowance::spent(name);
     return document.value().copy();
 }
 

@@ -31,8 +31,6 @@ class json_cursor {
 
     // True when the value, read or skipped to its end, was all that the document holds.
     bool finish();
-    // How much of the bytes lies behind it.
-    std::size_t passed() const { return static_cast<std::size_t>(at_ - begin_); }
     // Why `finish` returned false, for the user: "it is not valid JSON".
     std::string_view fault() const { return fault_; }
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "util/file_system.h"
-#include "util/memory_allowance.h"
 #include "util/stored_sink.h"
 #include "util/text_forms.h"
 
@@ -258,9 +257,6 @@ result<property_value> read_property_list(std::string_view bytes, const std::str
     stored_arena arena;
     const auto view = read_property_list(bytes, name, arena);
     if (!view) return view.error();
-    memory_allowance allowance(bytes.size());
-    allowance.has_read(bytes.size(), arena.bytes());
-    if (!allowance.take(view.value().copied_bytes())) return memory_allowance::spent(name);
     return view.value().copy();
 }
 

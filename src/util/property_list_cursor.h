@@ -35,8 +35,6 @@ class property_list_cursor {
     bool usual() const { return usual_; }
     // True when the value, read or skipped to its end, was all that the file holds.
     bool finish();
-    // How much of the bytes lies behind it.
-    std::size_t passed() const { return static_cast<std::size_t>(at_ - begin_); }
 
     // The kind of the value that comes next; null when none does.
     stored_view::form next_form() const;

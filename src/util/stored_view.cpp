@@ -9,8 +9,6 @@
 #include <utility>
 #include <variant>
 
-#include "util/memory_allowance.h"
-
 namespace vistels {
 
 namespace {
@@ -104,27 +102,6 @@ property_value stored_view::copy() const {
     return {};
 }
 
-std::size_t stored_view::copied_bytes() const {
-    std::size_t bytes = 0;
-    switch (kind()) {
-        case form::text:
-        case form::data:
-            return text_heap_bytes(size());
-        case form::array:
-            if (size() > 0) bytes = heap_bytes(size() * sizeof(property_value));
-            for (const auto& item : items()) bytes += item.copied_bytes();
-            return bytes;
-        case form::dictionary:
-            if (size() > 0) bytes = heap_bytes(size() * sizeof(property_entry));
-            for (const auto& member : members()) {
-                bytes += text_heap_bytes(member.key.size()) + member.value.copied_bytes();
-            }
-            return bytes;
-        default:
-            return 0;
-    }
-}
-
 void* stored_arena::take(std::size_t bytes) {
     constexpr std::size_t unit = alignof(double);
     bytes = (bytes + unit - 1) / unit * unit;
@@ -159,7 +136,6 @@ void stored_arena::add_block(std::size_t place, std::size_t bytes) {
     // Not value-initialised: what is taken is written before it is read.
     blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(place),
                    {std::unique_ptr<std::byte[]>(new std::byte[bytes]), bytes});
-    bytes_ += bytes;
 }
 
 std::span<stored_view> stored_arena::room_for_items(std::size_t count) {

@@ -49,9 +49,8 @@ class stored_view {
     bool is_array() const { return kind() == form::array; }
     bool is_dictionary() const { return kind() == form::dictionary; }
 
-    // The value of its own, and what that takes in memory beyond the object itself.
+    // The value of its own.
     property_value copy() const;
-    std::size_t copied_bytes() const;
 
   private:
     static constexpr unsigned form_bits = 8;
@@ -91,8 +90,6 @@ class stored_arena {
     std::span<stored_member> room_for_members(std::size_t count);
     std::span<char> room_for_text(std::size_t bytes);
     void clear();
-    // What it holds of the memory.
-    std::size_t bytes() const { return bytes_; }
 
   private:
     struct block {
@@ -106,7 +103,6 @@ class stored_arena {
     std::vector<block> blocks_;
     std::size_t block_ = 0;  // the one that is being filled
     std::size_t used_ = 0;   // of it
-    std::size_t bytes_ = 0;  // of all
 };
 
 // The items or members of lists that are being read, those of the outer lists first. Needs no more memory

@@ -17,14 +17,14 @@
 #include "timeline/timeline_journal.h"
 #include "util/checksum.h"
 #include "util/json.h"
-#include "util/memory_allowance.h"
 #include "util/property_list.h"
 #include "util/uuid.h"
 
 namespace vistels {
 namespace {
 
-constexpr std::size_t beside = std::size_t{512} * 1024;
+constexpr std::size_t most_times = 64;
+constexpr std::size_t most_times_of_journal = 72;  // whose line is there as it was read, beside its edit
 
 // `repeated` up to that size, between two ends.
 struct shape {
@@ -164,18 +164,12 @@ std::string different_names(std::size_t bytes) {
     return text + "}}]}]}";
 }
 
-TEST(timeline, no_file_makes_loading_it_need_more_than_twenty_times_its_size) {
+TEST(timeline, no_file_makes_loading_it_need_more_than_sixty_four_times_its_size) {
     const testing::temporary_folder folder;
-    std::size_t refused = 0;
     const auto expect_lean = [&](const std::string& file, const std::string& path) {
         testing::put_file(path, file);
-        const std::size_t needed = most_needed([&] {
-            const auto loaded = load_timeline(path);
-            if (loaded) return;
-            ++refused;
-            EXPECT_EQ(loaded.message(), memory_allowance::spent(path).message);
-        });
-        EXPECT_LE(needed, 20 * file.size() + beside)
+        const std::size_t needed = most_needed([&] { (void)load_timeline(path); });
+        EXPECT_LE(needed, most_times * file.size())
             << file.substr(0, 200) << ": " << static_cast<double>(needed) / static_cast<double>(file.size())
             << " times";
     };
@@ -183,11 +177,10 @@ TEST(timeline, no_file_makes_loading_it_need_more_than_twenty_times_its_size) {
     for (const auto& one : greedy_documents()) expect_lean(one.of_size(bytes), folder / "chron.json");
     for (const auto& one : greedy_lists()) expect_lean(one.of_size(bytes), folder / "chron.plist");
     expect_lean(different_names(bytes), folder / "chron.json");
-    EXPECT_GT(refused, 0U);
 }
 
-// What a person can have coded, at its smallest, stays far below what is refused.
-TEST(timeline, no_real_timeline_comes_near_what_is_refused) {
+// What a person can have coded, at its smallest, stays far below that.
+TEST(timeline, no_real_timeline_comes_near_that) {
     const testing::temporary_folder folder;
     constexpr int clip_count = 1'500;
     for (const bool is_bare : {true, false}) {
@@ -250,7 +243,7 @@ std::string one_line_segment(const shape& one, std::size_t bytes) {
            journal_line(one.of_size(bytes));
 }
 
-TEST(journal, no_line_makes_reading_it_need_more_than_twenty_times_its_size) {
+TEST(journal, no_line_makes_reading_it_need_more_than_seventy_two_times_its_size) {
     const testing::temporary_folder folder;
     const std::string edit = R"({"number":1,"edit":{"name":"n","operations":[)";
     const std::string clip = edit + R"({"do":"insert clip","row":"R","values":{"str":1,"end":2,)";
@@ -275,7 +268,7 @@ TEST(journal, no_line_makes_reading_it_need_more_than_twenty_times_its_size) {
     for (const auto& segment : segments) {
         testing::put_file(folder / "chron data journal 1", segment);
         const std::size_t needed = most_needed([&] { EXPECT_TRUE(read_journal(folder.path(), {1, 1})); });
-        EXPECT_LE(needed, 20 * segment.size() + beside)
+        EXPECT_LE(needed, most_times_of_journal * segment.size())
             << segment.substr(0, 250) << ": "
             << static_cast<double>(needed) / static_cast<double>(segment.size());
     }
