@@ -178,8 +178,7 @@ int main(int count, char** arguments) {
         std::mt19937 random(7);
         for (int row = 0; row < row_count; ++row) made.insert_row(made.rows().size(), make_row(row, random));
         std::filesystem::create_directories(folder);
-        if (const auto saved = save_timeline(made.snapshot(), folder.string(), machine_files());
-            !saved) {
+        if (const auto saved = save_timeline(made.snapshot(), folder.string(), machine_files()); !saved) {
             std::fprintf(stderr, "%s\n", saved.message().c_str());
             return 1;
         }
