@@ -34,8 +34,13 @@ void grain::add_to(std::uint8_t* bgra, int width, int height, int stride) {
     for (int y = 0; y < height; ++y) {
         std::uint8_t* row = bgra + static_cast<std::ptrdiff_t>(y) * stride;
         const std::int8_t* noise = noise_.data() + random_.below(places) * 4;
-        for (std::size_t index = 0; index < bytes; ++index)
-            row[index] = static_cast<std::uint8_t>(std::clamp(row[index] + noise[index], 0, 255));
+        // In 16 bits, of which the compiler takes many at once.
+        for (std::size_t index = 0; index < bytes; ++index) {
+            auto sum = static_cast<std::int16_t>(row[index] + noise[index]);
+            sum = sum < 0 ? std::int16_t{0} : sum;
+            sum = sum > 255 ? std::int16_t{255} : sum;
+            row[index] = static_cast<std::uint8_t>(sum);
+        }
     }
 }
 
