@@ -134,11 +134,13 @@ class film_crew {
 result<void> film_game(const game_record& game, const std::vector<film_order>& orders, job& work) {
     film_crew crew(game, orders, work);
     {
+        // One more than processors are counted on, so that none of them waits while the last camera films.
         serial_queue first("demo film 1");
         serial_queue second("demo film 2");
-        for (serial_queue* queue : {&first, &second}) queue->post([&crew] { crew.film_what_is_left(); });
-        first.drain();
-        second.drain();
+        serial_queue third("demo film 3");
+        for (serial_queue* queue : {&first, &second, &third})
+            queue->post([&crew] { crew.film_what_is_left(); });
+        for (serial_queue* queue : {&first, &second, &third}) queue->drain();
     }
     return crew.outcome();
 }
