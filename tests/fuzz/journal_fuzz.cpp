@@ -102,11 +102,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t bytes = 0;
     for (const auto& segment : files.segments) bytes += segment.size();
     const file_content_mark file{1, 1};
-    const bool is_modest = fuzz::is_lean(bytes, "reading the journal", [&] {
-        const auto content = read_journal("folder", file, files);
-        if (!content) std::abort();
-        check(content.value(), files.segments.size());
-    });
+    const bool is_modest = fuzz::is_lean(
+        bytes, "reading the journal",
+        [&] {
+            const auto content = read_journal("folder", file, files);
+            if (!content) std::abort();
+            check(content.value(), files.segments.size());
+        },
+        fuzz::most_times_of_journal);
     if (!is_modest) std::abort();
     return 0;
 }
