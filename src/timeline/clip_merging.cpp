@@ -166,11 +166,12 @@ merged_clip with_values(clip_pointer clip, bool ends_now) {
     return {std::move(clip), ends_now, std::move(values)};
 }
 
-merged_clip ended(const ended_clip& ending) {
-    auto clip = std::make_shared<sxy_CLIP>(*ending.place.clip);
-    clip->set_secs_start(ending.span.start);
-    clip->set_secs_end(ending.span.end);
-    return with_values(std::move(clip), true);
+// The clip with the times that it gets.
+sxy_CLIP ended(const ended_clip& ending) {
+    sxy_CLIP clip = *ending.place.clip;
+    clip.set_secs_start(ending.span.start);
+    clip.set_secs_end(ending.span.end);
+    return clip;
 }
 
 }  // namespace
@@ -179,10 +180,7 @@ operation::any plan_end(const sxy_DATA_root& timeline, const ended_clip& ending)
     const auto there = timeline.find_clip(ending.place.clip->id());
     if (there && there->is_live)
         return operation::finish_clip{ending.place.clip->id(), ending.span.start, ending.span.end};
-    sxy_CLIP clip = *ending.place.clip;
-    clip.set_secs_start(ending.span.start);
-    clip.set_secs_end(ending.span.end);
-    return operation::insert_clip{ending.place.row, std::move(clip)};
+    return operation::insert_clip{ending.place.row, ended(ending)};
 }
 
 result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
@@ -191,7 +189,7 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
     if (!found) return found.error();
     std::vector<merged_clip> all;
     for (const auto& place : found.value()) all.push_back(with_values(place.clip, false));
-    if (ending) all.push_back(ended(*ending));
+    if (ending) all.push_back(with_values(std::make_shared<const sxy_CLIP>(ended(*ending)), true));
     if (all.size() < 2) return failure{"Select two clips or more to merge them."};
     std::sort(all.begin(), all.end(), comes_before);
     const sxy_CLIP& kept = *all.front().clip;

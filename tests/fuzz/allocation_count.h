@@ -35,7 +35,8 @@ inline void count_allocations() {
 // What reading a file of whatever kind may take of its size, and beside that: a parser's buffers, blocks of
 // memory that are not yet full.
 inline constexpr std::size_t most_times = 64;
-inline constexpr std::size_t most_times_of_journal = 72;  // whose line is there as it was read, beside its edit
+inline constexpr std::size_t most_times_of_journal =
+    72;  // whose line is there as it was read, beside its edit
 inline constexpr std::size_t constant_bytes = 512 * 1024;
 
 // Runs `work` on an input of `size` bytes. When it held more at any moment, tells so under the name `what`,
