@@ -248,18 +248,18 @@ growth_point measure_size(const temporary_folder& folder, std::size_t clips) {
 }
 
 bool growth(const temporary_folder& folder, std::size_t part) {
-    growth_point least{1, 1};
-    growth_point most;
+    growth_point fastest{1, 1};
+    growth_point slowest;
     for (std::size_t clips = 1'000; clips <= most_clips / part; clips *= 10) {
         const auto point = measure_size(folder, clips);
         std::printf("%9zu clips: load %6.2f us a clip, save %6.2f us a clip\n", clips, point.load * 1e6,
                     point.save * 1e6);
         std::fflush(stdout);
-        least = {std::min(least.load, point.load), std::min(least.save, point.save)};
-        most = {std::max(most.load, point.load), std::max(most.save, point.save)};
+        fastest = {std::min(fastest.load, point.load), std::min(fastest.save, point.save)};
+        slowest = {std::max(slowest.load, point.load), std::max(slowest.save, point.save)};
     }
-    const double load = most.load / least.load;
-    const double save = most.save / least.save;
+    const double load = slowest.load / fastest.load;
+    const double save = slowest.save / fastest.save;
     const bool met = load <= most_growth && save <= most_growth;
     std::printf("time a clip, largest to smallest: load %.2f, save %.2f times (at most %.2f)%s\n", load, save,
                 most_growth, met ? "" : "  MISSED");
