@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "app/home_vault.h"
 #include "app/files_MASTER_LIST.h"
 #include "app/start_up.h"
 #include "support/measure.h"

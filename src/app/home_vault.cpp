@@ -70,6 +70,15 @@ std::string moved_home_vault(const home_places& usual) {
     return find_below(path_folder(usual.home_vault), deepest, usual.trash, is_it);
 }
 
+home_places find_home_places(const std::string& home) {
+    auto places = usual_home_places(home);
+    if (!file_exists(places.home_vault)) {
+        if (std::string moved = moved_home_vault(places); !moved.empty())
+            places.home_vault = std::move(moved);
+    }
+    return places;
+}
+
 result<std::string> note_home_vault(const home_places& places) {
     const auto before = read_note(places);
     const std::string id = home_vault_id(places.home_vault);

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <string_view>
 
-#include "app/home_vault.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -73,24 +72,17 @@ std::string absolute_path(const std::string& path) {
     return (normal.has_filename() ? normal : normal.parent_path()).string();
 }
 
-home_places find_home_places(const std::string& home) {
+home_places usual_home_places(const std::string& home) {
     const std::string chosen = home.empty() ? environment("VISTELS_HOME") : home;
-    home_places places;
     if (!chosen.empty()) {
         const std::string folder = absolute_path(chosen);
-        places = {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
-                  path_join(folder, "Trash"), path_join(folder, "Desktop")};
-    } else {
-        const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
-        places = {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
-                  path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash"),
-                  user_folder("DESKTOP", "Desktop")};
+        return {path_join(folder, home_vault_name), path_join(folder, state_folder_name),
+                path_join(folder, "Trash"), path_join(folder, "Desktop")};
     }
-    if (!file_exists(places.home_vault)) {
-        if (std::string moved = moved_home_vault(places); !moved.empty())
-            places.home_vault = std::move(moved);
-    }
-    return places;
+    const std::string data = folder_from("XDG_DATA_HOME", ".local/share");
+    return {path_join(user_folder("DOCUMENTS", "Documents"), home_vault_name),
+            path_join(path_join(data, "vistels"), state_folder_name), path_join(data, "Trash"),
+            user_folder("DESKTOP", "Desktop")};
 }
 
 }  // namespace vistels

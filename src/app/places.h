@@ -20,9 +20,9 @@ struct home_places {
 
 // All lie in `home` when it is not empty, else in the folder that VISTELS_HOME names, else the vault
 // in the user's documents folder and the state in the user's data folder ("$XDG_DATA_HOME/vistels",
-// "~/.local/share/vistels"), beside which the desktop's trash lies. A home vault that is not in its place and
-// is found where it was moved (moved_home_vault) counts there. Nothing is made.
-home_places find_home_places(const std::string& home = {});
+// "~/.local/share/vistels"), beside which the desktop's trash lies. Nothing is looked up but the user's
+// folders, nothing is made.
+home_places usual_home_places(const std::string& home = {});
 
 // The path from the root, without "." and "..", and without a slash at its end. Nothing is looked up.
 std::string absolute_path(const std::string& path);

@@ -6,10 +6,8 @@
 #include <optional>
 
 #include "app/formula_colours.h"
-#include "app/known_vaults.h"
 #include "app/search_patterns.h"
 #include "app/user_name.h"
-#include "app/vault_preferences.h"
 
 namespace vistels {
 
@@ -62,8 +60,6 @@ struct operator_word {
     char symbol;
     const char* word;
 };
-constexpr const char* hidden_word = "hide";
-constexpr const char* dimmed_word = "dim";
 constexpr operator_word operator_words[] = {{'&', "and"}, {'|', "or"}, {'!', "not"}};
 
 }  // namespace
@@ -117,12 +113,16 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
     return failure{std::string("\"") + symbol + "\" is no operator of formulas."};
 }
 
+const char* filtered_out_clips_text(filtered_out_clips setting) {
+    return setting.are_hidden ? "hide" : "dim";
+}
+
 filtered_out_clips load_filtered_out_clips(const home_places& places) {
-    return {load_text(places, filtered_out_place) == hidden_word};
+    return {load_text(places, filtered_out_place) == filtered_out_clips_text({true})};
 }
 
 result<void> save_filtered_out_clips(const home_places& places, filtered_out_clips setting) {
-    return save(places, filtered_out_place, setting.are_hidden ? hidden_word : dimmed_word);
+    return save(places, filtered_out_place, filtered_out_clips_text(setting));
 }
 
 show_vistel_number_name load_show_vistel_number_name(const home_places& places) {
@@ -155,27 +155,6 @@ const std::vector<settings_file>& application_settings_files() {
         filtered_out_place.file, number_name_place.file, local_data_place.file, view_offsets_place.file,
         user_name_file,          formula_colours_file,   search_patterns_file};
     return files;
-}
-
-property_dictionary settings_in_force(const home_places& places) {
-    property_dictionary all;
-    all.add("playback top speed", load_playback_top_speed(places).rate);
-    all.add("pitch algorithm", pitch_algorithm_text(load_pitch_algorithm(places)));
-    all.add("application volume", load_application_volume(places));
-    all.add("default formula operator", std::string(1, load_default_formula_operator(places)));
-    all.add(filtered_out_place.key, load_filtered_out_clips(places).are_hidden ? hidden_word : dimmed_word);
-    all.add(number_name_place.key, load_show_vistel_number_name(places).shown);
-    all.add(local_data_place.key, load_local_video_data(places).in_collection_folder);
-    all.add("minimum vault free space percent", load_minimum_free_space(places).percent);
-    all.add("show unavailable vaults", load_show_unavailable_vaults(places).shown);
-    all.add("path of focus vault", focus_vault_of(places).path);
-    all.add("set focus to new vault", load_set_focus_to_new_vault(places).set);
-    const auto new_vault = load_create_new_vault_settings(places);
-    all.add("parent folder of new vaults", new_vault.parent_folder);
-    property_array vaults;
-    for (auto& vault : known_vaults(places)) vaults.emplace_back(std::move(vault));
-    all.add("vaults", std::move(vaults));
-    return all;
 }
 
 }  // namespace vistels

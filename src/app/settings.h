@@ -36,6 +36,8 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
 struct filtered_out_clips {
     bool are_hidden = false;
 };
+// As it is stored: "hide" or "dim".
+const char* filtered_out_clips_text(filtered_out_clips setting);
 filtered_out_clips load_filtered_out_clips(const home_places& places);
 result<void> save_filtered_out_clips(const home_places& places, filtered_out_clips setting);
 
@@ -63,8 +65,5 @@ result<void> save_view_offsets(const home_places& places, view_offsets offsets);
 // All files above, and those of the user's name, of the colours in formulas and of the remembered filter
 // texts.
 const std::vector<settings_file>& application_settings_files();
-
-// All settings in force, those of the vaults too, by the keys under which `settings show` prints them.
-property_dictionary settings_in_force(const home_places& places);
 
 }  // namespace vistels

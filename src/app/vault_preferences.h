@@ -32,8 +32,7 @@ result<void> save_show_unavailable_vaults(const home_places& places, show_unavai
 // "focus vault.plist"
 struct focus_vault_setting {
     std::string path;  // empty: the home vault
-    std::optional<std::string>
-        bookmark;  // bytes of another system that names the same path, kept as they are
+    std::optional<std::string> bookmark;  // bytes that name the same path, kept as they are
     bool operator==(const focus_vault_setting&) const = default;
 };
 focus_vault_setting load_focus_vault_setting(const home_places& places);

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "app/settings.h"
+#include "app/settings_in_force.h"
 #include "app/start_up.h"
 #include "app/vaults.h"
 #include "cli/commands.h"

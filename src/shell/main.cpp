@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "app/places.h"
+#include "app/home_vault.h"
 #include "app/start_up.h"
 #include "shell/application_options.h"
 #include "shell/build_watch.h"

@@ -8,6 +8,7 @@
 #include <map>
 #include <thread>
 
+#include "app/home_vault.h"
 #include "app/open_event.h"
 #include "app/settings.h"
 #include "app/vault_preferences.h"

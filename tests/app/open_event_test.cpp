@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/home_vault.h"
 #include "app/open_event.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/home_vault.h"
 #include "app/start_up.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 
 #include "app/last_focus.h"
 #include "app/settings.h"
+#include "app/settings_in_force.h"
 #include "app/vault_preferences.h"
 #include "app/vaults.h"
 #include "support/temporary_folder.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/home_vault.h"
 #include "app/user_name.h"
 
 #include <gtest/gtest.h>
