@@ -20,8 +20,8 @@
 #include <string>
 #include <vector>
 
-#include "app/home_vault.h"
 #include "app/files_MASTER_LIST.h"
+#include "app/home_vault.h"
 #include "app/start_up.h"
 #include "support/measure.h"
 #include "util/file_system.h"

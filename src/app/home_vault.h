@@ -22,7 +22,8 @@ std::string home_vault_id(const std::string& folder);
 // one is. Empty: nowhere, so that a new one is to be made in the usual place.
 std::string moved_home_vault(const home_places& usual);
 
-// usual_home_places, with the home vault where it was moved when it is not in its usual place. Nothing is made.
+// usual_home_places, with the home vault where it was moved when it is not in its usual place. Nothing is
+// made.
 home_places find_home_places(const std::string& home = {});
 
 // Notes where the home vault is and which it is. When the one noted before is gone from its place the message

@@ -31,7 +31,7 @@ result<void> save_show_unavailable_vaults(const home_places& places, show_unavai
 
 // "focus vault.plist"
 struct focus_vault_setting {
-    std::string path;  // empty: the home vault
+    std::string path;                     // empty: the home vault
     std::optional<std::string> bookmark;  // bytes that name the same path, kept as they are
     bool operator==(const focus_vault_setting&) const = default;
 };

@@ -11,8 +11,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "app/openings.h"
 #include "shell/collection_view.h"
-#include "shell/openings.h"
 #include "shell/theme.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"

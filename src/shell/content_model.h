@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "shell/content_list.h"
+#include "app/content_list.h"
 
 namespace vistels {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "app/content_list.h"
 #include "app/vaults.h"
-#include "shell/content_list.h"
 
 class QAction;
 class QLineEdit;

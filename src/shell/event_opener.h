@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "app/openings.h"
 #include "app/places.h"
 #include "shell/message_bar.h"
-#include "shell/openings.h"
 #include "util/job.h"
 #include "util/result.h"
 #include "util/run_loop.h"

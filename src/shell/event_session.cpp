@@ -7,8 +7,8 @@
 #include <limits>
 #include <utility>
 
+#include "app/shuttle.h"
 #include "logger/press_engine.h"
-#include "shell/clip_edits.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
@@ -20,10 +20,10 @@
 #include "shell/key_strokes.h"
 #include "shell/pane_header.h"
 #include "shell/read_only_guard.h"
-#include "shell/shuttle.h"
 #include "shell/timeline_state.h"
 #include "shell/timeline_view.h"
 #include "shell/transport_bar.h"
+#include "timeline/clip_edits.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 

@@ -11,7 +11,6 @@
 #include <iterator>
 #include <optional>
 
-#include "shell/clip_edits.h"
 #include "shell/clip_title_block.h"
 #include "shell/controls.h"
 #include "shell/filter_section.h"
@@ -20,6 +19,7 @@
 #include "shell/pane_header.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
+#include "timeline/clip_edits.h"
 #include "timeline/clip_operations.h"
 
 namespace vistels {

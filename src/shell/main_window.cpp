@@ -15,13 +15,13 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "app/content_keeper.h"
 #include "app/search_patterns.h"
 #include "logger/press_engine.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
-#include "shell/content_keeper.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "shell/clip_edits.h"
+#include "timeline/clip_edits.h"
 #include "timeline/clip_operations.h"
 #include "timeline/row_compaction.h"
 #include "util/clock.h"

@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "app/content_keeper.h"
 #include "app/open_windows.h"
+#include "app/openings.h"
 #include "app/places.h"
 #include "app/vault_scan.h"
-#include "shell/content_keeper.h"
 #include "shell/message_bar.h"
-#include "shell/openings.h"
 #include "shell/window_memory.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/home_vault.h"
 #include "app/user_name.h"
+#include "app/home_vault.h"
 
 #include <gtest/gtest.h>
 

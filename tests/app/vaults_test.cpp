@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/home_vault.h"
 #include "app/vaults.h"
+#include "app/home_vault.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "app/openings.h"
 #include "app/start_up.h"
 #include "logger/press_engine.h"
 #include "shell/collection_view.h"
@@ -16,7 +17,6 @@
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
-#include "shell/openings.h"
 #include "shell/qt_run_loop.h"
 #include "shell/saved_label.h"
 #include "shell/timeline_view.h"

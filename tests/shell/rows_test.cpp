@@ -9,9 +9,9 @@
 #include <QTest>
 #include <QTimer>
 
+#include "app/content_keeper.h"
 #include "app/start_up.h"
 #include "logger/press_engine.h"
-#include "shell/content_keeper.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"

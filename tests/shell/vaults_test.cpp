@@ -20,12 +20,12 @@
 #include <QUrl>
 #include <filesystem>
 
+#include "app/content_keeper.h"
 #include "app/known_vaults.h"
 #include "app/start_up.h"
 #include "app/vault_preferences.h"
 #include "logger/press_engine.h"
 #include "shell/collection_view.h"
-#include "shell/content_keeper.h"
 #include "shell/content_model.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_opener.h"

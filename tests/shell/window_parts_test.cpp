@@ -8,7 +8,6 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "shell/clip_edits.h"
 #include "shell/collection_view.h"
 #include "shell/inspector_parts.h"
 #include "shell/key_router.h"
@@ -17,6 +16,7 @@
 #include "shell/window_frame.h"
 #include "shell/work_area.h"
 #include "support/timeline_builder.h"
+#include "timeline/clip_edits.h"
 
 namespace vistels {
 namespace {

@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "app/content_keeper.h"
+#include "app/openings.h"
 #include "app/start_up.h"
 #include "logger/press_engine.h"
-#include "shell/content_keeper.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"
-#include "shell/openings.h"
 #include "shell/qt_run_loop.h"
 #include "support/small_movies.h"
 #include "support/temporary_folder.h"

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "app/content_list.h"
 #include "app/files_MASTER_LIST.h"
 #include "app/places.h"
-#include "shell/content_list.h"
 #include "util/file_system.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"

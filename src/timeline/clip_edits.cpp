@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/clip_edits.h"
+#include "timeline/clip_edits.h"
 
 #include <algorithm>
 

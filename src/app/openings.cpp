@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/openings.h"
+#include "app/openings.h"
 
 #include <algorithm>
 #include <filesystem>

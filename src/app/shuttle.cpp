@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/shuttle.h"
+#include "app/shuttle.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/content_list.h"
+#include "app/content_list.h"
 
 #include <algorithm>
 #include <set>
