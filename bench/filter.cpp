@@ -15,7 +15,7 @@
 
 #include "formula/clip_filter.h"
 #include "support/measure.h"
-#include "timeline/clip_note.h"
+#include "timeline/records/clip_note.h"
 
 namespace {
 

@@ -24,8 +24,8 @@
 #include <vector>
 
 #include "support/measure.h"
-#include "timeline/timeline_edit.h"
-#include "timeline/timeline_journal.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_journal.h"
 #include "util/json.h"
 #include "util/uuid.h"
 

@@ -18,7 +18,7 @@
 
 #include "support/measure.h"
 #include "support/timeline_corpus.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 
 #if VISTELS_HAVE_PLIST

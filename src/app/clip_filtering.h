@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "formula/clip_filter.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"

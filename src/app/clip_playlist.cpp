@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "timeline/clip_row.h"
+#include "timeline/records/clip_row.h"
 
 namespace vistels {
 

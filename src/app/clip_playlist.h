@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "timeline/sxy_DATA_root.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 #include "util/transport.h"

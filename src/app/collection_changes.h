@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/signal.h"
 #include "video/collection_edit.h"

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 
 namespace vistels {
 

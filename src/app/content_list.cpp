@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 
 namespace vistels {

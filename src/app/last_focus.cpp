@@ -3,7 +3,7 @@
 
 #include "app/run_record.h"
 #include "app/settings_file.h"
-#include "timeline/chron_header.h"
+#include "timeline/files/chron_header.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "video/video_coll_LOAD.h"

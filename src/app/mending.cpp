@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "logger/logger_Dict_funcs.h"
-#include "timeline/timeline_recovery.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/timeline_recovery.h"
+#include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"

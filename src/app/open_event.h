@@ -11,7 +11,7 @@
 #include "app/collection_changes.h"
 #include "app/places.h"
 #include "app/undo_stack.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "app/vaults.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"

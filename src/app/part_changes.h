@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/collection_changes.h"
-#include "timeline/sxy_DATA_root.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "video/movie_Part_DRONE_Offset_Item.h"
 
 namespace vistels {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/places.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 

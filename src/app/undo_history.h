@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/places.h"
-#include "timeline/timeline_edit.h"
-#include "timeline/timeline_journal.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_journal.h"
 #include "util/property_value.h"
 #include "util/result.h"
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "app/undo_history.h"
-#include "timeline/timeline_document.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"

@@ -11,7 +11,7 @@
 #include "app/trash.h"
 #include "app/vault_messages.h"
 #include "app/vault_preferences.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/writer_lock.h"
 #include "util/text_forms.h"
 #include "util/uuid.h"
 #include "video/vault_lock.h"

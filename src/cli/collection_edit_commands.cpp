@@ -10,7 +10,7 @@
 #include "app/user_name.h"
 #include "app/vistel_changes.h"
 #include "cli/headless_changes.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/writer_lock.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/safe_write.h"

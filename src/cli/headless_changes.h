@@ -6,8 +6,8 @@
 
 #include "app/collection_changes.h"
 #include "app/places.h"
-#include "timeline/timeline_document.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/timeline_document.h"
+#include "timeline/files/writer_lock.h"
 #include "util/result.h"
 #include "util/simulated_run_loop.h"
 #include "video/blank_movie.h"

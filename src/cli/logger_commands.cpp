@@ -11,7 +11,7 @@
 #include "app/timeline_links.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/json.h"
 #include "util/simulated_run_loop.h"
 #include "video/vault_lock.h"

@@ -7,9 +7,9 @@
 
 #include "app/timeline_links.h"
 #include "cli/timeline_source.h"
-#include "timeline/merge_timeline.h"
-#include "timeline/row_compaction.h"
-#include "timeline/timeline_document.h"
+#include "timeline/edits/merge_timeline.h"
+#include "timeline/edits/row_compaction.h"
+#include "timeline/files/timeline_document.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/simulated_run_loop.h"

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <iostream>
 
-#include "timeline/timeline_edit.h"
-#include "timeline/timeline_journal.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_journal.h"
 #include "util/file_system.h"
 
 namespace vistels {

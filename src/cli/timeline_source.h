@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "timeline/sxy_DATA_root.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "util/result.h"
 
 namespace vistels {

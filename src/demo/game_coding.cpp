@@ -9,8 +9,8 @@
 
 #include "demo/code_plan.h"
 #include "demo/squads.h"
-#include "timeline/sxy_CLIP.h"
-#include "timeline/sxy_ROW.h"
+#include "timeline/records/sxy_CLIP.h"
+#include "timeline/records/sxy_ROW.h"
 #include "util/uuid.h"
 
 namespace vistels::demo {

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "demo/simulation.h"
-#include "timeline/sxy_DATA_root.h"
+#include "timeline/records/sxy_DATA_root.h"
 
 namespace vistels::demo {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "formula/parser_ROOT.h"
-#include "timeline/sxy_ROW.h"
+#include "timeline/records/sxy_ROW.h"
 #include "util/job.h"
 
 namespace vistels {

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstddef>
 
-#include "timeline/clip_list.h"
+#include "timeline/records/clip_list.h"
 #include "util/prefetch.h"
 
 namespace vistels {

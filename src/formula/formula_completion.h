@@ -9,7 +9,7 @@
 
 #include "formula/formula_builder.h"
 #include "formula/token_ITEM.h"
-#include "timeline/sxy_DATA_root.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "util/result.h"
 
 namespace vistels {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "timeline/clip_operations.h"
+#include "timeline/edits/clip_operations.h"
 #include "util/clock.h"
 #include "util/uuid.h"
 

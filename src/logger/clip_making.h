@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "logger/markup_Button_Item.h"
-#include "timeline/sxy_Adjust_Clip_Overlaps.h"
-#include "timeline/sxy_DATA_root.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/sxy_Adjust_Clip_Overlaps.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/records/sxy_DATA_root.h"
 
 namespace vistels {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "logger/markup_Button_Item.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/clock.h"
 #include "util/result.h"
 #include "util/shared_text.h"

@@ -5,7 +5,7 @@
 #include "logger/press_engine.h"
 #include "shell/code_window_view.h"
 #include "shell/theme.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/transport.h"
 
 namespace vistels {

@@ -9,7 +9,7 @@
 #include "app/start_up.h"
 #include "app/vaults.h"
 #include "shell/message_bar.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 
 namespace vistels {
 

@@ -23,7 +23,7 @@
 #include "shell/timeline_state.h"
 #include "shell/timeline_view.h"
 #include "shell/transport_bar.h"
-#include "timeline/clip_edits.h"
+#include "timeline/edits/clip_edits.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 

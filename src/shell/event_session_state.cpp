@@ -11,7 +11,7 @@
 #include "shell/theme_time_text.h"
 #include "shell/timeline_view.h"
 #include "shell/transport_bar.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/writer_lock.h"
 #include "video/synchronised_playback.h"
 
 namespace vistels {

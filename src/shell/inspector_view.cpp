@@ -19,8 +19,8 @@
 #include "shell/pane_header.h"
 #include "shell/theme.h"
 #include "shell/theme_time_text.h"
-#include "timeline/clip_edits.h"
-#include "timeline/clip_operations.h"
+#include "timeline/edits/clip_edits.h"
+#include "timeline/edits/clip_operations.h"
 
 namespace vistels {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/signal.h"
 
 class QLabel;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "timeline/row_compaction.h"
+#include "timeline/edits/row_compaction.h"
 #include "util/colour_text.h"
 
 namespace vistels {

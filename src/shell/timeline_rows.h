@@ -8,8 +8,8 @@
 
 #include "shell/theme.h"
 #include "shell/timeline_tracks.h"
-#include "timeline/sxy_DATA_root.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/records/sxy_DATA_root.h"
 
 namespace vistels {
 

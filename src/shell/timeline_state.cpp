@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "timeline/clip_edits.h"
-#include "timeline/clip_operations.h"
-#include "timeline/row_compaction.h"
+#include "timeline/edits/clip_edits.h"
+#include "timeline/edits/clip_operations.h"
+#include "timeline/edits/row_compaction.h"
 #include "util/clock.h"
 
 namespace vistels {

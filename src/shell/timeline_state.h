@@ -7,7 +7,7 @@
 
 #include "shell/timeline_rows.h"
 #include "shell/timeline_scale.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/signal.h"
 #include "util/transport.h"

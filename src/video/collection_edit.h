@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "timeline/value_change.h"
+#include "timeline/form/value_change.h"
 #include "util/property_value.h"
 #include "util/result.h"
 #include "video/video_collection_ROOT.h"

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "media/movie_information.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/clock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"

@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "timeline/sxy_DATA_root.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {

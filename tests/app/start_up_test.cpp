@@ -16,7 +16,7 @@
 #include "app/vaults.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/writer_lock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 #include "video/vault_lock.h"

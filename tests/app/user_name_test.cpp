@@ -6,7 +6,7 @@
 
 #include "app/open_event.h"
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "util/simulated_run_loop.h"
 

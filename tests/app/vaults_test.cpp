@@ -12,7 +12,7 @@
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/writer_lock.h"
 #include "util/property_list.h"
 #include "video/vault_lock.h"
 

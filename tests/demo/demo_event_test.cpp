@@ -14,7 +14,7 @@
 #include "media/frame_reader.h"
 #include "media/movie_information.h"
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "full_alpha.h"
-#include "timeline/sxy_Save_Load.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/json.h"
 
 // A recorded edit of any content is refused, and changes nothing, or it is applied and can be taken back.

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "allocation_count.h"
-#include "timeline/timeline_journal.h"
+#include "timeline/files/timeline_journal.h"
 #include "util/checksum.h"
 
 namespace {

@@ -9,8 +9,8 @@
 
 #include "allocation_count.h"
 #include "full_alpha.h"
-#include "timeline/chron_notes.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/chron_notes.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/checksum.h"
 #include "util/file_system.h"
 #include "util/json.h"

@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "support/timeline_builder.h"
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 #include "util/plain_run_loop.h"
 
 namespace vistels::testing {

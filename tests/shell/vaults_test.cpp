@@ -39,8 +39,8 @@
 #include "support/stored_event.h"
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
-#include "timeline/writer_lock.h"
+#include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 

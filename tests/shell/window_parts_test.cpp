@@ -16,7 +16,7 @@
 #include "shell/window_frame.h"
 #include "shell/work_area.h"
 #include "support/timeline_builder.h"
-#include "timeline/clip_edits.h"
+#include "timeline/edits/clip_edits.h"
 
 namespace vistels {
 namespace {

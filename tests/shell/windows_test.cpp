@@ -33,7 +33,7 @@
 #include "support/stored_event.h"
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "video/synchronised_playback.h"

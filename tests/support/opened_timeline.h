@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 
 namespace vistels::testing {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "support/timeline_builder.h"
-#include "timeline/sxy_DATA_root.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
+#include "timeline/records/sxy_DATA_root.h"
 #include "util/file_system.h"
 
 namespace vistels::testing {

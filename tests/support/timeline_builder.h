@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "timeline/sxy_Save_Load.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/json.h"
 
 namespace vistels::testing {

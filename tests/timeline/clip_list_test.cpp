@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/clip_list.h"
+#include "timeline/records/clip_list.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "support/timeline_builder.h"
-#include "timeline/clip_index.h"
+#include "timeline/records/clip_index.h"
 
 namespace vistels {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/clip_operations.h"
+#include "timeline/edits/clip_operations.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <set>
 
 #include "support/timeline_builder.h"
-#include "timeline/row_compaction.h"
+#include "timeline/edits/row_compaction.h"
 
 namespace vistels {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/timeline_document.h"
+#include "timeline/files/timeline_document.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/sanitized.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "support/timeline_builder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 
 namespace vistels {
 namespace {

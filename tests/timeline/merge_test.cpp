@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/merge_timeline.h"
+#include "timeline/edits/merge_timeline.h"
 
 #include <gtest/gtest.h>
 
 #include "support/timeline_builder.h"
-#include "timeline/clip_row.h"
-#include "timeline/sxy_Clip_Blocks_ROOT.h"
-#include "timeline/tombstones.h"
+#include "timeline/edits/sxy_Clip_Blocks_ROOT.h"
+#include "timeline/edits/tombstones.h"
+#include "timeline/records/clip_row.h"
 
 namespace vistels {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/sxy_Adjust_Clip_Overlaps.h"
+#include "timeline/edits/sxy_Adjust_Clip_Overlaps.h"
 
 #include <gtest/gtest.h>
 

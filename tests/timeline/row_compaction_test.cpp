@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/row_compaction.h"
+#include "timeline/edits/row_compaction.h"
 
 #include <gtest/gtest.h>
 
 #include "support/timeline_builder.h"
-#include "timeline/clip_operations.h"
+#include "timeline/edits/clip_operations.h"
 
 namespace vistels {
 namespace {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/shift_times.h"
+#include "timeline/records/shift_times.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "support/timeline_builder.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
 
 namespace vistels {
 namespace {

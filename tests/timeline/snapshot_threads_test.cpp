@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "support/timeline_builder.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
 
 namespace vistels {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/clock.h"
 #include "util/json.h"
 

@@ -10,8 +10,8 @@
 
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
-#include "timeline/sxy_Save_Load.h"
-#include "timeline/timeline_edit.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/serial_queue.h"
 
 namespace vistels {

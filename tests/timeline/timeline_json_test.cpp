@@ -4,7 +4,7 @@
 #include <string>
 
 #include "support/temporary_folder.h"
-#include "timeline/sxy_Save_Load.h"
+#include "timeline/files/sxy_Save_Load.h"
 #include "util/json.h"
 
 namespace vistels {

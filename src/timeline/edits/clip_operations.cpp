@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "timeline/edits/clip_operations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "timeline/edits/tombstones.h"
+#include "util/uuid.h"
+
+namespace vistels {
+
+namespace {
+
+// Times that the drawings over a clip know of.
+void set_times(operation::change_clip& change, const sxy_CLIP& clip, double start, double end) {
+    change.set.set("time_start", start);
+    change.set.set("time_end", end);
+    const auto stored = write_clip_values(clip);
+    const auto* drawings = stored.dictionary("telestration");
+    if (!drawings) return;
+    change.set.set("telestration", drawings_trimmed(*drawings, {start, end}));
+}
+
+clip_span span_of(const sxy_CLIP& clip) {
+    return {clip.secs_start(), clip.secs_end()};
+}
+
+// The other clip of its row that it is split from, or null.
+clip_pointer split_partner(const sxy_ROW& row, const sxy_CLIP& clip) {
+    for (const auto& other : row.clips()) {
+        if (other->id() == clip.id()) continue;
+        if (split_overlapping(span_of(clip), span_of(*other)).changed) return other;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+result<std::vector<clip_place>> find_whole_clips(const sxy_DATA_root& timeline,
+                                                 const std::vector<std::string>& clips) {
+    std::vector<clip_place> places;
+    std::set<std::string> seen;
+    for (const auto& uuid : clips) {
+        if (!seen.insert(uuid).second) continue;
+        auto place = timeline.find_clip(uuid);
+        if (!place) return failure{"A clip that was to be changed is no longer there."};
+        if (place->is_live) return failure{"A clip that is still being marked cannot be changed yet."};
+        places.push_back(std::move(*place));
+    }
+    std::sort(places.begin(), places.end(),
+              [](const auto& a, const auto& b) { return clip_before(*a.clip, *b.clip); });
+    return places;
+}
+
+property_dictionary drawings_trimmed(property_dictionary drawings, clip_span span) {
+    drawings.set("telestration_secs_start_trimmed", span.start);
+    drawings.set("telestration_secs_end_trimmed", span.end);
+    return drawings;
+}
+
+result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& timeline,
+                                                       const std::vector<std::string>& clips,
+                                                       std::optional<double> mark_in,
+                                                       std::optional<double> mark_out) {
+    auto found = find_whole_clips(timeline, clips);
+    if (!found) return found.error();
+    if ((mark_in && !std::isfinite(*mark_in)) || (mark_out && !std::isfinite(*mark_out))) {
+        return failure{"A clip cannot be trimmed to a time that is none."};
+    }
+    timeline_edit edit{"Trim Clip", clips.size() == 1 ? clips.front() : std::string(), {}};
+    if (clips.size() > 1) edit.name = "Trim Clips";
+    for (const auto& place : found.value()) {
+        const double start = mark_in.value_or(place.clip->secs_start());
+        const double end = mark_out.value_or(place.clip->secs_end());
+        if (start == place.clip->secs_start() && end == place.clip->secs_end()) continue;
+        if (start >= end) {
+            const bool moves_start = mark_in.has_value();
+            return failure{moves_start ? "A clip cannot start where it has ended already."
+                                       : "A clip cannot end before it has started."};
+        }
+        operation::change_clip change{place.clip->id(), {}, {}};
+        set_times(change, *place.clip, start, end);
+        edit.operations.emplace_back(std::move(change));
+    }
+    return edit;
+}
+
+result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
+                                         const std::vector<std::string>& clips) {
+    auto found = find_whole_clips(timeline, clips);
+    if (!found) return found.error();
+    const auto& places = found.value();
+    if (places.empty() || places.size() > 2) return failure{"Select one clip, or two, to split an overlap."};
+    const clip_pointer a = places.front().clip;
+    const clip_pointer b =
+        places.size() == 2 ? places.back().clip : split_partner(*timeline.row(places.front().row), *a);
+    if (!b) return failure{"No other clip of the row overlaps this one."};
+    const auto split = split_overlapping(span_of(*a), span_of(*b));
+    if (!split.changed) return failure{"These clips do not overlap."};
+    if (split.a.end <= split.a.start || split.b.end <= split.b.start) {
+        return failure{"These clips cannot be split: one of them is too short."};
+    }
+    timeline_edit edit{"Split Overlap", a->id(), {}};
+    for (const auto& [clip, span] : {std::pair(a, split.a), std::pair(b, split.b)}) {
+        operation::change_clip change{clip->id(), {}, {}};
+        set_times(change, *clip, span.start, span.end);
+        edit.operations.emplace_back(std::move(change));
+    }
+    return edit;
+}
+
+result<timeline_edit> plan_note(const sxy_DATA_root& timeline, const std::string& clip,
+                                const std::string& text) {
+    const auto place = timeline.find_clip(clip);
+    if (!place) return failure{"The clip that the note belongs to is no longer there."};
+    timeline_edit edit{"Note", clip, {}};
+    const auto note = place->clip->note();
+    if ((note ? note->text() : std::string()) == text) return edit;
+    operation::change_clip change{clip, {}, {}};
+    if (text.empty()) {
+        change.unset.emplace_back("notes_dict");
+    } else {
+        clip_note changed = note ? note->with_text(text) : clip_note().with_text(text);
+        if (changed.clip_notes_uuid.empty() && !changed.kept.contains("clip_notes_uuid")) {
+            changed.clip_notes_uuid = new_uuid();
+        }
+        change.set.set("notes_dict", write_clip_note(changed));
+    }
+    edit.operations.emplace_back(std::move(change));
+    return edit;
+}
+
+result<timeline_edit> plan_delete_row(const sxy_DATA_root& timeline, const shared_text& row,
+                                      const edit_stamp& stamp) {
+    const auto index = timeline.row_index(row);
+    if (!index) return failure{"The row is no longer there."};
+    for (const auto& live : timeline.live_clips()) {
+        if (live.row == row) return failure{"A clip of the row is still being marked."};
+    }
+    const auto& rows = timeline.rows();
+    auto tombstones = rows[*index]->deleted_clips();
+    timeline_edit edit{"Delete Row", row.str(), {}};
+    for (const auto& clip : rows[*index]->clips()) {
+        edit.operations.emplace_back(operation::remove_clip{clip->id()});
+        tombstones.push_back({clip->id(), stamp.author, stamp.edit_seconds});
+    }
+    if (rows.size() > 1 && !tombstones.empty()) {
+        sxy_ROW heir = *rows[*index > 0 ? *index - 1 : 1];
+        auto all = heir.deleted_clips();
+        all.insert(all.end(), tombstones.begin(), tombstones.end());
+        edit.operations.emplace_back(plan_tombstones(heir, std::move(all)));
+    }
+    edit.operations.emplace_back(operation::remove_row{row});
+    return edit;
+}
+
+}  // namespace vistels

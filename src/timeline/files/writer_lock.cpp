@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "timeline/files/writer_lock.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "util/clock.h"
+#include "util/property_list.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr const char* lock_file_name = "chron data writer.plist";
+
+std::string first_line(const char* path) {
+    const auto text = read_file(path);
+    return text ? text.value().substr(0, text.value().find('\n')) : std::string();
+}
+
+std::string host_name() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
+std::string user_name() {
+    const passwd* user = ::getpwuid(::getuid());
+    return user ? user->pw_name : std::to_string(::getuid());
+}
+
+std::string machine() {
+    return first_line("/etc/machine-id");
+}
+
+property_dictionary this_process() {
+    property_dictionary holder;
+    holder.add("host", host_name());
+    holder.add("machine", machine());
+    holder.add("boot", first_line("/proc/sys/kernel/random/boot_id"));
+    holder.add("process", std::int64_t{::getpid()});
+    holder.add("user", user_name());
+    return holder;
+}
+
+failure held_by(const std::string& folder, const property_dictionary& holder, const std::string& more = {}) {
+    const auto process = holder.integer("process").value_or(0);
+    std::string who = "another program";
+    if (!holder.empty()) {
+        who = "process " + std::to_string(process) + " of " + holder.text_or_empty("user") + " on \"" +
+              holder.text_or_empty("host") + "\"";
+    }
+    return {"The timeline in \"" + folder + "\" is open for writing in " + who + "." + more};
+}
+
+// Nothing when there is no such file or nobody's name is in it.
+result<property_dictionary> read_holder(const std::string& path, file_system& files) {
+    file_identity found;
+    if (files.identity(path, found) == ENOENT) return property_dictionary();
+    const auto bytes = read_file(path, files);
+    if (!bytes) return bytes.error();
+    const auto stored = read_property_list(bytes.value(), path);
+    const auto* holder = stored ? stored.value().dictionary() : nullptr;
+    return holder ? *holder : property_dictionary();
+}
+
+property_dictionary holder_or_empty(const std::string& path, file_system& files) {
+    auto holder = read_holder(path, files);
+    return holder ? std::move(holder).value() : property_dictionary();
+}
+
+// " Nothing was heard of it for 3 minutes ..."
+std::string silence(const std::string& path, file_system& files) {
+    file_identity found;
+    if (files.identity(path, found) != 0) return {};
+    constexpr double nanoseconds = 1e9;
+    constexpr double minute = 60;
+    const double seconds =
+        seconds_since_1970() - static_cast<double>(found.modified_nanoseconds) / nanoseconds;
+    if (seconds < minute) return {};
+    return " Nothing was heard of it for " + std::to_string(static_cast<long>(seconds / minute)) +
+           " minutes; when it is no longer running, the timeline can be taken over.";
+}
+
+bool is_same_file(const file_identity& a, const file_identity& b) {
+    return a.inode == b.inode && a.device == b.device;
+}
+
+// The file may have been removed by its last holder between opening and locking it.
+bool is_still_there(int descriptor, const std::string& path, file_system& files) {
+    file_identity opened;
+    file_identity named;
+    return files.opened_identity(descriptor, opened) == 0 && files.identity(path, named) == 0 &&
+           is_same_file(opened, named);
+}
+
+// The kernel of a volume's machine may not know locks; then the names in the file have to do.
+bool knows_no_locks(int fault) {
+    return fault == ENOLCK || fault == ENOSYS || fault == ENOTSUP || fault == EOPNOTSUPP || fault == EINVAL;
+}
+
+int open_and_lock(const std::string& path, file_system& files, int& descriptor, bool& is_kept_by_kernel) {
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        if (const int fault = files.open(path, O_RDWR | O_CREAT, descriptor)) return fault;
+        const int locking = files.lock(descriptor);
+        is_kept_by_kernel = locking == 0;
+        if (locking == 0 || knows_no_locks(locking)) {
+            if (is_still_there(descriptor, path, files)) return 0;
+        }
+        files.close(descriptor);
+        if (locking != 0 && !knows_no_locks(locking)) return locking;
+    }
+    return EIO;
+}
+
+// True when the process that the file names may live, as far as this machine can tell.
+bool may_live(const property_dictionary& holder, bool is_kept_by_kernel) {
+    if (holder.empty()) return false;
+    const auto mine = this_process();
+    if (holder.text_or_empty("machine") != mine.text_or_empty("machine")) return true;
+    if (is_kept_by_kernel || holder.text_or_empty("boot") != mine.text_or_empty("boot")) return false;
+    const auto process = static_cast<pid_t>(holder.integer("process").value_or(0));
+    return process > 0 && (::kill(process, 0) == 0 || errno != ESRCH);
+}
+
+}  // namespace
+
+writer_lock::writer_lock(std::string folder, int descriptor, file_system& files)
+    : folder_(std::move(folder)),
+      path_(path_join(folder_, lock_file_name)),
+      descriptor_(descriptor),
+      files_(files) {}
+
+result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder, file_system& files,
+                                                       bool* held_elsewhere) {
+    bool ignored = false;
+    bool& is_held = held_elsewhere ? *held_elsewhere : ignored;
+    is_held = false;
+    const std::string path = path_join(folder, lock_file_name);
+    // Read before it is opened: on a volume without locks an own, empty file would say nothing.
+    const auto before = read_holder(path, files);
+    if (!before) return before.error();
+    int descriptor = -1;
+    bool is_kept_by_kernel = false;
+    const int fault = open_and_lock(path, files, descriptor, is_kept_by_kernel);
+    is_held = fault == EWOULDBLOCK;
+    if (is_held) return held_by(folder, holder_or_empty(path, files));
+    if (fault != 0) return file_failure(path, "could not be written", fault);
+    if (may_live(before.value(), is_kept_by_kernel)) {
+        is_held = true;
+        files.close(descriptor);
+        return held_by(folder, before.value(), silence(path, files));
+    }
+    std::unique_ptr<writer_lock> lock(new writer_lock(folder, descriptor, files));
+    if (auto named = lock->name_this_process(); !named) return named.error();
+    return lock;
+}
+
+result<std::unique_ptr<writer_lock>> writer_lock::take_over(const std::string& folder, file_system& files,
+                                                            bool* held_elsewhere) {
+    const std::string path = path_join(folder, lock_file_name);
+    // A new file: the former holder's lock is on the old one.
+    const int fault = files.remove(path);
+    if (fault != 0 && fault != ENOENT) return file_failure(path, "could not be taken over", fault);
+    return take(folder, files, held_elsewhere);
+}
+
+result<void> writer_lock::name_this_process() {
+    const std::string bytes = write_property_list(this_process());
+    int fault = files_.empty(descriptor_);
+    if (fault == 0) fault = write_whole(files_, descriptor_, bytes);
+    if (fault != 0) return file_failure(path_, "could not be written", fault);
+    return {};
+}
+
+writer_lock::~writer_lock() {
+    if (is_still_there(descriptor_, path_, files_)) files_.remove(path_);
+    files_.close(descriptor_);
+}
+
+bool writer_lock::is_held() const {
+    file_identity opened;
+    file_identity named;
+    if (files_.opened_identity(descriptor_, opened) != 0 || files_.identity(path_, named) != 0) return true;
+    return is_same_file(opened, named);
+}
+
+bool writer_lock::renew() {
+    file_identity found;
+    if (files_.identity(path_, found) == ENOENT) {
+        int descriptor = -1;
+        bool is_kept_by_kernel = false;
+        if (open_and_lock(path_, files_, descriptor, is_kept_by_kernel) != 0) return is_held();
+        files_.close(std::exchange(descriptor_, descriptor));
+        (void)name_this_process();
+        return true;
+    }
+    if (!is_held()) return false;
+    files_.touch(descriptor_);
+    return true;
+}
+
+failure writer_lock::lost() const {
+    return held_by(folder_, holder_or_empty(path_, files_), " It was taken over from here.");
+}
+
+}  // namespace vistels
