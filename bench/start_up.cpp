@@ -20,9 +20,9 @@
 #include <string>
 #include <vector>
 
-#include "app/files_MASTER_LIST.h"
-#include "app/home_vault.h"
-#include "app/start_up.h"
+#include "app/start/start_up.h"
+#include "app/vaults/files_MASTER_LIST.h"
+#include "app/vaults/home_vault.h"
 #include "support/measure.h"
 #include "util/file_system.h"
 #include "util/plain_run_loop.h"

@@ -12,7 +12,7 @@
 #include <functional>
 #include <random>
 
-#include "app/clip_filtering.h"
+#include "app/event/clip_filtering.h"
 #include "shell/qt_run_loop.h"
 #include "shell/theme.h"
 #include "shell/timeline_canvas.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <memory>
 
-#include "app/offset_changes.h"
-#include "app/padding_changes.h"
-#include "app/user_name.h"
+#include "app/event/offset_changes.h"
+#include "app/event/padding_changes.h"
+#include "app/settings/user_name.h"
 #include "cli/collection_edit_commands.h"
 #include "cli/collection_playback.h"
 #include "cli/commands.h"

@@ -4,11 +4,11 @@
 #include <functional>
 #include <memory>
 
-#include "app/close_vistel.h"
-#include "app/part_changes.h"
-#include "app/settings.h"
-#include "app/user_name.h"
-#include "app/vistel_changes.h"
+#include "app/event/close_vistel.h"
+#include "app/event/part_changes.h"
+#include "app/event/vistel_changes.h"
+#include "app/settings/settings.h"
+#include "app/settings/user_name.h"
 #include "cli/headless_changes.h"
 #include "timeline/files/writer_lock.h"
 #include "util/clock.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/home_vault.h"
+#include "app/vaults/home_vault.h"
 #include "util/job.h"
 #include "util/property_value.h"
 #include "util/result.h"

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "app/search_patterns.h"
+#include "app/settings/search_patterns.h"
 #include "cli/commands.h"
 #include "formula/parser_ROOT.h"
 #include "util/file_system.h"

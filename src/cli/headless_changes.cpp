@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
-#include "app/mending.h"
+#include "app/vaults/mending.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
 

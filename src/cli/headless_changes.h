@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "app/collection_changes.h"
-#include "app/places.h"
+#include "app/event/collection_changes.h"
+#include "app/settings/places.h"
 #include "timeline/files/timeline_document.h"
 #include "timeline/files/writer_lock.h"
 #include "util/result.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 #include "media/picture.h"
 #include "util/job.h"
 #include "util/plain_run_loop.h"

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/timeline_links.h"
+#include "app/event/timeline_links.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
 #include "timeline/files/timeline_document.h"

@@ -2,10 +2,10 @@
 #include <iostream>
 #include <memory>
 
-#include "app/settings.h"
-#include "app/settings_in_force.h"
-#include "app/start_up.h"
-#include "app/vaults.h"
+#include "app/settings/settings.h"
+#include "app/start/settings_in_force.h"
+#include "app/start/start_up.h"
+#include "app/vaults/vaults.h"
 #include "cli/commands.h"
 #include "util/clock.h"
 

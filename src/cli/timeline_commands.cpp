@@ -3,8 +3,8 @@
 #include <memory>
 #include <set>
 
-#include "app/state_log.h"
-#include "app/timeline_links.h"
+#include "app/event/timeline_links.h"
+#include "app/settings/state_log.h"
 #include "cli/commands.h"
 #include "cli/timeline_edit_commands.h"
 #include "cli/timeline_source.h"

@@ -5,7 +5,7 @@
 #include <iostream>
 #include <memory>
 
-#include "app/timeline_links.h"
+#include "app/event/timeline_links.h"
 #include "cli/timeline_source.h"
 #include "timeline/edits/merge_timeline.h"
 #include "timeline/edits/row_compaction.h"

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/vaults.h"
+#include "app/vaults/vaults.h"
 #include "demo/code_plan.h"
 #include "demo/film_camera.h"
 #include "demo/filming.h"

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/open_event.h"
-#include "app/part_changes.h"
+#include "app/event/open_event.h"
+#include "app/event/part_changes.h"
 #include "shell/align_bar.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"

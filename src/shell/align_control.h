@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/offset_changes.h"
+#include "app/event/offset_changes.h"
 #include "shell/single_Adjust_offset_View.h"
 #include "util/result.h"
 #include "util/signal.h"

@@ -5,8 +5,8 @@
 #include <QTimer>
 #include <memory>
 
-#include "app/build_check.h"
-#include "app/places.h"
+#include "app/settings/places.h"
+#include "app/start/build_check.h"
 #include "shell/message_bar.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"

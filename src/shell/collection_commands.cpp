@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/open_event.h"
-#include "app/settings.h"
+#include "app/event/open_event.h"
+#include "app/settings/settings.h"
 #include "shell/align_control.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 #include "shell/message_bar.h"
 #include "shell/vistel_geometry.h"
 #include "util/run_loop.h"

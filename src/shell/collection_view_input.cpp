@@ -11,7 +11,7 @@
 #include <QUrl>
 #include <algorithm>
 
-#include "app/openings.h"
+#include "app/start/openings.h"
 #include "shell/collection_view.h"
 #include "shell/theme.h"
 #include "util/file_system.h"

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/content_list.h"
+#include "app/vaults/content_list.h"
 
 namespace vistels {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "app/content_list.h"
-#include "app/vaults.h"
+#include "app/vaults/content_list.h"
+#include "app/vaults/vaults.h"
 
 class QAction;
 class QLineEdit;

@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "app/vaults.h"
+#include "app/vaults/vaults.h"
 
 namespace vistels {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/start_up.h"
-#include "app/vaults.h"
+#include "app/start/start_up.h"
+#include "app/vaults/vaults.h"
 #include "shell/message_bar.h"
 #include "timeline/files/timeline_document.h"
 

@@ -3,9 +3,9 @@
 
 #include <QFileDialog>
 
-#include "app/known_vaults.h"
-#include "app/user_name.h"
-#include "app/vaults.h"
+#include "app/settings/user_name.h"
+#include "app/vaults/known_vaults.h"
+#include "app/vaults/vaults.h"
 #include "shell/event_messages.h"
 #include "shell/event_session.h"
 #include "shell/long_work.h"

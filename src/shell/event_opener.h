@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "app/openings.h"
-#include "app/places.h"
+#include "app/settings/places.h"
+#include "app/start/openings.h"
 #include "shell/message_bar.h"
 #include "util/job.h"
 #include "util/result.h"

@@ -7,7 +7,7 @@
 #include <limits>
 #include <utility>
 
-#include "app/shuttle.h"
+#include "app/event/shuttle.h"
 #include "logger/press_engine.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_pane.h"

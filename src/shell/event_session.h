@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/open_event.h"
+#include "app/event/open_event.h"
 #include "shell/message_bar.h"
 #include "shell/vistel_pictures.h"
 #include "util/result.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "app/formula_colours.h"
+#include "app/settings/formula_colours.h"
 #include "shell/theme.h"
 
 namespace vistels {

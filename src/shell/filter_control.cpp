@@ -4,7 +4,7 @@
 #include <QApplication>
 #include <algorithm>
 
-#include "app/open_event.h"
+#include "app/event/open_event.h"
 #include "shell/escape_key.h"
 #include "shell/inspector_view.h"
 #include "shell/timeline_state.h"

@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "app/clip_filtering.h"
-#include "app/clip_playlist.h"
+#include "app/event/clip_filtering.h"
+#include "app/event/clip_playlist.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 

@@ -4,7 +4,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 
-#include "app/formula_colours.h"
+#include "app/settings/formula_colours.h"
 #include "formula/parser_ROOT.h"
 
 namespace vistels {

@@ -3,8 +3,8 @@
 
 #include <utility>
 
-#include "app/formula_colours.h"
-#include "app/search_patterns.h"
+#include "app/settings/formula_colours.h"
+#include "app/settings/search_patterns.h"
 #include "shell/filter_display.h"
 
 namespace vistels {

@@ -6,8 +6,8 @@
 #include <QTimer>
 #include <memory>
 
-#include "app/clip_filtering.h"
-#include "app/places.h"
+#include "app/event/clip_filtering.h"
+#include "app/settings/places.h"
 #include "formula/formula_completion.h"
 #include "shell/filter_colours.h"
 #include "util/result.h"

@@ -7,8 +7,8 @@
 #include <QPainter>
 #include <algorithm>
 
-#include "app/formula_colours.h"
-#include "app/settings.h"
+#include "app/settings/formula_colours.h"
+#include "app/settings/settings.h"
 #include "formula/formula_completion.h"
 #include "formula/parser_ROOT.h"
 #include "shell/filter_display.h"

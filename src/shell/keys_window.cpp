@@ -7,7 +7,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "app/open_event.h"
+#include "app/event/open_event.h"
 #include "logger/press_engine.h"
 #include "shell/controls.h"
 #include "shell/icons.h"

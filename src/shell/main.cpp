@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "app/home_vault.h"
-#include "app/start_up.h"
+#include "app/start/start_up.h"
+#include "app/vaults/home_vault.h"
 #include "shell/application_options.h"
 #include "shell/build_watch.h"
 #include "shell/display_check.h"

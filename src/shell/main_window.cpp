@@ -15,8 +15,8 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "app/content_keeper.h"
-#include "app/search_patterns.h"
+#include "app/settings/search_patterns.h"
+#include "app/vaults/content_keeper.h"
 #include "logger/press_engine.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_commands.h"

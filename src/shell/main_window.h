@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 #include "shell/message_bar.h"
 #include "shell/window_memory.h"
 #include "util/run_loop.h"

@@ -6,7 +6,7 @@
 #include <QMessageBox>
 #include <QUrl>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "shell/code_window_view.h"
 #include "shell/collection_pane.h"
 #include "shell/content_side_bar.h"

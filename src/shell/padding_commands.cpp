@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <utility>
 
-#include "app/open_event.h"
+#include "app/event/open_event.h"
 #include "shell/event_session.h"
 #include "shell/long_work.h"
 #include "video/vault_lock.h"

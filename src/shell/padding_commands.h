@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "app/padding_changes.h"
+#include "app/event/padding_changes.h"
 #include "shell/message_bar.h"
 #include "util/run_loop.h"
 

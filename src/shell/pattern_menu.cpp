@@ -9,7 +9,7 @@
 #include <QVariantMap>
 #include <cmath>
 
-#include "app/search_patterns.h"
+#include "app/settings/search_patterns.h"
 #include "shell/filter_editor.h"
 #include "shell/filter_entry.h"
 #include "shell/filter_field.h"

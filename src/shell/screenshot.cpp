@@ -5,7 +5,7 @@
 #include <chrono>
 #include <utility>
 
-#include "app/clip_filtering.h"
+#include "app/event/clip_filtering.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"
 #include "shell/main_window.h"

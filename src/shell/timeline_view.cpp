@@ -7,7 +7,7 @@
 #include <QScrollBar>
 #include <algorithm>
 
-#include "app/clip_filtering.h"
+#include "app/event/clip_filtering.h"
 #include "shell/controls.h"
 #include "shell/filter_count.h"
 #include "shell/filter_entry.h"

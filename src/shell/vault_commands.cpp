@@ -6,9 +6,9 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "app/known_vaults.h"
-#include "app/vault_preferences.h"
-#include "app/vaults.h"
+#include "app/settings/vault_preferences.h"
+#include "app/vaults/known_vaults.h"
+#include "app/vaults/vaults.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_messages.h"
 #include "shell/vault_panels.h"

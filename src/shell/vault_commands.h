@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 #include "shell/message_bar.h"
 #include "util/result.h"
 

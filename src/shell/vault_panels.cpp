@@ -11,7 +11,7 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
-#include "app/known_vaults.h"
+#include "app/vaults/known_vaults.h"
 #include "shell/check_box.h"
 #include "shell/content_model.h"
 #include "shell/controls.h"

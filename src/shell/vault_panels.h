@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/content_list.h"
+#include "app/vaults/content_list.h"
 #include "util/result.h"
 
 class QCheckBox;

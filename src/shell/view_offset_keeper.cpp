@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "shell/collection_view.h"
 
 namespace vistels {

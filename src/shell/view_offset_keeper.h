@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <optional>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 
 namespace vistels {
 

@@ -10,13 +10,13 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "app/close_vistel.h"
-#include "app/open_event.h"
-#include "app/part_changes.h"
-#include "app/settings.h"
-#include "app/trash.h"
-#include "app/user_name.h"
-#include "app/vistel_changes.h"
+#include "app/event/close_vistel.h"
+#include "app/event/open_event.h"
+#include "app/event/part_changes.h"
+#include "app/event/vistel_changes.h"
+#include "app/settings/settings.h"
+#include "app/settings/user_name.h"
+#include "app/vaults/trash.h"
 #include "shell/collection_view.h"
 #include "shell/controls.h"
 #include "shell/event_session.h"

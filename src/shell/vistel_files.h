@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "app/collection_changes.h"
-#include "app/places.h"
+#include "app/event/collection_changes.h"
+#include "app/settings/places.h"
 #include "shell/message_bar.h"
 #include "util/job.h"
 #include "util/result.h"

@@ -8,8 +8,8 @@
 #include <limits>
 #include <utility>
 
-#include "app/offset_changes.h"
-#include "app/open_event.h"
+#include "app/event/offset_changes.h"
+#include "app/event/open_event.h"
 #include "shell/collection_pane.h"
 #include "shell/collection_view.h"
 #include "shell/pane_header.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/places.h"
+#include "app/settings/places.h"
 #include "util/property_value.h"
 #include "util/result.h"
 

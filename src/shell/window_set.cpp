@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/known_vaults.h"
-#include "app/last_focus.h"
-#include "app/open_event.h"
+#include "app/event/open_event.h"
+#include "app/start/last_focus.h"
+#include "app/vaults/known_vaults.h"
 #include "shell/event_messages.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"

@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "app/content_keeper.h"
-#include "app/open_windows.h"
-#include "app/openings.h"
-#include "app/places.h"
-#include "app/vault_scan.h"
+#include "app/settings/places.h"
+#include "app/start/open_windows.h"
+#include "app/start/openings.h"
+#include "app/vaults/content_keeper.h"
+#include "app/vaults/vault_scan.h"
 #include "shell/message_bar.h"
 #include "shell/window_memory.h"
 #include "util/run_loop.h"

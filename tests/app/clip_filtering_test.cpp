@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/clip_filtering.h"
-#include "app/clip_playlist.h"
+#include "app/event/clip_filtering.h"
+#include "app/event/clip_playlist.h"
 
 #include <gtest/gtest.h>
 
 #include <thread>
 
-#include "app/undo_stack.h"
+#include "app/event/undo_stack.h"
 #include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"

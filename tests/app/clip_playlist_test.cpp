@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/clip_playlist.h"
+#include "app/event/clip_playlist.h"
 
 #include <gtest/gtest.h>
 

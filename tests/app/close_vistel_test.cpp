@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/close_vistel.h"
+#include "app/event/close_vistel.h"
 
 #include <gtest/gtest.h>
 

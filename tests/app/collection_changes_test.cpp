@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/collection_changes.h"
-#include "app/home_vault.h"
+#include "app/event/collection_changes.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "app/offset_changes.h"
-#include "app/open_event.h"
-#include "app/vistel_changes.h"
+#include "app/event/offset_changes.h"
+#include "app/event/open_event.h"
+#include "app/event/vistel_changes.h"
 #include "logger/press_engine.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Changes of a collection, and of its timeline with it, on volumes that fail and lose power: both are found
 // as they were before the change, or both as they are after it.
-#include "app/collection_changes.h"
-#include "app/offset_changes.h"
+#include "app/event/collection_changes.h"
+#include "app/event/offset_changes.h"
 #include "support/failure_runs.h"
 #include "support/power_loss.h"
 #include "util/safe_write.h"

@@ -8,10 +8,10 @@
 #include <map>
 #include <thread>
 
-#include "app/home_vault.h"
-#include "app/open_event.h"
-#include "app/settings.h"
-#include "app/vault_preferences.h"
+#include "app/event/open_event.h"
+#include "app/settings/settings.h"
+#include "app/settings/vault_preferences.h"
+#include "app/vaults/home_vault.h"
 #include "logger/press_engine.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"

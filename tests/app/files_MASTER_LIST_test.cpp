@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/files_MASTER_LIST.h"
-#include "app/home_vault.h"
+#include "app/vaults/files_MASTER_LIST.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <functional>
 
-#include "app/known_vaults.h"
-#include "app/start_up.h"
-#include "app/vault_preferences.h"
+#include "app/settings/vault_preferences.h"
+#include "app/start/start_up.h"
+#include "app/vaults/known_vaults.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
 #include "util/folder_notifications.h"

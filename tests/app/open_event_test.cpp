@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/open_event.h"
-#include "app/home_vault.h"
+#include "app/event/open_event.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 

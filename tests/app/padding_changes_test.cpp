@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/padding_changes.h"
-#include "app/home_vault.h"
+#include "app/event/padding_changes.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
@@ -8,10 +8,10 @@
 
 #include <filesystem>
 
-#include "app/offset_changes.h"
-#include "app/open_event.h"
-#include "app/part_changes.h"
-#include "app/vistel_changes.h"
+#include "app/event/offset_changes.h"
+#include "app/event/open_event.h"
+#include "app/event/part_changes.h"
+#include "app/event/vistel_changes.h"
 #include "support/coded_movie.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/search_patterns.h"
-#include "app/home_vault.h"
+#include "app/settings/search_patterns.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
-#include "app/formula_colours.h"
-#include "app/settings.h"
+#include "app/settings/formula_colours.h"
+#include "app/settings/settings.h"
 #include "support/temporary_folder.h"
 #include "util/clock.h"
 #include "util/file_system.h"

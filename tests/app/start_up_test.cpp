@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/start_up.h"
-#include "app/home_vault.h"
+#include "app/start/start_up.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +9,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "app/last_focus.h"
-#include "app/settings.h"
-#include "app/settings_in_force.h"
-#include "app/vault_preferences.h"
-#include "app/vaults.h"
+#include "app/settings/settings.h"
+#include "app/settings/vault_preferences.h"
+#include "app/start/last_focus.h"
+#include "app/start/settings_in_force.h"
+#include "app/vaults/vaults.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
 #include "timeline/files/writer_lock.h"

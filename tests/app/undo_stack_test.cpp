@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/undo_stack.h"
+#include "app/event/undo_stack.h"
 
 #include <gtest/gtest.h>
 

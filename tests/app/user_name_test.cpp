@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/user_name.h"
-#include "app/home_vault.h"
+#include "app/settings/user_name.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
-#include "app/open_event.h"
+#include "app/event/open_event.h"
 #include "support/temporary_folder.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"

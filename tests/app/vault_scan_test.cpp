@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/vault_scan.h"
+#include "app/vaults/vault_scan.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

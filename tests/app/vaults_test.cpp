@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/vaults.h"
-#include "app/home_vault.h"
+#include "app/vaults/vaults.h"
+#include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "app/vault_preferences.h"
+#include "app/settings/vault_preferences.h"
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"

@@ -3,7 +3,7 @@
 #include <QAction>
 #include <QPlainTextEdit>
 
-#include "app/undo_stack.h"
+#include "app/event/undo_stack.h"
 #include "shell/collection_pane.h"
 #include "shell/message_bar.h"
 #include "shell/timeline_view.h"

@@ -11,7 +11,7 @@
 #include <QUrl>
 #include <QWheelEvent>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_view.h"
 #include "shell/window_actions.h"

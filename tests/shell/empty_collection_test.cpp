@@ -8,8 +8,8 @@
 #include <QPushButton>
 #include <filesystem>
 
-#include "app/offset_changes.h"
-#include "app/settings.h"
+#include "app/event/offset_changes.h"
+#include "app/settings/settings.h"
 #include "shell/align_control.h"
 #include "shell/collection_commands.h"
 #include "shell/collection_view.h"

@@ -12,9 +12,9 @@
 #include <QTextBlock>
 #include <QTextLayout>
 
-#include "app/formula_colours.h"
-#include "app/search_patterns.h"
-#include "app/settings.h"
+#include "app/settings/formula_colours.h"
+#include "app/settings/search_patterns.h"
+#include "app/settings/settings.h"
 #include "shell/completion_list.h"
 #include "shell/filter_count.h"
 #include "shell/filter_editor.h"

@@ -5,9 +5,9 @@
 #include <QLabel>
 #include <QMouseEvent>
 
-#include "app/clip_filtering.h"
-#include "app/settings.h"
-#include "app/undo_stack.h"
+#include "app/event/clip_filtering.h"
+#include "app/event/undo_stack.h"
+#include "app/settings/settings.h"
 #include "shell/clip_title_block.h"
 #include "shell/filter_control.h"
 #include "shell/filter_parts.h"

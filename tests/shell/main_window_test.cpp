@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <utility>
 
-#include "app/openings.h"
-#include "app/start_up.h"
+#include "app/start/openings.h"
+#include "app/start/start_up.h"
 #include "logger/press_engine.h"
 #include "shell/collection_view.h"
 #include "shell/content_side_bar.h"

@@ -2,10 +2,10 @@
 // What paths stand for, what the side bar lists, and how fast a shuttle goes.
 #include <gtest/gtest.h>
 
-#include "app/content_list.h"
-#include "app/openings.h"
-#include "app/shuttle.h"
-#include "app/start_up.h"
+#include "app/event/shuttle.h"
+#include "app/start/openings.h"
+#include "app/start/start_up.h"
+#include "app/vaults/content_list.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
 

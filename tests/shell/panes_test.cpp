@@ -10,7 +10,7 @@
 #include <atomic>
 #include <set>
 
-#include "app/undo_stack.h"
+#include "app/event/undo_stack.h"
 #include "shell/controls.h"
 #include "shell/inspector_parts.h"
 #include "shell/inspector_view.h"

@@ -9,8 +9,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include "app/content_keeper.h"
-#include "app/start_up.h"
+#include "app/start/start_up.h"
+#include "app/vaults/content_keeper.h"
 #include "logger/press_engine.h"
 #include "shell/event_opener.h"
 #include "shell/event_session.h"

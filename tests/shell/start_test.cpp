@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <map>
 
-#include "app/build_check.h"
+#include "app/start/build_check.h"
 #include "shell/application_options.h"
 #include "shell/build_watch.h"
 #include "shell/display_check.h"

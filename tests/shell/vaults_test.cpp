@@ -20,10 +20,10 @@
 #include <QUrl>
 #include <filesystem>
 
-#include "app/content_keeper.h"
-#include "app/known_vaults.h"
-#include "app/start_up.h"
-#include "app/vault_preferences.h"
+#include "app/settings/vault_preferences.h"
+#include "app/start/start_up.h"
+#include "app/vaults/content_keeper.h"
+#include "app/vaults/known_vaults.h"
 #include "logger/press_engine.h"
 #include "shell/collection_view.h"
 #include "shell/content_model.h"

@@ -17,9 +17,9 @@
 #include <filesystem>
 #include <tuple>
 
-#include "app/open_windows.h"
-#include "app/run_record.h"
-#include "app/start_up.h"
+#include "app/start/open_windows.h"
+#include "app/start/run_record.h"
+#include "app/start/start_up.h"
 #include "logger/press_engine.h"
 #include "shell/content_side_bar.h"
 #include "shell/event_opener.h"

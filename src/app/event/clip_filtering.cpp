@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/clip_filtering.h"
+
+#include "formula/parser_ROOT.h"
+
+namespace vistels {
+
+namespace {
+
+// Rows and clips are not named one by one.
+bool is_everything(const change_set& changes) {
+    constexpr unsigned all = change_set::everything & ~change_set::beside_changed;
+    return (changes.kinds & all) == all;
+}
+
+std::size_t passing_in(const sxy_ROW& row) {
+    if (const auto known = row.filtered_in_count()) return static_cast<std::size_t>(*known);
+    return count_passing(row);
+}
+
+}  // namespace
+
+// A job on its way; what follows `found` is kept on the main thread meanwhile.
+struct clip_filtering::running_job {
+    job work;
+    std::string text;
+    std::shared_ptr<clip_filter> filter;  // the queue's until it has posted
+    std::optional<filter_outcome> found;
+    // What changed since its snapshot.
+    std::unordered_set<std::string> touched_clips;
+    std::unordered_set<shared_text> touched_rows;
+    bool is_outdated = false;  // everything
+};
+
+clip_filtering::clip_filtering(timeline_document& document, run_loop& loop)
+    : document_(document), loop_(loop) {
+    standing_.total = standing_.passing = document_.timeline().clip_count();
+    changes_ = document_.changed.connect([this](const change_set& changes) { follow(changes); });
+}
+
+clip_filtering::~clip_filtering() {
+    stop_waiting();
+}
+
+void clip_filtering::tell(const filter_standing& before, bool marks_changed) {
+    if (marks_changed || standing_ != before) changed.emit(marks_changed);
+}
+
+// Neither the pause nor a job goes on.
+void clip_filtering::stop_waiting() {
+    if (pause_) loop_.stop_timer(*pause_);
+    pause_.reset();
+    if (running_) running_->work.cancel();
+    running_.reset();
+    standing_.is_judging = false;
+}
+
+void clip_filtering::type(const std::string& text) {
+    if (text.empty()) return apply(text);
+    const filter_standing before = standing_;
+    stop_waiting();
+    standing_.typed = text;
+    standing_.problems.clear();
+    standing_.is_judging = true;
+    pause_ = loop_.start_timer(typing_pause_seconds, false, [this, text] {
+        pause_.reset();
+        start(text);
+    });
+    tell(before, false);
+}
+
+void clip_filtering::apply(const std::string& text) {
+    if (!text.empty()) return start(text);
+    const filter_standing before = standing_;
+    stop_waiting();
+    const bool was_on = is_on();
+    filter_.reset();
+    is_stale_ = false;
+    judged_rows_.clear();
+    standing_ = {};
+    if (was_on) unfilter(document_.timeline().rows());
+    standing_.total = standing_.passing = document_.timeline().clip_count();
+    tell(before, was_on);
+}
+
+void clip_filtering::start(const std::string& text) {
+    const filter_standing before = standing_;
+    stop_waiting();
+    const auto formula = parser_ROOT::for_filter(text);
+    standing_.typed = text;
+    standing_.problems = formula.parser_Errors_String();
+    if (!formula.parser_Error()) {
+        start_job(text, std::make_shared<clip_filter>(formula));
+    } else if (is_stale_) {
+        start_job(standing_.text, std::make_shared<clip_filter>(standing_.text));
+    }
+    tell(before, false);
+}
+
+void clip_filtering::start_job(const std::string& text, std::shared_ptr<clip_filter> filter) {
+    running_ = std::make_shared<running_job>();
+    running_->text = text;
+    running_->filter = std::move(filter);
+    standing_.is_judging = true;
+    queue_.post([running = running_, rows = document_.snapshot().rows, &loop = loop_,
+                 alive = std::weak_ptr(alive_), self = this] {
+        if (running->work.is_cancelled()) return;
+        running->found = running->filter->judge_all(rows, running->work);
+        if (!running->found) return;
+        loop.post([running, alive, self] {
+            if (!alive.expired()) self->arrive(running);
+        });
+    });
+}
+
+void clip_filtering::arrive(const std::shared_ptr<running_job>& arrived) {
+    if (arrived != running_) return;  // another text came meanwhile
+    const filter_standing before = standing_;
+    running_.reset();
+    if (arrived->is_outdated) {
+        start_job(arrived->text, arrived->filter);
+        return tell(before, false);
+    }
+    put_in_place(*arrived->found);
+    filter_ = arrived->filter;
+    is_stale_ = false;
+    standing_.text = arrived->text;
+    standing_.is_judging = false;
+    // A row that was copied since has the count of the filter before.
+    const auto& rows = document_.timeline().rows();
+    for (const auto& row : rows) {
+        if (arrived->touched_rows.contains(row->uuid())) row->set_filtered_in_count(std::nullopt);
+    }
+    remember_rows();
+    for (const auto& row : arrived->touched_rows) {
+        if (const auto found = document_.timeline().row(row); found && filter_->looks_at_rows()) {
+            filter_->judge_and_mark(*found);
+        }
+    }
+    for (const auto& clip : arrived->touched_clips) judge_clip(clip);
+    count();
+    tell(before, true);
+}
+
+void clip_filtering::remember_rows() {
+    judged_rows_.clear();
+    if (!filter_->looks_at_rows()) return;
+    for (const auto& row : document_.timeline().rows()) {
+        judged_rows_[row->uuid()] = {row->name(), row->category()};
+    }
+}
+
+void clip_filtering::follow(const change_set& changes) {
+    const filter_standing before = standing_;
+    if (running_) {
+        running_->is_outdated = running_->is_outdated || is_everything(changes);
+        running_->touched_clips.insert(changes.clips.begin(), changes.clips.end());
+        running_->touched_rows.insert(changes.rows.begin(), changes.rows.end());
+    }
+    if ((changes.kinds & ~static_cast<unsigned>(change_set::beside_changed)) != 0) {
+        follow_in_force(changes);
+        count();
+        tell(before, filter_ != nullptr);
+    }
+}
+
+// Without a filter a clip that undo brings back may still bear the marks of an earlier one.
+void clip_filtering::follow_in_force(const change_set& changes) {
+    if (is_everything(changes)) {
+        is_stale_ = filter_ != nullptr;
+        if (!filter_) unfilter(document_.timeline().rows());
+        // The filter in force goes on judging single clips here while another one judges all.
+        if (filter_ && !running_ && !pause_) {
+            start_job(standing_.text, std::make_shared<clip_filter>(standing_.text));
+        }
+        return;
+    }
+    // A row that undo brings back has the count of another time.
+    for (const auto& uuid : changes.rows) {
+        if (const auto row = document_.timeline().row(uuid)) row->set_filtered_in_count(std::nullopt);
+    }
+    for (const auto& clip : changes.clips) judge_clip(clip);
+    if (filter_ && filter_->looks_at_rows()) judge_renamed_rows(changes.rows);
+}
+
+void clip_filtering::judge_renamed_rows(const std::vector<shared_text>& rows) {
+    for (const auto& uuid : rows) {
+        const auto row = document_.timeline().row(uuid);
+        if (!row) {
+            judged_rows_.erase(uuid);
+            continue;
+        }
+        row_texts texts{row->name(), row->category()};
+        auto& judged = judged_rows_[uuid];
+        if (judged == texts) continue;
+        judged = std::move(texts);
+        filter_->judge_and_mark(*row);
+    }
+}
+
+void clip_filtering::judge_clip(const std::string& uuid) {
+    const auto place = document_.timeline().find_clip(uuid);
+    if (!place || place->is_live) return;
+    const auto row = document_.timeline().row(place->row);
+    if (filter_) {
+        filter_->judge_and_mark(*place->clip, row.get());
+    } else {
+        unfilter(*place->clip);
+    }
+    row->set_filtered_in_count(std::nullopt);
+}
+
+void clip_filtering::count() {
+    standing_.total = document_.timeline().clip_count();
+    standing_.passing = standing_.total;
+    if (filter_) {
+        standing_.passing = 0;
+        for (const auto& row : document_.timeline().rows()) standing_.passing += passing_in(*row);
+    }
+}
+
+}  // namespace vistels

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/clip_playlist.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "timeline/records/clip_row.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double look_interval_seconds = 1.0 / 60;
+// Further from where it should be than that, the playhead was moved by a person. Following the sound's clock
+// moves it less.
+constexpr double most_drift_seconds = 0.25;
+constexpr double most_drift_share = 0.1;  // of the time since the last look
+
+}  // namespace
+
+std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline) {
+    std::vector<playlist_clip> clips;
+    for (const auto& one : clips_in_start_order(timeline.rows(), true)) {
+        clips.push_back({one.clip_->id(), one.clip_start_, one.clip_->secs_end()});
+    }
+    return clips;
+}
+
+clip_playlist::clip_playlist(transport& playback, run_loop& loop) : playback_(playback), loop_(loop) {}
+
+clip_playlist::~clip_playlist() {
+    if (timer_) loop_.stop_timer(*timer_);
+}
+
+void clip_playlist::play(std::vector<playlist_clip> clips, std::optional<double> from_seconds) {
+    const auto first = std::find_if(clips.begin(), clips.end(), [&](const playlist_clip& clip) {
+        return !from_seconds || clip.end > *from_seconds;
+    });
+    if (first == clips.end()) return;
+    at_ = static_cast<std::size_t>(first - clips.begin());
+    clips_ = std::move(clips);
+    const double start = clips_[at_].start;
+    begin_at(from_seconds ? std::max(start, *from_seconds) : start);
+    if (playback_.rate() < 0) playback_.set_rate(1);
+    playback_.play();
+    note_time();
+    if (!timer_) timer_ = loop_.start_timer(look_interval_seconds, true, [this] { tick(); });
+    changed.emit();
+}
+
+void clip_playlist::stop() {
+    if (!timer_) return;
+    loop_.stop_timer(*timer_);
+    timer_.reset();
+    clips_.clear();
+    changed.emit();
+}
+
+void clip_playlist::begin_at(double seconds) {
+    playback_.seek(seconds);
+    note_time();
+}
+
+void clip_playlist::note_time() {
+    noted_time_ = playback_.collection_time();
+    noted_rate_ = playback_.rate();
+    noted_at_ = loop_.time().seconds();
+}
+
+bool clip_playlist::was_moved(double now) const {
+    const double passed = loop_.time().seconds() - noted_at_;
+    const double slower = std::min(noted_rate_, playback_.rate());
+    const double faster = std::max(noted_rate_, playback_.rate());
+    const double drift = most_drift_seconds + passed * faster * most_drift_share;
+    return now < noted_time_ + passed * slower - drift || now > noted_time_ + passed * faster + drift;
+}
+
+void clip_playlist::tick() {
+    const double now = playback_.collection_time();
+    if (!playback_.is_playing() || playback_.rate() < 0 || was_moved(now)) return stop();
+    note_time();
+    if (now >= clips_[at_].end) go_on(now);
+}
+
+void clip_playlist::go_on(double now) {
+    do {
+        ++at_;
+    } while (at_ < clips_.size() && clips_[at_].start <= now && clips_[at_].end <= now);
+    if (at_ == clips_.size()) {
+        playback_.pause();
+        return stop();
+    }
+    if (clips_[at_].start > now) begin_at(clips_[at_].start);
+    changed.emit();
+}
+
+}  // namespace vistels

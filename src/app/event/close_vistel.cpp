@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/close_vistel.h"
+
+#include <algorithm>
+
+#include "app/event/vistel_changes.h"
+#include "util/safe_write.h"
+#include "video/vault_lock.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+
+namespace vistels {
+
+std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
+    const std::string creator = vistel.creator();
+    if (creator.empty() || creator == user) return std::nullopt;
+    return "You did not create '" + vistel.name() +
+           "'.\r\rIf you click 'Close Vistel' this will close the vistel and move the movie data to the "
+           "trash.  "
+           "The movie data will then not be available for others.";
+}
+
+std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
+    const auto all = collection.vistels();
+    const auto items =
+        std::count_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == vistel.uuid(); });
+    if (items <= 1) return {};
+    return "The data of the vistel \"" + vistel.name() +
+           "\" is shown by another vistel of the collection, too.";
+}
+
+result<closed_vistel> close_vistel_for_good(
+    const video_collection_ROOT& collection, const closing_order& order,
+    const std::function<result<void>(const collection_change&)>& take_out, file_system& files) {
+    const auto vistel = collection.find_vistel(order.vistel);
+    if (!vistel) return failure{"The collection has no vistel \"" + order.vistel + "\"."};
+    const auto warning = close_vistel_warning(*vistel, order.user);
+    if (warning && !order.confirmed) return failure{*warning};
+    if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
+        return failure{refusal};
+    const std::string folder = vistel->data_folder();
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return lock.error();
+    if (auto taken = take_out(plan_removal(vistel->uuid())); !taken) return taken.error();
+    closed_vistel closed;
+    if (folder.empty()) return closed;
+    auto moved = move_to_trash(folder, order.home_trash, files);
+    if (moved) closed.data = std::move(moved).value();
+    if (!moved) closed.problem = moved.message();
+    return closed;
+}
+
+result<std::vector<trashed>> trash_unused_movies(const video_collection_ROOT& collection,
+                                                 const std::string& home_trash, file_system& files) {
+    std::vector<trashed> moved;
+    for (const auto& vistel : collection.vistels()) {
+        if (vistel->data_folder().empty()) continue;
+        const auto lock = vault_lock::take_around(vistel->data_folder());
+        if (!lock) return lock.error();
+        const auto parts = vistel->parts().parts;
+        auto names = unused_movies(vistel->stored_vistel());
+        // Copies that were not finished when a program died.
+        for (const auto& name : names_in_folder(vistel->data_folder())) {
+            const auto mark = name.find(temporary_mark);
+            if (mark != std::string::npos && is_movie_name(name.substr(0, mark))) names.push_back(name);
+        }
+        for (const auto& name : names) {
+            const std::string path = path_join(vistel->data_folder(), name);
+            const bool is_used =
+                std::any_of(parts.begin(), parts.end(), [&](const auto& part) { return part.path == path; });
+            if (is_used || name.find('/') != std::string::npos || !file_exists(path)) continue;
+            auto one = move_to_trash(path, home_trash, files);
+            if (!one) return one.error();
+            moved.push_back(std::move(one).value());
+        }
+    }
+    return moved;
+}
+
+}  // namespace vistels

@@ -1,0 +1,419 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/open_event.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "app/event/offset_changes.h"
+#include "app/event/timeline_links.h"
+#include "app/event/vistel_changes.h"
+#include "app/settings/settings.h"
+#include "app/settings/state_log.h"
+#include "app/settings/user_name.h"
+#include "app/vaults/mending.h"
+#include "logger/logger_Dict_funcs.h"
+#include "logger/press_engine.h"
+#include "util/file_system.h"
+#include "util/property_list.h"
+#include "util/uuid.h"
+#include "video/blank_movie.h"
+#include "video/synchronised_playback.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+#include "video/video_coll_Playback.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double tick_seconds = 1.0 / 60;
+// How far the clock of a timeline without a collection runs.
+constexpr double longest_event_seconds = 24 * 3600;
+
+void add_all(std::vector<std::string>& to, const std::vector<std::string>& from) {
+    std::copy(from.begin(), from.end(), std::back_inserter(to));
+}
+
+// What would be saved, but for the time of saving.
+property_dictionary record_of(const video_collection_ROOT& collection) {
+    return write_collection(collection, 0);
+}
+
+bool has_movies(const video_collection_ROOT& collection) {
+    const auto vistels = collection.vistels();
+    return std::any_of(vistels.begin(), vistels.end(),
+                       [](const auto& vistel) { return !vistel->parts().parts.empty(); });
+}
+
+// By how many seconds all that the journal brought back moved the timeline's times.
+double seconds_recovered(const timeline_document& timeline) {
+    double seconds = 0;
+    for (const auto& [edit, inverse] : timeline.recovered()) seconds += seconds_shifted(edit);
+    return seconds;
+}
+
+// A collection whose record is gone, with copies of it left, is still a collection.
+bool is_timeline_alone(const std::string& folder) {
+    bool has_timeline = false;
+    for (const auto& name : names_in_folder(folder)) {
+        if (name.starts_with(collection_file_name)) return false;
+        has_timeline = has_timeline || name.starts_with(timeline_file_name);
+    }
+    return has_timeline;
+}
+
+}  // namespace
+
+open_event::open_event(std::string folder, home_places places, run_loop& loop)
+    : folder_(std::move(folder)),
+      places_(std::move(places)),
+      loop_(loop),
+      blank_movie_(std::make_shared<blank_vistel_movie>(places_.temporary_folder())) {}
+
+result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, const home_places& places,
+                                                     run_loop& loop) {
+    std::unique_ptr<open_event> event(new open_event(folder, places, loop));
+    if (auto loaded = event->load(); !loaded) return loaded.error();
+    if ((event->is_recovered_ || event->has_new_numbers_) && !event->timeline_->is_read_only()) {
+        if (auto saved = event->changes_->save_all(); !saved) event->messages_.push_back(saved.message());
+    }
+    return event;
+}
+
+open_event::~open_event() {
+    if (tick_timer_) loop_.stop_timer(*tick_timer_);
+    if (!undo_) return;  // it was not opened
+    logger_->release_all(playback_->collection_time());
+    // What cannot be saved of the timeline stays in its journal.
+    (void)save_all();
+    timeline_->set_save_companion({});
+}
+
+result<void> open_event::load() {
+    add_all(messages_, mend_event(folder_, places_.local_vistels()).messages);
+    has_collection_ = !is_timeline_alone(folder_);
+    if (has_collection_) {
+        if (auto loaded = load_collection_record(); !loaded) return loaded;
+    }
+    if (auto opened = open_timeline(); !opened) return opened;
+    const double to_restore = movie_time_to_restore();
+    is_recovered_ =
+        has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
+    // Nothing is saved of a collection that is not whole yet.
+    const saving_block block(collection_);
+    if (has_collection_) link_collection();
+    link_timeline(*timeline_, has_collection_ ? links_to(collection_) : links_of_folder(folder_));
+    playback_ = std::make_unique<synchronised_playback>(loop_);
+    playback_->set_top_speed(load_playback_top_speed(places_).rate);
+    application_volume_ = kept_application_volume_ = load_application_volume(places_);
+    feed_playback();
+    playback_->seek(to_restore);
+    logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
+    logger_->set_transport(playback_.get());
+    logger_->set_earliest_time(playback_->first_time());
+    open_code_window();
+    fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
+    made_again_ = logger_->made_again.connect([this](const std::string& button) {
+        log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
+                              folder_ + "\"; it was made again.");
+    });
+    open_undo();
+    open_changes();
+    return {};
+}
+
+void open_event::open_changes() {
+    changes_ = std::make_unique<collection_changes>(collection_, *timeline_, *blank_movie_,
+                                                    [this] { return save_collection(); });
+    changes_->set_undo(undo_.get());
+    made_ = changes_->made.connect([this](double shift) { follow_change(shift); });
+}
+
+// The playhead stays on its frame like the clips.
+void open_event::follow_change(double shift) {
+    const double time = playback_->collection_time();
+    if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
+    feed_playback();
+    if (shift != 0) {
+        playback_->seek(time + shift);
+        logger_->shift_times(shift);
+    }
+    logger_->set_earliest_time(playback_->first_time());
+    timeline_->header().cursor_seconds = playback_->collection_time();
+    collection_changed.emit();
+}
+
+result<void> open_event::load_collection_record() {
+    auto loaded = load_collection(folder_, places_.local_vistels());
+    if (!loaded) return loaded.error();
+    collection_ = std::move(loaded.value().collection);
+    add_all(messages_, loaded.value().messages);
+    alerts_ = std::move(loaded.value().alerts);
+    has_new_numbers_ = loaded.value().has_new_numbers;
+    for (const auto& message : loaded.value().messages) log_line(places_, message);
+    saved_record_ = record_of(collection_);
+    return {};
+}
+
+result<void> open_event::try_to_write(bool take_over) {
+    if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
+    // What the other program saved meanwhile is not written over.
+    if (auto loaded = load_collection_record(); !loaded) return loaded;
+    if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_) || has_new_numbers_)
+        (void)changes_->save_all();
+    link_collection();
+    link_timeline(*timeline_, links_to(collection_));
+    feed_playback();
+    collection_changed.emit();
+    return {};
+}
+
+result<void> open_event::open_timeline() {
+    auto opened = timeline_document::open(folder_, loop_);
+    if (!opened) return opened.error();
+    timeline_ = std::move(opened).value();
+    timeline_->set_author(load_user_name(places_));
+    add_all(messages_, timeline_->messages());
+    for (const auto& message : timeline_->messages()) log_line(places_, message);
+    filtering_ = std::make_unique<clip_filtering>(*timeline_, loop_);
+    // The playhead goes into the timeline's header with every background save, so it outlives a kill.
+    edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
+        if (playback_) timeline_->header().cursor_seconds = playback_->collection_time();
+    });
+    return {};
+}
+
+// The history is kept for each file that is saved; what the journal brought back comes after it.
+void open_event::open_undo() {
+    const std::string uuid = timeline_->timeline().uuid();
+    undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
+    take_up_history();
+    access_ = timeline_->access_changed.connect([this] { take_up_history(); });
+    using companion = timeline_document::save_companion;
+    timeline_->set_save_companion([this, uuid]() -> result<companion> {
+        // What the timeline's file holds the journal forgets: a change of the collection must be saved
+        // before.
+        const auto saved = changes_ ? changes_->save_pending() : result<void>();
+        if (!saved) return saved.error();
+        return companion(
+            [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
+                // Without it the steps before are not taken back after closing; the timeline is saved all the
+                // same.
+                (void)save_undo_history(places, uuid, coming, earlier, history);
+            });
+    });
+}
+
+void open_event::take_up_history() {
+    const std::string uuid = timeline_->timeline().uuid();
+    undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
+    for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
+}
+
+std::string open_event::name() const {
+    const std::string& name = has_collection_ ? collection_.name() : timeline_->header().name;
+    return name.empty() ? path_name(folder_) : name;
+}
+
+std::string open_event::uuid() const {
+    return has_collection_ ? collection_.uuid() : timeline_->header().uuid;
+}
+
+// The collection names its timeline; an older one gets what it lacks.
+void open_event::link_collection() {
+    if (collection_.uuid().empty()) collection_.set_uuid(new_uuid());
+    if (!collection_.stored().contains("UUID video group quick")) {
+        collection_.set_quick_number(new_quick_number());
+    }
+    if (collection_.name().empty()) collection_.set_name(path_name(folder_));
+    if (collection_.linked_timeline().empty()) collection_.set_linked_timeline(timeline_->timeline().uuid());
+    if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
+}
+
+// The later of the two records of the playhead, before what was recovered is taken up: the collection's, or
+// after a kill the timeline's. What was recovered shifts it as it does the clips; of the collection's that
+// part which was not saved with it.
+double open_event::movie_time_to_restore() const {
+    const auto& header = timeline_->header();
+    if (!has_collection_) return header.cursor_seconds;
+    const double saved = collection_.stored().number("seconds updated").value_or(0);
+    if (header.last_saved > saved) return header.cursor_seconds + seconds_recovered(*timeline_);
+    return collection_.movie_time() + collection_changes::seconds_not_saved(collection_, *timeline_);
+}
+
+// Only what changed: to be given the same again would interrupt what is heard.
+void open_event::feed_playback() {
+    // What was coded before the first camera, on the clock alone, can be reached, too.
+    const double first = first_clip_seconds();
+    const double last = runs_on_clock() ? longest_event_seconds : 0;
+    const auto before = std::exchange(fed_range_, {first, last});
+    const bool range_changes = before != fed_range_;
+    // Between the clock alone and movies the playhead stays: it may be in either range until both are known.
+    if (range_changes) {
+        playback_->set_least_range(std::min(first, before.first), std::max(last, before.second));
+    }
+    auto vistels = playback_vistels_of(collection_);
+    if (vistels != fed_vistels_) {
+        fed_vistels_ = vistels;
+        playback_->set_vistels(std::move(vistels));
+    }
+    if (range_changes) playback_->set_least_range(first, last);
+    const std::string heard = collection_.vistel_for_sound();
+    if (std::exchange(fed_sound_, heard) != heard) playback_->set_sound_vistel(heard);
+    playback_->set_enlarged(enlarged());
+    feed_volume();
+}
+
+void open_event::feed_volume() {
+    playback_->set_volume(is_silenced_ ? 0 : collection_.volume() * application_volume_);
+}
+
+// A code window that cannot be read is not written over; a general one stands in for it.
+void open_event::open_code_window() {
+    std::string logger_folder = logger_folder_of(folder_);
+    // A timeline's code window may lie beside it.
+    if (!has_collection_ && has_button_dict(folder_)) logger_folder = folder_;
+    button_dict buttons;
+    if (has_button_dict(logger_folder)) {
+        auto loaded = load_button_dict(logger_folder);
+        if (!loaded) messages_.push_back(loaded.message() + " A general code window is shown instead.");
+        buttons = loaded ? std::move(loaded).value() : general_code_window();
+    } else {
+        buttons = general_code_window();
+    }
+    if (has_collection_ && !has_button_dict(logger_folder)) {
+        auto settings = load_logger_settings(logger_folder);
+        settings.linked_timeline_uuid = timeline_->timeline().uuid();
+        auto saved = save_button_dict(buttons, logger_folder);
+        if (saved) saved = save_logger_settings(settings, logger_folder);
+        if (!saved) messages_.push_back(saved.message());
+    }
+    logger_->set_buttons(std::move(buttons.buttons), playback_->collection_time());
+}
+
+// The engine is told the time as long as it has something to wait for.
+void open_event::follow_presses() {
+    if (!tick_timer_) tick_timer_ = loop_.start_timer(tick_seconds, true, [this] { tick(); });
+}
+
+void open_event::tick() {
+    logger_->tick(playback_->collection_time());
+    if (!logger_->down_buttons().empty() || logger_->unrecorded() > 0) return;
+    loop_.stop_timer(*tick_timer_);
+    tick_timer_.reset();
+}
+
+bool open_event::runs_on_clock() const {
+    return !has_collection_ || !has_movies(collection_);
+}
+
+// At most 0.
+double open_event::first_clip_seconds() const {
+    double first = 0;
+    for (const auto& row : timeline_->timeline().rows()) {
+        const auto& clips = row->clips();
+        if (clips.size() > 0) first = std::min(first, clips[0]->secs_start());
+    }
+    return first;
+}
+
+double open_event::start_seconds() const {
+    return runs_on_clock() ? first_clip_seconds() : playback_->first_time();
+}
+
+double open_event::end_seconds() const {
+    if (runs_on_clock()) return std::max(timeline_->timeline().last_end(), playback_->collection_time());
+    return playback_->last_time();
+}
+
+std::string open_event::problem(const std::string& vistel) const {
+    // A vistel that has other parts shows those.
+    const auto found = collection_.find_vistel(vistel);
+    if (found && found->parts().parts.empty() && !found->problem().empty()) return found->problem();
+    return playback_->problem(vistel);
+}
+
+result<void> open_event::set_offset(const std::string& vistel, double seconds) {
+    return changes_->make(plan_offset(vistel, seconds));
+}
+
+result<void> open_event::set_sound_vistel(const std::string& vistel) {
+    return changes_->make(plan_sound_vistel(vistel));
+}
+
+void open_event::set_volume(double volume) {
+    collection_.set_volume(std::clamp(volume, 0.0, 1.0));
+    feed_volume();
+}
+
+void open_event::set_application_volume(double volume) {
+    application_volume_ = std::clamp(volume, 0.0, 1.0);
+    feed_volume();
+}
+
+void open_event::take_application_volume(double volume) {
+    set_application_volume(volume);
+    kept_application_volume_ = application_volume_;
+}
+
+void open_event::set_silenced(bool silenced) {
+    is_silenced_ = silenced;
+    feed_volume();
+}
+
+bool open_event::has_kept_volume() const {
+    return saved_record_.number("volume") == collection_.volume();
+}
+
+// Where the event can only be read its own volume lasts as long as it is open.
+result<void> open_event::keep_volumes() {
+    if (application_volume_ != kept_application_volume_) {
+        if (auto saved = save_application_volume(places_, application_volume_); !saved) return saved;
+        kept_application_volume_ = application_volume_;
+    }
+    if (!has_collection_ || timeline_->is_read_only() || has_kept_volume()) return {};
+    return changes_->save_all();
+}
+
+void open_event::set_enlarged(const std::string& vistel) {
+    for (const auto& one : collection_.vistels())
+        one->set_flicked_in(!vistel.empty() && one->uuid() == vistel);
+    playback_->set_enlarged(vistel);
+    collection_changed.emit();
+}
+
+std::string open_event::enlarged() const {
+    for (const auto& vistel : collection_.vistels()) {
+        if (vistel->flicked_in()) return vistel->uuid();
+    }
+    return {};
+}
+
+result<void> open_event::save_collection() {
+    if (!has_collection_) return {};
+    if (timeline_->is_read_only()) {
+        return failure{"\"" + path_join(folder_, collection_file_name) +
+                       "\" was not saved: another program has the event open."};
+    }
+    collection_.set_movie_time(playback_->collection_time());
+    auto saved = vistels::save_collection(collection_, folder_);
+    if (saved) saved_record_ = record_of(collection_);
+    return saved;
+}
+
+result<void> open_event::save_changed_collection() {
+    if (!has_collection_ || timeline_->is_read_only()) return {};
+    collection_.set_movie_time(playback_->collection_time());
+    return record_of(collection_) == saved_record_ ? result<void>() : save_collection();
+}
+
+result<void> open_event::save_all() {
+    if (timeline_->is_read_only()) return {};  // changes were refused, or are on record
+    timeline_->header().cursor_seconds = playback_->collection_time();
+    auto saved = timeline_->save_now();
+    auto collection_saved = save_changed_collection();
+    return saved ? collection_saved : saved;
+}
+
+}  // namespace vistels

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/event/clip_filtering.h"
+#include "app/event/collection_changes.h"
+#include "app/event/undo_stack.h"
+#include "app/settings/places.h"
+#include "timeline/files/timeline_document.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+#include "video/synchronised_playback.h"
+#include "video/video_collection_ROOT.h"
+
+namespace vistels {
+
+class blank_vistel_movie;
+class press_engine;
+
+// One open collection with everything that belongs to it: its record, its timeline, its code window, the
+// playback of its vistels and the undo history of its timeline. A timeline that belongs to no collection
+// opens too: its event has no pictures, and a clock that runs on beyond its last clip. Main thread.
+class open_event {
+  public:
+    // Opens the collection in `folder`. A vistel or a code window that cannot be read does not keep the rest
+    // from opening: it is told in messages(). A damaged collection record or timeline is an error that names
+    // the file. A collection without a code window gets a general one. Playback stands at the stored movie
+    // time. A timeline without a collection gets a general code window that is not saved. `loop` must outlive
+    // the event.
+    static result<std::unique_ptr<open_event>> open(const std::string& folder, const home_places& places,
+                                                    run_loop& loop);
+    // Closes: releases the buttons that are down, saves the timeline and the movie time.
+    ~open_event();
+    open_event(const open_event&) = delete;
+    open_event& operator=(const open_event&) = delete;
+
+    const std::string& folder() const { return folder_; }
+    const video_collection_ROOT& collection() const { return collection_; }
+    // False for a timeline that belongs to no collection.
+    bool has_collection() const { return has_collection_; }
+    // Both are the collection's, or else the timeline's.
+    std::string name() const;
+    std::string uuid() const;
+    timeline_document& timeline() { return *timeline_; }
+    press_engine& logger() { return *logger_; }
+    synchronised_playback& playback() { return *playback_; }
+    undo_stack& undo() { return *undo_; }
+    // Which clips of the timeline pass.
+    clip_filtering& filtering() { return *filtering_; }
+    // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
+    // which is not to be changed.
+    collection_changes& changes() { return *changes_; }
+    // For work on other threads, which may outlast the event.
+    std::shared_ptr<blank_vistel_movie> blank_movie() const { return blank_movie_; }
+
+    // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
+    const std::vector<std::string>& messages() const { return messages_; }
+    // Of streamed vistels that are shorter than expected: to be told a moment after opening.
+    const std::vector<std::string>& alerts() const { return alerts_; }
+    // Edits that the journal brought back when the timeline was opened.
+    std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
+
+    // Seconds on the collection's clock between which there is a picture of any vistel, or before that a
+    // clip; without movies, between which there are clips or the playhead stands.
+    double start_seconds() const;
+    double end_seconds() const;
+    // No vistel has a movie (yet), or there is no collection: the clock is all there is, started by playing
+    // and running on beyond the last clip.
+    bool runs_on_clock() const;
+
+    // Why a vistel, or the movie part at the present time, cannot be shown; empty when all is well.
+    std::string problem(const std::string& vistel) const;
+
+    // Each changes the collection, brings playback into step and saves. `vistel` is a UUID. The offset can be
+    // taken back, like all that changes() does.
+    result<void> set_offset(const std::string& vistel, double seconds);
+    result<void> set_sound_vistel(const std::string& vistel);
+    // What is heard is the product of the collection's volume and the application's, both from 0 to 1, or
+    // nothing while it is silenced: muted, or another event is heard.
+    void set_volume(double volume);
+    void set_application_volume(double volume);
+    double application_volume() const { return application_volume_; }
+    void set_silenced(bool silenced);
+    // Saves the volumes that were set since they were saved last.
+    result<void> keep_volumes();
+    // The application's volume was set, and is kept, elsewhere.
+    void take_application_volume(double volume);
+    // Tries again to change an event that another program had open, see timeline_document::try_to_write().
+    // The collection record is read anew. On failure all is as it was.
+    result<void> try_to_write(bool take_over);
+
+    // The enlarged vistel; an empty text: none. Saved with the next change, or on closing.
+    void set_enlarged(const std::string& vistel);
+    std::string enlarged() const;
+
+    // Saves the collection record with the present movie time.
+    result<void> save_collection();
+    // Saves the timeline and waits for it, then the collection.
+    result<void> save_all();
+
+    // The collection record changed.
+    signal<> collection_changed;
+
+  private:
+    open_event(std::string folder, home_places places, run_loop& loop);
+    result<void> load();
+    result<void> load_collection_record();
+    result<void> open_timeline();
+    void open_undo();
+    void take_up_history();
+    void open_code_window();
+    void link_collection();
+    void open_changes();
+    void follow_change(double shift);
+    void feed_playback();
+    void feed_volume();
+    bool has_kept_volume() const;
+    double first_clip_seconds() const;
+    double movie_time_to_restore() const;
+    result<void> save_changed_collection();
+    void follow_presses();
+    void tick();
+
+    const std::string folder_;
+    const home_places places_;
+    run_loop& loop_;
+    video_collection_ROOT collection_;
+    bool has_collection_ = true;
+    bool is_recovered_ = false;     // the journal brought back changes of the collection
+    bool has_new_numbers_ = false;  // vistels that had none got one, which is to be saved
+    double application_volume_ = 1;
+    double kept_application_volume_ = 1;
+    bool is_silenced_ = false;
+    property_dictionary saved_record_;  // as written last, without its time
+    std::vector<std::string> messages_;
+    std::vector<std::string> alerts_;
+    std::unique_ptr<timeline_document> timeline_;
+    std::unique_ptr<clip_filtering> filtering_;
+    std::unique_ptr<synchronised_playback> playback_;
+    // What playback was given.
+    std::pair<double, double> fed_range_ = {0, 0};
+    std::vector<playback_vistel> fed_vistels_;
+    std::string fed_sound_;
+    std::unique_ptr<press_engine> logger_;
+    std::unique_ptr<undo_stack> undo_;
+    const std::shared_ptr<blank_vistel_movie> blank_movie_;
+    std::unique_ptr<collection_changes> changes_;
+    std::optional<run_loop::timer_id> tick_timer_;
+    connection made_;
+    connection edited_;
+    connection access_;
+    connection fired_;
+    connection made_again_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/padding_changes.h"
+
+namespace vistels {
+
+namespace {
+
+result<padding_outcome> perform(video_collection_ROOT& collection, padding_command command) {
+    switch (command) {
+        case padding_command::replace_with_padding:
+            return pad_collection(collection);
+        case padding_command::remove_offsets_and_padding:
+            return remove_offsets_and_padding(collection);
+        case padding_command::restore_offsets:
+            break;
+    }
+    return restore_offsets(collection);
+}
+
+}  // namespace
+
+const char* padding_command_title(padding_command command) {
+    switch (command) {
+        case padding_command::replace_with_padding:
+            return "Replace Vistel Offsets With Padding Movies";
+        case padding_command::remove_offsets_and_padding:
+            return "Remove Vistel Offsets And Padding Movies From All Vistels";
+        case padding_command::restore_offsets:
+            break;
+    }
+    return "Remove Padding Movies From All Vistels And Replace With Offsets";
+}
+
+result<planned_padding> plan_padding(const video_collection_ROOT& collection, padding_command command) {
+    auto copy = detached_copy(collection);
+    const auto planned = perform(copy, command);
+    if (!planned) return planned.error();
+    const auto outcome = planned.value();
+    collection_change change{padding_command_title(command), "", {}, outcome.shift, {}};
+    change.change = [command, outcome](video_collection_ROOT& changed) -> result<void> {
+        const auto now = perform(changed, command);
+        if (!now) return now.error();
+        if (now.value() == outcome) return {};
+        return failure{std::string("\"") + padding_command_title(command) +
+                       "\" was not done: the collection changed meanwhile."};
+    };
+    return planned_padding{std::move(change), outcome.files};
+}
+
+}  // namespace vistels

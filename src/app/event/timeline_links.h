@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/settings/places.h"
+#include "timeline/files/timeline_document.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+
+namespace vistels {
+
+class video_collection_ROOT;
+
+// What a timeline keeps of the collection that it belongs to.
+struct timeline_links {
+    std::string collection;  // its UUID; empty: none
+    std::string name;        // the collection's, else that of the folder
+    double number = 0;       // the collection's, see timeline_document::set_collection_number
+};
+
+timeline_links links_to(const video_collection_ROOT& collection);
+// Of the timeline in `folder`: to the collection whose record lies there, if one does. Any thread.
+timeline_links links_of_folder(const std::string& folder);
+
+// Gives a header what it lacks: the timeline's UUID as its own, the collection's, and a name.
+void complete_header(timeline_header& header, const std::string& timeline_uuid, const timeline_links& links);
+// The same for an open timeline, whose clips get the collection's number from now on.
+void link_timeline(timeline_document& timeline, const timeline_links& links);
+
+// Opens the timeline in `folder` (made when missing) to be changed without a window: edits go on record under
+// the user's name, and header and clips get what they get in a window.
+result<std::unique_ptr<timeline_document>> open_linked_timeline(const std::string& folder,
+                                                                const home_places& places, run_loop& loop);
+
+}  // namespace vistels

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/undo_history.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <system_error>
+
+#include "util/checksum.h"
+#include "util/file_system.h"
+#include "util/property_list.h"
+#include "util/safe_write.h"
+
+namespace vistels {
+
+namespace {
+
+// One step may delete a whole event's clips. Older steps than fit are not kept over closing.
+constexpr std::size_t most_stored_operations = 20000;
+constexpr std::size_t most_timelines = 200;
+
+std::string undo_folder(const home_places& places) {
+    return path_join(places.state_folder, "Undo");
+}
+
+// The UUID comes from a file and need not be one.
+std::string folder_of(const home_places& places, const std::string& timeline) {
+    const bool is_plain =
+        !timeline.empty() && std::all_of(timeline.begin(), timeline.end(), [](unsigned char letter) {
+            return (letter >= '0' && letter <= '9') || (letter >= 'A' && letter <= 'Z') ||
+                   (letter >= 'a' && letter <= 'z') || letter == '-';
+        });
+    return path_join(undo_folder(places), is_plain ? timeline : checksum_text(checksum(timeline)));
+}
+
+std::string file_name_of(const file_content_mark& mark) {
+    return std::to_string(mark.size) + " " + checksum_text(mark.hash) + ".plist";
+}
+
+property_array write_operations(const std::vector<operation::any>& operations) {
+    auto edit = write_edit({"", "", operations});
+    return *edit.array("operations");
+}
+
+property_array write_steps(const std::vector<undo_step>& steps, std::size_t& room) {
+    std::size_t first = steps.size();
+    while (first > 0 && steps[first - 1].operations->size() <= room) {
+        --first;
+        room -= steps[first].operations->size();
+    }
+    property_array stored;
+    for (; first < steps.size(); ++first) {
+        const auto& step = steps[first];
+        stored.emplace_back(write_edit({step.name, step.scope, *step.operations}));
+    }
+    return stored;
+}
+
+std::vector<undo_step> read_steps(const property_dictionary& stored, const char* key) {
+    std::vector<undo_step> steps;
+    const auto* array = stored.array(key);
+    if (!array) return steps;
+    for (auto at = array->rbegin(); at != array->rend(); ++at) {
+        const auto edit = at->dictionary() ? read_edit(*at->dictionary()) : failure{"no step"};
+        if (!edit) break;
+        const auto& read = edit.value();
+        undo_step step{read.name, read.scope, {}};
+        step.operations = std::make_shared<const std::vector<operation::any>>(read.operations);
+        steps.push_back(std::move(step));
+    }
+    std::reverse(steps.begin(), steps.end());
+    return steps;
+}
+
+void forget_old_timelines(const home_places& places) {
+    const auto names = names_in_folder(undo_folder(places));
+    if (names.size() <= most_timelines) return;
+    std::vector<std::pair<std::filesystem::file_time_type, std::string>> by_age;
+    for (const auto& name : names) {
+        std::error_code fault;
+        std::string path = path_join(undo_folder(places), name);
+        const auto time = std::filesystem::last_write_time(path, fault);
+        if (!fault) by_age.emplace_back(time, std::move(path));
+    }
+    std::sort(by_age.begin(), by_age.end());
+    for (std::size_t index = 0; index + most_timelines < by_age.size(); ++index) {
+        std::error_code fault;
+        std::filesystem::remove_all(by_age[index].second, fault);
+    }
+}
+
+}  // namespace
+
+property_dictionary write_undo_history(const undo_history& history) {
+    std::size_t room = most_stored_operations;
+    property_array undo = write_steps(history.undo, room);
+    property_array redo = write_steps(history.redo, room);
+    property_dictionary stored;
+    stored.add("undo", std::move(undo));
+    stored.add("redo", std::move(redo));
+    property_array begun;
+    for (const auto& [clip, operations] : history.begun) {
+        property_dictionary one;
+        one.add("clip", clip);
+        one.add("operations", write_operations(operations));
+        begun.emplace_back(std::move(one));
+    }
+    if (!begun.empty()) stored.add("begun", std::move(begun));
+    return stored;
+}
+
+undo_history read_undo_history(const property_dictionary& stored) {
+    undo_history history{read_steps(stored, "undo"), read_steps(stored, "redo"), {}};
+    if (const auto* begun = stored.array("begun")) {
+        for (const auto& value : *begun) {
+            const auto* one = value.dictionary();
+            const auto edit = one ? read_edit(*one) : failure{"no operations"};
+            if (edit) history.begun[one->text_or_empty("clip")] = edit.value().operations;
+        }
+    }
+    return history;
+}
+
+result<void> save_undo_history(const home_places& places, const std::string& timeline,
+                               const file_content_mark& mark, const file_content_mark& earlier,
+                               const undo_history& history) {
+    const std::string folder = folder_of(places, timeline);
+    if (auto made = make_folders(folder); !made) return made;
+    const std::string name = file_name_of(mark);
+    if (auto saved = safe_write(path_join(folder, name), write_undo_history(history)); !saved) return saved;
+    const std::string earlier_name = file_name_of(earlier);
+    for (const auto& other : names_in_folder(folder)) {
+        if (other != name && other != earlier_name) machine_files().remove(path_join(folder, other));
+    }
+    forget_old_timelines(places);
+    return {};
+}
+
+undo_history load_undo_history(const home_places& places, const std::string& timeline,
+                               const file_content_mark& mark) {
+    return read_undo_history(
+        read_dictionary_or_empty(path_join(folder_of(places, timeline), file_name_of(mark))));
+}
+
+}  // namespace vistels

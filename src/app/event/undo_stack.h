@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/event/undo_history.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_document.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+
+namespace vistels {
+
+// The undo history of one timeline document: it takes every edit from the document's signal and takes it back
+// by applying its inverse, which is an edit like any other and goes on record like any other. Main thread.
+//
+// A clip that begins to grow is no step; its finish is one: taking it back takes the clip away, doing it
+// again puts the finished clip back. What a step did to a clip that is no longer there is passed over, and a
+// step of which nothing is left is forgotten.
+class undo_stack {
+  public:
+    // Both must outlive the stack.
+    undo_stack(timeline_document& document, const run_loop& loop);
+
+    bool can_undo() const { return !undo_.empty(); }
+    bool can_redo() const { return !redo_.empty(); }
+    // The name of the step for the menu; empty when there is none.
+    std::string undo_name() const { return undo_.empty() ? std::string() : undo_.back().name; }
+    std::string redo_name() const { return redo_.empty() ? std::string() : redo_.back().name; }
+
+    // Takes back the last step, or does the last one that was taken back again. Nothing to do is no error.
+    result<void> undo();
+    result<void> redo();
+
+    // Edits from begin_group() to end_group() become one step with that name. Groups may nest; the outermost
+    // names the step.
+    void begin_group(std::string name);
+    void end_group();
+
+    // The present state is the one that is saved; is_at_saved_state() tells whether undo and redo have come
+    // back to it.
+    void mark_saved() { saved_state_ = state_; }
+    bool is_at_saved_state() const { return state_ == saved_state_; }
+
+    void clear();
+    // What was taken back is not to be done again.
+    void forget_redo();
+
+    // The steps as they are now, at little cost; kept when the timeline is saved.
+    undo_history history() const { return {undo_, redo_, begun_}; }
+    // Takes over steps that were kept. The timeline must be in the state to which they belong.
+    void restore(undo_history history);
+    // Adds an edit that was done before this stack was connected.
+    void add(const timeline_edit& edit, const timeline_edit& inverse);
+
+    // What the menus show changed.
+    signal<> changed;
+
+    // Edits of values of the same objects, of one scope and name, no further apart than this are one step.
+    static constexpr double merge_seconds = 0.6;
+    static constexpr std::size_t most_steps = 500;
+
+  private:
+    using step = undo_step;
+
+    void take(const timeline_edit& edit, const timeline_edit& inverse);
+    void take_growing(const timeline_edit& edit, const timeline_edit& inverse);
+    bool joins_last(const timeline_edit& edit, double now) const;
+    result<void> move_back(std::vector<step>& from, std::vector<step>& to);
+    void forget_void_steps();
+
+    timeline_document& document_;
+    const run_loop& loop_;
+    std::vector<step> undo_;
+    std::vector<step> redo_;
+    // What else the edits that began the growing clips did (made their rows), by clip.
+    std::map<std::string, std::vector<operation::any>> begun_;
+    std::optional<timeline_edit> moved_;  // the inverse that comes while a step is taken back
+    bool is_moving_ = false;
+    int group_depth_ = 0;
+    bool group_has_step_ = false;
+    std::string group_name_;
+    std::uint64_t state_ = 0;
+    std::uint64_t last_state_ = 0;
+    std::uint64_t saved_state_ = 0;
+    connection edited_;
+};
+
+}  // namespace vistels

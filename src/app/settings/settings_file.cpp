@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/settings/settings_file.h"
+
+#include "util/file_system.h"
+#include "util/property_list.h"
+#include "util/safe_write.h"
+#include "util/text_forms.h"
+
+namespace vistels {
+
+namespace {
+
+// Why a file that is there cannot be read as settings; nothing when it can, or is missing.
+std::optional<failure> damage_of(const std::string& path) {
+    if (!file_exists(path)) return std::nullopt;
+    const auto stored = read_property_list_file(path);
+    if (!stored) return stored.error();
+    if (stored.value().dictionary()) return std::nullopt;
+    return failure{"\"" + path + "\" cannot be read: it holds no dictionary."};
+}
+
+// The name under which the file was kept.
+result<std::string> set_aside(const std::string& path) {
+    const std::string kept = damaged_name(path);
+    if (const int fault = machine_files().rename(path, kept)) {
+        return file_failure(path, "is damaged and could not be set aside", fault);
+    }
+    return kept;
+}
+
+}  // namespace
+
+std::string path_of(const home_places& places, const settings_file& file) {
+    const std::string folder =
+        *file.folder ? path_join(places.state_folder, file.folder) : places.state_folder;
+    return path_join(folder, file.name);
+}
+
+property_dictionary read_settings(const home_places& places, const settings_file& file) {
+    return read_dictionary_or_empty(path_of(places, file));
+}
+
+result<void> write_settings(const home_places& places, const settings_file& file,
+                            const property_dictionary& values) {
+    const std::string path = path_of(places, file);
+    if (auto made = make_folders(path_folder(path)); !made) return made;
+    if (auto checked = check_replaceable(path); !checked) return checked;
+    if (damage_of(path)) {
+        if (const auto kept = set_aside(path); !kept) return kept.error();
+    }
+    property_dictionary stored = read_dictionary_or_empty(path);
+    for (const auto& entry : values) {
+        if (entry.value.is_null()) {
+            stored.remove(entry.key);
+        } else {
+            stored.set(entry.key, entry.value);
+        }
+    }
+    return safe_write(path, stored);
+}
+
+std::vector<std::string> set_damaged_settings_aside(const home_places& places,
+                                                    const std::vector<settings_file>& files) {
+    std::vector<std::string> messages;
+    for (const auto& file : files) {
+        const std::string path = path_of(places, file);
+        const auto damage = damage_of(path);
+        if (!damage) continue;
+        // What cannot be read now, by its rights or its volume, may be whole.
+        if (!read_file(path)) {
+            messages.push_back(damage->message + " The defaults are used instead.");
+            continue;
+        }
+        const auto kept = set_aside(path);
+        messages.push_back(kept ? damage->message + " It was kept as \"" + path_name(kept.value()) +
+                                      "\"; the defaults are used instead."
+                                : damage->message + " " + kept.message());
+    }
+    return messages;
+}
+
+property_value stored_path(const std::string& path) {
+    if (is_valid_text(path)) return path;
+    return property_data{path};
+}
+
+std::string path_from(const property_value& value) {
+    if (value.text()) return *value.text();
+    return value.data() ? value.data()->bytes : std::string();
+}
+
+}  // namespace vistels

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/settings/places.h"
+#include "app/settings/settings_file.h"
+#include "util/result.h"
+
+namespace vistels {
+
+inline constexpr settings_file last_build_file{"System", "last build used.plist"};
+inline constexpr settings_file build_number_file{"System", "build number.plist"};
+
+// By which the message of an older build is known where messages are kept apart.
+inline constexpr const char* start_up_message_id = "start up message";
+
+// The message for a running build that is older than the one used before; empty when it is not. The numbers
+// have at most five decimals.
+std::string build_message(double running_build, double last_build);
+
+// Compares the running build with the one that ran last and writes it down as that, whichever is older. The
+// message, or the empty text.
+result<std::string> check_build(const home_places& places, double running_build);
+
+// "build number.plist": what is known of newer builds. Nothing is asked of a network: a newer build is one
+// that was installed in the place of the running one.
+struct build_number_state {
+    std::optional<double> in_use;        // the build that ran last
+    std::optional<double> available;     // the one that is installed
+    std::optional<double> last_checked;  // seconds since 1970
+    std::string latest_information_url;  // the file that tells its number
+};
+build_number_state load_build_number(const home_places& places);
+
+// The build number that a file of this program carries; nothing in other files. Any thread.
+std::optional<double> build_number_in(const std::string& executable);
+
+// The file that the running program was started from, and whether another one stands there by now.
+class running_executable {
+  public:
+    // Of this process. To be asked for before the file may be replaced: when the program starts.
+    running_executable();
+    // Of one that runs from `running`, which its name `path` led to. For tests.
+    running_executable(std::string path, std::string running);
+    const std::string& path() const { return path_; }  // empty: not known
+    bool is_replaced() const;
+
+  private:
+    std::string path_;
+    std::string running_;
+};
+
+// Looks which build is installed and writes all four values down. The message when that one is newer than the
+// running one, or the empty text. Any thread, one at a time.
+result<std::string> check_for_newer_build(const home_places& places, double running_build,
+                                          const running_executable& executable);
+
+}  // namespace vistels

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/vaults/vault_space.h"
+
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <utility>
+
+#include "util/file_system.h"
+
+namespace vistels {
+
+result<volume_space> space_of(const std::string& path) {
+    struct statvfs volume {};
+    if (::statvfs(path.c_str(), &volume) != 0) {
+        return file_failure(path, "cannot be asked for its space", errno);
+    }
+    const auto block = static_cast<double>(volume.f_frsize);
+    return volume_space{static_cast<double>(volume.f_bavail) * block,
+                        static_cast<double>(volume.f_blocks) * block};
+}
+
+file_item_Update_Vault_Free_Space_in_background_25::file_item_Update_Vault_Free_Space_in_background_25(
+    run_loop& loop, observer found)
+    : loop_(loop), found_(std::make_shared<observer>(std::move(found))) {}
+
+file_item_Update_Vault_Free_Space_in_background_25::~file_item_Update_Vault_Free_Space_in_background_25() {
+    queue_.forget_waiting();
+}
+
+void file_item_Update_Vault_Free_Space_in_background_25::update(std::vector<std::string> vaults) {
+    queue_.forget_waiting();
+    queue_.post([this, vaults = std::move(vaults)] {
+        std::vector<vault_space> all;
+        for (const auto& vault : vaults) {
+            if (const auto space = space_of(vault)) all.push_back({vault, space.value()});
+        }
+        // The asker may be gone when the loop comes to it.
+        loop_.post([weak = std::weak_ptr(found_), all = std::move(all)] {
+            if (const auto found = weak.lock()) (*found)(all);
+        });
+    });
+}
+
+}  // namespace vistels
