@@ -12,9 +12,9 @@
 #include <functional>
 #include <vector>
 
-#include "shell/content_model.h"
-#include "shell/content_side_bar.h"
-#include "shell/theme.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/side_bar/content_model.h"
+#include "shell/panes/side_bar/content_side_bar.h"
 #include "support/measure.h"
 
 using namespace vistels;

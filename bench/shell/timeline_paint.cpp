@@ -13,10 +13,10 @@
 #include <random>
 
 #include "app/event/clip_filtering.h"
-#include "shell/qt_run_loop.h"
-#include "shell/theme.h"
-#include "shell/timeline_canvas.h"
-#include "shell/timeline_state.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_state.h"
+#include "shell/program/qt_run_loop.h"
 #include "support/measure.h"
 #include "util/uuid.h"
 

@@ -4,9 +4,9 @@
 #include <QPlainTextEdit>
 
 #include "app/event/undo_stack.h"
-#include "shell/collection_pane.h"
-#include "shell/message_bar.h"
-#include "shell/timeline_view.h"
+#include "shell/kit/message_bar.h"
+#include "shell/panes/collection/collection_pane.h"
+#include "shell/panes/timeline/timeline_view.h"
 #include "support/shown_event.h"
 #include "support/timeline_builder.h"
 #include "video/synchronised_playback.h"

@@ -8,11 +8,11 @@
 #include <QTest>
 
 #include "logger/press_engine.h"
-#include "shell/code_window_canvas.h"
-#include "shell/code_window_view.h"
-#include "shell/pane_header.h"
-#include "shell/qt_run_loop.h"
-#include "shell/theme.h"
+#include "shell/kit/pane_header.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/code_window/code_window_canvas.h"
+#include "shell/panes/code_window/code_window_view.h"
+#include "shell/program/qt_run_loop.h"
 #include "support/temporary_folder.h"
 
 namespace vistels {

@@ -5,10 +5,10 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
-#include "shell/event_stamp.h"
-#include "shell/key_router.h"
-#include "shell/timeline_view.h"
-#include "shell/window_actions.h"
+#include "shell/keys/event_stamp.h"
+#include "shell/keys/key_router.h"
+#include "shell/panes/timeline/timeline_view.h"
+#include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "video/synchronised_playback.h"
 

@@ -9,11 +9,11 @@
 #include <QTest>
 #include <QUrl>
 
-#include "shell/align_bar.h"
-#include "shell/buttons_Adjust_Offsets.h"
-#include "shell/collection_view.h"
-#include "shell/controls.h"
-#include "shell/single_Adjust_offset_View.h"
+#include "shell/kit/controls.h"
+#include "shell/panes/collection/align_bar.h"
+#include "shell/panes/collection/buttons_Adjust_Offsets.h"
+#include "shell/panes/collection/collection_view.h"
+#include "shell/panes/collection/single_Adjust_offset_View.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
 

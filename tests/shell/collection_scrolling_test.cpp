@@ -12,9 +12,9 @@
 #include <QWheelEvent>
 
 #include "app/settings/settings.h"
-#include "shell/collection_commands.h"
-#include "shell/collection_view.h"
-#include "shell/window_actions.h"
+#include "shell/event/collection_commands.h"
+#include "shell/panes/collection/collection_view.h"
+#include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "video/synchronised_playback.h"
 

@@ -8,8 +8,8 @@
 #include <QTest>
 #include <QTimer>
 
-#include "shell/event_messages.h"
-#include "shell/message_bar.h"
+#include "shell/event/event_messages.h"
+#include "shell/kit/message_bar.h"
 
 namespace vistels {
 namespace {

@@ -14,9 +14,9 @@
 #include <QTreeView>
 #include <QUrl>
 
-#include "shell/content_model.h"
-#include "shell/content_side_bar.h"
-#include "shell/disk_line.h"
+#include "shell/panes/side_bar/content_model.h"
+#include "shell/panes/side_bar/content_side_bar.h"
+#include "shell/panes/side_bar/disk_line.h"
 
 namespace vistels {
 namespace {

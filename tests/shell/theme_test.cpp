@@ -12,9 +12,9 @@
 #include <fstream>
 #include <limits>
 
-#include "shell/icons.h"
-#include "shell/theme.h"
-#include "shell/theme_time_text.h"
+#include "shell/kit/icons.h"
+#include "shell/kit/theme.h"
+#include "shell/kit/theme_time_text.h"
 
 namespace vistels {
 namespace {

@@ -9,12 +9,12 @@
 #include <cmath>
 #include <random>
 
-#include "shell/qt_run_loop.h"
-#include "shell/theme.h"
-#include "shell/timeline_canvas.h"
-#include "shell/timeline_parts.h"
-#include "shell/timeline_state.h"
-#include "shell/timeline_view.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_parts.h"
+#include "shell/panes/timeline/timeline_state.h"
+#include "shell/panes/timeline/timeline_view.h"
+#include "shell/program/qt_run_loop.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
 

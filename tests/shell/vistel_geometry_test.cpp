@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Where vistels lie: dragging by pixels, ready layouts, stacking; and the sums behind bringing them into
 // step.
-#include "shell/vistel_geometry.h"
+#include "shell/panes/collection/vistel_geometry.h"
 
 #include <gtest/gtest.h>
 
-#include "shell/buttons_Adjust_Offsets.h"
-#include "shell/single_Adjust_offset_View.h"
-#include "shell/vistel_alignment.h"
-#include "shell/vistel_layout.h"
-#include "shell/vistel_placing.h"
+#include "shell/panes/collection/buttons_Adjust_Offsets.h"
+#include "shell/panes/collection/single_Adjust_offset_View.h"
+#include "shell/panes/collection/vistel_alignment.h"
+#include "shell/panes/collection/vistel_layout.h"
+#include "shell/panes/collection/vistel_placing.h"
 
 namespace vistels {
 namespace {

@@ -8,13 +8,13 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "shell/collection_view.h"
-#include "shell/inspector_parts.h"
-#include "shell/key_router.h"
-#include "shell/theme.h"
-#include "shell/vistel_layout.h"
-#include "shell/window_frame.h"
-#include "shell/work_area.h"
+#include "shell/keys/key_router.h"
+#include "shell/kit/inspector_parts.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/collection/collection_view.h"
+#include "shell/panes/collection/vistel_layout.h"
+#include "shell/window/window_frame.h"
+#include "shell/window/work_area.h"
 #include "support/timeline_builder.h"
 #include "timeline/edits/clip_edits.h"
 

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include "logger/logger_Dict_funcs.h"
-#include "shell/code_window_button.h"
-#include "shell/code_window_canvas.h"
-#include "shell/message_bar.h"
-#include "shell/pane_splitter.h"
-#include "shell/theme.h"
-#include "shell/timeline_canvas.h"
-#include "shell/window_actions.h"
+#include "shell/kit/message_bar.h"
+#include "shell/kit/pane_splitter.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/code_window/code_window_button.h"
+#include "shell/panes/code_window/code_window_canvas.h"
+#include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "util/file_system.h"
 #if VISTELS_HAVE_MEDIA

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/event/open_event.h"
+#include "shell/event/vistel_pictures.h"
+#include "shell/kit/message_bar.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+
+namespace vistels {
+
+class code_window_view;
+class collection_pane;
+class filter_control;
+class filter_entry;
+class inspector_view;
+class key_router;
+class read_only_mark;
+class timeline_view;
+
+// The panes that show one event.
+struct event_panes {
+    collection_pane* collection = nullptr;
+    code_window_view* code = nullptr;
+    timeline_view* timeline = nullptr;
+    inspector_view* inspector = nullptr;
+    key_router* keys = nullptr;
+    filter_entry* filter = nullptr;
+};
+
+// The event that a window shows, connected to the window's panes. Every command is harmless while no event is
+// open. Main thread.
+class event_session : public QObject {
+    Q_OBJECT
+  public:
+    // Panes and loop must outlive the session.
+    event_session(event_panes panes, run_loop& loop);
+    ~event_session() override;
+
+    // Opens the event, a collection or a timeline alone, in place of the one that is open. When it cannot be
+    // opened that one stays.
+    result<void> open(const std::string& folder, const home_places& places);
+    // Tries again to change an event that can only be read; with `take_over` it is taken from the program
+    // that has it.
+    void try_to_write(bool take_over);
+    // Saves and closes.
+    void close();
+    bool is_open() const { return event_ != nullptr; }
+    filter_control& filter() { return *filter_; }
+    open_event* shown_event() { return event_.get(); }  // null when none is open
+    QString name() const;
+    std::string folder() const;
+    // For the side bar: "4 cameras · 1 live clip".
+    QString fact() const;
+
+    // Every vistel that can be shown shows a picture.
+    bool has_all_pictures() const;
+
+    void play_or_pause();
+    void pause();
+    void shuttle(int direction);
+    void step(int frames);
+    void jump(double seconds);
+    void seek(double seconds);
+    void to_start();
+    void to_end();
+    void set_rate(double rate);
+    void set_looping(bool looping);
+    bool is_looping() const { return looping_; }
+    // From 0 to 1: the event's volume, and that of the application, which lies over those of all events. Both
+    // are heard at once; keep_volumes() saves them when the user has chosen.
+    void set_volume(double volume);
+    void change_volume(int steps);
+    double volume() const;
+    void set_application_volume(double volume);
+    double application_volume() const;
+    void keep_volumes();
+    // It was chosen in another window.
+    void take_application_volume(double volume);
+    void set_muted(bool muted);
+    bool is_muted() const { return muted_; }
+    // Whether its sound comes out, at the volume and muting set: where several windows play only one is
+    // heard.
+    void set_heard(bool heard);
+    bool is_heard() const { return heard_; }
+    void enlarge(const std::string& vistel);
+    void enlarge_next();
+    void set_sound_vistel(const std::string& vistel);
+    // Whether a vistel's name is drawn behind its number.
+    void set_shows_names(bool shows);
+
+    void undo();
+    void redo();
+    void save();
+    // Begins to save what is unsaved and does not wait for it.
+    void save_in_background();
+    void release_buttons();
+    void mark_clip(bool start);
+    void play_selected_clip();
+
+  Q_SIGNALS:
+    void opened();
+    void closed();
+    // What the undo menu, the saved label or the side bar's line show changed.
+    void facts_changed();
+    void saved(const QString& problem);  // empty: done
+    void told(const vistels::user_message& message);
+    void application_volume_chosen(double volume);
+    // The state that the lasting message with this key told of is over.
+    void state_over(const QString& key);
+
+  private:
+    void connect_panes();
+    void connect_event();
+    void connect_keys();
+    void show_state();
+    void tick();
+    void tick_while_needed();
+    void tell_trouble(const std::string& reason);
+    void tell_made_again(const std::string& button);
+    void find_loop();
+    void keep_within_loop(double seconds);
+    void apply_volume();
+    void tell(const result<void>& done);
+    void tell_save(const std::string& problem);
+    void show_opening();
+    void tell_alerts();
+    void show_buttons();
+    void show_read_only();
+    void watch_writer();
+    void refuse_press(const QString& button);
+    void refuse_change(const QString& reason);
+    double shown_end() const;
+    void follow_end(double seconds);
+
+    const event_panes panes_;
+    run_loop& loop_;
+    vistel_pictures pictures_;
+    read_only_mark* read_only_;  // in the timeline's header
+    std::unique_ptr<filter_control> filter_;
+    std::unique_ptr<open_event> event_;
+    std::vector<connection> connections_;
+    run_loop::timer_id tick_timer_ = 0;   // 0: none runs
+    run_loop::timer_id watch_timer_ = 0;  // while the timeline can only be read
+    run_loop::timer_id alert_timer_ = 0;  // until what the event's vistels lack is told
+    double end_shown_ = 0;                // seconds, where the transport ends
+    bool looping_ = false;
+    double loop_start_ = 0;  // seconds
+    double loop_end_ = 0;
+    bool muted_ = false;
+    bool heard_ = true;
+    double play_until_;  // seconds: the end of the clip that is played; infinite: none is
+};
+
+}  // namespace vistels

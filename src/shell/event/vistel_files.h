@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <QObject>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/event/collection_changes.h"
+#include "app/settings/places.h"
+#include "shell/kit/message_bar.h"
+#include "util/job.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "util/signal.h"
+#include "video/video_coll_Files.h"
+
+class QWidget;
+
+namespace vistels {
+
+class collection_view;
+class event_session;
+class long_work;
+class open_event;
+
+// Asks how movies are to be added: each choice a button with what it does below it. Main thread.
+class adding_panel : public QDialog {
+    Q_OBJECT
+  public:
+    adding_panel(const QStringList& movies, const QString& vistel, std::vector<adding_choice> choices,
+                 QWidget* parent);
+
+  Q_SIGNALS:
+    void chosen(vistels::movies_as how);
+};
+
+// What is done with the files of the open event's vistels: adding, duplicating, deinterlacing, copying and
+// closing them. What takes long runs as a job with its progress and can be cancelled. Main thread.
+class vistel_files : public QObject {
+    Q_OBJECT
+  public:
+    // All must outlive this. `window` is the dialogs' parent.
+    vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
+                 run_loop& loop);
+    ~vistel_files() override;
+
+    // Chooses movies, then how to add them; with a vistel they are appended to it.
+    void ask_movies(const std::string& vistel);
+    // `vistel` is the one that they were dropped on; empty: none. More than one way to add them is asked for.
+    void add(const QStringList& movies, const std::string& vistel);
+    void add_as(const QStringList& movies, const std::string& vistel, movies_as how);
+    // For the first movie part whose file is not in its place: the movie that the user shows takes it.
+    void ask_missing_movie(const std::string& vistel);
+    void bring_missing_movie(const std::string& vistel, const QString& movie);
+    void ask_name(const std::string& vistel);
+    void remove(const std::string& vistel);
+    void duplicate(const std::string& vistel);
+    void deinterlace(const std::string& vistel);
+    // To a place in the order of the vistels, from 0.
+    void move(const std::string& vistel, std::size_t place);
+    // Into `folder`; empty: the desktop.
+    void copy_movie(const std::string& vistel, const std::string& folder = {});
+    // Asks first; then removes the vistel and moves its data to the trash.
+    void close_for_good(const std::string& vistel);
+    void ask_overlay(const std::string& vistel);
+    void remove_overlay(const std::string& vistel);
+    // A change as one undo step, on record and saved. A refused one is told, and so is one that could not be
+    // saved; whether it was made, saved or not.
+    bool make(const collection_change& change);
+
+  Q_SIGNALS:
+    void told(const vistels::user_message& message);
+
+  private:
+    // The vistels stay in their ready layout.
+    bool make_and_place(collection_change change, const std::string& vistel, const QString& name);
+    void close_now(const std::string& vistel);
+    // Undo may bring back a vistel whose data is in the trash.
+    void bring_back_closed();
+    void play_again(const std::string& vistel);
+    void put_in(const vistel_list& made, const QString& name);
+    new_vistels made_with() const;
+    std::shared_ptr<single_Vistel_CTR> find(const std::string& vistel) const;
+    open_event* event() const;
+    void run(const QString& title, const QString& words, std::function<result<void>(job&)> does,
+             std::function<void()> then, const QString& failed);
+    void tell_failure(const QString& headline, const std::string& message);
+
+    QWidget& window_;
+    collection_view& view_;
+    event_session& session_;
+    const home_places places_;
+    run_loop& loop_;
+    std::unique_ptr<long_work> work_;
+    std::set<std::string> known_;  // the vistels that were there after the last change
+    connection made_;
+};
+
+}  // namespace vistels

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/panes/code_window/code_window_canvas.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+
+#include "shell/kit/theme.h"
+
+namespace vistels {
+
+double code_window_scale(const std::vector<code_button>& buttons, double content, double available) {
+    if (content <= available || content <= 0) return 1;
+    const theme_metrics& metrics = theme::current().metrics;
+    double least = 0;
+    for (const code_button& button : buttons) {
+        least = std::max({least, metrics.button_least_width / std::max(button.place.width(), 1.0),
+                          metrics.button_least_height / std::max(button.place.height(), 1.0)});
+    }
+    return std::clamp(available / content, std::min(least, 1.0), 1.0);
+}
+
+code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("code_window_canvas"));
+    setAccessibleName(tr("Code window"));
+}
+
+void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
+    let_go();  // what is held would never come up otherwise
+    qDeleteAll(widgets_);
+    widgets_.clear();
+    by_uuid_.clear();
+    all_ = std::move(buttons);
+    for (const code_button& button : all_) add(button);
+    // The Tab key goes along the rows as they are seen, not as they were made.
+    std::vector<code_window_button*> seen = widgets_;
+    std::stable_sort(seen.begin(), seen.end(), [](const auto* a, const auto* b) {
+        const QRectF& one = a->button().place;
+        const QRectF& other = b->button().place;
+        if (one.top() != other.top()) return one.top() < other.top();
+        return one.left() < other.left();
+    });
+    for (std::size_t index = 1; index < seen.size(); ++index) setTabOrder(seen[index - 1], seen[index]);
+    fit_to(pane_);
+    update();
+}
+
+void code_window_canvas::add(const code_button& button) {
+    auto* made = new code_window_button(button, this);
+    const std::string uuid = button.uuid;
+    connect(made, &code_window_button::went_down, this,
+            [this, uuid](double clock_seconds) { Q_EMIT went_down(uuid, clock_seconds); });
+    connect(made, &code_window_button::went_up, this,
+            [this, uuid](double clock_seconds) { Q_EMIT went_up(uuid, clock_seconds); });
+    widgets_.push_back(made);
+    by_uuid_[uuid] = made;
+    made->show();
+}
+
+code_window_button* code_window_canvas::button(const std::string& uuid) const {
+    const auto found = by_uuid_.find(uuid);
+    return found == by_uuid_.end() ? nullptr : found->second;
+}
+
+void code_window_canvas::set_state(const std::string& uuid, const code_button_state& state) {
+    if (code_window_button* found = button(uuid)) found->set_state(state);
+}
+
+void code_window_canvas::set_now(double collection_seconds) {
+    for (code_window_button* each : widgets_) each->set_now(collection_seconds);
+}
+
+void code_window_canvas::let_go() {
+    for (code_window_button* each : widgets_) each->let_go();
+}
+
+std::size_t code_window_canvas::down_count() const {
+    return static_cast<std::size_t>(std::count_if(widgets_.begin(), widgets_.end(),
+                                                  [](const auto* each) { return each->state().is_down; }));
+}
+
+QSizeF code_window_canvas::content() const {
+    QRectF whole;
+    for (const code_button& button : all_) whole |= button.place;
+    const int margin = theme::current().metrics.button_margin;
+    return {whole.right() + margin, whole.bottom() + margin};
+}
+
+void code_window_canvas::fit_to(const QSize& pane) {
+    pane_ = pane;
+    const QSizeF whole = content();
+    scale_ = code_window_scale(all_, whole.width(), pane.width());
+    const int margin = code_window_button::margin();
+    for (code_window_button* each : widgets_) {
+        const QRectF& place = each->button().place;
+        // Edges are rounded, not sizes, so that equal gaps stay equal.
+        const QRect face(QPoint(static_cast<int>(std::lround(place.left() * scale_)),
+                                static_cast<int>(std::lround(place.top() * scale_))),
+                         QPoint(static_cast<int>(std::lround(place.right() * scale_)) - 1,
+                                static_cast<int>(std::lround(place.bottom() * scale_)) - 1));
+        each->setGeometry(face.adjusted(-margin, -margin, margin, margin));
+    }
+    resize((whole * scale_).toSize().expandedTo(pane));
+}
+
+void code_window_canvas::paintEvent(QPaintEvent*) {
+    const theme& look = theme::current();
+    QPainter painter(this);
+    painter.fillRect(rect(), look.pane);
+    if (!all_.empty()) return;
+    painter.setFont(theme::font(type_step::secondary));
+    painter.setPen(look.muted);
+    painter.drawText(rect(), Qt::AlignCenter, tr("No buttons"));
+}
+
+}  // namespace vistels

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QWidget>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "shell/panes/code_window/code_window_button.h"
+
+namespace vistels {
+
+// The scale at which a code window as wide as `content` is shown on `available` pixels: never enlarged, and
+// no smaller than leaves each button large enough to be hit.
+double code_window_scale(const std::vector<code_button>& buttons, double content, double available);
+
+// The buttons of a code window on their canvas. Main thread.
+class code_window_canvas final : public QWidget {
+    Q_OBJECT
+  public:
+    explicit code_window_canvas(QWidget* parent);
+
+    void set_buttons(std::vector<code_button> buttons);
+    // Null when there is none of that UUID.
+    code_window_button* button(const std::string& uuid) const;
+    const std::vector<code_window_button*>& buttons() const { return widgets_; }
+    void set_state(const std::string& uuid, const code_button_state& state);
+    void set_now(double collection_seconds);
+    void let_go();
+    std::size_t down_count() const;
+
+    // Lays out for a pane of that size; the canvas takes the size that it needs, at least the pane's.
+    void fit_to(const QSize& pane);
+    double scale() const { return scale_; }
+
+  Q_SIGNALS:
+    void went_down(const std::string& uuid, double clock_seconds);
+    void went_up(const std::string& uuid, double clock_seconds);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void add(const code_button& button);
+    QSizeF content() const;
+
+    std::vector<code_button> all_;
+    std::vector<code_window_button*> widgets_;  // in the order of the code window
+    std::unordered_map<std::string, code_window_button*> by_uuid_;
+    QSize pane_;
+    double scale_ = 1;
+};
+
+}  // namespace vistels

@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <QStringList>
+#include <QTimer>
+#include <QVariantAnimation>
+#include <QWidget>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "shell/kit/drag_watch.h"
+#include "shell/panes/collection/vistel_geometry.h"
+#include "util/colour_text.h"
+
+class QScrollBar;
+
+namespace vistels {
+
+// What the collection's view shows of one vistel.
+struct shown_vistel {
+    std::string uuid;
+    QString name;             // as on its chip: "1 Wide"; empty: it has no chip
+    rectangle frame;          // as fractions of the video area
+    QString problem;          // why it cannot be shown; empty when it can
+    bool has_sound = false;   // it is the one that is heard
+    int order = 0;            // the greater covers the smaller
+    bool is_waiting = false;  // its movie is not ready yet: shown at low opacity
+};
+
+// All vistels of a collection as laid out. Pictures come scaled to picture_size() and are painted as they
+// are. Double click enlarges a vistel and puts it back; a drag of a vistel's name moves it, one of its edges
+// resizes it; while aligning, a drag of its picture shifts its movie. Movies can be dropped on it. Where the
+// layout scrolls, the wheel, the bar at its right and a drag near its upper or lower edge do so. It changes
+// nothing by itself: what the user wants is told by signals. Main thread.
+class collection_view : public QWidget {
+    Q_OBJECT
+  public:
+    explicit collection_view(QWidget* parent = nullptr);
+
+    // `ratio` is the width to height of the video area; 0: as the first frame asks for. An area that scrolls
+    // is as wide as the view and may be higher.
+    void set_vistels(std::vector<shown_vistel> vistels, double ratio = 0, bool scrolls = false);
+    // A null picture keeps the one before. `aspect` is the width to the height of the movie's picture.
+    void set_picture(const std::string& vistel, const QImage& picture, double aspect);
+    // It shows nothing until the next one.
+    void forget_picture(const std::string& vistel);
+    // In place of the picture: there is none before `seconds` of the collection; not finite: there is none.
+    // `marks_start` draws that the movie has not started yet.
+    void set_gap(const std::string& vistel, double seconds, bool marks_start = false);
+    // Its movie is over and the picture its last one: its chip says so.
+    void set_over(const std::string& vistel, bool over);
+    // What stands on its chip; empty: it has none.
+    QString chip_words(const std::string& vistel) const;
+    void set_problem(const std::string& vistel, const QString& problem);
+    // A picture over the vistel's own, `frame` being fractions of that; a null one: none.
+    void set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
+                     double opacity);
+    void set_sound(const std::string& vistel);
+    bool is_heard(const std::string& vistel) const;
+    // Its movie is ready: it is no longer shown at low opacity.
+    void set_ready(const std::string& vistel);
+    // Shown in the middle while it is visible; it is the view's from then on.
+    void set_middle(QWidget* widget);
+    // An empty text puts all back into their places.
+    void set_enlarged(const std::string& vistel);
+    std::string enlarged() const;
+
+    // The vistel that commands act on: the enlarged one, else the one chosen last, else the first.
+    std::string current() const;
+    void set_current(const std::string& vistel);
+    // While aligning, pictures are dragged, not frames.
+    void set_aligning(bool aligning);
+    bool is_aligning() const { return aligning_; }
+    // Words drawn large in a vistel, such as the time that it is shifted by; empty: none.
+    void set_note(const std::string& vistel, const QString& words);
+    QString note_in(const std::string& vistel) const;
+    // Whether a collection is shown, be it one without vistels: movies can be dropped on it.
+    void set_has_collection(bool has_collection);
+    // Whether frames and movies can be changed at all.
+    void set_changeable(bool changeable);
+
+    // As it is drawn now.
+    vistel_arrangement arrangement() const;
+    // Width to height of the vistel's picture, as far as it is known.
+    double picture_aspect() const;
+    bool is_dragging() const { return drag_.has_value(); }
+
+    // How far it is scrolled, in logical pixels. What is wanted beyond what there is counts again when there
+    // is more: in a higher view, or in another layout.
+    int offset() const;
+    void set_offset(double offset);
+    // Scrolls as little as shows all of the vistel.
+    void bring_into_sight(const std::string& vistel);
+    // Whether any of it is seen, or is as soon as no vistel is enlarged.
+    bool is_in_sight(const std::string& vistel) const;
+
+    // The size in device pixels in which a vistel's pictures are wanted.
+    QSize picture_size(const std::string& vistel) const;
+    // Where a vistel is drawn, in logical pixels; empty while another one covers it, outside of the view when
+    // it is scrolled out of sight.
+    QRect place_of(const std::string& vistel) const;
+    // Where its name is drawn; empty when it has none.
+    QRect chip_of(const std::string& vistel) const;
+    // What stands in the vistel in place of a picture; empty when a picture does.
+    QString words_in(const std::string& vistel) const;
+    bool has_picture(const std::string& vistel) const;
+    std::string vistel_at(const QPoint& point) const;
+
+    QSize minimumSizeHint() const override;
+
+  Q_SIGNALS:
+    // Pictures are wanted in other sizes now.
+    void sizes_changed();
+    // Other vistels may be in sight now.
+    void sight_changed();
+    // It is scrolled elsewhere, by the user or with its size.
+    void scrolled(double offset);
+    void enlarge_asked(const QString& vistel);  // empty: all back into their places
+    // The user moved, resized or restacked a vistel; `name` is for the undo menu.
+    void layout_asked(const vistels::vistel_arrangement& wanted, const QString& name);
+    void menu_asked(const QString& vistel, const QPoint& global);
+    void current_changed();
+    // A picture is dragged by so many pixels since the drag began; at its end once more, dropped or kept.
+    void shift_dragged(const QString& vistel, double pixels);
+    void shift_ended(const QString& vistel, double pixels, bool keeps);
+    // Paths of movies; `vistel` is the one that they were dropped on, or empty.
+    void movies_dropped(const QStringList& paths, const QString& vistel, const QPoint& global);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    struct tile {
+        shown_vistel vistel;
+        QImage picture;
+        double aspect = 16.0 / 9;
+        bool in_gap = false;
+        double gap_end = 0;
+        bool marks_start = false;
+        bool is_over = false;
+        QString note;
+        QImage overlay;
+        rectangle overlay_frame;
+        double overlay_opacity = 1;
+    };
+    // A drag from the press on.
+    struct dragging {
+        std::string vistel;
+        frame_drag frame;
+        QPoint pressed;
+        QPoint from;  // the same place in the video area
+        QPoint pointer;
+        Qt::KeyboardModifiers keys;
+        bool shifts = false;  // the movie, not the frame
+        bool moves = false;   // it went farther than a click does
+        double pixels = 0;    // across, since the press
+        dragged_frame now;
+    };
+
+    tile* find(const std::string& vistel);
+    const tile* find(const std::string& vistel) const;
+    const tile* tile_at(const QPoint& point) const;
+    std::vector<const tile*> from_back() const;
+    QRect home_of(const tile& one) const;
+    QRect place(const tile& one) const;
+    QRect chip_in(const QRect& view, const tile& one) const;
+    static QString chip_words_of(const tile& one);
+    frame_grip grip_at(const tile& one, const QPoint& point) const;
+    void lay_out();
+    void make_bar();
+    void place_area();
+    void show_bar();
+    void follow_bar(int value);
+    bool can_scroll() const;
+    void scroll_at_edge(const QPoint& point);
+    void scroll_on();
+    void paint_tile(QPainter& painter, const tile& one) const;
+    void paint_words(QPainter& painter, const QRect& view, const tile& one) const;
+    void paint_gap(QPainter& painter, const QRect& view, const tile& one) const;
+    void paint_overlay(QPainter& painter, const QRect& view, const tile& one) const;
+    void paint_chip(QPainter& painter, const QRect& view, const tile& one) const;
+    void paint_note(QPainter& painter, const QRect& view, const tile& one) const;
+    void paint_ring(QPainter& painter, const QRect& view) const;
+    void paint_grips(QPainter& painter) const;
+    void paint_drop(QPainter& painter) const;
+    void start_ring(const std::string& vistel);
+    void hover(const QPoint& point);
+    frame_drag drag_of(const tile& one, frame_grip grip) const;
+    void drag_to(const QPoint& point, Qt::KeyboardModifiers keys);
+    void end_drag(bool keeps);
+    void ask_layout(const std::string& vistel, const rectangle& frame, const QString& name);
+    bool takes_key(const QKeyEvent& event) const;
+    void choose_next(int direction);
+    void move_by_key(const QKeyEvent& event);
+    void show_drop(const std::optional<std::string>& vistel);
+    void hold_drop(const QPoint& point);
+
+    std::vector<tile> tiles_;
+    double ratio_ = 0;
+    bool scrolls_ = false;
+    QRect area_;  // where it lies now: scrolled, it begins above the view
+    QScrollBar* bar_;
+    double top_widths_ = 0;                // what is scrolled away at the top, in widths of the area
+    std::optional<double> wanted_offset_;  // in pixels, as long as the user has not scrolled
+    double wheel_rest_ = 0;                // pixels
+    QTimer edge_time_{this};
+    int edge_step_ = 0;  // pixels each time
+    QPoint drop_pointer_;
+    std::string enlarged_;
+    std::string leaving_;  // the one on its way back
+    QVariantAnimation growth_;
+    std::string ringed_;
+    QTimer ring_time_;
+    QPointer<QWidget> middle_;
+    std::string current_;
+    bool aligning_ = false;
+    bool changeable_ = true;
+    bool has_collection_ = false;
+    std::string hovered_;
+    frame_grip hovered_grip_;
+    std::optional<dragging> drag_;
+    drag_watch watch_{*this, [this] { end_drag(false); }};
+    std::optional<std::string> drop_;  // movies are held over this vistel, or (empty) beside all
+};
+
+}  // namespace vistels

@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What a timeline's canvas does with the mouse, the wheel and the keys.
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QToolTip>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+#include "shell/kit/theme_time_text.h"
+#include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_state.h"
+
+namespace vistels {
+namespace {
+
+constexpr double wheel_zoom = 1.2;          // for each notch
+constexpr double wheel_scroll_share = 0.1;  // of the width for each notch
+constexpr double notch = 120;               // of a wheel, in the units of its events
+constexpr double drag_from_pixels = 3;      // a press that moves less is a click
+constexpr double shortest_clip_seconds = 0.04;
+
+}  // namespace
+
+bool timeline_canvas::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const hit found = hit_at(help->pos());
+        if (found.clip) {
+            QToolTip::showText(help->globalPos(), description(found), this, clip_place(found));
+        } else {
+            QToolTip::hideText();
+        }
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+QString timeline_canvas::description(const hit& found) const {
+    const timeline_row& row = state_.rows()[found.row];
+    const double start = found.clip->secs_start();
+    const double end = found.clip->secs_end();
+    QString made = QStringLiteral("<b>%1 %2</b><br>%3 – %4 (%5)")
+                       .arg(row.name.toHtmlEscaped())
+                       .arg(found.index + 1)
+                       .arg(time_text(start, time_form::clock), time_text(end, time_form::clock),
+                            time_text(end - start, time_form::clock));
+    if (!found.clip->filtered_in()) made += QStringLiteral("<br><i>%1</i>").arg(tr("filtered out"));
+    const auto qualifiers = found.clip->qualifiers();
+    for (const qual_ITEM& qualifier : *qualifiers) {
+        const QString name = QString::fromStdString(qualifier.name().str()).toHtmlEscaped();
+        const QString category = QString::fromStdString(qualifier.category().str()).toHtmlEscaped();
+        const bool passes = state_.is_filtered() && qualifier.filtered_in();
+        made += (passes ? QStringLiteral("<br><b>%1</b> <i>%2</i>") : QStringLiteral("<br>%1 <i>%2</i>"))
+                    .arg(name, category);
+    }
+    const QString note = QString::fromStdString(found.clip->note_text()).toHtmlEscaped();
+    return note.isEmpty() ? made : made + QStringLiteral("<br>%1").arg(note);
+}
+
+void timeline_canvas::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !state_.has_timeline()) return;
+    const QPointF point = event->position();
+    const hit found = hit_at(point);
+    if (found.what == hit::part::ruler) {
+        drag_ = drag{drag_kind::playhead, found, 0, 0, 0, point, true};
+        // Held by its flag, the playhead does not jump to the pointer.
+        if (flag_place().contains(point.toPoint())) {
+            drag_->grip_seconds = state_.scale().seconds_at(point.x()) - state_.playhead();
+        } else {
+            move_drag(point);
+        }
+    } else if (found.clip) {
+        press_clip(found, *event);
+    } else if ((event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) == 0) {
+        state_.select({});
+        drag_ = drag{drag_kind::playhead, found, 0, 0, 0, point, false};
+    }
+}
+
+void timeline_canvas::press_clip(const hit& found, const QMouseEvent& event) {
+    const std::string clip = found.clip->id();
+    const double start = found.clip->secs_start();
+    const double end = found.clip->secs_end();
+    const double pointer = state_.scale().seconds_at(event.position().x());
+    if ((event.modifiers() & Qt::AltModifier) != 0) {
+        drag_ = drag{drag_kind::copy, found, pointer - start, start, end, event.position(), false};
+        return;
+    }
+    if ((event.modifiers() & Qt::ControlModifier) != 0) {
+        state_.toggle(clip);
+        return;
+    }
+    if ((event.modifiers() & Qt::ShiftModifier) != 0) {
+        state_.extend_to(clip);
+        return;
+    }
+    state_.select({clip});
+    if (found.what == hit::part::clip) {
+        state_.seek(start);
+        return;
+    }
+    const bool at_start = found.what == hit::part::start_edge;
+    drag_ = drag{at_start ? drag_kind::start_edge : drag_kind::end_edge,
+                 found,
+                 pointer - (at_start ? start : end),
+                 start,
+                 end,
+                 event.position(),
+                 false};
+}
+
+void timeline_canvas::mouseMoveEvent(QMouseEvent* event) {
+    if (drag_) {
+        move_drag(event->position());
+    } else {
+        show_cursor(event->position());
+    }
+}
+
+void timeline_canvas::move_drag(const QPointF& point) {
+    if (!drag_->has_moved && std::abs(point.x() - drag_->from.x()) < drag_from_pixels) return;
+    drag_->has_moved = true;
+    const double wanted = state_.scale().seconds_at(point.x()) - drag_->grip_seconds;
+    if (drag_->kind == drag_kind::playhead) {
+        state_.seek(wanted);
+        return;
+    }
+    const std::string clip = drag_->on.clip->id();
+    const double length = drag_->on.clip->secs_end() - drag_->on.clip->secs_start();
+    const double seconds = std::max(state_.snapped(wanted, clip), state_.reach().start_seconds);
+    switch (drag_->kind) {
+        case drag_kind::start_edge:
+            drag_->start = std::min(seconds, drag_->end - shortest_clip_seconds);
+            break;
+        case drag_kind::end_edge:
+            drag_->end = std::max(seconds, drag_->start + shortest_clip_seconds);
+            break;
+        case drag_kind::copy:
+            drag_->start = seconds;
+            drag_->end = seconds + length;
+            break;
+        case drag_kind::playhead:
+            break;
+    }
+    update();
+}
+
+void timeline_canvas::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && drag_) end_drag();
+}
+
+void timeline_canvas::end_drag() {
+    const drag done = *drag_;
+    drag_.reset();
+    update();
+    if (done.kind == drag_kind::playhead) {
+        // A click beside all clips goes there.
+        if (!done.has_moved) state_.seek(state_.scale().seconds_at(done.from.x()));
+        return;
+    }
+    const std::string clip = done.on.clip->id();
+    if (done.kind == drag_kind::copy) {
+        if (done.has_moved) state_.copy(clip, done.start);
+    } else if (done.has_moved) {
+        state_.trim(clip, done.start, done.end);
+    } else {
+        state_.seek(done.start);
+    }
+}
+
+void timeline_canvas::mouseDoubleClickEvent(QMouseEvent* event) {
+    mousePressEvent(event);
+}
+
+void timeline_canvas::show_cursor(const QPointF& point) {
+    const hit found = hit_at(point);
+    const bool on_edge = found.what == hit::part::start_edge || found.what == hit::part::end_edge;
+    const bool on_flag = found.what == hit::part::ruler && flag_place().contains(point.toPoint());
+    setCursor(on_edge || on_flag ? Qt::SizeHorCursor : Qt::ArrowCursor);
+}
+
+void timeline_canvas::leaveEvent(QEvent*) {
+    unsetCursor();
+}
+
+// After a click the ring would only distract: the hand is where the eye is.
+void timeline_canvas::focusInEvent(QFocusEvent* event) {
+    shows_focus_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    update();
+}
+
+void timeline_canvas::focusOutEvent(QFocusEvent*) {
+    shows_focus_ = false;
+    update();
+}
+
+// For assistive programs, which can't see the ring round a clip.
+void timeline_canvas::describe_selection() {
+    QString words;
+    const std::size_t count = state_.selected_count();
+    if (count > 1) words = tr("%1 clips selected").arg(count);
+    for (std::size_t row = 0; count == 1 && row < state_.rows().size(); ++row) {
+        const clip_track& track = state_.rows()[row].selected;
+        if (track.size() == 0) continue;
+        words =
+            tr("%1 %2, %3 to %4")
+                .arg(state_.rows()[row].name)
+                .arg(track[0].index + 1)
+                .arg(time_text(track[0].start, time_form::clock), time_text(track[0].end, time_form::clock));
+    }
+    setAccessibleDescription(words);
+}
+
+void timeline_canvas::wheelEvent(QWheelEvent* event) {
+    const QPoint turned = event->angleDelta();
+    const timeline_scale& scale = state_.scale();
+    event->accept();
+    if ((event->modifiers() & Qt::ControlModifier) != 0) {
+        state_.zoom(std::pow(wheel_zoom, turned.y() / notch), event->position().x());
+        return;
+    }
+    const bool sideways = (event->modifiers() & Qt::ShiftModifier) != 0;
+    const double time_notches = (sideways && turned.x() == 0 ? turned.y() : turned.x()) / notch;
+    if (time_notches != 0) {
+        const double pixels = time_notches * width() * wheel_scroll_share;
+        state_.scroll_to(scale.first_seconds - pixels * scale.seconds_per_pixel);
+        return;
+    }
+    wheel_rest_ += -turned.y() / notch * theme::current().metrics.row_height;
+    const double whole = std::trunc(wheel_rest_);
+    wheel_rest_ -= whole;
+    state_.scroll_rows_to(state_.first_y() + static_cast<int>(whole));
+}
+
+void timeline_canvas::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::SelectAll)) {
+        state_.select_all();
+        return;
+    }
+    const bool alt = (event->modifiers() & Qt::AltModifier) != 0;
+    switch (event->key()) {
+        case Qt::Key_Delete:
+        case Qt::Key_Backspace:
+            state_.delete_selected();
+            return;
+        case Qt::Key_Escape:
+            if (drag_) {
+                drag_.reset();
+                update();
+            } else if (state_.selected_count() > 0) {
+                state_.select({});
+            } else {
+                break;  // whoever is around may have a use for it
+            }
+            return;
+        case Qt::Key_Plus:
+        case Qt::Key_Equal:
+            state_.zoom_in_place(wheel_zoom);
+            return;
+        case Qt::Key_Minus:
+            state_.zoom_in_place(1 / wheel_zoom);
+            return;
+        case Qt::Key_Up:
+            move_to_neighbour(-1, 0);
+            return;
+        case Qt::Key_Down:
+            move_to_neighbour(1, 0);
+            return;
+        case Qt::Key_Left:
+        case Qt::Key_Right:
+            if (!alt) break;
+            move_to_neighbour(0, event->key() == Qt::Key_Left ? -1 : 1);
+            return;
+        default:
+            break;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+// From the selected clip to the one before or after it in its row, or to the nearest one in the next row that
+// has any; without a selection to the clip nearest to the playhead.
+void timeline_canvas::move_to_neighbour(int rows, int clips) {
+    const timeline_rows& all = state_.rows();
+    std::size_t row = 0;
+    while (row < all.size() && all[row].selected.size() == 0) ++row;
+    const bool none = row == all.size();
+    const double seconds = none ? state_.playhead() : all[row].selected[0].start;
+    if (none) {
+        row = 0;
+        while (row < all.size() && all[row].shown.size() == 0) ++row;
+        if (row == all.size()) return;
+    } else {
+        const std::size_t from = row;
+        for (row += static_cast<std::size_t>(rows); row < all.size() && all[row].shown.size() == 0;) {
+            row += static_cast<std::size_t>(rows);
+        }
+        if (row >= all.size()) row = from;
+    }
+    const clip_track& track = all[row].shown;
+    if (track.size() == 0) return;
+    std::size_t nearest = 0;
+    for (std::size_t at = 0; at < track.size(); ++at) {
+        if (std::abs(track[at].start - seconds) < std::abs(track[nearest].start - seconds)) nearest = at;
+    }
+    if (!none && clips < 0 && nearest > 0) --nearest;
+    if (!none && clips > 0 && nearest + 1 < track.size()) ++nearest;
+    if (const auto clip = clip_of(all[row], track[nearest].index)) state_.go_to(clip->id());
+}
+
+}  // namespace vistels

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QColor>
+#include <QString>
+#include <cstdint>
+#include <vector>
+
+#include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_tracks.h"
+#include "timeline/edits/timeline_edit.h"
+#include "timeline/records/sxy_DATA_root.h"
+
+namespace vistels {
+
+// A growing clip of a row.
+struct live_piece {
+    clip_pointer clip;
+    QColor colour;
+};
+
+// One row as it is drawn; made from the record, and anew when that changes.
+struct timeline_row {
+    shared_text uuid;
+    QString name;
+    QColor colour;
+    std::vector<QColor> merged;        // the colours of the rows that it stands for; mostly none
+    std::vector<QColor> palette;       // the colours of its clips
+    std::vector<std::uint8_t> extras;  // of each clip: its stars, has_note, is_filtered_out
+    clip_track shown;                  // all clips, or those that pass the filter
+    clip_track dimmed;                 // those that do not, unless they are hidden
+    clip_track selected;               // those that are not hidden
+    std::uint32_t hidden_selected = 0;
+    std::vector<live_piece> live;
+    std::uint32_t clips = 0;
+    std::uint32_t passing = 0;
+    int top = 0;  // pixels from the first row
+    int height = 0;
+    row_pointer record;
+
+    static constexpr std::uint8_t has_note = 0x80;
+    static constexpr std::uint8_t is_filtered_out = 0x40;
+    static constexpr std::uint8_t stars_mask = 0x3f;
+};
+
+// How rows are shown.
+struct rows_display {
+    bool is_compact = false;          // rows of the usual height are low
+    bool hides_filtered_out = false;  // clips that do not pass the filter are left out, not dimmed
+};
+
+// The rows of a timeline as they are drawn. Main thread.
+class timeline_rows {
+  public:
+    // All rows anew; hidden rows are left out.
+    void read(const sxy_DATA_root& timeline, const theme& look, rows_display display);
+    // The rows in which another clip passes the filter than when they were read. Whether there was one.
+    bool take_verdicts();
+    // What the change touched.
+    void update(const sxy_DATA_root& timeline, const change_set& change, const theme& look);
+    void clear();
+
+    std::size_t size() const { return rows_.size(); }
+    bool empty() const { return rows_.empty(); }
+    const timeline_row& operator[](std::size_t index) const { return rows_[index]; }
+    auto begin() const { return rows_.begin(); }
+    auto end() const { return rows_.end(); }
+    int total_height() const { return rows_.empty() ? 0 : rows_.back().top + rows_.back().height; }
+    // The row at `y` pixels from the first one; size() beyond the last.
+    std::size_t row_at(int y) const;
+    std::size_t row_with(const shared_text& uuid) const;
+
+  private:
+    void read_live(const sxy_DATA_root& timeline);
+
+    std::vector<timeline_row> rows_;
+    rows_display display_;
+};
+
+// The record of a clip of a row; null when the row has changed since.
+clip_pointer clip_of(const timeline_row& row, std::uint32_t index);
+
+}  // namespace vistels

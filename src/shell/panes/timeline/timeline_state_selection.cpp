@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What is selected on a timeline, and the way from clip to clip.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <tuple>
+
+#include "shell/panes/timeline/timeline_state.h"
+
+namespace vistels {
+
+std::vector<std::string> timeline_state::selected() const {
+    std::vector<std::string> found;
+    for (const timeline_row& row : rows_) {
+        for (std::size_t position = 0; position < row.selected.size(); ++position) {
+            if (const auto clip = clip_of(row, row.selected[position].index)) found.push_back(clip->id());
+        }
+    }
+    return found;
+}
+
+std::size_t timeline_state::selected_count() const {
+    std::size_t count = 0;
+    for (const timeline_row& row : rows_) count += row.selected.size();
+    return count;
+}
+
+void timeline_state::mark(const std::vector<std::string>& clips, bool selected, change_set& touched) {
+    for (const std::string& clip : clips) {
+        const auto place = document_->timeline().find_clip(clip);
+        if (!place || place->is_live) continue;
+        place->clip->set_selected(selected);
+        const bool known =
+            std::find(touched.rows.begin(), touched.rows.end(), place->row) != touched.rows.end();
+        if (!known) touched.rows.push_back(place->row);
+    }
+}
+
+void timeline_state::show_marks(const change_set& touched) {
+    rows_.update(document_->timeline(), touched, theme::current());
+    rows_changed.emit();
+    selection_changed.emit();
+}
+
+void timeline_state::select(const std::vector<std::string>& clips) {
+    if (!document_) return;
+    change_set touched;
+    unmark_all(touched);
+    mark(clips, true, touched);
+    last_selected_ = clips.empty() ? std::string() : clips.back();
+    show_marks(touched);
+}
+
+void timeline_state::toggle(const std::string& clip) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place || place->is_live) return;
+    change_set touched;
+    mark({clip}, !place->clip->selected(), touched);
+    last_selected_ = clip;
+    show_marks(touched);
+}
+
+void timeline_state::extend_to(const std::string& clip) {
+    const auto here = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    const auto from = document_ ? document_->timeline().find_clip(last_selected_) : std::nullopt;
+    if (!here || !from || !(here->row == from->row)) {
+        select({clip});
+        return;
+    }
+    const clip_list& clips = document_->timeline().row(here->row)->clips();
+    const auto [first, last] = std::minmax(clips.position(*here->clip), clips.position(*from->clip));
+    std::vector<std::string> wanted;
+    for (std::size_t index = first; index <= last && index < clips.size(); ++index) {
+        // A clip that was filtered out is meant only when it was clicked itself.
+        const bool is_end = clips[index] == here->clip || clips[index] == from->clip;
+        if (is_end || clips[index]->filtered_in()) wanted.push_back(clips[index]->id());
+    }
+    const std::string anchor = last_selected_;
+    select(wanted);
+    last_selected_ = anchor;
+}
+
+template <class Wanted>
+void timeline_state::select_where(Wanted wanted) {
+    if (!document_) return;
+    for (const row_pointer& row : document_->timeline().rows()) {
+        for (const clip_pointer& clip : row->clips()) clip->set_selected(wanted(*clip));
+    }
+    refresh_marks();
+}
+
+void timeline_state::select_all() {
+    select_where([this](const sxy_CLIP& clip) { return !hides_filtered_out() || clip.filtered_in(); });
+}
+
+void timeline_state::select_passing() {
+    select_where([](const sxy_CLIP& clip) { return clip.filtered_in(); });
+}
+
+void timeline_state::refresh_marks() {
+    read_rows();
+    selection_changed.emit();
+}
+
+void timeline_state::unmark_all(change_set& touched) {
+    std::vector<std::string> clips = selected();
+    for (const timeline_row& row : rows_) {
+        if (row.hidden_selected == 0) continue;
+        for (const clip_pointer& clip : row.record->clips()) {
+            if (clip->selected()) clips.push_back(clip->id());
+        }
+    }
+    mark(clips, false, touched);
+}
+
+void timeline_state::go_to(const std::string& clip) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place) return;
+    select({clip});
+    seek(place->clip->secs_start());
+    show(clip);
+}
+
+void timeline_state::show(const std::string& clip) {
+    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
+    if (!place) return;
+    if (!place->clip->selected() || selected_count() != 1) select({clip});
+    const double start = place->clip->secs_start();
+    const double x = scale_.x_of(start);
+    if (x < 0 || x > width_) scroll_to(start - width_ / 2 * scale_.seconds_per_pixel);
+    const std::size_t index = rows_.row_with(place->row);
+    if (index == rows_.size()) return;
+    const timeline_row& row = rows_[index];
+    if (row.top < first_y_) scroll_rows_to(row.top);
+    if (row.top + row.height > first_y_ + rows_height_) scroll_rows_to(row.top + row.height - rows_height_);
+}
+
+std::string timeline_state::passing_clip_beside(int direction) const {
+    // A clip that starts at the playhead is neither before nor after it.
+    constexpr double beside_seconds = 0.02;
+    // Where among all clips: by start, then by row and place in it.
+    using place = std::tuple<double, std::size_t, std::uint32_t>;
+    constexpr std::size_t beyond_rows = std::numeric_limits<std::size_t>::max();
+    place from{playhead_ + direction * beside_seconds, direction > 0 ? beyond_rows : 0, 0};
+    for (std::size_t row = 0; selected_count() == 1 && row < rows_.size(); ++row) {
+        const clip_track& chosen = rows_[row].selected;
+        if (chosen.size() == 0 || std::abs(chosen[0].start - playhead_) > beside_seconds) continue;
+        from = {chosen[0].start, row, chosen[0].index};
+    }
+    std::optional<place> best;
+    for (std::size_t row = 0; row < rows_.size(); ++row) {
+        const clip_track& track = rows_[row].shown;
+        const auto key = [&](std::size_t at) { return place{track[at].start, row, track[at].index}; };
+        std::size_t at = track.first_starting(std::get<0>(from));
+        if (direction > 0) {
+            while (at < track.size() && key(at) <= from) ++at;
+            if (at < track.size() && (!best || key(at) < *best)) best = key(at);
+        } else {
+            while (at < track.size() && key(at) < from) ++at;
+            if (at > 0 && (!best || key(at - 1) > *best)) best = key(at - 1);
+        }
+    }
+    const auto clip = best ? clip_of(rows_[std::get<1>(*best)], std::get<2>(*best)) : nullptr;
+    return clip ? clip->id() : std::string();
+}
+
+}  // namespace vistels

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/window/event_opener.h"
+
+#include <QFileDialog>
+
+#include "app/settings/user_name.h"
+#include "app/vaults/known_vaults.h"
+#include "app/vaults/vaults.h"
+#include "shell/event/event_messages.h"
+#include "shell/event/event_session.h"
+#include "shell/kit/long_work.h"
+#include "shell/kit/work_panel.h"
+#include "shell/panes/side_bar/vault_panels.h"
+#include "util/file_system.h"
+#include "video/video_coll_Files.h"
+#include "video/video_coll_LOAD.h"
+#if VISTELS_HAVE_MEDIA
+#include "demo/demo_event.h"
+#endif
+
+namespace vistels {
+
+event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session,
+                           work_panel& panel)
+    : window_(window), places_(std::move(places)), loop_(loop), session_(session), panel_(&panel) {}
+
+event_opener::~event_opener() = default;
+
+void event_opener::open(const opening& what) {
+    switch (what.what) {
+        case opening::kind::nothing:
+            return;
+        case opening::kind::collection:
+        case opening::kind::timeline:
+            if (const std::string vault = vault_of(what.folder); !vault.empty()) remember_vault(vault);
+            return open_folder(what.folder);
+        case opening::kind::vault:
+            return open_vault(what.folder);
+        case opening::kind::movies:
+            return make_collection(what.movies);
+    }
+}
+
+void event_opener::open_paths(const std::vector<std::string>& paths) {
+    const openings wanted = what_to_open(paths);
+    for (const auto& why : wanted.refused) tell_failure(tr("This can't be opened"), why);
+    if (wanted.found.empty()) {
+        Q_EMIT settled();
+        return;
+    }
+    open(wanted.found.front());
+    for (auto more = wanted.found.begin() + 1; more != wanted.found.end(); ++more) Q_EMIT more_found(*more);
+}
+
+void event_opener::open_folder(const std::string& folder) {
+    if (shown_elsewhere_ && shown_elsewhere_(folder)) {
+        Q_EMIT settled();
+        return;
+    }
+    if (const auto done = session_.open(folder, places_); !done) {
+        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
+                     done.message());
+    }
+    Q_EMIT settled();
+}
+
+void event_opener::remember_vault(const std::string& vault) {
+    if (const auto added = add_known_vault(places_, vault); !added) {
+        tell_failure(tr("The vault is not remembered"), added.message());
+    }
+    Q_EMIT content_changed();
+}
+
+void event_opener::open_vault(const std::string& vault) {
+    remember_vault(vault);
+    const std::string first = first_collection_in(vault);
+    if (!first.empty()) return open_folder(first);
+    Q_EMIT told({user_message::tone::warning,
+                 tr("“%1” holds no collection yet").arg(QString::fromStdString(path_name(vault))),
+                 tr("Make one: File, New Collection, or New Collection from Movies."),
+                 {},
+                 {}});
+    Q_EMIT settled();
+}
+
+void event_opener::open_last_or_demo(const std::string& open_last) {
+    if (!open_last.empty() && !can_be_opened(open_last)) Q_EMIT told(gone_message(open_last));
+    const std::string folder = event_to_reopen(places_, open_last);
+    if (!folder.empty()) return open_folder(folder);
+    make_demo();
+}
+
+void event_opener::make_demo() {
+#if VISTELS_HAVE_MEDIA
+    if (!panel_ || panel_->is_running()) {
+        Q_EMIT settled();
+        return;
+    }
+    demo_options options;
+    options.cameras = demo_cameras_;
+    options.seconds = demo_seconds_;
+    const auto does = [vault = places_.home_vault, options](job& work) -> result<std::string> {
+        auto made = make_demo_collection(vault, options, work);
+        if (!made) return made.error();
+        return made.value().collection;
+    };
+    panel_->start(
+        tr("Making a demo event"),
+        tr("Four cameras film a small game of one minute, and the game is coded. This is done once and takes "
+           "about half a minute; it opens by itself."),
+        does, [this](const result<std::string>& made, bool cancelled) { finish_demo(made, cancelled); });
+#else
+    Q_EMIT settled();
+#endif
+}
+
+void event_opener::finish_demo(const result<std::string>& made, bool cancelled) {
+    Q_EMIT content_changed();
+    if (made && !session_.is_open()) return open_folder(made.value());
+    if (made) {
+        user_message message{
+            user_message::tone::good,
+            tr("The demo event is ready"),
+            tr("It is in the side bar, in “%1”.").arg(QString::fromStdString(path_name(places_.home_vault))),
+            {},
+            {}};
+        Q_EMIT told(message);
+    } else if (!cancelled) {
+        tell_failure(tr("The demo event could not be made"), made.message());
+    }
+    Q_EMIT settled();
+}
+
+void event_opener::set_demo_size(int cameras, int seconds) {
+    demo_cameras_ = cameras;
+    demo_seconds_ = seconds;
+}
+
+std::string event_opener::vault_for_new() const {
+    return focus_vault_of(places_).path;
+}
+
+void event_opener::make_collection(const std::vector<std::string>& movies) {
+    const std::string name = name_from_movies(movies);
+    const std::string vault = vault_for_new();
+    const std::string folder = new_collection_folder(vault, name);
+    const auto does = [folder, name, movies,
+                       user = load_user_name(places_)](job& work) -> result<std::string> {
+        const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work, user);
+        if (!made) return made.error();
+        return folder;
+    };
+    run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),
+        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))), does,
+        tr("The collection could not be made"));
+}
+
+void event_opener::run(const QString& title, const QString& words,
+                       std::function<result<std::string>(job&)> does, const QString& failed) {
+    work_ = std::make_unique<long_work>(title, words, loop_, &window_);
+    work_->start(std::move(does), [this, failed](const result<std::string>& outcome, bool cancelled) {
+        // This runs in the work's own window, which goes when the loop is next at rest.
+        work_.release()->deleteLater();
+        Q_EMIT content_changed();
+        if (outcome) return open_folder(outcome.value());
+        if (!cancelled) tell_failure(failed, outcome.message());
+        Q_EMIT settled();
+    });
+}
+
+void event_opener::tell_failure(const QString& headline, const std::string& message) {
+    Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(message), {}, {}});
+}
+
+void event_opener::ask_new_collection() {
+    const QStringList chosen = QFileDialog::getOpenFileNames(
+        &window_, tr("New Collection from Movies"), {},
+        tr("Movies (*.mp4 *.mov *.m4v *.mkv *.avi *.mts *.m2ts *.webm *.mpg *.ts);;All files (*)"));
+    std::vector<std::string> movies;
+    for (const QString& one : chosen) movies.push_back(one.toStdString());
+    if (!movies.empty()) make_collection(movies);
+}
+
+void event_opener::ask_new_empty() {
+    std::vector<std::string> vaults;
+    for (auto& vault : known_vaults(places_)) {
+        if (is_folder(vault)) vaults.push_back(std::move(vault));
+    }
+    auto* panel = new new_collection_panel(vaults, vault_for_new(), &window_);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    connect(panel, &QDialog::accepted, this, [this, panel] { make_empty(panel->name(), panel->vault()); });
+    panel->open();
+}
+
+// It takes no time: there is nothing to bring.
+void event_opener::make_empty(const std::string& name, const std::string& vault) {
+    const std::string folder = new_collection_folder(vault, name);
+    job work;
+    const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, load_user_name(places_));
+    if (!made) return tell_failure(tr("The collection could not be made"), made.message());
+    Q_EMIT content_changed();
+    open_folder(folder);
+}
+
+void event_opener::ask_open() {
+    const QString start = QString::fromStdString(places_.home_vault);
+    const QString chosen =
+        QFileDialog::getExistingDirectory(&window_, tr("Open a Collection or a Vault"), start);
+    if (!chosen.isEmpty()) open_paths({chosen.toStdString()});
+}
+
+}  // namespace vistels
