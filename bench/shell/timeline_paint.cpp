@@ -15,6 +15,7 @@
 #include "app/event/clip_filtering.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/program/qt_run_loop.h"
 #include "support/measure.h"
@@ -105,7 +106,7 @@ spread measure(const std::function<void()>& work) {
 void paint_every_clip(QPainter& painter, const timeline_document& document, const timeline_scale& scale) {
     painter.setRenderHint(QPainter::Antialiasing);
     const theme& look = theme::current();
-    int y = look.metrics.ruler_height;
+    int y = timeline_sizes.ruler_height;
     for (const row_pointer& row : document.timeline().rows()) {
         const QColor given = to_qt(*row->col());
         for (const clip_pointer& clip : row->clips()) {
@@ -118,7 +119,7 @@ void paint_every_clip(QPainter& painter, const timeline_document& document, cons
             painter.setBrush(fill);
             painter.drawRoundedRect(QRectF(left, y + 3, right - left, 24), 3, 3);
         }
-        y += look.metrics.row_height;
+        y += timeline_sizes.row_height;
     }
 }
 
@@ -193,7 +194,7 @@ int main(int count, char** arguments) {
     timeline_state state;
     state.set_timeline(&document, &playing);
     timeline_canvas canvas(state, nullptr);
-    canvas.resize(width, theme::current().metrics.ruler_height + state.rows().total_height());
+    canvas.resize(width, timeline_sizes.ruler_height + state.rows().total_height());
     canvas.show();
     QApplication::processEvents();
     QImage image(canvas.size(), QImage::Format_RGB32);

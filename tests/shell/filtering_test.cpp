@@ -13,6 +13,7 @@
 #include "shell/kit/inspector_parts.h"
 #include "shell/panes/inspector/clip_title_block.h"
 #include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
 #include "shell/window/window_actions.h"
@@ -69,7 +70,7 @@ class filtering : public testing::shown_event {
     void click(double seconds, int row) {
         const theme_metrics& metrics = theme::current().metrics;
         const timeline_row& shown = view->state().rows()[static_cast<std::size_t>(row)];
-        const int y = metrics.ruler_height + shown.top - view->state().first_y() + shown.height / 2;
+        const int y = timeline_sizes.ruler_height + shown.top - view->state().first_y() + shown.height / 2;
         const int x = static_cast<int>(std::lround(view->state().scale().x_of(seconds)));
         QTest::mouseClick(canvas, Qt::LeftButton, {}, QPoint(x, y));
     }

@@ -15,6 +15,7 @@
 #include "shell/event/event_session.h"
 #include "shell/kit/message_bar.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_names.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
@@ -73,7 +74,7 @@ struct row_names : public ::testing::Test {
         const timeline_state& state = window.timeline().state();
         for (const timeline_row& row : state.rows()) {
             if (row.name != name) continue;
-            return {60, theme::current().metrics.ruler_height + row.top + row.height / 2 - state.first_y()};
+            return {60, timeline_sizes.ruler_height + row.top + row.height / 2 - state.first_y()};
         }
         ADD_FAILURE() << name;
         return {};

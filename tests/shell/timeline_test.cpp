@@ -11,6 +11,7 @@
 
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_parts.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
@@ -181,7 +182,7 @@ class timeline_pane : public ::testing::Test {
 
     QPoint at(double seconds, int row) const {
         const theme_metrics& metrics = theme::current().metrics;
-        const int y = metrics.ruler_height + view_rows()[static_cast<std::size_t>(row)].top + 12;
+        const int y = timeline_sizes.ruler_height + view_rows()[static_cast<std::size_t>(row)].top + 12;
         return {static_cast<int>(std::lround(view_state().scale().x_of(seconds))), y};
     }
     timeline_state& view_state() const { return const_cast<timeline_view&>(view_).state(); }

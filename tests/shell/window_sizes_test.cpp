@@ -20,6 +20,8 @@
 #include "util/file_system.h"
 #if VISTELS_HAVE_MEDIA
 #include "demo/code_plan.h"
+#include "shell/panes/timeline/timeline_metrics.h"
+#include "shell/window/window_metrics.h"
 #endif
 
 namespace vistels {
@@ -156,8 +158,8 @@ TEST_F(window_sizes, outer_columns_lie_over_the_edge_of_narrow_windows_only) {
             EXPECT_FALSE(inspector->isVisible());
         } else {
             EXPECT_FALSE(place_in(*window, *inspector).intersects(before));
-            EXPECT_LE(inspector->width(), theme::current().metrics.inspector_greatest_width);
-            EXPECT_LE(side_bar->width(), theme::current().metrics.side_bar_greatest_width);
+            EXPECT_LE(inspector->width(), window_sizes.inspector_greatest_width);
+            EXPECT_LE(side_bar->width(), window_sizes.side_bar_greatest_width);
         }
     }
 }
@@ -228,10 +230,10 @@ TEST_F(window_sizes, what_is_pressed_while_the_event_runs_keeps_its_size) {
         EXPECT_GE(find<QWidget>("transport.clock")->width(),
                   find<QWidget>("transport.clock")->sizeHint().width());
         const theme_metrics& metrics = theme::current().metrics;
-        const int row =
-            size.height() < metrics.compact_below_height ? metrics.row_small_height : metrics.row_height;
+        const int row = size.height() < timeline_sizes.compact_below_height ? timeline_sizes.row_small_height
+                                                                            : timeline_sizes.row_height;
         const auto* clips = window->findChild<timeline_canvas*>();
-        EXPECT_GE((clips->height() - metrics.ruler_height) / row, 4);
+        EXPECT_GE((clips->height() - timeline_sizes.ruler_height) / row, 4);
         EXPECT_GE(find<QWidget>("collection.view")->height(), size.height() / 5);
     }
 }

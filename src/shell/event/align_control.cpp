@@ -10,6 +10,7 @@
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/collection/align_bar.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_alignment.h"
@@ -140,7 +141,7 @@ void align_control::shift(const QString& vistel, double pixels) {
     const std::string uuid = vistel.toStdString();
     const auto record = event()->collection().find_vistel(uuid);
     if (!record) return;
-    const int frames = dragged_frames(pixels, theme::current().metrics.align_frame_width);
+    const int frames = dragged_frames(pixels, collection_sizes.align_frame_width);
     // What is shown while shifting says nothing, where it comes before the movie's beginning.
     if (!shift_frame_) shift_frame_ = frame_seconds(uuid);
     const double frame = *shift_frame_;
@@ -155,7 +156,7 @@ void align_control::end_shift(const QString& vistel, double pixels, bool keeps) 
     pane_.view().set_note(uuid, {});
     const auto record = event() ? event()->collection().find_vistel(uuid) : nullptr;
     if (!record) return;
-    const int frames = dragged_frames(pixels, theme::current().metrics.align_frame_width);
+    const int frames = dragged_frames(pixels, collection_sizes.align_frame_width);
     const double frame = shift_frame_.value_or(frame_seconds(uuid));
     shift_frame_.reset();
     const double offset = shifted_offset(record->manual_start_offset().value_or(0), frames, frame);

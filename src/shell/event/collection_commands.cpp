@@ -13,6 +13,7 @@
 #include "shell/event/padding_commands.h"
 #include "shell/event/view_offset_keeper.h"
 #include "shell/event/vistel_files.h"
+#include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_pane.h"
@@ -24,7 +25,7 @@ namespace vistels {
 namespace {
 
 QString name_in_menu(const single_Vistel_CTR& vistel) {
-    return menu_words(QString::fromStdString(vistel.name()), theme::current().metrics.menu_greatest_width);
+    return menu_words(QString::fromStdString(vistel.name()), filter_sizes.menu_greatest_width);
 }
 
 }  // namespace

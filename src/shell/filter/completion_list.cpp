@@ -9,6 +9,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "shell/filter/filter_metrics.h"
 #include "shell/kit/theme.h"
 
 namespace vistels {
@@ -83,7 +84,7 @@ class line_painter : public QStyledItemDelegate {
             sizes.elidedText(line.data(Qt::DisplayRole).toString(), Qt::ElideRight, room.width());
         const QColor ground = list_.colours().ground(look, code);
         if (ground.isValid()) {
-            const int padding = look.metrics.token_padding;
+            const int padding = filter_sizes.token_padding;
             const int height = theme::line_height(type_step::body);
             const QRectF place(room.left() - padding, room.center().y() - height / 2.0,
                                sizes.horizontalAdvance(words) + 2.0 * padding, height);
@@ -142,12 +143,12 @@ void completion_list::place(const QRect& under) {
     const QWidget* ground = parentWidget();
     const QRect at(field_->mapTo(ground, under.topLeft()), under.size());
     const int frame = 2 * (metrics.grid + metrics.line);
-    const int wanted = std::min(count(), metrics.completion_lines) * metrics.list_line_height + frame;
+    const int wanted = std::min(count(), filter_sizes.completion_lines) * metrics.list_line_height + frame;
     const int below = ground->height() - at.bottom() - 2 * metrics.grid;
     const int above = at.top() - 2 * metrics.grid;
     const bool goes_below = wanted <= below || below >= above;
     const int height = std::min(wanted, goes_below ? below : above);
-    const int width = std::min(std::max(metrics.completion_width, at.width()), ground->width());
+    const int width = std::min(std::max(filter_sizes.completion_width, at.width()), ground->width());
     const int x = std::clamp(at.left(), 0, std::max(0, ground->width() - width));
     setGeometry(x, goes_below ? at.bottom() + metrics.grid : at.top() - metrics.grid - height, width, height);
 }

@@ -13,6 +13,7 @@
 #include <QToolTip>
 #include <algorithm>
 
+#include "shell/filter/filter_metrics.h"
 #include "shell/kit/theme.h"
 
 namespace vistels {
@@ -72,7 +73,7 @@ filter_editor::filter_editor(QWidget* parent)
     setTabChangesFocus(true);
     setFrameShape(QFrame::NoFrame);
     // Room for the ground of a word at either end.
-    document()->setDocumentMargin(theme::current().metrics.token_padding + theme::current().metrics.line);
+    document()->setDocumentMargin(filter_sizes.token_padding + theme::current().metrics.line);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFixedHeight(sizeHint().height());
     connect(this, &QPlainTextEdit::textChanged, this, &filter_editor::follow_text);
@@ -130,7 +131,7 @@ void filter_editor::use_theme() {
 
 QSize filter_editor::sizeHint() const {
     const int height = fontMetrics().lineSpacing() + 2 * static_cast<int>(document()->documentMargin());
-    return {theme::current().metrics.filter_least_width, height};
+    return {filter_sizes.filter_least_width, height};
 }
 
 QSize filter_editor::minimumSizeHint() const {
@@ -221,7 +222,7 @@ void filter_editor::place_words() {
         return line.cursorToX(composed > 0 && place > layout->preeditAreaPosition() ? place + composed
                                                                                     : place);
     };
-    const int padding = theme::current().metrics.token_padding;
+    const int padding = filter_sizes.token_padding;
     // Qt finds a place by counting from the left: of a long text only what is seen is placed.
     const bool is_long = block.length() > long_text;
     const int first = is_long ? line.xToCursor(-origin.x()) : 0;

@@ -11,6 +11,7 @@
 #include "shell/filter/filter_completer.h"
 #include "shell/filter/filter_editor.h"
 #include "shell/filter/filter_entry.h"
+#include "shell/filter/filter_metrics.h"
 #include "shell/filter/formula_menu.h"
 #include "shell/filter/pattern_menu.h"
 #include "shell/kit/controls.h"
@@ -59,7 +60,7 @@ filter_field::~filter_field() {
 void filter_field::build() {
     const theme_metrics& metrics = theme::current().metrics;
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setFixedHeight(metrics.filter_height + 2 * ring_room());
+    setFixedHeight(filter_sizes.filter_height + 2 * ring_room());
     setMaximumWidth(metrics.filter_width + 2 * ring_room());
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(ring_room() + metrics.grid, ring_room(), ring_room() + metrics.grid,
@@ -75,7 +76,7 @@ void filter_field::build() {
     editor_->setPlaceholderText(tr("Filter clips"));
     line->addWidget(editor_, 1);
     warning_->setObjectName(objectName() + QStringLiteral(".warning"));
-    warning_->setFixedSize(metrics.filter_button, metrics.filter_button);
+    warning_->setFixedSize(filter_sizes.filter_button, filter_sizes.filter_button);
     warning_->setAlignment(Qt::AlignCenter);
     line->addWidget(warning_);
     clear_ = add_button("close", "clear", tr("Clear the filter (Escape)"));
@@ -95,7 +96,7 @@ icon_button* filter_field::add_button(const char* icon, const char* part, const 
     const theme_metrics& metrics = theme::current().metrics;
     auto* button = new icon_button(QLatin1String(icon), tip, this);
     button->setObjectName(objectName() + QLatin1Char('.') + QLatin1String(part));
-    button->set_size(metrics.filter_button, metrics.filter_button, metrics.icon);
+    button->set_size(filter_sizes.filter_button, filter_sizes.filter_button, metrics.icon);
     return button;
 }
 
@@ -156,7 +157,8 @@ void filter_field::place_message() {
     const theme_metrics& metrics = theme::current().metrics;
     QWidget* ground = message_->parentWidget();
     const QPoint at = mapTo(ground, QPoint(ring_room(), height() - ring_room()));
-    const int room = std::min(metrics.message_greatest_width, ground->width() - at.x() - metrics.padding);
+    const int room =
+        std::min(filter_sizes.message_greatest_width, ground->width() - at.x() - metrics.padding);
     const int margins = 2 * (metrics.padding + metrics.line);
     message_->setText(message_->fontMetrics().elidedText(message, Qt::ElideRight, room - margins));
     message_->setToolTip(message);
@@ -230,7 +232,7 @@ QSize filter_field::sizeHint() const {
 }
 
 QSize filter_field::minimumSizeHint() const {
-    return {theme::current().metrics.filter_least_width, height()};
+    return {filter_sizes.filter_least_width, height()};
 }
 
 void filter_field::paintEvent(QPaintEvent*) {

@@ -15,6 +15,7 @@
 #include "shell/filter/filter_editor.h"
 #include "shell/filter/filter_entry.h"
 #include "shell/filter/filter_field.h"
+#include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
 #include "shell/kit/theme.h"
 
@@ -104,8 +105,7 @@ void formula_menu::fill_names(QMenu& menu, const std::string& code) {
         if (shown == most_names) break;
         if (!written_term({code, one.text})) continue;
         ++shown;
-        const QString words =
-            menu_words(QString::fromStdString(one.text), theme::current().metrics.menu_greatest_width);
+        const QString words = menu_words(QString::fromStdString(one.text), filter_sizes.menu_greatest_width);
         const QString uses = QLocale().toString(static_cast<qulonglong>(one.uses));
         connect(menu.addAction(words + QLatin1Char('\t') + uses), &QAction::triggered, this, [this, one] {
             insert({one.code, one.text}, {}, {});
@@ -183,7 +183,7 @@ void formula_menu::add_replacements() {
             if (is_first) addSeparator();
             is_first = false;
             const QString title = QString::fromStdString(replace_operator_title(from.symbol, to.symbol));
-            QAction* action = addAction(menu_words(title, theme::current().metrics.menu_greatest_width));
+            QAction* action = addAction(menu_words(title, filter_sizes.menu_greatest_width));
             action->setData(title);
             connect(action, &QAction::triggered, &field_, [field = &field_, from, to] {
                 filter_editor& editor = field->editor();

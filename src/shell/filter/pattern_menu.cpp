@@ -13,6 +13,7 @@
 #include "shell/filter/filter_editor.h"
 #include "shell/filter/filter_entry.h"
 #include "shell/filter/filter_field.h"
+#include "shell/filter/filter_metrics.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
 
@@ -76,8 +77,7 @@ void pattern_menu::add_patterns(QMenu& menu, const choice& chosen) {
     for (const filter_pattern& one : load_search_patterns(field_.entry()->places())) {
         const QString pattern = QString::fromStdString(one.pattern);
         const QString name = QString::fromStdString(one.name);
-        const QString words =
-            menu_words(name.isEmpty() ? pattern : name, theme::current().metrics.menu_greatest_width);
+        const QString words = menu_words(name.isEmpty() ? pattern : name, filter_sizes.menu_greatest_width);
         QAction* action = menu.addAction(words + QLatin1Char('\t') + date_text(one.date));
         action->setData(QVariantMap{{id_key, id++}, {pattern_key, pattern}});
         action->setProperty(name_property, name);
@@ -99,9 +99,8 @@ void pattern_menu::ask_name(const QString& pattern, const QString& name) {
     dialog->setObjectName(objectName() + QStringLiteral(".ask_name"));
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(tr("Name of the filter"));
-    dialog->setLabelText(
-        tr("The menu and the side bar show this name in place of\n%1")
-            .arg(menu_words(pattern, theme::current().metrics.menu_greatest_width).replace("&&", "&")));
+    dialog->setLabelText(tr("The menu and the side bar show this name in place of\n%1")
+                             .arg(menu_words(pattern, filter_sizes.menu_greatest_width).replace("&&", "&")));
     dialog->setTextValue(name);
     filter_entry* entry = field_.entry();
     connect(dialog, &QInputDialog::textValueSelected, entry,

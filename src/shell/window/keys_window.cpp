@@ -14,6 +14,7 @@
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
 #include "shell/window/window_actions.h"
+#include "shell/window/window_metrics.h"
 
 namespace vistels {
 
@@ -89,7 +90,7 @@ keys_window::keys_window(const window_actions& actions, open_event* event, QWidg
     column->setSpacing(metrics.wide_padding);
     column->addWidget(list);
     column->addWidget(close, 0, Qt::AlignRight);
-    resize(metrics.filter_width, metrics.least_window_height);
+    resize(metrics.filter_width, window_sizes.least_window_height);
 }
 
 }  // namespace vistels

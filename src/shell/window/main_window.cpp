@@ -40,6 +40,7 @@
 #include "shell/window/vault_commands.h"
 #include "shell/window/window_actions.h"
 #include "shell/window/window_frame.h"
+#include "shell/window/window_metrics.h"
 #include "shell/window/work_area.h"
 #include "util/file_system.h"
 
@@ -118,7 +119,7 @@ main_window::~main_window() {
 
 void main_window::build() {
     const theme_metrics& metrics = theme::current().metrics;
-    setMinimumSize(metrics.least_window_width, metrics.least_window_height);
+    setMinimumSize(window_sizes.least_window_width, window_sizes.least_window_height);
     build_menu_bar();
     timeline_->set_filter(filter_);
     inspector_->set_filter(filter_);
@@ -143,7 +144,7 @@ void main_window::build() {
 
 void main_window::build_menu_bar() {
     QMenuBar* bar = menuBar();
-    bar->setFixedHeight(theme::current().metrics.menu_bar_height);
+    bar->setFixedHeight(window_sizes.menu_bar_height);
     bar->setNativeMenuBar(false);
     actions_->fill(*bar);
     bar->setCornerWidget(saved_);

@@ -6,6 +6,7 @@
 
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
+#include "shell/window/window_metrics.h"
 
 namespace vistels {
 
@@ -45,7 +46,7 @@ QSize saved_label::sizeHint() const {
     // Wide enough for any time, so that nothing beside it moves.
     const QFontMetrics words(theme::font(type_step::secondary));
     const int widest = words.horizontalAdvance(tr("Saved %1").arg(QStringLiteral("00:00:00")));
-    return {widest + metrics.icon + metrics.padding + metrics.wide_padding, metrics.menu_bar_height};
+    return {widest + metrics.icon + metrics.padding + metrics.wide_padding, window_sizes.menu_bar_height};
 }
 
 void saved_label::paintEvent(QPaintEvent*) {

@@ -7,6 +7,7 @@
 
 #include "shell/kit/controls.h"
 #include "shell/kit/theme.h"
+#include "shell/window/window_metrics.h"
 
 namespace vistels {
 
@@ -16,7 +17,7 @@ super_tab_row::super_tab_row(const QStringList& names, QWidget* parent)
       left_(new icon_button(QStringLiteral("side-bar-left"), tr("Side bar (Ctrl+B)"), this)),
       right_(new icon_button(QStringLiteral("side-bar-right"), tr("Inspector (Ctrl+I)"), this)) {
     const theme_metrics& metrics = theme::current().metrics;
-    setFixedHeight(metrics.super_tab_height);
+    setFixedHeight(window_sizes.super_tab_height);
     tabs_->setObjectName(QStringLiteral("super_tabs"));
     tabs_->setAccessibleName(tr("Super tabs"));
     tabs_->setExpanding(false);

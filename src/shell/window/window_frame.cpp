@@ -8,6 +8,7 @@
 
 #include "shell/kit/pane_splitter.h"
 #include "shell/kit/theme.h"
+#include "shell/window/window_metrics.h"
 
 namespace vistels {
 
@@ -16,16 +17,16 @@ window_frame::window_frame(QWidget* left, QWidget* middle, QWidget* right, QWidg
     const theme_metrics& metrics = theme::current().metrics;
     left_ = {left,
              new QWidget(this),
-             metrics.side_bar_width,
-             metrics.side_bar_least_width,
-             metrics.side_bar_greatest_width,
-             metrics.small_window_width};
+             window_sizes.side_bar_width,
+             window_sizes.side_bar_least_width,
+             window_sizes.side_bar_greatest_width,
+             window_sizes.small_window_width};
     right_ = {right,
               new QWidget(this),
-              metrics.inspector_width,
+              window_sizes.inspector_width,
               metrics.inspector_least_width,
-              metrics.inspector_greatest_width,
-              metrics.overlay_below_width};
+              window_sizes.inspector_greatest_width,
+              window_sizes.overlay_below_width};
     splitter_->setObjectName(QStringLiteral("columns"));
     splitter_->addWidget(left);
     splitter_->addWidget(middle);

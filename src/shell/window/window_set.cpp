@@ -18,6 +18,7 @@
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
 #include "shell/window/window_list.h"
+#include "shell/window/window_metrics.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
 #include "video/video_coll_LOAD.h"
@@ -178,8 +179,9 @@ window_set::member& window_set::add(member made, window_memory memory) {
         others.begin(), others.end(), [&](const QRect& one) { return one.topLeft() == wanted.topLeft(); });
     if (!memory.is_maximized && stands_on_another) {
         const theme_metrics& metrics = theme::current().metrics;
-        memory.place = cascaded_place(
-            wanted, others, {metrics.least_window_width, metrics.least_window_height}, screen_of(wanted));
+        memory.place = cascaded_place(wanted, others,
+                                      {window_sizes.least_window_width, window_sizes.least_window_height},
+                                      screen_of(wanted));
     }
     made.number = ++last_number_;
     made.window = std::make_unique<main_window>(places_, loop_, content_, std::move(memory));

@@ -6,6 +6,9 @@
 
 #include "shell/kit/pane_splitter.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/collection/collection_metrics.h"
+#include "shell/panes/timeline/timeline_metrics.h"
+#include "shell/window/window_metrics.h"
 
 namespace vistels {
 
@@ -38,16 +41,16 @@ work_sizes plan_work_sizes(QSize room, int code_content, int beside_picture, boo
     work_sizes planned;
     if (with_code) {
         const int greatest = static_cast<int>(room.width() * code_greatest_share);
-        planned.code_width = room.width() <= metrics.least_window_width
+        planned.code_width = room.width() <= window_sizes.least_window_width
                                  ? metrics.small_code_window_width
                                  : std::clamp(code_content, metrics.small_code_window_width, greatest);
     }
     const int picture = static_cast<int>((room.width() - planned.code_width) / picture_aspect);
-    const int beside_rows =
-        metrics.pane_header_with_filter_height + metrics.ruler_height + metrics.whole_event_height;
+    const int beside_rows = timeline_sizes.pane_header_with_filter_height + timeline_sizes.ruler_height +
+                            timeline_sizes.whole_event_height;
     const int timeline = std::clamp(static_cast<int>(room.height() * timeline_least_share),
-                                    beside_rows + metrics.row_small_height * timeline_least_rows,
-                                    beside_rows + metrics.row_height * timeline_enough_rows);
+                                    beside_rows + timeline_sizes.row_small_height * timeline_least_rows,
+                                    beside_rows + timeline_sizes.row_height * timeline_enough_rows);
     planned.upper_height =
         std::max(room.height() / 3, std::min(picture + beside_picture, room.height() - timeline));
     return planned;
@@ -125,8 +128,8 @@ void work_area::resizeEvent(QResizeEvent*) {
 
 void work_area::arrange() {
     const theme_metrics& metrics = theme::current().metrics;
-    const int beside = metrics.pane_header_height + metrics.transport_height + metrics.slider_handle_height +
-                       2 * metrics.focus_ring;
+    const int beside = metrics.pane_header_height + collection_sizes.transport_height +
+                       metrics.slider_handle_height + 2 * metrics.focus_ring;
     work_sizes planned = plan_work_sizes(size(), code_content_width_, beside, shows_code_);
     // The timeline leaves the code window what it needs, where the video would not.
     if (!shows_pictures_ && shows_code_) {

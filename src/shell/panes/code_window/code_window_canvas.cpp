@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "shell/kit/theme.h"
+#include "shell/panes/code_window/code_window_metrics.h"
 
 namespace vistels {
 
@@ -14,8 +15,8 @@ double code_window_scale(const std::vector<code_button>& buttons, double content
     const theme_metrics& metrics = theme::current().metrics;
     double least = 0;
     for (const code_button& button : buttons) {
-        least = std::max({least, metrics.button_least_width / std::max(button.place.width(), 1.0),
-                          metrics.button_least_height / std::max(button.place.height(), 1.0)});
+        least = std::max({least, code_window_sizes.button_least_width / std::max(button.place.width(), 1.0),
+                          code_window_sizes.button_least_height / std::max(button.place.height(), 1.0)});
     }
     return std::clamp(available / content, std::min(least, 1.0), 1.0);
 }
@@ -82,7 +83,7 @@ std::size_t code_window_canvas::down_count() const {
 QSizeF code_window_canvas::content() const {
     QRectF whole;
     for (const code_button& button : all_) whole |= button.place;
-    const int margin = theme::current().metrics.button_margin;
+    const int margin = code_window_sizes.button_margin;
     return {whole.right() + margin, whole.bottom() + margin};
 }
 

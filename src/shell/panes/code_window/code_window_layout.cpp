@@ -4,6 +4,7 @@
 
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_button.h"
+#include "shell/panes/code_window/code_window_metrics.h"
 
 namespace vistels {
 namespace {
@@ -48,21 +49,23 @@ code_button_layout code_button_layout_of(const code_button& button, const QRectF
     const name_try small(smaller, button.name);
 
     code_button_layout made;
-    made.cap = cap_in(button, face, metrics.key_cap, metrics.grid);
-    QRectF room = face.adjusted(metrics.button_text_indent, metrics.grid, -metrics.grid, -metrics.grid);
-    if (button.marks == code_button::band::left) room.setLeft(room.left() + metrics.clip_band);
-    if (button.marks == code_button::band::below) room.setBottom(room.bottom() - metrics.qualifier_band);
+    made.cap = cap_in(button, face, code_window_sizes.key_cap, metrics.grid);
+    QRectF room =
+        face.adjusted(code_window_sizes.button_text_indent, metrics.grid, -metrics.grid, -metrics.grid);
+    if (button.marks == code_button::band::left) room.setLeft(room.left() + code_window_sizes.clip_band);
+    if (button.marks == code_button::band::below)
+        room.setBottom(room.bottom() - code_window_sizes.qualifier_band);
     // What is tight first loses the room below the name, then of the key.
-    const double cap_bottom = face.top() + metrics.grid + metrics.key_cap;
+    const double cap_bottom = face.top() + metrics.grid + code_window_sizes.key_cap;
     const auto is_tight = [&] { return small.ink_top(room.bottom()) < cap_bottom + least_gap; };
     if (is_tight()) room.setBottom(room.bottom() + metrics.grid);
     const bool is_low = is_tight();
     if (is_low) {
-        made.cap = cap_in(button, face, metrics.key_cap_small, metrics.grid / 2);
+        made.cap = cap_in(button, face, code_window_sizes.key_cap_small, metrics.grid / 2);
         room.setTop(face.top() + metrics.grid / 2.0);
     }
-    made.corner =
-        QRectF(room.left(), face.top() + metrics.grid, made.cap.left() - room.left(), metrics.key_cap);
+    made.corner = QRectF(room.left(), face.top() + metrics.grid, made.cap.left() - room.left(),
+                         code_window_sizes.key_cap);
     made.has_corner = !is_low;
 
     QRectF beside = room;

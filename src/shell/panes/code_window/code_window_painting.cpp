@@ -7,6 +7,7 @@
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/code_window/code_window_button.h"
+#include "shell/panes/code_window/code_window_metrics.h"
 
 namespace vistels {
 namespace {
@@ -70,8 +71,9 @@ void paint_ground(QPainter& painter, const theme& look, const code_button& butto
         }
     }
     QRectF band = face;
-    if (button.marks == code_button::band::left) band.setWidth(metrics.clip_band);
-    if (button.marks == code_button::band::below) band.setTop(face.bottom() - metrics.qualifier_band);
+    if (button.marks == code_button::band::left) band.setWidth(code_window_sizes.clip_band);
+    if (button.marks == code_button::band::below)
+        band.setTop(face.bottom() - code_window_sizes.qualifier_band);
     if (button.marks != code_button::band::none) painter.fillRect(band, colours.band);
     painter.restore();
     painter.setBrush(Qt::NoBrush);

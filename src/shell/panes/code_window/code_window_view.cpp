@@ -10,6 +10,7 @@
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_canvas.h"
+#include "shell/panes/code_window/code_window_metrics.h"
 
 namespace vistels {
 
@@ -95,7 +96,8 @@ QSize code_window_view::sizeHint() const {
     const QSizeF content = whole.isEmpty()
                                ? QSizeF(metrics.small_code_window_width, metrics.small_code_window_width)
                                : QSizeF(whole.right(), whole.bottom());
-    return (content + QSizeF(metrics.button_margin, metrics.button_margin + metrics.pane_header_height))
+    return (content + QSizeF(code_window_sizes.button_margin,
+                             code_window_sizes.button_margin + metrics.pane_header_height))
         .toSize();
 }
 

@@ -13,6 +13,7 @@
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/collection/buttons_Adjust_Offsets.h"
+#include "shell/panes/collection/collection_metrics.h"
 
 namespace vistels {
 
@@ -58,7 +59,7 @@ align_bar::align_bar(QWidget* parent) : QWidget(parent) {
 QWidget* align_bar::make_offset_line() {
     auto* whole = new QWidget(this);
     auto* line = make_line(whole);
-    name_ = new cut_label(type_step::title, {}, theme::current().metrics.align_name_width, whole);
+    name_ = new cut_label(type_step::title, {}, collection_sizes.align_name_width, whole);
     name_->setObjectName(QStringLiteral("align.vistel"));
     auto* what = make_label(tr("Offset"), type_step::secondary, QStringLiteral("muted"), whole);
     offset_ = make_field(QStringLiteral("align.offset"),
@@ -76,8 +77,8 @@ QWidget* align_bar::make_offset_line() {
     same_ = make_push_button(tr("Same Moment"), QStringLiteral("first"), whole);
     same_->setObjectName(QStringLiteral("align.same"));
     same_->setToolTip(tr("This vistel shows the marked instant now: bring both into step"));
-    marked_ = new cut_label(type_step::secondary, QStringLiteral("muted"),
-                            theme::current().metrics.align_name_width, whole);
+    marked_ = new cut_label(type_step::secondary, QStringLiteral("muted"), collection_sizes.align_name_width,
+                            whole);
     marked_->setObjectName(QStringLiteral("align.marked"));
     unmark_ = new icon_button(QStringLiteral("close"), tr("Forget the marked moment"), whole);
     unmark_->setObjectName(QStringLiteral("align.unmark"));

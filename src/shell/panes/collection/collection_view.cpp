@@ -9,6 +9,7 @@
 
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/vistel_layout.h"
 
 namespace vistels {
@@ -193,8 +194,7 @@ collection_view::tile* collection_view::find(const std::string& vistel) {
 
 QRect collection_view::home_of(const tile& one) const {
     const bool is_dragged = drag_ && drag_->moves && !drag_->shifts && drag_->vistel == one.vistel.uuid;
-    return view_of(area_, is_dragged ? drag_->now.frame : one.vistel.frame,
-                   theme::current().metrics.vistel_gap);
+    return view_of(area_, is_dragged ? drag_->now.frame : one.vistel.frame, collection_sizes.vistel_gap);
 }
 
 QRect collection_view::place(const tile& one) const {

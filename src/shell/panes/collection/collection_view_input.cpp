@@ -13,6 +13,7 @@
 
 #include "app/start/openings.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_view.h"
 #include "util/file_system.h"
 #include "video/video_coll_Files.h"
@@ -61,7 +62,7 @@ frame_grip collection_view::grip_at(const tile& one, const QPoint& point) const 
         whole.whole = true;
         return whole;
     }
-    return edges_at(view, point, theme::current().metrics.vistel_grip);
+    return edges_at(view, point, collection_sizes.vistel_grip);
 }
 
 void collection_view::hover(const QPoint& point) {
@@ -85,8 +86,8 @@ frame_drag collection_view::drag_of(const tile& one, frame_grip grip) const {
         if (other.vistel.uuid != one.vistel.uuid) drag.others.push_back(other.vistel.frame);
     }
     drag.area = area_.size();
-    drag.snap_pixels = metrics.vistel_snap;
-    drag.least_pixels = metrics.vistel_least;
+    drag.snap_pixels = collection_sizes.vistel_snap;
+    drag.least_pixels = collection_sizes.vistel_least;
     return drag;
 }
 
@@ -272,7 +273,7 @@ void collection_view::move_by_key(const QKeyEvent& event) {
     frame_drag drag = drag_of(*one, grip);
     // A step by key goes where it is told to, lines or not.
     drag.snap_pixels = 0;
-    const int step = theme::current().metrics.vistel_key_step;
+    const int step = collection_sizes.vistel_key_step;
     const int x = event.key() == Qt::Key_Left ? -step : event.key() == Qt::Key_Right ? step : 0;
     const int y = event.key() == Qt::Key_Up ? -step : event.key() == Qt::Key_Down ? step : 0;
     const rectangle frame = drag_frame(drag, QPointF(x, y)).frame;

@@ -8,6 +8,7 @@
 #include "shell/kit/controls.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_layout.h"
 
@@ -85,8 +86,8 @@ void collection_view::paint_overlay(QPainter& painter, const QRect& view, const 
 
 void collection_view::paint_ring(QPainter& painter, const QRect& view) const {
     const theme& look = theme::current();
-    const double half = look.metrics.vistel_ring / 2.0;
-    painter.setPen(QPen(look.video_label, look.metrics.vistel_ring));
+    const double half = collection_sizes.vistel_ring / 2.0;
+    painter.setPen(QPen(look.video_label, collection_sizes.vistel_ring));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(QRectF(view).adjusted(half, half, -half, -half));
 }
@@ -161,7 +162,7 @@ QRect collection_view::chip_in(const QRect& view, const tile& one) const {
     const QFontMetrics words(theme::font(type_step::secondary_strong));
     int width = words.horizontalAdvance(name) + 2 * metrics.padding;
     if (one.vistel.has_sound) width += metrics.icon + metrics.grid;
-    const int height = metrics.vistel_label_height;
+    const int height = collection_sizes.vistel_label_height;
     return {view.left() + metrics.padding, view.bottom() - metrics.padding - height + 1,
             std::min(width, view.width() - 2 * metrics.padding), height};
 }
@@ -227,7 +228,7 @@ void collection_view::paint_grips(QPainter& painter) const {
     const QRect view = place(*held);
     if (!grip.whole || drags_frame) paint_ring(painter, view);
     if (!grip.whole) {
-        const int side = metrics.vistel_handle;
+        const int side = collection_sizes.vistel_handle;
         painter.setPen(QPen(look.video_label_ground, metrics.line));
         painter.setBrush(look.video_label);
         for (const int x : {view.left(), view.right() - side + 1}) {
@@ -251,8 +252,8 @@ void collection_view::paint_drop(QPainter& painter) const {
     if (!drop_) return;
     const theme& look = theme::current();
     const tile* over = find(*drop_);
-    const double half = look.metrics.vistel_ring / 2.0;
-    painter.setPen(QPen(look.accent, look.metrics.vistel_ring));
+    const double half = collection_sizes.vistel_ring / 2.0;
+    painter.setPen(QPen(look.accent, collection_sizes.vistel_ring));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(QRectF(over ? place(*over) : rect()).adjusted(half, half, -half, -half));
 }

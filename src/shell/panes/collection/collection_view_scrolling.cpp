@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "shell/kit/theme.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_layout.h"
 
@@ -56,7 +57,7 @@ void collection_view::place_area() {
         bar_->setGeometry(width() - wide, 0, wide, height());
         bar_->setRange(0, over);
         bar_->setPageStep(std::max(1, height()));
-        bar_->setSingleStep(theme::current().metrics.row_height);
+        bar_->setSingleStep(collection_sizes.scroll_step);
         bar_->setValue(static_cast<int>(
             std::lround(std::clamp(wanted_offset_.value_or(top_widths_ * area_.width()), 0.0, over * 1.0))));
     }
@@ -103,7 +104,7 @@ void collection_view::bring_into_sight(const std::string& vistel) {
     const tile* one = find(vistel);
     if (!one || bar_->maximum() == 0) return;
     // With the gap below it, as whole lines of vistels are seen.
-    const QRect home = home_of(*one).adjusted(0, 0, 0, theme::current().metrics.vistel_gap);
+    const QRect home = home_of(*one).adjusted(0, 0, 0, collection_sizes.vistel_gap);
     int by = 0;
     if (home.top() < 0 || home.height() > height()) {
         by = home.top();
@@ -134,13 +135,13 @@ void collection_view::wheelEvent(QWheelEvent* event) {
 // While something is held near the upper or lower edge it goes on by itself, faster farther out.
 void collection_view::scroll_at_edge(const QPoint& point) {
     const theme_metrics& metrics = theme::current().metrics;
-    const int zone = std::min(metrics.vistel_scroll_edge, height() / 4);
+    const int zone = std::min(collection_sizes.vistel_scroll_edge, height() / 4);
     // What was taken up in the zone has to be moved farther out.
     const int from = drag_ ? drag_->pressed.y() : height() / 2;
     const int above = std::min(zone, from) - point.y();
     const int below = point.y() - std::max(height() - 1 - zone, from);
     const int depth = above > 0 ? -above : std::max(0, below);
-    const int farthest = metrics.vistel_scroll_step;
+    const int farthest = collection_sizes.vistel_scroll_step;
     edge_step_ = zone > 0 ? std::clamp(depth * farthest / zone, -farthest, farthest) : 0;
     const bool has_room = edge_step_ < 0 ? bar_->value() > 0 : bar_->value() < bar_->maximum();
     if (!can_scroll() || edge_step_ == 0 || !has_room) return edge_time_.stop();

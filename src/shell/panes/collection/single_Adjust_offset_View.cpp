@@ -11,6 +11,7 @@
 #include "shell/kit/controls.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
+#include "shell/panes/collection/collection_metrics.h"
 
 namespace vistels {
 
@@ -137,7 +138,7 @@ void single_Adjust_offset_View::mouseMoveEvent(QMouseEvent* event) {
     drag_->moves = true;
     drag_->gap = drag_->gap_at_mouse_down + moved.x() * drag_->seconds_per_pixel;
     // A little over the edge is a hand that wants the edge.
-    const double near_to_nothing = theme::current().metrics.vistel_snap * drag_->seconds_per_pixel;
+    const double near_to_nothing = collection_sizes.vistel_snap * drag_->seconds_per_pixel;
     if (std::abs(drag_->gap) < near_to_nothing) drag_->gap = 0;
     const QRect room = rect().adjusted(0, -height(), 0, height());
     drag_->is_valid = drag_->gap >= 0 && room.contains(point);

@@ -11,6 +11,7 @@
 #include "shell/kit/controls.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
+#include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/volume_popover.h"
 
 namespace vistels {
@@ -126,9 +127,12 @@ void transport_bar::build() {
     position_->set_has_handle(true);
     position_->set_step(0.01);
     volume_->setFixedWidth(metrics.volume_width);
-    back_->set_size(metrics.step_button, metrics.step_button, metrics.icon_transport);
-    forward_->set_size(metrics.step_button, metrics.step_button, metrics.icon_transport);
-    play_->set_size(metrics.play_width, metrics.play_height, metrics.icon_transport);
+    back_->set_size(collection_sizes.step_button, collection_sizes.step_button,
+                    collection_sizes.icon_transport);
+    forward_->set_size(collection_sizes.step_button, collection_sizes.step_button,
+                       collection_sizes.icon_transport);
+    play_->set_size(collection_sizes.play_width, collection_sizes.play_height,
+                    collection_sizes.icon_transport);
     play_->set_framed(true);
     loop_->setCheckable(true);
     mute_->setCheckable(true);
@@ -159,7 +163,7 @@ void transport_bar::build() {
     slider_row->addWidget(position_);
     rows->addLayout(slider_row);
     rows->addLayout(parts_);
-    setFixedHeight(metrics.transport_height + position_->sizeHint().height());
+    setFixedHeight(collection_sizes.transport_height + position_->sizeHint().height());
 }
 
 void transport_bar::connect_parts() {

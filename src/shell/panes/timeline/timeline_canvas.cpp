@@ -8,6 +8,7 @@
 #include <numbers>
 
 #include "shell/kit/controls.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 
 namespace vistels {
@@ -38,34 +39,34 @@ timeline_painter& timeline_canvas::painter_in_use() {
 
 QRect timeline_canvas::row_place(std::size_t row) const {
     const timeline_row& shown = state_.rows()[row];
-    const int ruler = theme::current().metrics.ruler_height;
+    const int ruler = timeline_sizes.ruler_height;
     return {0, ruler + shown.top - state_.first_y(), width(), shown.height};
 }
 
 QRect timeline_canvas::flag_place() const {
     const theme_metrics& metrics = theme::current().metrics;
     const int x = static_cast<int>(std::lround(state_.scale().x_of(state_.playhead())));
-    const int left = std::clamp(x - metrics.playhead_flag_width / 2, 0,
-                                std::max(0, width() - metrics.playhead_flag_width));
-    return {left, (metrics.ruler_height - metrics.playhead_flag_height) / 2, metrics.playhead_flag_width,
-            metrics.playhead_flag_height};
+    const int left = std::clamp(x - timeline_sizes.playhead_flag_width / 2, 0,
+                                std::max(0, width() - timeline_sizes.playhead_flag_width));
+    return {left, (timeline_sizes.ruler_height - timeline_sizes.playhead_flag_height) / 2,
+            timeline_sizes.playhead_flag_width, timeline_sizes.playhead_flag_height};
 }
 
 timeline_canvas::hit timeline_canvas::hit_at(const QPointF& point) const {
     const theme_metrics& metrics = theme::current().metrics;
     hit found;
-    if (point.y() < metrics.ruler_height) {
+    if (point.y() < timeline_sizes.ruler_height) {
         found.what = hit::part::ruler;
         return found;
     }
-    const int y = static_cast<int>(point.y()) - metrics.ruler_height + state_.first_y();
+    const int y = static_cast<int>(point.y()) - timeline_sizes.ruler_height + state_.first_y();
     found.row = state_.rows().row_at(y);
     if (found.row == state_.rows().size()) return found;
     found.what = hit::part::row;
     const timeline_row& row = state_.rows()[found.row];
     const timeline_scale& scale = state_.scale();
     const double seconds = scale.seconds_at(point.x());
-    const double tolerance = metrics.clip_merge_below * scale.seconds_per_pixel;
+    const double tolerance = timeline_sizes.clip_merge_below * scale.seconds_per_pixel;
     // From the one drawn last, which lies on top.
     for (const clip_track* track : {&row.selected, &row.shown, &row.dimmed}) {
         const std::size_t at = track->at(seconds, tolerance);
@@ -77,7 +78,7 @@ timeline_canvas::hit timeline_canvas::hit_at(const QPointF& point) const {
         const double left = scale.x_of(clip.start);
         const double right = scale.x_of(clip.end);
         // A short clip keeps a middle that can be pressed.
-        const double grip = std::min<double>(metrics.edge_grip, (right - left) / 4);
+        const double grip = std::min<double>(timeline_sizes.edge_grip, (right - left) / 4);
         if (point.x() < left + grip) found.what = hit::part::start_edge;
         if (point.x() > right - grip) found.what = hit::part::end_edge;
         return found;
@@ -95,21 +96,21 @@ QRect timeline_canvas::clip_place(const hit& found) const {
 
 void timeline_canvas::resizeEvent(QResizeEvent*) {
     state_.set_width(width());
-    state_.set_rows_height(height() - theme::current().metrics.ruler_height);
+    state_.set_rows_height(height() - timeline_sizes.ruler_height);
 }
 
 // Only what the playhead leaves and where it comes, unless the ground moved as well.
 void timeline_canvas::follow_playhead() {
     const theme_metrics& metrics = theme::current().metrics;
     const double x = state_.scale().x_of(state_.playhead());
-    const int reach = metrics.playhead_flag_width;
+    const int reach = timeline_sizes.playhead_flag_width;
     const int left = static_cast<int>(std::min(x, painted_playhead_x_)) - reach;
     const int right = static_cast<int>(std::max(x, painted_playhead_x_)) + reach;
-    update(QRect(left, 0, right - left, metrics.ruler_height));
+    update(QRect(left, 0, right - left, timeline_sizes.ruler_height));
     const int edge = metrics.playhead_width + metrics.playhead_gap;
     const int from = static_cast<int>(std::min(x, painted_playhead_x_)) - edge;
     const int to = static_cast<int>(std::max(x, painted_playhead_x_)) + edge + 1;
-    update(QRect(from, metrics.ruler_height, to - from, height()));
+    update(QRect(from, timeline_sizes.ruler_height, to - from, height()));
     for (std::size_t index = 0; index < state_.rows().size(); ++index) {
         for (const live_piece& piece : state_.rows()[index].live) {
             const int start = static_cast<int>(state_.scale().x_of(piece.clip->secs_start())) - edge;
@@ -127,10 +128,10 @@ void timeline_canvas::paintEvent(QPaintEvent* event) {
     const double x = state_.scale().x_of(state_.playhead());
     painted_playhead_x_ = x;
     painter.setClipRegion(event->region());
-    if (dirty.bottom() >= metrics.ruler_height) paint_rows(painter, dirty);
+    if (dirty.bottom() >= timeline_sizes.ruler_height) paint_rows(painter, dirty);
     painter.setClipRegion(event->region());
     const QRect flag = state_.has_timeline() ? flag_place() : QRect();
-    const QRect ruler(0, 0, width(), metrics.ruler_height);
+    const QRect ruler(0, 0, width(), timeline_sizes.ruler_height);
     if (dirty.intersects(ruler)) parts.paint_ruler(painter, state_.scale(), ruler, flag);
     if (state_.has_timeline()) {
         if (x >= -metrics.playhead_width && x <= width() + metrics.playhead_width) {
@@ -145,7 +146,7 @@ void timeline_canvas::paintEvent(QPaintEvent* event) {
 void timeline_canvas::paint_rows(QPainter& painter, const QRect& dirty) {
     const theme& look = theme::current();
     const theme_metrics& metrics = look.metrics;
-    const QRect ground(0, metrics.ruler_height, width(), height() - metrics.ruler_height);
+    const QRect ground(0, timeline_sizes.ruler_height, width(), height() - timeline_sizes.ruler_height);
     painter.setClipRect(ground, Qt::IntersectClip);
     painter.fillRect(ground.intersected(dirty), look.pane);
     const int x = static_cast<int>(std::clamp(state_.scale().x_of(state_.playhead()), -1.0, width() + 1.0));

@@ -9,6 +9,7 @@
 
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 
 namespace vistels {
@@ -227,7 +228,7 @@ void timeline_canvas::wheelEvent(QWheelEvent* event) {
         state_.scroll_to(scale.first_seconds - pixels * scale.seconds_per_pixel);
         return;
     }
-    wheel_rest_ += -turned.y() / notch * theme::current().metrics.row_height;
+    wheel_rest_ += -turned.y() / notch * timeline_sizes.row_height;
     const double whole = std::trunc(wheel_rest_);
     wheel_rest_ -= whole;
     state_.scroll_rows_to(state_.first_y() + static_cast<int>(whole));

@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 
 namespace vistels {
@@ -112,11 +113,11 @@ void timeline_names::paintEvent(QPaintEvent*) {
     const theme_metrics& metrics = look.metrics;
     QPainter painter(this);
     painter.fillRect(rect(), look.pane);
-    const QRect head(0, 0, width(), metrics.ruler_height);
-    painter.setClipRect(rect().adjusted(0, metrics.ruler_height, 0, 0));
+    const QRect head(0, 0, width(), timeline_sizes.ruler_height);
+    painter.setClipRect(rect().adjusted(0, timeline_sizes.ruler_height, 0, 0));
     for (const timeline_row& row : state_.rows()) {
-        const QRect place(0, metrics.ruler_height + row.top - state_.first_y(), width(), row.height);
-        if (place.bottom() < metrics.ruler_height) continue;
+        const QRect place(0, timeline_sizes.ruler_height + row.top - state_.first_y(), width(), row.height);
+        if (place.bottom() < timeline_sizes.ruler_height) continue;
         if (place.top() > height()) break;
         if (is_chosen(row.uuid)) painter.fillRect(place, look.accent_ground);
         painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
@@ -161,13 +162,13 @@ bool timeline_names::event(QEvent* event) {
 
 void timeline_names::wheelEvent(QWheelEvent* event) {
     constexpr int notch = 120;
-    const int rows = event->angleDelta().y() * theme::current().metrics.row_height / notch;
+    const int rows = event->angleDelta().y() * timeline_sizes.row_height / notch;
     state_.scroll_rows_to(state_.first_y() - rows);
     event->accept();
 }
 
 std::size_t timeline_names::row_at(int y) const {
-    const int below = y - theme::current().metrics.ruler_height;
+    const int below = y - timeline_sizes.ruler_height;
     return below < 0 ? state_.rows().size() : state_.rows().row_at(below + state_.first_y());
 }
 
@@ -254,7 +255,7 @@ void timeline_names::contextMenuEvent(QContextMenuEvent* event) {
         const std::size_t index = state_.rows().row_with(current_);
         if (index == state_.rows().size()) return;
         const timeline_row& row = state_.rows()[index];
-        const int y = theme::current().metrics.ruler_height + row.top + row.height - state_.first_y();
+        const int y = timeline_sizes.ruler_height + row.top + row.height - state_.first_y();
         return show_menu(mapToGlobal(QPoint(theme::current().metrics.wide_padding, y)));
     }
     const std::size_t index = row_at(event->pos().y());

@@ -9,6 +9,7 @@
 
 #include "shell/kit/icons.h"
 #include "shell/kit/theme_time_text.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 
 namespace vistels {
 namespace {
@@ -36,7 +37,7 @@ void timeline_painter::paint_clips(QPainter& painter, const timeline_row& row, c
         for (const timeline_bar& bar : bars_) {
             if (place.left() + bar.right < dirty.left() - reach) continue;
             if (place.left() + bar.left > dirty.right() + reach) continue;
-            if (!selected && bar.right - bar.left < metrics.clip_narrow_below - 1) {
+            if (!selected && bar.right - bar.left < timeline_sizes.clip_narrow_below - 1) {
                 add_narrow(row, bar, place.width());
             } else {
                 paint_bar(painter, row, bar, place, selected);
@@ -44,9 +45,9 @@ void timeline_painter::paint_clips(QPainter& painter, const timeline_row& row, c
         }
         paint_narrow(painter, place);
     };
-    const double merge = metrics.clip_merge_below;
-    const double gap = metrics.clip_gap_below;
-    const double marked = metrics.clip_least_marked;
+    const double merge = timeline_sizes.clip_merge_below;
+    const double gap = timeline_sizes.clip_gap_below;
+    const double marked = timeline_sizes.clip_least_marked;
     const bool filtered = row.passing < row.clips;
     if (row.dimmed.size() > 0) paint_track(row.dimmed, {merge, gap, 1}, false);
     paint_track(row.shown, {merge, gap, filtered ? marked : 1}, false);
@@ -75,8 +76,8 @@ QRect timeline_painter::box_of(const timeline_bar& bar, const QRect& place) cons
     const theme_metrics& metrics = look_.metrics;
     const int left = place.left() + to_pixel(bar.left);
     const int right = std::max(place.left() + to_pixel(bar.right), left + 1);
-    return {left, place.top() + metrics.clip_inset, right - left,
-            place.height() - 2 * metrics.clip_inset - metrics.line};
+    return {left, place.top() + timeline_sizes.clip_inset, right - left,
+            place.height() - 2 * timeline_sizes.clip_inset - metrics.line};
 }
 
 void timeline_painter::add_narrow(const timeline_row& row, const timeline_bar& bar, int width) {
@@ -90,7 +91,7 @@ void timeline_painter::add_narrow(const timeline_row& row, const timeline_bar& b
     const int from = to_pixel(bar.left * ratio_);
     const int to = std::max(to_pixel(bar.right * ratio_), from + 1);
     const int line = std::max(1, to_pixel(look_.metrics.line * ratio_));
-    const bool has_edge = to - from >= to_pixel(look_.metrics.clip_merge_below * ratio_);
+    const bool has_edge = to - from >= to_pixel(timeline_sizes.clip_merge_below * ratio_);
     const coat& colours = worn(row.palette[bar.colour]).of(bar.dimmed);
     const QRgb edge = has_edge ? colours.edge.rgb() : colours.fill.rgb();
     const QRgb fill = colours.fill.rgb();
@@ -108,7 +109,8 @@ void timeline_painter::add_narrow(const timeline_row& row, const timeline_bar& b
 void timeline_painter::paint_narrow(QPainter& painter, const QRect& place) {
     if (narrow_.first >= narrow_.end) return;
     const theme_metrics& metrics = look_.metrics;
-    const QRect box = place.adjusted(0, metrics.clip_inset, 0, -metrics.clip_inset - metrics.line);
+    const QRect box =
+        place.adjusted(0, timeline_sizes.clip_inset, 0, -timeline_sizes.clip_inset - metrics.line);
     const int width = static_cast<int>(narrow_.end - narrow_.first);
     const int height = to_pixel(box.height() * ratio_);
     const int line = std::max(1, to_pixel(metrics.line * ratio_));
@@ -137,7 +139,7 @@ void timeline_painter::paint_bar(QPainter& painter, const timeline_row& row, con
     const QRect box = box_of(bar, place);
     const QColor& colour = row.palette[bar.colour];
     paint_box(painter, box, selected ? selected_coat(colour, bar.dimmed) : worn(colour).of(bar.dimmed));
-    if (bar.count > 1 || bar.dimmed || box.width() < look_.metrics.clip_number_from) return;
+    if (bar.count > 1 || bar.dimmed || box.width() < timeline_sizes.clip_number_from) return;
     paint_label(painter, row, bar, box, worn(colour).ink);
 }
 
@@ -146,12 +148,12 @@ void timeline_painter::paint_box(QPainter& painter, const QRect& box, const coat
     const theme_metrics& metrics = look_.metrics;
     const int gap = metrics.playhead_gap;
     const int ring = metrics.focus_ring;
-    if (box.width() < metrics.clip_narrow_below) {
+    if (box.width() < timeline_sizes.clip_narrow_below) {
         if (colours.ring.isValid()) {
             painter.fillRect(box.adjusted(-ring - gap, -ring - gap, ring + gap, ring + gap), colours.ring);
             painter.fillRect(box.adjusted(-gap, -gap, gap, gap), look_.selection_gap);
         }
-        if (box.width() < metrics.clip_merge_below) {
+        if (box.width() < timeline_sizes.clip_merge_below) {
             painter.fillRect(box, colours.fill);
             return;
         }
@@ -220,19 +222,19 @@ void timeline_painter::paint_label(QPainter& painter, const timeline_row& row, c
     const theme_metrics& metrics = look_.metrics;
     const std::uint8_t extras = bar.index < row.extras.size() ? row.extras[bar.index] : std::uint8_t{0};
     int right = box.right() - 1;
-    if ((extras & timeline_row::has_note) != 0 && box.width() >= metrics.clip_note_from) {
+    if ((extras & timeline_row::has_note) != 0 && box.width() >= timeline_sizes.clip_note_from) {
         paint_fold(painter, box, look_.clip_edge(row.palette[bar.colour]));
     }
-    if (box.width() >= metrics.clip_stars_from) {
+    if (box.width() >= timeline_sizes.clip_stars_from) {
         right = paint_stars(painter, box, extras & timeline_row::stars_mask, ink);
     }
-    int x = paint_cut(painter, box.left() + metrics.clip_label_indent, box, right,
+    int x = paint_cut(painter, box.left() + timeline_sizes.clip_label_indent, box, right,
                       number_picture(bar.index + 1, ink));
-    if (box.width() < metrics.clip_qualifier_from) return;
+    if (box.width() < timeline_sizes.clip_qualifier_from) return;
     const clip_pointer clip = clip_of(row, bar.index);
     if (!clip) return;
     const auto qualifiers = clip->qualifiers();
-    const std::size_t most = box.width() >= metrics.clip_second_qualifier_from ? 2 : 1;
+    const std::size_t most = box.width() >= timeline_sizes.clip_second_qualifier_from ? 2 : 1;
     for (std::size_t index = 0; index < std::min(most, qualifiers->size()); ++index) {
         x = paint_cut(painter, x + metrics.grid, box, right, name_picture((*qualifiers)[index].name(), ink));
     }
@@ -280,10 +282,10 @@ QPixmap timeline_painter::text_as_picture(const QString& text, const QColor& ink
 
 // Returns where the stars begin.
 int timeline_painter::paint_stars(QPainter& painter, const QRect& box, int stars, const QColor& ink) {
-    const int side = look_.metrics.clip_star;
+    const int side = timeline_sizes.clip_star;
     QPixmap& picture = stars_[ink.rgb()];
     if (picture.isNull()) picture = icon_pixmap(QStringLiteral("star-on"), ink, side, ratio_);
-    int x = box.right() - look_.metrics.clip_label_indent;
+    int x = box.right() - timeline_sizes.clip_label_indent;
     for (int star = 0; star < stars; ++star) {
         x -= side;
         painter.drawPixmap(x, box.center().y() - side / 2, picture);
@@ -292,7 +294,7 @@ int timeline_painter::paint_stars(QPainter& painter, const QRect& box, int stars
 }
 
 void timeline_painter::paint_fold(QPainter& painter, const QRect& box, const QColor& edge) const {
-    const double fold = look_.metrics.clip_note_fold;
+    const double fold = timeline_sizes.clip_note_fold;
     const QPointF corner(box.right() + 1, box.top());
     const QPointF left = corner - QPointF(fold, 0);
     const QPointF below = corner + QPointF(0, fold);
@@ -315,8 +317,8 @@ void timeline_painter::paint_live(QPainter& painter, const timeline_row& row, co
         const double right = std::clamp(scale.x_of(std::max(start, now)) - line, left, beyond);
         const int x = place.left() + to_pixel(left);
         const int width = std::max(to_pixel(right) - to_pixel(left), metrics.live_edge);
-        const QRect box(x, place.top() + metrics.clip_inset, width,
-                        place.height() - 2 * metrics.clip_inset - metrics.line);
+        const QRect box(x, place.top() + timeline_sizes.clip_inset, width,
+                        place.height() - 2 * timeline_sizes.clip_inset - metrics.line);
         paint_box(painter, box, worn(piece.colour).plain);
         painter.save();
         painter.setClipRect(box.adjusted(1, 1, -1, -1), Qt::IntersectClip);
@@ -332,16 +334,17 @@ void timeline_painter::paint_live(QPainter& painter, const timeline_row& row, co
         edge.setAlphaF(static_cast<float>(pulse));
         painter.fillRect(
             QRect(box.right() + 1 - metrics.live_edge, box.top(), metrics.live_edge, box.height()), edge);
-        if (box.width() < metrics.clip_qualifier_from) continue;
+        if (box.width() < timeline_sizes.clip_qualifier_from) continue;
         painter.setPen(ink_on(look_, piece.colour));
-        draw_time_text(painter, box.adjusted(metrics.clip_label_indent, 0, 0, 0), Qt::AlignLeft,
+        draw_time_text(painter, box.adjusted(timeline_sizes.clip_label_indent, 0, 0, 0), Qt::AlignLeft,
                        time_text(now - start, time_form::run_time), label_font_);
     }
 }
 
 void timeline_painter::paint_ghost(QPainter& painter, const QColor& colour, const QRect& place) {
     const theme_metrics& metrics = look_.metrics;
-    const QRect box = place.adjusted(0, metrics.clip_inset, 0, -metrics.clip_inset - metrics.line);
+    const QRect box =
+        place.adjusted(0, timeline_sizes.clip_inset, 0, -timeline_sizes.clip_inset - metrics.line);
     paint_box(painter, box, selected_coat(colour, false));
 }
 
@@ -350,8 +353,8 @@ void timeline_painter::paint_ruler(QPainter& painter, const timeline_scale& scal
     const theme_metrics& metrics = look_.metrics;
     painter.fillRect(place, look_.window);
     painter.fillRect(QRect(place.left(), place.bottom(), place.width(), metrics.line), look_.line);
-    const ruler_steps steps =
-        ruler_steps_for(scale.seconds_per_pixel, metrics.major_tick_distance, metrics.minor_tick_distance);
+    const ruler_steps steps = ruler_steps_for(scale.seconds_per_pixel, timeline_sizes.major_tick_distance,
+                                              timeline_sizes.minor_tick_distance);
     const double minor = steps.major_seconds / steps.minor_parts;
     const QFont font = theme::font(type_step::smallest);
     const QColor minor_colour = mix(look_.edge, look_.window, look_.edge_share);
@@ -360,9 +363,9 @@ void timeline_painter::paint_ruler(QPainter& painter, const timeline_scale& scal
     for (long long tick = first;; ++tick) {
         const double seconds = static_cast<double>(tick) * minor;
         const int x = place.left() + to_pixel(scale.x_of(seconds));
-        if (x > place.right() + metrics.major_tick_distance) break;
+        if (x > place.right() + timeline_sizes.major_tick_distance) break;
         const bool is_major = tick % steps.minor_parts == 0;
-        const int length = is_major ? metrics.major_tick_length : metrics.minor_tick_length;
+        const int length = is_major ? timeline_sizes.major_tick_length : timeline_sizes.minor_tick_length;
         painter.fillRect(QRect(x, place.bottom() - length, metrics.line, length),
                          is_major ? look_.edge : minor_colour);
         if (!is_major) continue;

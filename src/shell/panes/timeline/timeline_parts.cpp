@@ -9,6 +9,7 @@
 
 #include "shell/kit/controls.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 
 namespace vistels {
@@ -32,8 +33,9 @@ timeline_whole_event::timeline_whole_event(timeline_state& state, QWidget* paren
 
 QRect timeline_whole_event::strip() const {
     const theme_metrics& metrics = theme::current().metrics;
-    const int left = metrics.row_names_width + metrics.padding;
-    return {left, metrics.grid, std::max(1, width() - left - metrics.padding), metrics.whole_event_height};
+    const int left = timeline_sizes.row_names_width + metrics.padding;
+    return {left, metrics.grid, std::max(1, width() - left - metrics.padding),
+            timeline_sizes.whole_event_height};
 }
 
 double timeline_whole_event::x_of(double seconds) const {
@@ -101,7 +103,7 @@ void timeline_whole_event::paintEvent(QPaintEvent*) {
     painter.fillRect(QRect(0, 0, width(), metrics.line), look.line);
     painter.setFont(theme::font(type_step::smallest));
     painter.setPen(look.muted);
-    painter.drawText(QRect(metrics.wide_padding, 0, metrics.row_names_width, height()),
+    painter.drawText(QRect(metrics.wide_padding, 0, timeline_sizes.row_names_width, height()),
                      Qt::AlignVCenter | Qt::AlignLeft, tr("Whole event"));
     if (clips_.isNull()) paint_clips();
     painter.drawPixmap(strip().topLeft(), clips_);

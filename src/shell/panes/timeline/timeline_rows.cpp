@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "timeline/edits/row_compaction.h"
 #include "util/colour_text.h"
 
@@ -34,8 +35,9 @@ class row_palette {
 
 int height_of(const sxy_ROW& record, const theme_metrics& metrics, bool compact) {
     const double stored = record.height();
-    if (compact && stored == sxy_ROW::default_height) return metrics.row_small_height;
-    return std::clamp(static_cast<int>(stored), metrics.row_least_height, metrics.row_greatest_height);
+    if (compact && stored == sxy_ROW::default_height) return timeline_sizes.row_small_height;
+    return std::clamp(static_cast<int>(stored), timeline_sizes.row_least_height,
+                      timeline_sizes.row_greatest_height);
 }
 
 std::vector<QColor> merged_colours(const sxy_ROW& record, const theme& look) {

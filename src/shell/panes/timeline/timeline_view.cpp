@@ -16,6 +16,7 @@
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_canvas.h"
+#include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_names.h"
 #include "shell/panes/timeline/timeline_parts.h"
 #include "shell/panes/timeline/timeline_state.h"
@@ -60,7 +61,7 @@ timeline_view::~timeline_view() {
 
 void timeline_view::build_header() {
     header_ = new pane_header(QStringLiteral("timeline"), tr("Timeline"), this);
-    header_->setFixedHeight(theme::current().metrics.pane_header_with_filter_height);
+    header_->setFixedHeight(timeline_sizes.pane_header_with_filter_height);
     build_filter();
     const auto add = [this](const char* icon, const char* name, const QString& tip) {
         auto* button = new icon_button(QLatin1String(icon), tip, this);
@@ -79,7 +80,7 @@ void timeline_view::build_header() {
     zoom_->setAccessibleName(tr("Zoom"));
     zoom_->setToolTip(tr("Zoom"));
     zoom_->set_has_handle(true);
-    zoom_->setFixedWidth(theme::current().metrics.zoom_slider_width);
+    zoom_->setFixedWidth(timeline_sizes.zoom_slider_width);
     header_->add_control(zoom_);
     connect(zoom_, &value_slider::moved, this, [this](double share) {
         state_->set_scale(scale_with_share(state_->reach(), state_->scale(), share, state_->zoom_anchor()));
@@ -148,7 +149,7 @@ void timeline_view::show_playing(std::size_t playing, std::size_t total) {
 
 void timeline_view::place_note() {
     if (note_->isHidden()) return;
-    note_->place_in(canvas_->rect().adjusted(0, theme::current().metrics.ruler_height, 0, 0));
+    note_->place_in(canvas_->rect().adjusted(0, timeline_sizes.ruler_height, 0, 0));
 }
 
 void timeline_view::set_reach(double start_seconds, double end_seconds) {
@@ -215,7 +216,7 @@ void timeline_view::follow_rows() {
 
 void timeline_view::show_counts() {
     const std::size_t selected = state_->selected_count();
-    const bool has_room = width() >= theme::current().metrics.selected_count_from;
+    const bool has_room = width() >= timeline_sizes.selected_count_from;
     selected_->setText(tr("%1 selected").arg(selected));
     // The clip that plays is the selected one.
     selected_->setVisible(selected > 0 && has_room && !plays_passing_);
@@ -223,21 +224,22 @@ void timeline_view::show_counts() {
 
 void timeline_view::place_parts() {
     const theme_metrics& metrics = theme::current().metrics;
-    const int head = metrics.pane_header_with_filter_height;
-    const int foot = metrics.whole_event_height + 2 * metrics.grid;
-    const int middle = std::max(metrics.ruler_height + metrics.row_least_height, height() - head - foot);
-    const int rows_height = middle - metrics.ruler_height;
+    const int head = timeline_sizes.pane_header_with_filter_height;
+    const int foot = timeline_sizes.whole_event_height + 2 * metrics.grid;
+    const int middle =
+        std::max(timeline_sizes.ruler_height + timeline_sizes.row_least_height, height() - head - foot);
+    const int rows_height = middle - timeline_sizes.ruler_height;
     header_->setGeometry(0, 0, width(), head);
-    names_->setGeometry(0, head, metrics.row_names_width, middle);
-    canvas_->setGeometry(metrics.row_names_width, head, std::max(1, width() - metrics.row_names_width),
-                         middle);
+    names_->setGeometry(0, head, timeline_sizes.row_names_width, middle);
+    canvas_->setGeometry(timeline_sizes.row_names_width, head,
+                         std::max(1, width() - timeline_sizes.row_names_width), middle);
     whole_->setGeometry(0, head + middle, width(), foot);
     const int too_much = state_->rows().total_height() - rows_height;
     const int bar = rows_bar_->sizeHint().width();
-    rows_bar_->setGeometry(width() - bar, head + metrics.ruler_height, bar, rows_height);
+    rows_bar_->setGeometry(width() - bar, head + timeline_sizes.ruler_height, bar, rows_height);
     rows_bar_->setRange(0, std::max(0, too_much));
     rows_bar_->setPageStep(std::max(1, rows_height));
-    rows_bar_->setSingleStep(metrics.row_height);
+    rows_bar_->setSingleStep(timeline_sizes.row_height);
     rows_bar_->setValue(state_->first_y());
     rows_bar_->setVisible(too_much > 0);
     place_note();
@@ -245,7 +247,7 @@ void timeline_view::place_parts() {
 
 void timeline_view::resizeEvent(QResizeEvent*) {
     const theme_metrics& metrics = theme::current().metrics;
-    state_->set_compact(window()->height() < metrics.compact_below_height);
+    state_->set_compact(window()->height() < timeline_sizes.compact_below_height);
     place_parts();
     show_counts();
 }
