@@ -83,7 +83,7 @@ struct new_values {
 
 result<command_outcome> make_new(const new_values& values, command_line& line) {
     const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
-    const auto made = new_collection(values.folder, values.name, values.movies, how, line.long_work(),
+    const auto made = new_collection(values.folder, values.name, values.movies, how, line.command_job(),
                                      load_user_name(line.places()));
     if (!made) return made.error();
     return show_collection(values.folder, line.places());
@@ -128,7 +128,8 @@ result<command_outcome> pad(const padding_values& values, command_line& line) {
                                           : padding_command::remove_offsets_and_padding;
     const auto planned = plan_padding(changes.collection(), command);
     if (!planned) return failure{"\"" + values.folder + "\" was not changed: " + planned.message()};
-    if (auto made = make_padding_files(planned.value().files, changes.blank_movie(), line.long_work()); !made)
+    if (auto made = make_padding_files(planned.value().files, changes.blank_movie(), line.command_job());
+        !made)
         return made.error();
     auto changed = changes.make(planned.value().change);
     remove_unused_padding_files(changes.collection());

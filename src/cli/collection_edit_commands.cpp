@@ -100,7 +100,7 @@ result<command_outcome> append(edit_values values, command_line& line,
     values.vistel = values.to;
     part_list brought;
     const auto bring = [&](auto&, const auto& vistel) -> result<collection_change> {
-        auto made = bring_parts(vistel, movies, line.long_work());
+        auto made = bring_parts(vistel, movies, line.command_job());
         if (!made) return made.error();
         brought = std::move(made).value();
         return plan_more_parts(vistel.uuid(), brought);
@@ -115,7 +115,7 @@ result<command_outcome> add(const edit_values& values, command_line& line) {
     vistel_list brought;
     const auto bring = [&](headless_changes& changes) -> result<collection_change> {
         const auto how = values.append ? movies_as::one_vistel : movies_as::vistel_each;
-        auto made = make_vistels(made_with(values, line.places()), movies.value(), how, line.long_work());
+        auto made = make_vistels(made_with(values, line.places()), movies.value(), how, line.command_job());
         if (!made) return made.error();
         brought = std::move(made).value();
         return plan_new_vistels(brought, changes.timeline());
@@ -140,7 +140,7 @@ result<command_outcome> move(const edit_values& values, command_line& line) {
 result<command_outcome> duplicate(const edit_values& values, command_line& line) {
     vistel_list brought;
     const auto clone = [&](headless_changes& changes, const auto& vistel) -> result<collection_change> {
-        auto made = duplicate_vistel(vistel, made_with(values, line.places()), line.long_work());
+        auto made = duplicate_vistel(vistel, made_with(values, line.places()), line.command_job());
         if (!made) return made.error();
         brought = {std::move(made).value()};
         return plan_new_vistels(brought, changes.timeline());
@@ -165,7 +165,7 @@ result<command_outcome> close_for_good(const edit_values& values, command_line& 
 result<command_outcome> deinterlace(const edit_values& values, command_line& line) {
     part_list brought;
     const auto replace = [&](auto&, const auto& vistel) -> result<collection_change> {
-        auto made = deinterlaced_parts(vistel, line.long_work());
+        auto made = deinterlaced_parts(vistel, line.command_job());
         if (!made) return made.error();
         brought = std::move(made).value();
         return plan_other_parts(vistel.uuid(), brought);
@@ -176,7 +176,7 @@ result<command_outcome> deinterlace(const edit_values& values, command_line& lin
 result<command_outcome> overlay(const edit_values& values, command_line& line) {
     return change_vistel(values, line, [&](auto&, const auto& vistel) -> result<collection_change> {
         if (values.remove || values.files.empty()) return plan_overlay(vistel.uuid(), std::nullopt);
-        auto brought = bring_overlay(vistel, values.files.front(), line.long_work());
+        auto brought = bring_overlay(vistel, values.files.front(), line.command_job());
         if (!brought) return brought.error();
         return plan_overlay(vistel.uuid(), std::move(brought).value());
     });
@@ -191,7 +191,7 @@ result<command_outcome> copy(const edit_values& values, command_line& line) {
     }
     const std::string to = values.to.empty() ? line.places().desktop : values.to;
     if (auto made = values.to.empty() ? make_folders(to) : result<void>(); !made) return made.error();
-    const auto copies = copy_vistel_movie(*vistel, to, line.long_work());
+    const auto copies = copy_vistel_movie(*vistel, to, line.command_job());
     if (!copies) return copies.error();
     property_dictionary printed;
     printed.add("files", property_array(copies.value().begin(), copies.value().end()));

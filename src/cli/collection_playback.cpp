@@ -41,7 +41,7 @@ property_value time_or_null(const std::optional<double>& seconds) {
 }
 
 result<command_outcome> run_frame(const frame_values& values, command_line& line) {
-    headless_playback shown(line.long_work());
+    headless_playback shown(line.command_job());
     if (auto opened = shown.open(values.folder, line.places(), values.vistel); !opened) return opened.error();
     if (auto settled = shown.seek(values.time); !settled) return settled.error();
     const auto composed = shown.compose();
@@ -65,7 +65,7 @@ result<command_outcome> run_frame(const frame_values& values, command_line& line
 }
 
 result<command_outcome> run_seek(const seek_values& values, command_line& line) {
-    headless_playback shown(line.long_work());
+    headless_playback shown(line.command_job());
     if (auto opened = shown.open(values.folder, line.places(), {}); !opened) return opened.error();
     shown.set_view_sizes(play_width, play_height);
     std::vector<double> times;
@@ -89,14 +89,14 @@ result<command_outcome> run_seek(const seek_values& values, command_line& line) 
         }
         one.add("frame_times", std::move(frame_times));
         printed.emplace_back(std::move(one));
-        line.long_work().set_progress(static_cast<double>(printed.size()) /
-                                      static_cast<double>(times.size()));
+        line.command_job().set_progress(static_cast<double>(printed.size()) /
+                                        static_cast<double>(times.size()));
     }
     return command_outcome{std::move(printed)};
 }
 
 result<command_outcome> run_play(const play_values& values, command_line& line) {
-    headless_playback shown(line.long_work());
+    headless_playback shown(line.command_job());
     if (auto opened = shown.open(values.folder, line.places(), {}); !opened) return opened.error();
     shown.set_view_sizes(play_width, play_height);
     auto& playback = shown.playback();
@@ -111,12 +111,12 @@ result<command_outcome> run_play(const play_values& values, command_line& line) 
     playback.play();
     shown.run(seconds, [&] {
         if (seconds > 0)
-            line.long_work().set_progress(std::min((shown.clock_seconds() - begun) / seconds, 1.0));
+            line.command_job().set_progress(std::min((shown.clock_seconds() - begun) / seconds, 1.0));
         return !playback.is_playing();
     });
     const double played = shown.clock_seconds() - begun;
     playback.pause();
-    if (line.long_work().is_cancelled()) return failure{"Playing \"" + values.folder + "\" was cancelled."};
+    if (line.command_job().is_cancelled()) return failure{"Playing \"" + values.folder + "\" was cancelled."};
     property_dictionary printed;
     printed.add("seconds", played);
     printed.add("rate", playback.rate());

@@ -47,7 +47,7 @@ class command_line {
     const work& chosen() const { return chosen_; }
     home_places places() const { return find_home_places(home_); }
     // Cancelled by Ctrl-C.
-    job& long_work() { return job_; }
+    job& command_job() { return job_; }
     std::string& home() { return home_; }
 
   private:

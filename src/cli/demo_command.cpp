@@ -22,7 +22,7 @@ result<command_outcome> make_demo(const demo_values& values, command_line& line)
     demo_options options;
     options.cameras = values.cameras;
     options.seconds = values.seconds;
-    const auto made = make_demo_event(absolute_path(values.parent), options, line.long_work());
+    const auto made = make_demo_event(absolute_path(values.parent), options, line.command_job());
     if (!made) return made.error();
     const auto& paths = made.value();
     property_dictionary printed;

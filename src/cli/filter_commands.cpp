@@ -91,8 +91,8 @@ result<command_outcome> filter_each(const filter_values& values, job& work) {
 void register_filter_commands(CLI::App& program, command_line& line) {
     const auto values = std::make_shared<filter_values>();
     const auto run = [values, &line] {
-        return values->file.empty() ? filter_once(*values, line.long_work())
-                                    : filter_each(*values, line.long_work());
+        return values->file.empty() ? filter_once(*values, line.command_job())
+                                    : filter_each(*values, line.command_job());
     };
     CLI::App* command = line.command(program, "filter", "apply filter texts to every clip", run);
     line.add_text(command, "SOURCE", values->source, "folder, .plist or .json file")->required();

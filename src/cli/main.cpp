@@ -52,11 +52,11 @@ void show_progress(double fraction) {
 }
 
 int run_chosen(command_line& line) {
-    cancel_on_signals(line.long_work());
+    cancel_on_signals(line.command_job());
     const auto done = line.chosen()();
     cancelled_by_signal = nullptr;
     // Work that broke off left its line standing.
-    if (::isatty(STDERR_FILENO) && line.long_work().progress() < 1) std::fputs(no_progress, stderr);
+    if (::isatty(STDERR_FILENO) && line.command_job().progress() < 1) std::fputs(no_progress, stderr);
     if (!done) {
         complain(done.message());
         return exit_failed;

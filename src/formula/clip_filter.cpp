@@ -5,8 +5,8 @@
 #include <array>
 #include <utility>
 
-#include "formula/clip_walk.h"
 #include "formula/filter_program.h"
+#include "formula/prefetching_visit.h"
 #include "formula/star_text.h"
 #include "formula/text_memo.h"
 #include "formula/word_matching.h"
@@ -317,7 +317,7 @@ template <class Marks, class GoOn>
 std::size_t clip_filter::engine::walk_row(const sxy_ROW& row, Marks& marks, const GoOn& go_on) {
     const word_bits begin = row_bits(&row);
     std::size_t passing = 0;
-    clip_walk clips(row.clips());
+    prefetching_visit clips(row.clips());
     const auto visit = [&](const sxy_CLIP& clip) { passing += decide_one(clip, begin, marks) ? 1 : 0; };
     while (const std::size_t count = clips.visit_some(visit)) {
         if (!go_on(count)) break;
@@ -474,7 +474,7 @@ void unfilter(const sxy_CLIP& clip) {
 void unfilter(const std::vector<row_pointer>& rows) {
     marks_that_differ marks(marks_written{});
     for (const auto& row : rows) {
-        clip_walk clips(row->clips());
+        prefetching_visit clips(row->clips());
         while (clips.visit_some([&](const sxy_CLIP& clip) { unfilter_one(clip, marks); }) > 0) {
         }
         row->set_filtered_in_count(static_cast<int>(row->clips().size()));

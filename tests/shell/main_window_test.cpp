@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 #include "app/start/start_up.h"
 #include "logger/press_engine.h"
 #include "shell/event/event_session.h"

@@ -14,8 +14,8 @@
 #include "shell/keys/key_strokes.h"
 #include "shell/kit/controls.h"
 #include "shell/kit/inspector_parts.h"
-#include "shell/kit/long_work.h"
 #include "shell/kit/pane_splitter.h"
+#include "shell/kit/progress_dialog.h"
 #include "shell/panes/collection/transport_bar.h"
 #include "shell/panes/inspector/inspector_view.h"
 #include "shell/program/qt_run_loop.h"
@@ -214,11 +214,11 @@ TEST_F(inspected, the_playhead_gives_start_and_end) {
     EXPECT_EQ(view.findChild<QLabel*>("inspector.length")->text(), "0:00:05.000");
 }
 
-TEST(long_work, is_cancelled_and_waited_for) {
+TEST(progress_dialog, is_cancelled_and_waited_for) {
     qt_run_loop loop;
     std::atomic<bool> ended = false;
     bool told_cancelled = false;
-    long_work work("Working", "on it", loop);
+    progress_dialog work("Working", "on it", loop);
     work.show_now();
     work.start(
         [&](job& one) -> result<std::string> {
@@ -228,16 +228,16 @@ TEST(long_work, is_cancelled_and_waited_for) {
             return failure{"cancelled"};
         },
         [&](const result<std::string>&, bool cancelled) { told_cancelled = cancelled; });
-    QTest::mouseClick(work.findChild<QPushButton*>("long_work.cancel"), Qt::LeftButton);
+    QTest::mouseClick(work.findChild<QPushButton*>("progress_dialog.cancel"), Qt::LeftButton);
     EXPECT_TRUE(QTest::qWaitFor([&] { return told_cancelled; }));
     EXPECT_TRUE(ended);
     EXPECT_FALSE(work.isVisible());
 }
 
-TEST(long_work, short_work_shows_no_window) {
+TEST(progress_dialog, short_work_shows_no_window) {
     qt_run_loop loop;
     std::string value;
-    long_work work("Working", "on it", loop);
+    progress_dialog work("Working", "on it", loop);
     work.start([](job&) -> result<std::string> { return std::string("done"); },
                [&](const result<std::string>& outcome, bool) { value = outcome.value(); });
     EXPECT_TRUE(QTest::qWaitFor([&] {

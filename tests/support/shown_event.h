@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
 #include "logger/press_engine.h"

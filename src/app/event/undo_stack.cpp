@@ -72,9 +72,9 @@ bool cover(const operations& earlier, const operations& later) {
 }
 
 // Follows what operations do to which clips and rows exist, to tell which of them can be done.
-class follower {
+class feasibility_check {
   public:
-    explicit follower(const sxy_DATA_root& timeline) : timeline_(timeline) {}
+    explicit feasibility_check(const sxy_DATA_root& timeline) : timeline_(timeline) {}
 
     bool can_do(const operation::any& any) {
         return std::visit([this](const auto& one) { return check(one); }, any);
@@ -154,10 +154,10 @@ class follower {
 };
 
 operations still_possible(const sxy_DATA_root& timeline, const operations& all) {
-    follower follow(timeline);
+    feasibility_check feasible(timeline);
     operations possible;
     std::copy_if(all.begin(), all.end(), std::back_inserter(possible),
-                 [&](const operation::any& one) { return follow.can_do(one); });
+                 [&](const operation::any& one) { return feasible.can_do(one); });
     return possible;
 }
 

@@ -6,7 +6,7 @@
 
 #include "app/event/open_event.h"
 #include "shell/event/event_session.h"
-#include "shell/kit/long_work.h"
+#include "shell/kit/progress_dialog.h"
 #include "video/vault_lock.h"
 
 namespace vistels {
@@ -35,8 +35,8 @@ void padding_commands::run(padding_command which) {
     auto planned = plan_padding(event->collection(), which);
     if (!planned) return tell_failure(planned.message());
     const QString title = tr(padding_command_title(which));
-    work_ = std::make_unique<long_work>(title, tr("Blank movies are written where they are needed."), loop_,
-                                        &window_);
+    work_ = std::make_unique<progress_dialog>(title, tr("Blank movies are written where they are needed."),
+                                              loop_, &window_);
     work_->start(
         [files = planned.value().files, blank = event->blank_movie(),
          in = event->folder()](job& work) -> result<std::string> {

@@ -14,7 +14,7 @@ class QWidget;
 namespace vistels {
 
 class event_session;
-class long_work;
+class progress_dialog;
 
 // The commands that turn the offsets and gaps of all vistels into padding movies and back. What has to be
 // written is written by a job with its progress; each is one undo step. Main thread.
@@ -45,7 +45,7 @@ class padding_commands : public QObject {
     QWidget& window_;
     event_session& session_;
     run_loop& loop_;
-    std::unique_ptr<long_work> work_;
+    std::unique_ptr<progress_dialog> work_;
 };
 
 }  // namespace vistels

@@ -19,7 +19,7 @@
 #include "app/vaults/trash.h"
 #include "shell/event/event_session.h"
 #include "shell/kit/controls.h"
-#include "shell/kit/long_work.h"
+#include "shell/kit/progress_dialog.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_geometry.h"
@@ -439,7 +439,7 @@ void vistel_files::remove_overlay(const std::string& vistel) {
 // the work with it.
 void vistel_files::run(const QString& title, const QString& words, std::function<result<void>(job&)> does,
                        std::function<void()> then, const QString& failed) {
-    work_ = std::make_unique<long_work>(title, words, loop_, &window_);
+    work_ = std::make_unique<progress_dialog>(title, words, loop_, &window_);
     const auto work = [does = std::move(does)](job& one) -> result<std::string> {
         if (const auto done = does(one); !done) return done.error();
         return std::string();

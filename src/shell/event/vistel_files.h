@@ -25,7 +25,7 @@ namespace vistels {
 
 class collection_view;
 class event_session;
-class long_work;
+class progress_dialog;
 class open_event;
 
 // Asks how movies are to be added: each choice a button with what it does below it. Main thread.
@@ -96,7 +96,7 @@ class vistel_files : public QObject {
     event_session& session_;
     const home_places places_;
     run_loop& loop_;
-    std::unique_ptr<long_work> work_;
+    std::unique_ptr<progress_dialog> work_;
     std::set<std::string> known_;  // the vistels that were there after the last change
     connection made_;
 };

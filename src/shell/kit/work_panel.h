@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "shell/kit/long_work.h"
+#include "shell/kit/progress_dialog.h"
 
 class QLabel;
 class QPushButton;

@@ -8,7 +8,7 @@
 #include "app/vaults/vaults.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
-#include "shell/kit/long_work.h"
+#include "shell/kit/progress_dialog.h"
 #include "shell/kit/work_panel.h"
 #include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
@@ -26,23 +26,23 @@ event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, 
 
 event_opener::~event_opener() = default;
 
-void event_opener::open(const opening& what) {
+void event_opener::open(const open_request& what) {
     switch (what.what) {
-        case opening::kind::nothing:
+        case open_request::kind::nothing:
             return;
-        case opening::kind::collection:
-        case opening::kind::timeline:
+        case open_request::kind::collection:
+        case open_request::kind::timeline:
             if (const std::string vault = vault_of(what.folder); !vault.empty()) remember_vault(vault);
             return open_folder(what.folder);
-        case opening::kind::vault:
+        case open_request::kind::vault:
             return open_vault(what.folder);
-        case opening::kind::movies:
+        case open_request::kind::movies:
             return make_collection(what.movies);
     }
 }
 
 void event_opener::open_paths(const std::vector<std::string>& paths) {
-    const openings wanted = what_to_open(paths);
+    const open_requests wanted = what_to_open(paths);
     for (const auto& why : wanted.refused) tell_failure(tr("This can't be opened"), why);
     if (wanted.found.empty()) {
         Q_EMIT settled();
@@ -157,7 +157,7 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
 
 void event_opener::run(const QString& title, const QString& words,
                        std::function<result<std::string>(job&)> does, const QString& failed) {
-    work_ = std::make_unique<long_work>(title, words, loop_, &window_);
+    work_ = std::make_unique<progress_dialog>(title, words, loop_, &window_);
     work_->start(std::move(does), [this, failed](const result<std::string>& outcome, bool cancelled) {
         // This runs in the work's own window, which goes when the loop is next at rest.
         work_.release()->deleteLater();

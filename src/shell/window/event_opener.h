@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/settings/places.h"
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
 #include "util/result.h"
@@ -20,7 +20,7 @@ class QWidget;
 namespace vistels {
 
 class event_session;
-class long_work;
+class progress_dialog;
 class work_panel;
 
 // Opens events in a session: by path, by dialogs, from movies, and the demo event when there is nothing else.
@@ -40,7 +40,7 @@ class event_opener : public QObject {
         shown_elsewhere_ = std::move(shown);
     }
 
-    void open(const opening& what);
+    void open(const open_request& what);
     void open_folder(const std::string& folder);
     // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
@@ -58,7 +58,7 @@ class event_opener : public QObject {
   Q_SIGNALS:
     void told(const vistels::user_message& message);
     // Something that was asked for and needs a window of its own.
-    void more_found(const vistels::opening& what);
+    void more_found(const vistels::open_request& what);
     // There is something new in a vault.
     void content_changed();
     // Nothing more is under way; an event is open or not.
@@ -83,7 +83,7 @@ class event_opener : public QObject {
     run_loop& loop_;
     event_session& session_;
     std::function<bool(const std::string&)> shown_elsewhere_;
-    std::unique_ptr<long_work> work_;
+    std::unique_ptr<progress_dialog> work_;
     QPointer<work_panel> panel_;
     int demo_cameras_ = 4;
     int demo_seconds_ = 60;

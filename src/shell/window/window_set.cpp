@@ -114,7 +114,7 @@ std::vector<window_set::member> window_set::members_of(const first& wanted) {
 
 // What was open before has its window's place.
 void window_set::plan_asked(const first& wanted, std::vector<member>& planned) {
-    openings asked = what_to_open(wanted.paths);
+    open_requests asked = what_to_open(wanted.paths);
     for (const auto& why : asked.refused) {
         first_messages_.push_back(
             {user_message::tone::error, tr("This can't be opened"), QString::fromStdString(why), {}, {}});
@@ -122,12 +122,12 @@ void window_set::plan_asked(const first& wanted, std::vector<member>& planned) {
     for (auto& what : asked.found) {
         auto& one = planned.emplace_back();
         one.step = first_step::what_was_asked;
-        const bool is_vault = what.what == opening::kind::vault && !wanted.listed.empty();
+        const bool is_vault = what.what == open_request::kind::vault && !wanted.listed.empty();
         const std::string folder = is_vault ? first_collection_in(what.folder) : what.folder;
         for (const auto& before : wanted.listed) {
             if (folder.empty() || !is_same_folder(before.open_from_path, folder)) continue;
             one.root_id = before.root_id;
-            if (is_vault) what = {opening::kind::collection, folder, {}};
+            if (is_vault) what = {open_request::kind::collection, folder, {}};
         }
         one.wanted = std::move(what);
     }
@@ -149,7 +149,7 @@ void window_set::plan_listed(const first& wanted, std::vector<member>& planned) 
         auto& one = *planned.emplace(had_focus ? planned.begin() + first_listed : planned.end());
         one.root_id = before.root_id;
         one.step = first_step::what_was_open;
-        one.wanted = {opening::kind::collection, folder, {}};
+        one.wanted = {open_request::kind::collection, folder, {}};
     }
 }
 
@@ -240,7 +240,7 @@ void window_set::open_next() {
                                    [](const member& one) { return one.step != first_step::nothing; });
     if (next == members_.end()) return;
     event_opener& opener = next->window->opener();
-    const opening what = std::exchange(next->wanted, {});
+    const open_request what = std::exchange(next->wanted, {});
     switch (std::exchange(next->step, first_step::nothing)) {
         case first_step::nothing:
             break;
@@ -258,7 +258,7 @@ void window_set::open_next() {
     QTimer::singleShot(0, this, &window_set::open_next);
 }
 
-void window_set::open_in_new_window(const opening& what) {
+void window_set::open_in_new_window(const open_request& what) {
     if (!what.folder.empty() && show_if_open(what.folder, nullptr)) return;
     open_empty_window().opener().open(what);
 }

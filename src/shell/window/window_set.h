@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "app/settings/places.h"
+#include "app/start/open_requests.h"
 #include "app/start/open_windows.h"
-#include "app/start/openings.h"
 #include "app/vaults/content_keeper.h"
 #include "app/vaults/vault_scan.h"
 #include "shell/kit/message_bar.h"
@@ -57,7 +57,7 @@ class window_set : public QObject {
     void begin(first wanted);
 
     // Opens it in a new window in front; a folder that a window shows already comes to the front instead.
-    void open_in_new_window(const opening& what);
+    void open_in_new_window(const open_request& what);
     // A new window in front, without an event.
     main_window& open_empty_window();
     // Saves and closes all windows. False when the user chose to stay in one whose event could not be saved;
@@ -85,7 +85,7 @@ class window_set : public QObject {
         std::string root_id;
         int number = 0;  // in the order they were made
         first_step step = first_step::nothing;
-        opening wanted;
+        open_request wanted;
     };
 
     std::vector<member> members_of(const first& wanted);

@@ -17,10 +17,11 @@ namespace {
 
 // Adds texts to a list, each once. A few are looked for in the list itself; only a long list pays for a set.
 template <class Text>
-class once_adder {
+class unique_appender {
   public:
     // At most `most` texts are going to be added.
-    once_adder(std::vector<Text>& list, std::size_t most) : list_(list), many_(list.size() + most > few) {
+    unique_appender(std::vector<Text>& list, std::size_t most)
+        : list_(list), many_(list.size() + most > few) {
         if (!many_) return;
         // The views in the set stay good as long as the texts in the list are not moved.
         if constexpr (std::is_same_v<Text, std::string>) {
@@ -48,7 +49,7 @@ class once_adder {
 
 // What makes `before` of `after`. Not only the values that were asked for: a start moved behind the end moves
 // the end too.
-value_change way_back(const property_dictionary& before, const property_dictionary& after) {
+value_change inverse_values(const property_dictionary& before, const property_dictionary& after) {
     value_change back;
     for (const auto& entry : before) {
         const auto* now = after.find(entry.key);
@@ -221,7 +222,7 @@ class edit_applier {
         if (!row) return false;
         touch_row(one.row);
         const bool changed = timeline_.change_row(one.row, one.set, one.unset);
-        auto back = way_back(write_row_values(*row, 0), write_row_values(*timeline_.row(one.row), 0));
+        auto back = inverse_values(write_row_values(*row, 0), write_row_values(*timeline_.row(one.row), 0));
         return done(changed, operation::change_row{one.row, std::move(back.set), std::move(back.unset)});
     }
 
@@ -392,8 +393,8 @@ class edit_applier {
     change_set& touched_;
     const beside_changer& beside_;
     std::string reason_;
-    once_adder<shared_text> rows_;
-    once_adder<std::string> clips_;
+    unique_appender<shared_text> rows_;
+    unique_appender<std::string> clips_;
     std::vector<operation::any> inverse_;
     std::optional<sxy_clip_EDIT_info_k11> stamp_;
     double coll_id_ = 0;                         // the same, with stamp_

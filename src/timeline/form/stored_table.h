@@ -88,7 +88,7 @@ void write_members(const Table& table, const Record& record, stored_sink& to) {
 
 // What makes the value of one field in `after` that of `before` again, added to `back`.
 template <class Field, class Record>
-void add_way_back(const Field& field, const Record& before, const Record& after, value_change& back) {
+void add_inverse_value(const Field& field, const Record& before, const Record& after, value_change& back) {
     if (!field.write) return;
     dictionary_sink was;
     dictionary_sink is;

@@ -434,7 +434,7 @@ changed_clip change_clip_values(const sxy_CLIP& clip, const property_dictionary&
     touched[find_stored_key(clip_table, "time_end", 0).index] = before.secs_end != after.secs_end;
     value_change back;
     for (std::size_t index = 0; index < clip_table.size(); ++index) {
-        if (touched[index]) add_way_back(clip_table[index], before, after, back);
+        if (touched[index]) add_inverse_value(clip_table[index], before, after, back);
     }
     return {sxy_CLIP(std::move(after)), std::move(back)};
 }

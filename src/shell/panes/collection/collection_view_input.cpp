@@ -11,7 +11,7 @@
 #include <QUrl>
 #include <algorithm>
 
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_view.h"
@@ -39,8 +39,8 @@ QStringList movies_in(const QMimeData& data) {
         const QString path = url.toLocalFile();
         const std::string name = path.toStdString();
         if (!path.isEmpty() && is_folder(name)) {
-            const openings what = what_to_open({name});
-            if (what.found.empty() || what.found.front().what != opening::kind::movies) return {};
+            const open_requests what = what_to_open({name});
+            if (what.found.empty() || what.found.front().what != open_request::kind::movies) return {};
             for (const auto& movie : what.found.front().movies) movies << QString::fromStdString(movie);
         } else if (is_movie_name(name) || is_picture_name(name)) {
             movies << path;

@@ -57,15 +57,15 @@ class work_bar : public QProgressBar {
 };
 
 // Such work with a window that shows how far it is and can cancel it. Main thread, except for the work.
-class long_work : public QDialog {
+class progress_dialog : public QDialog {
     Q_OBJECT
   public:
     using work = running_work::work;
     using done = running_work::done;
 
-    long_work(const QString& title, const QString& words, run_loop& loop, QWidget* parent = nullptr);
+    progress_dialog(const QString& title, const QString& words, run_loop& loop, QWidget* parent = nullptr);
     // Cancels and waits for the work to end.
-    ~long_work() override;
+    ~progress_dialog() override;
 
     // Starts; the window comes up after half a second, so that short work shows none. `done` is called on the
     // main thread when it has ended, after the window is gone.

@@ -10,7 +10,7 @@
 namespace vistels {
 
 // What the paths of a command line, a dialog or a drop stand for.
-struct opening {
+struct open_request {
     enum class kind { nothing, collection, timeline, vault, movies };
     kind what = kind::nothing;
     std::string folder;               // of the collection, the timeline or the vault
@@ -18,15 +18,15 @@ struct opening {
 };
 
 // What several paths stand for.
-struct openings {
-    std::vector<opening> found;        // in the order of their paths, each once
+struct open_requests {
+    std::vector<open_request> found;   // in the order of their paths, each once
     std::vector<std::string> refused;  // a message for each path that is nothing that can be opened
 };
 
 // Each path is a collection's folder (or a folder or file inside it), the folder of a timeline that belongs
 // to none, a vault, a movie file, or a folder of movies, which stands for them in their natural order; all
-// movies together are one opening, in the place of the first. Any thread.
-openings what_to_open(const std::vector<std::string>& paths);
+// movies together are one request, in the place of the first. Any thread.
+open_requests what_to_open(const std::vector<std::string>& paths);
 
 // The first collection in the vault in natural order; empty when it holds none.
 std::string first_collection_in(const std::string& vault);

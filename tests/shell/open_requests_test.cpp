@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/event/shuttle.h"
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_list.h"
 #include "support/temporary_folder.h"
@@ -44,7 +44,7 @@ struct vault_home : public ::testing::Test {
 TEST_F(vault_home, paths_are_what_they_stand_for) {
     struct line {
         std::vector<std::string> paths;
-        opening::kind what;
+        open_request::kind what;
         std::string folder;
         std::size_t movies;
     };
@@ -52,15 +52,15 @@ TEST_F(vault_home, paths_are_what_they_stand_for) {
     make("Timelines/Alone", "chron data.plist");
     const std::string alone = in_vault("Timelines/Alone");
     const line cases[] = {
-        {{places.home_vault}, opening::kind::vault, places.home_vault, 0},
-        {{match}, opening::kind::collection, match, 0},
-        {{match + "/"}, opening::kind::collection, match, 0},
-        {{match + "/Logger"}, opening::kind::collection, match, 0},
-        {{match + "/video group.plist"}, opening::kind::collection, match, 0},
-        {{alone}, opening::kind::timeline, alone, 0},
-        {{alone + "/chron data.plist"}, opening::kind::timeline, alone, 0},
-        {{home / "b.mov", home / "a.mp4"}, opening::kind::movies, "", 2},
-        {{home.path()}, opening::kind::movies, "", 2},
+        {{places.home_vault}, open_request::kind::vault, places.home_vault, 0},
+        {{match}, open_request::kind::collection, match, 0},
+        {{match + "/"}, open_request::kind::collection, match, 0},
+        {{match + "/Logger"}, open_request::kind::collection, match, 0},
+        {{match + "/video group.plist"}, open_request::kind::collection, match, 0},
+        {{alone}, open_request::kind::timeline, alone, 0},
+        {{alone + "/chron data.plist"}, open_request::kind::timeline, alone, 0},
+        {{home / "b.mov", home / "a.mp4"}, open_request::kind::movies, "", 2},
+        {{home.path()}, open_request::kind::movies, "", 2},
     };
     for (const auto& one : cases) {
         const auto wanted = what_to_open(one.paths);
@@ -86,7 +86,7 @@ TEST_F(vault_home, several_paths_are_several_openings_and_movies_are_one) {
     ASSERT_EQ(wanted.found.size(), 4u);
     EXPECT_EQ(wanted.found[0].movies, (std::vector<std::string>{home / "a.mp4", home / "b.mov"}));
     EXPECT_EQ(wanted.found[1].folder, match);
-    EXPECT_EQ(wanted.found[2].what, opening::kind::vault);
+    EXPECT_EQ(wanted.found[2].what, open_request::kind::vault);
     EXPECT_EQ(wanted.found[3].folder, other);
     EXPECT_EQ(wanted.refused.size(), 1u);
     EXPECT_TRUE(what_to_open({}).found.empty());

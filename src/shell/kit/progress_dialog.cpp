@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/kit/long_work.h"
+#include "shell/kit/progress_dialog.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -65,18 +65,18 @@ void work_bar::set_progress(double fraction) {
     setValue(static_cast<int>(std::clamp(fraction, 0.0, 1.0) * steps));
 }
 
-long_work::long_work(const QString& title, const QString& words, run_loop& loop, QWidget* parent)
+progress_dialog::progress_dialog(const QString& title, const QString& words, run_loop& loop, QWidget* parent)
     : QDialog(parent), loop_(loop), bar_(new work_bar(title, this)), work_(loop) {
     const theme_metrics& metrics = theme::current().metrics;
-    setObjectName(QStringLiteral("long_work"));
+    setObjectName(QStringLiteral("progress_dialog"));
     setWindowTitle(title);
     setModal(true);
     auto* headline = make_label(title, type_step::headline, {}, this);
     words_ = make_label(words, type_step::body, QStringLiteral("muted"), this);
     words_->setWordWrap(true);
     cancel_ = make_push_button(tr("Cancel"), {}, this);
-    cancel_->setObjectName(QStringLiteral("long_work.cancel"));
-    connect(cancel_, &QPushButton::clicked, this, &long_work::reject);
+    cancel_->setObjectName(QStringLiteral("progress_dialog.cancel"));
+    connect(cancel_, &QPushButton::clicked, this, &progress_dialog::reject);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(metrics.group_gap, metrics.group_gap, metrics.group_gap, metrics.group_gap);
     column->setSpacing(metrics.wide_padding);
@@ -87,15 +87,15 @@ long_work::long_work(const QString& title, const QString& words, run_loop& loop,
     setFixedWidth(metrics.filter_width);
 }
 
-long_work::~long_work() {
+progress_dialog::~progress_dialog() {
     stop_timer();
 }
 
-void long_work::stop_timer() {
+void progress_dialog::stop_timer() {
     if (show_timer_) loop_.stop_timer(std::exchange(show_timer_, 0));
 }
 
-void long_work::start(work does, done then) {
+void progress_dialog::start(work does, done then) {
     show_timer_ = loop_.start_timer(patience_seconds, false, [this] { show_now(); });
     work_.start(
         std::move(does), [this](double fraction) { bar_->set_progress(fraction); },
@@ -108,12 +108,12 @@ void long_work::start(work does, done then) {
         });
 }
 
-void long_work::show_now() {
+void progress_dialog::show_now() {
     stop_timer();
     if (!isVisible()) show();
 }
 
-void long_work::reject() {
+void progress_dialog::reject() {
     if (!work_.is_running()) return QDialog::reject();
     work_.cancel();
     words_->setText(tr("Stopping. Nothing is left half made."));

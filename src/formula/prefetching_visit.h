@@ -15,9 +15,9 @@ namespace vistels {
 // Clips lie all over the memory, each some steps away from its qualifiers: to reach them takes many times as
 // long as to look at them. So each step of the way is asked for some clips ahead, and memory answers for many
 // at once.
-class clip_walk {
+class prefetching_visit {
   public:
-    explicit clip_walk(const clip_list& clips) : clips_(clips) {}
+    explicit prefetching_visit(const clip_list& clips) : clips_(clips) {}
 
     // Visits the next clips, a thousand or so; returns how many, 0 at the end.
     template <class Visit>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/start/openings.h"
+#include "app/start/open_requests.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -42,20 +42,20 @@ std::string collection_of(const std::string& path) {
     return {};
 }
 
-result<opening> what_is(const std::string& given) {
+result<open_request> what_is(const std::string& given) {
     const std::string path = absolute(given);
     if (!file_exists(path) && !is_folder(path)) return failure{"“" + given + "” is not there."};
-    if (is_vault(path)) return opening{opening::kind::vault, path, {}};
-    if (!is_folder(path) && is_movie_name(path)) return opening{opening::kind::movies, {}, {path}};
+    if (is_vault(path)) return open_request{open_request::kind::vault, path, {}};
+    if (!is_folder(path) && is_movie_name(path)) return open_request{open_request::kind::movies, {}, {path}};
     if (const auto folder = collection_of(path); !folder.empty()) {
-        return opening{opening::kind::collection, folder, {}};
+        return open_request{open_request::kind::collection, folder, {}};
     }
     if (const auto alone = is_folder(path) ? path : path_folder(path); holds_timeline(alone)) {
-        return opening{opening::kind::timeline, alone, {}};
+        return open_request{open_request::kind::timeline, alone, {}};
     }
     if (is_folder(path)) {
         if (auto movies = movies_of_item(path))
-            return opening{opening::kind::movies, {}, std::move(movies).value()};
+            return open_request{open_request::kind::movies, {}, std::move(movies).value()};
     }
     return failure{"“" + given +
                    "” is neither a vault nor a collection, a timeline, a movie or a folder of movies."};
@@ -63,17 +63,17 @@ result<opening> what_is(const std::string& given) {
 
 }  // namespace
 
-openings what_to_open(const std::vector<std::string>& paths) {
-    openings all;
+open_requests what_to_open(const std::vector<std::string>& paths) {
+    open_requests all;
     for (const auto& given : paths) {
         auto one = what_is(given);
         if (!one) {
             all.refused.push_back(one.message());
             continue;
         }
-        opening& what = one.value();
-        const bool is_movie = what.what == opening::kind::movies;
-        const auto like = std::find_if(all.found.begin(), all.found.end(), [&](const opening& before) {
+        open_request& what = one.value();
+        const bool is_movie = what.what == open_request::kind::movies;
+        const auto like = std::find_if(all.found.begin(), all.found.end(), [&](const open_request& before) {
             return before.what == what.what && (is_movie || before.folder == what.folder);
         });
         if (like == all.found.end()) {
