@@ -118,7 +118,6 @@ main_window::~main_window() {
 }
 
 void main_window::build() {
-    const theme_metrics& metrics = theme::current().metrics;
     setMinimumSize(window_sizes.least_window_width, window_sizes.least_window_height);
     build_menu_bar();
     timeline_->set_filter(filter_);

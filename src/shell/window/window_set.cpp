@@ -178,7 +178,6 @@ window_set::member& window_set::add(member made, window_memory memory) {
     const bool stands_on_another = std::any_of(
         others.begin(), others.end(), [&](const QRect& one) { return one.topLeft() == wanted.topLeft(); });
     if (!memory.is_maximized && stands_on_another) {
-        const theme_metrics& metrics = theme::current().metrics;
         memory.place = cascaded_place(wanted, others,
                                       {window_sizes.least_window_width, window_sizes.least_window_height},
                                       screen_of(wanted));

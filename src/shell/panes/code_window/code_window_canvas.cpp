@@ -12,7 +12,6 @@ namespace vistels {
 
 double code_window_scale(const std::vector<code_button>& buttons, double content, double available) {
     if (content <= available || content <= 0) return 1;
-    const theme_metrics& metrics = theme::current().metrics;
     double least = 0;
     for (const code_button& button : buttons) {
         least = std::max({least, code_window_sizes.button_least_width / std::max(button.place.width(), 1.0),

@@ -78,7 +78,6 @@ void collection_view::hover(const QPoint& point) {
 }
 
 frame_drag collection_view::drag_of(const tile& one, frame_grip grip) const {
-    const theme_metrics& metrics = theme::current().metrics;
     frame_drag drag;
     drag.start = one.vistel.frame;
     drag.grip = grip;

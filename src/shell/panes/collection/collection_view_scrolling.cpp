@@ -134,7 +134,6 @@ void collection_view::wheelEvent(QWheelEvent* event) {
 
 // While something is held near the upper or lower edge it goes on by itself, faster farther out.
 void collection_view::scroll_at_edge(const QPoint& point) {
-    const theme_metrics& metrics = theme::current().metrics;
     const int zone = std::min(collection_sizes.vistel_scroll_edge, height() / 4);
     // What was taken up in the zone has to be moved farther out.
     const int from = drag_ ? drag_->pressed.y() : height() / 2;

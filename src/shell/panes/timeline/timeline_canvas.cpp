@@ -44,7 +44,6 @@ QRect timeline_canvas::row_place(std::size_t row) const {
 }
 
 QRect timeline_canvas::flag_place() const {
-    const theme_metrics& metrics = theme::current().metrics;
     const int x = static_cast<int>(std::lround(state_.scale().x_of(state_.playhead())));
     const int left = std::clamp(x - timeline_sizes.playhead_flag_width / 2, 0,
                                 std::max(0, width() - timeline_sizes.playhead_flag_width));
@@ -53,7 +52,6 @@ QRect timeline_canvas::flag_place() const {
 }
 
 timeline_canvas::hit timeline_canvas::hit_at(const QPointF& point) const {
-    const theme_metrics& metrics = theme::current().metrics;
     hit found;
     if (point.y() < timeline_sizes.ruler_height) {
         found.what = hit::part::ruler;

@@ -33,7 +33,7 @@ class row_palette {
     std::unordered_map<QRgb, std::size_t> numbers_;
 };
 
-int height_of(const sxy_ROW& record, const theme_metrics& metrics, bool compact) {
+int height_of(const sxy_ROW& record, bool compact) {
     const double stored = record.height();
     if (compact && stored == sxy_ROW::default_height) return timeline_sizes.row_small_height;
     return std::clamp(static_cast<int>(stored), timeline_sizes.row_least_height,
@@ -119,7 +119,7 @@ void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, rows_
         row.name = QString::fromStdString(record->name());
         row.colour = given;
         row.top = top;
-        row.height = height_of(*record, look.metrics, display.is_compact);
+        row.height = height_of(*record, display.is_compact);
         row.record = record;
         row.merged = merged_colours(*record, look);
         read_clips(row, display.hides_filtered_out);

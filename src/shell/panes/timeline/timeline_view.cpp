@@ -246,7 +246,6 @@ void timeline_view::place_parts() {
 }
 
 void timeline_view::resizeEvent(QResizeEvent*) {
-    const theme_metrics& metrics = theme::current().metrics;
     state_->set_compact(window()->height() < timeline_sizes.compact_below_height);
     place_parts();
     show_counts();
