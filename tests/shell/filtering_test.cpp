@@ -68,7 +68,6 @@ class filtering : public testing::shown_event {
     }
     void press(Qt::Key key, Qt::KeyboardModifiers with = {}) { QTest::keyClick(window.get(), key, with); }
     void click(double seconds, int row) {
-        const theme_metrics& metrics = theme::current().metrics;
         const timeline_row& shown = view->state().rows()[static_cast<std::size_t>(row)];
         const int y = timeline_sizes.ruler_height + shown.top - view->state().first_y() + shown.height / 2;
         const int x = static_cast<int>(std::lround(view->state().scale().x_of(seconds)));

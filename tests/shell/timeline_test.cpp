@@ -181,7 +181,6 @@ class timeline_pane : public ::testing::Test {
     void TearDown() override { view_.set_timeline(nullptr, nullptr); }
 
     QPoint at(double seconds, int row) const {
-        const theme_metrics& metrics = theme::current().metrics;
         const int y = timeline_sizes.ruler_height + view_rows()[static_cast<std::size_t>(row)].top + 12;
         return {static_cast<int>(std::lround(view_state().scale().x_of(seconds))), y};
     }

@@ -158,8 +158,8 @@ TEST_F(window_sizes, outer_columns_lie_over_the_edge_of_narrow_windows_only) {
             EXPECT_FALSE(inspector->isVisible());
         } else {
             EXPECT_FALSE(place_in(*window, *inspector).intersects(before));
-            EXPECT_LE(inspector->width(), window_sizes.inspector_greatest_width);
-            EXPECT_LE(side_bar->width(), window_sizes.side_bar_greatest_width);
+            EXPECT_LE(inspector->width(), vistels::window_sizes.inspector_greatest_width);
+            EXPECT_LE(side_bar->width(), vistels::window_sizes.side_bar_greatest_width);
         }
     }
 }
@@ -229,7 +229,6 @@ TEST_F(window_sizes, what_is_pressed_while_the_event_runs_keeps_its_size) {
         // The clock's figures are all there, and the time line has rows to work with.
         EXPECT_GE(find<QWidget>("transport.clock")->width(),
                   find<QWidget>("transport.clock")->sizeHint().width());
-        const theme_metrics& metrics = theme::current().metrics;
         const int row = size.height() < timeline_sizes.compact_below_height ? timeline_sizes.row_small_height
                                                                             : timeline_sizes.row_height;
         const auto* clips = window->findChild<timeline_canvas*>();
