@@ -16,6 +16,10 @@ class transport {
     // event that carries a time stamp.
     virtual double collection_time_at(double clock_seconds) const = 0;
 
+    // The time of what is shown: while playing that of the last display tick, which all that is drawn goes
+    // by, so that pictures, playhead and clock agree.
+    virtual double shown_time() const { return collection_time(); }
+
     virtual bool is_playing() const = 0;
     // The rate in force, or to be used by the next play(); negative plays backwards.
     virtual double rate() const = 0;

@@ -10,7 +10,6 @@ namespace vistels {
 
 namespace {
 
-constexpr double timer_interval_seconds = 1.0 / 60;
 constexpr double follow_interval_seconds = 0.2;
 // Enough to come before a frame by the tolerance with which frames are found.
 constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
@@ -26,13 +25,16 @@ struct synchronised_playback::arrival_link {
 };
 
 synchronised_playback::synchronised_playback(run_loop& loop)
-    : loop_(loop), clock_(loop.time()), arrivals_(std::make_shared<arrival_link>()) {
+    : loop_(loop),
+      clock_(loop.time()),
+      ticks_(loop),
+      task_(ticks_, tick_step::players, [this] { timer_tick(); }),
+      arrivals_(std::make_shared<arrival_link>()) {
     arrivals_->playback = this;
 }
 
 synchronised_playback::~synchronised_playback() {
     arrivals_->playback = nullptr;
-    if (timer_) loop_.stop_timer(*timer_);
 }
 
 std::unique_ptr<vistel_player> synchronised_playback::make_player(const playback_vistel& vistel) {
@@ -40,7 +42,7 @@ std::unique_ptr<vistel_player> synchronised_playback::make_player(const playback
         if (link->is_posted.exchange(true)) return;
         loop.post([link] {
             link->is_posted = false;
-            if (link->playback != nullptr) link->playback->tick();
+            if (link->playback != nullptr) link->playback->take_arrivals();
         });
     };
     return std::make_unique<vistel_player>(vistel.parts, tell);
@@ -215,18 +217,20 @@ void synchronised_playback::step(int direction, std::function<void()> done) {
 }
 
 void synchronised_playback::start_timer() {
-    if (timer_) return;
+    if (task_.is_running()) return;
     timer_record_ = {};
-    timer_ = loop_.start_timer(timer_interval_seconds, true, [this] { timer_tick(); });
+    task_.start();
 }
 
 void synchronised_playback::timer_tick() {
-    if (!timer_record_.tick(clock_.time()) && timer_) {
-        loop_.stop_timer(*timer_);
-        timer_.reset();
-    }
+    if (!timer_record_.tick(clock_.time())) task_.stop();
     if (is_playing()) correct_lags();
-    tick();
+    show(is_playing() ? clock_.time_to_show(ticks_.seconds()) : clock_.time());
+}
+
+// A frame that came late is shown in its tick's place; the next tick's frame waits for that tick.
+void synchronised_playback::take_arrivals() {
+    show(shown_time());
 }
 
 // What a vistel shows at a time of its own time line; true when that is something else than before.
@@ -250,8 +254,8 @@ bool synchronised_playback::show(entry& vistel, double seconds) {
     return !is_same || is_news;
 }
 
-void synchronised_playback::tick() {
-    const double now = clock_.time();
+void synchronised_playback::show(double now) {
+    shown_time_ = now;
     bool changed = false;
     for (auto& vistel : vistels_) {
         if (is_followed(vistel)) {
@@ -262,7 +266,7 @@ void synchronised_playback::tick() {
             if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
         }
     }
-    update_sound(now);
+    update_sound(clock_.time());
     if (is_playing() && !clock_.can_move()) {
         clock_.pause();
         state_changed.emit();

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "util/display_tick.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 #include "util/transport.h"
@@ -57,6 +58,7 @@ class synchronised_playback final : public transport {
     void set_top_speed(double stored);
 
     double collection_time() const override { return clock_.time(); }
+    double shown_time() const override { return is_playing() ? shown_time_ : clock_.time(); }
     double collection_time_at(double clock_seconds) const override { return clock_.time_at(clock_seconds); }
     bool is_playing() const override { return clock_.is_playing(); }
     double rate() const override { return clock_.rate(); }
@@ -73,9 +75,10 @@ class synchronised_playback final : public transport {
     double first_time() const { return clock_.first(); }
     double last_time() const { return clock_.last(); }
 
-    // Brings what is shown up to the clock. The timer calls it; a display may call it as often as it
-    // refreshes.
-    void tick();
+    // The ticks by which this plays; whatever else moves with it is to be run by them too.
+    display_tick& ticks() { return ticks_; }
+    // Brings what is shown up to the clock, between ticks.
+    void tick() { show(clock_.time()); }
 
     // What a vistel shows as of the last tick. A null picture: black.
     picture_pointer picture(const std::string& uuid) const;
@@ -89,8 +92,8 @@ class synchronised_playback final : public transport {
     std::string problem(const std::string& uuid) const;
     // Whether every vistel that is seen shows its very frame, or cannot show any.
     bool is_settled() const;
-    // Whether the timer runs: while the collection's time moves, and half a second longer.
-    bool timer_runs() const { return timer_.has_value(); }
+    // Whether it takes part in the ticks: while the collection's time moves, and half a second longer.
+    bool timer_runs() const { return task_.is_running(); }
     // What the last correction of lagging vistels had to say.
     const std::string& correction_note() const { return correction_note_; }
 
@@ -122,6 +125,8 @@ class synchronised_playback final : public transport {
     void update_range();
     void start_timer();
     void timer_tick();
+    void take_arrivals();
+    void show(double now);
     bool show(entry& vistel, double seconds);
     void correct_lags();
     void update_sound(double now);
@@ -130,6 +135,9 @@ class synchronised_playback final : public transport {
 
     run_loop& loop_;
     collection_clock clock_;
+    display_tick ticks_;
+    tick_task task_;
+    double shown_time_ = 0;  // of the last tick
     std::vector<entry> vistels_;
     double least_first_ = 0;
     double least_last_ = 0;
@@ -141,7 +149,6 @@ class synchronised_playback final : public transport {
     int direction_ = 0;           // of the last step
     bool snap_to_frame_ = false;  // stand at the frame's own time once it is known
     std::function<void()> done_;
-    std::optional<run_loop::timer_id> timer_;
     playback_timer_record timer_record_;
     std::string correction_note_;
     playback_sound sound_;

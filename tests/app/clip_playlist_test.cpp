@@ -34,7 +34,8 @@ class plain_playback final : public transport {
 struct listening {
     simulated_run_loop loop;
     plain_playback playback{loop.time()};
-    clip_playlist list{playback, loop};
+    display_tick ticks{loop};
+    clip_playlist list{playback, ticks, loop.time()};
 };
 
 // What plays in the middle of each second.

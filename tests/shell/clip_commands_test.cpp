@@ -79,12 +79,12 @@ TEST_F(clip_commands, merge_duplicate_and_split_by_their_keys_each_one_step) {
 
 TEST_F(clip_commands, marks_move_the_edges_of_the_selected_clips_to_the_playhead_but_not_across) {
     view->select({"a", "b"});
-    window->session().seek(0.8);
+    window->session().player().seek(0.8);
     const double here = event().playback().collection_time();
     find<QAction>("mark_in")->trigger();
     EXPECT_EQ(times("a"), (std::vector<double>{here, 1}));
     EXPECT_EQ(times("b"), (std::vector<double>{here, 2}));
-    window->session().seek(1.5);
+    window->session().player().seek(1.5);
     find<QAction>("mark_in")->trigger();
     EXPECT_EQ(told, 1) << "the first of them has ended there";
     EXPECT_EQ(times("b")[0], here);

@@ -121,7 +121,7 @@ TEST_F(coding_keys, a_bound_letter_is_no_shortcut_as_long_as_it_is_bound) {
         QTest::keyPress(window.get(), code);
         EXPECT_EQ(down(), names{"Goal"}) << key;
         EXPECT_FALSE(event().playback().is_playing()) << key;
-        EXPECT_FALSE(window->session().is_muted()) << key;
+        EXPECT_FALSE(window->session().player().is_muted()) << key;
         QTest::keyRelease(window.get(), code);
         EXPECT_EQ(down(), names{}) << key;
     }

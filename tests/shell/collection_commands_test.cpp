@@ -79,7 +79,7 @@ struct collection_window : public testing::shown_event {
     }
     // A settled picture at that time.
     void stand_at(double seconds) {
-        window->session().seek(seconds);
+        window->session().player().seek(seconds);
         ASSERT_TRUE(QTest::qWaitFor([&] { return event().playback().is_settled(); }, 60000));
     }
     void press_button(const char* name) { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
@@ -327,7 +327,7 @@ TEST_F(collection_window, offsets_are_typed_nudged_and_dragged) {
     EXPECT_TRUE(find<QWidget>("align.nudge.less")->toolTip().contains(key));
     // A vistel with a smaller offset is ahead: there is a time before 0, and the transport goes there.
     EXPECT_NEAR(event().start_seconds(), -0.5, 1e-3);
-    window->session().to_start();
+    window->session().player().to_start();
     EXPECT_NEAR(event().playback().collection_time(), -0.5, 1e-3);
     stand_at(1);
     const QPoint from = view().place_of(uuid(0)).center();

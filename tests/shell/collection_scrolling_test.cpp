@@ -218,7 +218,7 @@ TEST_F(scrolled_window, shows_pictures_of_what_is_in_sight) {
     EXPECT_TRUE(view().has_picture(uuid(0)));
     EXPECT_FALSE(view().has_picture(uuid(7)));
     EXPECT_EQ(event().playback().picture(uuid(7)), nullptr);
-    window->session().seek(2);
+    window->session().player().seek(2);
     ASSERT_TRUE(wait_for_pictures());
     EXPECT_FALSE(view().has_picture(uuid(7)));
     turn_wheel(view(), {50, 50}, -100 * 120);

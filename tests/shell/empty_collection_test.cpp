@@ -68,7 +68,7 @@ TEST_F(empty_collection, is_made_coded_and_filmed_later) {
     window->actions()[command::play]->trigger();
     EXPECT_GE(event().playback().collection_time(), paused_at);
     window->actions()[command::pause]->trigger();
-    session().step(1);
+    session().player().step(1);
     const double stood_at = event().playback().collection_time();
     EXPECT_GT(stood_at, paused_at);
 
@@ -81,9 +81,9 @@ TEST_F(empty_collection, is_made_coded_and_filmed_later) {
     // What was coded at the clip's start is seen at 2 s of the movie.
     auto& alignment = window->collection().alignment();
     const auto coded = [&] { return (*timeline().rows().front()).clips()[0]->secs_start(); };
-    session().seek(coded());
+    session().player().seek(coded());
     alignment.mark_moment();
-    session().seek(2);
+    session().player().seek(2);
     alignment.same_moment();
     const auto vistel = event().collection().vistels().front()->uuid();
     EXPECT_NEAR(movie_time_at(event().collection(), vistel, coded()).value_or(-1), 2, 1e-6);
@@ -216,9 +216,9 @@ TEST_F(empty_collection, both_volumes_are_heard_and_kept_at_once) {
     window->actions()[command::mute]->trigger();
     EXPECT_TRUE(event().set_sound_vistel(event().collection().vistels()[1]->uuid()));
     EXPECT_EQ(event().playback().volume(), 0);
-    window->session().set_volume(1);
+    window->session().player().set_volume(1);
     EXPECT_NEAR(event().playback().volume(), 0.6, 1e-9);
-    window->session().take_application_volume(0.25);
+    window->session().player().take_application_volume(0.25);
     EXPECT_EQ(event().playback().volume(), 0.25);
     EXPECT_NEAR(load_application_volume(places), 0.6, 1e-9);
 }

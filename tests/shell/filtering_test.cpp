@@ -225,14 +225,14 @@ TEST_F(filtering, playing_all_ends_by_escape_pause_seek_its_button_and_another_f
     const std::vector<std::function<void()>> ends = {
         [&] { QTest::keyClick(window.get(), Qt::Key_Escape); },
         [&] { press(Qt::Key_K); },
-        [&] { window->session().seek(3.6); },
+        [&] { window->session().player().seek(3.6); },
         [&] { QTest::mouseClick(find<QAbstractButton>("filter.play_all"), Qt::LeftButton); },
         [&] { filter("Okafor"); },
         [&] { window->session().close(); },
     };
     filter("Marek");
     for (std::size_t way = 0; way < ends.size(); ++way) {
-        window->session().to_start();
+        window->session().player().to_start();
         view->select({});
         QTest::mouseClick(find<QAbstractButton>("filter.play_all"), Qt::LeftButton);
         ASSERT_TRUE(window->session().filter().plays_all()) << way;
@@ -250,7 +250,7 @@ TEST_F(filtering, a_window_may_go_without_being_closed_while_clips_play) {
 }
 
 TEST_F(filtering, next_and_previous_move_along_the_list_that_plays) {
-    window->session().set_rate(0.01);
+    window->session().player().set_rate(0.01);
     press(Qt::Key_P, Qt::ControlModifier);
     press(Qt::Key_F3);
     press(Qt::Key_F3);

@@ -47,9 +47,9 @@ struct event_window : public testing::shown_event {
                             : window->findChild<QWidget*>("code_button." + QString::fromStdString(uuid));
     }
     void code_with_key(Qt::Key key, double from, double to) {
-        window->session().seek(from);
+        window->session().player().seek(from);
         QTest::keyPress(window.get(), key);
-        window->session().seek(to);
+        window->session().player().seek(to);
         QTest::keyRelease(window.get(), key);
     }
 };
@@ -64,7 +64,7 @@ TEST_F(event_window, is_coded_by_key_and_mouse) {
     EXPECT_LE(clip->secs_start(), 1);
     EXPECT_GE(clip->secs_end(), 2);
 
-    window->session().seek(1.5);
+    window->session().player().seek(1.5);
     QWidget* left = button("Left");
     ASSERT_TRUE(left);
     QTest::mouseClick(left, Qt::LeftButton);
@@ -105,7 +105,7 @@ TEST_F(event_window, everything_is_there_when_it_opens_again) {
     window->findChild<QWidget*>("inspector.stars")->setFocus();
     QTest::keyClick(window->findChild<QWidget*>("inspector.stars"), Qt::Key_Up);
     QTest::keyPress(window.get(), Qt::Key_G);  // still down when the window closes
-    window->session().seek(3);
+    window->session().player().seek(3);
     close();
     open();
     ASSERT_EQ(timeline().clip_count(), 2u);
@@ -191,7 +191,7 @@ TEST_F(event_window, a_vistel_whose_movie_is_over_says_so) {
         return std::pair(view->chip_words(left).contains("ended"), view->chip_words(right).contains("ended"));
     };
     for (const double seconds : {2.9, 3.5, 1.0}) {
-        window->session().seek(seconds);
+        window->session().player().seek(seconds);
         const std::pair expected{false, seconds > 3};
         EXPECT_TRUE(QTest::qWaitFor([&] { return say_over() == expected; })) << seconds;
     }

@@ -361,13 +361,13 @@ TEST_F(windows, code_only_in_the_active_one_and_let_go_when_left) {
     start_with({"First half", "Second half"});
     main_window* first = showing("First half");
     main_window* second = showing("Second half");
-    EXPECT_TRUE(first->session().is_heard() && !second->session().is_heard());
+    EXPECT_TRUE(first->session().player().is_heard() && !second->session().player().is_heard());
     QTest::keyPress(first, Qt::Key_A);
     ASSERT_EQ(timeline(first).live_clips().size(), 1u);
     choose(first, "Second half");
     EXPECT_TRUE(timeline(first).live_clips().empty()) << "the key is held by nobody any more";
     EXPECT_EQ(timeline(first).clip_count(), 3u);
-    EXPECT_TRUE(!first->session().is_heard() && second->session().is_heard());
+    EXPECT_TRUE(!first->session().player().is_heard() && second->session().player().is_heard());
     QTest::keyRelease(second, Qt::Key_A);
     EXPECT_EQ(timeline(second).clip_count(), 2u);
     QTest::keyClick(second, Qt::Key_A);

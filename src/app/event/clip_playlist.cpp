@@ -11,7 +11,6 @@ namespace vistels {
 
 namespace {
 
-constexpr double look_interval_seconds = 1.0 / 60;
 // Further from where it should be than that, the playhead was moved by a person. Following the sound's clock
 // moves it less.
 constexpr double most_drift_seconds = 0.25;
@@ -27,11 +26,8 @@ std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline) {
     return clips;
 }
 
-clip_playlist::clip_playlist(transport& playback, run_loop& loop) : playback_(playback), loop_(loop) {}
-
-clip_playlist::~clip_playlist() {
-    if (timer_) loop_.stop_timer(*timer_);
-}
+clip_playlist::clip_playlist(transport& playback, display_tick& ticks, const clock& source)
+    : playback_(playback), source_(source), task_(ticks, tick_step::time, [this] { tick(); }) {}
 
 void clip_playlist::play(std::vector<playlist_clip> clips, std::optional<double> from_seconds) {
     const auto first = std::find_if(clips.begin(), clips.end(), [&](const playlist_clip& clip) {
@@ -45,14 +41,13 @@ void clip_playlist::play(std::vector<playlist_clip> clips, std::optional<double>
     if (playback_.rate() < 0) playback_.set_rate(1);
     playback_.play();
     note_time();
-    if (!timer_) timer_ = loop_.start_timer(look_interval_seconds, true, [this] { tick(); });
+    task_.start();
     changed.emit();
 }
 
 void clip_playlist::stop() {
-    if (!timer_) return;
-    loop_.stop_timer(*timer_);
-    timer_.reset();
+    if (!is_playing()) return;
+    task_.stop();
     clips_.clear();
     changed.emit();
 }
@@ -65,11 +60,11 @@ void clip_playlist::begin_at(double seconds) {
 void clip_playlist::note_time() {
     noted_time_ = playback_.collection_time();
     noted_rate_ = playback_.rate();
-    noted_at_ = loop_.time().seconds();
+    noted_at_ = source_.seconds();
 }
 
 bool clip_playlist::was_moved(double now) const {
-    const double passed = loop_.time().seconds() - noted_at_;
+    const double passed = source_.seconds() - noted_at_;
     const double slower = std::min(noted_rate_, playback_.rate());
     const double faster = std::max(noted_rate_, playback_.rate());
     const double drift = most_drift_seconds + passed * faster * most_drift_share;

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "timeline/records/sxy_DATA_root.h"
-#include "util/run_loop.h"
+#include "util/clock.h"
+#include "util/display_tick.h"
 #include "util/signal.h"
 #include "util/transport.h"
 
@@ -29,9 +30,8 @@ std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline);
 // the list, and playback does what they asked for. Main thread.
 class clip_playlist {
   public:
-    // Both must outlive it.
-    clip_playlist(transport& playback, run_loop& loop);
-    ~clip_playlist();
+    // All must outlive it. `source` is the clock by which playback moves.
+    clip_playlist(transport& playback, display_tick& ticks, const clock& source);
     clip_playlist(const clip_playlist&) = delete;
     clip_playlist& operator=(const clip_playlist&) = delete;
 
@@ -41,7 +41,7 @@ class clip_playlist {
     // Ends the list; playback goes on as it is.
     void stop();
 
-    bool is_playing() const { return timer_.has_value(); }
+    bool is_playing() const { return task_.is_running(); }
     // The UUID of the clip that plays; empty when none does.
     std::string current() const { return is_playing() ? clips_[at_].uuid : std::string(); }
 
@@ -56,13 +56,13 @@ class clip_playlist {
     void note_time();
 
     transport& playback_;
-    run_loop& loop_;
+    const clock& source_;
     std::vector<playlist_clip> clips_;
     std::size_t at_ = 0;
-    std::optional<run_loop::timer_id> timer_;  // none: no list plays
-    double noted_time_ = 0;                    // the collection's time at the last look
+    tick_task task_;         // while a list plays
+    double noted_time_ = 0;  // the collection's time at the last look
     double noted_rate_ = 1;
-    double noted_at_ = 0;  // by the loop's clock
+    double noted_at_ = 0;  // by the source
 };
 
 }  // namespace vistels

@@ -27,7 +27,6 @@ namespace vistels {
 
 namespace {
 
-constexpr double tick_seconds = 1.0 / 60;
 // How far the clock of a timeline without a collection runs.
 constexpr double longest_event_seconds = 24 * 3600;
 
@@ -82,7 +81,6 @@ result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, 
 }
 
 open_event::~open_event() {
-    if (tick_timer_) loop_.stop_timer(*tick_timer_);
     if (!undo_) return;  // it was not opened
     logger_->release_all(playback_->collection_time());
     // What cannot be saved of the timeline stays in its journal.
@@ -111,6 +109,7 @@ result<void> open_event::load() {
     playback_->seek(to_restore);
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
     logger_->set_transport(playback_.get());
+    presses_ = std::make_unique<tick_task>(playback_->ticks(), tick_step::presses, [this] { tick(); });
     logger_->set_earliest_time(playback_->first_time());
     open_code_window();
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
@@ -294,14 +293,12 @@ void open_event::open_code_window() {
 
 // The engine is told the time as long as it has something to wait for.
 void open_event::follow_presses() {
-    if (!tick_timer_) tick_timer_ = loop_.start_timer(tick_seconds, true, [this] { tick(); });
+    presses_->start();
 }
 
 void open_event::tick() {
     logger_->tick(playback_->collection_time());
-    if (!logger_->down_buttons().empty() || logger_->unrecorded() > 0) return;
-    loop_.stop_timer(*tick_timer_);
-    tick_timer_.reset();
+    if (logger_->down_buttons().empty() && logger_->unrecorded() == 0) presses_->stop();
 }
 
 bool open_event::runs_on_clock() const {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -151,7 +150,7 @@ class open_event {
     std::unique_ptr<undo_stack> undo_;
     const std::shared_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
-    std::optional<run_loop::timer_id> tick_timer_;
+    std::unique_ptr<tick_task> presses_;  // while the press engine waits for a time, or for the disk
     connection made_;
     connection edited_;
     connection access_;

@@ -224,7 +224,7 @@ void align_control::same_moment() {
     // Both are seen at the instant that they share now.
     const auto shared =
         collection_time_of(event()->collection(), is_same ? seen_moment{current(), *seconds} : met);
-    if (shared) session_.seek(*shared);
+    if (shared) session_.player().seek(*shared);
 }
 
 void align_control::forget_mark() {

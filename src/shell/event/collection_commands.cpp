@@ -191,7 +191,7 @@ void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, c
 void collection_commands::use_layout(ready_layout layout) {
     if (!event()) return;
     const std::string large = pane_.view().current();
-    session_.enlarge({});
+    session_.player().enlarge({});
     vistel_arrangement wanted = pane_.view().arrangement();
     std::size_t at = 0;
     for (std::size_t i = 0; i < wanted.vistels.size(); ++i) {
@@ -252,7 +252,7 @@ void collection_commands::show_vistel_menu(const QString& vistel, const QPoint& 
     const QString name = name_in_menu(*record);
     QAction* size = menu->addAction(is_large ? tr("Show All Vistels") : tr("Enlarge “%1”").arg(name));
     connect(size, &QAction::triggered, this,
-            [this, uuid, is_large] { session_.enlarge(is_large ? std::string() : uuid); });
+            [this, uuid, is_large] { session_.player().enlarge(is_large ? std::string() : uuid); });
     QAction* sound = menu->addAction(tr("Hear “%1”").arg(name));
     sound->setEnabled(!pane_.view().is_heard(uuid));
     connect(sound, &QAction::triggered, this, [this, uuid] { session_.set_sound_vistel(uuid); });

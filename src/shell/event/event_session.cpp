@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/event/event_session.h"
 
-#include <QTime>
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <utility>
 
-#include "app/event/shuttle.h"
 #include "logger/press_engine.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/filter_control.h"
@@ -23,30 +18,17 @@
 #include "shell/panes/inspector/inspector_view.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
-#include "timeline/edits/clip_edits.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 
 namespace vistels {
-
-namespace {
-
-constexpr double nowhere = std::numeric_limits<double>::infinity();
-constexpr double tick_seconds = 1.0 / 60;
-constexpr double volume_step = 0.1;
-constexpr double fastest_shuttle = 8;
-// A step where there are no frames.
-constexpr double frame_without_pictures = 0.04;
-
-}  // namespace
 
 event_session::event_session(event_panes panes, run_loop& loop)
     : panes_(panes),
       loop_(loop),
       pictures_(*panes.collection),
       read_only_(new read_only_mark(panes.timeline)),
-      filter_(std::make_unique<filter_control>(*panes.timeline, *panes.inspector, loop)),
-      play_until_(nowhere) {
+      filter_(std::make_unique<filter_control>(*panes.timeline, *panes.inspector, loop)) {
     panes_.timeline->header().add_first_control(read_only_);
     connect_panes();
     panes_.collection->bar().setEnabled(false);
@@ -82,12 +64,12 @@ void event_session::close() {
     panes_.inspector->set_document(nullptr, {});
     pictures_.set_event(nullptr);
     panes_.collection->bar().setEnabled(false);
+    player_.set_event(nullptr);
+    tick_task_.reset();
     tell(event_->save_all());
     event_.reset();
-    tick_while_needed();
     show_read_only();
     if (alert_timer_ != 0) loop_.stop_timer(std::exchange(alert_timer_, 0));
-    play_until_ = nowhere;
     Q_EMIT state_over(QLatin1String(save_failed_key));
     Q_EMIT closed();
 }
@@ -116,22 +98,15 @@ bool event_session::has_all_pictures() const {
 }
 
 void event_session::connect_panes() {
-    transport_bar& bar = panes_.collection->bar();
-    connect(&bar, &transport_bar::play_asked, this, &event_session::play_or_pause);
-    connect(&bar, &transport_bar::step_asked, this, &event_session::step);
-    connect(&bar, &transport_bar::rate_asked, this, &event_session::set_rate);
-    connect(&bar, &transport_bar::loop_asked, this, &event_session::set_looping);
-    connect(&bar, &transport_bar::volume_asked, this, &event_session::set_volume);
-    connect(&bar, &transport_bar::application_volume_asked, this, &event_session::set_application_volume);
-    connect(&bar, &transport_bar::volume_chosen, this, &event_session::keep_volumes);
-    connect(&bar, &transport_bar::mute_asked, this, &event_session::set_muted);
-    connect(&bar, &transport_bar::seek_asked, this, [this](double seconds, bool) { seek(seconds); });
+    connect_transport(panes_.collection->bar());
     collection_view& view = panes_.collection->view();
     connect(&view, &collection_view::enlarge_asked, this,
-            [this](const QString& vistel) { enlarge(vistel.toStdString()); });
-    connect(panes_.collection, &collection_pane::all_vistels_asked, this, [this] { enlarge({}); });
+            [this](const QString& vistel) { player_.enlarge(vistel.toStdString()); });
+    connect(panes_.collection, &collection_pane::all_vistels_asked, this, [this] { player_.enlarge({}); });
     connect(panes_.timeline, &timeline_view::selection_changed, panes_.inspector, &inspector_view::refresh);
-    connect(panes_.timeline, &timeline_view::selection_changed, this, &event_session::find_loop);
+    connect(panes_.timeline, &timeline_view::selection_changed, this, [this] { player_.follow_selection(); });
+    connect(filter_.get(), &filter_control::changed, this,
+            [this] { player_.set_plays_list(filter_->plays_all()); });
     connect(panes_.timeline, &timeline_view::failed, this, &event_session::refuse_change);
     connect(panes_.inspector, &inspector_view::failed, this, &event_session::refuse_change);
     connect(read_only_, &read_only_mark::try_again_asked, this, [this] { try_to_write(false); });
@@ -139,9 +114,31 @@ void event_session::connect_panes() {
             [this](double, double) { play_selected_clip(); });
 }
 
+void event_session::connect_transport(transport_bar& bar) {
+    const auto on = [&](auto asked, auto does) { connect(&bar, asked, this, does); };
+    on(&transport_bar::play_asked, [this] { player_.play_or_pause(); });
+    on(&transport_bar::step_asked, [this](int frames) { player_.step(frames); });
+    on(&transport_bar::rate_asked, [this](double rate) { player_.set_rate(rate); });
+    on(&transport_bar::loop_asked, [this](bool loops) { player_.set_looping(loops); });
+    on(&transport_bar::volume_asked, [this](double volume) { player_.set_volume(volume); });
+    on(&transport_bar::application_volume_asked,
+       [this](double volume) { player_.set_application_volume(volume); });
+    on(&transport_bar::volume_chosen, [this] { keep_volumes(); });
+    on(&transport_bar::mute_asked, [this](bool mutes) { player_.set_muted(mutes); });
+    on(&transport_bar::seek_asked, [this](double seconds, bool) { player_.seek(seconds); });
+    player_connections_.push_back(player_.sought.connect([this] { tick(); }));
+    player_connections_.push_back(player_.volumes_changed.connect([this] {
+        show_volume();
+        Q_EMIT facts_changed();
+    }));
+    player_connections_.push_back(player_.looping_changed.connect([this] { show_state(); }));
+    player_connections_.push_back(player_.enlarged_changed.connect([this] { show_enlarged(); }));
+}
+
 void event_session::connect_event() {
     synchronised_playback& playback = event_->playback();
     timeline_document& timeline = event_->timeline();
+    tick_task_ = std::make_unique<tick_task>(playback.ticks(), tick_step::views, [this] { tick(); });
     pictures_.set_event(event_.get());
     panes_.timeline->set_timeline(&timeline, &playback);
     show_buttons();
@@ -153,7 +150,7 @@ void event_session::connect_event() {
     panes_.collection->header().set_name(name());
     connections_.push_back(playback.pictures_changed.connect([this] {
         pictures_.show_pictures();
-        if (!tick_timer_) tick();
+        if (!tick_task_->is_running()) tick();
     }));
     connections_.push_back(playback.state_changed.connect([this] { show_state(); }));
     connections_.push_back(
@@ -166,7 +163,7 @@ void event_session::connect_event() {
     connections_.push_back(event_->undo().changed.connect([this] { Q_EMIT facts_changed(); }));
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
         if (!(change.kinds & (change_set::clips_changed | change_set::live_changed))) return;
-        find_loop();
+        player_.follow_selection();
         if (event_->runs_on_clock()) follow_end(event_->playback().collection_time());
         Q_EMIT facts_changed();
     }));
@@ -179,7 +176,7 @@ void event_session::connect_event() {
         show_read_only();
     }));
     panes_.collection->bar().setEnabled(true);
-    apply_volume();
+    player_.set_event(event_.get());
     show_state();
 }
 
@@ -209,15 +206,8 @@ void event_session::connect_keys() {
 
 // Time runs while the event plays, and while a button waits for its time or for the disk.
 void event_session::tick_while_needed() {
-    const bool needed =
-        event_ && (event_->playback().is_playing() || !event_->logger().down_buttons().empty() ||
-                   event_->logger().unrecorded() > 0);
-    if (needed == (tick_timer_ != 0)) return;
-    if (needed) {
-        tick_timer_ = loop_.start_timer(tick_seconds, true, [this] { tick(); });
-    } else {
-        loop_.stop_timer(std::exchange(tick_timer_, 0));
-    }
+    tick_task_->set_running(event_->playback().is_playing() || !event_->logger().down_buttons().empty() ||
+                            event_->logger().unrecorded() > 0);
 }
 
 // The times and the state of playing, in all panes.
@@ -229,9 +219,8 @@ void event_session::show_state() {
     bar.set_range(event_->start_seconds(), end_shown_);
     bar.set_playing(playback.is_playing());
     bar.set_rate(playback.rate());
-    bar.set_looping(looping_);
-    bar.set_volumes(volume(), application_volume());
-    bar.set_muted(muted_);
+    bar.set_looping(player_.is_looping());
+    show_volume();
     panes_.timeline->set_reach(event_->start_seconds(),
                                event_->runs_on_clock() ? end_shown_ : event_->end_seconds());
     pictures_.show_vistels();
@@ -242,174 +231,29 @@ void event_session::show_state() {
 
 void event_session::tick() {
     if (!event_) return;
-    const double seconds = event_->playback().collection_time();
+    const double seconds = event_->playback().shown_time();
     if (event_->runs_on_clock()) follow_end(seconds);
     panes_.collection->bar().set_seconds(seconds);
     panes_.collection->bar().set_frame(pictures_.frame_number());
     panes_.timeline->tick();
     panes_.code->tick();
-    if (event_->playback().is_playing() && !filter_->plays_all()) keep_within_loop(seconds);
     tick_while_needed();
 }
 
-// What is played again and again: the selected clip, or else the event.
-void event_session::find_loop() {
-    if (!event_ || !looping_) return;
-    const auto chosen = selected_clips(event_->timeline().timeline());
-    const bool one = chosen.size() == 1;
-    loop_start_ = one ? chosen.front().clip->secs_start() : event_->start_seconds();
-    loop_end_ = one ? chosen.front().clip->secs_end() : event_->end_seconds();
-}
-
-void event_session::keep_within_loop(double seconds) {
-    synchronised_playback& playback = event_->playback();
-    if (looping_) {
-        const double to = looped(seconds, playback.rate(), loop_start_, loop_end_);
-        if (to != seconds) playback.seek(to);
-    } else if (seconds >= play_until_) {
-        play_until_ = nowhere;
-        playback.pause();
-    }
-}
-
-void event_session::play_or_pause() {
-    if (!event_) return;
-    synchronised_playback& playback = event_->playback();
-    play_until_ = nowhere;
-    if (playback.is_playing()) return playback.pause();
-    if (playback.rate() < 0) playback.set_rate(1);
-    // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
-    if (!event_->runs_on_clock() && playback.collection_time() >= event_->end_seconds())
-        playback.seek(event_->start_seconds());
-    playback.play();
-}
-
-void event_session::pause() {
-    if (!event_) return;
-    event_->playback().pause();
-    event_->playback().set_rate(1);
-}
-
-void event_session::shuttle(int direction) {
-    if (!event_) return;
-    synchronised_playback& playback = event_->playback();
-    play_until_ = nowhere;
-    playback.set_rate(next_shuttle_rate(playback.rate(), playback.is_playing(), direction, fastest_shuttle));
-    playback.play();
-}
-
-void event_session::step(int frames) {
-    if (!event_) return;
-    if (!event_->runs_on_clock()) return event_->playback().step(frames);
-    pause();
-    jump(frames * frame_without_pictures);
-}
-
-void event_session::jump(double seconds) {
-    if (event_) seek(event_->playback().collection_time() + seconds);
-}
-
-void event_session::seek(double seconds) {
-    if (!event_) return;
-    play_until_ = nowhere;
-    const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
-    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), end));
-    tick();
-}
-
-void event_session::to_start() {
-    if (event_) seek(event_->start_seconds());
-}
-
-void event_session::to_end() {
-    if (event_)
-        seek(event_->runs_on_clock() ? event_->timeline().timeline().last_end() : event_->end_seconds());
-}
-
-void event_session::set_rate(double rate) {
-    if (event_) event_->playback().set_rate(rate);
-}
-
-void event_session::set_looping(bool looping) {
-    looping_ = looping;
-    find_loop();
-    show_state();
-}
-
-void event_session::apply_volume() {
-    if (event_) event_->set_silenced(muted_ || !heard_);
-    panes_.collection->bar().set_volumes(volume(), application_volume());
-    panes_.collection->bar().set_muted(muted_);
-}
-
-void event_session::set_volume(double volume) {
-    if (!event_) return;
-    event_->set_volume(volume);
-    muted_ = false;
-    apply_volume();
-    Q_EMIT facts_changed();
-}
-
-void event_session::change_volume(int steps) {
-    // In whole steps, so that nothing adds up.
-    set_volume(std::round(volume() / volume_step + steps) * volume_step);
-    keep_volumes();
-}
-
-double event_session::volume() const {
-    return event_ ? event_->collection().volume() : 1;
-}
-
-double event_session::application_volume() const {
-    return event_ ? event_->application_volume() : 1;
-}
-
-void event_session::set_application_volume(double volume) {
-    if (!event_) return;
-    event_->set_application_volume(volume);
-    muted_ = false;
-    apply_volume();
-    Q_EMIT facts_changed();
+void event_session::show_volume() {
+    transport_bar& bar = panes_.collection->bar();
+    bar.set_volumes(player_.volume(), player_.application_volume());
+    bar.set_muted(player_.is_muted());
 }
 
 void event_session::keep_volumes() {
     if (!event_) return;
-    tell(event_->keep_volumes());
+    tell(player_.keep_volumes());
     Q_EMIT application_volume_chosen(event_->application_volume());
 }
 
-void event_session::take_application_volume(double volume) {
-    if (!event_) return;
-    event_->take_application_volume(volume);
-    apply_volume();
-}
-
-void event_session::set_muted(bool muted) {
-    muted_ = muted;
-    apply_volume();
-    Q_EMIT facts_changed();
-}
-
-void event_session::set_heard(bool heard) {
-    if (heard == heard_) return;
-    heard_ = heard;
-    apply_volume();
-}
-
-void event_session::enlarge(const std::string& vistel) {
-    if (!event_) return;
-    event_->set_enlarged(vistel);
-    panes_.collection->view().set_enlarged(vistel);
-    event_->playback().set_enlarged(vistel);
-}
-
-void event_session::enlarge_next() {
-    if (!event_) return;
-    const auto all = event_->collection().vistels();
-    const std::string now = panes_.collection->view().enlarged();
-    const auto at = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == now; });
-    const auto next = at == all.end() ? all.begin() : at + 1;
-    enlarge(next == all.end() ? std::string() : (*next)->uuid());
+void event_session::show_enlarged() {
+    panes_.collection->view().set_enlarged(event_->enlarged());
 }
 
 void event_session::set_sound_vistel(const std::string& vistel) {
@@ -444,20 +288,11 @@ void event_session::mark_clip(bool start) {
     if (event_) panes_.timeline->trim_selected(start, event_->playback().collection_time());
 }
 
+// Of those selected the first that is seen; else the one that the inspector alone shows.
 void event_session::play_selected_clip() {
     if (!event_) return;
-    // Of those selected the first that is seen; else the one that the inspector alone shows.
     const auto seen = panes_.timeline->state().selected();
-    const auto chosen =
-        seen.empty() ? selected_clips(event_->timeline().timeline()) : std::vector<clip_place>();
-    const auto place = seen.empty() ? chosen.empty() ? std::nullopt : std::optional(chosen.front())
-                                    : event_->timeline().timeline().find_clip(seen.front());
-    if (!place) return;
-    const sxy_CLIP& clip = *place->clip;
-    seek(clip.secs_start());
-    play_until_ = clip.secs_end();
-    if (event_->playback().rate() < 0) event_->playback().set_rate(1);
-    event_->playback().play();
+    player_.play_clip(seen.empty() ? std::string() : seen.front());
 }
 
 void event_session::tell(const result<void>& done) {

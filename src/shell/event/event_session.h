@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/event/event_player.h"
 #include "app/event/open_event.h"
 #include "shell/event/vistel_pictures.h"
 #include "shell/kit/message_bar.h"
@@ -23,6 +24,7 @@ class inspector_view;
 class key_router;
 class read_only_mark;
 class timeline_view;
+class transport_bar;
 
 // The panes that show one event.
 struct event_panes {
@@ -62,35 +64,9 @@ class event_session : public QObject {
     // Every vistel that can be shown shows a picture.
     bool has_all_pictures() const;
 
-    void play_or_pause();
-    void pause();
-    void shuttle(int direction);
-    void step(int frames);
-    void jump(double seconds);
-    void seek(double seconds);
-    void to_start();
-    void to_end();
-    void set_rate(double rate);
-    void set_looping(bool looping);
-    bool is_looping() const { return looping_; }
-    // From 0 to 1: the event's volume, and that of the application, which lies over those of all events. Both
-    // are heard at once; keep_volumes() saves them when the user has chosen.
-    void set_volume(double volume);
-    void change_volume(int steps);
-    double volume() const;
-    void set_application_volume(double volume);
-    double application_volume() const;
+    // Its transport, loop and volume.
+    event_player& player() { return player_; }
     void keep_volumes();
-    // It was chosen in another window.
-    void take_application_volume(double volume);
-    void set_muted(bool muted);
-    bool is_muted() const { return muted_; }
-    // Whether its sound comes out, at the volume and muting set: where several windows play only one is
-    // heard.
-    void set_heard(bool heard);
-    bool is_heard() const { return heard_; }
-    void enlarge(const std::string& vistel);
-    void enlarge_next();
     void set_sound_vistel(const std::string& vistel);
     // Whether a vistel's name is drawn behind its number.
     void set_shows_names(bool shows);
@@ -117,6 +93,7 @@ class event_session : public QObject {
 
   private:
     void connect_panes();
+    void connect_transport(transport_bar& bar);
     void connect_event();
     void connect_keys();
     void show_state();
@@ -124,9 +101,8 @@ class event_session : public QObject {
     void tick_while_needed();
     void tell_trouble(const std::string& reason);
     void tell_made_again(const std::string& button);
-    void find_loop();
-    void keep_within_loop(double seconds);
-    void apply_volume();
+    void show_volume();
+    void show_enlarged();
     void tell(const result<void>& done);
     void tell_save(const std::string& problem);
     void show_opening();
@@ -144,18 +120,14 @@ class event_session : public QObject {
     vistel_pictures pictures_;
     read_only_mark* read_only_;  // in the timeline's header
     std::unique_ptr<filter_control> filter_;
+    event_player player_;
     std::unique_ptr<open_event> event_;
-    std::vector<connection> connections_;
-    run_loop::timer_id tick_timer_ = 0;   // 0: none runs
+    std::vector<connection> player_connections_;
+    std::vector<connection> connections_;  // of the event that is open
+    std::unique_ptr<tick_task> tick_task_;
     run_loop::timer_id watch_timer_ = 0;  // while the timeline can only be read
     run_loop::timer_id alert_timer_ = 0;  // until what the event's vistels lack is told
     double end_shown_ = 0;                // seconds, where the transport ends
-    bool looping_ = false;
-    double loop_start_ = 0;  // seconds
-    double loop_end_ = 0;
-    bool muted_ = false;
-    bool heard_ = true;
-    double play_until_;  // seconds: the end of the clip that is played; infinite: none is
 };
 
 }  // namespace vistels

@@ -28,7 +28,7 @@ void filter_control::set_event(open_event* event) {
     event_ = event;
     filtering_ = event ? &event->filtering() : nullptr;
     if (event) {
-        list_ = std::make_unique<clip_playlist>(event->playback(), loop_);
+        list_ = std::make_unique<clip_playlist>(event->playback(), event->playback().ticks(), loop_.time());
         connections_.push_back(list_->changed.connect([this] { follow_list(); }));
         connections_.push_back(
             filtering_->changed.connect([this](bool marks_changed) { follow(marks_changed); }));

@@ -31,7 +31,7 @@ const std::vector<padding_commands::line>& padding_commands::commands() {
 void padding_commands::run(padding_command which) {
     open_event* event = session_.shown_event();
     if (!event || !event->has_collection() || work_) return;
-    session_.pause();
+    session_.player().pause();
     auto planned = plan_padding(event->collection(), which);
     if (!planned) return tell_failure(planned.message());
     const QString title = tr(padding_command_title(which));

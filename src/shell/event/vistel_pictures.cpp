@@ -225,7 +225,7 @@ long long vistel_pictures::frame_number() const {
 }
 
 long long vistel_pictures::frame_number_by_time(const std::string& vistel) const {
-    const double now = event_->playback().collection_time();
+    const double now = event_->playback().shown_time();
     const auto seconds = movie_time_at(event_->collection(), vistel, now);
     const double each = event_->playback().frame_seconds(vistel);
     if (!seconds || !(each > 0)) return -1;
@@ -237,7 +237,7 @@ bool vistel_pictures::marks_start(const std::string& vistel) const {
     const auto record = event_->collection().find_vistel(vistel);
     if (!record || !event_->collection().shows_missing_starts()) return false;
     const auto starts = record->parts().starts();
-    const auto now = movie_time_at(event_->collection(), vistel, event_->playback().collection_time());
+    const auto now = movie_time_at(event_->collection(), vistel, event_->playback().shown_time());
     return now && !starts.empty() && *now < starts.front();
 }
 
@@ -246,7 +246,7 @@ double vistel_pictures::gap_end(const std::string& vistel) const {
     if (!record) return std::numeric_limits<double>::infinity();
     const vistel_offset offset{record->number(), record->manual_start_offset()};
     const double lead = lead_for_clips(offsets_of(event_->collection()), offset);
-    const double now = event_->playback().collection_time();
+    const double now = event_->playback().shown_time();
     for (const double start : record->parts().starts()) {
         if (start - lead > now) return start - lead;
     }

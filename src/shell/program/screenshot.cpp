@@ -43,10 +43,10 @@ bool screenshot::is_filtered() {
 void screenshot::prepare() {
     prepared_ = true;
     event_session& session = window_.session();
-    if (wish_.at_seconds >= 0) session.seek(wish_.at_seconds);
+    if (wish_.at_seconds >= 0) session.player().seek(wish_.at_seconds);
     const double now = session.shown_event()->playback().collection_time();
     select_clip(now);
-    session.seek(now);
+    session.player().seek(now);
 }
 
 void screenshot::select_clip(double seconds) {

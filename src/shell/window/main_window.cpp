@@ -266,8 +266,8 @@ void main_window::show_facts() {
     actions[command::redo]->setEnabled(can_redo);
     actions[command::undo]->setText(word(tr("Undo"), can_undo ? event->undo().undo_name() : std::string()));
     actions[command::redo]->setText(word(tr("Redo"), can_redo ? event->undo().redo_name() : std::string()));
-    actions[command::loop]->setChecked(session_->is_looping());
-    actions[command::mute]->setChecked(session_->is_muted());
+    actions[command::loop]->setChecked(session_->player().is_looping());
+    actions[command::mute]->setChecked(session_->player().is_muted());
     if (event && event->timeline().has_unsaved_edits()) saved_->show_unsaved();
     show_filter_state();
 }

@@ -98,23 +98,27 @@ void main_window::connect_play_commands() {
     const auto on = [&](command which, auto does) {
         connect(actions[which], &QAction::triggered, session, does);
     };
-    on(command::play, [session] { session->play_or_pause(); });
-    on(command::shuttle_back, [session] { session->shuttle(-1); });
-    on(command::pause, [session] { session->pause(); });
-    on(command::shuttle_on, [session] { session->shuttle(1); });
-    on(command::frame_back, [session] { session->step(-1); });
-    on(command::frame_on, [session] { session->step(1); });
-    on(command::second_back, [session] { session->jump(-second); });
-    on(command::second_on, [session] { session->jump(second); });
-    on(command::to_start, [session] { session->to_start(); });
-    on(command::to_end, [session] { session->to_end(); });
-    on(command::rate_half, [session] { session->set_rate(0.5); });
-    on(command::rate_one, [session] { session->set_rate(1); });
-    on(command::rate_two, [session] { session->set_rate(2); });
-    on(command::loop, [session](bool loops) { session->set_looping(loops); });
-    on(command::mute, [session](bool mutes) { session->set_muted(mutes); });
-    on(command::louder, [session] { session->change_volume(1); });
-    on(command::softer, [session] { session->change_volume(-1); });
+    on(command::play, [session] { session->player().play_or_pause(); });
+    on(command::shuttle_back, [session] { session->player().shuttle(-1); });
+    on(command::pause, [session] { session->player().pause(); });
+    on(command::shuttle_on, [session] { session->player().shuttle(1); });
+    on(command::frame_back, [session] { session->player().step(-1); });
+    on(command::frame_on, [session] { session->player().step(1); });
+    on(command::second_back, [session] { session->player().jump(-second); });
+    on(command::second_on, [session] { session->player().jump(second); });
+    on(command::to_start, [session] { session->player().to_start(); });
+    on(command::to_end, [session] { session->player().to_end(); });
+    on(command::rate_half, [session] { session->player().set_rate(0.5); });
+    on(command::rate_one, [session] { session->player().set_rate(1); });
+    on(command::rate_two, [session] { session->player().set_rate(2); });
+    on(command::loop, [session](bool loops) { session->player().set_looping(loops); });
+    on(command::mute, [session](bool mutes) { session->player().set_muted(mutes); });
+    const auto change_volume = [session](int steps) {
+        session->player().change_volume(steps);
+        session->keep_volumes();
+    };
+    on(command::louder, [change_volume] { change_volume(1); });
+    on(command::softer, [change_volume] { change_volume(-1); });
     on(command::volumes, [this] { collection_->bar().show_volumes(); });
 }
 
@@ -218,8 +222,10 @@ void main_window::connect_view_commands() {
             [this](bool shown) { frame_->set_shown(window_frame::side::left, shown); });
     connect(actions[command::inspector], &QAction::triggered, frame_,
             [this](bool shown) { frame_->set_shown(window_frame::side::right, shown); });
-    connect(actions[command::all_vistels], &QAction::triggered, session, [session] { session->enlarge({}); });
-    connect(actions[command::next_vistel], &QAction::triggered, session, &event_session::enlarge_next);
+    connect(actions[command::all_vistels], &QAction::triggered, session,
+            [session] { session->player().enlarge({}); });
+    connect(actions[command::next_vistel], &QAction::triggered, session,
+            [session] { session->player().enlarge_next(); });
     connect(actions[command::theme_desktop], &QAction::triggered, this, [this] { choose_theme({}); });
     connect(actions[command::theme_dark], &QAction::triggered, this, [this] { choose_theme("dark"); });
     connect(actions[command::theme_light], &QAction::triggered, this, [this] { choose_theme("light"); });

@@ -218,7 +218,7 @@ void window_set::connect_window(main_window& window) {
     });
     connect(&one->session(), &event_session::application_volume_chosen, this, [this, one](double volume) {
         for (const auto& other : members_) {
-            if (other.window.get() != one) other.window->session().take_application_volume(volume);
+            if (other.window.get() != one) other.window->session().player().take_application_volume(volume);
         }
     });
     connect(one, &main_window::closing, this, [this, one] { take_closing(one); });
@@ -399,7 +399,7 @@ void window_set::let_go_of_closed() {
 
 // What depends on which windows there are, what they show and which is in front.
 void window_set::show_state() {
-    for (const auto& one : members_) one.window->session().set_heard(&one == &members_.front());
+    for (const auto& one : members_) one.window->session().player().set_heard(&one == &members_.front());
     list_in_menus();
     keep();
 }

@@ -61,7 +61,7 @@ class engine_source final : public code_window_source {
     void release(const std::string& button, double clock_seconds) override {
         engine_.release(button, playing_.collection_time_at(clock_seconds));
     }
-    double collection_time() const override { return playing_.collection_time(); }
+    double collection_time() const override { return playing_.shown_time(); }
 
   private:
     static code_button face_of(const markup_Button_Item& button, std::size_t number) {

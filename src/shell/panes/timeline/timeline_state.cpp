@@ -49,7 +49,7 @@ void timeline_state::set_timeline(timeline_document* document, transport* playin
     fits_ = true;
     if (document_)
         changed_ = document_->changed.connect([this](const change_set& change) { take_change(change); });
-    playhead_ = playing_ ? playing_->collection_time() : 0;
+    playhead_ = playing_ ? playing_->shown_time() : 0;
     read_rows();
     selection_changed.emit();
 }
@@ -160,7 +160,7 @@ void timeline_state::scroll_rows_to(int y) {
 
 void timeline_state::tick() {
     if (!playing_) return;
-    const double now = playing_->collection_time();
+    const double now = playing_->shown_time();
     const bool plays = playing_->is_playing();
     if (plays && !was_playing_) follows_ = true;
     was_playing_ = plays;

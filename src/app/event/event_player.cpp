@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/event_player.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/event/open_event.h"
+#include "app/event/shuttle.h"
+#include "timeline/edits/clip_edits.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double volume_step = 0.1;
+constexpr double fastest_shuttle = 8;
+// A step where there are no frames.
+constexpr double frame_without_pictures = 0.04;
+
+}  // namespace
+
+event_player::event_player() = default;
+event_player::~event_player() = default;
+
+void event_player::set_event(open_event* event) {
+    state_.disconnect();
+    task_.reset();
+    play_until_.reset();
+    plays_list_ = false;
+    event_ = event;
+    if (!event_) return;
+    task_ = std::make_unique<tick_task>(event_->playback().ticks(), tick_step::time, [this] { tick(); });
+    state_ = event_->playback().state_changed.connect(
+        [this] { task_->set_running(event_->playback().is_playing()); });
+    follow_selection();
+    apply_volume();
+}
+
+void event_player::tick() {
+    synchronised_playback& playback = event_->playback();
+    if (plays_list_) return;
+    const double seconds = playback.collection_time();
+    if (looping_) {
+        const double to = looped(seconds, playback.rate(), loop_.start, loop_.end);
+        if (to != seconds) playback.seek(to);
+    } else if (play_until_ && seconds >= *play_until_) {
+        play_until_.reset();
+        playback.pause();
+    }
+}
+
+void event_player::play_or_pause() {
+    if (!event_) return;
+    synchronised_playback& playback = event_->playback();
+    play_until_.reset();
+    if (playback.is_playing()) return playback.pause();
+    if (playback.rate() < 0) playback.set_rate(1);
+    // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
+    if (!event_->runs_on_clock() && playback.collection_time() >= event_->end_seconds())
+        playback.seek(event_->start_seconds());
+    playback.play();
+}
+
+void event_player::pause() {
+    if (!event_) return;
+    event_->playback().pause();
+    event_->playback().set_rate(1);
+}
+
+void event_player::shuttle(int direction) {
+    if (!event_) return;
+    synchronised_playback& playback = event_->playback();
+    play_until_.reset();
+    playback.set_rate(next_shuttle_rate(playback.rate(), playback.is_playing(), direction, fastest_shuttle));
+    playback.play();
+}
+
+void event_player::step(int frames) {
+    if (!event_) return;
+    if (!event_->runs_on_clock()) return event_->playback().step(frames);
+    pause();
+    jump(frames * frame_without_pictures);
+}
+
+void event_player::jump(double seconds) {
+    if (event_) seek(event_->playback().collection_time() + seconds);
+}
+
+void event_player::seek(double seconds) {
+    if (!event_) return;
+    play_until_.reset();
+    const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
+    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), end));
+    sought.emit();
+}
+
+void event_player::to_start() {
+    if (event_) seek(event_->start_seconds());
+}
+
+void event_player::to_end() {
+    if (event_)
+        seek(event_->runs_on_clock() ? event_->timeline().timeline().last_end() : event_->end_seconds());
+}
+
+void event_player::set_rate(double rate) {
+    if (event_) event_->playback().set_rate(rate);
+}
+
+void event_player::set_looping(bool looping) {
+    looping_ = looping;
+    follow_selection();
+    looping_changed.emit();
+}
+
+void event_player::follow_selection() {
+    if (!event_ || !looping_) return;
+    const auto chosen = selected_clips(event_->timeline().timeline());
+    const bool one = chosen.size() == 1;
+    loop_.start = one ? chosen.front().clip->secs_start() : event_->start_seconds();
+    loop_.end = one ? chosen.front().clip->secs_end() : event_->end_seconds();
+}
+
+void event_player::play_clip(const std::string& clip) {
+    if (!event_) return;
+    const sxy_DATA_root& timeline = event_->timeline().timeline();
+    const auto chosen = clip.empty() ? selected_clips(timeline) : std::vector<clip_place>();
+    const auto place = !clip.empty()    ? timeline.find_clip(clip)
+                       : chosen.empty() ? std::nullopt
+                                        : std::optional(chosen.front());
+    if (!place) return;
+    const double end = place->clip->secs_end();
+    seek(place->clip->secs_start());
+    play_until_ = end;
+    if (event_->playback().rate() < 0) event_->playback().set_rate(1);
+    event_->playback().play();
+}
+
+void event_player::apply_volume() {
+    if (event_) event_->set_silenced(muted_ || !heard_);
+    volumes_changed.emit();
+}
+
+void event_player::set_volume(double volume) {
+    if (!event_) return;
+    event_->set_volume(volume);
+    muted_ = false;
+    apply_volume();
+}
+
+void event_player::change_volume(int steps) {
+    // In whole steps, so that nothing adds up.
+    set_volume(std::round(volume() / volume_step + steps) * volume_step);
+}
+
+double event_player::volume() const {
+    return event_ ? event_->collection().volume() : 1;
+}
+
+void event_player::set_application_volume(double volume) {
+    if (!event_) return;
+    event_->set_application_volume(volume);
+    muted_ = false;
+    apply_volume();
+}
+
+double event_player::application_volume() const {
+    return event_ ? event_->application_volume() : 1;
+}
+
+result<void> event_player::keep_volumes() {
+    return event_ ? event_->keep_volumes() : result<void>();
+}
+
+void event_player::take_application_volume(double volume) {
+    if (!event_) return;
+    event_->take_application_volume(volume);
+    apply_volume();
+}
+
+void event_player::set_muted(bool muted) {
+    muted_ = muted;
+    apply_volume();
+}
+
+void event_player::set_heard(bool heard) {
+    if (heard == heard_) return;
+    heard_ = heard;
+    apply_volume();
+}
+
+void event_player::enlarge(const std::string& vistel) {
+    if (!event_) return;
+    event_->set_enlarged(vistel);
+    enlarged_changed.emit();
+}
+
+void event_player::enlarge_next() {
+    if (!event_) return;
+    const auto all = event_->collection().vistels();
+    const std::string now = event_->enlarged();
+    const auto at = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == now; });
+    const auto next = now.empty() ? all.begin() : at == all.end() ? all.begin() : at + 1;
+    enlarge(next == all.end() ? std::string() : (*next)->uuid());
+}
+
+}  // namespace vistels

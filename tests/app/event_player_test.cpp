@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/event/event_player.h"
+
+#include <gtest/gtest.h>
+
+#include "app/event/open_event.h"
+#include "app/settings/settings.h"
+#include "app/vaults/home_vault.h"
+#include "support/stored_event.h"
+#include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
+#include "util/simulated_run_loop.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+using testing::clip_of;
+using testing::temporary_folder;
+
+constexpr double a_tick = 1.0 / 60 + 1e-6;
+
+// An event of 20 seconds with the clips "early" from 2 to 4 and "late" from 10 to 13.
+class player : public ::testing::Test {
+  protected:
+    player() {
+        testing::put_stored_event(home / "Cup.VVault", folder, 0);
+        opened = open_event::open(folder, find_home_places(home.path()), loop).value();
+        operated.set_event(opened.get());
+        timeline_edit edit{"clips", "", {operation::insert_row{0, testing::row_of("row", "Shot")}}};
+        for (const auto& clip : {clip_of("early", 2, 4), clip_of("late", 10, 13)}) {
+            edit.operations.push_back(operation::insert_clip{shared_text("row"), clip});
+        }
+        EXPECT_TRUE(opened->timeline().apply(edit));
+    }
+    ~player() override { operated.set_event(nullptr); }
+
+    void select(const std::vector<std::string>& clips) {
+        for (const char* one : {"early", "late"}) {
+            const bool is_one = std::find(clips.begin(), clips.end(), one) != clips.end();
+            opened->timeline().timeline().find_clip(one)->clip->set_selected(is_one);
+        }
+        operated.follow_selection();
+    }
+    double now() const { return opened->playback().collection_time(); }
+    bool plays() const { return opened->playback().is_playing(); }
+
+    temporary_folder home;
+    const std::string folder = home / "Cup.VVault/Video Groups/Final";
+    simulated_run_loop loop;
+    std::unique_ptr<open_event> opened;
+    event_player operated;
+};
+
+TEST_F(player, a_clip_is_played_from_its_start_to_its_end) {
+    operated.set_rate(-2);
+    operated.play_clip("late");
+    EXPECT_DOUBLE_EQ(now(), 10);
+    EXPECT_EQ(opened->playback().rate(), 1);
+    loop.advance(2.95);
+    EXPECT_TRUE(plays());
+    loop.advance(1);
+    EXPECT_FALSE(plays());
+    EXPECT_NEAR(now(), 13, a_tick);
+
+    // Whoever takes over plays on beyond the end.
+    for (const bool by_seek : {true, false}) {
+        operated.play_clip("late");
+        loop.advance(1);
+        if (by_seek) operated.seek(12);
+        operated.shuttle(1);
+        loop.advance(3);
+        EXPECT_TRUE(plays());
+        EXPECT_GT(now(), 14);
+        operated.pause();
+        EXPECT_EQ(opened->playback().rate(), 1);
+    }
+    select({"early", "late"});
+    operated.play_clip();
+    EXPECT_DOUBLE_EQ(now(), 2);
+    operated.seek(7);
+    operated.play_clip("gone");
+    EXPECT_DOUBLE_EQ(now(), 7);
+}
+
+TEST_F(player, a_loop_goes_round_the_one_selected_clip_or_the_event) {
+    struct {
+        std::vector<std::string> selected;
+        double rate;
+        double from;
+        double seconds;
+        double ends_at;
+    } const cases[] = {
+        {{"early"}, 1, 3, 2.5, 3.5},   // 3 to 4, then from 2
+        {{"early"}, -1, 3, 2.5, 2.5},  // 3 to 2, then from 4
+        {{"early", "late"}, 1, 19, 3, 2}, {{}, 1, 19, 3, 2}, {{"late"}, 0.5, 12, 3, 10.5},
+    };
+    operated.set_looping(true);
+    for (const auto& one : cases) {
+        select(one.selected);
+        operated.seek(one.from);
+        operated.set_rate(one.rate);
+        opened->playback().play();
+        loop.advance(one.seconds);
+        EXPECT_TRUE(plays());
+        EXPECT_NEAR(now(), one.ends_at, 3 * a_tick) << one.from << " at " << one.rate;
+        operated.pause();
+    }
+    // Turned on and off in the middle, and not while clips are played one after another.
+    select({"early"});
+    operated.set_looping(false);
+    operated.seek(3);
+    operated.play_or_pause();
+    loop.advance(2);
+    EXPECT_NEAR(now(), 5, a_tick);
+    operated.set_plays_list(true);
+    operated.set_looping(true);
+    loop.advance(1);
+    EXPECT_NEAR(now(), 6, a_tick);
+    operated.set_plays_list(false);
+    loop.advance(0.5);
+    EXPECT_NEAR(now(), 2.5, 2 * a_tick);
+}
+
+TEST_F(player, rates_and_places_stay_within_the_event) {
+    operated.seek(5);
+    for (const double rate : {1.0, 2.0, 4.0, 8.0, 8.0}) {
+        operated.shuttle(1);
+        EXPECT_EQ(opened->playback().rate(), rate);
+    }
+    operated.shuttle(-1);
+    EXPECT_EQ(opened->playback().rate(), -1);
+    operated.play_or_pause();
+    EXPECT_FALSE(plays());
+    operated.play_or_pause();
+    EXPECT_EQ(opened->playback().rate(), 1);  // playing is forwards
+    operated.seek(1e9);
+    EXPECT_DOUBLE_EQ(now(), 20);
+    operated.pause();
+    operated.play_or_pause();  // at the end it begins anew
+    EXPECT_DOUBLE_EQ(now(), 0);
+    operated.pause();
+    operated.jump(5);
+    EXPECT_DOUBLE_EQ(now(), 5);
+    operated.to_end();
+    EXPECT_DOUBLE_EQ(now(), 20);
+    operated.to_start();
+    operated.jump(-3);
+    EXPECT_DOUBLE_EQ(now(), 0);
+}
+
+TEST_F(player, what_is_heard_is_the_product_of_both_volumes) {
+    operated.set_volume(0.5);
+    operated.set_application_volume(0.4);
+    EXPECT_DOUBLE_EQ(opened->playback().volume(), 0.2);
+    operated.set_muted(true);
+    EXPECT_EQ(opened->playback().volume(), 0);
+    operated.change_volume(1);  // which unmutes
+    EXPECT_FALSE(operated.is_muted());
+    EXPECT_DOUBLE_EQ(operated.volume(), 0.6);
+    operated.set_heard(false);
+    EXPECT_EQ(opened->playback().volume(), 0);
+    operated.set_heard(true);
+    EXPECT_DOUBLE_EQ(opened->playback().volume(), 0.24);
+    operated.change_volume(7);
+    EXPECT_EQ(operated.volume(), 1);
+    EXPECT_TRUE(operated.keep_volumes());
+    EXPECT_DOUBLE_EQ(load_application_volume(find_home_places(home.path())), 0.4);
+
+    // What a person chose for the window holds for its next event.
+    operated.set_muted(true);
+    operated.set_event(nullptr);
+    operated.set_volume(0.1);
+    opened.reset();
+    opened = open_event::open(folder, find_home_places(home.path()), loop).value();
+    operated.set_event(opened.get());
+    EXPECT_EQ(opened->playback().volume(), 0);
+    EXPECT_EQ(operated.volume(), 1);
+}
+
+TEST_F(player, each_vistel_is_enlarged_in_turn) {
+    std::vector<std::string> seen;
+    const auto kept = operated.enlarged_changed.connect([&] { seen.push_back(opened->enlarged()); });
+    for (int i = 0; i < 4; ++i) operated.enlarge_next();
+    EXPECT_EQ(seen, (std::vector<std::string>{"A", "B", "", "A"}));
+}
+
+}  // namespace
+}  // namespace vistels
