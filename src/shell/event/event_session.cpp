@@ -11,6 +11,7 @@
 #include "shell/keys/key_router.h"
 #include "shell/keys/key_strokes.h"
 #include "shell/kit/pane_header.h"
+#include "shell/kit/refresh_rate.h"
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
@@ -28,6 +29,7 @@ event_session::event_session(event_panes panes, run_loop& loop)
       loop_(loop),
       pictures_(*panes.collection),
       read_only_(new read_only_mark(panes.timeline)),
+      refresh_rate_(new refresh_rate(*panes.collection)),
       filter_(std::make_unique<filter_control>(*panes.timeline, *panes.inspector, loop)) {
     panes_.timeline->header().add_first_control(read_only_);
     connect_panes();
@@ -99,6 +101,9 @@ bool event_session::has_all_pictures() const {
 
 void event_session::connect_panes() {
     connect_transport(panes_.collection->bar());
+    connect(refresh_rate_, &refresh_rate::changed, this, [this](double hertz) {
+        if (event_) event_->playback().ticks().set_rate(hertz);
+    });
     collection_view& view = panes_.collection->view();
     connect(&view, &collection_view::enlarge_asked, this,
             [this](const QString& vistel) { player_.enlarge(vistel.toStdString()); });
@@ -138,6 +143,7 @@ void event_session::connect_transport(transport_bar& bar) {
 void event_session::connect_event() {
     synchronised_playback& playback = event_->playback();
     timeline_document& timeline = event_->timeline();
+    playback.ticks().set_rate(refresh_rate_->hertz());
     tick_task_ = std::make_unique<tick_task>(playback.ticks(), tick_step::views, [this] { tick(); });
     pictures_.set_event(event_.get());
     panes_.timeline->set_timeline(&timeline, &playback);

@@ -23,6 +23,7 @@ class filter_entry;
 class inspector_view;
 class key_router;
 class read_only_mark;
+class refresh_rate;
 class timeline_view;
 class transport_bar;
 
@@ -118,7 +119,8 @@ class event_session : public QObject {
     const event_panes panes_;
     run_loop& loop_;
     vistel_pictures pictures_;
-    read_only_mark* read_only_;  // in the timeline's header
+    read_only_mark* read_only_;   // in the timeline's header
+    refresh_rate* refresh_rate_;  // of the screen that shows the event
     std::unique_ptr<filter_control> filter_;
     event_player player_;
     std::unique_ptr<open_event> event_;
