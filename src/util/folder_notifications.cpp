@@ -43,22 +43,13 @@ bool is_changed_elsewhere(const std::string& folder) {
 
 }  // namespace
 
-// What is told to the main thread, and not yet taken by it.
-struct folder_notifications::shared_state {
-    std::mutex mutex;
-    std::set<std::string> groups;
-    bool volumes = false;
-    bool is_posted = false;
-};
-
 folder_notifications::folder_notifications(run_loop& loop, observers observe, std::size_t most_folders)
     : loop_(loop),
       observe_(std::move(observe)),
       most_folders_(most_folders),
       notify_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
       ending_(::eventfd(0, EFD_CLOEXEC)),
-      volumes_(::open("/proc/self/mounts", O_RDONLY | O_CLOEXEC)),
-      told_(std::make_shared<shared_state>()) {
+      volumes_(::open("/proc/self/mounts", O_RDONLY | O_CLOEXEC)) {
     if (ending_ < 0) return;  // no descriptors are left: nothing is told
     thread_ = std::thread([this] { wait_for_events(); });
     ::pthread_setname_np(thread_.native_handle(), "folders");
@@ -193,22 +184,21 @@ void folder_notifications::take_event(int watch, std::uint32_t mask, std::string
 }
 
 void folder_notifications::tell(std::set<std::string> groups, bool volumes) {
-    const std::lock_guard lock(told_->mutex);
-    told_->groups.merge(groups);
-    told_->volumes = told_->volumes || volumes;
-    if (std::exchange(told_->is_posted, true)) return;
-    // This object may be gone when the loop comes to it.
-    loop_.post([weak = std::weak_ptr(told_), observe = observe_] {
-        const auto told = weak.lock();
-        if (!told) return;
-        std::unique_lock taking(told->mutex);
-        const auto changed = std::exchange(told->groups, {});
-        const bool mounted = std::exchange(told->volumes, false);
-        told->is_posted = false;
-        taking.unlock();
-        if (!changed.empty()) observe.changed(changed);
-        if (mounted) observe.volumes_changed();
-    });
+    const std::lock_guard lock(told_mutex_);
+    changed_groups_.merge(groups);
+    are_volumes_changed_ = are_volumes_changed_ || volumes;
+    if (std::exchange(is_posted_, true)) return;
+    loop_.post(guard_.guarded([this] { call_observers(); }));
+}
+
+void folder_notifications::call_observers() {
+    std::unique_lock taking(told_mutex_);
+    const auto changed = std::exchange(changed_groups_, {});
+    const bool mounted = std::exchange(are_volumes_changed_, false);
+    is_posted_ = false;
+    taking.unlock();
+    if (!changed.empty()) observe_.changed(changed);
+    if (mounted) observe_.volumes_changed();
 }
 
 }  // namespace vistels

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
@@ -13,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 
 namespace vistels {
@@ -20,8 +20,9 @@ namespace vistels {
 // Tells when names appear in watched folders, go from them or move, and when volumes are mounted or
 // unmounted. Folders are watched in groups; what is told is the name of the group. Where the file system
 // cannot tell (volumes of other machines, no watches left), watch() says so.
-// Made and destroyed on the main thread, where the observers are called through the loop; watch() and
-// forget() may be called from any thread. It has a thread of its own, which waits for the kernel.
+// Made and destroyed on the main thread, where the observers are called through the loop; they must not
+// destroy it. watch() and forget() may be called from any thread. It has a thread of its own, which waits for
+// the kernel.
 class folder_notifications {
   public:
     struct observers {
@@ -50,12 +51,11 @@ class folder_notifications {
     void forget(const std::string& group);
 
   private:
-    struct shared_state;
-
     void wait_for_events();
     void read_events();
     void take_event(int watch, std::uint32_t mask, std::string_view name);
     void tell(std::set<std::string> groups, bool volumes);
+    void call_observers();
     struct watched_group;
     bool add_folder(watched_group& group, const std::string& folder, outcome& done);
     void remove_watch(const std::string& group, int watch);
@@ -71,7 +71,12 @@ class folder_notifications {
     // Guarded by mutex_.
     std::map<std::string, std::unordered_map<std::string, int>> watches_of_group_;  // by folder
     std::unordered_map<int, std::vector<const std::string*>> groups_of_watch_;      // its keys above
-    std::shared_ptr<shared_state> told_;
+    // What happened and the main thread has not taken yet. watch() may hold the other lock for long.
+    std::mutex told_mutex_;
+    std::set<std::string> changed_groups_;
+    bool are_volumes_changed_ = false;
+    bool is_posted_ = false;
+    posted_work_guard guard_;
     std::thread thread_;
 };
 

@@ -6,6 +6,7 @@
 
 #include "util/colour_text.h"
 #include "util/plain_run_loop.h"
+#include "util/posted_work_guard.h"
 #include "util/record_lock.h"
 #include "util/serial_queue.h"
 #include "util/shared_text.h"
@@ -102,6 +103,50 @@ TEST(serial_queue, runs_in_order_and_drains) {
     }
     ASSERT_EQ(ran.size(), 101U);
     EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST(posted_work_guard, work_that_comes_after_its_owner_is_left) {
+    struct owner {
+        explicit owner(run_loop& where, std::string& told) : loop(where), said(told) {}
+        ~owner() { said += " gone"; }
+        void say_on_queue(const std::string& word) {
+            queue.post([this, word] { loop.post(guard.guarded([this, word] { said += " " + word; })); });
+        }
+        run_loop& loop;
+        std::string& said;
+        posted_work_guard guard;
+        serial_queue queue{"test"};
+    };
+    simulated_run_loop loop;
+    std::string said;
+    auto made = std::make_unique<owner>(loop, said);
+    // In the order in which it was posted; the last one is posted while the owner is destroyed.
+    made->say_on_queue("first");
+    made->queue.drain();
+    loop.run_posted();
+    made->say_on_queue("never");
+    made->queue.drain();
+    made->guard.drop();
+    made->say_on_queue("second");
+    made->queue.drain();
+    loop.run_posted();
+    made->say_on_queue("never");
+    made->queue.drain();
+    made->say_on_queue("never");
+    made.reset();
+    loop.run_posted();
+    EXPECT_EQ(said, " first second gone");
+
+    // Work may destroy its owner, and takes what it is called with.
+    made = std::make_unique<owner>(loop, said = "");
+    auto end = made->guard.guarded([&made](std::unique_ptr<int> number, int& count) {
+        count += *number;
+        made.reset();
+    });
+    int count = 0;
+    for (int call = 0; call < 2; ++call) end(std::make_unique<int>(2), count);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(said, " gone");
 }
 
 TEST(signal, observers_may_come_and_go_while_it_is_emitted) {

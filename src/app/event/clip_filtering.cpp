@@ -102,14 +102,11 @@ void clip_filtering::start_job(const std::string& text, std::shared_ptr<clip_fil
     running_->text = text;
     running_->filter = std::move(filter);
     standing_.is_judging = true;
-    queue_.post([running = running_, rows = document_.snapshot().rows, &loop = loop_,
-                 alive = std::weak_ptr(alive_), self = this] {
+    queue_.post([this, running = running_, rows = document_.snapshot().rows] {
         if (running->work.is_cancelled()) return;
         running->found = running->filter->judge_all(rows, running->work);
         if (!running->found) return;
-        loop.post([running, alive, self] {
-            if (!alive.expired()) self->arrive(running);
-        });
+        loop_.post(guard_.guarded([this, running] { arrive(running); }));
     });
 }
 

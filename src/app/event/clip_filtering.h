@@ -12,6 +12,7 @@
 
 #include "formula/clip_filter.h"
 #include "timeline/files/timeline_document.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"
@@ -86,7 +87,7 @@ class clip_filtering {
     std::optional<run_loop::timer_id> pause_;
     std::shared_ptr<running_job> running_;  // null: none
     connection changes_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // for work that is posted to the loop
+    posted_work_guard guard_;
     serial_queue queue_{"filter"};  // last: its work is done before the rest goes
 };
 

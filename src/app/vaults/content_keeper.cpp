@@ -17,9 +17,7 @@ constexpr std::chrono::milliseconds between_counts{500};
 }  // namespace
 
 content_keeper::content_keeper(home_places places, run_loop& loop, files_MASTER_LIST::options how)
-    : loop_(loop),
-      list_(std::move(places), loop, std::move(how)),
-      self_(std::make_shared<content_keeper*>(this)) {
+    : loop_(loop), list_(std::move(places), loop, std::move(how)) {
     list_changed_ = list_.changed.connect([this] {
         show();
         count_in_background();
@@ -29,7 +27,6 @@ content_keeper::content_keeper(home_places places, run_loop& loop, files_MASTER_
 content_keeper::~content_keeper() {
     ++wanted_;
     queue_.forget_waiting();
-    *self_ = nullptr;
 }
 
 void content_keeper::refresh() {
@@ -64,9 +61,7 @@ void content_keeper::count(const std::vector<std::string>& folders, unsigned wan
     auto told = steady::now();
     counts news;
     const auto hand_over = [&] {
-        loop_.post([self = self_, news = std::exchange(news, {})] {
-            if (*self) (*self)->take(news);
-        });
+        loop_.post(guard_.guarded([this, news = std::exchange(news, {})] { take(news); }));
         told = steady::now();
     };
     for (const auto& folder : folders) {

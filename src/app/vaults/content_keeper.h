@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <map>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "app/vaults/content_list.h"
 #include "app/vaults/files_MASTER_LIST.h"
 #include "util/file_system.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"
@@ -57,7 +57,7 @@ class content_keeper {
     std::vector<content_vault> vaults_;
     bool started_ = false;
     std::map<std::string, long long> clips_;  // by folder
-    std::shared_ptr<content_keeper*> self_;   // for counts that come too late
+    posted_work_guard guard_;
     std::atomic<unsigned> wanted_{0};         // a counting that is not the newest ends
     std::map<std::string, counted> counted_;  // on the queue only
     serial_queue queue_{"content"};

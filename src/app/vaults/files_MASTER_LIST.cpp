@@ -145,7 +145,6 @@ files_MASTER_LIST::files_MASTER_LIST(home_places places, run_loop& loop, options
       watches_(how.watches),
       most_watched_folders_(how.most_watched_folders),
       focus_vault_(places_.home_vault),
-      self_(std::make_shared<files_MASTER_LIST*>(this)),
       background_(new background(places_)),
       space_(loop, [this](const auto& all) { take_spaces(all); }) {
     for (auto& tree : how.known_trees) {
@@ -191,9 +190,7 @@ void files_MASTER_LIST::begin_look() {
     const bool is_first = last_time_file_list_updated_ == 0;
     queue_.post([this, all, is_first, asked = std::exchange(asked_for_, {})] {
         finding found = is_first ? background_->list() : background_->look(all, asked, watcher_.get());
-        loop_.post([weak = std::weak_ptr(self_), found = std::move(found)]() mutable {
-            if (const auto self = weak.lock()) (*self)->take(std::move(found));
-        });
+        loop_.post(guard_.guarded([this, found = std::move(found)]() mutable { take(std::move(found)); }));
     });
 }
 

@@ -12,6 +12,7 @@
 #include "app/settings/places.h"
 #include "app/vaults/vault_scan.h"
 #include "app/vaults/vault_space.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"
@@ -113,9 +114,9 @@ class files_MASTER_LIST {
     int minimum_free_percent_ = 10;
     double last_time_file_list_updated_ = 0;
     bool is_looking_ = false;
-    bool all_are_asked_for_ = false;            // a look at all is wanted after the one under way
-    std::set<std::string> asked_for_;           // or at these
-    std::shared_ptr<files_MASTER_LIST*> self_;  // gone for work that comes too late
+    bool all_are_asked_for_ = false;   // a look at all is wanted after the one under way
+    std::set<std::string> asked_for_;  // or at these
+    posted_work_guard guard_;
     std::unique_ptr<files_Root_watcher_ROOT> watcher_;
     std::unique_ptr<background> background_;
     file_item_Update_Vault_Free_Space_in_background_25 space_;

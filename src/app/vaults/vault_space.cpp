@@ -22,7 +22,7 @@ result<volume_space> space_of(const std::string& path) {
 
 file_item_Update_Vault_Free_Space_in_background_25::file_item_Update_Vault_Free_Space_in_background_25(
     run_loop& loop, observer found)
-    : loop_(loop), found_(std::make_shared<observer>(std::move(found))) {}
+    : loop_(loop), found_(std::move(found)) {}
 
 file_item_Update_Vault_Free_Space_in_background_25::~file_item_Update_Vault_Free_Space_in_background_25() {
     queue_.forget_waiting();
@@ -35,10 +35,7 @@ void file_item_Update_Vault_Free_Space_in_background_25::update(std::vector<std:
         for (const auto& vault : vaults) {
             if (const auto space = space_of(vault)) all.push_back({vault, space.value()});
         }
-        // The asker may be gone when the loop comes to it.
-        loop_.post([weak = std::weak_ptr(found_), all = std::move(all)] {
-            if (const auto found = weak.lock()) (*found)(all);
-        });
+        loop_.post(guard_.guarded([this, all = std::move(all)] { found_(all); }));
     });
 }
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "util/posted_work_guard.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
@@ -42,7 +42,8 @@ class file_item_Update_Vault_Free_Space_in_background_25 {
 
   private:
     run_loop& loop_;
-    std::shared_ptr<observer> found_;
+    const observer found_;
+    posted_work_guard guard_;
     serial_queue queue_{"free space"};
 };
 

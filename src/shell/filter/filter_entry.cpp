@@ -37,7 +37,8 @@ void filter_entry::set_source(clip_filtering* filtering, timeline_document* docu
     document_ = document;
     edited_.disconnect();
     standing_ = {};
-    counting_.reset();
+    guard_.drop();
+    is_counting_ = false;
     texts_ = std::make_shared<formula_texts>();
     are_texts_old_ = true;
     if (document_) edited_ = document_->changed.connect([this](const change_set&) { are_texts_old_ = true; });
@@ -133,19 +134,18 @@ void filter_entry::find_message() {
 }
 
 void filter_entry::refresh_texts() {
-    if (!document_ || !are_texts_old_ || counting_) return;
+    if (!document_ || !are_texts_old_ || is_counting_) return;
     are_texts_old_ = false;
-    counting_ = std::make_shared<int>();
-    queue_.post([this, &loop = loop_, revision = document_->snapshot(),
-                 asked = std::weak_ptr<int>(counting_)]() mutable {
-        auto counted = std::make_shared<const formula_texts>(revision);
+    is_counting_ = true;
+    auto arrive = guard_.guarded([this](const std::shared_ptr<const formula_texts>& counted) {
+        is_counting_ = false;
+        texts_ = counted;
+        Q_EMIT texts_changed();
+    });
+    queue_.post([&loop = loop_, revision = document_->snapshot(), arrive]() mutable {
+        const auto counted = std::make_shared<const formula_texts>(revision);
         revision = {};
-        loop.post([this, counted, asked] {
-            if (asked.expired()) return;  // another event is shown, or none
-            counting_.reset();
-            texts_ = counted;
-            Q_EMIT texts_changed();
-        });
+        loop.post([arrive, counted]() mutable { arrive(counted); });
     });
 }
 

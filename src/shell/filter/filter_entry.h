@@ -10,6 +10,7 @@
 #include "app/settings/places.h"
 #include "formula/formula_completion.h"
 #include "shell/filter/filter_colours.h"
+#include "util/posted_work_guard.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
@@ -91,8 +92,8 @@ class filter_entry : public QObject {
     connection edited_;
     std::shared_ptr<const formula_texts> texts_ = std::make_shared<formula_texts>();
     bool are_texts_old_ = true;
-    // Of the counting under way; another source makes a new one, so that what comes late is left.
-    std::shared_ptr<int> counting_;
+    bool is_counting_ = false;
+    posted_work_guard guard_;  // of the counting under way
     serial_queue queue_{"filter texts"};
 };
 

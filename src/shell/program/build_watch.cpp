@@ -16,24 +16,20 @@ build_watch::build_watch(home_places places, double running_build, running_execu
     timer_.start(static_cast<int>(seconds * milliseconds));
 }
 
-build_watch::~build_watch() {
-    *alive_ = false;
-}
-
 void build_watch::look() {
-    queue_.post([this, alive = alive_] {
+    queue_.post([this] {
         if (!executable_.is_replaced()) return;
         const auto checked = check_for_newer_build(places_, running_build_, executable_);
         if (!checked || checked.value().empty()) return;
-        loop_.post([this, alive, text = checked.value()] {
-            if (!*alive || std::exchange(last_told_, text) == text) return;
+        loop_.post(guard_.guarded([this, text = checked.value()] {
+            if (std::exchange(last_told_, text) == text) return;
             const QString words = QString::fromStdString(text).simplified();
             Q_EMIT told({user_message::tone::good,
                          tr("A newer build is installed"),
                          words,
                          {},
                          {{tr("Continue"), {}}}});
-        });
+        }));
     });
 }
 

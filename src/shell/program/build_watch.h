@@ -3,11 +3,11 @@
 
 #include <QObject>
 #include <QTimer>
-#include <memory>
 
 #include "app/settings/places.h"
 #include "app/start/build_check.h"
 #include "shell/kit/message_bar.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 
@@ -21,7 +21,6 @@ class build_watch : public QObject {
     // `loop` must outlive it. Looks every `seconds`.
     build_watch(home_places places, double running_build, running_executable executable, run_loop& loop,
                 double seconds = 60);
-    ~build_watch() override;
 
   Q_SIGNALS:
     void told(const vistels::user_message& message);
@@ -34,7 +33,7 @@ class build_watch : public QObject {
     const running_executable executable_;
     run_loop& loop_;
     QTimer timer_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    posted_work_guard guard_;
     std::string last_told_;
     serial_queue queue_{"build"};
 };

@@ -92,7 +92,6 @@ timeline_document::~timeline_document() {
         (void)save_now();  // what cannot be saved stays in the journal
     }
     save_queue_.reset();
-    *alive_ = false;
     if (save_timer_ != 0) loop_.stop_timer(save_timer_);
     if (renewal_timer_ != 0) loop_.stop_timer(renewal_timer_);
     if (journal_ && !has_unsaved_edits()) journal_->remove_if_covered(saved_through_);
@@ -422,13 +421,13 @@ void timeline_document::begin_save() {
     save->revision = revision_;
     save->through = journal_->last_number();
     running_save_ = save;
-    save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(), alive = alive_,
+    save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(),
                        companion = begin_companion_ ? begin_companion_() : save_companion()] {
         save->saved = companion ? write_files(snapshot, header, companion.value(), *save)
                                 : result<void>(companion.error());
-        loop_.post([this, save, alive] {
-            if (*alive && running_save_ == save) (void)end_save();  // `saved` tells
-        });
+        loop_.post(guard_.guarded([this, save] {
+            if (running_save_ == save) (void)end_save();  // `saved` tells
+        }));
     });
 }
 

@@ -16,6 +16,7 @@
 #include "timeline/files/writer_lock.h"
 #include "timeline/records/sxy_DATA_root.h"
 #include "util/file_system.h"
+#include "util/posted_work_guard.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/safe_write.h"
@@ -185,7 +186,7 @@ class timeline_document {
     beside_changer beside_;
     file_content_mark opened_file_;
     std::vector<std::pair<timeline_edit, timeline_edit>> recovered_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // for work that is posted to the loop
+    posted_work_guard guard_;
     std::unique_ptr<serial_queue> save_queue_;
 };
 
