@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <thread>
 
 #include "app/event/undo_stack.h"
@@ -19,6 +20,8 @@ namespace {
 using testing::clip_of;
 using testing::qualifier_of;
 using testing::row_of;
+
+constexpr std::chrono::seconds patience{60};  // only a failing test waits for so long
 
 class filtering : public ::testing::Test {
   protected:
@@ -54,7 +57,10 @@ class filtering : public ::testing::Test {
 
     // Until the job that runs, or is about to, has been put in place.
     void wait() {
+        const auto given_up = std::chrono::steady_clock::now() + patience;
         while (filter->standing().is_judging) {
+            ASSERT_TRUE(std::chrono::steady_clock::now() < given_up)
+                << "not judged: " << filter->standing().typed;
             loop.advance(clip_filtering::typing_pause_seconds);
             std::this_thread::yield();
         }

@@ -150,7 +150,7 @@ TEST(failures, a_failing_call_leaves_collection_and_timeline_in_step) {
         go_on(at, done, states);
         calls = files.calls() - before;
     }
-    failure_run run("a call of changes of a collection fails");
+    failure_run run("a call of changes of a collection fails", 250);
     for (const std::size_t number : run.order(static_cast<std::size_t>(calls) * 4)) {
         if (!run.next()) return;
         const int error = number % 2 == 0 ? ENOSPC : EIO;
@@ -211,7 +211,7 @@ TEST(failures, lost_power_leaves_collection_and_timeline_in_step) {
     const auto steps = files.steps();
     std::size_t begun = 0;  // from where the collection and its timeline are there
     while (steps[begun].what != step::kind::saved) ++begun;
-    failure_run run("power loss while a collection changes");
+    failure_run run("power loss while a collection changes", 300);
     for (const std::size_t after_begun : run.order(steps.size() - begun)) {
         if (!run.next()) break;
         const auto at = testing::lose_power(steps, begun + 1 + after_begun);

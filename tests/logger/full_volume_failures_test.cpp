@@ -74,7 +74,7 @@ TEST(failures, a_volume_that_fills_and_empties_at_any_call_while_many_buttons_ar
     ASSERT_GT(whole.calls, 40);
     constexpr int counts[] = {1, 2, 3, 5, 8, 20, 100000};
     constexpr std::size_t kinds = std::size(counts);
-    failure_run run("the volume fills and empties while many buttons are down");
+    failure_run run("the volume fills and empties while many buttons are down", 500);
     for (const std::size_t number : run.order(static_cast<std::size_t>(whole.calls) * kinds)) {
         if (!run.next()) return;
         const int first = 1 + static_cast<int>(number / kinds);

@@ -4,10 +4,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <random>
-
 #include "logger/coding.h"
+#include "support/failure_runs.h"
 #include "util/plain_run_loop.h"
 
 namespace vistels {
@@ -18,7 +16,6 @@ using testing::clips_text;
 using testing::temporary_folder;
 
 constexpr int presses = 200;
-constexpr int kills = 50;
 
 // Press n is a clip from n to n + 0.5 with one qualifier, which stays stamped on it alone. What is done is
 // told by a byte each: press, stamp, release.
@@ -92,18 +89,16 @@ killed_run run_and_kill(std::size_t after_steps, std::size_t system_calls) {
     return run;
 }
 
-TEST(killed_while_coding, every_acknowledged_press_is_there_and_the_one_held_made_its_clip) {
-    const auto seed = static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    for (int kill = 0; kill < kills; ++kill) {
-        const std::size_t after = random() % (presses * 3 + 1);
-        const auto run = run_and_kill(after, random() % 5000);
-        ASSERT_GE(run.acknowledged, after);
+TEST(failures, killed_while_coding_keeps_every_acknowledged_press_and_the_one_held_makes_its_clip) {
+    testing::failure_run run("killed while coding", 50, 2'000);
+    while (run.next()) {
+        const std::size_t after = run.below(presses * 3 + 1);
+        const auto killed = run_and_kill(after, run.below(5000));
+        ASSERT_GE(killed.acknowledged, after);
         // The step under way may be on record without having been acknowledged.
-        const bool is_whole = run.clips == expected_clips(run.acknowledged) ||
-                              run.clips == expected_clips(run.acknowledged + 1);
-        ASSERT_TRUE(is_whole) << "killed after " << run.acknowledged << " steps, found:\n" << run.clips;
+        const bool is_whole = killed.clips == expected_clips(killed.acknowledged) ||
+                              killed.clips == expected_clips(killed.acknowledged + 1);
+        ASSERT_TRUE(is_whole) << "killed after " << killed.acknowledged << " steps, found:\n" << killed.clips;
     }
 }
 

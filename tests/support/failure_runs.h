@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <limits>
 #include <numeric>
 #include <random>
 #include <string>
@@ -18,20 +19,27 @@
 
 #include "support/failing_files.h"
 #include "support/opened_timeline.h"
+#include "support/sanitized.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels::testing {
 
-// How long a family of failure tests goes on, by the environment:
-//   VISTELS_FAILURE_SECONDS  seconds for each family (2)
-//   VISTELS_FAILURE_COUNTS   "full": every case, or the family's full count, however long that takes
-//   VISTELS_FAILURE_SEED     which cases are drawn when not all are (1)
+// How many cases a family of failure tests does, by the environment:
+//   VISTELS_FAILURE_TIMES  how many times the number of cases that the family has in an ordinary run (1)
+//   VISTELS_FAILURE_FULL   set: every case, or the family's full number
+//   VISTELS_FAILURE_SEED   which cases are drawn when not all are (1)
 // Prints what was done when it ends.
 class failure_run {
   public:
-    explicit failure_run(std::string family) : family_(std::move(family)), random_(seed()) {}
+    // `cases`: in an ordinary run, about two seconds' worth; fewer with a sanitizer. `full_cases`: where
+    // there is no end of cases by itself.
+    failure_run(std::string family, std::size_t cases,
+                std::size_t full_cases = std::numeric_limits<std::size_t>::max())
+        : family_(std::move(family)), wanted_(is_full() ? full_cases : cases * times()), random_(seed()) {
+        if (is_sanitized) wanted_ = wanted_ / 8 + 1;
+    }
     ~failure_run() {
         std::printf("failures: %s: %zu cases%s in %.1f s, seed %u\n", family_.c_str(), cases_,
                     is_over_ ? "" : ", all there are,", elapsed(), seed());
@@ -40,13 +48,12 @@ class failure_run {
     failure_run(const failure_run&) = delete;
     failure_run& operator=(const failure_run&) = delete;
 
-    static bool is_full() { return environment("VISTELS_FAILURE_COUNTS") == "full"; }
-    static double seconds() { return number("VISTELS_FAILURE_SECONDS", 2); }
-    static unsigned seed() { return static_cast<unsigned>(number("VISTELS_FAILURE_SEED", 1)); }
+    static bool is_full() { return std::getenv("VISTELS_FAILURE_FULL") != nullptr; }
+    static unsigned seed() { return number("VISTELS_FAILURE_SEED"); }
 
-    // Counts a case and tells whether there is time for it. One is always done.
+    // Counts a case and tells whether it is still to be done.
     bool next() {
-        is_over_ = cases_ > 0 && !is_full() && elapsed() >= seconds();
+        is_over_ = cases_ >= wanted_;
         if (!is_over_) ++cases_;
         return !is_over_;
     }
@@ -61,19 +68,17 @@ class failure_run {
     std::mt19937& random() { return random_; }
 
   private:
-    static std::string environment(const char* name) {
+    static std::size_t times() { return number("VISTELS_FAILURE_TIMES"); }
+    static unsigned number(const char* name) {
         const char* value = std::getenv(name);
-        return value ? value : "";
-    }
-    static double number(const char* name, double otherwise) {
-        const std::string text = environment(name);
-        return text.empty() ? otherwise : std::stod(text);
+        return value ? static_cast<unsigned>(std::stoul(value)) : 1;
     }
     double elapsed() const {
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - began_).count();
     }
 
     std::string family_;
+    std::size_t wanted_;
     std::mt19937 random_;
     std::chrono::steady_clock::time_point began_ = std::chrono::steady_clock::now();
     std::size_t cases_ = 0;

@@ -39,10 +39,10 @@ struct fault {
 };
 
 // Runs `one` for every fault of a work that makes so many calls.
-void for_every_fault(const std::string& family, std::size_t calls,
+void for_every_fault(const std::string& family, std::size_t cases, std::size_t calls,
                      const std::function<void(const fault&)>& one) {
     constexpr int errors[] = {ENOSPC, EIO, EROFS, EACCES, EMFILE, short_write};
-    failure_run run(family);
+    failure_run run(family, cases);
     for (const std::size_t number : run.order(calls * std::size(errors) * 2)) {
         if (!run.next()) return;
         const fault now{1 + number / 2 / std::size(errors), errors[number / 2 % std::size(errors)],
@@ -103,7 +103,7 @@ TEST(failures, a_failing_call_of_an_edit_or_a_save_harms_neither_file_nor_memory
         at.go_on();
         calls = calls_since(at.files, before);
     }
-    for_every_fault("a call of edits and saves fails", calls, [](const fault& now) {
+    for_every_fault("a call of edits and saves fails", 400, calls, [](const fault& now) {
         half_done at;
         now.begin(at.files);
         at.go_on();
@@ -148,7 +148,7 @@ TEST(failures, a_failing_call_of_opening_and_recovering_leaves_all_to_the_next_o
         (void)opened(copy / "t", loop, files);
         calls = static_cast<std::size_t>(files.calls());
     }
-    for_every_fault("a call of opening and recovering fails", calls, [&](const fault& now) {
+    for_every_fault("a call of opening and recovering fails", 700, calls, [&](const fault& now) {
         const temporary_folder copy;
         std::filesystem::copy(left / "t", copy / "t");
         unsynced_files files;
@@ -266,7 +266,7 @@ void fill_volume(const std::string& folder, file_system& files, std::size_t take
 }
 
 TEST(failures, a_volume_filled_to_every_level_loses_nothing_that_it_took) {
-    failure_run run("a volume of 256 KiB is filled");
+    failure_run run("a volume of 256 KiB is filled", 100);
     const std::size_t step = failure_run::is_full() ? 512 : block_bytes;
     for (const std::size_t level : run.order(volume_bytes / step + 1)) {
         if (!run.next()) break;
@@ -289,7 +289,7 @@ int fill_a_real_volume(const std::string& folder, std::size_t taken) {
 }
 
 TEST(failures, a_real_volume_filled_to_every_level_loses_nothing_that_it_took) {
-    failure_run run("a real volume of 256 KiB is filled");
+    failure_run run("a real volume of 256 KiB is filled", 100);
     for (const std::size_t level : run.order(volume_bytes / block_bytes + 1)) {
         if (!run.next()) break;
         const temporary_folder folder;

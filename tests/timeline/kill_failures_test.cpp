@@ -70,7 +70,7 @@ void kill_the_recovery(const std::string& left, const std::vector<std::string>& 
 TEST(failures, killed_before_every_call_of_edits_and_saves_and_again_while_recovering) {
     const auto edits = testing::scripted_edits();
     const auto states = testing::states_of(edits);
-    failure_run run("killed before every call");
+    failure_run run("killed before every call", 80);
     std::size_t calls = 0;
     {
         const temporary_folder folder;
@@ -141,9 +141,8 @@ std::pair<std::string, std::string> expected_after(const timeline_snapshot& from
 }
 
 TEST(failures, killed_at_random_moments_loses_no_acknowledged_edit) {
-    constexpr std::size_t full_count = 10'000;
     constexpr std::size_t kills_a_folder = 20;
-    failure_run run("killed at random");
+    failure_run run("killed at random", 200, 10'000);
     std::size_t kills = 0;
     std::size_t acknowledged = 0;
     for (bool goes_on = true; goes_on;) {
@@ -152,7 +151,7 @@ TEST(failures, killed_at_random_moments_loses_no_acknowledged_edit) {
         testing::unsynced_files files;
         timeline_snapshot before = state_of(opened(folder / "t", loop, files)->timeline());
         for (std::size_t kill = 0; kill < kills_a_folder && goes_on; ++kill) {
-            goes_on = (!failure_run::is_full() || kills < full_count) && run.next();
+            goes_on = run.next();
             if (!goes_on) break;
             const auto seed = static_cast<unsigned>(run.random()());
             const std::size_t after = run.below(60);

@@ -41,7 +41,7 @@ TEST_P(power, failures_keep_every_synced_edit_and_never_mix_states) {
         }
     }
     const auto steps = files.steps();
-    failure_run run(std::string("power loss, ") + GetParam().name);
+    failure_run run(std::string("power loss, ") + GetParam().name, 300);
     std::size_t sampled = 0;
     std::size_t replays = 0;
     for (const std::size_t end : run.order(steps.size() + 1)) {
@@ -56,7 +56,7 @@ TEST_P(power, failures_keep_every_synced_edit_and_never_mix_states) {
         for (std::size_t subset = 0; subset < subsets; ++subset) {
             const std::uint64_t kept = count > few ? run.random()() : subset;
             for (const rest bytes : {rest::lost, rest::half, rest::whole, rest::zeros}) {
-                // One of these is enough when there is little time.
+                // One of these is enough where not all is done.
                 if (!failure_run::is_full() && run.below(4) != 0) continue;
                 ++replays;
                 const temporary_folder after;

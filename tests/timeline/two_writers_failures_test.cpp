@@ -158,14 +158,9 @@ void two_write(bool with_lock, unsigned seed, round_outcome& all) {
 class two_writers : public ::testing::TestWithParam<bool> {};
 
 TEST_P(two_writers, failures_lose_no_clip_and_never_miss_the_file) {
-    failure_run run(GetParam() ? "two writers with the lock" : "two writers without the lock");
+    failure_run run(GetParam() ? "two writers with the lock" : "two writers without the lock", 25, 250);
     round_outcome all;
-    constexpr double full_seconds = 20;
-    const auto began = std::chrono::steady_clock::now();
-    const auto is_full_time = [&] {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count() < full_seconds;
-    };
-    while ((!failure_run::is_full() || is_full_time()) && run.next()) {
+    while (run.next()) {
         const auto seed = static_cast<unsigned>(run.random()());
         SCOPED_TRACE("seed of the round " + std::to_string(seed));
         two_write(GetParam(), seed, all);
