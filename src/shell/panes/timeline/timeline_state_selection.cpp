@@ -69,7 +69,7 @@ void timeline_state::extend_to(const std::string& clip) {
         return;
     }
     const clip_list& clips = document_->timeline().row(here->row)->clips();
-    const auto [first, last] = std::minmax(clips.position(*here->clip), clips.position(*from->clip));
+    const auto [first, last] = std::minmax({clips.position(*here->clip), clips.position(*from->clip)});
     std::vector<std::string> wanted;
     for (std::size_t index = first; index <= last && index < clips.size(); ++index) {
         // A clip that was filtered out is meant only when it was clicked itself.
