@@ -106,6 +106,8 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
 }
 
 main_window::~main_window() {
+    // What has the focus loses it when Qt destroys it, after the members here.
+    disconnect(qApp, nullptr, this, nullptr);
     // The session speaks to the panes when it closes, so it goes before them.
     save_moments_.reset();
     session_->disconnect(this);
