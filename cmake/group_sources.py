@@ -76,8 +76,10 @@ class source:
         text = Path(path).read_text(encoding="utf-8")
         code = without_comments(text)
         self.lines = text.count("\n")
-        # Macros would hold for the neighbours as well.
-        self.alone = any(word == "define" for word, _ in DIRECTIVE.findall(text))
+        # Macros would hold for the neighbours as well. What moc makes of a source it makes where the source itself
+        # is compiled.
+        self.alone = any(word == "define" or word == "include" and rest.endswith('.moc"')
+                         for word, rest in DIRECTIVE.findall(text))
         self.includes = list(includes_for_all(text))
         self.declared = {name for block in UNNAMED.findall(text)
                          for name in DECLARED.findall(without_comments(block))}
