@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/job_list.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <utility>
 
 namespace vistels {
@@ -15,6 +17,12 @@ constexpr double progress_steps = 1000;
 // Before that the speed is not known.
 constexpr double least_measured_seconds = 2;
 constexpr double least_measured_progress = 0.01;
+constexpr int niceness = 10;
+
+// From 0 to 1, whatever a work tells.
+double share_of(double fraction) {
+    return fraction > 0 ? std::min(fraction, 1.0) : 0;
+}
 
 failure cancelled() {
     return {"It was cancelled."};
@@ -40,7 +48,7 @@ struct job_list::entry {
 
     // On the job's thread. The main thread is told once for all that happened since it looked.
     void tell_progress(double fraction) {
-        const int now_at = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * progress_steps);
+        const int now_at = static_cast<int>(share_of(fraction) * progress_steps);
         if (told.exchange(now_at) == now_at || telling.exchange(true)) return;
         loop.post([weak = alive, this] {
             // As long as the list is there, so is this: it is let go behind what was posted before.
@@ -107,11 +115,12 @@ std::optional<job_status> job_list::holder(const std::string& key) const {
 }
 
 job_status job_list::status_of(const entry& one) const {
-    job_status status{one.id, one.order.title, one.order.words, one.now, one.work.progress(), {}, one.lasts};
+    job_status status{one.id, one.order.title, one.order.words, one.now, share_of(one.work.progress()),
+                      {},     one.lasts};
     const double taken = loop_.time().seconds() - one.begun_seconds;
     if (one.now == job_status::state::running && taken >= least_measured_seconds &&
         status.progress >= least_measured_progress) {
-        status.seconds_left = taken * std::max(0.0, 1 - status.progress) / status.progress;
+        status.seconds_left = taken * (1 - status.progress) / status.progress;
     }
     return status;
 }
@@ -192,7 +201,11 @@ void job_list::run(const entry_pointer& one) {
     const auto begun = one->order.begin ? one->order.begin() : result<void>();
     if (!begun) return finish(one, begun);
     auto& thread = threads_[*one->thread];
-    if (!thread) thread = std::make_unique<serial_queue>("job");
+    if (!thread) {
+        thread = std::make_unique<serial_queue>("job");
+        // What is played and coded goes first. It holds for the threads that the work makes, too.
+        thread->post([] { ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), niceness); });
+    }
     thread->post([this, one] {
         auto outcome = one->order.work(one->work);
         one->has_made = outcome.ok();

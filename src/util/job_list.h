@@ -52,8 +52,8 @@ struct job_status {
     bool lasts = false;                  // for half a second by now: worth showing
 };
 
-// The jobs of the program: several run at once, each on a thread of its own, the rest waits in order. Main
-// thread, except for the works. Jobs are started by a job_group.
+// The jobs of the program: several run at once, each on a thread of its own that leaves the processor to
+// others, the rest waits in order. Main thread, except for the works. Jobs are started by a job_group.
 class job_list {
   public:
     using job_id = std::uint64_t;  // from 1
