@@ -59,6 +59,11 @@ std::string vault_is_being_modified_text(const std::string& vault) {
     return "Vault '" + name + "' is currently being modified.";
 }
 
+std::string vault_lock_key(const std::string& path) {
+    const std::string vault = vault_of(path);
+    return vault.empty() ? path : vault;
+}
+
 result<std::unique_ptr<vault_lock>> vault_lock::take(const std::string& vault) {
     std::unique_ptr<vault_lock> lock(new vault_lock);
     const int folder = ::open(vault.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

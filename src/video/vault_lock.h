@@ -32,6 +32,10 @@ class vault_lock {
     int file_ = -1;    // none: the folder itself is locked
 };
 
+// What changes below `path` have in common that take the same lock: the path of the vault, or of `path` itself
+// where no vault is. Reads no disk.
+std::string vault_lock_key(const std::string& path);
+
 // "Vault 'Cup' is currently being modified."
 std::string vault_is_being_modified_text(const std::string& vault);
 

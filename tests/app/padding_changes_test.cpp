@@ -155,11 +155,19 @@ TEST_F(filmed_event, clips_stay_on_their_frames_through_offsets_padding_and_back
     EXPECT_TRUE(event->messages().empty());
     EXPECT_EQ(frames(), coded);
     const auto padded = times();
+    EXPECT_TRUE(padding_needed_by(*event->undo().next_undo(), event->collection()).empty());
     EXPECT_TRUE(event->undo().undo());
     EXPECT_EQ(padding_files(), 0U);
     EXPECT_EQ(frames(), coded);
     expect_near(times(), before);
+    // Made before, by a job; redo has nothing to write then.
+    const auto needed = padding_needed_by(*event->undo().next_redo(), event->collection());
+    ASSERT_EQ(needed.size(), files);
+    job work;
+    EXPECT_TRUE(make_padding_files(needed, *event->blank_movie(), work));
+    const auto made_at = fs::last_write_time(needed.front().path);
     EXPECT_TRUE(event->undo().redo());
+    EXPECT_EQ(fs::last_write_time(needed.front().path), made_at);
     EXPECT_EQ(padding_files(), files);
     EXPECT_EQ(frames(), coded);
     expect_near(times(), padded);

@@ -2,6 +2,8 @@
 #include "app/event/close_vistel.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "app/event/vistel_changes.h"
 #include "util/safe_write.h"
@@ -10,6 +12,41 @@
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
+
+namespace {
+
+// A vistel that was taken out, with the vault that holds its data.
+struct taken_vistel {
+    std::string folder;
+    std::unique_ptr<vault_lock> lock;
+};
+
+result<taken_vistel> take_out_locked(const video_collection_ROOT& collection, const closing_order& order,
+                                     const std::function<result<void>(const collection_change&)>& take_out) {
+    const auto vistel = collection.find_vistel(order.vistel);
+    if (!vistel) return failure{"The collection has no vistel \"" + order.vistel + "\"."};
+    const auto warning = close_vistel_warning(*vistel, order.user);
+    if (warning && !order.confirmed) return failure{*warning};
+    if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
+        return failure{refusal};
+    taken_vistel taken{vistel->data_folder(), nullptr};
+    auto lock = vault_lock::take_around(taken.folder);
+    if (!lock) return lock.error();
+    taken.lock = std::move(lock).value();
+    if (auto done = take_out(plan_removal(vistel->uuid())); !done) return done.error();
+    return taken;
+}
+
+closed_vistel move_data(const std::string& folder, const std::string& home_trash, file_system& files) {
+    closed_vistel closed;
+    if (folder.empty()) return closed;
+    auto moved = move_to_trash(folder, home_trash, files);
+    if (moved) closed.data = std::move(moved).value();
+    if (!moved) closed.problem = moved.message();
+    return closed;
+}
+
+}  // namespace
 
 std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
     const std::string creator = vistel.creator();
@@ -29,25 +66,26 @@ std::string close_vistel_refusal(const video_collection_ROOT& collection, const 
            "\" is shown by another vistel of the collection, too.";
 }
 
+result<std::string> take_out_vistel(const video_collection_ROOT& collection, const closing_order& order,
+                                    const std::function<result<void>(const collection_change&)>& take_out) {
+    const auto taken = take_out_locked(collection, order, take_out);
+    if (!taken) return taken.error();
+    return taken.value().folder;
+}
+
+closed_vistel trash_vistel_data(const std::string& folder, const std::string& home_trash,
+                                file_system& files) {
+    const auto lock = vault_lock::take_around(folder);
+    if (!lock) return {std::nullopt, lock.message()};
+    return move_data(folder, home_trash, files);
+}
+
 result<closed_vistel> close_vistel_for_good(
     const video_collection_ROOT& collection, const closing_order& order,
     const std::function<result<void>(const collection_change&)>& take_out, file_system& files) {
-    const auto vistel = collection.find_vistel(order.vistel);
-    if (!vistel) return failure{"The collection has no vistel \"" + order.vistel + "\"."};
-    const auto warning = close_vistel_warning(*vistel, order.user);
-    if (warning && !order.confirmed) return failure{*warning};
-    if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
-        return failure{refusal};
-    const std::string folder = vistel->data_folder();
-    const auto lock = vault_lock::take_around(folder);
-    if (!lock) return lock.error();
-    if (auto taken = take_out(plan_removal(vistel->uuid())); !taken) return taken.error();
-    closed_vistel closed;
-    if (folder.empty()) return closed;
-    auto moved = move_to_trash(folder, order.home_trash, files);
-    if (moved) closed.data = std::move(moved).value();
-    if (!moved) closed.problem = moved.message();
-    return closed;
+    const auto taken = take_out_locked(collection, order, take_out);
+    if (!taken) return taken.error();
+    return move_data(taken.value().folder, order.home_trash, files);
 }
 
 result<std::vector<trashed>> trash_unused_movies(const video_collection_ROOT& collection,

@@ -36,6 +36,15 @@ struct closed_vistel {
     std::string problem;          // why its data stayed in its place; empty: it did not
 };
 
+// The two steps of closing a vistel for good, for who waits for no disk between them: `take_out` makes the
+// change that removes it, main thread; its data goes to the trash, any thread. The first returns the folder
+// of that data, empty when there is none; what is refused, or not confirmed, is a failure, and so is what
+// `take_out` fails with; collection and data are then as they were.
+result<std::string> take_out_vistel(const video_collection_ROOT& collection, const closing_order& order,
+                                    const std::function<result<void>(const collection_change&)>& take_out);
+closed_vistel trash_vistel_data(const std::string& folder, const std::string& home_trash,
+                                file_system& files = machine_files());
+
 // Closes a vistel for good: `take_out` makes the change that removes it, and when that is on record its data
 // goes to the trash, so that what cannot be written loses no movie. What is refused, or not confirmed, is a
 // failure, and so is what `take_out` fails with; collection and data are then as they were. Main thread.

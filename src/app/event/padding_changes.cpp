@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/event/padding_changes.h"
 
+#include <algorithm>
+#include <variant>
+
+#include "video/collection_edit.h"
+
 namespace vistels {
 
 namespace {
@@ -45,6 +50,22 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
                        "\" was not done: the collection changed meanwhile."};
     };
     return planned_padding{std::move(change), outcome.files};
+}
+
+std::vector<padding_file> padding_needed_by(const undo_step& step, const video_collection_ROOT& collection) {
+    auto changed = detached_copy(collection);
+    for (const auto& any : *step.operations) {
+        const auto* beside = std::get_if<operation::change_beside>(&any);
+        // What does not fit is refused when the step is taken back.
+        if (beside)
+            (void)apply_collection_edit(changed, read_collection_edit(beside->change), edit_manner::lenient);
+    }
+    auto needed = padding_files_of(changed);
+    const auto there = padding_files_of(collection);
+    std::erase_if(needed, [&](const padding_file& file) {
+        return std::find(there.begin(), there.end(), file) != there.end();
+    });
+    return needed;
 }
 
 }  // namespace vistels

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/event/collection_changes.h"
+#include "app/event/undo_history.h"
 #include "video/padding_movies.h"
 
 namespace vistels {
@@ -22,5 +23,10 @@ struct planned_padding {
     std::vector<padding_file> files;
 };
 result<planned_padding> plan_padding(const video_collection_ROOT& collection, padding_command command);
+
+// The padding movies that the collection will name when the step was taken back (or done again) and does not
+// name now: they may have to be made, and taking it back does not wait for them when they were. Reads no
+// disk.
+std::vector<padding_file> padding_needed_by(const undo_step& step, const video_collection_ROOT& collection);
 
 }  // namespace vistels

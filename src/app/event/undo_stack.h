@@ -34,6 +34,11 @@ class undo_stack {
     std::string undo_name() const { return undo_.empty() ? std::string() : undo_.back().name; }
     std::string redo_name() const { return redo_.empty() ? std::string() : redo_.back().name; }
 
+    // The step that undo() or redo() would take; null when there is none. Another one stands there, or
+    // another list of operations, once something was done.
+    const undo_step* next_undo() const { return undo_.empty() ? nullptr : &undo_.back(); }
+    const undo_step* next_redo() const { return redo_.empty() ? nullptr : &redo_.back(); }
+
     // Takes back the last step, or does the last one that was taken back again. Nothing to do is no error.
     result<void> undo();
     result<void> redo();
