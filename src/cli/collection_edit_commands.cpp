@@ -168,7 +168,7 @@ result<command_outcome> deinterlace(const edit_values& values, command_line& lin
         auto made = deinterlaced_parts(vistel, line.command_job());
         if (!made) return made.error();
         brought = std::move(made).value();
-        return plan_other_parts(vistel.uuid(), brought);
+        return plan_other_movies(vistel.uuid(), vistel.parts().parts, brought);
     };
     return change_vistel(values, line, replace, [&] { discard(brought); });
 }

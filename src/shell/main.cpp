@@ -97,7 +97,10 @@ int run(QApplication& application, const application_options& options, terminati
             *windows.front(), screenshot_wish{options.screenshot, options.at_seconds, options.filter},
             [](bool written) { QApplication::exit(written ? 0 : EXIT_FAILURE); });
     }
-    ending.start([&windows] { windows.quit(); });
+    ending.start([&windows] {
+        windows.stop_jobs();
+        windows.quit();
+    });
     const int status = QApplication::exec();
     windows.wait_until_kept();  // in the same file, of the window that had the focus
     const auto noted = note_clean_quit(started.value());

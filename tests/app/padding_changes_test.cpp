@@ -196,6 +196,30 @@ TEST_F(filmed_event, padding_that_is_given_up_changes_nothing) {
     EXPECT_EQ(padding_files(), 0U);
 }
 
+// As a job brings them that was begun a while ago.
+TEST_F(filmed_event, other_movies_are_taken_for_the_parts_they_were_made_of) {
+    const auto made_of = event->collection().vistels()[1]->parts().parts;
+    auto brought = made_of;
+    for (auto& part : brought) {
+        const std::string other = part.path + " other.mp4";
+        fs::copy(part.path, other);
+        part.path = other;
+    }
+    // Where they lie may change meanwhile.
+    make(plan_gap(event->collection(), event->timeline().timeline(), uuid(1), 1, 1.25));
+    make(plan_other_movies(uuid(1), made_of, brought));
+    const auto now = event->collection().vistels()[1]->parts().parts;
+    ASSERT_EQ(now.size(), 2U);
+    EXPECT_EQ(now[1].path, brought[1].path);
+    EXPECT_NEAR(now[1].gap_before, 1.25, 1e-9);
+    // Other movies may not.
+    const auto refused = event->changes().make(plan_other_movies(uuid(1), made_of, brought));
+    EXPECT_TRUE(refused.message().ends_with("changed meanwhile.")) << refused.message();
+    EXPECT_TRUE(event->undo().undo());
+    make(plan_more_parts(uuid(1), {made_of.back()}));
+    EXPECT_FALSE(event->changes().make(plan_other_movies(uuid(1), made_of, brought)));
+}
+
 TEST_F(filmed_event, locked_clips_move_with_their_movie_part) {
     // On the second part, which is from 1.75 to 2.75 of the second vistel: the clip at 2.11.
     const auto frame_of = [](const std::vector<int>& all, int clip) {

@@ -202,26 +202,36 @@ TEST_F(collection_window, closing_for_good_asks_and_moves_the_data_to_the_trash)
     EXPECT_TRUE(std::filesystem::exists(data));
     press_button("close_vistel.close");
     EXPECT_EQ(vistels().size(), 1u);
-    EXPECT_FALSE(std::filesystem::exists(data));
+    const auto moves = [&](bool back) { return comes_true([&] { return is_folder(data) == back; }); };
+    EXPECT_TRUE(moves(false));
     EXPECT_TRUE(std::filesystem::exists(places.trash));
     undo();
     EXPECT_EQ(vistels().size(), 2u);
-    EXPECT_TRUE(std::filesystem::exists(data));
+    EXPECT_TRUE(moves(true));
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
     // The next run can undo it as well.
     redo();
     undo();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(comes_true([&] { return jobs.jobs().empty(); }));
     choose(uuid(0), "Close Vistel…");
     press_button("close_vistel.close");
-    EXPECT_FALSE(std::filesystem::exists(data));
+    // Taken back before the data has gone.
+    undo();
+    EXPECT_TRUE(comes_true([&] { return jobs.jobs().empty() && is_folder(data); }));
+    redo();
+    undo();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    choose(uuid(0), "Close Vistel…");
+    press_button("close_vistel.close");
+    EXPECT_TRUE(moves(false));
     window->close();
     window.reset();
     open();
     ASSERT_EQ(vistels().size(), 1u);
     undo();
     ASSERT_EQ(vistels().size(), 2u);
-    EXPECT_TRUE(std::filesystem::exists(data));
+    EXPECT_TRUE(moves(true));
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().has_picture(uuid(0)); }, 60000));
 }
 

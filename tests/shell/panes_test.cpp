@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Commands and the panes around the timeline, by real events: transport, side bar, inspector, long work.
+// Commands and the panes around the timeline, by real events: transport, side bar, inspector, jobs.
 #include <gtest/gtest.h>
 
 #include <QLabel>
@@ -8,20 +8,23 @@
 #include <QPushButton>
 #include <QTest>
 #include <atomic>
+#include <functional>
 #include <set>
+#include <thread>
 
 #include "app/event/undo_stack.h"
 #include "shell/keys/key_strokes.h"
 #include "shell/kit/controls.h"
 #include "shell/kit/inspector_parts.h"
+#include "shell/kit/job_button.h"
 #include "shell/kit/pane_splitter.h"
-#include "shell/kit/progress_dialog.h"
 #include "shell/panes/collection/transport_bar.h"
 #include "shell/panes/inspector/inspector_view.h"
 #include "shell/program/qt_run_loop.h"
 #include "shell/window/window_actions.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
+#include "util/simulated_run_loop.h"
 
 namespace vistels {
 namespace {
@@ -214,36 +217,79 @@ TEST_F(inspected, the_playhead_gives_start_and_end) {
     EXPECT_EQ(view.findChild<QLabel*>("inspector.length")->text(), "0:00:05.000");
 }
 
-TEST(progress_dialog, is_cancelled_and_waited_for) {
-    qt_run_loop loop;
-    std::atomic<bool> ended = false;
-    bool told_cancelled = false;
-    progress_dialog work("Working", "on it", loop);
-    work.show_now();
-    work.start(
-        [&](job& one) -> result<std::string> {
-            one.set_progress(0.5);
-            while (!one.is_cancelled()) std::this_thread::yield();
-            ended = true;
+// Works that run until they are cancelled.
+class shown_jobs : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        window.resize(400, 300);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+    void start(const char* title) {
+        job_order order{title, "on it"};
+        order.work = [this](job& work) -> result<void> {
+            work.set_progress(0.25);
+            ++at_work;
+            while (!work.is_cancelled()) std::this_thread::yield();
             return failure{"cancelled"};
-        },
-        [&](const result<std::string>&, bool cancelled) { told_cancelled = cancelled; });
-    QTest::mouseClick(work.findChild<QPushButton*>("progress_dialog.cancel"), Qt::LeftButton);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return told_cancelled; }));
-    EXPECT_TRUE(ended);
-    EXPECT_FALSE(work.isVisible());
+        };
+        group.start(std::move(order));
+        until([&, before = at_work.load()] { return at_work > before; });
+    }
+    void until(const std::function<bool()>& condition) {
+        while (!condition()) {
+            loop.run_posted();
+            QCoreApplication::processEvents();
+        }
+    }
+    icon_button* cross(int id) {
+        return popover->findChild<icon_button*>(QStringLiteral("jobs.cancel.%1").arg(id));
+    }
+    simulated_run_loop loop;
+    job_list list{loop};
+    job_group group{list};
+    std::atomic<int> at_work = 0;
+    QWidget window;
+    job_button* button = new job_button(list, &window);
+    QWidget* popover = button->findChild<QWidget*>("jobs.list");
+};
+
+TEST_F(shown_jobs, short_work_shows_nothing) {
+    start("Adding movies");
+    loop.advance(0.4);
+    EXPECT_FALSE(button->isVisible());
+    list.cancel_all();
+    until([&] { return list.jobs().empty(); });
+    loop.advance(1);
+    EXPECT_FALSE(button->isVisible());
 }
 
-TEST(progress_dialog, short_work_shows_no_window) {
-    qt_run_loop loop;
-    std::string value;
-    progress_dialog work("Working", "on it", loop);
-    work.start([](job&) -> result<std::string> { return std::string("done"); },
-               [&](const result<std::string>& outcome, bool) { value = outcome.value(); });
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        EXPECT_FALSE(work.isVisible());
-        return value == "done";
-    }));
+TEST_F(shown_jobs, several_are_listed_and_cancelled_one_by_one) {
+    start("Adding movies");
+    loop.advance(0.5);
+    EXPECT_TRUE(button->isVisible());
+    EXPECT_EQ(button->words(), "Adding movies");
+    EXPECT_EQ(button->accessibleName(), "Tasks: Adding movies, 25 %");
+    start("Copying");
+    loop.advance(2.5);
+    EXPECT_EQ(button->words(), "2 tasks");
+    // By the keyboard alone.
+    button->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(button, Qt::Key_Return);
+    ASSERT_TRUE(popover->isVisible());
+    ASSERT_TRUE(cross(1) && cross(2));
+    EXPECT_TRUE(cross(1)->accessibleName().contains("Adding movies"));
+    EXPECT_EQ(popover->findChild<QLabel*>("jobs.fact.1")->text(), "0:09 left");
+    EXPECT_EQ(popover->findChild<QLabel*>("jobs.fact.2")->text(), "0:08 left");
+    QTest::keyClick(cross(1), Qt::Key_Return);
+    EXPECT_FALSE(cross(1)->isEnabled());
+    until([&] { return list.jobs().size() == 1; });
+    EXPECT_TRUE(popover->isVisible());
+    EXPECT_EQ(button->words(), "Copying");
+    QTest::mouseClick(cross(2), Qt::LeftButton);
+    until([&] { return list.jobs().empty(); });
+    EXPECT_FALSE(popover->isVisible());
+    EXPECT_FALSE(button->isVisible());
 }
 
 }  // namespace

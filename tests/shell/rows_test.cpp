@@ -110,7 +110,8 @@ struct row_names : public ::testing::Test {
     home_places places;
     qt_run_loop loop;
     content_keeper content{places, loop};
-    main_window window{places, loop, content};
+    job_list jobs{loop};
+    main_window window{places, loop, content, jobs};
     timeline_names* list = nullptr;
 };
 

@@ -70,7 +70,7 @@ struct vault_window : public ::testing::Test {
     }
     void show() {
         content = std::make_unique<content_keeper>(places, loop);
-        window = std::make_unique<main_window>(places, loop, *content);
+        window = std::make_unique<main_window>(places, loop, *content, jobs);
         window->resize(1600, 1000);
         window->show();
         window->activateWindow();
@@ -122,6 +122,7 @@ struct vault_window : public ::testing::Test {
     home_places places;
     qt_run_loop loop;
     std::unique_ptr<content_keeper> content;
+    job_list jobs{loop};
     std::unique_ptr<main_window> window;
 };
 

@@ -44,7 +44,7 @@ struct writers : public ::testing::Test {
     }
     void open() {
         content = std::make_unique<content_keeper>(places, loop);
-        window = std::make_unique<main_window>(places, loop, *content);
+        window = std::make_unique<main_window>(places, loop, *content, jobs);
         window->resize(1600, 1000);
         window->show();
         window->activateWindow();
@@ -83,6 +83,7 @@ struct writers : public ::testing::Test {
     std::string folder;
     qt_run_loop loop;
     std::unique_ptr<content_keeper> content;
+    job_list jobs{loop};
     std::unique_ptr<main_window> window;
 };
 

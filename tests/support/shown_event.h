@@ -40,7 +40,7 @@ class shown_event : public ::testing::Test {
 
     void open(QSize size = {1600, 1000}) {
         if (!content) content = std::make_unique<content_keeper>(places, loop);
-        window = std::make_unique<main_window>(places, loop, *content);
+        window = std::make_unique<main_window>(places, loop, *content, jobs);
         window->resize(size);
         window->show();
         window->activateWindow();
@@ -48,6 +48,7 @@ class shown_event : public ::testing::Test {
         window->opener().open_folder(folder);
     }
     void TearDown() override {
+        jobs.cancel_all();  // or closing would ask about them
         if (window) window->close();
     }
 
@@ -79,6 +80,7 @@ class shown_event : public ::testing::Test {
     std::string folder;
     qt_run_loop loop;
     std::unique_ptr<content_keeper> content;
+    job_list jobs{loop};
     std::unique_ptr<main_window> window;
 };
 

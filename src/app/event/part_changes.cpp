@@ -91,11 +91,20 @@ collection_change plan_more_parts(const std::string& vistel, const part_list& br
             }};
 }
 
-collection_change plan_other_parts(const std::string& vistel, const part_list& brought) {
-    return {"Deinterlace Vistel", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+collection_change plan_other_movies(const std::string& vistel, const part_list& made_of,
+                                    const part_list& brought) {
+    return {"Deinterlace Vistel", vistel,
+            [vistel, made_of, brought](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
                 if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
-                found->set_parts({brought});
+                auto now = found->parts();
+                const auto is_same = [](const auto& one, const auto& other) {
+                    return one.path == other.path;
+                };
+                if (!std::equal(now.parts.begin(), now.parts.end(), made_of.begin(), made_of.end(), is_same))
+                    return failure{"The movie parts of \"" + found->name() + "\" changed meanwhile."};
+                for (std::size_t at = 0; at < brought.size(); ++at) now.parts[at].path = brought[at].path;
+                found->set_parts(std::move(now));
                 return {};
             }};
 }

@@ -24,8 +24,11 @@ collection_change plan_found_movie(const std::string& vistel, const movie_Part_D
 // Further parts behind those it has.
 using part_list = std::vector<movie_Part_DRONE_Offset_Item>;
 collection_change plan_more_parts(const std::string& vistel, const part_list& brought);
-// Others in the place of those it has, which are kept as unused movies.
-collection_change plan_other_parts(const std::string& vistel, const part_list& brought);
+// Its parts get other movies: `made_of` is what each of `brought` was made of. Their movies so far are kept
+// as unused ones. It is refused when the vistel has other movies by then; where its parts lie is left as it
+// is.
+collection_change plan_other_movies(const std::string& vistel, const part_list& made_of,
+                                    const part_list& brought);
 collection_change plan_clip_lock(const std::string& vistel, bool locks);
 
 }  // namespace vistels

@@ -11,8 +11,8 @@
 #include "shell/event/align_control.h"
 #include "shell/event/event_session.h"
 #include "shell/event/padding_commands.h"
+#include "shell/event/undo_commands.h"
 #include "shell/event/view_offset_keeper.h"
-#include "shell/event/vistel_files.h"
 #include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
 #include "shell/kit/theme.h"
@@ -31,14 +31,15 @@ QString name_in_menu(const single_Vistel_CTR& vistel) {
 }  // namespace
 
 collection_commands::collection_commands(QWidget& window, collection_pane& pane, event_session& session,
-                                         home_places places, run_loop& loop)
+                                         home_places places, vistel_files::job_groups jobs)
     : window_(window),
       pane_(pane),
       session_(session),
       places_(std::move(places)),
       alignment_(std::make_unique<align_control>(pane, session)),
-      files_(std::make_unique<vistel_files>(window, pane.view(), session, places_, loop)),
-      padding_(std::make_unique<padding_commands>(window, session, loop)),
+      files_(std::make_unique<vistel_files>(window, pane.view(), session, places_, jobs)),
+      padding_(std::make_unique<padding_commands>(session, jobs.of_event)),
+      steps_(std::make_unique<undo_commands>(session, jobs.of_event)),
       offsets_kept_(std::make_unique<view_offset_keeper>(pane.view(), places_)) {
     make_actions();
     connect(&pane.view(), &collection_view::layout_asked, this, &collection_commands::set_arrangement_as);
@@ -49,6 +50,7 @@ collection_commands::collection_commands(QWidget& window, collection_pane& pane,
     connect(alignment_.get(), &align_control::changed, this, &collection_commands::show_state);
     connect(files_.get(), &vistel_files::told, this, &collection_commands::told);
     connect(padding_.get(), &padding_commands::told, this, &collection_commands::told);
+    connect(steps_.get(), &undo_commands::told, this, &collection_commands::told);
     connect(&session, &event_session::opened, this, &collection_commands::follow_event);
     connect(&session, &event_session::closed, this, [this] {
         connections_.clear();

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "app/settings/places.h"
+#include "shell/event/vistel_files.h"
 #include "shell/kit/message_bar.h"
 #include "shell/panes/collection/vistel_geometry.h"
-#include "util/run_loop.h"
 #include "util/signal.h"
 
 class QAction;
@@ -24,23 +24,24 @@ class collection_pane;
 class event_session;
 class open_event;
 class padding_commands;
+class undo_commands;
 class view_offset_keeper;
-class vistel_files;
 
 // The "Collection" menu and the menu of a vistel: layouts, stacking, what is drawn on vistels, their files,
-// bringing them into step. Main thread.
+// bringing them into step; and undo and redo. Main thread.
 class collection_commands : public QObject {
     Q_OBJECT
   public:
     // All must outlive this. The menu is put into `bar` before the one named `before`.
     collection_commands(QWidget& window, collection_pane& pane, event_session& session, home_places places,
-                        run_loop& loop);
+                        vistel_files::job_groups jobs);
     ~collection_commands() override;
 
     void fill(QMenuBar& bar, const QString& before);
     const std::vector<QAction*>& actions() const { return all_; }
     align_control& alignment() { return *alignment_; }
     vistel_files& files() { return *files_; }
+    undo_commands& steps() { return *steps_; }
 
     void use_layout(ready_layout layout);
     void restack(bool front);
@@ -70,6 +71,7 @@ class collection_commands : public QObject {
     std::unique_ptr<align_control> alignment_;
     std::unique_ptr<vistel_files> files_;
     std::unique_ptr<padding_commands> padding_;
+    std::unique_ptr<undo_commands> steps_;
     std::unique_ptr<view_offset_keeper> offsets_kept_;
     QMenu* menu_ = nullptr;
     QMenu* layouts_ = nullptr;

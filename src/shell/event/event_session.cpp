@@ -270,14 +270,6 @@ void event_session::set_shows_names(bool shows) {
     pictures_.set_shows_names(shows);
 }
 
-void event_session::undo() {
-    if (event_) tell(event_->undo().undo());
-}
-
-void event_session::redo() {
-    if (event_) tell(event_->undo().redo());
-}
-
 void event_session::save() {
     if (!event_) return;
     if (const auto done = event_->save_all(); !done) tell_save(done.message());

@@ -72,8 +72,6 @@ class event_session : public QObject {
     // Whether a vistel's name is drawn behind its number.
     void set_shows_names(bool shows);
 
-    void undo();
-    void redo();
     void save();
     // Begins to save what is unsaved and does not wait for it.
     void save_in_background();

@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/event/padding_commands.h"
 
-#include <QWidget>
+#include <memory>
 #include <utility>
 
 #include "app/event/open_event.h"
 #include "shell/event/event_session.h"
-#include "shell/kit/progress_dialog.h"
 #include "video/vault_lock.h"
 
 namespace vistels {
 
-padding_commands::padding_commands(QWidget& window, event_session& session, run_loop& loop)
-    : window_(window), session_(session), loop_(loop) {}
+namespace {
 
-padding_commands::~padding_commands() = default;
+constexpr const char* what_padding = "padding";
+
+}  // namespace
+
+padding_commands::padding_commands(event_session& session, job_group& jobs)
+    : session_(session), jobs_(jobs) {}
 
 const std::vector<padding_commands::line>& padding_commands::commands() {
     static const std::vector<line> all = {
@@ -28,37 +31,43 @@ const std::vector<padding_commands::line>& padding_commands::commands() {
     return all;
 }
 
+// It is planned when its turn has come: what was asked for before may change the collection first.
 void padding_commands::run(padding_command which) {
     open_event* event = session_.shown_event();
-    if (!event || !event->has_collection() || work_) return;
-    session_.player().pause();
-    auto planned = plan_padding(event->collection(), which);
-    if (!planned) return tell_failure(planned.message());
-    const QString title = tr(padding_command_title(which));
-    work_ = std::make_unique<progress_dialog>(title, tr("Blank movies are written where they are needed."),
-                                              loop_, &window_);
-    work_->start(
-        [files = planned.value().files, blank = event->blank_movie(),
-         in = event->folder()](job& work) -> result<std::string> {
-            const auto lock = vault_lock::take_around(in);
-            if (!lock) return lock.error();
-            if (const auto made = make_padding_files(files, *blank, work); !made) return made.error();
-            return std::string();
-        },
-        [this, planned = std::move(planned).value(), folder = session_.folder()](
-            const result<std::string>& outcome, bool cancelled) {
-            work_.release()->deleteLater();
-            finish(planned, folder, outcome ? std::string() : outcome.message(), cancelled);
-        });
+    if (!event || !event->has_collection() || jobs_.has(what_padding)) return;
+    const std::string folder = session_.folder();
+    const auto planned = std::make_shared<planned_padding>();
+    job_order order;
+    order.title = tr(padding_command_title(which)).toStdString();
+    order.words = tr("Blank movies are written where they are needed.").toStdString();
+    order.keys = {vault_lock_key(folder)};
+    order.what = what_padding;
+    order.begin = [this, which, planned]() -> result<void> {
+        if (!session_.shown_event()) return failure{tr("The event is closed.").toStdString()};
+        auto made = plan_padding(session_.shown_event()->collection(), which);
+        if (!made) return made.error();
+        *planned = std::move(made).value();
+        return {};
+    };
+    order.work = [planned, folder, blank = event->blank_movie()](job& work) -> result<void> {
+        const auto lock = vault_lock::take_around(folder);
+        if (!lock) return lock.error();
+        return make_padding_files(planned->files, *blank, work);
+    };
+    order.then = [this, planned, folder](const result<void>& outcome, bool cancelled) {
+        finish(*planned, folder, outcome, cancelled);
+        return true;
+    };
+    jobs_.start(std::move(order));
 }
 
 void padding_commands::finish(const planned_padding& planned, const std::string& folder,
-                              const std::string& problem, bool cancelled) {
+                              const result<void>& outcome, bool cancelled) {
     open_event* event = session_.shown_event();
     const bool is_there = event && session_.folder() == folder;
-    if (cancelled || !problem.empty()) {
+    if (cancelled || !outcome) {
         if (is_there) remove_unused_padding_files(event->collection());
-        if (!cancelled) tell_failure(problem);
+        if (!cancelled) tell_failure(outcome.message());
         return;
     }
     if (!is_there) return;

@@ -2,28 +2,24 @@
 #pragma once
 
 #include <QObject>
-#include <memory>
+#include <string>
 #include <vector>
 
 #include "app/event/padding_changes.h"
 #include "shell/kit/message_bar.h"
-#include "util/run_loop.h"
-
-class QWidget;
+#include "util/job_list.h"
 
 namespace vistels {
 
 class event_session;
-class progress_dialog;
 
 // The commands that turn the offsets and gaps of all vistels into padding movies and back. What has to be
-// written is written by a job with its progress; each is one undo step. Main thread.
+// written is written by a job; each is one undo step, made when the job ends. Main thread.
 class padding_commands : public QObject {
     Q_OBJECT
   public:
-    // All must outlive this. `window` is the progress window's parent.
-    padding_commands(QWidget& window, event_session& session, run_loop& loop);
-    ~padding_commands() override;
+    // Both must outlive this. `jobs` are those of the event.
+    padding_commands(event_session& session, job_group& jobs);
 
     struct line {
         padding_command which;
@@ -38,14 +34,12 @@ class padding_commands : public QObject {
     void told(const vistels::user_message& message);
 
   private:
-    void finish(const planned_padding& planned, const std::string& folder, const std::string& problem,
+    void finish(const planned_padding& planned, const std::string& folder, const result<void>& outcome,
                 bool cancelled);
     void tell_failure(const std::string& message);
 
-    QWidget& window_;
     event_session& session_;
-    run_loop& loop_;
-    std::unique_ptr<progress_dialog> work_;
+    job_group& jobs_;
 };
 
 }  // namespace vistels

@@ -19,7 +19,6 @@
 #include "app/vaults/trash.h"
 #include "shell/event/event_session.h"
 #include "shell/kit/controls.h"
-#include "shell/kit/progress_dialog.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_geometry.h"
@@ -44,6 +43,25 @@ std::set<std::string> uuids_of(const open_event* event) {
     if (!event) return all;
     for (const auto& one : event->collection().vistels()) all.insert(one->uuid());
     return all;
+}
+
+result<void> bring_into(part_list& brought, const single_Vistel_CTR& vistel,
+                        const std::vector<std::string>& movies, job& work) {
+    auto made = bring_parts(vistel, movies, work);
+    if (!made) return made.error();
+    brought = std::move(made).value();
+    return {};
+}
+
+// Tells what is added from other movies that are.
+std::string what_is_added(const std::vector<std::string>& movies, const std::string& vistel) {
+    std::string what = "add to " + vistel;
+    for (const auto& movie : movies) what += "\n" + movie;
+    return what;
+}
+
+std::string what_moves(const std::string& folder) {
+    return "trash " + folder;
 }
 
 }  // namespace
@@ -93,8 +111,13 @@ adding_panel::adding_panel(const QStringList& movies, const QString& vistel,
 }
 
 vistel_files::vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
-                           run_loop& loop)
-    : window_(window), view_(view), session_(session), places_(std::move(places)), loop_(loop) {
+                           job_groups jobs)
+    : window_(window),
+      view_(view),
+      session_(session),
+      places_(std::move(places)),
+      jobs_(jobs),
+      moving_(jobs.of_window.list()) {
     connect(&view, &collection_view::movies_dropped, this,
             [this](const QStringList& movies, const QString& vistel) { add(movies, vistel.toStdString()); });
     connect(&session, &event_session::opened, this, [this] {
@@ -116,6 +139,12 @@ open_event* vistel_files::event() const {
 
 std::shared_ptr<single_Vistel_CTR> vistel_files::find(const std::string& vistel) const {
     return event() ? event()->collection().find_vistel(vistel) : nullptr;
+}
+
+// For jobs: it stays as it is.
+std::shared_ptr<const single_Vistel_CTR> vistel_files::copy_of(const std::string& vistel) const {
+    const auto record = find(vistel);
+    return record ? std::make_shared<const single_Vistel_CTR>(*record) : nullptr;
 }
 
 new_vistels vistel_files::made_with() const {
@@ -156,22 +185,21 @@ void vistel_files::ask_missing_movie(const std::string& vistel) {
 }
 
 void vistel_files::bring_missing_movie(const std::string& vistel, const QString& movie) {
-    const auto record = find(vistel);
+    const auto record = copy_of(vistel);
     if (!record) return;
-    auto brought = std::make_shared<std::vector<movie_Part_DRONE_Offset_Item>>();
-    run(
-        tr("Bringing a movie of “%1”").arg(name_of(*record)),
-        tr("The movie is brought into “%1”.").arg(session_.name()),
-        [record, path = movie.toStdString(), brought](job& work) -> result<void> {
-            auto made = bring_parts(*record, {path}, work);
-            if (!made) return made.error();
-            *brought = std::move(made).value();
-            return {};
-        },
-        [this, vistel, brought] {
-            if (!make(plan_found_movie(vistel, brought->front()))) discard(*brought);
-        },
-        tr("The movie could not be used"));
+    const std::string path = movie.toStdString();
+    const auto brought = std::make_shared<part_list>();
+    bringing order;
+    order.title = tr("Bringing a movie of “%1”").arg(name_of(*record));
+    order.words = tr("The movie is brought into “%1”.").arg(session_.name());
+    order.failed = tr("The movie could not be used");
+    order.what = "missing " + vistel;
+    order.folder = record->data_folder();
+    order.vistel = vistel;
+    order.bring = [record, path, brought](job& work) { return bring_into(*brought, *record, {path}, work); };
+    order.put_in = [this, vistel, brought] { return make(plan_found_movie(vistel, brought->front())); };
+    order.take_away = [brought] { discard(*brought); };
+    run(std::move(order));
 }
 
 void vistel_files::ask_name(const std::string& vistel) {
@@ -212,54 +240,67 @@ void vistel_files::add_as(const QStringList& movies, const std::string& vistel, 
         if (!found) return tell_failure(tr("The movies could not be added"), found.message());
         paths.insert(paths.end(), found.value().begin(), found.value().end());
     }
-    const QString words = tr("The movies are brought into “%1”.").arg(session_.name());
-    const QString failed = tr("The movies could not be added");
-    if (how == movies_as::parts_of_existing) {
-        const auto record = find(vistel);
-        if (!record) return;
-        auto brought = std::make_shared<std::vector<movie_Part_DRONE_Offset_Item>>();
-        run(
-            tr("Adding movies to “%1”").arg(name_of(*record)), words,
-            [record, paths, brought](job& work) -> result<void> {
-                auto made = bring_parts(*record, paths, work);
-                if (!made) return made.error();
-                *brought = std::move(made).value();
-                return {};
-            },
-            [this, vistel, brought] {
-                if (!make(plan_more_parts(vistel, *brought))) discard(*brought);
-            },
-            failed);
-        return;
-    }
-    auto made = std::make_shared<vistel_list>();
-    run(
-        tr("Adding movies"), words,
-        [with = made_with(), paths, how, made](job& work) -> result<void> {
-            auto brought = make_vistels(with, paths, how, work);
-            if (!brought) return brought.error();
-            *made = std::move(brought).value();
-            return {};
-        },
-        [this, made] { put_in(*made, made->size() == 1 ? tr("Add Vistel") : tr("Add Vistels")); }, failed);
+    how == movies_as::parts_of_existing ? append(paths, vistel) : add_vistels(paths, how);
 }
 
-void vistel_files::put_in(const vistel_list& made, const QString& name) {
-    if (!event()) return discard(made);
-    const std::string collection = event()->collection().uuid();
-    if (!make_and_place(plan_new_vistels(made, &event()->timeline()), collection, name)) discard(made);
+void vistel_files::append(const std::vector<std::string>& paths, const std::string& vistel) {
+    const auto record = copy_of(vistel);
+    if (!record) return;
+    const auto brought = std::make_shared<part_list>();
+    bringing order;
+    order.title = tr("Adding movies to “%1”").arg(name_of(*record));
+    order.words = tr("The movies are brought into “%1”.").arg(session_.name());
+    order.failed = tr("The movies could not be added");
+    order.what = what_is_added(paths, vistel);
+    order.folder = record->data_folder();
+    order.vistel = vistel;
+    order.bring = [record, paths, brought](job& work) { return bring_into(*brought, *record, paths, work); };
+    order.put_in = [this, vistel, brought] { return make(plan_more_parts(vistel, *brought)); };
+    order.take_away = [brought] { discard(*brought); };
+    run(std::move(order));
+}
+
+void vistel_files::add_vistels(const std::vector<std::string>& paths, movies_as how) {
+    const auto made = std::make_shared<vistel_list>();
+    bringing order;
+    order.title = tr("Adding movies");
+    order.words = tr("The movies are brought into “%1”.").arg(session_.name());
+    order.failed = tr("The movies could not be added");
+    order.what = what_is_added(paths, {});
+    const auto with = made_with();
+    order.folder = with.folder;
+    order.bring = [with, paths, how, made](job& work) -> result<void> {
+        auto brought = make_vistels(with, paths, how, work);
+        if (!brought) return brought.error();
+        *made = std::move(brought).value();
+        return {};
+    };
+    order.put_in = [this, made] {
+        return put_in(*made, made->size() == 1 ? tr("Add Vistel") : tr("Add Vistels"));
+    };
+    order.take_away = [made] { discard(*made); };
+    run(std::move(order));
+}
+
+bool vistel_files::put_in(const vistel_list& made, const QString& name) {
+    return make_and_place(plan_new_vistels(made, &event()->timeline()), event()->collection().uuid(), name);
 }
 
 void vistel_files::remove(const std::string& vistel) {
-    const auto lock = vault_lock::take_around(session_.folder());
-    if (!lock) return tell_failure(tr("This could not be changed"), lock.message());
-    make_and_place(plan_removal(vistel), vistel, tr("Remove Vistel"));
+    change_vistels(plan_removal(vistel), vistel, tr("Remove Vistel"));
 }
 
 void vistel_files::move(const std::string& vistel, std::size_t place) {
+    change_vistels(plan_place(vistel, place), vistel, tr("Move collection vistel"));
+}
+
+void vistel_files::change_vistels(const collection_change& change, const std::string& vistel,
+                                  const QString& name) {
+    const QString failed = tr("This could not be changed");
+    if (is_busy(session_.folder(), failed)) return;
     const auto lock = vault_lock::take_around(session_.folder());
-    if (!lock) return tell_failure(tr("This could not be changed"), lock.message());
-    make_and_place(plan_place(vistel, place), vistel, tr("Move collection vistel"));
+    if (!lock) return tell_failure(failed, lock.message());
+    make_and_place(change, vistel, name);
 }
 
 bool vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
@@ -276,66 +317,84 @@ bool vistel_files::make_and_place(collection_change change, const std::string& v
 }
 
 void vistel_files::duplicate(const std::string& vistel) {
-    const auto record = find(vistel);
+    const auto record = copy_of(vistel);
     if (!record) return;
-    auto made = std::make_shared<vistel_list>();
-    run(
-        tr("Duplicating “%1”").arg(name_of(*record)), tr("Its movies are brought to the new vistel."),
-        [record, with = made_with(), made](job& work) -> result<void> {
-            auto clone = duplicate_vistel(*record, with, work);
-            if (!clone) return clone.error();
-            made->push_back(std::move(clone).value());
-            return {};
-        },
-        [this, made] { put_in(*made, tr("Duplicate Vistel")); }, tr("The vistel could not be duplicated"));
+    const auto made = std::make_shared<vistel_list>();
+    bringing order;
+    order.title = tr("Duplicating “%1”").arg(name_of(*record));
+    order.words = tr("Its movies are brought to the new vistel.");
+    order.failed = tr("The vistel could not be duplicated");
+    order.what = "duplicate " + vistel;
+    const auto with = made_with();
+    order.folder = with.folder;
+    order.bring = [record, with, made](job& work) -> result<void> {
+        auto clone = duplicate_vistel(*record, with, work);
+        if (!clone) return clone.error();
+        made->push_back(std::move(clone).value());
+        return {};
+    };
+    order.put_in = [this, made] { return put_in(*made, tr("Duplicate Vistel")); };
+    order.take_away = [made] { discard(*made); };
+    run(std::move(order));
 }
 
 void vistel_files::deinterlace(const std::string& vistel) {
-    const auto record = find(vistel);
+    const auto record = copy_of(vistel);
     if (!record) return;
-    auto parts = std::make_shared<std::vector<movie_Part_DRONE_Offset_Item>>();
-    run(
-        tr("Deinterlacing “%1”").arg(name_of(*record)),
+    const auto parts = std::make_shared<part_list>();
+    bringing order;
+    order.title = tr("Deinterlacing “%1”").arg(name_of(*record));
+    order.words =
         tr("Each of its movies is written anew, with a picture for each field. This takes about as long as "
-           "playing it. The movies that it has now are kept with the vistel."),
-        [record, parts](job& work) -> result<void> {
-            auto made = deinterlaced_parts(*record, work);
-            if (!made) return made.error();
-            *parts = std::move(made).value();
-            return {};
-        },
-        [this, vistel, parts] {
-            if (!make(plan_other_parts(vistel, *parts))) discard(*parts);
-        },
-        tr("The vistel could not be deinterlaced"));
+           "playing it. The movies that it has now are kept with the vistel.");
+    order.failed = tr("The vistel could not be deinterlaced");
+    order.what = "deinterlace " + vistel;
+    order.folder = record->data_folder();
+    order.vistel = vistel;
+    order.bring = [record, parts](job& work) -> result<void> {
+        auto made = deinterlaced_parts(*record, work);
+        if (!made) return made.error();
+        *parts = std::move(made).value();
+        return {};
+    };
+    order.put_in = [this, record, vistel, parts] {
+        return make(plan_other_movies(vistel, record->parts().parts, *parts));
+    };
+    order.take_away = [parts] { discard(*parts); };
+    run(std::move(order));
 }
 
+// It concerns no event: another one may be opened meanwhile.
 void vistel_files::copy_movie(const std::string& vistel, const std::string& folder) {
-    const auto record = find(vistel);
+    const auto record = copy_of(vistel);
     if (!record) return;
     const std::string desktop =
         folder.empty() ? QStandardPaths::writableLocation(QStandardPaths::DesktopLocation).toStdString()
                        : folder;
-    auto copies = std::make_shared<std::vector<std::string>>();
-    run(
-        tr("Copying the movie of “%1”").arg(name_of(*record)), tr("It is copied to the desktop."),
-        [record, desktop, copies](job& work) -> result<void> {
-            auto made = copy_vistel_movie(*record, desktop, work);
-            if (!made) return made.error();
-            *copies = std::move(made).value();
-            return {};
-        },
-        [this, copies] {
-            QStringList names;
-            for (const auto& one : *copies)
-                names << QStringLiteral("“%1”").arg(QString::fromStdString(path_name(one)));
-            Q_EMIT told({user_message::tone::good,
-                         tr("The movie is on the desktop"),
-                         names.join(QStringLiteral(", ")),
-                         {},
-                         {}});
-        },
-        tr("The movie could not be copied"));
+    const auto copies = std::make_shared<std::vector<std::string>>();
+    job_order order;
+    order.title = tr("Copying the movie of “%1”").arg(name_of(*record)).toStdString();
+    order.words = tr("It is copied to the desktop.").toStdString();
+    order.keys = {desktop};
+    order.what = "copy " + vistel;
+    order.work = [record, desktop, copies](job& work) -> result<void> {
+        auto made = copy_vistel_movie(*record, desktop, work);
+        if (!made) return made.error();
+        *copies = std::move(made).value();
+        return {};
+    };
+    order.then = [this, copies](const result<void>& outcome, bool cancelled) {
+        if (!outcome) {
+            if (!cancelled) tell_failure(tr("The movie could not be copied"), outcome.message());
+            return true;
+        }
+        QStringList names;
+        for (const auto& one : *copies)
+            names << QStringLiteral("“%1”").arg(QString::fromStdString(path_name(one)));
+        tell_good(tr("The movie is on the desktop"), names.join(QStringLiteral(", ")));
+        return true;
+    };
+    if (!jobs_.of_window.has(order.what)) jobs_.of_window.start(std::move(order));
 }
 
 void vistel_files::close_for_good(const std::string& vistel) {
@@ -368,25 +427,41 @@ void vistel_files::close_now(const std::string& vistel) {
     const auto record = find(vistel);
     if (!record) return;
     const QString name = name_of(*record);
+    const QString failed = tr("“%1” is not closed").arg(name);
+    if (is_busy(record->data_folder(), failed)) return;
     bool is_told = false;
     const auto take_out = [&](const collection_change& change) -> result<void> {
         is_told = !make_and_place(change, vistel, tr("Remove Vistel"));
         return is_told ? failure{"it was told"} : result<void>();
     };
-    const auto closed = close_vistel_for_good(
-        event()->collection(), {vistel, load_user_name(places_), true, places_.trash}, take_out);
+    const auto taken = take_out_vistel(event()->collection(),
+                                       {vistel, load_user_name(places_), true, places_.trash}, take_out);
     if (is_told) return;
-    if (!closed) return tell_failure(tr("“%1” is not closed").arg(name), closed.message());
-    if (!closed.value().problem.empty()) {
-        return tell_failure(tr("The vistel is closed; its movie data stayed in its place"),
-                            closed.value().problem);
-    }
-    if (!closed.value().data) return;
-    Q_EMIT told({user_message::tone::good,
-                 tr("“%1” is closed").arg(name),
-                 tr("Its movie data is in the trash. Undo brings it back."),
-                 {},
-                 {}});
+    if (!taken) return tell_failure(failed, taken.message());
+    if (!taken.value().empty()) move_data_away(vistel, name, taken.value());
+}
+
+void vistel_files::move_data_away(const std::string& vistel, const QString& name, const std::string& folder) {
+    const auto closed = std::make_shared<closed_vistel>();
+    job_order order;
+    order.title = tr("Closing “%1”").arg(name).toStdString();
+    order.words = tr("Its movie data is moved to the trash.").toStdString();
+    order.keys = {vault_lock_key(folder)};
+    order.what = what_moves(folder);
+    order.work = [closed, folder, trash = places_.trash](job&) -> result<void> {
+        *closed = trash_vistel_data(folder, trash);
+        return {};
+    };
+    order.then = [this, closed, vistel, name](const result<void>&, bool) {
+        if (!closed->problem.empty()) {
+            tell_failure(tr("The vistel is closed; its movie data stayed in its place"), closed->problem);
+        } else if (closed->data && !find(vistel)) {
+            tell_good(tr("“%1” is closed").arg(name),
+                      tr("Its movie data is in the trash. Undo brings it back."));
+        }
+        return true;
+    };
+    moving_.start(std::move(order));
 }
 
 // Also in another run than that in which it was closed: the undo history lasts longer than that.
@@ -394,14 +469,30 @@ void vistel_files::bring_back_closed() {
     const auto known = std::exchange(known_, uuids_of(event()));
     for (const auto& vistel : known_) {
         const std::string folder = find(vistel)->data_folder();
-        if (known.contains(vistel) || folder.empty() || is_folder(folder)) continue;
-        const auto data = find_in_trash(folder, places_.trash);
-        if (!data) continue;
-        const auto lock = vault_lock::take_around(folder);
-        const auto back = lock ? restore_from_trash(*data, folder) : result<void>(lock.error());
-        if (!back) tell_failure(tr("The movie data is still in the trash"), back.message());
-        play_again(vistel);
+        if (known.contains(vistel) || folder.empty()) continue;
+        if (!is_folder(folder) || moving_.has(what_moves(folder))) bring_back(vistel, folder);
     }
+}
+
+void vistel_files::bring_back(const std::string& vistel, const std::string& folder) {
+    job_order order;
+    order.title = tr("Bringing “%1” back").arg(name_of(*find(vistel))).toStdString();
+    order.words = tr("Its movie data comes back from the trash.").toStdString();
+    order.keys = {vault_lock_key(folder)};
+    order.work = [folder, trash = places_.trash](job&) -> result<void> {
+        if (is_folder(folder)) return {};
+        const auto data = find_in_trash(folder, trash);
+        if (!data) return {};
+        const auto lock = vault_lock::take_around(folder);
+        return lock ? restore_from_trash(*data, folder) : result<void>(lock.error());
+    };
+    order.then = [this, vistel](const result<void>& outcome, bool cancelled) {
+        if (!outcome && !cancelled)
+            tell_failure(tr("The movie data is still in the trash"), outcome.message());
+        if (find(vistel)) play_again(vistel);
+        return true;
+    };
+    moving_.start(std::move(order));
 }
 
 // Playback looks for its movies anew.
@@ -418,41 +509,74 @@ void vistel_files::ask_overlay(const std::string& vistel) {
     const QString picture = QFileDialog::getOpenFileName(
         &window_, tr("Overlay for “%1”").arg(name_of(*record)), {}, tr("Pictures (*.png *.jpg *.jpeg)"));
     if (picture.isEmpty()) return;
-    auto overlay = std::make_shared<vistel_overlay>();
-    run(
-        tr("Adding the overlay"), {},
-        [record, path = picture.toStdString(), overlay](job& work) -> result<void> {
-            auto made = bring_overlay(*record, path, work);
-            if (!made) return made.error();
-            *overlay = std::move(made).value();
-            return {};
-        },
-        [this, vistel, overlay] { make(plan_overlay(vistel, *overlay)); },
-        tr("The overlay could not be added"));
+    add_overlay(vistel, picture);
+}
+
+void vistel_files::add_overlay(const std::string& vistel, const QString& picture) {
+    const auto record = copy_of(vistel);
+    if (!record) return;
+    const auto overlay = std::make_shared<vistel_overlay>();
+    bringing order;
+    order.title = tr("Adding the overlay");
+    order.failed = tr("The overlay could not be added");
+    order.what = "overlay " + vistel;
+    order.folder = record->data_folder();
+    order.vistel = vistel;
+    order.bring = [record, path = picture.toStdString(), overlay](job& work) -> result<void> {
+        auto made = bring_overlay(*record, path, work);
+        if (!made) return made.error();
+        *overlay = std::move(made).value();
+        return {};
+    };
+    order.put_in = [this, vistel, overlay] { return make(plan_overlay(vistel, *overlay)); };
+    order.take_away = [record, overlay] {
+        machine_files().remove(path_join(record->data_folder(), overlay->picture));
+    };
+    run(std::move(order));
 }
 
 void vistel_files::remove_overlay(const std::string& vistel) {
     make(plan_overlay(vistel, std::nullopt));
 }
 
-// The work's window keeps the user from closing the event meanwhile; a window that went all the same takes
-// the work with it.
-void vistel_files::run(const QString& title, const QString& words, std::function<result<void>(job&)> does,
-                       std::function<void()> then, const QString& failed) {
-    work_ = std::make_unique<progress_dialog>(title, words, loop_, &window_);
-    const auto work = [does = std::move(does)](job& one) -> result<std::string> {
-        if (const auto done = does(one); !done) return done.error();
-        return std::string();
-    };
-    work_->start(work, [this, then = std::move(then), failed, folder = session_.folder()](
-                           const result<std::string>& outcome, bool cancelled) {
-        work_.release()->deleteLater();
+bool vistel_files::is_busy(const std::string& folder, const QString& headline) {
+    const auto holder = jobs_.of_event.list().holder(vault_lock_key(folder));
+    if (!holder) return false;
+    tell_failure(headline,
+                 tr("“%1” is under way in the same vault. Try again when it has ended, or cancel it.")
+                     .arg(QString::fromStdString(holder->title))
+                     .toStdString());
+    return true;
+}
+
+void vistel_files::run(bringing order) {
+    if (jobs_.of_event.has(order.what)) {
+        return tell_failure(order.failed, tr("“%1” is under way already.").arg(order.title).toStdString());
+    }
+    job_order work;
+    work.title = order.title.toStdString();
+    work.words = order.words.toStdString();
+    work.keys = {vault_lock_key(session_.folder()), vault_lock_key(order.folder)};
+    work.what = order.what;
+    work.work = std::move(order.bring);
+    work.discard = std::move(order.take_away);
+    work.then = [this, failed = order.failed, title = order.title, vistel = order.vistel,
+                 put_in = std::move(order.put_in),
+                 folder = session_.folder()](const result<void>& outcome, bool cancelled) {
         if (!outcome) {
             if (!cancelled) tell_failure(failed, outcome.message());
-            return;
+            return false;
         }
-        if (session_.folder() == folder) then();
-    });
+        if (cancelled || session_.folder() != folder) return false;
+        if (vistel.empty() || find(vistel)) return put_in();
+        tell_failure(failed, tr("Its vistel was taken out of the collection meanwhile.").toStdString());
+        return false;
+    };
+    jobs_.of_event.start(std::move(work));
+}
+
+void vistel_files::tell_good(const QString& headline, const QString& text) {
+    Q_EMIT told({user_message::tone::good, headline, text, {}, {}});
 }
 
 void vistel_files::tell_failure(const QString& headline, const std::string& message) {

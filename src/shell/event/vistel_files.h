@@ -14,8 +14,8 @@
 #include "app/settings/places.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
+#include "util/job_list.h"
 #include "util/result.h"
-#include "util/run_loop.h"
 #include "util/signal.h"
 #include "video/video_coll_Files.h"
 
@@ -25,7 +25,6 @@ namespace vistels {
 
 class collection_view;
 class event_session;
-class progress_dialog;
 class open_event;
 
 // Asks how movies are to be added: each choice a button with what it does below it. Main thread.
@@ -40,13 +39,19 @@ class adding_panel : public QDialog {
 };
 
 // What is done with the files of the open event's vistels: adding, duplicating, deinterlacing, copying and
-// closing them. What takes long runs as a job with its progress and can be cancelled. Main thread.
+// closing them. Files are brought, copied and moved by jobs; what they bring is put into the collection when
+// they end, or taken away again when the collection has no use for it any more. Main thread.
 class vistel_files : public QObject {
     Q_OBJECT
   public:
+    // The jobs that end with the event, and those that may go on beside another one.
+    struct job_groups {
+        job_group& of_event;
+        job_group& of_window;
+    };
     // All must outlive this. `window` is the dialogs' parent.
     vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
-                 run_loop& loop);
+                 job_groups jobs);
     ~vistel_files() override;
 
     // Chooses movies, then how to add them; with a vistel they are appended to it.
@@ -68,6 +73,7 @@ class vistel_files : public QObject {
     // Asks first; then removes the vistel and moves its data to the trash.
     void close_for_good(const std::string& vistel);
     void ask_overlay(const std::string& vistel);
+    void add_overlay(const std::string& vistel, const QString& picture);
     void remove_overlay(const std::string& vistel);
     // A change as one undo step, on record and saved. A refused one is told, and so is one that could not be
     // saved; whether it was made, saved or not.
@@ -83,20 +89,40 @@ class vistel_files : public QObject {
     // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
     void play_again(const std::string& vistel);
-    void put_in(const vistel_list& made, const QString& name);
+    void append(const std::vector<std::string>& paths, const std::string& vistel);
+    void add_vistels(const std::vector<std::string>& paths, movies_as how);
+    bool put_in(const vistel_list& made, const QString& name);
+    void change_vistels(const collection_change& change, const std::string& vistel, const QString& name);
     new_vistels made_with() const;
     std::shared_ptr<single_Vistel_CTR> find(const std::string& vistel) const;
     open_event* event() const;
-    void run(const QString& title, const QString& words, std::function<result<void>(job&)> does,
-             std::function<void()> then, const QString& failed);
+    // Files that are brought for the event.
+    struct bringing {
+        QString title;
+        QString words;
+        QString failed;      // the headline when it fails
+        std::string what;    // the same is not brought twice at once
+        std::string folder;  // where they are brought
+        std::string vistel;  // that must still be there; empty: none
+        std::function<result<void>(job&)> bring;
+        std::function<bool()> put_in;     // into the collection; false: it does not fit any more
+        std::function<void()> take_away;  // what was brought
+    };
+    void run(bringing order);
+    // Tells when a job changes files where these are.
+    bool is_busy(const std::string& folder, const QString& headline);
+    std::shared_ptr<const single_Vistel_CTR> copy_of(const std::string& vistel) const;
+    void move_data_away(const std::string& vistel, const QString& name, const std::string& folder);
+    void bring_back(const std::string& vistel, const std::string& folder);
     void tell_failure(const QString& headline, const std::string& message);
+    void tell_good(const QString& headline, const QString& text);
 
     QWidget& window_;
     collection_view& view_;
     event_session& session_;
     const home_places places_;
-    run_loop& loop_;
-    std::unique_ptr<progress_dialog> work_;
+    const job_groups jobs_;
+    job_group moving_;             // of data to the trash and back; nobody is asked about these
     std::set<std::string> known_;  // the vistels that were there after the last change
     connection made_;
 };

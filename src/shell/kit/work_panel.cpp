@@ -7,21 +7,25 @@
 #include <QVBoxLayout>
 
 #include "shell/kit/controls.h"
+#include "shell/kit/job_bar.h"
+#include "shell/kit/job_words.h"
 #include "shell/kit/theme.h"
 
 namespace vistels {
 
-work_panel::work_panel(run_loop& loop, QWidget* parent)
+work_panel::work_panel(job_list& list, QWidget* parent)
     : QWidget(parent),
+      list_(list),
       title_(make_label({}, type_step::headline, {}, this)),
       words_(make_label({}, type_step::body, QStringLiteral("muted"), this)),
-      bar_(new work_bar({}, this)),
-      cancel_(make_push_button(tr("Cancel"), {}, this)),
-      work_(loop) {
+      bar_(new job_bar(this)),
+      cancel_(make_push_button(tr("Cancel"), {}, this)) {
     const theme_metrics& metrics = theme::current().metrics;
     setObjectName(QStringLiteral("work_panel"));
     cancel_->setObjectName(QStringLiteral("work_panel.cancel"));
     bar_->setObjectName(QStringLiteral("work_panel.bar"));
+    title_->setTextFormat(Qt::PlainText);
+    words_->setTextFormat(Qt::PlainText);
     words_->setWordWrap(true);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(metrics.group_gap, metrics.group_gap, metrics.group_gap, metrics.group_gap);
@@ -31,31 +35,38 @@ work_panel::work_panel(run_loop& loop, QWidget* parent)
     column->addWidget(bar_);
     column->addWidget(cancel_, 0, Qt::AlignRight);
     setMaximumWidth(metrics.filter_width);
-    connect(cancel_, &QPushButton::clicked, this, &work_panel::cancel);
+    connect(cancel_, &QPushButton::clicked, this, [this] { list_.cancel(id_); });
+    changed_ = list_.changed.connect([this] { show_status(); });
+    progressed_ = list_.progressed.connect([this](job_list::job_id id) {
+        if (id == id_) show_status();
+    });
     hide();
 }
 
-void work_panel::start(const QString& title, const QString& words, running_work::work does,
-                       running_work::done then) {
-    title_->setText(title);
-    words_->setText(words);
-    setAccessibleName(title);
-    bar_->setAccessibleName(title);
-    bar_->set_progress(0);
-    cancel_->setEnabled(true);
-    show();
-    work_.start(
-        std::move(does), [this](double fraction) { bar_->set_progress(fraction); },
-        [this, then = std::move(then)](const vistels::result<std::string>& outcome, bool cancelled) {
-            hide();
-            then(outcome, cancelled);
-        });
+void work_panel::follow(job_list::job_id id, bool at_once) {
+    id_ = id;
+    at_once_ = at_once;
+    show_status();
 }
 
-void work_panel::cancel() {
-    work_.cancel();
-    words_->setText(tr("Stopping. Nothing is left half made."));
-    cancel_->setEnabled(false);
+void work_panel::set_has_place(bool has_place) {
+    has_place_ = has_place;
+    show_status();
+}
+
+void work_panel::show_status() {
+    const auto status = list_.find(id_);
+    const bool is_shown = status && has_place_ && (at_once_ || status->lasts);
+    setVisible(is_shown);
+    if (!is_shown) return;
+    const bool is_stopping = status->now == job_status::state::stopping;
+    title_->setText(job_title(*status));
+    words_->setText(is_stopping ? tr("Stopping. Nothing is left half made.")
+                                : QString::fromStdString(status->words));
+    setAccessibleName(job_title(*status));
+    bar_->setAccessibleName(job_title(*status));
+    bar_->set_progress(status->progress);
+    cancel_->setEnabled(!is_stopping);
 }
 
 void work_panel::paintEvent(QPaintEvent*) {

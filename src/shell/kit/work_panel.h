@@ -3,37 +3,46 @@
 
 #include <QWidget>
 
-#include "shell/kit/progress_dialog.h"
+#include "util/job_list.h"
+#include "util/signal.h"
 
 class QLabel;
 class QPushButton;
 
 namespace vistels {
 
-// Work of some seconds or minutes, with how far it is and a button to cancel it, in the place where its
-// outcome will be; the window stays usable. Hidden while nothing runs. Main thread, except for the work.
+class job_bar;
+
+// One job with how far it is and a button to cancel it, in the place where its outcome will be. Hidden while
+// there is none, and while something else has that place. Main thread.
 class work_panel : public QWidget {
     Q_OBJECT
   public:
-    // `loop` must outlive the panel.
-    explicit work_panel(run_loop& loop, QWidget* parent = nullptr);
+    // `list` must outlive the panel.
+    explicit work_panel(job_list& list, QWidget* parent = nullptr);
 
-    // One work at a time. `then` is called when the panel is gone. Destroying the panel cancels the work and
-    // waits for it.
-    void start(const QString& title, const QString& words, running_work::work does, running_work::done then);
-    bool is_running() const { return work_.is_running(); }
+    // Shows the job until it ends: `at_once`, or from when it lasts for half a second.
+    void follow(job_list::job_id id, bool at_once);
+    bool is_running() const { return list_.find(id_).has_value(); }
+    // Whether its place is free.
+    void set_has_place(bool has_place);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    void cancel();
+    void show_status();
 
+    job_list& list_;
+    job_list::job_id id_ = 0;
+    bool at_once_ = false;
+    bool has_place_ = true;
     QLabel* title_;
     QLabel* words_;
-    work_bar* bar_;
+    job_bar* bar_;
     QPushButton* cancel_;
-    running_work work_;
+    connection changed_;
+    connection progressed_;
 };
 
 }  // namespace vistels

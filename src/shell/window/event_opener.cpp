@@ -3,15 +3,19 @@
 
 #include <QFileDialog>
 
+#include "app/event/open_event.h"
 #include "app/settings/user_name.h"
 #include "app/vaults/known_vaults.h"
 #include "app/vaults/vaults.h"
+#include "logger/press_engine.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
-#include "shell/kit/progress_dialog.h"
+#include "shell/kit/job_words.h"
 #include "shell/kit/work_panel.h"
 #include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
+#include "video/synchronised_playback.h"
+#include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_LOAD.h"
 #if VISTELS_HAVE_MEDIA
@@ -20,9 +24,21 @@
 
 namespace vistels {
 
-event_opener::event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session,
+namespace {
+
+constexpr const char* what_demo = "demo event";
+// Of a message, see user_message::key.
+constexpr const char* jobs_unfinished_key = "jobs unfinished";
+
+}  // namespace
+
+event_opener::event_opener(QWidget& window, home_places places, event_session& session, job_groups jobs,
                            work_panel& panel)
-    : window_(window), places_(std::move(places)), loop_(loop), session_(session), panel_(&panel) {}
+    : window_(window), places_(std::move(places)), session_(session), jobs_(jobs), panel_(&panel) {
+    jobs_changed_ = jobs_.of_event.list().changed.connect([this] {
+        if (asks_to_stop_ && jobs_.of_event.unfinished().empty()) take_back_question();
+    });
+}
 
 event_opener::~event_opener() = default;
 
@@ -57,11 +73,42 @@ void event_opener::open_folder(const std::string& folder) {
         Q_EMIT settled();
         return;
     }
+    if (session_.folder() != folder && !jobs_.of_event.unfinished().empty()) {
+        ask_to_stop_jobs(folder);
+        Q_EMIT settled();
+        return;
+    }
     if (const auto done = session_.open(folder, places_); !done) {
         tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
                      done.message());
     }
     Q_EMIT settled();
+}
+
+void event_opener::ask_to_stop_jobs(const std::string& folder) {
+    const auto unfinished = jobs_.of_event.unfinished();
+    const QString name = QString::fromStdString(path_name(folder));
+    const QString headline = unfinished.size() == 1
+                                 ? tr("“%1” is not finished").arg(job_title(unfinished.front()))
+                                 : tr("%1 tasks of this event are not finished").arg(unfinished.size());
+    user_message message{user_message::tone::warning,
+                         headline,
+                         tr("Opening “%1” in this window stops that. Nothing is left half made.").arg(name),
+                         {},
+                         {{tr("Stay"), {}}, {tr("Stop and Open"), [this, folder] {
+                                                 jobs_.of_event.cancel_all();
+                                                 open_folder(folder);
+                                             }}}};
+    message.comes_first = true;
+    message.key = QLatin1String(jobs_unfinished_key);
+    take_back_question();
+    asks_to_stop_ = true;
+    Q_EMIT told(message);
+}
+
+void event_opener::take_back_question() {
+    asks_to_stop_ = false;
+    Q_EMIT state_over(QLatin1String(jobs_unfinished_key));
 }
 
 void event_opener::remember_vault(const std::string& vault) {
@@ -92,43 +139,58 @@ void event_opener::open_last_or_demo(const std::string& open_last) {
 
 void event_opener::make_demo() {
 #if VISTELS_HAVE_MEDIA
-    if (!panel_ || panel_->is_running()) {
+    if (jobs_.of_window.has(what_demo)) {
         Q_EMIT settled();
         return;
     }
     demo_options options;
     options.cameras = demo_cameras_;
     options.seconds = demo_seconds_;
-    const auto does = [vault = places_.home_vault, options](job& work) -> result<std::string> {
+    const auto folder = std::make_shared<std::string>();
+    job_order order;
+    order.title = tr("Making a demo event").toStdString();
+    order.words =
+        tr("Four cameras film a small game of one minute, and the game is coded. This is done once and takes "
+           "about half a minute; it opens by itself.")
+            .toStdString();
+    order.keys = {vault_lock_key(places_.home_vault)};
+    order.what = what_demo;
+    order.work = [vault = places_.home_vault, options, folder](job& work) -> result<void> {
         auto made = make_demo_collection(vault, options, work);
         if (!made) return made.error();
-        return made.value().collection;
+        *folder = made.value().collection;
+        return {};
     };
-    panel_->start(
-        tr("Making a demo event"),
-        tr("Four cameras film a small game of one minute, and the game is coded. This is done once and takes "
-           "about half a minute; it opens by itself."),
-        does, [this](const result<std::string>& made, bool cancelled) { finish_demo(made, cancelled); });
+    order.then = [this, folder](const result<void>& made, bool cancelled) {
+        finish_demo(*folder, made, cancelled);
+        return true;
+    };
+    const auto id = jobs_.of_window.start(std::move(order));
+    if (panel_) panel_->follow(id, true);
 #else
     Q_EMIT settled();
 #endif
 }
 
-void event_opener::finish_demo(const result<std::string>& made, bool cancelled) {
+void event_opener::finish_demo(const std::string& folder, const result<void>& made, bool cancelled) {
     Q_EMIT content_changed();
-    if (made && !session_.is_open()) return open_folder(made.value());
+    if (made && !session_.is_open()) return open_folder(folder);
     if (made) {
-        user_message message{
-            user_message::tone::good,
-            tr("The demo event is ready"),
-            tr("It is in the side bar, in “%1”.").arg(QString::fromStdString(path_name(places_.home_vault))),
-            {},
-            {}};
-        Q_EMIT told(message);
+        tell_ready(tr("The demo event is ready"), folder, {});
     } else if (!cancelled) {
         tell_failure(tr("The demo event could not be made"), made.message());
     }
     Q_EMIT settled();
+}
+
+void event_opener::tell_ready(const QString& headline, const std::string& folder,
+                              std::vector<user_message::choice> choices) {
+    const QString vault = QString::fromStdString(path_name(vault_of(folder)));
+    Q_EMIT told({user_message::tone::good,
+                 headline,
+                 tr("It is in the side bar, in “%1”.").arg(vault),
+                 {},
+                 std::move(choices)});
 }
 
 void event_opener::set_demo_size(int cameras, int seconds) {
@@ -144,28 +206,47 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
     const std::string name = name_from_movies(movies);
     const std::string vault = vault_for_new();
     const std::string folder = new_collection_folder(vault, name);
-    const auto does = [folder, name, movies,
-                       user = load_user_name(places_)](job& work) -> result<std::string> {
-        const auto made = new_collection(folder, name, movies, movies_as::vistel_each, work, user);
-        if (!made) return made.error();
-        return folder;
+    const QString shown = QString::fromStdString(name);
+    job_order order;
+    order.title = tr("Making the collection “%1”").arg(shown).toStdString();
+    order.words =
+        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))).toStdString();
+    order.keys = {vault_lock_key(vault)};
+    order.work = [folder, name, movies, user = load_user_name(places_)](job& work) -> result<void> {
+        return new_collection(folder, name, movies, movies_as::vistel_each, work, user);
     };
-    run(tr("Making the collection “%1”").arg(QString::fromStdString(name)),
-        tr("The movies are brought into “%1”.").arg(QString::fromStdString(path_name(vault))), does,
-        tr("The collection could not be made"));
+    order.then = [this, folder, asked_in = event_state()](const result<void>& made, bool cancelled) {
+        Q_EMIT content_changed();
+        if (made) {
+            finish_collection(folder, asked_in == event_state() && !is_at_work());
+            return true;
+        }
+        if (!cancelled) tell_failure(tr("The collection could not be made"), made.message());
+        Q_EMIT settled();
+        return true;
+    };
+    const auto id = jobs_.of_window.start(std::move(order));
+    if (panel_) panel_->follow(id, false);
 }
 
-void event_opener::run(const QString& title, const QString& words,
-                       std::function<result<std::string>(job&)> does, const QString& failed) {
-    work_ = std::make_unique<progress_dialog>(title, words, loop_, &window_);
-    work_->start(std::move(does), [this, failed](const result<std::string>& outcome, bool cancelled) {
-        // This runs in the work's own window, which goes when the loop is next at rest.
-        work_.release()->deleteLater();
-        Q_EMIT content_changed();
-        if (outcome) return open_folder(outcome.value());
-        if (!cancelled) tell_failure(failed, outcome.message());
-        Q_EMIT settled();
-    });
+// Nobody who has gone on working meanwhile is taken away from it.
+void event_opener::finish_collection(const std::string& folder, bool is_waited_for) {
+    if (is_waited_for || !session_.is_open()) return open_folder(folder);
+    tell_ready(tr("“%1” is ready").arg(QString::fromStdString(path_name(folder))), folder,
+               {{tr("Continue"), {}}, {tr("Open"), [this, folder] { open_folder(folder); }}});
+    Q_EMIT settled();
+}
+
+// Which event is open, and what was done last in it.
+std::pair<std::string, const void*> event_opener::event_state() const {
+    open_event* event = session_.shown_event();
+    const undo_step* last = event ? event->undo().next_undo() : nullptr;
+    return {session_.folder(), last ? last->operations.get() : nullptr};
+}
+
+bool event_opener::is_at_work() const {
+    open_event* event = session_.shown_event();
+    return event && (event->playback().is_playing() || !event->logger().down_buttons().empty());
 }
 
 void event_opener::tell_failure(const QString& headline, const std::string& message) {

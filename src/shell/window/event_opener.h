@@ -6,32 +6,37 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/settings/places.h"
 #include "app/start/open_requests.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
+#include "util/job_list.h"
 #include "util/result.h"
-#include "util/run_loop.h"
+#include "util/signal.h"
 
 class QWidget;
 
 namespace vistels {
 
 class event_session;
-class progress_dialog;
 class work_panel;
 
 // Opens events in a session: by path, by dialogs, from movies, and the demo event when there is nothing else.
-// What takes long shows its progress and can be cancelled; the demo event does so in its place, and the
-// window can be used meanwhile. Main thread.
+// What is made of movies is made by jobs, shown in the place where the event will be as long as no other is
+// open; the window can be used meanwhile. Main thread.
 class event_opener : public QObject {
     Q_OBJECT
   public:
-    // All must outlive the opener, but for `panel`, in which the demo event's progress is shown. `window` is
-    // the dialogs' parent.
-    event_opener(QWidget& window, home_places places, run_loop& loop, event_session& session,
+    struct job_groups {
+        job_group& of_event;   // that end with the event that is open
+        job_group& of_window;  // for those of the opener
+    };
+    // All must outlive the opener, but for `panel`, in which jobs of the opener are shown. `window` is the
+    // dialogs' parent.
+    event_opener(QWidget& window, home_places places, event_session& session, job_groups jobs,
                  work_panel& panel);
     ~event_opener() override;
 
@@ -41,6 +46,8 @@ class event_opener : public QObject {
     }
 
     void open(const open_request& what);
+    // In place of the one that is open, unless jobs of that are under way: the user decides about these
+    // first.
     void open_folder(const std::string& folder);
     // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
@@ -57,6 +64,8 @@ class event_opener : public QObject {
 
   Q_SIGNALS:
     void told(const vistels::user_message& message);
+    // The state that the lasting message with this key told of is over.
+    void state_over(const QString& key);
     // Something that was asked for and needs a window of its own.
     void more_found(const vistels::open_request& what);
     // There is something new in a vault.
@@ -66,8 +75,13 @@ class event_opener : public QObject {
 
   private:
     void make_demo();
-    void finish_demo(const vistels::result<std::string>& made, bool cancelled);
+    void finish_demo(const std::string& folder, const vistels::result<void>& made, bool cancelled);
     void make_collection(const std::vector<std::string>& movies);
+    void finish_collection(const std::string& folder, bool is_waited_for);
+    std::pair<std::string, const void*> event_state() const;
+    bool is_at_work() const;
+    void ask_to_stop_jobs(const std::string& folder);
+    void take_back_question();
     void make_empty(const std::string& name, const std::string& vault);
     // Where new collections are made: the focus vault, or the home vault while that one is away.
     std::string vault_for_new() const;
@@ -75,16 +89,17 @@ class event_opener : public QObject {
     void remember_vault(const std::string& vault);
     void open_vault(const std::string& vault);
     void tell_failure(const QString& headline, const std::string& message);
-    void run(const QString& title, const QString& words, std::function<result<std::string>(job&)> does,
-             const QString& failed);
+    void tell_ready(const QString& headline, const std::string& folder,
+                    std::vector<user_message::choice> choices);
 
     QWidget& window_;
     const home_places places_;
-    run_loop& loop_;
     event_session& session_;
+    const job_groups jobs_;
     std::function<bool(const std::string&)> shown_elsewhere_;
-    std::unique_ptr<progress_dialog> work_;
     QPointer<work_panel> panel_;
+    bool asks_to_stop_ = false;  // a message asks whether jobs are to be stopped
+    connection jobs_changed_;
     int demo_cameras_ = 4;
     int demo_seconds_ = 60;
 };

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -24,6 +25,8 @@
 #include "shell/event/filter_control.h"
 #include "shell/filter/filter_entry.h"
 #include "shell/keys/key_router.h"
+#include "shell/kit/job_button.h"
+#include "shell/kit/job_words.h"
 #include "shell/kit/start_trace.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/work_panel.h"
@@ -53,10 +56,14 @@ constexpr QSize usual_size(1600, 1000);
 
 }  // namespace
 
-main_window::main_window(home_places places, run_loop& loop, content_keeper& content, window_memory memory)
+main_window::main_window(home_places places, run_loop& loop, content_keeper& content, job_list& jobs,
+                         window_memory memory)
     : places_(std::move(places)),
       loop_(loop),
       keeper_(content),
+      jobs_(jobs),
+      event_jobs_(jobs),
+      window_jobs_(jobs),
       memory_(std::move(memory)),
       actions_(new window_actions(*this)),
       collection_(new collection_pane),
@@ -68,7 +75,8 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
       tabs_(new super_tab_row({tr("Code"), tr("Review")})),
       work_(new work_area(collection_, code_, timeline_)),
       messages_(new message_bar),
-      making_(new work_panel(loop_)),
+      jobs_button_(new job_button(jobs)),
+      making_(new work_panel(jobs)),
       saved_(new saved_label) {
     setObjectName(QStringLiteral("main_window"));
     setWindowTitle(tr("Vistels"));
@@ -77,8 +85,10 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     keys_ = std::make_unique<key_router>(*this, loop_.time());
     session_ = std::make_unique<event_session>(
         event_panes{collection_, code_, timeline_, inspector_, keys_.get(), filter_}, loop_);
-    opener_ = std::make_unique<event_opener>(*this, places_, loop_, *session_, *making_);
-    commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_, loop_);
+    opener_ = std::make_unique<event_opener>(*this, places_, *session_,
+                                             event_opener::job_groups{event_jobs_, window_jobs_}, *making_);
+    commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_,
+                                                      vistel_files::job_groups{event_jobs_, window_jobs_});
     commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
     for (QAction* one : commands_->actions()) actions_->add(one);
     vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
@@ -148,7 +158,16 @@ void main_window::build_menu_bar() {
     bar->setFixedHeight(window_sizes.menu_bar_height);
     bar->setNativeMenuBar(false);
     actions_->fill(*bar);
-    bar->setCornerWidget(saved_);
+    // Both keep their room, so that nothing moves when one of them has nothing to say.
+    auto* corner = new QWidget;
+    auto* line = new QHBoxLayout(corner);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(theme::current().metrics.padding);
+    line->addWidget(jobs_button_);
+    line->addWidget(saved_);
+    bar->setCornerWidget(corner);
+    connect(jobs_button_, &job_button::shown_changed, (*actions_)[command::jobs], &QAction::setEnabled);
+    (*actions_)[command::jobs]->setEnabled(!jobs_button_->isHidden());
 }
 
 void main_window::connect_session() {
@@ -157,6 +176,7 @@ void main_window::connect_session() {
         tell({user_message::tone::error, headline, message, {}, {}});
     });
     connect(opener_.get(), &event_opener::told, this, &main_window::tell);
+    connect(opener_.get(), &event_opener::state_over, messages_, &message_bar::withdraw);
     connect(commands_.get(), &collection_commands::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
     connect(session_.get(), &event_session::saved, this, &main_window::show_saved);
@@ -167,7 +187,8 @@ void main_window::connect_session() {
         setWindowTitle(tr("Vistels"));
         saved_->show_nothing();
         show_facts();
-        place_making();
+        event_jobs_.cancel_all();
+        making_->set_has_place(true);
         Q_EMIT event_changed();
     });
 }
@@ -198,7 +219,8 @@ void main_window::connect_side_bar() {
 }
 
 void main_window::show_event() {
-    place_making();
+    // The place is that of the event now; the menu bar shows what goes on.
+    making_->set_has_place(false);
     const bool has_pictures = session_->shown_event()->has_collection();
     setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
     collection_->set_shows_pictures(has_pictures);
@@ -207,16 +229,6 @@ void main_window::show_event() {
     saved_->show_saved({});
     collection_->setFocus();
     Q_EMIT event_changed();
-}
-
-// Where the event will be that is made; over no other one.
-void main_window::place_making() {
-    auto& view = collection_->view();
-    if (!session_->is_open()) return view.set_middle(making_);
-    if (making_->parentWidget() != &view) return;
-    auto* column = static_cast<QVBoxLayout*>(centralWidget()->layout());
-    column->insertWidget(column->indexOf(messages_), making_, 0, Qt::AlignRight);
-    making_->setVisible(making_->is_running());
 }
 
 void main_window::connect_frame() {
@@ -336,8 +348,8 @@ window_memory main_window::memory() const {
 }
 
 bool main_window::agree_to_close() {
-    agreed_ = true;
-    if (!session_->is_open()) return agreed_;
+    agreed_ = agree_to_stop_jobs();
+    if (!agreed_ || !session_->is_open()) return agreed_;
     press_engine& logger = session_->shown_event()->logger();
     const auto recorded = logger.record_waiting();
     const auto saved = session_->shown_event()->save_all();
@@ -360,9 +372,30 @@ bool main_window::agree_to_close() {
     return agreed_;
 }
 
+bool main_window::agree_to_stop_jobs() {
+    auto unfinished = event_jobs_.unfinished();
+    for (auto& one : window_jobs_.unfinished()) unfinished.push_back(std::move(one));
+    if (unfinished.empty()) return true;
+    const QString headline = unfinished.size() == 1
+                                 ? tr("“%1” is not finished").arg(job_title(unfinished.front()))
+                                 : tr("%1 tasks are not finished").arg(unfinished.size());
+    QMessageBox question(QMessageBox::Warning, headline, headline, QMessageBox::NoButton, this);
+    question.setInformativeText(tr("Closing the window stops that. Nothing is left half made."));
+    question.setObjectName(QStringLiteral("jobs_unfinished"));
+    auto* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
+    auto* stop = question.addButton(tr("Stop and Close"), QMessageBox::DestructiveRole);
+    stop->setObjectName(QStringLiteral("jobs_unfinished.stop"));
+    question.setDefaultButton(stay);
+    question.setEscapeButton(stay);
+    question.exec();
+    return question.clickedButton() == stop;
+}
+
 void main_window::closeEvent(QCloseEvent* event) {
     if (!agreed_ && !agree_to_close()) return event->ignore();
     agreed_ = false;
+    event_jobs_.cancel_all();
+    window_jobs_.cancel_all();
     Q_EMIT closing();
     session_->close();
     event->accept();

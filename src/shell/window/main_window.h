@@ -11,6 +11,7 @@
 #include "app/settings/places.h"
 #include "shell/kit/message_bar.h"
 #include "shell/window/window_memory.h"
+#include "util/job_list.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 
@@ -27,6 +28,7 @@ class event_opener;
 class event_session;
 class filter_entry;
 class inspector_view;
+class job_button;
 class key_router;
 class save_moments;
 class saved_label;
@@ -51,8 +53,9 @@ class main_window : public QMainWindow {
         std::function<std::vector<std::string>()> open_folders;
     };
 
-    // `loop` and `content` must outlive the window. `memory` is how it was left.
-    main_window(home_places places, run_loop& loop, content_keeper& content, window_memory memory = {});
+    // `loop`, `content` and `jobs` must outlive the window. `memory` is how it was left.
+    main_window(home_places places, run_loop& loop, content_keeper& content, job_list& jobs,
+                window_memory memory = {});
     ~main_window() override;
 
     event_session& session() { return *session_; }
@@ -71,7 +74,8 @@ class main_window : public QMainWindow {
     window_memory memory() const;
     // The choice of the user, "dark", "light" or empty, was made in this window or another.
     void show_theme_choice(const std::string& name);
-    // Saves; asks the user when that fails. True: the window may close, and then closes without asking again.
+    // Saves; asks the user when that fails, or when jobs of the window are not finished. True: the window may
+    // close, and then closes without asking again.
     bool agree_to_close();
     void take_back_agreement() { agreed_ = false; }
 
@@ -111,7 +115,6 @@ class main_window : public QMainWindow {
     void connect_window_commands();
     void connect_vault_commands();
     void show_event();
-    void place_making();
     void show_patterns();
     void show_facts();
     void show_filter_state();
@@ -119,10 +122,14 @@ class main_window : public QMainWindow {
     void show_tab(int index);
     void choose_theme(const std::string& name);
     void restore();
+    bool agree_to_stop_jobs();
 
     const home_places places_;
     run_loop& loop_;
     content_keeper& keeper_;
+    job_list& jobs_;
+    job_group event_jobs_;   // that end with the event
+    job_group window_jobs_;  // that end with the window
     window_memory memory_;
     neighbours neighbours_;
     window_actions* actions_;
@@ -135,6 +142,7 @@ class main_window : public QMainWindow {
     super_tab_row* tabs_;
     work_area* work_;
     message_bar* messages_;
+    job_button* jobs_button_;
     work_panel* making_;
     window_frame* frame_;
     saved_label* saved_;

@@ -7,12 +7,15 @@
 #include <QUrl>
 
 #include "app/settings/settings.h"
+#include "shell/event/collection_commands.h"
 #include "shell/event/event_session.h"
 #include "shell/event/filter_control.h"
+#include "shell/event/undo_commands.h"
 #include "shell/filter/filter_entry.h"
 #include "shell/filter/filter_field.h"
 #include "shell/filter/formula_menu.h"
 #include "shell/filter/pattern_menu.h"
+#include "shell/kit/job_button.h"
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/transport_bar.h"
@@ -48,8 +51,9 @@ void main_window::connect_event_commands() {
     connect(actions[command::save], &QAction::triggered, session, &event_session::save);
     connect(actions[command::close_window], &QAction::triggered, this, &QWidget::close);
     connect(actions[command::quit], &QAction::triggered, this, &main_window::quit_asked);
-    connect(actions[command::undo], &QAction::triggered, session, &event_session::undo);
-    connect(actions[command::redo], &QAction::triggered, session, &event_session::redo);
+    undo_commands* steps = &commands_->steps();
+    connect(actions[command::undo], &QAction::triggered, steps, &undo_commands::undo);
+    connect(actions[command::redo], &QAction::triggered, steps, &undo_commands::redo);
     connect(actions[command::release_buttons], &QAction::triggered, session, &event_session::release_buttons);
 }
 
@@ -239,6 +243,7 @@ void main_window::connect_window_commands() {
     connect(actions[command::tab_review], &QAction::triggered, this, [this] { show_tab(1); });
     connect(actions[command::minimize], &QAction::triggered, this, &QWidget::showMinimized);
     connect(actions[command::new_window], &QAction::triggered, this, &main_window::new_window_asked);
+    connect(actions[command::jobs], &QAction::triggered, jobs_button_, &job_button::show_jobs);
     connect(actions[command::next_window], &QAction::triggered, this, &main_window::next_window_asked);
     connect(actions[command::keys], &QAction::triggered, this, [this] {
         auto* window = new keys_window(*actions_, session_->shown_event(), this);

@@ -140,6 +140,8 @@ constexpr action_line action_lines[] = {
      "Find an item of the side bar by its name", false, false, true},
     {command::tab_code, "Window", "tab_code", "Code", "Ctrl+1", "Video, code window and timeline", false},
     {command::tab_review, "Window", "tab_review", "Review", "Ctrl+2", "Video and timeline", false},
+    {command::jobs, "Window", "jobs", "Tasks…", "Ctrl+Shift+T",
+     "What the program is doing, how far it is, and to cancel it", false, false, true},
     {command::minimize, "Window", "minimize", "Minimize", "Ctrl+M", "Put the window away", false, false,
      true},
     {command::next_window, "Window", "next_window", "Next Window", "Ctrl+Tab",

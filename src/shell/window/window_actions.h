@@ -84,6 +84,7 @@ enum class command {
     find_content,
     tab_code,
     tab_review,
+    jobs,
     minimize,
     next_window,
     keys,

@@ -50,7 +50,8 @@ window_set::window_set(home_places places, run_loop& loop, options how)
       loop_(loop),
       keeps_list_(how.keeps_list),
       first_size_(how.size),
-      content_(places_, loop_, seen_before(std::move(how.known_trees))) {
+      content_(places_, loop_, seen_before(std::move(how.known_trees))),
+      jobs_(loop) {
     told_ = content_.told().connect([this](const std::string& message) {
         if (!front()) return;
         front()->tell({user_message::tone::warning,
@@ -183,7 +184,7 @@ window_set::member& window_set::add(member made, window_memory memory) {
                                       screen_of(wanted));
     }
     made.number = ++last_number_;
-    made.window = std::make_unique<main_window>(places_, loop_, content_, std::move(memory));
+    made.window = std::make_unique<main_window>(places_, loop_, content_, jobs_, std::move(memory));
     members_.push_front(std::move(made));
     connect_window(*members_.front().window);
     return members_.front();

@@ -16,6 +16,7 @@
 #include "app/vaults/vault_scan.h"
 #include "shell/kit/message_bar.h"
 #include "shell/window/window_memory.h"
+#include "util/job_list.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"
@@ -63,6 +64,9 @@ class window_set : public QObject {
     // Saves and closes all windows. False when the user chose to stay in one whose event could not be saved;
     // then all are still open.
     bool quit();
+    // Cancels what all windows are doing, so that nobody is asked about it: before quitting where nobody may
+    // be there to answer.
+    void stop_jobs() { jobs_.cancel_all(); }
 
     // The windows, front to back; a closed one is no longer among them.
     std::vector<main_window*> windows() const;
@@ -113,6 +117,7 @@ class window_set : public QObject {
     const bool keeps_list_;
     const QSize first_size_;
     content_keeper content_;
+    job_list jobs_;
     connection told_;
     std::deque<member> members_;  // front to back
     std::vector<std::unique_ptr<main_window>> closed_;

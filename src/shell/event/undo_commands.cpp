@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/event/undo_commands.h"
+
+#include <utility>
+
+#include "app/event/open_event.h"
+#include "app/event/padding_changes.h"
+#include "shell/event/event_session.h"
+#include "video/vault_lock.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr const char* what_undo = "undo";
+
+}  // namespace
+
+undo_commands::undo_commands(event_session& session, job_group& jobs) : session_(session), jobs_(jobs) {}
+
+void undo_commands::take(direction which) {
+    open_event* event = session_.shown_event();
+    // While a step waits for its movies the next press would take another one before it.
+    if (!event || jobs_.has(what_undo)) return;
+    undo_stack& stack = event->undo();
+    const undo_step* step = which == direction::back ? stack.next_undo() : stack.next_redo();
+    if (!step) return;
+    const bool may_need = event->has_collection() && !event->timeline().is_read_only();
+    auto needed = may_need ? padding_needed_by(*step, event->collection()) : std::vector<padding_file>();
+    if (!needed.empty()) return take_with(which, std::move(needed));
+    tell(which == direction::back ? stack.undo() : stack.redo());
+}
+
+void undo_commands::take_with(direction which, std::vector<padding_file> needed) {
+    open_event& event = *session_.shown_event();
+    const undo_step& step = which == direction::back ? *event.undo().next_undo() : *event.undo().next_redo();
+    const QString name = QString::fromStdString(step.name);
+    const std::string folder = session_.folder();
+    job_order order;
+    order.title = (which == direction::back ? tr("Undo: %1") : tr("Redo: %1")).arg(name).toStdString();
+    order.words = tr("Blank movies are written where they are needed.").toStdString();
+    order.keys = {vault_lock_key(folder)};
+    order.what = what_undo;
+    order.work = [needed = std::move(needed), folder,
+                  blank = event.blank_movie()](job& work) -> result<void> {
+        const auto lock = vault_lock::take_around(folder);
+        if (!lock) return lock.error();
+        return make_padding_files(needed, *blank, work);
+    };
+    order.then = [this, which, folder, operations = step.operations](const result<void>& outcome,
+                                                                     bool cancelled) {
+        open_event* now = session_.shown_event();
+        if (!now || session_.folder() != folder) return true;
+        if (outcome && !cancelled) {
+            finish(which, operations);
+        } else if (!cancelled) {
+            tell(outcome);
+        }
+        remove_unused_padding_files(now->collection());
+        return true;
+    };
+    jobs_.start(std::move(order));
+}
+
+void undo_commands::finish(direction which, const std::shared_ptr<const std::vector<operation::any>>& step) {
+    undo_stack& stack = session_.shown_event()->undo();
+    const undo_step* now = which == direction::back ? stack.next_undo() : stack.next_redo();
+    if (!now || now->operations != step) {
+        return tell(failure{
+            tr("The event was changed while movies were written for this. Do it once more.").toStdString()});
+    }
+    tell(which == direction::back ? stack.undo() : stack.redo());
+}
+
+void undo_commands::tell(const result<void>& done) {
+    if (done) return;
+    Q_EMIT told({user_message::tone::error,
+                 tr("This could not be done"),
+                 QString::fromStdString(done.message()),
+                 {},
+                 {}});
+}
+
+}  // namespace vistels

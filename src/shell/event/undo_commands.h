@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <vector>
+
+#include "app/event/undo_stack.h"
+#include "shell/kit/message_bar.h"
+#include "util/job_list.h"
+#include "util/result.h"
+
+namespace vistels {
+
+class event_session;
+class open_event;
+struct padding_file;
+
+// Undo and redo of the open event. A step that needs padding movies is taken when a job has written these;
+// it is refused when something else was done meanwhile. Main thread.
+class undo_commands : public QObject {
+    Q_OBJECT
+  public:
+    // Both must outlive this. `jobs` are those of the event.
+    undo_commands(event_session& session, job_group& jobs);
+
+    void undo() { take(direction::back); }
+    void redo() { take(direction::again); }
+
+  Q_SIGNALS:
+    void told(const vistels::user_message& message);
+
+  private:
+    enum class direction { back, again };
+
+    void take(direction which);
+    void take_with(direction which, std::vector<padding_file> needed);
+    void finish(direction which, const std::shared_ptr<const std::vector<operation::any>>& step);
+    void tell(const result<void>& done);
+
+    event_session& session_;
+    job_group& jobs_;
+};
+
+}  // namespace vistels
