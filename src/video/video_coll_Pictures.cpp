@@ -45,11 +45,15 @@ std::string picture_path(const single_Vistel_CTR& vistel) {
     return {};
 }
 
-std::string overlay_path(const single_Vistel_CTR& vistel) {
+std::string overlay_file(const single_Vistel_CTR& vistel) {
     const auto overlay = vistel.overlay();
     if (!overlay || vistel.data_folder().empty()) return {};
     if (overlay->picture.find('/') != std::string::npos) return {};
-    const std::string path = path_join(vistel.data_folder(), overlay->picture);
+    return path_join(vistel.data_folder(), overlay->picture);
+}
+
+std::string overlay_path(const single_Vistel_CTR& vistel) {
+    const std::string path = overlay_file(vistel);
     return file_exists(path) ? path : std::string();
 }
 

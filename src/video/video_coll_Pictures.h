@@ -23,7 +23,9 @@ result<vistel_overlay> bring_overlay(const single_Vistel_CTR& vistel, const std:
 // The file of an inserted picture; empty when the vistel is none, or the file is missing.
 std::string picture_path(const single_Vistel_CTR& vistel);
 
-// The overlay's picture file; empty when the vistel has none, or the file is missing. To remove an overlay it
+// The overlay's picture file, whether it is there or not; empty when the vistel has none. Reads no disk.
+std::string overlay_file(const single_Vistel_CTR& vistel);
+// The same; empty when the file is missing, too. To remove an overlay it
 // is set to nothing; its file stays with the vistel's data, so that this can be taken back.
 std::string overlay_path(const single_Vistel_CTR& vistel);
 

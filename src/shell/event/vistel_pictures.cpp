@@ -102,14 +102,33 @@ void vistel_pictures::show_vistels() {
     for (const auto& one : collection.vistels()) show_overlay(*one, shown_[one->uuid()]);
 }
 
-// The picture is read when it becomes another one.
+// The picture is read when it becomes another one, and again as long as it could not be read: its file may
+// come back.
 void vistel_pictures::show_overlay(const single_Vistel_CTR& vistel, shown& one) {
-    const std::string path = overlay_path(vistel);
-    if (path == one.overlay) return;
-    one.overlay = path;
-    const auto overlay = vistel.overlay().value_or(vistel_overlay());
-    const QImage picture = path.empty() ? QImage() : QImage(QString::fromStdString(path));
-    pane_.view().set_overlay(vistel.uuid(), picture, overlay.frame, overlay.opacity);
+    const std::string path = overlay_file(vistel);
+    if (path != one.overlay) {
+        one.overlay = path;
+        one.overlay_reading = shown::reading::none;
+        pane_.view().set_overlay(vistel.uuid(), {}, {}, 1);
+    }
+    if (path.empty() || one.overlay_reading != shown::reading::none) return;
+    one.overlay_reading = shown::reading::asked;
+    if (!overlays_) overlays_ = std::make_unique<serial_queue>("overlays");
+    overlays_->post([this, path, uuid = vistel.uuid()] {
+        const QImage picture(QString::fromStdString(path));
+        QMetaObject::invokeMethod(
+            this, [this, uuid, path, picture] { take_overlay(uuid, path, picture); }, Qt::QueuedConnection);
+    });
+}
+
+void vistel_pictures::take_overlay(const std::string& vistel, const std::string& path,
+                                   const QImage& picture) {
+    const auto known = shown_.find(vistel);
+    const auto record = event_ ? event_->collection().find_vistel(vistel) : nullptr;
+    if (known == shown_.end() || known->second.overlay != path || !record) return;
+    known->second.overlay_reading = picture.isNull() ? shown::reading::none : shown::reading::read;
+    const auto overlay = record->overlay().value_or(vistel_overlay());
+    pane_.view().set_overlay(vistel, picture, overlay.frame, overlay.opacity);
 }
 
 void vistel_pictures::set_shows_names(bool shows) {

@@ -6,9 +6,13 @@
 #include <QTimer>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "media/picture.h"
+#include "util/serial_queue.h"
+
+class QImage;
 
 namespace vistels {
 
@@ -50,6 +54,7 @@ class vistel_pictures : public QObject {
         double aspect = 0;    // 0: not known yet
         QSize asked;          // the size that playback was told
         std::string overlay;  // the path of the picture over it
+        enum class reading { none, asked, read } overlay_reading = reading::none;
         bool is_new = false;  // it came while the event was open, and had no picture yet
         bool in_sight = true;
     };
@@ -59,6 +64,7 @@ class vistel_pictures : public QObject {
     void tell_sight();
     void show_picture(const std::string& vistel, shown& one);
     void show_overlay(const single_Vistel_CTR& vistel, shown& one);
+    void take_overlay(const std::string& vistel, const std::string& path, const QImage& picture);
     QString fact() const;
     // When there is a picture again, on the collection's clock; infinite: never.
     double gap_end(const std::string& vistel) const;
@@ -71,6 +77,7 @@ class vistel_pictures : public QObject {
     QTimer size_time_;
     bool shows_names_ = true;
     std::map<std::string, shown> shown_;
+    std::unique_ptr<serial_queue> overlays_;  // reads them; last: its work is done before all else goes
 };
 
 }  // namespace vistels
