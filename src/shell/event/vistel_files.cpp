@@ -3,32 +3,23 @@
 
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QStandardPaths>
-#include <QVBoxLayout>
 #include <utility>
 
-#include "app/event/close_vistel.h"
 #include "app/event/open_event.h"
 #include "app/event/part_changes.h"
 #include "app/event/vistel_changes.h"
 #include "app/settings/settings.h"
 #include "app/settings/user_name.h"
-#include "app/vaults/trash.h"
+#include "shell/event/adding_panel.h"
 #include "shell/event/event_session.h"
-#include "shell/kit/controls.h"
-#include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_geometry.h"
 #include "shell/panes/collection/vistel_placing.h"
 #include "util/file_system.h"
-#include "video/synchronised_playback.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Duplicate_funcs.h"
 #include "video/video_coll_Pictures.h"
-#include "video/video_coll_Playback.h"
 
 namespace vistels {
 
@@ -36,13 +27,6 @@ namespace {
 
 QString name_of(const single_Vistel_CTR& vistel) {
     return QString::fromStdString(vistel.name());
-}
-
-std::set<std::string> uuids_of(const open_event* event) {
-    std::set<std::string> all;
-    if (!event) return all;
-    for (const auto& one : event->collection().vistels()) all.insert(one->uuid());
-    return all;
 }
 
 result<void> bring_into(part_list& brought, const single_Vistel_CTR& vistel,
@@ -60,55 +44,7 @@ std::string what_is_added(const std::vector<std::string>& movies, const std::str
     return what;
 }
 
-std::string what_moves(const std::string& folder) {
-    return "trash " + folder;
-}
-
 }  // namespace
-
-adding_panel::adding_panel(const QStringList& movies, const QString& vistel,
-                           std::vector<adding_choice> choices, QWidget* parent)
-    : QDialog(parent) {
-    const theme_metrics& metrics = theme::current().metrics;
-    setObjectName(QStringLiteral("add_movies"));
-    setWindowTitle(tr("Add Movies"));
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(metrics.group_gap, metrics.group_gap, metrics.group_gap, metrics.group_gap);
-    column->setSpacing(metrics.grid);
-    const QString what =
-        movies.size() == 1
-            ? QStringLiteral("“%1”").arg(QString::fromStdString(path_name(movies.front().toStdString())))
-            : tr("%1 files").arg(movies.size());
-    const QString title = vistel.isEmpty() ? tr("Add %1 to the collection").arg(what)
-                                           : tr("Add %1, dropped on “%2”").arg(what, vistel);
-    auto* headline = make_label(title, type_step::headline, {}, this);
-    headline->setWordWrap(true);
-    column->addWidget(headline);
-    for (const auto& one : choices) {
-        column->addSpacing(metrics.padding);
-        auto* button = make_push_button(tr(one.title),
-                                        &one == &choices.front() ? QStringLiteral("first") : QString(), this);
-        button->setObjectName(QStringLiteral("add_movies.%1").arg(static_cast<int>(one.how)));
-        button->setToolTip(tr(one.explanation));
-        button->setAccessibleDescription(tr(one.explanation));
-        connect(button, &QPushButton::clicked, this, [this, how = one.how] {
-            accept();
-            Q_EMIT chosen(how);
-        });
-        column->addWidget(button);
-        if (qstrcmp(one.title, one.explanation) == 0) continue;
-        auto* explanation =
-            make_label(tr(one.explanation), type_step::secondary, QStringLiteral("muted"), this);
-        explanation->setWordWrap(true);
-        column->addWidget(explanation);
-    }
-    column->addSpacing(metrics.wide_padding);
-    auto* cancel = make_push_button(tr("Cancel"), {}, this);
-    cancel->setObjectName(QStringLiteral("add_movies.cancel"));
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    column->addWidget(cancel, 0, Qt::AlignRight);
-    setFixedWidth(metrics.filter_width);
-}
 
 vistel_files::vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
                            job_groups jobs)
@@ -121,7 +57,7 @@ vistel_files::vistel_files(QWidget& window, collection_view& view, event_session
     connect(&view, &collection_view::movies_dropped, this,
             [this](const QStringList& movies, const QString& vistel) { add(movies, vistel.toStdString()); });
     connect(&session, &event_session::opened, this, [this] {
-        known_ = uuids_of(event());
+        known_ = vistels_now();
         made_ = session_.shown_event()->changes().made.connect([this](double) { bring_back_closed(); });
     });
     connect(&session, &event_session::closed, this, [this] {
@@ -395,112 +331,6 @@ void vistel_files::copy_movie(const std::string& vistel, const std::string& fold
         return true;
     };
     if (!jobs_.of_window.has(order.what)) jobs_.of_window.start(std::move(order));
-}
-
-void vistel_files::close_for_good(const std::string& vistel) {
-    const auto record = find(vistel);
-    if (!record) return;
-    const QString name = name_of(*record);
-    if (const auto refusal = close_vistel_refusal(event()->collection(), *record); !refusal.empty())
-        return tell_failure(tr("“%1” is not closed").arg(name), refusal);
-    const auto warning = close_vistel_warning(*record, load_user_name(places_));
-    const QString usual =
-        tr("If you click 'Close Vistel' this will close the vistel and move the movie data to the trash.  "
-           "The movie data will then not be available for others.");
-    const QString words =
-        warning ? QString::fromStdString(*warning).replace(QLatin1Char('\r'), QLatin1Char('\n')) : usual;
-    auto* question = new QMessageBox(QMessageBox::Warning, tr("Close “%1”").arg(name), words,
-                                     QMessageBox::NoButton, &window_);
-    question->setObjectName(QStringLiteral("close_vistel"));
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    question->setTextFormat(Qt::PlainText);
-    auto* keep = question->addButton(tr("Keep Vistel"), QMessageBox::RejectRole);
-    auto* close = question->addButton(tr("Close Vistel"), QMessageBox::DestructiveRole);
-    close->setObjectName(QStringLiteral("close_vistel.close"));
-    question->setDefaultButton(keep);
-    question->setEscapeButton(keep);
-    connect(close, &QPushButton::clicked, this, [this, vistel] { close_now(vistel); });
-    question->open();
-}
-
-void vistel_files::close_now(const std::string& vistel) {
-    const auto record = find(vistel);
-    if (!record) return;
-    const QString name = name_of(*record);
-    const QString failed = tr("“%1” is not closed").arg(name);
-    if (is_busy(record->data_folder(), failed)) return;
-    bool is_told = false;
-    const auto take_out = [&](const collection_change& change) -> result<void> {
-        is_told = !make_and_place(change, vistel, tr("Remove Vistel"));
-        return is_told ? failure{"it was told"} : result<void>();
-    };
-    const auto taken = take_out_vistel(event()->collection(),
-                                       {vistel, load_user_name(places_), true, places_.trash}, take_out);
-    if (is_told) return;
-    if (!taken) return tell_failure(failed, taken.message());
-    if (!taken.value().empty()) move_data_away(vistel, name, taken.value());
-}
-
-void vistel_files::move_data_away(const std::string& vistel, const QString& name, const std::string& folder) {
-    const auto closed = std::make_shared<closed_vistel>();
-    job_order order;
-    order.title = tr("Closing “%1”").arg(name).toStdString();
-    order.words = tr("Its movie data is moved to the trash.").toStdString();
-    order.keys = {vault_lock_key(folder)};
-    order.what = what_moves(folder);
-    order.work = [closed, folder, trash = places_.trash](job&) -> result<void> {
-        *closed = trash_vistel_data(folder, trash);
-        return {};
-    };
-    order.then = [this, closed, vistel, name](const result<void>&, bool) {
-        if (!closed->problem.empty()) {
-            tell_failure(tr("The vistel is closed; its movie data stayed in its place"), closed->problem);
-        } else if (closed->data && !find(vistel)) {
-            tell_good(tr("“%1” is closed").arg(name),
-                      tr("Its movie data is in the trash. Undo brings it back."));
-        }
-        return true;
-    };
-    moving_.start(std::move(order));
-}
-
-// Also in another run than that in which it was closed: the undo history lasts longer than that.
-void vistel_files::bring_back_closed() {
-    const auto known = std::exchange(known_, uuids_of(event()));
-    for (const auto& vistel : known_) {
-        const std::string folder = find(vistel)->data_folder();
-        if (known.contains(vistel) || folder.empty()) continue;
-        if (!is_folder(folder) || moving_.has(what_moves(folder))) bring_back(vistel, folder);
-    }
-}
-
-void vistel_files::bring_back(const std::string& vistel, const std::string& folder) {
-    job_order order;
-    order.title = tr("Bringing “%1” back").arg(name_of(*find(vistel))).toStdString();
-    order.words = tr("Its movie data comes back from the trash.").toStdString();
-    order.keys = {vault_lock_key(folder)};
-    order.work = [folder, trash = places_.trash](job&) -> result<void> {
-        if (is_folder(folder)) return {};
-        const auto data = find_in_trash(folder, trash);
-        if (!data) return {};
-        const auto lock = vault_lock::take_around(folder);
-        return lock ? restore_from_trash(*data, folder) : result<void>(lock.error());
-    };
-    order.then = [this, vistel](const result<void>& outcome, bool cancelled) {
-        if (!outcome && !cancelled)
-            tell_failure(tr("The movie data is still in the trash"), outcome.message());
-        if (find(vistel)) play_again(vistel);
-        return true;
-    };
-    moving_.start(std::move(order));
-}
-
-// Playback looks for its movies anew.
-void vistel_files::play_again(const std::string& vistel) {
-    auto all = playback_vistels_of(event()->collection());
-    std::erase_if(all, [&](const auto& one) { return one.uuid == vistel; });
-    event()->playback().set_vistels(std::move(all));
-    event()->playback().set_vistels(playback_vistels_of(event()->collection()));
 }
 
 void vistel_files::ask_overlay(const std::string& vistel) {

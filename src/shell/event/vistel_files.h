@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QDialog>
 #include <QObject>
 #include <QStringList>
 #include <functional>
@@ -26,17 +25,6 @@ namespace vistels {
 class collection_view;
 class event_session;
 class open_event;
-
-// Asks how movies are to be added: each choice a button with what it does below it. Main thread.
-class adding_panel : public QDialog {
-    Q_OBJECT
-  public:
-    adding_panel(const QStringList& movies, const QString& vistel, std::vector<adding_choice> choices,
-                 QWidget* parent);
-
-  Q_SIGNALS:
-    void chosen(vistels::movies_as how);
-};
 
 // What is done with the files of the open event's vistels: adding, duplicating, deinterlacing, copying and
 // closing them. Files are brought, copied and moved by jobs; what they bring is put into the collection when
@@ -95,6 +83,7 @@ class vistel_files : public QObject {
     void change_vistels(const collection_change& change, const std::string& vistel, const QString& name);
     new_vistels made_with() const;
     std::shared_ptr<single_Vistel_CTR> find(const std::string& vistel) const;
+    std::set<std::string> vistels_now() const;
     open_event* event() const;
     // Files that are brought for the event.
     struct bringing {
