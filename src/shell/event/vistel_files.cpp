@@ -29,6 +29,17 @@ QString name_of(const single_Vistel_CTR& vistel) {
     return QString::fromStdString(vistel.name());
 }
 
+// In their order.
+result<std::vector<std::string>> movies_of_items(const std::vector<std::string>& items) {
+    std::vector<std::string> all;
+    for (const auto& item : items) {
+        const auto found = movies_of_item(item);
+        if (!found) return found.error();
+        all.insert(all.end(), found.value().begin(), found.value().end());
+    }
+    return all;
+}
+
 result<void> bring_into(part_list& brought, const single_Vistel_CTR& vistel,
                         const std::vector<std::string>& movies, job& work) {
     auto made = bring_parts(vistel, movies, work);
@@ -38,9 +49,9 @@ result<void> bring_into(part_list& brought, const single_Vistel_CTR& vistel,
 }
 
 // Tells what is added from other movies that are.
-std::string what_is_added(const std::vector<std::string>& movies, const std::string& vistel) {
+std::string what_is_added(const std::vector<std::string>& items, const std::string& vistel) {
     std::string what = "add to " + vistel;
-    for (const auto& movie : movies) what += "\n" + movie;
+    for (const auto& item : items) what += "\n" + item;
     return what;
 }
 
@@ -170,16 +181,12 @@ void vistel_files::add(const QStringList& movies, const std::string& vistel) {
 
 void vistel_files::add_as(const QStringList& movies, const std::string& vistel, movies_as how) {
     if (!event()) return;
-    std::vector<std::string> paths;
-    for (const QString& one : movies) {
-        const auto found = movies_of_item(one.toStdString());
-        if (!found) return tell_failure(tr("The movies could not be added"), found.message());
-        paths.insert(paths.end(), found.value().begin(), found.value().end());
-    }
-    how == movies_as::parts_of_existing ? append(paths, vistel) : add_vistels(paths, how);
+    std::vector<std::string> items;
+    for (const QString& one : movies) items.push_back(one.toStdString());
+    how == movies_as::parts_of_existing ? append(items, vistel) : add_vistels(items, how);
 }
 
-void vistel_files::append(const std::vector<std::string>& paths, const std::string& vistel) {
+void vistel_files::append(const std::vector<std::string>& items, const std::string& vistel) {
     const auto record = copy_of(vistel);
     if (!record) return;
     const auto brought = std::make_shared<part_list>();
@@ -187,26 +194,31 @@ void vistel_files::append(const std::vector<std::string>& paths, const std::stri
     order.title = tr("Adding movies to “%1”").arg(name_of(*record));
     order.words = tr("The movies are brought into “%1”.").arg(session_.name());
     order.failed = tr("The movies could not be added");
-    order.what = what_is_added(paths, vistel);
+    order.what = what_is_added(items, vistel);
     order.folder = record->data_folder();
     order.vistel = vistel;
-    order.bring = [record, paths, brought](job& work) { return bring_into(*brought, *record, paths, work); };
+    order.bring = [record, items, brought](job& work) -> result<void> {
+        const auto found = movies_of_items(items);
+        return found ? bring_into(*brought, *record, found.value(), work) : result<void>(found.error());
+    };
     order.put_in = [this, vistel, brought] { return make(plan_more_parts(vistel, *brought)); };
     order.take_away = [brought] { discard(*brought); };
     run(std::move(order));
 }
 
-void vistel_files::add_vistels(const std::vector<std::string>& paths, movies_as how) {
+void vistel_files::add_vistels(const std::vector<std::string>& items, movies_as how) {
     const auto made = std::make_shared<vistel_list>();
     bringing order;
     order.title = tr("Adding movies");
     order.words = tr("The movies are brought into “%1”.").arg(session_.name());
     order.failed = tr("The movies could not be added");
-    order.what = what_is_added(paths, {});
+    order.what = what_is_added(items, {});
     const auto with = made_with();
     order.folder = with.folder;
-    order.bring = [with, paths, how, made](job& work) -> result<void> {
-        auto brought = make_vistels(with, paths, how, work);
+    order.bring = [with, items, how, made](job& work) -> result<void> {
+        const auto found = movies_of_items(items);
+        if (!found) return found.error();
+        auto brought = make_vistels(with, found.value(), how, work);
         if (!brought) return brought.error();
         *made = std::move(brought).value();
         return {};

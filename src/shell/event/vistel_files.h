@@ -77,8 +77,8 @@ class vistel_files : public QObject {
     // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
     void play_again(const std::string& vistel);
-    void append(const std::vector<std::string>& paths, const std::string& vistel);
-    void add_vistels(const std::vector<std::string>& paths, movies_as how);
+    void append(const std::vector<std::string>& items, const std::string& vistel);
+    void add_vistels(const std::vector<std::string>& items, movies_as how);
     bool put_in(const vistel_list& made, const QString& name);
     void change_vistels(const collection_change& change, const std::string& vistel, const QString& name);
     new_vistels made_with() const;
