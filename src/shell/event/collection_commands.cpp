@@ -13,6 +13,7 @@
 #include "shell/event/padding_commands.h"
 #include "shell/event/undo_commands.h"
 #include "shell/event/view_offset_keeper.h"
+#include "shell/event/vistel_files.h"
 #include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
 #include "shell/kit/theme.h"
@@ -31,7 +32,7 @@ QString name_in_menu(const single_Vistel_CTR& vistel) {
 }  // namespace
 
 collection_commands::collection_commands(QWidget& window, collection_pane& pane, event_session& session,
-                                         home_places places, vistel_files::job_groups jobs)
+                                         home_places places, job_groups jobs)
     : window_(window),
       pane_(pane),
       session_(session),

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/settings/places.h"
-#include "shell/event/vistel_files.h"
+#include "shell/event/job_groups.h"
 #include "shell/kit/message_bar.h"
 #include "shell/panes/collection/vistel_geometry.h"
 #include "util/signal.h"
@@ -26,6 +26,7 @@ class open_event;
 class padding_commands;
 class undo_commands;
 class view_offset_keeper;
+class vistel_files;
 
 // The "Collection" menu and the menu of a vistel: layouts, stacking, what is drawn on vistels, their files,
 // bringing them into step; and undo and redo. Main thread.
@@ -34,7 +35,7 @@ class collection_commands : public QObject {
   public:
     // All must outlive this. The menu is put into `bar` before the one named `before`.
     collection_commands(QWidget& window, collection_pane& pane, event_session& session, home_places places,
-                        vistel_files::job_groups jobs);
+                        job_groups jobs);
     ~collection_commands() override;
 
     void fill(QMenuBar& bar, const QString& before);

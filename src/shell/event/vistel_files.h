@@ -11,6 +11,7 @@
 
 #include "app/event/collection_changes.h"
 #include "app/settings/places.h"
+#include "shell/event/job_groups.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
 #include "util/job_list.h"
@@ -32,11 +33,6 @@ class open_event;
 class vistel_files : public QObject {
     Q_OBJECT
   public:
-    // The jobs that end with the event, and those that may go on beside another one.
-    struct job_groups {
-        job_group& of_event;
-        job_group& of_window;
-    };
     // All must outlive this. `window` is the dialogs' parent.
     vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
                  job_groups jobs);

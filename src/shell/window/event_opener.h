@@ -11,9 +11,9 @@
 
 #include "app/settings/places.h"
 #include "app/start/open_requests.h"
+#include "shell/event/job_groups.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
-#include "util/job_list.h"
 #include "util/result.h"
 #include "util/signal.h"
 
@@ -30,10 +30,6 @@ class work_panel;
 class event_opener : public QObject {
     Q_OBJECT
   public:
-    struct job_groups {
-        job_group& of_event;   // that end with the event that is open
-        job_group& of_window;  // for those of the opener
-    };
     // All must outlive the opener, but for `panel`, in which jobs of the opener are shown. `window` is the
     // dialogs' parent.
     event_opener(QWidget& window, home_places places, event_session& session, job_groups jobs,

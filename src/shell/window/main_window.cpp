@@ -85,10 +85,10 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
     keys_ = std::make_unique<key_router>(*this, loop_.time());
     session_ = std::make_unique<event_session>(
         event_panes{collection_, code_, timeline_, inspector_, keys_.get(), filter_}, loop_);
-    opener_ = std::make_unique<event_opener>(*this, places_, *session_,
-                                             event_opener::job_groups{event_jobs_, window_jobs_}, *making_);
+    opener_ = std::make_unique<event_opener>(*this, places_, *session_, job_groups{event_jobs_, window_jobs_},
+                                             *making_);
     commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_,
-                                                      vistel_files::job_groups{event_jobs_, window_jobs_});
+                                                      job_groups{event_jobs_, window_jobs_});
     commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
     for (QAction* one : commands_->actions()) actions_->add(one);
     vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
