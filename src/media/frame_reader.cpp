@@ -23,6 +23,8 @@ constexpr double largest_ticks = 4e18;
 }  // namespace
 
 struct frame_reader::implementation {
+    explicit implementation(std::shared_ptr<picture_pool> pool) : scaler(std::move(pool)) {}
+
     std::string path;
     std::unique_ptr<movie_file> file;
     AVStream* stream = nullptr;
@@ -172,10 +174,12 @@ result<void> frame_reader::implementation::seek_stream(std::int64_t stamp) {
 frame_reader::frame_reader(std::unique_ptr<implementation> made) : its_(std::move(made)) {}
 frame_reader::~frame_reader() = default;
 
-result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path, int threads) {
+result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path, int threads,
+                                                         std::shared_ptr<picture_pool> pool) {
     auto opened = movie_file::open(path);
     if (!opened.ok()) return opened.error();
-    auto made = std::make_unique<implementation>();
+    if (!pool) pool = std::make_shared<picture_pool>();
+    auto made = std::make_unique<implementation>(std::move(pool));
     made->path = path;
     made->file = std::move(opened).value();
     made->stream = made->file->video();

@@ -24,8 +24,9 @@ enum class frames_decoded { all, without_unreferenced, key_frames_only };
 // may use a reader. Packets that are broken are passed over; after many in a row the reader fails.
 class frame_reader {
   public:
-    // `threads`: of the decoder.
-    static result<std::unique_ptr<frame_reader>> open(const std::string& path, int threads = 1);
+    // `threads`: of the decoder. The pictures are made in `pool`; null: in one of the reader's own.
+    static result<std::unique_ptr<frame_reader>> open(const std::string& path, int threads = 1,
+                                                      std::shared_ptr<picture_pool> pool = nullptr);
     ~frame_reader();
     frame_reader(const frame_reader&) = delete;
     frame_reader& operator=(const frame_reader&) = delete;

@@ -51,7 +51,8 @@ result<void> write_png(const picture&, const std::string& path) {
 }
 
 frame_reader::~frame_reader() = default;
-result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path, int) {
+result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path, int,
+                                                         std::shared_ptr<picture_pool>) {
     return without_media(path);
 }
 const movie_information& frame_reader::information() const {

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -33,12 +33,25 @@ struct picture {
 
 using picture_pointer = std::shared_ptr<const picture>;
 
-// Keeps the memory of pictures that were let go for the next ones of the same size. Any thread.
+// How many bytes the pixels of a picture take.
+std::size_t picture_bytes(int width, int height);
+
+// Makes pictures and counts their memory, until the last one who holds a picture lets go of it. The memory of
+// one picture that was let go is kept for the next one of the same size. Any thread.
 class picture_pool {
   public:
-    picture_pool();
+    // `count`, when given, is told of bytes that are taken (or given back, below 0), on the thread that takes
+    // them or lets them go.
+    explicit picture_pool(std::function<void(std::ptrdiff_t)> count = {});
+    ~picture_pool();
+    picture_pool(const picture_pool&) = delete;
+    picture_pool& operator=(const picture_pool&) = delete;
     // A picture of that size whose pixels are not set yet; it may outlive the pool.
     std::shared_ptr<picture> make(int width, int height);
+    // Memory is kept for the next picture as long as all of it is within that; no picture is refused.
+    void keep_within(std::size_t bytes);
+    // Whether it is within that with one more picture of so many bytes.
+    bool has_room(std::size_t bytes) const;
 
   private:
     struct shelf;

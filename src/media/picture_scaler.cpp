@@ -59,7 +59,10 @@ result<std::shared_ptr<picture>> picture_scaler::scale(const AVFrame& frame, int
     const bool lies = rotation == 90 || rotation == 270;
     const int own_width = lies ? height : width;
     const int own_height = lies ? width : height;
-    auto made = (rotation == 0 ? pool_ : turned_pool_).make(own_width, own_height);
+    const bool fits =
+        rotation != 0 && unturned_ && unturned_->width == own_width && unturned_->height == own_height;
+    if (!fits) unturned_.reset();
+    const auto made = fits ? unturned_ : pool_->make(own_width, own_height);
     if (can_halve(frame, own_width, own_height)) {
         halve(frame, *made);
     } else {
@@ -77,7 +80,8 @@ result<std::shared_ptr<picture>> picture_scaler::scale(const AVFrame& frame, int
         sws_scale(context, frame.data, frame.linesize, 0, frame.height, rows, strides);
     }
     if (rotation == 0) return made;
-    auto turned = pool_.make(width, height);
+    unturned_ = made;
+    auto turned = pool_->make(width, height);
     turn(*made, *turned, rotation);
     return turned;
 }

@@ -3,6 +3,9 @@
 
 // For the sources of this folder only: decoded frames into pictures.
 
+#include <memory>
+#include <utility>
+
 #include "media/ffmpeg_handles.h"
 #include "media/picture.h"
 #include "util/result.h"
@@ -13,13 +16,15 @@ namespace vistels {
 // several times faster than the general one; everything else goes through swscale.
 class picture_scaler {
   public:
+    explicit picture_scaler(std::shared_ptr<picture_pool> pool) : pool_(std::move(pool)) {}
+
     // `rotation`: degrees clockwise by which the frame is turned first. One thread at a time.
     result<std::shared_ptr<picture>> scale(const AVFrame& frame, int width, int height, int rotation);
 
   private:
     ffmpeg_owner<SwsContext> context_;
-    picture_pool pool_;
-    picture_pool turned_pool_;
+    const std::shared_ptr<picture_pool> pool_;
+    std::shared_ptr<picture> unturned_;
 };
 
 }  // namespace vistels

@@ -63,15 +63,26 @@ void playback_frame_cache::erase(frame_map::iterator gone) {
     frames_.erase(gone);
 }
 
-void playback_frame_cache::keep_within(std::size_t budget, std::int64_t stamp, int direction) {
-    while (bytes_ > budget && frames_.size() > 1) {
+void playback_frame_cache::keep_within(std::size_t most, std::int64_t stamp, std::size_t before,
+                                       std::size_t after) {
+    const auto later = frames_.upper_bound(stamp);
+    const std::size_t stay = standing_at(stamp) == frames_.end() ? 0 : 1;
+    auto earlier_held = static_cast<std::size_t>(std::distance(frames_.begin(), later)) - stay;
+    auto later_held = frames_.size() - earlier_held - stay;
+    while (bytes_ > most && earlier_held + later_held > 0) {
         const auto first = frames_.begin();
         const auto last = std::prev(frames_.end());
-        std::int64_t behind = stamp - first->first;
-        std::int64_t ahead = last->first - stamp;
-        if (direction > 0) ahead /= 2;
-        if (direction < 0) behind /= 2;
-        erase(behind >= ahead ? first : last);
+        const bool is_first_spare = earlier_held > before;
+        const bool is_last_spare = later_held > after;
+        const bool is_first_farther = stamp - first->first >= last->first - stamp;
+        const bool goes_first = is_first_spare == is_last_spare ? is_first_farther : is_first_spare;
+        if (later_held == 0 || (goes_first && earlier_held > 0)) {
+            erase(first);
+            --earlier_held;
+        } else {
+            erase(last);
+            --later_held;
+        }
     }
 }
 

@@ -32,16 +32,14 @@ class playback_frame_cache {
     // The run of the frame that stands at `stamp`.
     run run_at(std::int64_t stamp) const;
 
-    // Forgets frames until `budget` bytes are held, those farthest from `stamp` first; frames on the side
-    // that playing moves to (`direction` 1 or -1; 0: neither) count as half as far. The frame at `stamp`
-    // stays.
-    void keep_within(std::size_t budget, std::int64_t stamp, int direction);
+    // Forgets frames until `most` bytes are held, the farthest from `stamp` first; the nearest `before` and
+    // `after` it go last. The frame at `stamp` stays.
+    void keep_within(std::size_t most, std::int64_t stamp, std::size_t before, std::size_t after);
     // Forgets frames that were read while others were passed over.
     void forget_sparse();
     void clear();
 
     std::size_t bytes() const { return bytes_; }
-    std::size_t size() const { return frames_.size(); }
 
   private:
     using frame_map = std::map<std::int64_t, picture_pointer>;

@@ -15,9 +15,17 @@ constexpr double recovered_seconds = 3;  // enough was held for so long: decode 
 constexpr double fast_forward_rate = 4;  // beyond, unreferenced frames are passed over
 constexpr double key_frame_rate = 8;     // beyond, all but key frames
 constexpr double key_frame_reverse_rate = 3;
+constexpr std::size_t most_playing_frames = 36;  // held ahead at most, however fast it goes
+constexpr std::size_t least_playing_frames = 3;
 constexpr std::size_t still_ahead_frames = 8;
 constexpr std::size_t still_behind_frames = 3;
+constexpr std::size_t passed_frames = 16;  // kept after they were shown, for stepping back
 constexpr std::size_t stepping_frames = 24;
+constexpr std::size_t stepping_group = 40;  // read at once while stepping back
+constexpr std::size_t reverse_group =
+    60;                                   // ... and while playing backwards: mostly a whole group of pictures
+constexpr std::size_t least_frames = 2;   // the one that is shown and the one that is made meanwhile
+constexpr std::size_t moving_frames = 3;  // ... and one that was shown before and is still on the screen
 constexpr std::size_t frames_on_the_way = 6;  // painted before the wanted one, for stepping back
 
 frames_decoded usual_decoded(double rate) {
@@ -25,10 +33,14 @@ frames_decoded usual_decoded(double rate) {
     return rate > fast_forward_rate ? frames_decoded::without_unreferenced : frames_decoded::all;
 }
 
+int direction_of(const playback_demand& demand) {
+    return demand.rate > 0 ? 1 : demand.rate < 0 ? -1 : demand.direction;
+}
+
 }  // namespace
 
-playback_movie::playback_movie(std::string path, std::size_t memory_budget)
-    : path_(std::move(path)), budget_(memory_budget) {}
+playback_movie::playback_movie(std::string path, std::shared_ptr<picture_pool> pool)
+    : path_(std::move(path)), pool_(std::move(pool)) {}
 
 playback_movie::progress playback_movie::fail(std::string message) {
     reader_.reset();
@@ -38,7 +50,7 @@ playback_movie::progress playback_movie::fail(std::string message) {
 }
 
 playback_movie::progress playback_movie::open() {
-    auto opened = frame_reader::open(path_);
+    auto opened = frame_reader::open(path_, 1, pool_);
     if (!opened.ok()) return fail(opened.message());
     reader_ = std::move(opened).value();
     reader_has_current_ = false;
@@ -66,25 +78,63 @@ void playback_movie::set_size(int width, int height) {
     cache_.clear();
 }
 
-playback_movie::targets playback_movie::targets_for(const playback_demand& demand) const {
-    const movie_information& known = reader_->information();
-    const auto width = static_cast<std::size_t>(width_ > 0 ? width_ : known.width);
-    const auto height = static_cast<std::size_t>(height_ > 0 ? height_ : known.height);
-    const std::size_t held = std::max<std::size_t>(6, budget_ / std::max<std::size_t>(1, 4 * width * height));
-    const auto playing =
-        static_cast<std::size_t>(std::ceil(ahead_seconds * std::abs(demand.rate) / frame_seconds()));
-    targets wanted{still_ahead_frames, still_behind_frames, held / 2};
-    if (demand.rate > 0) {
-        wanted.ahead = std::max(playing, still_behind_frames);
-        wanted.behind = 0;
-    } else if (demand.rate < 0) {
-        wanted.ahead = 0;
-        wanted.behind = std::max(playing, stepping_frames);
-    } else if (demand.direction < 0) {
-        wanted.behind = stepping_frames;
+void playback_movie::keep(const playback_demand& demand) {
+    const targets wanted = reader_ && demand.memory > 0 ? targets_for(demand) : targets();
+    const std::lock_guard lock(mutex_);
+    const std::size_t before = cache_.bytes();
+    if (!reader_ || demand.memory == 0) {
+        cache_.clear();
+    } else {
+        cache_.keep_within(demand.alone ? 0 : demand.memory, stamp_at(demand.seconds),
+                           wanted.behind + wanted.group, wanted.ahead);
     }
-    wanted.ahead = std::min(wanted.ahead, held / 3);
-    wanted.behind = std::min(wanted.behind, held / 4);
+    if (cache_.bytes() < before) nothing_before_.reset();
+}
+
+std::size_t playback_movie::frame_bytes(int width, int height) const {
+    const movie_information& known = reader_->information();
+    return picture_bytes(width > 0 ? width : known.width, height > 0 ? height : known.height);
+}
+
+std::size_t playback_movie::playing_frames(const playback_demand& demand) const {
+    const double frames = std::ceil(ahead_seconds * std::abs(demand.rate) / frame_seconds());
+    return std::clamp(static_cast<std::size_t>(frames), least_playing_frames, most_playing_frames);
+}
+
+playback_needs playback_movie::needs(const playback_demand& demand) const {
+    if (!reader_) return {};
+    const std::size_t bytes = frame_bytes(demand.width, demand.height);
+    if (demand.alone) return {least_frames * bytes, least_frames * bytes};
+    std::size_t frames = 0;  // beside those on the move
+    if (demand.rate > 0) {
+        frames = playing_frames(demand) + passed_frames;
+    } else if (demand.rate < 0) {
+        frames = std::max(playing_frames(demand), stepping_frames) + reverse_group;
+    } else if (demand.direction < 0) {
+        frames = stepping_frames + stepping_group;
+    } else {
+        frames = still_ahead_frames + passed_frames;
+    }
+    return {least_frames * bytes, (moving_frames + frames) * bytes};
+}
+
+// What is fetched never pushes out what is fetched as well: together they are no more than there is room for.
+playback_movie::targets playback_movie::targets_for(const playback_demand& demand) const {
+    const std::size_t frames = demand.memory / frame_bytes(demand.width, demand.height);
+    const std::size_t room = demand.alone || frames < moving_frames ? 0 : frames - moving_frames;
+    targets wanted;
+    if (demand.rate > 0) {
+        wanted.ahead = std::min(playing_frames(demand), room);
+    } else if (demand.rate < 0 || demand.direction < 0) {
+        const std::size_t playing = demand.rate < 0 ? playing_frames(demand) : 0;
+        wanted.behind = std::min(std::max(playing, stepping_frames), room / 3);
+        const std::size_t usual = demand.rate < 0 ? reverse_group : stepping_group;
+        wanted.group = std::min(room - wanted.behind, usual);
+    } else {
+        wanted.behind = std::min(still_behind_frames, room / 4);
+        wanted.group = wanted.behind;
+        wanted.ahead = std::min(still_ahead_frames, room - 2 * wanted.behind);
+    }
     return wanted;
 }
 
@@ -139,12 +189,24 @@ std::int64_t playback_movie::ticks_of(std::size_t frames) const {
                                      reader_->seconds_per_tick());
 }
 
+// Lets go of what is wanted least, so that its memory is that of the picture that comes. False when there is
+// no room all the same: what went is still on the screen.
+bool playback_movie::make_room(bool is_wanted) {
+    const std::size_t coming = frame_bytes(width_, height_);
+    const auto keep_within = [&](std::size_t most) {
+        cache_.keep_within(most, wanted_stamp_, targets_.behind + targets_.group, targets_.ahead);
+    };
+    const std::lock_guard lock(mutex_);
+    keep_within(memory_ - std::min(memory_, coming));
+    if (is_wanted && !pool_->has_room(coming)) keep_within(cache_.bytes() - std::min(cache_.bytes(), coming));
+    return pool_->has_room(coming);
+}
+
 playback_movie::progress playback_movie::paint_current() {
     auto painted = reader_->paint(width_, height_);
     if (!painted.ok()) return fail(painted.message());
     const std::lock_guard lock(mutex_);
     cache_.insert(std::move(painted).value());
-    cache_.keep_within(budget_, wanted_stamp_, cache_direction_);
     return progress::worked;
 }
 
@@ -161,34 +223,39 @@ playback_movie::progress playback_movie::read_one(std::int64_t paint_from) {
         const auto held = cache_.at(reader_->current_stamp());
         if (held && !held->sparse && held->stamp == reader_->current_stamp()) return progress::worked;
     }
-    return paint_current();
+    const bool is_wanted =
+        reader_->current_stamp() <= wanted_stamp_ && wanted_stamp_ < reader_->current_until();
+    return make_room(is_wanted) || is_wanted ? paint_current() : progress::worked;
 }
 
 playback_movie::progress playback_movie::fetch(const playback_demand& demand, std::int64_t stamp) {
     const bool is_read = reader_has_current_ && reader_->current_stamp() <= stamp &&
                          (!reader_->next_stamp() || stamp < reader_->current_until());
     if (is_read && !reader_->is_certain()) return seek(stamp, 0);
-    if (is_read) return paint_current();
-    const std::int64_t needed_from = stamp - ticks_of(frames_on_the_way);
+    if (is_read) {
+        make_room(true);
+        return paint_current();
+    }
+    const std::int64_t needed_from = stamp - ticks_of(demand.alone ? 0 : frames_on_the_way);
     if (reader_->should_seek(stamp)) return seek(stamp, needed_from);
     return read_one(demand.rate > 0 ? stamp : needed_from);
 }
 
 playback_movie::progress playback_movie::fetch_ahead(const playback_frame_cache::run& held) {
+    if (!make_room(false)) return progress::nothing_to_do;
     if (reader_->should_seek(held.until)) return seek(held.until, held.until);
     return read_one(held.until);
 }
 
-playback_movie::progress playback_movie::fetch_behind(const playback_frame_cache::run& held,
-                                                      const targets& wanted) {
+playback_movie::progress playback_movie::fetch_behind(const playback_frame_cache::run& held) {
     const std::int64_t target = held.from - 1;
     if (reader_->should_seek(target)) {
         // Here again with the frames before read already: they do not join what is held, let it be.
         if (nothing_before_ == held.from) return progress::nothing_to_do;
         nothing_before_ = held.from;
-        return seek(target, held.from - ticks_of(wanted.group));
+        return seek(target, held.from - ticks_of(targets_.group));
     }
-    return read_one(held.from - ticks_of(wanted.group));
+    return read_one(held.from - ticks_of(targets_.group));
 }
 
 playback_movie::progress playback_movie::work(const playback_demand& demand) {
@@ -197,7 +264,10 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
     set_size(demand.width, demand.height);
     const std::int64_t stamp = std::max<std::int64_t>(0, reader_->stamp_at(demand.seconds));
     wanted_stamp_ = stamp;
-    cache_direction_ = demand.rate > 0 ? 1 : demand.rate < 0 ? -1 : demand.direction;
+    memory_ = demand.memory;
+    targets_ = targets_for(demand);
+    const int direction = direction_of(demand);
+    if (std::exchange(last_direction_, direction) != direction) nothing_before_.reset();
 
     picture_pointer standing;
     playback_frame_cache::run held;
@@ -206,9 +276,8 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         standing = cache_.at(stamp);
         if (standing) held = cache_.run_at(stamp);
     }
-    const targets wanted = targets_for(demand);
-    const bool needs_ahead = held.frames_after < wanted.ahead && !held.reaches_end;
-    const bool needs_behind = held.frames_before < wanted.behind && held.from > 0;
+    const bool needs_ahead = held.frames_after < targets_.ahead && !held.reaches_end;
+    const bool needs_behind = held.frames_before < targets_.behind && held.from > 0;
     choose_decoded(demand, !standing, stamp, !needs_ahead && !needs_behind);
     if (standing && standing->sparse && decoded_ == frames_decoded::all) {
         {
@@ -223,25 +292,28 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         if (made == progress::nothing_to_do) return fail("The movie “" + path_ + "” has no picture here");
         return made == progress::worked && frame_at(demand.seconds) ? progress::wanted_frame_came : made;
     }
-    if (needs_behind && cache_direction_ < 0) {
-        if (const progress made = fetch_behind(held, wanted); made != progress::nothing_to_do) return made;
+    if (needs_behind && direction < 0) {
+        if (const progress made = fetch_behind(held); made != progress::nothing_to_do) return made;
     }
     if (needs_ahead) return fetch_ahead(held);
-    return needs_behind ? fetch_behind(held, wanted) : progress::nothing_to_do;
+    return needs_behind ? fetch_behind(held) : progress::nothing_to_do;
+}
+
+// Under mutex_. As frame_reader has it, on any thread.
+std::int64_t playback_movie::stamp_at(double seconds) const {
+    if (seconds_per_tick_ <= 0) return 0;
+    const double ticks = std::floor((seconds + frame_tolerance_seconds) / seconds_per_tick_);
+    return std::max<std::int64_t>(0, static_cast<std::int64_t>(ticks));
 }
 
 picture_pointer playback_movie::frame_at(double seconds) const {
     const std::lock_guard lock(mutex_);
-    if (seconds_per_tick_ <= 0) return nullptr;
-    const double ticks = std::floor((seconds + frame_tolerance_seconds) / seconds_per_tick_);
-    return cache_.at(std::max<std::int64_t>(0, static_cast<std::int64_t>(ticks)));
+    return cache_.at(stamp_at(seconds));
 }
 
 picture_pointer playback_movie::frame_before(double seconds) const {
     const std::lock_guard lock(mutex_);
-    if (seconds_per_tick_ <= 0) return nullptr;
-    const double ticks = std::floor((seconds + frame_tolerance_seconds) / seconds_per_tick_);
-    return cache_.at_or_before(std::max<std::int64_t>(0, static_cast<std::int64_t>(ticks)));
+    return cache_.at_or_before(stamp_at(seconds));
 }
 
 picture_pointer playback_movie::frame_preceding(const picture& shown) const {

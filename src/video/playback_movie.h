@@ -20,19 +20,35 @@ struct playback_demand {
     int direction = 0;   // of the last step while standing still: 1, -1 or 0
     int width = 0;       // of the pictures; 0: the movie's own size
     int height = 0;
+    bool alone = false;      // the very frame will do, no other is going to be asked for soon
+    std::size_t memory = 0;  // bytes that this movie's pictures may take; the wanted one comes in any case
+};
+
+// Of memory, in bytes.
+struct playback_needs {
+    std::size_t least = 0;   // to show one frame after the other
+    std::size_t wanted = 0;  // to have at hand what the demand will ask for
 };
 
 // Reads one movie for playback: fetches the frame that is wanted, then those that will be wanted next, within
-// a memory budget. When decoding cannot keep up it passes over frames that no other needs, then all but key
-// frames. work() and close() are called on the vistel's queue, everything else on any thread.
+// the memory that the demand names. When decoding cannot keep up it passes over frames that no other needs,
+// then all but key frames. work(), keep(), is_open(), needs() and close() are called on the vistel's queue,
+// everything else on any thread.
 class playback_movie {
   public:
     enum class progress { nothing_to_do, worked, wanted_frame_came, failed };
 
-    playback_movie(std::string path, std::size_t memory_budget);
+    // Pictures are made in `pool`.
+    playback_movie(std::string path, std::shared_ptr<picture_pool> pool);
 
+    bool is_open() const { return reader_ != nullptr; }
+    // What serves a demand; nothing before the movie is open.
+    playback_needs needs(const playback_demand& demand) const;
     // One piece of work towards what is demanded: opens, seeks, or reads a frame.
     progress work(const playback_demand& demand);
+    // Forgets what the demand has least use for, until the rest is within its memory; the frame that it asks
+    // for stays, unless there is no memory at all.
+    void keep(const playback_demand& demand);
     // Lets go of the file and the frames.
     void close();
 
@@ -49,26 +65,30 @@ class playback_movie {
   private:
     // What is held around the wanted frame, in frames.
     struct targets {
-        std::size_t ahead;
-        std::size_t behind;
-        std::size_t group;  // read at once when going back
+        std::size_t ahead = 0;
+        std::size_t behind = 0;
+        std::size_t group = 0;  // read at once when going back
     };
 
+    std::int64_t stamp_at(double seconds) const;
     progress open();
     progress fail(std::string message);
     progress fetch(const playback_demand& demand, std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
-    progress fetch_behind(const playback_frame_cache::run& held, const targets& wanted);
+    progress fetch_behind(const playback_frame_cache::run& held);
     progress seek(std::int64_t stamp, std::int64_t needed_from);
     std::int64_t ticks_of(std::size_t frames) const;
     progress read_one(std::int64_t paint_from);
+    bool make_room(bool is_wanted);
     progress paint_current();
+    std::size_t frame_bytes(int width, int height) const;
+    std::size_t playing_frames(const playback_demand& demand) const;
     targets targets_for(const playback_demand& demand) const;
     void choose_decoded(const playback_demand& demand, bool is_missing, std::int64_t stamp, bool is_full);
     void set_size(int width, int height);
 
     const std::string path_;
-    const std::size_t budget_;
+    const std::shared_ptr<picture_pool> pool_;
 
     // Of the queue.
     std::unique_ptr<frame_reader> reader_;
@@ -78,8 +98,10 @@ class playback_movie {
     std::int64_t wanted_stamp_ = 0;
     std::int64_t sought_stamp_ = 0;  // what was wanted at the last seek
     bool has_caught_up_ = false;     // the reader came to what was wanted since then
-    int cache_direction_ = 0;
+    std::size_t memory_ = 0;         // what the demand allows
+    targets targets_;
     double last_rate_ = 0;
+    int last_direction_ = 0;
     frames_decoded decoded_ = frames_decoded::all;
     std::optional<std::int64_t> full_since_;      // wanted stamp from which on enough was held ahead
     std::optional<std::int64_t> nothing_before_;  // going back from here brought nothing

@@ -24,8 +24,9 @@ struct synchronised_playback::arrival_link {
     std::atomic<bool> is_posted{false};  // one visit to the main thread serves all news until then
 };
 
-synchronised_playback::synchronised_playback(run_loop& loop)
+synchronised_playback::synchronised_playback(run_loop& loop, std::shared_ptr<frame_budget> budget)
     : loop_(loop),
+      budget_(std::move(budget)),
       clock_(loop.time()),
       ticks_(loop),
       task_(ticks_, tick_step::players, [this] { timer_tick(); }),
@@ -45,7 +46,7 @@ std::unique_ptr<vistel_player> synchronised_playback::make_player(const playback
             if (link->playback != nullptr) link->playback->take_arrivals();
         });
     };
-    return std::make_unique<vistel_player>(vistel.parts, tell);
+    return std::make_unique<vistel_player>(vistel.parts, tell, budget_);
 }
 
 void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
@@ -128,6 +129,12 @@ void synchronised_playback::set_seen(const std::string& uuid, bool seen) {
     entry* const found = find(uuid);
     if (found == nullptr || found->is_seen == seen) return;
     found->is_seen = seen;
+    tick();
+}
+
+void synchronised_playback::set_in_front(bool in_front) {
+    if (in_front == is_in_front_) return;
+    is_in_front_ = in_front;
     tick();
 }
 
@@ -235,7 +242,8 @@ void synchronised_playback::take_arrivals() {
 
 // What a vistel shows at a time of its own time line; true when that is something else than before.
 bool synchronised_playback::show(entry& vistel, double seconds) {
-    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_);
+    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_,
+                        !is_in_front_ && !is_playing());
     auto seen = vistel.player->look(seconds);
     const bool is_news = seen.state != vistel.state || seen.problem != vistel.problem;
     vistel.state = seen.state;
@@ -261,6 +269,7 @@ void synchronised_playback::show(double now) {
         if (is_followed(vistel)) {
             changed = show(vistel, now + vistel.vistel.lead) || changed;
         } else {
+            vistel.player->rest();
             vistel.shown.reset();
             vistel.returns = true;
             if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;

@@ -34,8 +34,9 @@ struct playback_vistel {
 // for a file.
 class synchronised_playback final : public transport {
   public:
-    // `loop` outlives the playback.
-    explicit synchronised_playback(run_loop& loop);
+    // `loop` outlives the playback. The pictures are kept within `budget`.
+    explicit synchronised_playback(run_loop& loop,
+                                   std::shared_ptr<frame_budget> budget = frame_budget::of_program());
     ~synchronised_playback() override;
 
     // Vistels that were there before with the same movies go on undisturbed.
@@ -48,6 +49,9 @@ class synchronised_playback final : public transport {
     // Whether the user sees the vistel, as one does from the beginning. One out of sight is not decoded and
     // has no picture, but for the one whose frames are stepped by while playback stands still.
     void set_seen(const std::string& uuid, bool seen);
+    // Whether the user works with this event, as one does from the beginning. One in the background that
+    // stands still keeps no picture but those shown.
+    void set_in_front(bool in_front);
     // Whose frames are stepped by; empty: the first vistel's.
     void set_enlarged(const std::string& uuid) { enlarged_ = uuid; }
     // Who is heard; empty: the first vistel.
@@ -134,6 +138,7 @@ class synchronised_playback final : public transport {
     void move_to(double seconds, int direction, bool snap, std::function<void()> done);
 
     run_loop& loop_;
+    const std::shared_ptr<frame_budget> budget_;
     collection_clock clock_;
     display_tick ticks_;
     tick_task task_;
@@ -141,6 +146,7 @@ class synchronised_playback final : public transport {
     std::vector<entry> vistels_;
     double least_first_ = 0;
     double least_last_ = 0;
+    bool is_in_front_ = true;
     std::string enlarged_;
     std::string sound_vistel_;
     double volume_ = 1;

@@ -9,8 +9,7 @@ namespace vistels {
 
 namespace {
 
-constexpr std::size_t memory_budget_bytes = 96U << 20U;  // for the frames of one movie part
-constexpr double next_part_seconds = 1.0;                // a part is opened so long before it is reached
+constexpr double next_part_seconds = 1.0;  // a part is opened so long before it is reached
 constexpr double usual_frame_seconds = 1.0 / 30;
 
 std::vector<playback_part> in_order(std::vector<playback_part> parts) {
@@ -21,14 +20,19 @@ std::vector<playback_part> in_order(std::vector<playback_part> parts) {
 
 }  // namespace
 
-vistel_player::vistel_player(std::vector<playback_part> parts, std::function<void()> on_arrival)
-    : parts_(in_order(std::move(parts))), on_arrival_(std::move(on_arrival)) {
+vistel_player::vistel_player(std::vector<playback_part> parts, std::function<void()> on_arrival,
+                             std::shared_ptr<frame_budget> budget)
+    : parts_(in_order(std::move(parts))),
+      share_(std::move(budget), [this] { look_again(); }),
+      on_arrival_(std::move(on_arrival)) {
     for (const auto& part : parts_) {
-        movies_.push_back(std::make_unique<playback_movie>(part.path, memory_budget_bytes));
+        movies_.push_back(std::make_unique<playback_movie>(part.path, share_.pictures()));
     }
+    if (parts_.empty()) share_.ask(0, 0);
 }
 
 vistel_player::~vistel_player() {
+    share_.disconnect();
     const std::lock_guard lock(mutex_);
     ending_ = true;
 }
@@ -70,17 +74,34 @@ void vistel_player::set_size(int width, int height) {
     demand_.height = height;
 }
 
-void vistel_player::want(double seconds, double rate, int direction) {
+void vistel_player::want(double seconds, double rate, int direction, bool alone) {
     if (parts_.empty()) return;
-    {
-        const std::lock_guard lock(mutex_);
-        wanted_seconds_ = seconds;
-        demand_.rate = rate;
-        demand_.direction = direction;
-        ++demand_number_;
-        if (working_) return;
-        working_ = true;
-    }
+    const std::lock_guard lock(mutex_);
+    wanted_seconds_ = seconds;
+    demand_.rate = rate;
+    demand_.direction = direction;
+    demand_.alone = alone;
+    resting_ = false;
+    post_work();
+}
+
+void vistel_player::rest() {
+    const std::lock_guard lock(mutex_);
+    if (resting_ && demand_number_ > 0) return;
+    resting_ = true;
+    post_work();
+}
+
+void vistel_player::look_again() {
+    const std::lock_guard lock(mutex_);
+    post_work();
+}
+
+// Under mutex_.
+void vistel_player::post_work() {
+    ++demand_number_;
+    if (working_) return;
+    working_ = true;
     queue_.post([this] { work(); });
 }
 
@@ -89,14 +110,21 @@ void vistel_player::work() {
         double seconds = 0;
         playback_demand demand;
         std::uint64_t number = 0;
+        bool resting = false;
         {
             const std::lock_guard lock(mutex_);
             if (ending_) return;
             seconds = wanted_seconds_;
             demand = demand_;
             number = demand_number_;
+            resting = resting_;
         }
-        const auto made = work_once(seconds, demand);
+        auto made = playback_movie::progress::nothing_to_do;
+        if (resting) {
+            let_go();
+        } else {
+            made = work_once(seconds, demand);
+        }
         if (made == playback_movie::progress::wanted_frame_came || made == playback_movie::progress::failed) {
             on_arrival_();
         }
@@ -108,34 +136,83 @@ void vistel_player::work() {
     }
 }
 
-// The part that is shown first, then the one that playing comes to next.
-playback_movie::progress vistel_player::work_once(double seconds, const playback_demand& demand) {
-    const place here = place_of(seconds);
-    const int near_part = here.part >= 0 ? here.part : part_at_or_after(seconds);
-    close_far_parts(near_part);
-    if (here.part >= 0) {
-        playback_demand own = demand;
-        own.seconds = here.seconds;
-        const auto made = movies_[static_cast<std::size_t>(here.part)]->work(own);
-        if (made != playback_movie::progress::nothing_to_do) return made;
-    }
-    const bool backwards = demand.rate < 0 || (demand.rate == 0 && demand.direction < 0);
-    const int next = backwards ? near_part - 1 : here.part >= 0 ? near_part + 1 : near_part;
-    if (next < 0 || next >= static_cast<int>(parts_.size())) return playback_movie::progress::nothing_to_do;
-    const playback_part& coming = parts_[static_cast<std::size_t>(next)];
-    const double away = backwards ? seconds - (coming.start + coming.duration) : coming.start - seconds;
-    const double soon = next_part_seconds * std::max(1.0, std::abs(demand.rate));
-    if (away > soon) return playback_movie::progress::nothing_to_do;
-    playback_demand other = demand;
-    other.seconds = backwards ? std::max(0.0, coming.duration - 2 * frame_tolerance_seconds) : 0;
-    const auto made = movies_[static_cast<std::size_t>(next)]->work(other);
-    return made == playback_movie::progress::nothing_to_do ? made : playback_movie::progress::worked;
+void vistel_player::let_go() {
+    for (const auto& movie : movies_) movie->keep({});
+    share_.ask(0, 0);
+    share_.limit();
 }
 
-void vistel_player::close_far_parts(int near_part) {
-    for (int i = 0; i < static_cast<int>(movies_.size()); ++i) {
-        if (std::abs(i - near_part) > 1) movies_[static_cast<std::size_t>(i)]->close();
+// The part that is shown first, then the one that playing comes to next.
+std::vector<vistel_player::near_part> vistel_player::near_parts(double seconds,
+                                                                const playback_demand& demand) const {
+    std::vector<near_part> found;
+    const place here = place_of(seconds);
+    const double soon = next_part_seconds * std::max(1.0, std::abs(demand.rate));
+    if (here.part >= 0) {
+        found.push_back({here.part, true, demand});
+        found.back().demand.seconds = here.seconds;
+        found.back().demand.alone = demand.alone || is_still() || seconds > duration() + soon;
     }
+    const int middle = here.part >= 0 ? here.part : part_at_or_after(seconds);
+    const bool backwards = demand.rate < 0 || (demand.rate == 0 && demand.direction < 0);
+    const auto add = [&](int index, bool comes_after) {
+        if (demand.alone || index < 0 || index >= static_cast<int>(parts_.size())) return;
+        const playback_part& part = parts_[static_cast<std::size_t>(index)];
+        const double away = comes_after ? part.start - seconds : seconds - (part.start + part.duration);
+        if (away > soon) return;
+        found.push_back({index, comes_after != backwards, demand});
+        found.back().demand.seconds =
+            comes_after ? 0 : std::max(0.0, part.duration - 2 * frame_tolerance_seconds);
+    };
+    add(middle - 1, false);
+    add(here.part >= 0 ? middle + 1 : middle, true);
+    return found;
+}
+
+// Each part gets of the vistel's share what it needs of all that they need.
+void vistel_player::share_memory(std::vector<near_part>& parts) {
+    std::vector<std::size_t> wanted;
+    std::size_t least = 0;
+    std::size_t all = 0;
+    bool is_known = true;
+    for (const auto& part : parts) {
+        const playback_movie& movie = *movies_[static_cast<std::size_t>(part.index)];
+        const auto needs = movie.needs(part.demand);
+        is_known = is_known && (!part.is_read || movie.is_open() || !movie.problem().empty());
+        wanted.push_back(needs.wanted);
+        least = std::max(least, needs.least);
+        all += needs.wanted;
+    }
+    if (is_known) share_.ask(least, all);
+    const std::size_t limit = share_.limit();
+    std::vector<bool> is_near(movies_.size());
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const auto index = static_cast<std::size_t>(parts[i].index);
+        parts[i].demand.memory = all == 0 ? 0 : limit * wanted[i] / all;
+        is_near[index] = true;
+        movies_[index]->keep(parts[i].demand);
+    }
+    for (std::size_t i = 0; i < movies_.size(); ++i) {
+        if (!is_near[i]) movies_[i]->keep({});
+    }
+}
+
+playback_movie::progress vistel_player::work_once(double seconds, const playback_demand& demand) {
+    const place here = place_of(seconds);
+    const int middle = here.part >= 0 ? here.part : part_at_or_after(seconds);
+    for (int i = 0; i < static_cast<int>(movies_.size()); ++i) {
+        if (std::abs(i - middle) > 1) movies_[static_cast<std::size_t>(i)]->close();
+    }
+    auto parts = near_parts(seconds, demand);
+    share_memory(parts);
+    for (const auto& part : parts) {
+        if (!part.is_read) continue;
+        const auto made = movies_[static_cast<std::size_t>(part.index)]->work(part.demand);
+        if (made == playback_movie::progress::nothing_to_do) continue;
+        // Nobody waits for a part that comes.
+        return part.index == here.part ? made : playback_movie::progress::worked;
+    }
+    return playback_movie::progress::nothing_to_do;
 }
 
 vistel_player::view vistel_player::look(double seconds) const {

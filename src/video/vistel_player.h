@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "util/serial_queue.h"
+#include "video/frame_budget.h"
 #include "video/playback_movie.h"
 
 namespace vistels {
@@ -43,15 +44,19 @@ class vistel_player {
         std::string problem;       // when unreadable, for the user
     };
 
-    // `on_arrival` is called on the queue when a frame that was asked for has come, or cannot come.
-    vistel_player(std::vector<playback_part> parts, std::function<void()> on_arrival);
+    // `on_arrival` is called on the queue when a frame that was asked for has come, or cannot come. The
+    // pictures take their share of `budget`.
+    vistel_player(std::vector<playback_part> parts, std::function<void()> on_arrival,
+                  std::shared_ptr<frame_budget> budget);
     // Waits for the piece of work that the queue is at.
     ~vistel_player();
 
     // Asks for the frame at a time of the vistel's own time line, and for those that playing at `rate` (0:
-    // standing still, having last stepped in `direction`) will need. Takes the place of what was asked
-    // before.
-    void want(double seconds, double rate, int direction);
+    // standing still, having last stepped in `direction`) will need; `alone`: the very frame will do. Takes
+    // the place of what was asked before.
+    void want(double seconds, double rate, int direction, bool alone = false);
+    // Nothing is asked for until the next want(): lets go of the pictures.
+    void rest();
     // The pictures' size; 0, 0: the movie's own. Takes effect with the next want().
     void set_size(int width, int height);
 
@@ -73,13 +78,25 @@ class vistel_player {
         double seconds;
     };
 
+    // A part that is shown, that comes next or that has just gone by.
+    struct near_part {
+        int index = 0;
+        bool is_read = false;
+        playback_demand demand;  // of its own time
+    };
+
     place place_of(double seconds) const;
     int part_at_or_after(double seconds) const;
+    std::vector<near_part> near_parts(double seconds, const playback_demand& demand) const;
+    void post_work();
+    void look_again();
     void work();
     playback_movie::progress work_once(double seconds, const playback_demand& demand);
-    void close_far_parts(int near_part);
+    void share_memory(std::vector<near_part>& parts);
+    void let_go();
 
     const std::vector<playback_part> parts_;  // by start
+    frame_budget::share share_;               // of the queue
     std::vector<std::unique_ptr<playback_movie>> movies_;
     const std::function<void()> on_arrival_;
 
@@ -87,6 +104,7 @@ class vistel_player {
     double wanted_seconds_ = 0;  // guarded by mutex_, like the following
     playback_demand demand_;
     std::uint64_t demand_number_ = 0;
+    bool resting_ = true;
     bool working_ = false;
     bool ending_ = false;
 

@@ -176,18 +176,18 @@ TEST(playback_frame_cache, knows_what_stands_when) {
 
 TEST(playback_frame_cache, forgets_the_farthest_first) {
     struct {
-        int direction;
+        std::size_t before, after;  // of the frame that stands at 46
         std::int64_t first, last;
-    } const cases[] = {{0, 30, 60}, {1, 40, 70}, {-1, 20, 50}};
+    } const cases[] = {{0, 0, 30, 60}, {9, 9, 30, 60}, {0, 3, 40, 70}, {2, 0, 20, 50}, {3, 0, 10, 40}};
     for (const auto& c : cases) {
         playback_frame_cache cache;
         for (int i = 0; i < 10; ++i) cache.insert(frame(i * 10, i * 10 + 10, false, i == 5));
         EXPECT_EQ(cache.bytes(), 1000U);
-        cache.keep_within(400, 46, c.direction);
+        cache.keep_within(400, 46, c.before, c.after);
         EXPECT_EQ(cache.bytes(), 400U);
         EXPECT_TRUE(cache.at(46));
-        EXPECT_TRUE(cache.at(c.first)) << c.direction;
-        EXPECT_TRUE(cache.at(c.last)) << c.direction;
+        EXPECT_TRUE(cache.at(c.first)) << c.before;
+        EXPECT_TRUE(cache.at(c.last)) << c.before;
         cache.forget_sparse();
         EXPECT_FALSE(cache.at(50));
     }

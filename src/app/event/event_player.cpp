@@ -138,7 +138,10 @@ void event_player::play_clip(const std::string& clip) {
 }
 
 void event_player::apply_volume() {
-    if (event_) event_->set_silenced(muted_ || !heard_);
+    if (event_) {
+        event_->set_silenced(muted_ || !heard_);
+        event_->playback().set_in_front(heard_);
+    }
     volumes_changed.emit();
 }
 
