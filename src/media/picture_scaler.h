@@ -12,8 +12,7 @@
 
 namespace vistels {
 
-// Turns decoded frames into pictures of an asked size. Halving 8 bit 4:2:0 has a way of its own, which is
-// several times faster than the general one; everything else goes through swscale.
+// Turns decoded frames into pictures of an asked size.
 class picture_scaler {
   public:
     explicit picture_scaler(std::shared_ptr<picture_pool> pool) : pool_(std::move(pool)) {}

@@ -82,7 +82,7 @@ TEST_P(exact_frames, are_found_by_their_time) {
         if (!times.empty()) {
             EXPECT_NEAR(at, times[frame], 0.001);
         }
-        expect_frame(at, i % 2 == 0 ? 160 : 200, frame);
+        expect_frame(at, i % 2 == 0 ? 160 : 201, frame);
         if (frame > 0) expect_frame(at - 0.002, 320, frame - 1);
     }
     expect_frame(-5, 160, 0);
@@ -136,6 +136,39 @@ TEST(movie_information, says_what_was_written) {
         ASSERT_TRUE(shown.ok());
         EXPECT_EQ(read_frame_number(*shown.value()) == 15, rotation == 0);
         EXPECT_EQ(shown.value()->height, rotation % 180 == 0 ? 240 : 320);
+    }
+}
+
+TEST(frame_reader, colours_are_right_in_any_size) {
+    const temporary_folder folder;
+    const std::string path = folder / "halves.mp4";
+    constexpr std::uint8_t colours[2][3] = {{40, 90, 200}, {180, 120, 30}};  // B, G, R
+    auto made = movie_writer::create(path, small_movie());
+    ASSERT_TRUE(made.ok()) << made.message();
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < 320 * 240; ++i) {
+        const auto& colour = colours[i % 320 / 160];
+        pixels.insert(pixels.end(), {colour[0], colour[1], colour[2], 0});
+    }
+    ASSERT_TRUE(made.value()->add_picture(pixels.data(), 320 * 4).ok());
+    ASSERT_TRUE(made.value()->finish().ok());
+    auto reader = frame_reader::open(path);
+    ASSERT_TRUE(reader.ok()) << reader.message();
+    const int sizes[][2] = {{320, 240}, {160, 120}, {161, 120}, {203, 77}, {33, 17}, {641, 479}, {15, 9}};
+    for (const auto& [width, height] : sizes) {
+        const auto shown = reader.value()->frame_at(0, width, height);
+        ASSERT_TRUE(shown.ok()) << shown.message();
+        ASSERT_EQ(shown.value()->width, width);
+        ASSERT_EQ(shown.value()->height, height);
+        for (const int y : {0, height / 2, height - 1}) {
+            for (const int x : {0, width / 4, width * 3 / 4, width - 1}) {
+                const auto* const pixel = shown.value()->row(y) + std::ptrdiff_t{4} * x;
+                for (int i = 0; i < 3; ++i)
+                    EXPECT_NEAR(pixel[i], colours[x / ((width + 1) / 2)][i], 8)
+                        << width << ": " << x << ", " << y;
+                EXPECT_EQ(pixel[3], 255);
+            }
+        }
     }
 }
 
