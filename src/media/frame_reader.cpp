@@ -6,14 +6,14 @@
 #include <limits>
 #include <utility>
 
-#include "media/movie_file.h"
+#include "media/decoder.h"
+#include "media/demultiplexer.h"
 #include "media/picture_scaler.h"
 
 namespace vistels {
 
 namespace {
 
-constexpr int most_failures_in_a_row = 200;
 constexpr double reading_on_seconds = 3;  // a shorter way is read, where the file has no index
 constexpr int most_seek_tries = 5;
 constexpr int frames_certain = 3;  // before the wanted one: at a steady rate it is among them
@@ -26,10 +26,9 @@ struct frame_reader::implementation {
     explicit implementation(std::shared_ptr<picture_pool> pool) : scaler(std::move(pool)) {}
 
     std::string path;
-    std::unique_ptr<movie_file> file;
+    std::unique_ptr<demultiplexer> file;
     AVStream* stream = nullptr;
-    ffmpeg_owner<AVCodecContext> decoder;
-    ffmpeg_owner<AVPacket> packet{av_packet_alloc()};
+    std::optional<decoder> pictures;
     ffmpeg_owner<AVFrame> current{av_frame_alloc()};
     ffmpeg_owner<AVFrame> pending{av_frame_alloc()};  // the one after current
     bool has_current = false;
@@ -42,8 +41,6 @@ struct frame_reader::implementation {
     std::int64_t needed_from = 0;   // before that, unreferenced frames are passed over
     bool passed_over = false;       // some were
     std::int64_t last_wanted = -1;  // by the last seek
-    bool draining = false;
-    int failures = 0;
     frames_decoded decoded = frames_decoded::all;
     bool references_missing = false;  // after key frames only, reading on gives damaged frames
     int sparse_frames = 0;            // how many frames from here on may have a gap before them
@@ -54,11 +51,10 @@ struct frame_reader::implementation {
     std::int64_t frame_ticks() const;
     std::int64_t end_stamp() const;
     result<void> seek_stream(std::int64_t stamp);
-    result<bool> read_packet();
     result<bool> decode_pending();
     bool take_pending();
     void apply_decoded();
-    void skip_unneeded();
+    void look_at(const AVPacket& packet);
 };
 
 std::int64_t frame_reader::implementation::frame_ticks() const {
@@ -72,43 +68,14 @@ std::int64_t frame_reader::implementation::end_stamp() const {
     return std::max(current_stamp + length, stream->duration > 0 ? stream->duration : 0);
 }
 
-void frame_reader::implementation::skip_unneeded() {
+// Before the decoder gets it.
+void frame_reader::implementation::look_at(const AVPacket& packet) {
+    const bool has_stamp = packet.pts != AV_NOPTS_VALUE;
+    if (has_stamp && std::exchange(floor_is_open, false)) floor_stamp = packet.pts;
     if (decoded != frames_decoded::all) return;
-    const bool is_unneeded = packet->pts != AV_NOPTS_VALUE && packet->pts - first_stamp < needed_from;
-    decoder->skip_frame = is_unneeded ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
+    const bool is_unneeded = has_stamp && packet.pts - first_stamp < needed_from;
+    pictures->context().skip_frame = is_unneeded ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     passed_over = passed_over || is_unneeded;
-}
-
-// Gives the decoder one packet; false when the file is at its end and the decoder was told so.
-result<bool> frame_reader::implementation::read_packet() {
-    if (draining) return false;
-    for (;;) {
-        av_packet_unref(packet.get());
-        const int error = file->read(*packet);
-        if (error == AVERROR_EOF) {
-            draining = true;
-            avcodec_send_packet(decoder.get(), nullptr);
-            return true;
-        }
-        if (error < 0) {
-            if (error != AVERROR_INVALIDDATA || ++failures > most_failures_in_a_row) {
-                return ffmpeg_failure("Could not read the movie", path, error);
-            }
-            continue;
-        }
-        if (packet->stream_index == stream->index) break;
-    }
-    if (floor_is_open && packet->pts != AV_NOPTS_VALUE) {
-        floor_stamp = packet->pts;
-        floor_is_open = false;
-    }
-    skip_unneeded();
-    const int error = avcodec_send_packet(decoder.get(), packet.get());
-    av_packet_unref(packet.get());
-    if (error < 0 && error != AVERROR(EAGAIN) && ++failures > most_failures_in_a_row) {
-        return ffmpeg_failure("Could not decode the movie", path, error);
-    }
-    return true;
 }
 
 // Whether the frame just decoded is one to show: whole, and later than the one before.
@@ -119,7 +86,6 @@ bool frame_reader::implementation::take_pending() {
     if (stamp < floor_stamp) return false;
     pending_stamp = stamp - first_stamp;
     if (has_current && pending_stamp <= current_stamp) return false;
-    failures = 0;
     pending_is_sparse = sparse_frames > 0;
     if (decoded == frames_decoded::all && sparse_frames > 0) --sparse_frames;
     return true;
@@ -128,26 +94,18 @@ bool frame_reader::implementation::take_pending() {
 result<bool> frame_reader::implementation::decode_pending() {
     has_pending = false;
     for (;;) {
-        const int error = avcodec_receive_frame(decoder.get(), pending.get());
-        if (error == 0) {
-            if (!take_pending()) continue;
-            has_pending = true;
-            return true;
-        }
-        if (error == AVERROR_EOF) return false;
-        if (error != AVERROR(EAGAIN) && ++failures > most_failures_in_a_row) {
-            return ffmpeg_failure("Could not decode the movie", path, error);
-        }
-        auto read = read_packet();
-        if (!read.ok()) return read;
-        if (!read.value()) return false;
+        auto decoded_one = pictures->next(*pending);
+        if (!decoded_one.ok() || !decoded_one.value()) return decoded_one;
+        if (!take_pending()) continue;
+        has_pending = true;
+        return true;
     }
 }
 
 void frame_reader::implementation::apply_decoded() {
-    decoder->skip_frame = decoded == frames_decoded::all                    ? AVDISCARD_DEFAULT
-                          : decoded == frames_decoded::without_unreferenced ? AVDISCARD_NONREF
-                                                                            : AVDISCARD_NONKEY;
+    pictures->context().skip_frame = decoded == frames_decoded::all                    ? AVDISCARD_DEFAULT
+                                     : decoded == frames_decoded::without_unreferenced ? AVDISCARD_NONREF
+                                                                                       : AVDISCARD_NONKEY;
     stream->discard = decoded == frames_decoded::key_frames_only ? AVDISCARD_NONKEY : AVDISCARD_DEFAULT;
 }
 
@@ -160,10 +118,8 @@ result<void> frame_reader::implementation::seek_stream(std::int64_t stamp) {
             return ffmpeg_failure("Could not move in the movie", path, error);
         }
     }
-    avcodec_flush_buffers(decoder.get());
+    pictures->restart();
     has_current = false;
-    draining = false;
-    failures = 0;
     references_missing = false;
     sparse_frames = decoded == frames_decoded::all ? 0 : 1;
     floor_stamp = std::numeric_limits<std::int64_t>::min();
@@ -176,7 +132,7 @@ frame_reader::~frame_reader() = default;
 
 result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path, int threads,
                                                          std::shared_ptr<picture_pool> pool) {
-    auto opened = movie_file::open(path);
+    auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
     if (!pool) pool = std::make_shared<picture_pool>();
     auto made = std::make_unique<implementation>(std::move(pool));
@@ -184,13 +140,13 @@ result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path
     made->file = std::move(opened).value();
     made->stream = made->file->video();
     if (made->stream == nullptr) return failure{"The movie “" + path + "” holds no pictures"};
-    AVFormatContext& format = made->file->format();
-    for (unsigned i = 0; i < format.nb_streams; ++i) {
-        if (format.streams[i] != made->stream) format.streams[i]->discard = AVDISCARD_ALL;
-    }
-    auto decoder = made->file->open_decoder(*made->stream, threads);
-    if (!decoder.ok()) return decoder.error();
-    made->decoder = std::move(decoder).value();
+    made->file->read_only(*made->stream);
+    made->pictures.emplace(*made->file, "Could not read the movie");
+    if (auto ready = made->pictures->open(*made->stream, threads); !ready.ok()) return ready.error();
+    made->pictures->set_look([its = made.get()](AVPacket& packet) -> result<void> {
+        if (packet.stream_index == its->stream->index) its->look_at(packet);
+        return {};
+    });
     const auto first = made->decode_pending();
     if (!first.ok()) return first.error();
     if (!first.value()) return failure{"The movie “" + path + "” holds no picture that can be decoded"};
@@ -233,7 +189,7 @@ bool frame_reader::should_seek(std::int64_t stamp) const {
     if (!its.has_pending) return !its.has_current || stamp < its.current_stamp;
     if (stamp < its.pending_stamp) return true;
     if (stamp <= its.last_wanted) return false;  // this is as near as the last seek got
-    const std::int64_t reorder = its.decoder->has_b_frames * its.frame_ticks();
+    const std::int64_t reorder = its.pictures->context().has_b_frames * its.frame_ticks();
     const int entry =
         av_index_search_timestamp(its.stream, stamp + its.first_stamp - reorder, AVSEEK_FLAG_BACKWARD);
     if (entry < 0)
@@ -339,7 +295,7 @@ void frame_reader::set_decoded(frames_decoded which) {
     if (which == its.decoded) return;
     if (its.decoded == frames_decoded::key_frames_only) its.references_missing = true;
     // Frames already in the decoder come out first, in order of presentation.
-    its.sparse_frames = its.decoder->has_b_frames + 2;
+    its.sparse_frames = its.pictures->context().has_b_frames + 2;
     its.decoded = which;
     if (!its.references_missing) its.apply_decoded();
 }

@@ -27,6 +27,8 @@ struct movie_writer_settings {
     std::string sound_coder = {};  // of FFmpeg's AAC encoder; empty: its own choice
     int rotation = 0;              // degrees clockwise by which players turn the picture: 0, 90, 180, 270
     bool fast_start = false;       // index at the front, for which the finished file is copied once more
+    bool in_fragments =
+        false;  // an MP4 file that can be read while it is written, a group of pictures at a time
 };
 
 // Writes one movie file: H.264 and AAC, in the container that the path's ending names (.mp4, .mov, .mkv).

@@ -3,22 +3,21 @@
 
 #include <algorithm>
 
-#include "media/movie_file.h"
+#include "media/demultiplexer.h"
 
 namespace vistels {
 
 result<packet_index> read_packet_index(const std::string& path) {
-    auto opened = movie_file::open(path);
+    auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
-    movie_file& file = *opened.value();
+    demultiplexer& file = *opened.value();
     if (file.video() == nullptr) return failure{"The movie “" + path + "” holds no pictures"};
     packet_index made;
     made.seconds_per_tick = seconds_of(file.video()->time_base);
     const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
     int error = 0;
-    while ((error = file.read(*packet)) >= 0) {
-        const bool is_shown = packet->stream_index == file.video()->index && packet->pts != AV_NOPTS_VALUE &&
-                              (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
+    while ((error = file.read(*packet, *file.video())) >= 0) {
+        const bool is_shown = packet->pts != AV_NOPTS_VALUE && (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
         if (is_shown) made.stamps.push_back(packet->pts);
         av_packet_unref(packet.get());
     }

@@ -4,15 +4,16 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <vector>
 
-#include "media/movie_file.h"
+#include "media/decoder.h"
+#include "media/demultiplexer.h"
 
 namespace vistels {
 
 namespace {
 
-constexpr int most_failures_in_a_row = 200;
 constexpr double same_place_seconds = 0.0005;
 constexpr double reading_on_seconds = 1;
 
@@ -20,18 +21,15 @@ constexpr double reading_on_seconds = 1;
 
 struct sound_reader::implementation {
     std::string path;
-    std::unique_ptr<movie_file> file;
+    std::unique_ptr<demultiplexer> file;
     AVStream* stream = nullptr;
-    ffmpeg_owner<AVCodecContext> decoder;
+    std::optional<decoder> sound;
     ffmpeg_owner<SwrContext> converter;
-    ffmpeg_owner<AVPacket> packet{av_packet_alloc()};
     ffmpeg_owner<AVFrame> frame{av_frame_alloc()};
     std::vector<float> waiting;  // decoded, interleaved
     double waiting_from = 0;     // the time of its first sample
     double zero_seconds = 0;     // the stream's time at the movie's first picture
     bool has_waiting = false;
-    bool at_end = false;
-    int failures = 0;
 
     double waiting_until() const {
         return waiting_from + static_cast<double>(waiting.size() / sound_channels) / sound_samples_per_second;
@@ -45,10 +43,10 @@ struct sound_reader::implementation {
 
 result<void> sound_reader::implementation::prepare_converter() {
     AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+    AVCodecContext& decoded = sound->context();
     SwrContext* made = nullptr;
-    int error =
-        swr_alloc_set_opts2(&made, &stereo, AV_SAMPLE_FMT_FLT, sound_samples_per_second, &decoder->ch_layout,
-                            decoder->sample_fmt, decoder->sample_rate, 0, nullptr);
+    int error = swr_alloc_set_opts2(&made, &stereo, AV_SAMPLE_FMT_FLT, sound_samples_per_second,
+                                    &decoded.ch_layout, decoded.sample_fmt, decoded.sample_rate, 0, nullptr);
     converter.reset(made);
     if (error >= 0) error = swr_init(made);
     if (error < 0) return ffmpeg_failure("Could not read the sound of", path, error);
@@ -61,10 +59,9 @@ result<void> sound_reader::implementation::seek(double seconds) {
         file->seek(*stream, std::numeric_limits<std::int64_t>::min() / 4) < 0) {
         return failure{"Could not move in the sound of “" + path + "”"};
     }
-    avcodec_flush_buffers(decoder.get());
+    sound->restart();
     waiting.clear();
     has_waiting = false;
-    at_end = false;
     return prepare_converter();  // forgets what it still holds
 }
 
@@ -82,33 +79,15 @@ result<void> sound_reader::implementation::take_frame() {
         waiting_from = static_cast<double>(stamp) * seconds_of(stream->time_base) - zero_seconds;
     }
     has_waiting = true;
-    failures = 0;
     return {};
 }
 
 // False at the end.
 result<bool> sound_reader::implementation::decode_more() {
-    for (;;) {
-        int error = avcodec_receive_frame(decoder.get(), frame.get());
-        if (error == 0) {
-            if (auto taken = take_frame(); !taken.ok()) return taken.error();
-            return true;
-        }
-        if (error == AVERROR_EOF || at_end) return false;
-        error = file->read(*packet);
-        if (error == AVERROR_EOF) {
-            at_end = true;
-            avcodec_send_packet(decoder.get(), nullptr);
-            continue;
-        }
-        if (error >= 0 && packet->stream_index == stream->index) {
-            error = avcodec_send_packet(decoder.get(), packet.get());
-        }
-        av_packet_unref(packet.get());
-        if (error < 0 && ++failures > most_failures_in_a_row) {
-            return ffmpeg_failure("Could not read the sound of", path, error);
-        }
-    }
+    auto decoded = sound->next(*frame);
+    if (!decoded.ok() || !decoded.value()) return decoded;
+    if (auto taken = take_frame(); !taken.ok()) return taken.error();
+    return true;
 }
 
 void sound_reader::implementation::drop_before(double seconds) {
@@ -123,7 +102,7 @@ sound_reader::sound_reader(std::unique_ptr<implementation> made) : its_(std::mov
 sound_reader::~sound_reader() = default;
 
 result<std::unique_ptr<sound_reader>> sound_reader::open(const std::string& path) {
-    auto opened = movie_file::open(path);
+    auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
     auto made = std::make_unique<implementation>();
     made->path = path;
@@ -134,13 +113,10 @@ result<std::unique_ptr<sound_reader>> sound_reader::open(const std::string& path
         video != nullptr && video->start_time != AV_NOPTS_VALUE) {
         made->zero_seconds = static_cast<double>(video->start_time) * seconds_of(video->time_base);
     }
-    AVFormatContext& format = made->file->format();
-    for (unsigned i = 0; i < format.nb_streams; ++i) {
-        if (format.streams[i] != made->stream) format.streams[i]->discard = AVDISCARD_ALL;
-    }
-    auto decoder = made->file->open_decoder(*made->stream, 1);
-    if (!decoder.ok()) return decoder.error();
-    made->decoder = std::move(decoder).value();
+    made->file->read_only(*made->stream);
+    made->sound.emplace(*made->file, "Could not read the sound of");
+    if (auto opened_sound = made->sound->open(*made->stream, 1); !opened_sound.ok())
+        return opened_sound.error();
     if (auto ready = made->prepare_converter(); !ready.ok()) return ready.error();
     return std::unique_ptr<sound_reader>(new sound_reader(std::move(made)));
 }

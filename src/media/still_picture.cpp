@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
 
+#include "media/decoder.h"
+#include "media/demultiplexer.h"
 #include "media/ffmpeg_handles.h"
-#include "media/movie_file.h"
 #include "media/picture.h"
 
 namespace vistels {
@@ -11,36 +12,19 @@ namespace {
 
 constexpr int largest_side = 16384;
 
-// The first frame that the file's decoder gives.
-result<ffmpeg_owner<AVFrame>> decode_first(movie_file& file, AVCodecContext& decoder,
-                                           const std::string& path) {
-    const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
-    ffmpeg_owner<AVFrame> frame(av_frame_alloc());
-    for (;;) {
-        int error = avcodec_receive_frame(&decoder, frame.get());
-        if (error == 0) return frame;
-        if (error != AVERROR(EAGAIN)) return ffmpeg_failure("Could not read the picture", path, error);
-        av_packet_unref(packet.get());
-        error = file.read(*packet);
-        if (error < 0 && error != AVERROR_EOF) {
-            return ffmpeg_failure("Could not read the picture", path, error);
-        }
-        if (error == 0 && packet->stream_index != file.video()->index) continue;
-        avcodec_send_packet(&decoder, error == 0 ? packet.get() : nullptr);
-    }
-}
-
 }  // namespace
 
 result<picture> read_still_picture(const std::string& path, int width, int height) {
-    auto file = movie_file::open(path);
+    auto file = demultiplexer::open(path);
     if (!file) return file.error();
     if (file.value()->video() == nullptr) return failure{"“" + path + "” holds no picture"};
-    auto decoder = file.value()->open_decoder(*file.value()->video(), 1);
-    if (!decoder) return decoder.error();
-    const auto frame = decode_first(*file.value(), *decoder.value(), path);
-    if (!frame) return frame.error();
-    const AVFrame& decoded = *frame.value();
+    decoder pictures(*file.value(), "Could not read the picture");
+    if (auto opened = pictures.open(*file.value()->video(), 1); !opened) return opened.error();
+    const ffmpeg_owner<AVFrame> frame(av_frame_alloc());
+    const auto first = pictures.next(*frame);
+    if (!first) return first.error();
+    if (!first.value()) return ffmpeg_failure("Could not read the picture", path, AVERROR_INVALIDDATA);
+    const AVFrame& decoded = *frame;
     const double scale = width > 0 && height > 0 ? std::min(static_cast<double>(width) / decoded.width,
                                                             static_cast<double>(height) / decoded.height)
                                                  : 1;

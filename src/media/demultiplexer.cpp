@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "media/movie_file.h"
+#include "media/demultiplexer.h"
 
 #include <sys/stat.h>
 
@@ -63,11 +63,11 @@ AVStream* best_stream(AVFormatContext& format, AVMediaType kind) {
 
 }  // namespace
 
-int movie_file::is_late(void* self) {
-    return std::chrono::steady_clock::now() > static_cast<movie_file*>(self)->deadline_ ? 1 : 0;
+int demultiplexer::is_late(void* self) {
+    return std::chrono::steady_clock::now() > static_cast<demultiplexer*>(self)->deadline_ ? 1 : 0;
 }
 
-result<std::unique_ptr<movie_file>> movie_file::open(const std::string& path) {
+result<std::unique_ptr<demultiplexer>> demultiplexer::open(const std::string& path) {
     silence_ffmpeg();
     // A pipe or a device could keep the opening call waiting for ever.
     struct stat about {};
@@ -75,16 +75,14 @@ result<std::unique_ptr<movie_file>> movie_file::open(const std::string& path) {
     if (!S_ISREG(about.st_mode)) {
         return failure{std::string(could_not_open) + " “" + path + "”: it is not a file"};
     }
-    // What is wrong with a movie is told in results, not on standard error.
-    av_log_set_level(AV_LOG_QUIET);
-    auto made = std::make_unique<movie_file>();
+    auto made = std::make_unique<demultiplexer>();
     made->path_ = path;
     made->limit_ = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(read_limit_seconds));
     made->start_limit();
     AVFormatContext* format = avformat_alloc_context();
     if (format == nullptr) return ffmpeg_failure(could_not_open, path, AVERROR(ENOMEM));
-    format->interrupt_callback = {&movie_file::is_late, made.get()};
+    format->interrupt_callback = {&demultiplexer::is_late, made.get()};
     // A movie's text must not send the reader to other files or to the network.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
@@ -103,42 +101,40 @@ result<std::unique_ptr<movie_file>> movie_file::open(const std::string& path) {
     return made;
 }
 
-int movie_file::read(AVPacket& packet) {
+int demultiplexer::read(AVPacket& packet) {
     start_limit();
     return av_read_frame(format_.get(), &packet);
 }
 
-int movie_file::seek(const AVStream& stream, std::int64_t stamp) {
-    start_limit();
-    return av_seek_frame(format_.get(), stream.index, stamp, AVSEEK_FLAG_BACKWARD);
+int demultiplexer::read(AVPacket& packet, const AVStream& stream) {
+    for (;;) {
+        const int error = read(packet);
+        if (error < 0 || packet.stream_index == stream.index) return error;
+        av_packet_unref(&packet);
+    }
 }
 
-result<ffmpeg_owner<AVCodecContext>> movie_file::open_decoder(const AVStream& stream, int threads) const {
-    const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
-    if (codec == nullptr) return ffmpeg_failure(could_not_open, path_, AVERROR_DECODER_NOT_FOUND);
-    ffmpeg_owner<AVCodecContext> decoder(avcodec_alloc_context3(codec));
-    if (!decoder) return ffmpeg_failure(could_not_open, path_, AVERROR(ENOMEM));
-    if (const int error = avcodec_parameters_to_context(decoder.get(), stream.codecpar); error < 0) {
-        return ffmpeg_failure(could_not_open, path_, error);
+void demultiplexer::read_only(const AVStream& stream) {
+    for (unsigned i = 0; i < format_->nb_streams; ++i) {
+        if (format_->streams[i] != &stream) format_->streams[i]->discard = AVDISCARD_ALL;
     }
-    decoder->pkt_timebase = stream.time_base;
-    decoder->thread_count = threads;
-    if (const int error = avcodec_open2(decoder.get(), codec, nullptr); error < 0) {
-        return ffmpeg_failure(could_not_open, path_, error);
-    }
-    return decoder;
+}
+
+int demultiplexer::seek(const AVStream& stream, std::int64_t stamp) {
+    start_limit();
+    return av_seek_frame(format_.get(), stream.index, stamp, AVSEEK_FLAG_BACKWARD);
 }
 
 namespace {
 
 // How long the packets from here on show a stream, counted from its beginning; 0 when there are none.
-double seconds_until_end(movie_file& movie, const AVStream& stream) {
+double seconds_until_end(demultiplexer& movie, const AVStream& stream) {
     const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
     const std::int64_t first = stream.start_time != AV_NOPTS_VALUE ? stream.start_time : 0;
     std::int64_t last = 0;
-    while (packet && movie.read(*packet) >= 0) {
+    while (packet && movie.read(*packet, stream) >= 0) {
         const std::int64_t stamp = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
-        if (packet->stream_index == stream.index && stamp != AV_NOPTS_VALUE) {
+        if (stamp != AV_NOPTS_VALUE) {
             last = std::max(last, stamp + std::max<std::int64_t>(packet->duration, 0) - first);
         }
         av_packet_unref(packet.get());
@@ -146,19 +142,19 @@ double seconds_until_end(movie_file& movie, const AVStream& stream) {
     return static_cast<double>(last) * seconds_of(stream.time_base);
 }
 
-const AVStream& main_stream(const movie_file& movie) {
+const AVStream& main_stream(const demultiplexer& movie) {
     return movie.video() != nullptr ? *movie.video() : *movie.sound();
 }
 
 // The header of a recording that was broken off, or went through a pipe, does not say how long it is; some
 // say only when the last picture ends, though the first comes late.
-bool knows_duration(const movie_file& movie) {
+bool knows_duration(const demultiplexer& movie) {
     const AVStream& stream = main_stream(movie);
     const bool comes_late = stream.start_time != AV_NOPTS_VALUE && stream.start_time > 0;
     return stream.duration > 0 || (movie.information().duration > 0 && !comes_late);
 }
 
-double measured_duration(movie_file& movie) {
+double measured_duration(demultiplexer& movie) {
     const AVStream& stream = main_stream(movie);
     constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max() / 4;
     double seconds = movie.seek(stream, end) >= 0 ? seconds_until_end(movie, stream) : 0;
@@ -171,7 +167,7 @@ double measured_duration(movie_file& movie) {
 }  // namespace
 
 result<movie_information> probe_movie(const std::string& path) {
-    auto opened = movie_file::open(path);
+    auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
     auto known = opened.value()->information();
     if (knows_duration(*opened.value())) return known;

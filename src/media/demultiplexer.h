@@ -14,12 +14,23 @@
 
 namespace vistels {
 
-// An open movie file. Every read gives up when it lasts longer than `read_limit_seconds`.
-class movie_file {
+// Where a decoder's packets come from.
+class packet_source {
+  public:
+    virtual ~packet_source() = default;
+    // The next packet, or FFmpeg's error: AVERROR_EOF at the end, AVERROR(EAGAIN) where more is still to
+    // come.
+    virtual int read(AVPacket& packet) = 0;
+    virtual const std::string& path() const = 0;
+};
+
+// Takes a movie file apart into the packets of its tracks. Every read gives up when it lasts longer than
+// `read_limit_seconds`. One thread at a time.
+class demultiplexer final : public packet_source {
   public:
     static constexpr double read_limit_seconds = 10;
 
-    static result<std::unique_ptr<movie_file>> open(const std::string& path);
+    static result<std::unique_ptr<demultiplexer>> open(const std::string& path);
 
     AVFormatContext& format() { return *format_; }
     const movie_information& information() const { return information_; }
@@ -27,13 +38,15 @@ class movie_file {
     AVStream* video() const { return video_; }
     AVStream* sound() const { return sound_; }
 
-    // The next packet, or FFmpeg's error.
-    int read(AVPacket& packet);
+    int read(AVPacket& packet) override;
+    // The next one of a stream.
+    int read(AVPacket& packet, const AVStream& stream);
+    // Has the file's reader pass over what belongs to other streams, where it can.
+    void read_only(const AVStream& stream);
     // To the last key frame at or before `stamp` of the stream, as far as the file's index knows.
     int seek(const AVStream& stream, std::int64_t stamp);
 
-    // A decoder for one of the streams, on `threads` threads.
-    result<ffmpeg_owner<AVCodecContext>> open_decoder(const AVStream& stream, int threads) const;
+    const std::string& path() const override { return path_; }
 
   private:
     void start_limit() { deadline_ = std::chrono::steady_clock::now() + limit_; }
