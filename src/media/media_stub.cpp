@@ -4,6 +4,7 @@
 #include "media/coded_pictures.h"
 #include "media/deinterlace.h"
 #include "media/frame_reader.h"
+#include "media/growing_movie.h"
 #include "media/movie_writer.h"
 #include "media/packet_index.h"
 #include "media/sound_output.h"
@@ -26,6 +27,7 @@ failure without_media() {
 struct frame_reader::implementation {
     movie_information information;
 };
+struct growing_movie::implementation {};
 struct movie_writer::implementation {};
 struct sound_reader::implementation {};
 struct sound_output::implementation {};
@@ -98,6 +100,14 @@ result<picture_pointer> frame_reader::paint(int, int) {
     return without_media();
 }
 void frame_reader::set_decoded(frames_decoded) {}
+
+growing_movie::~growing_movie() = default;
+result<std::unique_ptr<growing_movie>> growing_movie::open(const std::string& path) {
+    return without_media(path);
+}
+result<picture_pointer> growing_movie::next(int, int) {
+    return without_media();
+}
 
 movie_writer::~movie_writer() = default;
 result<std::unique_ptr<movie_writer>> movie_writer::create(const std::string& path,
