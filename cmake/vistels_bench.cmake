@@ -2,13 +2,14 @@
 # bench/NAME.cpp -> program bench_NAME; bench/shell/NAME.cpp -> bench_shell_NAME.
 # A benchmark has its own main, takes "--short", and is run by scripts/run_benchmarks.
 # The peers it compares with are libplist, when it is installed (VISTELS_HAVE_PLIST), and SQLite.
-# What they share is bench/support, included as "support/NAME.h".
+# What they share is bench/support, and what tests share as well tests/support; both are included as
+# "support/NAME.h".
 
 pkg_check_modules(vistels_plist IMPORTED_TARGET libplist-2.0)
 pkg_check_modules(vistels_sqlite REQUIRED IMPORTED_TARGET sqlite3)
 
 add_library(vistels_peers INTERFACE)
-target_include_directories(vistels_peers INTERFACE "${CMAKE_SOURCE_DIR}/bench")
+target_include_directories(vistels_peers INTERFACE "${CMAKE_SOURCE_DIR}/bench" "${CMAKE_SOURCE_DIR}/tests")
 target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_sqlite)
 if(TARGET PkgConfig::vistels_plist)
     target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_plist)

@@ -125,15 +125,22 @@ void vistel_player::work() {
         } else {
             made = work_once(seconds, demand);
         }
-        if (made == playback_movie::progress::wanted_frame_came || made == playback_movie::progress::failed) {
-            on_arrival_();
-        }
+        const bool is_news =
+            made == playback_movie::progress::wanted_frame_came || made == playback_movie::progress::failed;
+        if (has_missed_frame(seconds) || is_news) on_arrival_();
         if (made != playback_movie::progress::nothing_to_do) continue;
         const std::lock_guard lock(mutex_);
         if (number != demand_number_) continue;
         working_ = false;
         return;
     }
+}
+
+// A frame that is read ahead may come between a look for it and the news that it is wanted.
+bool vistel_player::has_missed_frame(double seconds) {
+    const place here = place_of(seconds);
+    return is_missed_ && here.part >= 0 &&
+           movies_[static_cast<std::size_t>(here.part)]->frame_at(here.seconds) && is_missed_.exchange(false);
 }
 
 void vistel_player::let_go() {
@@ -227,8 +234,10 @@ vistel_player::view vistel_player::look(double seconds) const {
         seen.state = vistel_state::unreadable;
         return seen;
     }
+    is_missed_ = true;  // first, so that a frame that comes from now on is told
     seen.frame = movie.frame_at(here.seconds);
     if (seen.frame) {
+        is_missed_ = false;
         seen.state = vistel_state::showing;
     } else {
         seen.frame = movie.frame_before(here.seconds);

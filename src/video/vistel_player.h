@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -94,12 +95,15 @@ class vistel_player {
     playback_movie::progress work_once(double seconds, const playback_demand& demand);
     void share_memory(std::vector<near_part>& parts);
     void let_go();
+    bool has_missed_frame(double seconds);
 
     const std::vector<playback_part> parts_;  // by start
     frame_budget::share share_;               // of the queue
     std::vector<std::unique_ptr<playback_movie>> movies_;
     const std::function<void()> on_arrival_;
 
+    // A look found nothing: whoever puts the frame there tells, be it that it was read ahead.
+    mutable std::atomic<bool> is_missed_{false};
     std::mutex mutex_;
     double wanted_seconds_ = 0;  // guarded by mutex_, like the following
     playback_demand demand_;
