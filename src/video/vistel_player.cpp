@@ -139,8 +139,9 @@ void vistel_player::work() {
 // A frame that is read ahead may come between a look for it and the news that it is wanted.
 bool vistel_player::has_missed_frame(double seconds) {
     const place here = place_of(seconds);
-    return is_missed_ && here.part >= 0 &&
-           movies_[static_cast<std::size_t>(here.part)]->frame_at(here.seconds) && is_missed_.exchange(false);
+    if (!is_missed_ || here.part < 0) return false;
+    const auto frame = movies_[static_cast<std::size_t>(here.part)]->frame_at(here.seconds);
+    return frame && !(frame->sparse && is_at_rest()) && is_missed_.exchange(false);
 }
 
 void vistel_player::let_go() {
@@ -222,6 +223,11 @@ playback_movie::progress vistel_player::work_once(double seconds, const playback
     return playback_movie::progress::nothing_to_do;
 }
 
+bool vistel_player::is_at_rest() const {
+    const std::lock_guard lock(mutex_);
+    return demand_.rate == 0;
+}
+
 vistel_player::view vistel_player::look(double seconds) const {
     if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, "There are no movie parts."};
     const place here = place_of(seconds);
@@ -236,10 +242,11 @@ vistel_player::view vistel_player::look(double seconds) const {
     }
     is_missed_ = true;  // first, so that a frame that comes from now on is told
     seen.frame = movie.frame_at(here.seconds);
-    if (seen.frame) {
+    // What was passed over while playing fast may be nearer: at rest it is waited for.
+    if (seen.frame && !(seen.frame->sparse && is_at_rest())) {
         is_missed_ = false;
         seen.state = vistel_state::showing;
-    } else {
+    } else if (!seen.frame) {
         seen.frame = movie.frame_before(here.seconds);
     }
     if (seen.frame) {

@@ -89,6 +89,7 @@ class vistel_player {
     place place_of(double seconds) const;
     int part_at_or_after(double seconds) const;
     std::vector<near_part> near_parts(double seconds, const playback_demand& demand) const;
+    bool is_at_rest() const;
     void post_work();
     void look_again();
     void work();
@@ -104,7 +105,7 @@ class vistel_player {
 
     // A look found nothing: whoever puts the frame there tells, be it that it was read ahead.
     mutable std::atomic<bool> is_missed_{false};
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     double wanted_seconds_ = 0;  // guarded by mutex_, like the following
     playback_demand demand_;
     std::uint64_t demand_number_ = 0;

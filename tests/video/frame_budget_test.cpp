@@ -135,7 +135,7 @@ TEST_F(shared_budget, a_share_comes_back_from_an_event_that_goes_and_from_vistel
     ASSERT_TRUE(wait_for([&] { return is_within(frames / 2, frames); }));
     // The first one, which had no more than half, reads on by itself with what the second had.
     second.reset();
-    ASSERT_TRUE(wait_for([&] { return is_within(frames * 2 / 3, frames); }));
+    ASSERT_TRUE(wait_for([&] { return is_within(frames / 2 + 3, frames); }));
     // In the background only what is shown stays; out of sight nothing does.
     first->set_in_front(false);
     ASSERT_TRUE(wait_for([&] { return is_within(2, 4); }));
