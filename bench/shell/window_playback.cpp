@@ -32,6 +32,7 @@
 #include "support/measure.h"
 #include "support/painted_frames.h"
 #include "support/temporary_folder.h"
+#include "util/job_list.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_Playback.h"
@@ -66,7 +67,7 @@ struct camera {
 class shown_window {
   public:
     shown_window(const home_places& places, const std::string& folder, const std::vector<double>& rates)
-        : content_(places, loop_), window_(places, loop_, content_) {
+        : content_(places, loop_), window_(places, loop_, content_, jobs_) {
         window_.resize(1600, 1000);
         window_.show();
         window_.opener().open_folder(folder);
@@ -179,6 +180,7 @@ class shown_window {
     }
 
     qt_run_loop loop_;
+    job_list jobs_{loop_};
     content_keeper content_;
     main_window window_;
     collection_view* view_ = nullptr;

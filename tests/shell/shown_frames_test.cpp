@@ -19,6 +19,7 @@
 #include "support/painted_frames.h"
 #include "support/patience.h"
 #include "support/temporary_folder.h"
+#include "util/job_list.h"
 #include "util/simulated_run_loop.h"
 #include "video/video_coll_Files.h"
 
@@ -45,7 +46,7 @@ class shown_frames : public ::testing::Test {
         job work;
         ASSERT_TRUE(new_collection(folder, "Rates", movies, movies_as::vistel_each, work));
         content = std::make_unique<content_keeper>(places, loop);
-        window = std::make_unique<main_window>(places, loop, *content);
+        window = std::make_unique<main_window>(places, loop, *content, jobs);
         window->resize(1601, 1003);
         window->show();
         ASSERT_TRUE(testing::becomes_active(window.get()));
@@ -120,6 +121,7 @@ class shown_frames : public ::testing::Test {
     testing::temporary_folder home;
     const home_places places{home / "Home Vault.VVault", home / "Home Folder.VVault"};
     simulated_run_loop loop;
+    job_list jobs{loop};
     std::unique_ptr<content_keeper> content;
     std::unique_ptr<main_window> window;
     collection_view* view = nullptr;
