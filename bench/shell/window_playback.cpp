@@ -119,11 +119,11 @@ class shown_window {
         const double begun = loop_.time().seconds();
         const double before = bench::processor_seconds();
         double most = 0;
+        const auto looks =
+            loop_.start_timer(0.5, true, [&] { most = std::max(most, bench::resident_bytes("VmRSS")); });
         playback().play();
-        go_on_until([&] {
-            most = std::max(most, bench::resident_bytes("VmRSS"));
-            return playback().collection_time() >= to || !playback().is_playing();
-        });
+        go_on_until([&] { return playback().collection_time() >= to || !playback().is_playing(); });
+        loop_.stop_timer(looks);
         const double used = bench::processor_seconds() - before;
         const double lasted = loop_.time().seconds() - begun;
         playback().pause();
@@ -142,7 +142,9 @@ class shown_window {
 
     template <class Done>
     void go_on_until(const Done& done) {
-        while (!done()) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+        const auto wakes = loop_.start_timer(0.05, true, [] {});
+        while (!done()) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        loop_.stop_timer(wakes);
     }
 
     void start_at(double from) {
