@@ -35,7 +35,9 @@ result<command_outcome> run_startup(const home_places& places, double build) {
     printed.add("state_folder", places.state_folder);
     printed.add("cleaned", texts(report.value().cleaned));
     printed.add("recovered", texts(report.value().recovered));
-    printed.add("messages", texts(report.value().messages));
+    auto messages = report.value().messages;
+    if (!report.value().ended_well_before) messages.insert(messages.begin(), report.value().unclean_end);
+    printed.add("messages", texts(messages));
     printed.add("windows", std::move(windows));
     if (auto noted = note_clean_quit(report.value()); !noted) return noted.error();
     return command_outcome{std::move(printed)};

@@ -164,9 +164,7 @@ result<start_up_report> start_up(const home_places& places, double build, double
     const auto last = report.run->begin(noted);
     tell(report, noted);
     report.ended_well_before = last.ended_well;
-    if (!last.ended_well) {
-        report.messages.insert(report.messages.begin(), told_of_unclean_end(last, report.recovered));
-    }
+    if (!last.ended_well) report.unclean_end = told_of_unclean_end(last, report.recovered);
     note_build(places, build, report);
     if (auto focus = focus_vault_of(places); !focus.message.empty()) {
         report.messages.push_back(std::move(focus.message));

@@ -22,9 +22,10 @@ struct start_up_report {
     std::string start_up_message;        // the one of them that is known as start_up_message_id; else empty
     std::vector<open_window> windows;    // to be opened again, front to back
     bool ended_well_before = true;       // the previous run was quit, not killed
-    std::string folder_last_focus;       // of the item that had the focus last; empty: not known
-    std::vector<vault_tree> trees;       // what was seen of the vaults, for the list of their items
-    std::shared_ptr<run_record> run;     // to be kept for as long as the program runs
+    std::string unclean_end;          // else this tells of it, with all that was put back; not in `messages`
+    std::string folder_last_focus;    // of the item that had the focus last; empty: not known
+    std::vector<vault_tree> trees;    // what was seen of the vaults, for the list of their items
+    std::shared_ptr<run_record> run;  // to be kept for as long as the program runs
 };
 
 // The steps before the first window, in this order: state folder and home vault are made when missing; strays

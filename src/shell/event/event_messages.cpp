@@ -15,11 +15,13 @@ namespace {
 
 // So many files are named in one message; the rest are counted.
 constexpr std::size_t most_named = 4;
-// So the report's own message begins.
-constexpr const char* unclean_end = "Vistels was not quit properly the last time";
 
 QString quoted(const std::string& name) {
     return QStringLiteral("“%1”").arg(QString::fromStdString(name));
+}
+
+QString unclean_end_headline() {
+    return QObject::tr("Vistels was not quit properly the last time");
 }
 
 user_message::choice continue_choice() {
@@ -42,7 +44,7 @@ std::vector<user_message> messages_of_start(const start_up_report& report) {
     if (!report.recovered.empty()) {
         user_message told;
         told.headline =
-            report.ended_well_before ? QObject::tr("Files were put back whole") : QObject::tr(unclean_end);
+            report.ended_well_before ? QObject::tr("Files were put back whole") : unclean_end_headline();
         QStringList named;
         for (const auto& path : report.recovered) {
             if (named.size() < static_cast<int>(most_named)) named << quoted(path);
@@ -62,15 +64,13 @@ std::vector<user_message> messages_of_start(const start_up_report& report) {
     if (!report.ended_well_before && report.recovered.empty()) {
         all.push_back(
             {user_message::tone::warning,
-             QObject::tr(unclean_end),
+             unclean_end_headline(),
              QObject::tr("No file was damaged. Changes of a timeline that were not saved are brought "
                          "back when it is opened."),
              {},
              {}});
     }
     for (const auto& message : report.messages) {
-        if (message.starts_with(unclean_end))
-            continue;  // told above, with no more files than there is room for
         // Paragraphs come as the build check writes them.
         QString text = QString::fromStdString(message);
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
