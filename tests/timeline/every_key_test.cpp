@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "support/temporary_folder.h"
+#include "timeline/files/stored_clip_count.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "util/json.h"
 #include "util/property_list.h"
@@ -210,7 +211,7 @@ TEST(chron_header, every_key_of_the_small_files_comes_back_in_order) {
     EXPECT_EQ(load_timeline_header(folder / "nowhere").name, "");
 }
 
-TEST(row_names, are_read_without_the_clips_in_either_shape_of_file) {
+TEST(row_names, and_counts_are_read_without_the_clips_in_either_shape_of_file) {
     struct {
         const char* file;
         std::vector<std::string> names;
@@ -226,6 +227,12 @@ TEST(row_names, are_read_without_the_clips_in_either_shape_of_file) {
             testing::put_file(folder / timeline_file_name, bytes);
             EXPECT_EQ(read_row_names(folder.path()).value_or(std::vector<std::string>()), names)
                 << file << usual;
+            const auto loaded = load_timeline(folder.path());
+            const auto count = count_stored_clips(folder.path());
+            ASSERT_EQ(count.ok(), loaded.ok()) << file << usual;
+            std::size_t clips = 0;
+            for (const auto& row : loaded.value().content.rows) clips += row->clips().size();
+            EXPECT_EQ(count.value(), clips) << file << usual;
             bytes.insert(bytes.find("<dict>"), "<!-- by another program -->");
         }
     }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/stored_clip_count.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -66,11 +66,8 @@ content_vault content_of(const listed_vault& listed,
 }
 
 long long count_clips(const std::string& folder) {
-    const auto loaded = load_timeline(folder);
-    if (!loaded) return -1;
-    long long count = 0;
-    for (const auto& row : loaded.value().content.rows) count += static_cast<long long>(row->clips().size());
-    return count;
+    const auto count = count_stored_clips(folder);
+    return count ? static_cast<long long>(count.value()) : -1;
 }
 
 const char* group_heading(item_kind kind) {
