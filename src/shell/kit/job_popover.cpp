@@ -3,8 +3,6 @@
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 #include <algorithm>
 
@@ -17,7 +15,7 @@
 namespace vistels {
 
 job_popover::job_popover(job_list& list, QWidget* parent)
-    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint), list_(list), column_(new QVBoxLayout(this)) {
+    : popover(parent), list_(list), column_(new QVBoxLayout(this)) {
     const theme_metrics& metrics = theme::current().metrics;
     setObjectName(QStringLiteral("jobs.list"));
     setAccessibleName(tr("Tasks"));
@@ -115,24 +113,6 @@ void job_popover::place() {
     move(std::clamp(corner.x() - width(), screen.left(),
                     std::max(screen.left(), screen.right() + 1 - width())),
          corner.y());
-}
-
-// Its corners are cut off, which needs no desktop that composes windows.
-void job_popover::resizeEvent(QResizeEvent*) {
-    const double radius = theme::current().metrics.radius_button;
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), radius, radius);
-    setMask(QRegion(outline.toFillPolygon().toPolygon()));
-}
-
-void job_popover::paintEvent(QPaintEvent*) {
-    const theme& look = theme::current();
-    QPainter painter(this);
-    painter.fillRect(rect(), look.raised);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(look.line);
-    painter.setBrush(look.raised);
-    painter.drawRoundedRect(outline_of(rect()), look.metrics.radius_button, look.metrics.radius_button);
 }
 
 }  // namespace vistels

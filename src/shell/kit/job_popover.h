@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
 #include <map>
 
+#include "shell/kit/popover.h"
 #include "util/job_list.h"
 #include "util/signal.h"
 
@@ -18,7 +18,7 @@ class job_bar;
 
 // A popover that lists the jobs that last, each with its title, how far it is and a button to cancel it. It
 // goes when something else is clicked, by Escape, or when nothing is left to list. Main thread.
-class job_popover : public QWidget {
+class job_popover : public popover {
     Q_OBJECT
   public:
     // `list` must outlive the popover.
@@ -26,10 +26,6 @@ class job_popover : public QWidget {
 
     // Below `control`, its right side with that one's.
     void show_below(const QWidget* control);
-
-  protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
   private:
     struct line {

@@ -3,8 +3,6 @@
 
 #include <QFontMetrics>
 #include <QGridLayout>
-#include <QPainter>
-#include <QPainterPath>
 #include <QScreen>
 #include <algorithm>
 #include <cmath>
@@ -24,7 +22,7 @@ QString percent_words(double volume) {
 
 }  // namespace
 
-volume_popover::volume_popover(QWidget* parent) : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint) {
+volume_popover::volume_popover(QWidget* parent) : popover(parent) {
     const theme_metrics& metrics = theme::current().metrics;
     setObjectName(QStringLiteral("volumes"));
     setAccessibleName(tr("Volumes"));
@@ -79,24 +77,6 @@ void volume_popover::show_above(const QWidget* control) {
     move(left, top);
     show();
     event_.slider->setFocus(Qt::PopupFocusReason);
-}
-
-// Its corners are cut off, which needs no desktop that composes windows.
-void volume_popover::resizeEvent(QResizeEvent*) {
-    const double radius = theme::current().metrics.radius_button;
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), radius, radius);
-    setMask(QRegion(outline.toFillPolygon().toPolygon()));
-}
-
-void volume_popover::paintEvent(QPaintEvent*) {
-    const theme& look = theme::current();
-    QPainter painter(this);
-    painter.fillRect(rect(), look.raised);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(look.line);
-    painter.setBrush(look.raised);
-    painter.drawRoundedRect(outline_of(rect()), look.metrics.radius_button, look.metrics.radius_button);
 }
 
 }  // namespace vistels

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
+#include "shell/kit/popover.h"
 
 class QGridLayout;
 class QLabel;
@@ -12,7 +12,7 @@ class value_slider;
 
 // A popover with the volume of the event and that of the application, which lies over it. It goes when
 // something else is clicked, or by Escape. It shows what it is told and asks by signals. Main thread.
-class volume_popover : public QWidget {
+class volume_popover : public popover {
     Q_OBJECT
   public:
     explicit volume_popover(QWidget* parent);
@@ -26,10 +26,6 @@ class volume_popover : public QWidget {
     void application_volume_asked(double volume);
     // The user let go of one of them.
     void chosen();
-
-  protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
   private:
     struct line {
