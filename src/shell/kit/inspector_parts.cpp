@@ -278,12 +278,6 @@ void qualifier_chips::set_chips(std::vector<qualifier_chip> chips) {
     update();
 }
 
-void qualifier_chips::set_removable(bool removable) {
-    removable_ = removable;
-    lay_out(width(), &places_);
-    update();
-}
-
 int qualifier_chips::lay_out(int width, std::vector<QRect>* places) const {
     const theme_metrics& metrics = theme::current().metrics;
     const QFontMetrics names(theme::font(type_step::secondary_strong));
@@ -294,7 +288,7 @@ int qualifier_chips::lay_out(int width, std::vector<QRect>* places) const {
     for (const auto& chip : chips_) {
         int wide = 2 * metrics.padding + names.horizontalAdvance(chip.name);
         if (!chip.category.isEmpty()) wide += metrics.grid + categories.horizontalAdvance(chip.category);
-        if (removable_) wide += metrics.icon + metrics.grid;
+        wide += metrics.icon + metrics.grid;
         wide = std::min(wide, std::max(width, metrics.touch_height));
         if (x > 0 && x + wide > width) {
             x = 0;
@@ -319,7 +313,7 @@ void qualifier_chips::resizeEvent(QResizeEvent*) {
 }
 
 QRect qualifier_chips::cross_of(std::size_t index) const {
-    if (!removable_ || index >= places_.size()) return {};
+    if (index >= places_.size()) return {};
     const theme_metrics& metrics = theme::current().metrics;
     const QRect& chip = places_[index];
     return {chip.right() - metrics.icon - metrics.grid, chip.top(), metrics.icon + metrics.grid,
@@ -340,14 +334,12 @@ void qualifier_chips::paintEvent(QPaintEvent*) {
         const double radius = place.height() / 2.0;
         painter.drawRoundedRect(QRectF(place).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2), radius, radius);
         QRect words = place.adjusted(look.metrics.padding, 0, -look.metrics.padding, 0);
-        if (removable_) {
-            const QRect cross = cross_of(i);
-            const int small = look.metrics.swatch;
-            painter.drawPixmap(cross.left() + (cross.width() - small) / 2 - look.metrics.line,
-                               cross.top() + (cross.height() - small) / 2,
-                               icon_pixmap(QStringLiteral("close"), look.muted, small, devicePixelRatioF()));
-            words.setRight(cross.left());
-        }
+        const QRect cross = cross_of(i);
+        const int small = look.metrics.swatch;
+        painter.drawPixmap(cross.left() + (cross.width() - small) / 2 - look.metrics.line,
+                           cross.top() + (cross.height() - small) / 2,
+                           icon_pixmap(QStringLiteral("close"), look.muted, small, devicePixelRatioF()));
+        words.setRight(cross.left());
         const QFont strong = theme::font(type_step::secondary_strong);
         const QString name = QFontMetrics(strong).elidedText(chip.name, Qt::ElideRight, words.width());
         painter.setFont(strong);
@@ -380,7 +372,7 @@ void qualifier_chips::keyPressEvent(QKeyEvent* event) {
         focused_ = (focused_ + chips_.size() + static_cast<std::size_t>(step)) % chips_.size();
         return update();
     }
-    if (event->key() == Qt::Key_Delete && removable_) return remove(focused_);
+    if (event->key() == Qt::Key_Delete) return remove(focused_);
     QWidget::keyPressEvent(event);
 }
 

@@ -114,8 +114,6 @@ class qualifier_chips : public QWidget {
   public:
     explicit qualifier_chips(QWidget* parent = nullptr);
     void set_chips(std::vector<qualifier_chip> chips);
-    // The crosses are left out when qualifiers cannot be removed.
-    void set_removable(bool removable);
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;
@@ -139,7 +137,6 @@ class qualifier_chips : public QWidget {
     std::vector<qualifier_chip> chips_;
     std::vector<QRect> places_;
     std::size_t focused_ = 0;
-    bool removable_ = true;
 };
 
 }  // namespace vistels

@@ -39,11 +39,6 @@ void pane_header::set_live(bool live) {
     update();
 }
 
-void pane_header::set_shows_fact(bool shows) {
-    shows_fact_ = shows;
-    update();
-}
-
 void pane_header::add_control(QWidget* control) {
     controls_->addWidget(control);
 }

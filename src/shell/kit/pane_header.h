@@ -21,8 +21,6 @@ class pane_header : public QWidget {
     const QString& fact() const { return fact_; }
     // A round dot in the live colour before the fact.
     void set_live(bool live);
-    // Narrow panes leave the fact out.
-    void set_shows_fact(bool shows);
     // Puts a control at the right end, after those added before.
     void add_control(QWidget* control);
     // Puts a control before the others.

@@ -34,7 +34,6 @@ class work_area : public QWidget {
     // Without pictures the collection's pane is a line across, and the timeline has the room below it, beside
     // the code window.
     void set_shows_pictures(bool shows);
-    bool shows_code() const { return shows_code_; }
     // Before room is taken below for a while: what is above the timeline stays where it is and as it is,
     // until the room is given back after `holds` was set to false.
     void hold_upper(bool holds);

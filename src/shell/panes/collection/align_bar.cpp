@@ -138,10 +138,7 @@ void align_bar::connect_parts() {
     connect(same_, &QPushButton::clicked, this, &align_bar::same_moment_asked);
     connect(unmark_, &icon_button::clicked, this, &align_bar::unmark_asked);
     connect(close_, &icon_button::clicked, this, &align_bar::close_asked);
-    connect(show_parts_, &QPushButton::toggled, this, [this](bool shows) {
-        parts_line_->setVisible(shows);
-        Q_EMIT shows_parts_changed(shows);
-    });
+    connect(show_parts_, &QPushButton::toggled, this, [this](bool shows) { parts_line_->setVisible(shows); });
     connect(strip_, &single_Adjust_offset_View::chosen_changed, this, &align_bar::show_part);
     connect(strip_, &single_Adjust_offset_View::gap_asked, this, &align_bar::gap_asked);
     connect(strip_, &single_Adjust_offset_View::gap_dragged, this,
@@ -204,10 +201,6 @@ void align_bar::set_changeable(bool changeable) {
     lock_->setEnabled(changeable);
     strip_->set_changeable(changeable);
     show_part();
-}
-
-bool align_bar::shows_parts() const {
-    return show_parts_->isChecked();
 }
 
 void align_bar::set_shows_parts(bool shows) {

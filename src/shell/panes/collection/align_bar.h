@@ -34,7 +34,6 @@ class align_bar : public QWidget {
     // The playhead on the vistel's own time line.
     void set_seconds(double seconds);
     void set_changeable(bool changeable);
-    bool shows_parts() const;
     void set_shows_parts(bool shows);
     single_Adjust_offset_View& strip() { return *strip_; }
 
@@ -49,7 +48,6 @@ class align_bar : public QWidget {
     void gap_asked(int part, double seconds);
     void gap_nudge_asked(int part, int frames);
     void lock_asked(bool locks);
-    void shows_parts_changed(bool shows);
     void close_asked();
 
   protected:

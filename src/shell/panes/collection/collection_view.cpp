@@ -128,11 +128,6 @@ void collection_view::set_problem(const std::string& vistel, const QString& prob
     update();
 }
 
-void collection_view::set_sound(const std::string& vistel) {
-    for (auto& one : tiles_) one.vistel.has_sound = one.vistel.uuid == vistel;
-    update();
-}
-
 void collection_view::set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
                                   double opacity) {
     tile* one = find(vistel);

@@ -58,7 +58,6 @@ class collection_view : public QWidget {
     // A picture over the vistel's own, `frame` being fractions of that; a null one: none.
     void set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
                      double opacity);
-    void set_sound(const std::string& vistel);
     bool is_heard(const std::string& vistel) const;
     // Its movie is ready: it is no longer shown at low opacity.
     void set_ready(const std::string& vistel);

@@ -80,8 +80,6 @@ class timeline_view final : public QWidget {
     // In the header, with the count beside it; it does nothing until it has an entry.
     filter_field& filter() { return *filter_; }
     void set_filter(filter_entry* entry);
-    // Beside the count: an empty place for what chooses how filtered-out clips are shown.
-    QWidget* filter_mode_place() { return filter_mode_place_; }
 
   Q_SIGNALS:
     void selection_changed();
