@@ -32,8 +32,8 @@ class vault_lock {
     int file_ = -1;    // none: the folder itself is locked
 };
 
-// What changes below `path` have in common that take the same lock: the path of the vault, or of `path` itself
-// where no vault is. Reads no disk.
+// What changes below `path` have in common that take the same lock: the path of the vault, or of `path`
+// itself where no vault is. Reads no disk.
 std::string vault_lock_key(const std::string& path);
 
 // "Vault 'Cup' is currently being modified."
