@@ -204,7 +204,7 @@ void event_player::enlarge_next() {
     const auto all = event_->collection().vistels();
     const std::string now = event_->enlarged();
     const auto at = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == now; });
-    const auto next = now.empty() ? all.begin() : at == all.end() ? all.begin() : at + 1;
+    const auto next = at == all.end() ? all.begin() : at + 1;
     enlarge(next == all.end() ? std::string() : (*next)->uuid());
 }
 
