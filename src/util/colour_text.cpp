@@ -37,8 +37,11 @@ void append_component(std::string& to, double component, int decimals) {
         return;
     }
     const std::size_t from = to.size();
-    // A double this large has no decimals left to round.
-    append_shortest_decimal(to, std::abs(component) * scale >= 0x1p53 ? component : scaled / scale + 0.0);
+    // From here on doubles stand so far apart that one that was rounded could be rounded to another one
+    // again.
+    constexpr double fewest_unrounded = 0x1p51;
+    append_shortest_decimal(
+        to, std::abs(component) * scale >= fewest_unrounded ? component : scaled / scale + 0.0);
     if (to.find_first_of(".e", from) == std::string::npos) to += ".0";
 }
 

@@ -32,6 +32,12 @@ TEST(colour_text, is_written_in_shortest_decimals) {
     };
     for (const auto& one : cases) EXPECT_EQ(colour_text(one.value, one.decimals), one.text);
 
+    // Written and read again it stays what it is, also where doubles stand almost as far apart as the
+    // decimals.
+    const auto once_rounded = colour_from_text(colour_text({0, 5, 2, 295446446555.011154}, 4));
+    ASSERT_TRUE(once_rounded);
+    EXPECT_EQ(colour_from_text(colour_text(*once_rounded, 4)), once_rounded);
+
     EXPECT_EQ(colour_from_text(" 0.5, 1 ,0"), (colour{0.5, 1, 0, 1}));
     for (const char* bad : {"", "1,2", "1,2,3,4,5", "a,b,c", "1,,2", "nan,0,0", "1 2 3"}) {
         EXPECT_FALSE(colour_from_text(bad)) << bad;
