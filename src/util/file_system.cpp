@@ -167,7 +167,7 @@ file_system& machine_files() {
 }
 
 failure file_failure(const std::string& path, const std::string& what, int error_number) {
-    return {"\"" + path + "\" " + what + ": " + reason_text(error_number) + "."};
+    return failure{"\"" + path + "\" " + what + ": " + reason_text(error_number) + "."};
 }
 
 int write_whole(file_system& files, int descriptor, std::string_view bytes) {

@@ -146,7 +146,7 @@ class file_recovery {
     void put_back(const std::string& copy) {
         std::string kept;
         const auto cannot = [&](int fault) {
-            done_.messages.push_back(file_failure(path_, "could not be put back", fault).message);
+            done_.messages.push_back(file_failure(path_, "could not be put back", fault).message());
         };
         if (!is_missing_) {
             kept = damaged_name(path_);
@@ -182,7 +182,7 @@ class file_recovery {
     void keep(const std::string& copy, std::string_view what, const std::string& told) {
         const std::string kept = kept_name(path_, what);
         if (const int fault = files_.rename(path_of(copy), kept)) {
-            done_.messages.push_back(file_failure(path_of(copy), "could not be kept", fault).message);
+            done_.messages.push_back(file_failure(path_of(copy), "could not be kept", fault).message());
         } else {
             done_.messages.push_back(told + " as \"" + path_name(kept) + "\".");
         }
@@ -215,7 +215,7 @@ recovery recover_folder(const std::string& folder, file_system& files, const con
     recovery done;
     std::vector<std::string> names;
     if (const int fault = files.list(folder, names)) {
-        done.messages.push_back(file_failure(folder, "cannot be looked through", fault).message);
+        done.messages.push_back(file_failure(folder, "cannot be looked through", fault).message());
         return done;
     }
     sort_names(names);

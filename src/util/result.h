@@ -5,12 +5,9 @@
 #include <string>
 #include <utility>
 
-namespace vistels {
+#include "util/failure.h"
 
-// Why something could not be done, in words fit for the user: they name the file or the item.
-struct failure {
-    std::string message;
-};
+namespace vistels {
 
 // The value of a call that can fail, or the reason why there is none. Check with `ok()` before `value()`;
 // reading the value of a failed result is a programming error and ends the program.
@@ -18,37 +15,36 @@ template <class T>
 class [[nodiscard]] result {
   public:
     result(T value) : value_(std::move(value)) {}
-    result(failure reason) : reason_(std::move(reason.message)) {}
+    result(failure reason) : reason_(std::move(reason)) {}
 
     bool ok() const { return value_.has_value(); }
     explicit operator bool() const { return ok(); }
     T& value() & { return value_.value(); }
     const T& value() const& { return value_.value(); }
     T&& value() && { return std::move(value_).value(); }
-    const std::string& message() const { return reason_; }
-    failure error() const { return failure{reason_}; }
+    // No failure and "" of one that is ok.
+    failure error() const { return reason_; }
+    const std::string& message() const { return reason_.message(); }
 
   private:
     std::optional<T> value_;
-    std::string reason_;
+    failure reason_;
 };
 
+// Without a value: ok as long as there is no failure.
 template <>
 class [[nodiscard]] result<void> {
   public:
     result() = default;
-    result(failure reason) : reason_(std::move(reason.message)) {}
+    result(failure reason) : reason_(std::move(reason)) {}
 
-    bool ok() const { return !reason_.has_value(); }
+    bool ok() const { return !reason_; }
     explicit operator bool() const { return ok(); }
-    const std::string& message() const {
-        static const std::string none;
-        return reason_ ? *reason_ : none;
-    }
-    failure error() const { return failure{message()}; }
+    failure error() const { return reason_; }
+    const std::string& message() const { return reason_.message(); }
 
   private:
-    std::optional<std::string> reason_;
+    failure reason_;
 };
 
 }  // namespace vistels

@@ -233,7 +233,8 @@ class replacement {
 
     static failure with_conflict(failure reason, const std::string& kept) {
         if (!kept.empty())
-            reason.message += " A version by another program was kept as \"" + path_name(kept) + "\".";
+            return failure{reason.message() + " A version by another program was kept as \"" +
+                           path_name(kept) + "\"."};
         return reason;
     }
 

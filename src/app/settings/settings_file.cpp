@@ -68,13 +68,13 @@ std::vector<std::string> set_damaged_settings_aside(const home_places& places,
         if (!damage) continue;
         // What cannot be read now, by its rights or its volume, may be whole.
         if (!read_file(path)) {
-            messages.push_back(damage->message + " The defaults are used instead.");
+            messages.push_back(damage->message() + " The defaults are used instead.");
             continue;
         }
         const auto kept = set_aside(path);
-        messages.push_back(kept ? damage->message + " It was kept as \"" + path_name(kept.value()) +
+        messages.push_back(kept ? damage->message() + " It was kept as \"" + path_name(kept.value()) +
                                       "\"; the defaults are used instead."
-                                : damage->message + " " + kept.message());
+                                : damage->message() + " " + kept.message());
     }
     return messages;
 }

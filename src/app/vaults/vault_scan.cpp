@@ -226,7 +226,7 @@ struct vault_tree::walk {
         if (at.fault == ELOOP) {
             found.problems.push_back("\"" + path + "\" was not looked into: it lies too deep.");
         } else if (at.fault != 0) {
-            found.problems.push_back(file_failure(path, "cannot be looked into", at.fault).message);
+            found.problems.push_back(file_failure(path, "cannot be looked into", at.fault).message());
         }
         each_below(at, [&](const node& one) { collect(one, found); });
     }

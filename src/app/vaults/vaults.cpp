@@ -25,7 +25,7 @@ failure no_folder(const std::string& reason) {
 }
 
 failure no_folder(const std::string& path, int fault) {
-    return no_folder(file_failure(path, "could not be made", fault).message);
+    return no_folder(file_failure(path, "could not be made", fault).message());
 }
 
 failure in_the_way(const std::string& vault) {
@@ -99,7 +99,7 @@ result<void> put_in_place(const std::string& made, const std::string& vault, con
         return {};
     }
     const auto restored = restore_from_trash(old.value(), vault, files);
-    return failure{no_folder(vault, fault).message + (restored ? "" : " " + restored.message())};
+    return failure{no_folder(vault, fault).message() + (restored ? "" : " " + restored.message())};
 }
 
 }  // namespace

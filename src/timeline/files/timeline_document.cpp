@@ -273,7 +273,7 @@ void timeline_document::keep_conflicts(const journal_content& journal) {
             kept = path + " conflict " + std::to_string(number);
         }
         if (fault != 0) {
-            messages_.push_back(file_failure(path, "could not be kept", fault).message);
+            messages_.push_back(file_failure(path, "could not be kept", fault).message());
             continue;
         }
         tell({"Changes that do not fit \"" + path_join(folder_, timeline_file_name) + "\" were kept as \"" +
@@ -300,7 +300,7 @@ void timeline_document::renew_lock() {
 // Another program took the timeline over: from now on it is only looked at here.
 bool timeline_document::still_holds_lock() {
     if (lock_->is_held()) return true;
-    read_only_reason_ = lock_->lost().message;
+    read_only_reason_ = lock_->lost().message();
     is_held_elsewhere_ = true;
     messages_.push_back(read_only_reason_ + " It can be looked at here but not changed.");
     save_queue_->drain();
