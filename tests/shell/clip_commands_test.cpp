@@ -34,7 +34,7 @@ struct clip_commands : public testing::shown_event {
         view = window->findChild<timeline_view*>();
         note = find<QPlainTextEdit>("inspector.note");
         clips_before = timeline().clip_count();
-        QObject::connect(&window->session(), &event_session::told, note, [this] { ++told; });
+        QObject::connect(&window->session().notices(), &event_notices::told, note, [this] { ++told; });
     }
     std::vector<double> times(const char* clip) {
         const auto place = timeline().find_clip(clip);

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "logger/press_engine.h"
-#include "shell/event/event_messages.h"
 #include "shell/event/filter_control.h"
 #include "shell/event/read_only_guard.h"
 #include "shell/filter/filter_entry.h"
@@ -27,6 +26,7 @@ namespace vistels {
 event_session::event_session(event_panes panes, run_loop& loop)
     : panes_(panes),
       loop_(loop),
+      notices_(loop),
       pictures_(*panes.collection),
       read_only_(new read_only_mark(panes.timeline)),
       refresh_rate_(new refresh_rate(*panes.collection)),
@@ -48,7 +48,7 @@ result<void> event_session::open(const std::string& folder, const home_places& p
     event_ = std::move(opened_event).value();
     connect_event();
     Q_EMIT opened();
-    show_opening();
+    notices_.tell_opening();
     Q_EMIT facts_changed();
     return {};
 }
@@ -59,6 +59,7 @@ void event_session::close() {
     event_->playback().pause();
     release_buttons();
     connections_.clear();
+    notices_.set_event(nullptr);
     panes_.keys->set_code({});
     panes_.code->set_source(nullptr);
     panes_.timeline->set_timeline(nullptr, nullptr);
@@ -68,11 +69,8 @@ void event_session::close() {
     panes_.collection->bar().setEnabled(false);
     player_.set_event(nullptr);
     tick_task_.reset();
-    tell(event_->save_all());
+    notices_.tell(event_->save_all());
     event_.reset();
-    show_read_only();
-    if (alert_timer_ != 0) loop_.stop_timer(std::exchange(alert_timer_, 0));
-    Q_EMIT state_over(QLatin1String(save_failed_key));
     Q_EMIT closed();
 }
 
@@ -112,9 +110,12 @@ void event_session::connect_panes() {
     connect(panes_.timeline, &timeline_view::selection_changed, this, [this] { player_.follow_selection(); });
     connect(filter_.get(), &filter_control::changed, this,
             [this] { player_.set_plays_list(filter_->plays_all()); });
-    connect(panes_.timeline, &timeline_view::failed, this, &event_session::refuse_change);
-    connect(panes_.inspector, &inspector_view::failed, this, &event_session::refuse_change);
-    connect(read_only_, &read_only_mark::try_again_asked, this, [this] { try_to_write(false); });
+    connect(panes_.timeline, &timeline_view::failed, &notices_, &event_notices::refuse_change);
+    connect(panes_.inspector, &inspector_view::failed, &notices_, &event_notices::refuse_change);
+    connect(read_only_, &read_only_mark::try_again_asked, this,
+            [this] { notices_.access().try_to_write(false); });
+    lasting_connections_.push_back(notices_.access().changed.connect([this] { show_access(); }));
+    lasting_connections_.push_back(notices_.access().refused.connect([this] { read_only_->flash(); }));
     connect(panes_.inspector, &inspector_view::play_asked, this,
             [this](double, double) { play_selected_clip(); });
 }
@@ -131,13 +132,13 @@ void event_session::connect_transport(transport_bar& bar) {
     on(&transport_bar::volume_chosen, [this] { keep_volumes(); });
     on(&transport_bar::mute_asked, [this](bool mutes) { player_.set_muted(mutes); });
     on(&transport_bar::seek_asked, [this](double seconds, bool) { player_.seek(seconds); });
-    player_connections_.push_back(player_.sought.connect([this] { tick(); }));
-    player_connections_.push_back(player_.volumes_changed.connect([this] {
+    lasting_connections_.push_back(player_.sought.connect([this] { tick(); }));
+    lasting_connections_.push_back(player_.volumes_changed.connect([this] {
         show_volume();
         Q_EMIT facts_changed();
     }));
-    player_connections_.push_back(player_.looping_changed.connect([this] { show_state(); }));
-    player_connections_.push_back(player_.enlarged_changed.connect([this] { show_enlarged(); }));
+    lasting_connections_.push_back(player_.looping_changed.connect([this] { show_state(); }));
+    lasting_connections_.push_back(player_.enlarged_changed.connect([this] { show_enlarged(); }));
 }
 
 void event_session::connect_event() {
@@ -147,7 +148,7 @@ void event_session::connect_event() {
     tick_task_ = std::make_unique<tick_task>(playback.ticks(), tick_step::views, [this] { tick(); });
     pictures_.set_event(event_.get());
     panes_.timeline->set_timeline(&timeline, &playback);
-    show_buttons();
+    notices_.set_event(event_.get());
     panes_.code->set_name(name());
     panes_.inspector->set_document(&timeline, [&playback] { return playback.collection_time(); });
     filter_->set_event(event_.get());
@@ -161,10 +162,6 @@ void event_session::connect_event() {
     connections_.push_back(playback.state_changed.connect([this] { show_state(); }));
     connections_.push_back(
         event_->logger().fired.connect([this](const button_fired&) { tick_while_needed(); }));
-    connections_.push_back(
-        event_->logger().trouble.connect([this](const std::string& why) { tell_trouble(why); }));
-    connections_.push_back(
-        event_->logger().made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(event_->collection_changed.connect([this] { show_state(); }));
     connections_.push_back(event_->undo().changed.connect([this] { Q_EMIT facts_changed(); }));
     connections_.push_back(timeline.changed.connect([this](const change_set& change) {
@@ -172,14 +169,6 @@ void event_session::connect_event() {
         player_.follow_selection();
         if (event_->runs_on_clock()) follow_end(event_->playback().collection_time());
         Q_EMIT facts_changed();
-    }));
-    connections_.push_back(
-        timeline.saved.connect([this](const std::string& problem) { tell_save(problem); }));
-    connections_.push_back(timeline.conflict.connect(
-        [this](const file_conflict& conflict) { Q_EMIT told(conflict_message(name(), conflict)); }));
-    connections_.push_back(timeline.access_changed.connect([this] {
-        show_buttons();
-        show_read_only();
     }));
     panes_.collection->bar().setEnabled(true);
     player_.set_event(event_.get());
@@ -195,7 +184,7 @@ void event_session::connect_keys() {
             if (!event_->timeline().is_read_only()) {
                 engine.press(button, playback.collection_time_at(at));
             } else if (const auto* pressed = engine.button(button)) {
-                refuse_press(QString::fromStdString(pressed->name()));
+                notices_.refuse_press(QString::fromStdString(pressed->name()));
             }
         },
         [&engine, &playback](const std::string& button, double at) {
@@ -254,7 +243,7 @@ void event_session::show_volume() {
 
 void event_session::keep_volumes() {
     if (!event_) return;
-    tell(player_.keep_volumes());
+    notices_.tell(player_.keep_volumes());
     Q_EMIT application_volume_chosen(event_->application_volume());
 }
 
@@ -263,7 +252,7 @@ void event_session::show_enlarged() {
 }
 
 void event_session::set_sound_vistel(const std::string& vistel) {
-    if (event_) tell(event_->set_sound_vistel(vistel));
+    if (event_) notices_.tell(event_->set_sound_vistel(vistel));
 }
 
 void event_session::set_shows_names(bool shows) {
@@ -272,7 +261,7 @@ void event_session::set_shows_names(bool shows) {
 
 void event_session::save() {
     if (!event_) return;
-    if (const auto done = event_->save_all(); !done) tell_save(done.message());
+    if (const auto done = event_->save_all(); !done) notices_.tell_save(done.message());
 }
 
 void event_session::release_buttons() {
@@ -291,15 +280,6 @@ void event_session::play_selected_clip() {
     if (!event_) return;
     const auto seen = panes_.timeline->state().selected();
     player_.play_clip(seen.empty() ? std::string() : seen.front());
-}
-
-void event_session::tell(const result<void>& done) {
-    if (done) return;
-    Q_EMIT told({user_message::tone::error,
-                 tr("This could not be done"),
-                 QString::fromStdString(done.message()),
-                 {},
-                 {}});
 }
 
 }  // namespace vistels

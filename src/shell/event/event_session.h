@@ -8,8 +8,8 @@
 
 #include "app/event/event_player.h"
 #include "app/event/open_event.h"
+#include "shell/event/event_notices.h"
 #include "shell/event/vistel_pictures.h"
-#include "shell/kit/message_bar.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
@@ -49,13 +49,12 @@ class event_session : public QObject {
     // Opens the event, a collection or a timeline alone, in place of the one that is open. When it cannot be
     // opened that one stays.
     result<void> open(const std::string& folder, const home_places& places);
-    // Tries again to change an event that can only be read; with `take_over` it is taken from the program
-    // that has it.
-    void try_to_write(bool take_over);
     // Saves and closes.
     void close();
     bool is_open() const { return event_ != nullptr; }
     filter_control& filter() { return *filter_; }
+    // What the user is told about the event.
+    event_notices& notices() { return notices_; }
     open_event* shown_event() { return event_.get(); }  // null when none is open
     QString name() const;
     std::string folder() const;
@@ -84,11 +83,7 @@ class event_session : public QObject {
     void closed();
     // What the undo menu, the saved label or the side bar's line show changed.
     void facts_changed();
-    void saved(const QString& problem);  // empty: done
-    void told(const vistels::user_message& message);
     void application_volume_chosen(double volume);
-    // The state that the lasting message with this key told of is over.
-    void state_over(const QString& key);
 
   private:
     void connect_panes();
@@ -98,36 +93,26 @@ class event_session : public QObject {
     void show_state();
     void tick();
     void tick_while_needed();
-    void tell_trouble(const std::string& reason);
-    void tell_made_again(const std::string& button);
     void show_volume();
     void show_enlarged();
-    void tell(const result<void>& done);
-    void tell_save(const std::string& problem);
-    void show_opening();
-    void tell_alerts();
     void show_buttons();
-    void show_read_only();
-    void watch_writer();
-    void refuse_press(const QString& button);
-    void refuse_change(const QString& reason);
+    void show_access();
     double shown_end() const;
     void follow_end(double seconds);
 
     const event_panes panes_;
     run_loop& loop_;
+    event_notices notices_;
     vistel_pictures pictures_;
     read_only_mark* read_only_;   // in the timeline's header
     refresh_rate* refresh_rate_;  // of the screen that shows the event
     std::unique_ptr<filter_control> filter_;
     event_player player_;
     std::unique_ptr<open_event> event_;
-    std::vector<connection> player_connections_;
+    std::vector<connection> lasting_connections_;
     std::vector<connection> connections_;  // of the event that is open
     std::unique_ptr<tick_task> tick_task_;
-    run_loop::timer_id watch_timer_ = 0;  // while the timeline can only be read
-    run_loop::timer_id alert_timer_ = 0;  // until what the event's vistels lack is told
-    double end_shown_ = 0;                // seconds, where the transport ends
+    double end_shown_ = 0;  // seconds, where the transport ends
 };
 
 }  // namespace vistels

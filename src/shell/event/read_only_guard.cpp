@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include "shell/event/writer_watch.h"
 #include "shell/kit/controls.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
@@ -78,13 +79,18 @@ read_only_mark::read_only_mark(QWidget* parent)
     hide();
 }
 
+void read_only_mark::show_access(const writer_watch& access) {
+    setVisible(access.is_read_only());
+    if (!access.is_read_only()) return;
+    access.is_free() ? show_free() : show_reason(QString::fromStdString(access.reason()));
+}
+
 void read_only_mark::show_reason(const QString& reason) {
     free_ = false;
     words_->setText(tr("Read only"));
     show_tone(QStringLiteral("warning"));
     setToolTip(reason);
     setAccessibleName(tr("Read only: %1").arg(reason));
-    show();
     update();
 }
 

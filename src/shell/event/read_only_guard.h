@@ -7,12 +7,13 @@
 #include <string>
 
 #include "shell/panes/code_window/code_window_view.h"
-#include "util/run_loop.h"
 
 class QLabel;
 class QToolButton;
 
 namespace vistels {
+
+class writer_watch;
 
 // The same buttons, none of which can be pressed: all are drawn as blocked, and `refused` is told the name of
 // the one that was pressed. For a timeline that cannot be changed.
@@ -26,10 +27,8 @@ class read_only_mark : public QWidget {
   public:
     explicit read_only_mark(QWidget* parent = nullptr);
 
-    // `reason` is the tool tip.
-    void show_reason(const QString& reason);
-    // The other program has closed the timeline.
-    void show_free();
+    // Why the event cannot be changed is the tool tip.
+    void show_access(const writer_watch& access);
     // A press was refused just now: the mark draws attention for a moment.
     void flash();
     QString words() const;
@@ -42,6 +41,8 @@ class read_only_mark : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    void show_reason(const QString& reason);
+    void show_free();
     void show_tone(const QString& tone);
 
     QWidget* icon_;

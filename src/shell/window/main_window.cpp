@@ -121,6 +121,7 @@ main_window::~main_window() {
     // The session speaks to the panes when it closes, so it goes before them.
     save_moments_.reset();
     session_->disconnect(this);
+    session_->notices().disconnect(this);
     session_->filter().disconnect(this);
     filter_->disconnect(this);
     opener_.reset();
@@ -171,7 +172,10 @@ void main_window::build_menu_bar() {
 }
 
 void main_window::connect_session() {
-    connect(session_.get(), &event_session::told, this, &main_window::tell);
+    const event_notices* notices = &session_->notices();
+    connect(notices, &event_notices::told, this, &main_window::tell);
+    connect(notices, &event_notices::state_over, messages_, &message_bar::withdraw);
+    connect(notices, &event_notices::saved, this, &main_window::show_saved);
     connect(filter_, &filter_entry::failed, this, [this](const QString& headline, const QString& message) {
         tell({user_message::tone::error, headline, message, {}, {}});
     });
@@ -179,10 +183,8 @@ void main_window::connect_session() {
     connect(opener_.get(), &event_opener::state_over, messages_, &message_bar::withdraw);
     connect(commands_.get(), &collection_commands::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
-    connect(session_.get(), &event_session::saved, this, &main_window::show_saved);
     connect(session_.get(), &event_session::facts_changed, this, &main_window::show_facts);
     connect(session_.get(), &event_session::opened, this, &main_window::show_event);
-    connect(session_.get(), &event_session::state_over, messages_, &message_bar::withdraw);
     connect(session_.get(), &event_session::closed, this, [this] {
         setWindowTitle(tr("Vistels"));
         saved_->show_nothing();

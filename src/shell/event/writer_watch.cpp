@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/event/writer_watch.h"
+
+#include <utility>
+
+#include "app/event/open_event.h"
+#include "timeline/files/writer_lock.h"
+
+namespace vistels {
+
+namespace {
+
+// How often the other program is looked for.
+constexpr double watch_seconds = 2;
+
+}  // namespace
+
+void writer_watch::set_event(open_event* event) {
+    access_.disconnect();
+    event_ = event;
+    if (event_) access_ = event_->timeline().access_changed.connect([this] { follow_access(); });
+    follow_access();
+}
+
+bool writer_watch::is_read_only() const {
+    return event_ && event_->timeline().is_read_only();
+}
+
+std::string writer_watch::reason() const {
+    return is_read_only() ? event_->timeline().read_only_reason() : std::string();
+}
+
+bool writer_watch::is_held_elsewhere() const {
+    return event_ && event_->timeline().is_held_elsewhere();
+}
+
+void writer_watch::follow_access() {
+    if (timer_ != 0) loop_.stop_timer(std::exchange(timer_, 0));
+    is_free_ = false;
+    if (is_read_only()) timer_ = loop_.start_timer(watch_seconds, true, [this] { look(); });
+    changed.emit();
+}
+
+void writer_watch::look() {
+    if (is_free_ || !is_held_elsewhere() || !writer_lock::take(event_->folder())) return;
+    is_free_ = true;
+    changed.emit();
+}
+
+void writer_watch::try_to_write(bool take_over) {
+    if (!event_) return;
+    // What was done is told by the timeline.
+    if (event_->try_to_write(take_over)) return;
+    follow_access();
+    refused.emit();
+}
+
+void writer_watch::note_refusal() {
+    if (is_read_only()) refused.emit();
+}
+
+}  // namespace vistels
