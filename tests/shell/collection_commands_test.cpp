@@ -370,7 +370,7 @@ TEST_F(collection_window, same_moment_brings_two_vistels_into_step) {
     const double now = event().playback().collection_time();
     EXPECT_NEAR(movie_time_at(event().collection(), uuid(0), now).value_or(0), 2, 0.11);
     EXPECT_NEAR(movie_time_at(event().collection(), uuid(1), now).value_or(0), 1, 0.11);
-    EXPECT_FALSE(window->collection().alignment().has_mark());
+    EXPECT_FALSE(window->collection().alignment()->has_mark());
     undo();
     EXPECT_EQ(offset(1), 0);
 }

@@ -80,7 +80,7 @@ TEST_F(empty_collection, is_made_coded_and_filmed_later) {
     EXPECT_EQ(event().collection().state(), video_type_state::playback);
     EXPECT_EQ(event().playback().collection_time(), stood_at);
     // What was coded at the clip's start is seen at 2 s of the movie.
-    auto& alignment = window->collection().alignment();
+    auto& alignment = *window->collection().alignment();
     const auto coded = [&] { return (*timeline().rows().front()).clips()[0]->secs_start(); };
     session().player().seek(coded());
     alignment.mark_moment();

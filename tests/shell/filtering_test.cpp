@@ -9,6 +9,7 @@
 #include "app/event/undo_stack.h"
 #include "app/settings/settings.h"
 #include "shell/event/filter_control.h"
+#include "shell/event/timeline_binder.h"
 #include "shell/filter/filter_parts.h"
 #include "shell/kit/inspector_parts.h"
 #include "shell/panes/inspector/clip_title_block.h"
@@ -84,6 +85,7 @@ class filtering : public testing::shown_event {
     }
     clips selected() { return view->state().selected(); }
     QString title() { return find<clip_title_block>("inspector.title")->accessibleName(); }
+    filter_control& control() { return window->session().binders().current<timeline_binder>()->filter(); }
     QAction& action(command which) { return *window->actions()[which]; }
     double playhead() { return event().playback().collection_time(); }
 
@@ -212,7 +214,7 @@ TEST_F(filtering, all_that_pass_play_one_after_another) {
     EXPECT_TRUE(event().playback().is_playing());
     EXPECT_TRUE(action(command::play_passing).isChecked());
     EXPECT_EQ(playing->text(), "1 of 2");
-    ASSERT_TRUE(comes_true([&] { return !window->session().filter().plays_all(); }));
+    ASSERT_TRUE(comes_true([&] { return !control().plays_all(); }));
     EXPECT_EQ(seen.front(), clips{"s1"});
     EXPECT_EQ(seen.back(), clips{"s3"});
     EXPECT_FALSE(event().playback().is_playing());
@@ -235,9 +237,9 @@ TEST_F(filtering, playing_all_ends_by_escape_pause_seek_its_button_and_another_f
         window->session().player().to_start();
         view->select({});
         QTest::mouseClick(find<QAbstractButton>("filter.play_all"), Qt::LeftButton);
-        ASSERT_TRUE(window->session().filter().plays_all()) << way;
+        ASSERT_TRUE(control().plays_all()) << way;
         ends[way]();
-        EXPECT_TRUE(comes_true([&] { return !window->session().filter().plays_all(); })) << way;
+        EXPECT_TRUE(comes_true([&] { return !control().plays_all(); })) << way;
         EXPECT_TRUE(find<QLabel>("filter.playing")->isHidden()) << way;
     }
 }
@@ -245,7 +247,7 @@ TEST_F(filtering, playing_all_ends_by_escape_pause_seek_its_button_and_another_f
 TEST_F(filtering, a_window_may_go_without_being_closed_while_clips_play) {
     filter("Marek");
     press(Qt::Key_P, Qt::ControlModifier);
-    ASSERT_TRUE(window->session().filter().plays_all());
+    ASSERT_TRUE(control().plays_all());
     window.reset();
 }
 
@@ -258,7 +260,7 @@ TEST_F(filtering, next_and_previous_move_along_the_list_that_plays) {
     EXPECT_EQ(selected(), clips{"s2"});
     press(Qt::Key_F3, Qt::ShiftModifier);
     EXPECT_EQ(selected(), clips{"p1"});
-    EXPECT_TRUE(window->session().filter().plays_all());
+    EXPECT_TRUE(control().plays_all());
     press(Qt::Key_Escape);
     press(Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(find<QLabel>("filter.playing")->text(), "2 of 5") << "it goes on where it was stopped";

@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/event/event_player.h"
 #include "app/event/open_event.h"
 #include "app/event/part_changes.h"
-#include "shell/event/event_session.h"
+#include "shell/event/event_notices.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/collection/align_bar.h"
@@ -39,20 +40,13 @@ std::vector<shown_part> shown_parts_of(const single_Vistel_CTR& vistel) {
     return shown;
 }
 
-align_control::align_control(collection_pane& pane, event_session& session) : pane_(pane), session_(session) {
+align_control::align_control(collection_pane& pane, event_player& player, event_notices& notices)
+    : pane_(pane), player_(player), notices_(notices) {
     connect_bar();
     connect(&pane, &collection_pane::aligning_asked, this, &align_control::set_aligning);
     connect(&pane.view(), &collection_view::shift_dragged, this, &align_control::shift);
     connect(&pane.view(), &collection_view::shift_ended, this, &align_control::end_shift);
     connect(&pane.view(), &collection_view::current_changed, this, &align_control::show);
-    connect(&session, &event_session::opened, this, &align_control::follow_event);
-    connect(&session, &event_session::closed, this, [this] {
-        connections_.clear();
-        nudges_ = false;
-        shift_frame_.reset();
-        forget_mark();
-        set_aligning(false);
-    });
 }
 
 void align_control::connect_bar() {
@@ -74,16 +68,19 @@ void align_control::connect_bar() {
     connect(&bar, &align_bar::lock_asked, this, &align_control::set_locks_clips);
 }
 
-open_event* align_control::event() const {
-    return session_.shown_event();
-}
-
 std::string align_control::current() const {
     return pane_.view().current();
 }
 
-void align_control::follow_event() {
+void align_control::set_event(open_event* shown) {
     connections_.clear();
+    event_ = shown;
+    if (!event_) {
+        nudges_ = false;
+        shift_frame_.reset();
+        forget_mark();
+        return set_aligning(false);
+    }
     connections_.push_back(event()->collection_changed.connect([this] { show(); }));
     connections_.push_back(event()->timeline().access_changed.connect([this] { show(); }));
     connections_.push_back(event()->playback().pictures_changed.connect([this] { show_playhead(); }));
@@ -129,9 +126,13 @@ double align_control::frame_seconds(const std::string& vistel) const {
 bool align_control::make(const collection_change& change) {
     if (!event()) return false;
     const auto done = event()->changes().make(change);
-    if (!done) Q_EMIT failed(QString::fromStdString(done.message()));
+    tell(done);
     show();
     return done.ok();
+}
+
+void align_control::tell(const result<void>& done) {
+    if (!done) notices_.tell_failure(tr("This could not be changed"), done.message());
 }
 
 // The movie is shifted in playback alone while it is dragged; the record changes once, at the end.
@@ -173,8 +174,7 @@ void align_control::begin_nudge() {
 
 void align_control::end_nudge() {
     if (!std::exchange(nudges_, false) || !event() || !event()->changes().is_within_change()) return;
-    const auto done = event()->changes().end();
-    if (!done) Q_EMIT failed(QString::fromStdString(done.message()));
+    tell(event()->changes().end());
 }
 
 void align_control::nudge(int frames) {
@@ -224,7 +224,7 @@ void align_control::same_moment() {
     // Both are seen at the instant that they share now.
     const auto shared =
         collection_time_of(event()->collection(), is_same ? seen_moment{current(), *seconds} : met);
-    if (shared) session_.player().seek(*shared);
+    if (shared) player_.seek(*shared);
 }
 
 void align_control::forget_mark() {

@@ -14,16 +14,20 @@
 namespace vistels {
 
 class collection_pane;
-class event_session;
+class event_notices;
+class event_player;
 class open_event;
 
-// Brings the vistels of the open event into step: offsets typed, nudged, dragged and by "same moment", and
-// the gaps between movie parts. Main thread.
+// Brings the vistels of an event into step in a collection's pane: offsets typed, nudged, dragged and by
+// "same moment", and the gaps between movie parts. Main thread.
 class align_control : public QObject {
     Q_OBJECT
   public:
-    // Both must outlive the control.
-    align_control(collection_pane& pane, event_session& session);
+    // All must outlive the control.
+    align_control(collection_pane& pane, event_player& player, event_notices& notices);
+
+    // Null: none. The event must outlive its use here.
+    void set_event(open_event* shown);
 
     void set_aligning(bool aligning);
     // The current vistel shows a frame later or earlier, at the same time of the collection.
@@ -36,14 +40,11 @@ class align_control : public QObject {
     bool has_mark() const { return mark_.has_value(); }
 
   Q_SIGNALS:
-    // What could not be done, and why.
-    void failed(const QString& message);
     // Aligning began or ended, a moment was marked or forgotten.
     void changed();
 
   private:
     void connect_bar();
-    void follow_event();
     void show();
     void show_playhead();
     void shift(const QString& vistel, double pixels);
@@ -60,10 +61,13 @@ class align_control : public QObject {
     void end_nudge();
     double frame_seconds(const std::string& vistel) const;
     std::string current() const;
-    open_event* event() const;
+    void tell(const result<void>& done);
+    open_event* event() const { return event_; }
 
     collection_pane& pane_;
-    event_session& session_;
+    event_player& player_;
+    event_notices& notices_;
+    open_event* event_ = nullptr;
     std::optional<seen_moment> mark_;
     std::optional<double> shift_frame_;  // how long a frame stands in the movie that is being shifted
     bool nudges_ = false;

@@ -9,10 +9,11 @@
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
 #include "shell/event/align_control.h"
+#include "shell/event/binder_list.h"
+#include "shell/event/collection_binder.h"
+#include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
 #include "shell/event/padding_commands.h"
-#include "shell/event/undo_commands.h"
-#include "shell/event/view_offset_keeper.h"
 #include "shell/event/vistel_files.h"
 #include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
@@ -31,31 +32,18 @@ QString name_in_menu(const single_Vistel_CTR& vistel) {
 
 }  // namespace
 
-collection_commands::collection_commands(QWidget& window, collection_pane& pane, event_session& session,
-                                         home_places places, job_groups jobs)
+collection_commands::collection_commands(QWidget& window, event_session& session, home_places places,
+                                         job_groups jobs)
     : window_(window),
-      pane_(pane),
       session_(session),
       places_(std::move(places)),
-      alignment_(std::make_unique<align_control>(pane, session)),
-      files_(std::make_unique<vistel_files>(window, pane.view(), session, places_, jobs)),
-      padding_(std::make_unique<padding_commands>(session, jobs.of_event)),
-      steps_(std::make_unique<undo_commands>(session, jobs.of_event)),
-      offsets_kept_(std::make_unique<view_offset_keeper>(pane.view(), places_)) {
+      files_(std::make_unique<vistel_files>(window, session, places_, jobs)),
+      padding_(std::make_unique<padding_commands>(session, jobs.of_event)) {
     make_actions();
-    connect(&pane.view(), &collection_view::layout_asked, this, &collection_commands::set_arrangement_as);
-    connect(&pane.view(), &collection_view::menu_asked, this, &collection_commands::show_vistel_menu);
-    connect(&pane, &collection_pane::more_asked, this,
-            [this](const QPoint& global) { menu_->popup(global); });
-    connect(alignment_.get(), &align_control::failed, this, &collection_commands::tell_failure);
-    connect(alignment_.get(), &align_control::changed, this, &collection_commands::show_state);
-    connect(files_.get(), &vistel_files::told, this, &collection_commands::told);
-    connect(padding_.get(), &padding_commands::told, this, &collection_commands::told);
-    connect(steps_.get(), &undo_commands::told, this, &collection_commands::told);
+    panes_changed_ = session.binders().changed.connect([this] { show_state(); });
     connect(&session, &event_session::opened, this, &collection_commands::follow_event);
     connect(&session, &event_session::closed, this, [this] {
         connections_.clear();
-        offsets_kept_->keep();
         show_state();
     });
     show_state();
@@ -120,23 +108,28 @@ void collection_commands::make_actions() {
     changes_.insert(changes_.end(), {numbers_, starts_});
     menu_->addSeparator();
     aligning_ = add(menu_, "align", tr("Bring into Step"), QStringLiteral("Ctrl+Shift+S"),
-                    tr("Drag vistels against each other, type offsets, change gaps"),
-                    [this](bool aligning) { alignment_->set_aligning(aligning); });
+                    tr("Drag vistels against each other, type offsets, change gaps"), [this](bool aligning) {
+                        if (alignment()) alignment()->set_aligning(aligning);
+                    });
     aligning_->setCheckable(true);
     const auto nudge = [&](const char* name, const QString& words, const char* keys, int frames) {
         QAction* action = add(menu_, name, words, QLatin1String(keys),
-                              tr("The current vistel shows another frame at this time"),
-                              [this, frames] { alignment_->nudge(frames); });
+                              tr("The current vistel shows another frame at this time"), [this, frames] {
+                                  if (alignment()) alignment()->nudge(frames);
+                              });
         action->setAutoRepeat(true);
         changes_.push_back(action);
     };
     nudge("frame_earlier", tr("Show One Frame Earlier"), "Ctrl+Shift+Left", -1);
     nudge("frame_later", tr("Show One Frame Later"), "Ctrl+Shift+Right", 1);
     add(menu_, "mark_moment", tr("Mark Moment"), QStringLiteral("Ctrl+Shift+I"),
-        tr("Remember the instant that the current vistel shows"), [this] { alignment_->mark_moment(); });
+        tr("Remember the instant that the current vistel shows"), [this] {
+            if (alignment()) alignment()->mark_moment();
+        });
     same_ = add(menu_, "same_moment", tr("Same Moment"), QStringLiteral("Ctrl+Shift+G"),
-                tr("The current vistel shows the marked instant now: bring both into step"),
-                [this] { alignment_->same_moment(); });
+                tr("The current vistel shows the marked instant now: bring both into step"), [this] {
+                    if (alignment()) alignment()->same_moment();
+                });
     menu_->addSeparator();
     offsets_ = menu_->addMenu(tr("Drone offsets in collection"));
     offsets_->setObjectName(QStringLiteral("menu.offsets"));
@@ -152,18 +145,24 @@ void collection_commands::fill(QMenuBar& bar, const QString& before) {
     bar.insertMenu(next ? next->menuAction() : nullptr, menu_);
 }
 
+collection_binder* collection_commands::shown() const {
+    return session_.binders().current<collection_binder>();
+}
+
+align_control* collection_commands::alignment() const {
+    return shown() ? &shown()->alignment() : nullptr;
+}
+
 open_event* collection_commands::event() const {
-    open_event* shown = session_.shown_event();
-    return shown && shown->has_collection() ? shown : nullptr;
+    open_event* opened = session_.shown_event();
+    return opened && opened->has_collection() ? opened : nullptr;
 }
 
 void collection_commands::follow_event() {
     connections_.clear();
-    open_event* shown = session_.shown_event();
-    connections_.push_back(shown->collection_changed.connect([this] { show_state(); }));
-    connections_.push_back(shown->timeline().access_changed.connect([this] { show_state(); }));
-    offsets_kept_->restore();
-    session_.set_shows_names(load_show_vistel_number_name(places_).shown);
+    open_event* opened = session_.shown_event();
+    connections_.push_back(opened->collection_changed.connect([this] { show_state(); }));
+    connections_.push_back(opened->timeline().access_changed.connect([this] { show_state(); }));
     show_state();
 }
 
@@ -172,18 +171,19 @@ void collection_commands::show_state() {
     const bool can_change = is_open && !event()->timeline().is_read_only();
     for (QAction* one : all_) one->setEnabled(is_open);
     for (QAction* one : changes_) one->setEnabled(can_change);
-    same_->setEnabled(can_change && alignment_->has_mark());
-    aligning_->setChecked(pane_.is_aligning());
+    same_->setEnabled(can_change && alignment() && alignment()->has_mark());
+    aligning_->setChecked(shown() && shown()->view().is_aligning());
     if (!is_open) return;
     numbers_->setChecked(event()->collection().displays_vistel_number());
     starts_->setChecked(event()->collection().shows_missing_starts());
     names_->setChecked(load_show_vistel_number_name(places_).shown);
 }
 
-void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, const QString& name) {
+void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, const QString& name,
+                                             const std::string& vistel) {
     collection_change change;
     change.name = name.toStdString();
-    change.scope = pane_.view().current();
+    change.scope = vistel;
     change.change = [wanted](video_collection_ROOT& copy) -> result<void> {
         set_arrangement(copy, wanted);
         return {};
@@ -192,27 +192,29 @@ void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, c
 }
 
 void collection_commands::use_layout(ready_layout layout) {
-    if (!event()) return;
-    const std::string large = pane_.view().current();
+    if (!event() || !shown()) return;
+    collection_view& view = shown()->view().view();
+    const std::string large = view.current();
     session_.player().enlarge({});
-    vistel_arrangement wanted = pane_.view().arrangement();
+    vistel_arrangement wanted = view.arrangement();
     std::size_t at = 0;
     for (std::size_t i = 0; i < wanted.vistels.size(); ++i) {
         if (wanted.vistels[i].uuid == large) at = i;
     }
-    const auto ready = ready_layout_frames(layout, wanted.vistels.size(), pane_.view().picture_aspect(), at);
+    const auto ready = ready_layout_frames(layout, wanted.vistels.size(), view.picture_aspect(), at);
     wanted.ratio = ready.ratio;
     wanted.scrolls = ready.scrolls;
     for (std::size_t i = 0; i < wanted.vistels.size(); ++i) wanted.vistels[i].frame = ready.frames[i];
-    set_arrangement_as(wanted, tr("Change Layout"));
-    pane_.view().bring_into_sight(large);
+    set_arrangement_as(wanted, tr("Change Layout"), view.current());
+    view.bring_into_sight(large);
 }
 
 void collection_commands::restack(bool front) {
-    if (!event()) return;
-    vistel_arrangement wanted = pane_.view().arrangement();
-    wanted.vistels = restacked(std::move(wanted.vistels), pane_.view().current(), front);
-    set_arrangement_as(wanted, front ? tr("Bring to Front") : tr("Send to Back"));
+    if (!event() || !shown()) return;
+    const collection_view& view = shown()->view().view();
+    vistel_arrangement wanted = view.arrangement();
+    wanted.vistels = restacked(std::move(wanted.vistels), view.current(), front);
+    set_arrangement_as(wanted, front ? tr("Bring to Front") : tr("Send to Back"), view.current());
 }
 
 void collection_commands::set_shows_numbers(bool shows) {
@@ -237,33 +239,37 @@ void collection_commands::set_shows_starts(bool shows) {
 
 void collection_commands::set_shows_names(bool shows) {
     if (const auto saved = save_show_vistel_number_name(places_, {shows}); !saved) {
-        tell_failure(QString::fromStdString(saved.message()));
+        session_.notices().tell_failure(tr("This could not be changed"), saved.message());
     }
-    session_.set_shows_names(shows);
+    for (auto* one : session_.binders().all_of<collection_binder>()) one->set_shows_names(shows);
     show_state();
 }
 
-void collection_commands::show_vistel_menu(const QString& vistel, const QPoint& global) {
-    const std::string uuid = vistel.toStdString();
-    const auto record = event() ? event()->collection().find_vistel(uuid) : nullptr;
+void collection_commands::show_menu(const QPoint& global) {
+    menu_->popup(global);
+}
+
+void collection_commands::show_vistel_menu(collection_binder& shown, const std::string& vistel,
+                                           const QPoint& global) {
+    const auto record = event() ? event()->collection().find_vistel(vistel) : nullptr;
     if (!record) return;
     auto* menu = new QMenu(&window_);
     menu->setObjectName(QStringLiteral("vistel.menu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setToolTipsVisible(true);
-    const bool is_large = !pane_.view().enlarged().empty();
+    const bool is_large = !shown.view().view().enlarged().empty();
     const QString name = name_in_menu(*record);
     QAction* size = menu->addAction(is_large ? tr("Show All Vistels") : tr("Enlarge “%1”").arg(name));
     connect(size, &QAction::triggered, this,
-            [this, uuid, is_large] { session_.player().enlarge(is_large ? std::string() : uuid); });
+            [this, vistel, is_large] { session_.player().enlarge(is_large ? std::string() : vistel); });
     QAction* sound = menu->addAction(tr("Hear “%1”").arg(name));
-    sound->setEnabled(!pane_.view().is_heard(uuid));
-    connect(sound, &QAction::triggered, this, [this, uuid] { session_.set_sound_vistel(uuid); });
+    sound->setEnabled(!shown.view().view().is_heard(vistel));
+    connect(sound, &QAction::triggered, this, [this, vistel] { session_.set_sound_vistel(vistel); });
     menu->addSeparator();
     menu->addMenu(layouts_);
     menu->addAction(aligning_);
     menu->addSeparator();
-    add_vistel_actions(*menu, uuid);
+    add_vistel_actions(*menu, vistel);
     menu->popup(global);
 }
 
@@ -315,10 +321,6 @@ void collection_commands::add_place_menu(QMenu& menu, const std::string& vistel)
         action->setEnabled(!is_here && !event()->timeline().is_read_only());
         connect(action, &QAction::triggered, this, [this, vistel, i] { files_->move(vistel, i); });
     }
-}
-
-void collection_commands::tell_failure(const QString& message) {
-    Q_EMIT told({user_message::tone::error, tr("This could not be changed"), message, {}, {}});
 }
 
 }  // namespace vistels

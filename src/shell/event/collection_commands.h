@@ -8,7 +8,6 @@
 
 #include "app/settings/places.h"
 #include "shell/event/job_groups.h"
-#include "shell/kit/message_bar.h"
 #include "shell/panes/collection/vistel_geometry.h"
 #include "util/signal.h"
 
@@ -20,60 +19,54 @@ class QWidget;
 namespace vistels {
 
 class align_control;
-class collection_pane;
+class collection_binder;
 class event_session;
 class open_event;
 class padding_commands;
-class undo_commands;
-class view_offset_keeper;
 class vistel_files;
 
 // The "Collection" menu and the menu of a vistel: layouts, stacking, what is drawn on vistels, their files,
-// bringing them into step; and undo and redo. Main thread.
+// bringing them into step. They act on the event's current collection pane. Main thread.
 class collection_commands : public QObject {
     Q_OBJECT
   public:
     // All must outlive this. The menu is put into `bar` before the one named `before`.
-    collection_commands(QWidget& window, collection_pane& pane, event_session& session, home_places places,
-                        job_groups jobs);
+    collection_commands(QWidget& window, event_session& session, home_places places, job_groups jobs);
     ~collection_commands() override;
 
     void fill(QMenuBar& bar, const QString& before);
     const std::vector<QAction*>& actions() const { return all_; }
-    align_control& alignment() { return *alignment_; }
+    // Of the current pane; null: there is none.
+    align_control* alignment() const;
     vistel_files& files() { return *files_; }
-    undo_commands& steps() { return *steps_; }
 
     void use_layout(ready_layout layout);
     void restack(bool front);
-
-  Q_SIGNALS:
-    void told(const vistels::user_message& message);
+    // By the name of the undo step; `vistel` is the one that it is about.
+    void set_arrangement_as(const vistel_arrangement& wanted, const QString& name, const std::string& vistel);
+    void show_menu(const QPoint& global);
+    // Of a vistel in that pane.
+    void show_vistel_menu(collection_binder& shown, const std::string& vistel, const QPoint& global);
+    // What can be done, and what is on, changed.
+    void show_state();
 
   private:
     void make_actions();
     QAction* add_action(const char* name, const QString& words, const QString& keys, const QString& tip);
     void follow_event();
-    void show_state();
-    void show_vistel_menu(const QString& vistel, const QPoint& global);
     void add_vistel_actions(QMenu& menu, const std::string& vistel);
     void add_place_menu(QMenu& menu, const std::string& vistel);
-    void set_arrangement_as(const vistel_arrangement& wanted, const QString& name);
     void set_shows_numbers(bool shows);
     void set_shows_starts(bool shows);
     void set_shows_names(bool shows);
-    void tell_failure(const QString& message);
+    collection_binder* shown() const;
     open_event* event() const;
 
     QWidget& window_;
-    collection_pane& pane_;
     event_session& session_;
     const home_places places_;
-    std::unique_ptr<align_control> alignment_;
     std::unique_ptr<vistel_files> files_;
     std::unique_ptr<padding_commands> padding_;
-    std::unique_ptr<undo_commands> steps_;
-    std::unique_ptr<view_offset_keeper> offsets_kept_;
     QMenu* menu_ = nullptr;
     QMenu* layouts_ = nullptr;
     QMenu* offsets_ = nullptr;
@@ -86,7 +79,8 @@ class collection_commands : public QObject {
     QAction* same_ = nullptr;
     QAction* front_ = nullptr;
     QAction* back_ = nullptr;
-    std::vector<connection> connections_;
+    std::vector<connection> connections_;  // of the event
+    connection panes_changed_;
 };
 
 }  // namespace vistels

@@ -123,6 +123,15 @@ void event_notices::tell_good(const QString& headline, const QString& text) {
     Q_EMIT told({user_message::tone::good, headline, text, {}, {}});
 }
 
+void event_notices::tell_not_remembered(const result<void>& kept) {
+    if (kept) return;
+    Q_EMIT told({user_message::tone::warning,
+                 tr("The setting is not remembered"),
+                 QString::fromStdString(kept.message()),
+                 {},
+                 {}});
+}
+
 void event_notices::tell_save(const std::string& problem) {
     const QString reason = QString::fromStdString(problem);
     if (problem.empty()) {

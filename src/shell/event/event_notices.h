@@ -34,6 +34,8 @@ class event_notices : public QObject {
     void tell(const result<void>& done);
     void tell_failure(const QString& headline, const std::string& message);
     void tell_good(const QString& headline, const QString& text);
+    // A choice holds, but not for the next time.
+    void tell_not_remembered(const result<void>& kept);
     // A save has ended: empty when it is done, else why not.
     void tell_save(const std::string& problem);
     // A button was pressed while the event can only be read.

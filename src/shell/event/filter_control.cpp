@@ -6,15 +6,13 @@
 
 #include "app/event/open_event.h"
 #include "shell/kit/escape_key.h"
-#include "shell/panes/inspector/inspector_view.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
 #include "video/synchronised_playback.h"
 
 namespace vistels {
 
-filter_control::filter_control(timeline_view& timeline, inspector_view& inspector, run_loop& loop)
-    : timeline_(timeline), inspector_(inspector), loop_(loop) {
+filter_control::filter_control(timeline_view& timeline, run_loop& loop) : timeline_(timeline), loop_(loop) {
     connect(&timeline_, &timeline_view::hides_asked, this, &filter_control::choose_hides);
     connect(&timeline_, &timeline_view::play_passing_asked, this, &filter_control::play_all);
 }
@@ -54,9 +52,9 @@ void filter_control::follow(bool marks_changed) {
     show(marks_changed && judged_all);
 }
 
-void filter_control::show(bool verdicts_changed) {
-    timeline_.show_filter(shown_, verdicts_changed);
-    if (verdicts_changed) inspector_.show_filter(is_on(), hides_);
+void filter_control::show(bool are_new) {
+    timeline_.show_filter(shown_, are_new);
+    if (are_new) Q_EMIT verdicts_changed();
     Q_EMIT changed();
 }
 
@@ -129,7 +127,7 @@ void filter_control::set_hides(bool hides) {
     if (hides == hides_) return;
     hides_ = hides;
     timeline_.set_hides_filtered_out(hides);
-    inspector_.show_filter(is_on(), hides_);
+    Q_EMIT verdicts_changed();
     Q_EMIT changed();
 }
 

@@ -13,18 +13,16 @@
 
 namespace vistels {
 
-class inspector_view;
 class open_event;
 class timeline_view;
 
-// The filter of the event that a window shows: brings what it lets through onto the timeline and into the
-// inspector, and does the window's commands that go from clip to clip. Every command is harmless while no
-// event is open. Main thread.
+// The filter of a timeline's pane: brings what it lets through onto the timeline, and does the commands that
+// go from clip to clip. Every command is harmless while no event is open. Main thread.
 class filter_control : public QObject {
     Q_OBJECT
   public:
-    // All must outlive it.
-    filter_control(timeline_view& timeline, inspector_view& inspector, run_loop& loop);
+    // Both must outlive it.
+    filter_control(timeline_view& timeline, run_loop& loop);
     ~filter_control() override;
 
     // Null: none is open. The event must outlive its use here.
@@ -51,6 +49,8 @@ class filter_control : public QObject {
   Q_SIGNALS:
     // What the commands show of its state.
     void changed();
+    // Other clips pass than before, or what is filtered out is hidden, or no longer.
+    void verdicts_changed();
     void hides_chosen(bool hides);
 
   protected:
@@ -58,13 +58,12 @@ class filter_control : public QObject {
 
   private:
     void follow(bool marks_changed);
-    void show(bool verdicts_changed);
+    void show(bool are_new);  // the verdicts
     std::size_t first_to_play() const;
     void play_from(std::size_t index);
     void follow_list();
 
     timeline_view& timeline_;
-    inspector_view& inspector_;
     run_loop& loop_;
     open_event* event_ = nullptr;
     clip_filtering* filtering_ = nullptr;

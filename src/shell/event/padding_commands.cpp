@@ -78,11 +78,7 @@ void padding_commands::finish(const planned_padding& planned, const std::string&
 }
 
 void padding_commands::tell_failure(const std::string& message) {
-    Q_EMIT told({user_message::tone::error,
-                 tr("The offsets were not changed"),
-                 QString::fromStdString(message),
-                 {},
-                 {}});
+    session_.notices().tell_failure(tr("The offsets were not changed"), message);
 }
 
 }  // namespace vistels

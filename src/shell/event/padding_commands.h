@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "app/event/padding_changes.h"
-#include "shell/kit/message_bar.h"
 #include "util/job_list.h"
 
 namespace vistels {
@@ -29,9 +28,6 @@ class padding_commands : public QObject {
     static const std::vector<line>& commands();
 
     void run(padding_command which);
-
-  Q_SIGNALS:
-    void told(const vistels::user_message& message);
 
   private:
     void finish(const planned_padding& planned, const std::string& folder, const result<void>& outcome,

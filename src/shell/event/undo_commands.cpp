@@ -28,7 +28,7 @@ void undo_commands::take(direction which) {
     const bool may_need = event->has_collection() && !event->timeline().is_read_only();
     auto needed = may_need ? padding_needed_by(*step, event->collection()) : std::vector<padding_file>();
     if (!needed.empty()) return take_with(which, std::move(needed));
-    tell(which == direction::back ? stack.undo() : stack.redo());
+    session_.notices().tell(which == direction::back ? stack.undo() : stack.redo());
 }
 
 void undo_commands::take_with(direction which, std::vector<padding_file> needed) {
@@ -54,7 +54,7 @@ void undo_commands::take_with(direction which, std::vector<padding_file> needed)
         if (outcome && !cancelled) {
             finish(which, operations);
         } else if (!cancelled) {
-            tell(outcome);
+            session_.notices().tell(outcome);
         }
         remove_unused_padding_files(now->collection());
         return true;
@@ -66,19 +66,10 @@ void undo_commands::finish(direction which, const std::shared_ptr<const std::vec
     undo_stack& stack = session_.shown_event()->undo();
     const undo_step* now = which == direction::back ? stack.next_undo() : stack.next_redo();
     if (!now || now->operations != step) {
-        return tell(failure{
+        return session_.notices().tell(failure{
             tr("The event was changed while movies were written for this. Do it once more.").toStdString()});
     }
-    tell(which == direction::back ? stack.undo() : stack.redo());
-}
-
-void undo_commands::tell(const result<void>& done) {
-    if (done) return;
-    Q_EMIT told({user_message::tone::error,
-                 tr("This could not be done"),
-                 QString::fromStdString(done.message()),
-                 {},
-                 {}});
+    session_.notices().tell(which == direction::back ? stack.undo() : stack.redo());
 }
 
 }  // namespace vistels

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "app/event/undo_stack.h"
-#include "shell/kit/message_bar.h"
 #include "util/job_list.h"
 #include "util/result.h"
 
@@ -27,16 +26,12 @@ class undo_commands : public QObject {
     void undo() { take(direction::back); }
     void redo() { take(direction::again); }
 
-  Q_SIGNALS:
-    void told(const vistels::user_message& message);
-
   private:
     enum class direction { back, again };
 
     void take(direction which);
     void take_with(direction which, std::vector<padding_file> needed);
     void finish(direction which, const std::shared_ptr<const std::vector<operation::any>>& step);
-    void tell(const result<void>& done);
 
     event_session& session_;
     job_group& jobs_;

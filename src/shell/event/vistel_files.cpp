@@ -12,7 +12,10 @@
 #include "app/settings/settings.h"
 #include "app/settings/user_name.h"
 #include "shell/event/adding_panel.h"
+#include "shell/event/binder_list.h"
+#include "shell/event/collection_binder.h"
 #include "shell/event/event_session.h"
+#include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/collection/vistel_geometry.h"
 #include "shell/panes/collection/vistel_placing.h"
@@ -57,16 +60,12 @@ std::string what_is_added(const std::vector<std::string>& items, const std::stri
 
 }  // namespace
 
-vistel_files::vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
-                           job_groups jobs)
+vistel_files::vistel_files(QWidget& window, event_session& session, home_places places, job_groups jobs)
     : window_(window),
-      view_(view),
       session_(session),
       places_(std::move(places)),
       jobs_(jobs),
       moving_(jobs.of_window.list()) {
-    connect(&view, &collection_view::movies_dropped, this,
-            [this](const QStringList& movies, const QString& vistel) { add(movies, vistel.toStdString()); });
     connect(&session, &event_session::opened, this, [this] {
         known_ = vistels_now();
         made_ = session_.shown_event()->changes().made.connect([this](double) { bring_back_closed(); });
@@ -254,7 +253,8 @@ void vistel_files::change_vistels(const collection_change& change, const std::st
 bool vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
     change.name = name.toStdString();
     change.scope = vistel;
-    const double aspect = view_.picture_aspect();
+    auto* shown = session_.binders().current<collection_binder>();
+    const double aspect = shown ? shown->view().view().picture_aspect() : 0;
     change.change = [plain = change.change, aspect](video_collection_ROOT& copy) -> result<void> {
         const auto before = placing_of(copy, aspect);
         if (auto done = plain(copy); !done) return done;
@@ -418,11 +418,11 @@ void vistel_files::run(bringing order) {
 }
 
 void vistel_files::tell_good(const QString& headline, const QString& text) {
-    Q_EMIT told({user_message::tone::good, headline, text, {}, {}});
+    session_.notices().tell_good(headline, text);
 }
 
 void vistel_files::tell_failure(const QString& headline, const std::string& message) {
-    Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(message), {}, {}});
+    session_.notices().tell_failure(headline, message);
 }
 
 }  // namespace vistels

@@ -12,7 +12,6 @@
 #include "app/event/collection_changes.h"
 #include "app/settings/places.h"
 #include "shell/event/job_groups.h"
-#include "shell/kit/message_bar.h"
 #include "util/job.h"
 #include "util/job_list.h"
 #include "util/result.h"
@@ -23,7 +22,6 @@ class QWidget;
 
 namespace vistels {
 
-class collection_view;
 class event_session;
 class open_event;
 
@@ -34,8 +32,7 @@ class vistel_files : public QObject {
     Q_OBJECT
   public:
     // All must outlive this. `window` is the dialogs' parent.
-    vistel_files(QWidget& window, collection_view& view, event_session& session, home_places places,
-                 job_groups jobs);
+    vistel_files(QWidget& window, event_session& session, home_places places, job_groups jobs);
     ~vistel_files() override;
 
     // Chooses movies, then how to add them; with a vistel they are appended to it.
@@ -62,9 +59,6 @@ class vistel_files : public QObject {
     // A change as one undo step, on record and saved. A refused one is told, and so is one that could not be
     // saved; whether it was made, saved or not.
     bool make(const collection_change& change);
-
-  Q_SIGNALS:
-    void told(const vistels::user_message& message);
 
   private:
     // The vistels stay in their ready layout.
@@ -103,7 +97,6 @@ class vistel_files : public QObject {
     void tell_good(const QString& headline, const QString& text);
 
     QWidget& window_;
-    collection_view& view_;
     event_session& session_;
     const home_places places_;
     const job_groups jobs_;

@@ -10,6 +10,7 @@
 
 #include "app/event/offset_changes.h"
 #include "app/event/open_event.h"
+#include "shell/event/picture_wishes.h"
 #include "shell/kit/pane_header.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
@@ -73,8 +74,11 @@ vistel_pictures::vistel_pictures(collection_pane& pane) : pane_(pane) {
     connect(&pane.view(), &collection_view::sight_changed, this, &vistel_pictures::tell_sight);
 }
 
-void vistel_pictures::set_event(open_event* event) {
+void vistel_pictures::set_event(open_event* event, picture_wishes* wishes) {
+    if (wishes_) wishes_->remove(this);
     event_ = event;
+    wishes_ = wishes;
+    if (wishes_) wishes_->add(this);
     shown_.clear();
     pane_.view().set_vistels({});
     pane_.header().set_name(tr("Collection"));
@@ -146,7 +150,7 @@ void vistel_pictures::tell_sizes() {
         const QSize size = pane_.view().picture_size(vistel);
         if (size.isEmpty() || size == one.asked) continue;
         one.asked = size;
-        event_->playback().set_view_size(vistel, size.width(), size.height());
+        wishes_->set_size(this, vistel, size);
     }
 }
 
@@ -158,7 +162,7 @@ void vistel_pictures::tell_sight() {
         came = came || (is_seen && !one.in_sight);
         one.in_sight = is_seen;
         // The first picture tells the aspect, whether it is seen or not.
-        event_->playback().set_seen(vistel, is_seen || one.aspect <= 0);
+        wishes_->set_seen(this, vistel, is_seen || one.aspect <= 0);
         if (is_seen || one.aspect <= 0) continue;
         one.picture.reset();
         // When it comes back an old picture would pass for the one of that time.

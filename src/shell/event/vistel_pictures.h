@@ -18,6 +18,7 @@ namespace vistels {
 
 class collection_pane;
 class open_event;
+class picture_wishes;
 class single_Vistel_CTR;
 
 // What is drawn on a vistel: its number when numbers are shown, its name with it when that is wanted, else
@@ -25,16 +26,16 @@ class single_Vistel_CTR;
 QString vistel_chip_words(const single_Vistel_CTR& vistel, std::size_t place, bool shows_number,
                           bool shows_name_with_number);
 
-// Brings the pictures of an event's playback to the collection's view, and the sizes of the views to
-// playback. Main thread.
+// Brings the pictures of an event's playback to a collection's view, and what the view wants of them to the
+// event's wishes. Main thread.
 class vistel_pictures : public QObject {
     Q_OBJECT
   public:
     // The pane must outlive this object.
     explicit vistel_pictures(collection_pane& pane);
 
-    // Null: none. The event must outlive its use here.
-    void set_event(open_event* event);
+    // Null: none. Event and wishes must outlive their use here.
+    void set_event(open_event* event, picture_wishes* wishes);
     // The vistels as they are laid out, named and heard.
     void show_vistels();
     // Whether a vistel's name is drawn behind its number.
@@ -74,6 +75,7 @@ class vistel_pictures : public QObject {
 
     collection_pane& pane_;
     open_event* event_ = nullptr;
+    picture_wishes* wishes_ = nullptr;
     QTimer size_time_;
     bool shows_names_ = true;
     std::map<std::string, shown> shown_;

@@ -25,13 +25,16 @@ filter_count::filter_count(QWidget* parent) : QWidget(parent) {
     set_counts(0, 0, false, false);
 }
 
-void filter_count::follow(const filter_entry& entry) {
-    const auto show = [this, &entry] {
-        const filter_standing& standing = entry.standing();
-        set_counts(standing.passing, standing.total, entry.is_on(), standing.is_judging);
-        setVisible(entry.has_source());
+void filter_count::follow(const filter_entry* entry) {
+    if (entry_) entry_->disconnect(this);
+    entry_ = entry;
+    if (!entry) return hide();
+    const auto show = [this, entry] {
+        const filter_standing& standing = entry->standing();
+        set_counts(standing.passing, standing.total, entry->is_on(), standing.is_judging);
+        setVisible(entry->has_source());
     };
-    connect(&entry, &filter_entry::standing_changed, this, show);
+    connect(entry, &filter_entry::standing_changed, this, show);
     show();
 }
 

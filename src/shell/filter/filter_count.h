@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <cstddef>
 
@@ -15,8 +16,8 @@ class filter_count : public QWidget {
   public:
     explicit filter_count(QWidget* parent = nullptr);
 
-    // Shows what this filter lets through from now on; nothing while there is no event.
-    void follow(const filter_entry& entry);
+    // Shows what this filter lets through from now on; nothing while there is no event. Null: none.
+    void follow(const filter_entry* entry);
     // `is_judging`: the number that passes is about to change.
     void set_counts(std::size_t passing, std::size_t total, bool is_on, bool is_judging);
     QString words() const { return before_ + after_; }
@@ -27,6 +28,7 @@ class filter_count : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    QPointer<const filter_entry> entry_;
     QString before_;  // emphasised
     QString after_;
     std::size_t total_ = 0;

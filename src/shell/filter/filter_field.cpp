@@ -101,7 +101,10 @@ icon_button* filter_field::add_button(const char* icon, const char* part, const 
 }
 
 void filter_field::set_entry(filter_entry* entry) {
-    if (entry_) entry_->disconnect(this);
+    if (entry_) {
+        entry_->disconnect(this);
+        entry_->disconnect(completer_);
+    }
     entry_ = entry;
     if (entry_) {
         connect(entry_, &filter_entry::text_changed, this, &filter_field::show_text);

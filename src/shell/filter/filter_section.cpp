@@ -42,8 +42,11 @@ filter_section::filter_section(const QString& name, QWidget* parent)
 }
 
 void filter_section::set_entry(filter_entry* entry) {
+    if (entry_) entry_->disconnect(this);
+    entry_ = entry;
     field_->set_entry(entry);
-    count_->follow(*entry);
+    count_->follow(entry);
+    if (!entry) return message_->hide();
     const auto show_message = [this, entry] {
         message_->setText(entry->message());
         message_->setVisible(!entry->message().isEmpty());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 class QLabel;
@@ -18,7 +19,7 @@ class filter_section : public QWidget {
   public:
     explicit filter_section(const QString& name, QWidget* parent = nullptr);
 
-    // Must outlive the section's use.
+    // Must outlive the section's use; null: none.
     void set_entry(filter_entry* entry);
     filter_field& field() { return *field_; }
 
@@ -29,6 +30,7 @@ class filter_section : public QWidget {
     filter_field* field_;
     filter_count* count_;
     QLabel* message_;
+    QPointer<filter_entry> entry_;
 };
 
 }  // namespace vistels

@@ -22,9 +22,8 @@
 #include "shell/event/collection_commands.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
-#include "shell/event/filter_control.h"
-#include "shell/filter/filter_entry.h"
-#include "shell/keys/key_router.h"
+#include "shell/event/timeline_binder.h"
+#include "shell/event/window_binder.h"
 #include "shell/kit/job_button.h"
 #include "shell/kit/job_words.h"
 #include "shell/kit/start_trace.h"
@@ -33,13 +32,15 @@
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
-#include "shell/panes/inspector/inspector_view.h"
 #include "shell/panes/side_bar/content_side_bar.h"
-#include "shell/panes/timeline/timeline_view.h"
+#include "shell/window/event_commands.h"
 #include "shell/window/event_opener.h"
+#include "shell/window/filter_commands.h"
+#include "shell/window/pane_host.h"
 #include "shell/window/save_moments.h"
 #include "shell/window/saved_label.h"
 #include "shell/window/super_tab_row.h"
+#include "shell/window/timeline_commands.h"
 #include "shell/window/vault_commands.h"
 #include "shell/window/window_actions.h"
 #include "shell/window/window_frame.h"
@@ -66,44 +67,21 @@ main_window::main_window(home_places places, run_loop& loop, content_keeper& con
       window_jobs_(jobs),
       memory_(std::move(memory)),
       actions_(new window_actions(*this)),
-      collection_(new collection_pane),
-      code_(new code_window_view),
-      timeline_(new timeline_view),
-      inspector_(new inspector_view),
-      filter_(new filter_entry(places_, loop_, this)),
       content_(new content_side_bar),
       tabs_(new super_tab_row({tr("Code"), tr("Review")})),
-      work_(new work_area(collection_, code_, timeline_)),
       messages_(new message_bar),
       jobs_button_(new job_button(jobs)),
       making_(new work_panel(jobs)),
-      saved_(new saved_label) {
+      saved_(new saved_label),
+      session_(std::make_unique<event_session>(loop)) {
     setObjectName(QStringLiteral("main_window"));
     setWindowTitle(tr("Vistels"));
     setAcceptDrops(true);
+    make_commands();
     build();
-    keys_ = std::make_unique<key_router>(*this, loop_.time());
-    session_ = std::make_unique<event_session>(
-        event_panes{collection_, code_, timeline_, inspector_, keys_.get(), filter_}, loop_);
-    opener_ = std::make_unique<event_opener>(*this, places_, *session_, job_groups{event_jobs_, window_jobs_},
-                                             *making_);
-    commands_ = std::make_unique<collection_commands>(*this, *collection_, *session_, places_,
-                                                      job_groups{event_jobs_, window_jobs_});
-    commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
-    for (QAction* one : commands_->actions()) actions_->add(one);
-    vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
-        return neighbours_.open_folders ? neighbours_.open_folders()
-                                        : std::vector<std::string>{session_->folder()};
-    });
-    save_moments_ = std::make_unique<save_moments>([this] { session_->save_in_background(); },
-                                                   [this] { session_->save(); });
     connect_session();
     connect_side_bar();
     connect_frame();
-    connect_event_commands();
-    connect_play_commands();
-    connect_timeline_commands();
-    connect_filter_commands();
     connect_view_commands();
     connect_window_commands();
     connect_vault_commands();
@@ -122,26 +100,53 @@ main_window::~main_window() {
     save_moments_.reset();
     session_->disconnect(this);
     session_->notices().disconnect(this);
-    session_->filter().disconnect(this);
-    filter_->disconnect(this);
+    panes_.reset();
     opener_.reset();
+    filter_commands_.reset();
+    timeline_commands_.reset();
+    event_commands_.reset();
+    session_->close();
+    session_->binders().clear();
     commands_.reset();
     session_.reset();
-    keys_.reset();
+}
+
+// They are there before the panes that ask for what they do.
+void main_window::make_commands() {
+    build_menu_bar();
+    const job_groups jobs{event_jobs_, window_jobs_};
+    opener_ = std::make_unique<event_opener>(*this, places_, *session_, jobs, *making_);
+    commands_ = std::make_unique<collection_commands>(*this, *session_, places_, jobs);
+    commands_->fill(*menuBar(), QStringLiteral("menu.Timeline"));
+    for (QAction* one : commands_->actions()) actions_->add(one);
+    event_commands_ = std::make_unique<event_commands>(*actions_, *session_, event_jobs_);
+    timeline_commands_ = std::make_unique<timeline_commands>(*actions_, *session_);
+    filter_commands_ = std::make_unique<filter_commands>(*actions_, *session_, places_);
+    filter_commands_->fill(*menuBar()->findChild<QMenu*>(QStringLiteral("menu.Filter")));
+    vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
+        return neighbours_.open_folders ? neighbours_.open_folders()
+                                        : std::vector<std::string>{session_->folder()};
+    });
+    save_moments_ = std::make_unique<save_moments>([this] { session_->save_in_background(); },
+                                                   [this] { session_->save(); });
 }
 
 void main_window::build() {
     setMinimumSize(window_sizes.least_window_width, window_sizes.least_window_height);
-    build_menu_bar();
-    timeline_->set_filter(filter_);
-    inspector_->set_filter(filter_);
+    session_->attach(std::make_unique<window_binder>(*this, *session_));
+    panes_ = std::make_unique<pane_host>(*session_, *commands_, places_);
+    collection_ = &panes_->add<collection_pane>(pane_kind::collection);
+    code_ = &panes_->add<code_window_view>(pane_kind::code_window);
+    pane& timeline = panes_->add(pane_kind::timeline);
+    pane& inspector = panes_->add(pane_kind::inspector);
+    work_ = new work_area(collection_, code_, &timeline.widget());
     auto* middle = new QWidget;
     auto* middle_column = new QVBoxLayout(middle);
     middle_column->setContentsMargins(0, 0, 0, 0);
     middle_column->setSpacing(0);
     middle_column->addWidget(tabs_);
     middle_column->addWidget(work_, 1);
-    frame_ = new window_frame(content_, middle, inspector_);
+    frame_ = new window_frame(content_, middle, &inspector.widget());
     auto* whole = new QWidget;
     auto* column = new QVBoxLayout(whole);
     column->setContentsMargins(0, 0, 0, 0);
@@ -152,6 +157,14 @@ void main_window::build() {
     collection_->view().set_middle(making_);
     connect(messages_, &message_bar::changing, work_, &work_area::hold_upper);
     setCentralWidget(whole);
+}
+
+timeline_view& main_window::timeline() {
+    return session_->binders().current<timeline_binder>()->view();
+}
+
+filter_entry& main_window::filter() {
+    return session_->binders().current<timeline_binder>()->filter_text();
 }
 
 void main_window::build_menu_bar() {
@@ -176,12 +189,8 @@ void main_window::connect_session() {
     connect(notices, &event_notices::told, this, &main_window::tell);
     connect(notices, &event_notices::state_over, messages_, &message_bar::withdraw);
     connect(notices, &event_notices::saved, this, &main_window::show_saved);
-    connect(filter_, &filter_entry::failed, this, [this](const QString& headline, const QString& message) {
-        tell({user_message::tone::error, headline, message, {}, {}});
-    });
     connect(opener_.get(), &event_opener::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::state_over, messages_, &message_bar::withdraw);
-    connect(commands_.get(), &collection_commands::told, this, &main_window::tell);
     connect(opener_.get(), &event_opener::content_changed, this, &main_window::refresh_content);
     connect(session_.get(), &event_session::facts_changed, this, &main_window::show_facts);
     connect(session_.get(), &event_session::opened, this, &main_window::show_event);
@@ -190,7 +199,7 @@ void main_window::connect_session() {
         saved_->show_nothing();
         show_facts();
         event_jobs_.cancel_all();
-        making_->set_has_place(true);
+        if (making_) making_->set_has_place(true);
         Q_EMIT event_changed();
     });
 }
@@ -204,8 +213,8 @@ void main_window::connect_side_bar() {
                 tell(unknown_kind_message(static_cast<item_kind>(kind), name, folder.toStdString()));
             });
     connect(content_, &content_side_bar::folders_dropped, vaults_.get(), &vault_commands::add);
-    connect(content_, &content_side_bar::pattern_chosen, filter_, &filter_entry::apply);
-    connect(filter_, &filter_entry::patterns_changed, this, &main_window::show_patterns);
+    connect(content_, &content_side_bar::pattern_chosen, filter_commands_.get(), &filter_commands::apply);
+    connect(filter_commands_.get(), &filter_commands::patterns_changed, this, &main_window::show_patterns);
     show_patterns();
     connect(content_, &content_side_bar::open_in_new_window_asked, this,
             &main_window::open_in_new_window_asked);
@@ -222,14 +231,13 @@ void main_window::connect_side_bar() {
 
 void main_window::show_event() {
     // The place is that of the event now; the menu bar shows what goes on.
-    making_->set_has_place(false);
+    if (making_) making_->set_has_place(false);
     const bool has_pictures = session_->shown_event()->has_collection();
     setWindowTitle(tr("%1 – Vistels").arg(session_->name()));
-    collection_->set_shows_pictures(has_pictures);
     work_->set_shows_pictures(has_pictures);
-    work_->set_code_content_width(code_->sizeHint().width());
+    if (code_) work_->set_code_content_width(code_->sizeHint().width());
     saved_->show_saved({});
-    collection_->setFocus();
+    if (collection_) collection_->setFocus();
     Q_EMIT event_changed();
 }
 
@@ -269,23 +277,9 @@ QMenu& main_window::window_menu() {
 }
 
 void main_window::show_facts() {
-    window_actions& actions = *actions_;
-    actions.set_event_open(session_->is_open());
     content_->set_open(session_->folder(), session_->fact());
-    const auto word = [](const QString& verb, const std::string& name) {
-        return name.empty() ? verb : verb + QLatin1Char(' ') + QString::fromStdString(name);
-    };
     open_event* event = session_->shown_event();
-    const bool can_undo = event && event->undo().can_undo();
-    const bool can_redo = event && event->undo().can_redo();
-    actions[command::undo]->setEnabled(can_undo);
-    actions[command::redo]->setEnabled(can_redo);
-    actions[command::undo]->setText(word(tr("Undo"), can_undo ? event->undo().undo_name() : std::string()));
-    actions[command::redo]->setText(word(tr("Redo"), can_redo ? event->undo().redo_name() : std::string()));
-    actions[command::loop]->setChecked(session_->player().is_looping());
-    actions[command::mute]->setChecked(session_->player().is_muted());
     if (event && event->timeline().has_unsaved_edits()) saved_->show_unsaved();
-    show_filter_state();
 }
 
 void main_window::show_saved(const QString& problem) {
@@ -417,10 +411,8 @@ void main_window::dropEvent(QDropEvent* event) {
 
 // An Escape that nobody else had a use for.
 void main_window::keyPressEvent(QKeyEvent* event) {
-    const bool clears = event->key() == Qt::Key_Escape && session_->filter().is_on() &&
-                        session_->filter().passing_count() == 0;
-    if (!clears) return QMainWindow::keyPressEvent(event);
-    filter_->clear();
+    if (event->key() == Qt::Key_Escape && filter_commands_->clear_if_nothing_passes()) return;
+    QMainWindow::keyPressEvent(event);
 }
 
 // Who has typed goes on from there.
@@ -441,7 +433,7 @@ void main_window::show_patterns() {
 
 bool main_window::event(QEvent* event) {
     // Where nothing has the focus, Qt would give it to the first button there is, and Return would press it.
-    if (event->type() == QEvent::WindowActivate && !focusWidget() && session_->is_open()) {
+    if (event->type() == QEvent::WindowActivate && !focusWidget() && session_->is_open() && collection_) {
         collection_->setFocus();
     }
     const bool done = QMainWindow::event(event);

@@ -24,15 +24,17 @@ class collection_commands;
 class collection_pane;
 class content_keeper;
 class content_side_bar;
+class event_commands;
 class event_opener;
 class event_session;
+class filter_commands;
 class filter_entry;
-class inspector_view;
 class job_button;
-class key_router;
+class pane_host;
 class save_moments;
 class saved_label;
 class super_tab_row;
+class timeline_commands;
 class timeline_view;
 class vault_commands;
 class window_actions;
@@ -62,9 +64,11 @@ class main_window : public QMainWindow {
     event_opener& opener() { return *opener_; }
     window_actions& actions() { return *actions_; }
     collection_commands& collection() { return *commands_; }
-    timeline_view& timeline() { return *timeline_; }
-    // The text of the filter; the fields for it are those of the timeline and the inspector.
-    filter_entry& filter() { return *filter_; }
+    filter_commands& filters() { return *filter_commands_; }
+    pane_host& panes() { return *panes_; }
+    // The pane that commands act on, and the text of its filter.
+    timeline_view& timeline();
+    filter_entry& filter();
     void tell(user_message message);
     // Looks at the vaults anew.
     void refresh_content();
@@ -106,18 +110,13 @@ class main_window : public QMainWindow {
     void connect_session();
     void connect_side_bar();
     void connect_frame();
-    void connect_event_commands();
-    void connect_play_commands();
-    void connect_timeline_commands();
-    void connect_filter_commands();
-    void add_filter_menus();
+    void make_commands();
     void connect_view_commands();
     void connect_window_commands();
     void connect_vault_commands();
     void show_event();
     void show_patterns();
     void show_facts();
-    void show_filter_state();
     void show_saved(const QString& problem);
     void show_tab(int index);
     void choose_theme(const std::string& name);
@@ -133,24 +132,24 @@ class main_window : public QMainWindow {
     window_memory memory_;
     neighbours neighbours_;
     window_actions* actions_;
-    collection_pane* collection_;
-    code_window_view* code_;
-    timeline_view* timeline_;
-    inspector_view* inspector_;
-    filter_entry* filter_;
     content_side_bar* content_;
     super_tab_row* tabs_;
-    work_area* work_;
     message_bar* messages_;
     job_button* jobs_button_;
-    work_panel* making_;
-    window_frame* frame_;
+    QPointer<work_panel> making_;  // in the collection's pane
     saved_label* saved_;
-    std::unique_ptr<key_router> keys_;
     std::unique_ptr<event_session> session_;
     std::unique_ptr<event_opener> opener_;
     std::unique_ptr<collection_commands> commands_;
+    std::unique_ptr<event_commands> event_commands_;
+    std::unique_ptr<timeline_commands> timeline_commands_;
+    std::unique_ptr<filter_commands> filter_commands_;
     std::unique_ptr<vault_commands> vaults_;
+    std::unique_ptr<pane_host> panes_;
+    QPointer<collection_pane> collection_;  // the panes that are laid out with others
+    QPointer<code_window_view> code_;
+    work_area* work_ = nullptr;
+    window_frame* frame_ = nullptr;
     std::unique_ptr<save_moments> save_moments_;
     connection content_changed_;
     QPointer<QWidget> left_field_;  // where was typed last, when nothing has the focus since

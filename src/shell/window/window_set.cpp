@@ -13,9 +13,9 @@
 #include "app/vaults/known_vaults.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
-#include "shell/event/filter_control.h"
 #include "shell/kit/theme.h"
 #include "shell/window/event_opener.h"
+#include "shell/window/filter_commands.h"
 #include "shell/window/main_window.h"
 #include "shell/window/window_list.h"
 #include "shell/window/window_metrics.h"
@@ -214,8 +214,8 @@ void window_set::connect_window(main_window& window) {
         for (const auto& other : members_) other.window->show_theme_choice(name.toStdString());
         keep();
     });
-    connect(&one->session().filter(), &filter_control::hides_chosen, this, [this](bool hides) {
-        for (const auto& other : members_) other.window->session().filter().set_hides(hides);
+    connect(&one->filters(), &filter_commands::hides_chosen, this, [this](bool hides) {
+        for (const auto& other : members_) other.window->filters().set_hides(hides);
     });
     connect(&one->session(), &event_session::application_volume_chosen, this, [this, one](double volume) {
         for (const auto& other : members_) {

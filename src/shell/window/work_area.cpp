@@ -90,7 +90,7 @@ void work_area::set_code_content_width(int width) {
 void work_area::set_shows_code(bool shows) {
     if (shows == shows_code_) return;
     shows_code_ = shows;
-    code_->setVisible(shows);
+    if (code_) code_->setVisible(shows);
     arrange();
 }
 
@@ -99,11 +99,11 @@ void work_area::set_shows_pictures(bool shows) {
     if (!shows) kept_sizes_ = sizes();
     shows_pictures_ = shows;
     if (shows) {
-        columns_->insertWidget(0, collection_);
-        rows_->addWidget(timeline_);
+        if (collection_) columns_->insertWidget(0, collection_);
+        if (timeline_) rows_->addWidget(timeline_);
     } else {
-        rows_->insertWidget(0, collection_);
-        columns_->insertWidget(0, timeline_);
+        if (collection_) rows_->insertWidget(0, collection_);
+        if (timeline_) columns_->insertWidget(0, timeline_);
     }
     columns_->setStretchFactor(0, 1);
     rows_->setStretchFactor(shows ? 0 : 1, 1);
@@ -140,7 +140,7 @@ void work_area::arrange() {
         columns_->setSizes({width() - planned.code_width - metrics.splitter, planned.code_width});
     }
     if (!shows_pictures_) {
-        rows_->setSizes({collection_->minimumHeight(), height()});
+        rows_->setSizes({collection_ ? collection_->minimumHeight() : 0, height()});
     } else if (!rows_->was_moved()) {
         rows_->setSizes({planned.upper_height, height() - planned.upper_height - metrics.splitter});
     }

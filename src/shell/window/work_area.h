@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointer>
 #include <QSize>
 #include <QWidget>
 
@@ -25,7 +26,7 @@ work_sizes plan_work_sizes(QSize room, int code_content, int beside_picture, boo
 class work_area : public QWidget {
     Q_OBJECT
   public:
-    // Takes the panes over.
+    // Takes the panes over. One that is deleted leaves its room to the others.
     work_area(QWidget* collection, QWidget* code, QWidget* timeline, QWidget* parent = nullptr);
 
     // The width at which the code window shows all it has.
@@ -48,9 +49,9 @@ class work_area : public QWidget {
   private:
     void arrange();
 
-    QWidget* collection_;
-    QWidget* code_;
-    QWidget* timeline_;
+    QPointer<QWidget> collection_;
+    QPointer<QWidget> code_;
+    QPointer<QWidget> timeline_;
     pane_splitter* rows_;
     pane_splitter* columns_;
     int code_content_width_;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "shell/kit/pane.h"
 #include "shell/panes/code_window/code_window_button.h"
 #include "util/signal.h"
 
@@ -43,11 +44,14 @@ std::unique_ptr<code_window_source> source_of(press_engine& engine, timeline_doc
 // The code window pane in run mode: it draws the buttons, presses them by mouse and shows what is down, from
 // whatever cause. The canvas is scaled down to the pane's width as far as buttons stay large enough to be
 // hit, and scrolled beyond that. Main thread.
-class code_window_view final : public QWidget {
+class code_window_view final : public QWidget, public pane {
     Q_OBJECT
   public:
     explicit code_window_view(QWidget* parent = nullptr);
     ~code_window_view() override;
+
+    pane_kind kind() const override { return pane_kind::code_window; }
+    QWidget& widget() override { return *this; }
 
     // Null for none.
     void set_source(std::unique_ptr<code_window_source> source);

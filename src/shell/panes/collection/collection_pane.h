@@ -3,6 +3,8 @@
 
 #include <QWidget>
 
+#include "shell/kit/pane.h"
+
 namespace vistels {
 
 class align_bar;
@@ -12,10 +14,13 @@ class pane_header;
 class transport_bar;
 
 // The collection's pane: header, the vistels, the transport. Main thread.
-class collection_pane : public QWidget {
+class collection_pane : public QWidget, public pane {
     Q_OBJECT
   public:
     explicit collection_pane(QWidget* parent = nullptr);
+
+    pane_kind kind() const override { return pane_kind::collection; }
+    QWidget& widget() override { return *this; }
 
     pane_header& header() { return *header_; }
     collection_view& view() { return *view_; }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "shell/kit/pane.h"
 #include "timeline/files/timeline_document.h"
 #include "util/signal.h"
 
@@ -29,10 +30,13 @@ class time_field;
 
 // What is known of the selected clips, to be looked at and changed. Several clips show the values that they
 // share. Changes go to the document as edits; a refused one is told by `failed`. Main thread.
-class inspector_view : public QWidget {
+class inspector_view : public QWidget, public pane {
     Q_OBJECT
   public:
     explicit inspector_view(QWidget* parent = nullptr);
+
+    pane_kind kind() const override { return pane_kind::inspector; }
+    QWidget& widget() override { return *this; }
 
     // Null shows nothing. The document must outlive its being shown; `now` gives the collection time.
     void set_document(timeline_document* document, std::function<double()> now);
@@ -40,7 +44,7 @@ class inspector_view : public QWidget {
     void refresh();
     // A filter is in force or not, hides what it does not let through or not, or judged anew.
     void show_filter(bool is_on, bool hides);
-    // What is typed into the filter's field; must outlive the view's use.
+    // What is typed into the filter's field; must outlive the view's use. Null: none.
     void set_filter(filter_entry* entry);
     filter_field& filter();
 

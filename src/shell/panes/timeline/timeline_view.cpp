@@ -117,7 +117,7 @@ void timeline_view::build_filter() {
 
 void timeline_view::set_filter(filter_entry* entry) {
     filter_->set_entry(entry);
-    count_->follow(*entry);
+    count_->follow(entry);
 }
 
 void timeline_view::set_timeline(timeline_document* document, transport* playing) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "shell/kit/pane.h"
 #include "util/signal.h"
 
 class QLabel;
@@ -33,11 +34,14 @@ struct filter_standing;
 // The timeline pane: header with the zoom, row names, ruler, clips, playhead and the whole event below. It
 // shows a document, sends edits to it and moves a transport. What is selected is kept as the clips' own
 // marks. Main thread.
-class timeline_view final : public QWidget {
+class timeline_view final : public QWidget, public pane {
     Q_OBJECT
   public:
     explicit timeline_view(QWidget* parent = nullptr);
     ~timeline_view() override;
+
+    pane_kind kind() const override { return pane_kind::timeline; }
+    QWidget& widget() override { return *this; }
 
     // Shows another timeline, played by `playing`; null for none. Both must outlive their use here.
     void set_timeline(timeline_document* document, transport* playing);
@@ -77,7 +81,7 @@ class timeline_view final : public QWidget {
 
     timeline_state& state() { return *state_; }
     pane_header& header() { return *header_; }
-    // In the header, with the count beside it; it does nothing until it has an entry.
+    // In the header, with the count beside it; it does nothing while it has no entry (null).
     filter_field& filter() { return *filter_; }
     void set_filter(filter_entry* entry);
 

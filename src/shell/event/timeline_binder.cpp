@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/event/timeline_binder.h"
+
+#include <algorithm>
+
+#include "app/event/event_reach.h"
+#include "app/event/open_event.h"
+#include "app/settings/settings.h"
+#include "shell/event/binder_list.h"
+#include "shell/event/event_notices.h"
+#include "shell/event/event_session.h"
+#include "shell/event/filter_control.h"
+#include "shell/event/pane_tick.h"
+#include "shell/event/read_only_guard.h"
+#include "shell/filter/filter_entry.h"
+#include "shell/kit/pane_header.h"
+#include "shell/panes/timeline/timeline_state.h"
+#include "shell/panes/timeline/timeline_view.h"
+
+namespace vistels {
+
+timeline_binder::timeline_binder(timeline_view& view, event_session& session, const home_places& places)
+    : view_(view),
+      session_(session),
+      read_only_(new read_only_mark(&view)),
+      text_(std::make_unique<filter_entry>(places, session.loop())),
+      filter_(std::make_unique<filter_control>(view, session.loop())) {
+    view_.header().add_first_control(read_only_);
+    view_.set_filter(text_.get());
+    filter_->set_hides(load_filtered_out_clips(places).are_hidden);
+    connect_view();
+}
+
+timeline_binder::~timeline_binder() {
+    view_.set_filter(nullptr);
+    delete read_only_;
+}
+
+pane* timeline_binder::shown_in() {
+    return &view_;
+}
+
+void timeline_binder::connect_view() {
+    event_notices& notices = session_.notices();
+    connect(&view_, &timeline_view::failed, this,
+            [&notices](const QString& why) { notices.refuse_change(why); });
+    connect(&view_, &timeline_view::selection_changed, this,
+            [this] { session_.player().follow_selection(); });
+    connect(&view_, &timeline_view::clear_filter_asked, text_.get(), &filter_entry::clear);
+    connect(text_.get(), &filter_entry::failed, this,
+            [&notices](const QString& headline, const QString& message) {
+                notices.tell_failure(headline, message.toStdString());
+            });
+    // Several timelines may show one event, which plays one list of clips at a time.
+    connect(filter_.get(), &filter_control::changed, this, [this] {
+        const auto all = session_.binders().all_of<timeline_binder>();
+        session_.player().set_plays_list(
+            std::any_of(all.begin(), all.end(), [](auto* one) { return one->filter().plays_all(); }));
+    });
+    writer_watch& access = notices.access();
+    connect(read_only_, &read_only_mark::try_again_asked, this, [&access] { access.try_to_write(false); });
+    lasting_.push_back(access.changed.connect([this, &access] { read_only_->show_access(access); }));
+    lasting_.push_back(access.refused.connect([this] { read_only_->flash(); }));
+    read_only_->show_access(access);
+}
+
+void timeline_binder::show(open_event* event) {
+    tick_.reset();
+    reach_changed_.disconnect();
+    if (!event) filter_->set_event(nullptr);
+    event_ = event;
+    view_.set_timeline(event ? &event->timeline() : nullptr, event ? &event->playback() : nullptr);
+    text_->set_source(event ? &event->filtering() : nullptr, event ? &event->timeline() : nullptr);
+    if (!event) return;
+    filter_->set_event(event);
+    reach_changed_ = session_.reach()->changed.connect([this] { show_reach(); });
+    show_reach();
+    tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
+}
+
+void timeline_binder::show_reach() {
+    view_.set_reach(session_.reach()->start(), session_.reach()->pictures_end());
+}
+
+void timeline_binder::play_selected() {
+    const auto seen = view_.state().selected();
+    session_.player().play_clip(seen.empty() ? std::string() : seen.front());
+}
+
+void timeline_binder::mark_clip(bool start) {
+    if (event_) view_.trim_selected(start, event_->playback().collection_time());
+}
+
+}  // namespace vistels

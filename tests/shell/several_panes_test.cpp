@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// None, one and several panes of a kind that show one event.
+#include <QAction>
+#include <utility>
+
+#include "shell/event/read_only_guard.h"
+#include "shell/event/timeline_binder.h"
+#include "shell/event/window_binder.h"
+#include "shell/filter/filter_field.h"
+#include "shell/panes/code_window/code_window_canvas.h"
+#include "shell/panes/code_window/code_window_view.h"
+#include "shell/panes/collection/collection_pane.h"
+#include "shell/panes/collection/collection_view.h"
+#include "shell/panes/inspector/inspector_view.h"
+#include "shell/panes/timeline/timeline_state.h"
+#include "shell/panes/timeline/timeline_view.h"
+#include "shell/window/pane_host.h"
+#include "shell/window/window_actions.h"
+#include "support/patience.h"
+#include "support/shown_event.h"
+#include "support/timeline_builder.h"
+#include "video/synchronised_playback.h"
+
+namespace vistels {
+namespace {
+
+using testing::comes_true;
+using names = std::vector<std::string>;
+
+class several_panes : public testing::shown_event {
+  protected:
+    void SetUp() override {
+        shown_event::SetUp();
+        if (!IsSkipped()) open();
+    }
+    pane_host& host() { return window->panes(); }
+    // In the window, over the panes that it lays out.
+    template <class view>
+    view& add(pane_kind kind, QSize size = {700, 400}) {
+        view& made = host().add<view>(kind);
+        made.setParent(window.get());
+        made.setGeometry(QRect({0, 100}, size));
+        made.show();
+        return made;
+    }
+    void insert_clip(const char* row, const char* clip) {
+        const auto made = event().timeline().apply(
+            {"made",
+             "",
+             {operation::insert_row{0, testing::row_of(row, row)},
+              operation::insert_clip{shared_text(row), testing::clip_of(clip, 1, 2)}}});
+        ASSERT_TRUE(made) << made.message();
+    }
+    bool is_down(code_window_view& view, const char* name) {
+        for (const code_window_button* one : view.canvas().buttons()) {
+            if (one->button().name == QLatin1String(name)) return one->state().is_down;
+        }
+        return false;
+    }
+};
+
+TEST_F(several_panes, two_of_a_kind_show_one_event_and_one_goes_while_it_plays) {
+    timeline_view& first = window->timeline();
+    auto* first_buttons = window->findChild<code_window_view*>();
+    insert_clip("Shot", "one");
+    auto& second = add<timeline_view>(pane_kind::timeline);
+    auto& buttons = add<code_window_view>(pane_kind::code_window);
+    EXPECT_EQ(second.state().rows().size(), 1U) << "it was open already";
+    insert_clip("Pass", "two");
+    EXPECT_EQ(first.state().rows().size(), 2U);
+    EXPECT_EQ(second.state().rows().size(), 2U);
+
+    QTest::keyPress(window.get(), Qt::Key_A);
+    EXPECT_TRUE(is_down(*first_buttons, "Attack") && is_down(buttons, "Attack"));
+    window->session().player().set_muted(true);
+    window->session().player().play_or_pause();
+    const auto follows = [&](timeline_view& view, double from) {
+        return comes_true([&] { return view.state().playhead() > from; });
+    };
+    EXPECT_TRUE(follows(second, 0.1));
+    EXPECT_EQ(first.state().playhead(), second.state().playhead()) << "one tick shows both";
+
+    host().remove(second);
+    host().remove(buttons);
+    EXPECT_EQ(window->session().binders().all_of<timeline_binder>().size(), 1U);
+    EXPECT_EQ(down(), names{"Attack"}) << "the window's key holds it";
+    EXPECT_TRUE(follows(first, first.state().playhead() + 0.2));
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    EXPECT_TRUE(comes_true([&] { return down().empty(); }));
+    EXPECT_FALSE(is_down(*first_buttons, "Attack"));
+    insert_clip("Goal", "three");
+    EXPECT_EQ(first.state().rows().size(), 4U);
+}
+
+// A view that lives on shows no event and asks nothing of it.
+TEST_F(several_panes, a_pane_that_was_let_go_keeps_nothing_of_the_event) {
+    timeline_view view;
+    view.resize(700, 400);
+    window->session().attach(std::make_unique<timeline_binder>(view, window->session(), places));
+    EXPECT_TRUE(view.state().has_timeline() && view.filter().entry());
+    int told = 0;
+    QObject::connect(&window->session().notices(), &event_notices::told, &view, [&told] { ++told; });
+    Q_EMIT view.failed("refused");
+    EXPECT_EQ(told, 1);
+    window->session().player().seek(1);
+    ASSERT_EQ(view.state().playhead(), 1);
+
+    window->session().detach(view);
+    EXPECT_FALSE(view.state().has_timeline() || view.filter().entry());
+    EXPECT_FALSE(view.findChild<read_only_mark*>());
+    insert_clip("Shot", "one");
+    window->session().player().seek(2);
+    Q_EMIT view.failed("refused");
+    Q_EMIT view.selection_changed();
+    Q_EMIT view.clear_filter_asked();
+    EXPECT_EQ(view.state().rows().size(), 0U);
+    EXPECT_EQ(view.state().playhead(), 0);
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(several_panes, commands_act_on_the_timeline_that_was_used_last) {
+    timeline_view& first = window->timeline();
+    auto& second = add<timeline_view>(pane_kind::timeline);
+    const auto scales = [&] {
+        return std::pair(first.state().scale().seconds_per_pixel, second.state().scale().seconds_per_pixel);
+    };
+    const auto zoom = [&] { window->actions()[command::zoom_in]->trigger(); };
+    const auto before = scales();
+    zoom();
+    EXPECT_TRUE(scales().first < before.first && scales().second == before.second) << "the first one";
+    second.filter().focus();
+    ASSERT_EQ(&window->timeline(), &second);
+    const auto one = scales();
+    zoom();
+    EXPECT_TRUE(scales().first == one.first && scales().second < one.second);
+    // The inspector's field shows the text of its filter.
+    auto& inspector = window->findChild<inspector_view*>()->filter();
+    EXPECT_EQ(inspector.entry(), second.filter().entry());
+    host().remove(second);
+    EXPECT_EQ(&window->timeline(), &first);
+    EXPECT_EQ(inspector.entry(), first.filter().entry());
+}
+
+TEST_F(several_panes, a_picture_is_as_large_as_the_largest_pane_wants_it) {
+    auto& view = window->findChild<collection_pane*>()->view();
+    const std::string vistel = event().collection().vistels().back()->uuid();  // not the one stepped by
+    const auto shows_width_of = [&](collection_view& of) {
+        return comes_true([&] {
+            const auto picture = event().playback().picture(vistel);
+            return picture && picture->width == of.picture_size(vistel).width() && of.has_picture(vistel);
+        });
+    };
+    ASSERT_TRUE(shows_width_of(view));
+    auto& large = add<collection_pane>(pane_kind::collection, {1500, 900});
+    EXPECT_TRUE(shows_width_of(large.view()));
+    EXPECT_GT(large.view().picture_size(vistel).width(), view.picture_size(vistel).width());
+    EXPECT_TRUE(window->session().has_all_pictures());
+    host().remove(large);
+    EXPECT_TRUE(shows_width_of(view));
+    host().remove(*window->findChild<collection_pane*>());
+    EXPECT_TRUE(comes_true([&] { return !event().playback().picture(vistel); })) << "nobody sees it";
+    window->session().player().step(1);
+    auto& again = add<collection_pane>(pane_kind::collection);
+    EXPECT_TRUE(shows_width_of(again.view()));
+}
+
+// A window of its own without any pane: keys code, and nothing is missed.
+TEST_F(several_panes, an_event_without_panes_codes_by_keys) {
+    window->close();
+    QWidget plain;
+    event_session session(loop);
+    session.attach(std::make_unique<window_binder>(plain, session));
+    plain.show();
+    plain.activateWindow();
+    ASSERT_TRUE(testing::becomes_active(&plain));
+    ASSERT_TRUE(session.open(folder, places).ok());
+    EXPECT_TRUE(session.has_all_pictures());
+    session.player().set_muted(true);
+    QTest::keyPress(&plain, Qt::Key_A);
+    EXPECT_EQ(session.shown_event()->logger().down_buttons().size(), 1U);
+    session.player().play_or_pause();
+    EXPECT_TRUE(comes_true([&] { return session.shown_event()->playback().collection_time() > 0.1; }));
+    QTest::keyRelease(&plain, Qt::Key_A);
+    EXPECT_TRUE(comes_true([&] { return session.shown_event()->logger().down_buttons().empty(); }));
+    EXPECT_EQ(session.shown_event()->timeline().timeline().clip_count(), 1U);
+    session.close();
+    QTest::keyClick(&plain, Qt::Key_A);
+}
+
+}  // namespace
+}  // namespace vistels
