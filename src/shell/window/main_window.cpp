@@ -7,9 +7,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
 #include <QScreen>
 #include <QTime>
 #include <QTreeView>
@@ -18,14 +16,12 @@
 
 #include "app/settings/search_patterns.h"
 #include "app/vaults/content_keeper.h"
-#include "logger/press_engine.h"
 #include "shell/event/collection_commands.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
 #include "shell/event/timeline_binder.h"
 #include "shell/event/window_binder.h"
 #include "shell/kit/job_button.h"
-#include "shell/kit/job_words.h"
 #include "shell/kit/start_trace.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/work_panel.h"
@@ -33,6 +29,7 @@
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/side_bar/content_side_bar.h"
+#include "shell/window/closing_questions.h"
 #include "shell/window/event_commands.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/filter_commands.h"
@@ -344,47 +341,11 @@ window_memory main_window::memory() const {
 }
 
 bool main_window::agree_to_close() {
-    agreed_ = agree_to_stop_jobs();
-    if (!agreed_ || !session_->is_open()) return agreed_;
-    press_engine& logger = session_->shown_event()->logger();
-    const auto recorded = logger.record_waiting();
-    const auto saved = session_->shown_event()->save_all();
-    const auto done = recorded ? saved : recorded;
-    if (done) return agreed_;
-    const int waiting = static_cast<int>(logger.unrecorded());
-    QMessageBox question(
-        QMessageBox::Warning,
-        waiting > 0 ? tr("The last presses are not on record") : tr("The event could not be saved"),
-        QString::fromStdString(done.message()), QMessageBox::NoButton, this);
-    question.setInformativeText(
-        waiting == 0   ? tr("What was coded is on record and comes back at the next start.")
-        : waiting == 1 ? tr("One press or release is in memory only and is lost when the window closes.")
-                       : tr("%1 presses and releases are in memory only and are lost when the window closes.")
-                             .arg(waiting));
-    const QAbstractButton* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
-    question.addButton(tr("Close Anyway"), QMessageBox::AcceptRole);
-    question.exec();
-    agreed_ = question.clickedButton() != stay;
-    return agreed_;
-}
-
-bool main_window::agree_to_stop_jobs() {
     auto unfinished = event_jobs_.unfinished();
     for (auto& one : window_jobs_.unfinished()) unfinished.push_back(std::move(one));
-    if (unfinished.empty()) return true;
-    const QString headline = unfinished.size() == 1
-                                 ? tr("“%1” is not finished").arg(job_title(unfinished.front()))
-                                 : tr("%1 tasks are not finished").arg(unfinished.size());
-    QMessageBox question(QMessageBox::Warning, headline, headline, QMessageBox::NoButton, this);
-    question.setInformativeText(tr("Closing the window stops that. Nothing is left half made."));
-    question.setObjectName(QStringLiteral("jobs_unfinished"));
-    auto* stay = question.addButton(tr("Stay"), QMessageBox::RejectRole);
-    auto* stop = question.addButton(tr("Stop and Close"), QMessageBox::DestructiveRole);
-    stop->setObjectName(QStringLiteral("jobs_unfinished.stop"));
-    question.setDefaultButton(stay);
-    question.setEscapeButton(stay);
-    question.exec();
-    return question.clickedButton() == stop;
+    open_event* event = session_->shown_event();
+    agreed_ = agree_to_stop_jobs(*this, unfinished) && (!event || agree_to_leave(*this, *event));
+    return agreed_;
 }
 
 void main_window::closeEvent(QCloseEvent* event) {

@@ -121,7 +121,6 @@ class main_window : public QMainWindow {
     void show_tab(int index);
     void choose_theme(const std::string& name);
     void restore();
-    bool agree_to_stop_jobs();
 
     const home_places places_;
     run_loop& loop_;
