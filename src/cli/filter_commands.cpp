@@ -17,10 +17,10 @@ struct filter_values {
     bool counts_only = false;
 };
 
-property_dictionary printed_clip(const sxy_CLIP& clip, const std::string& row) {
+property_dictionary printed_clip(const sxy_CLIP& clip, const std::string& row, clip_filter& filter) {
     property_array marked;
     for (const auto& item : *clip.qualifiers()) {
-        if (item.filtered_in()) marked.emplace_back(item.uuid());
+        if (filter.meets(item)) marked.emplace_back(item.uuid());
     }
     property_dictionary printed;
     printed.add("uuid", clip.id());
@@ -31,22 +31,24 @@ property_dictionary printed_clip(const sxy_CLIP& clip, const std::string& row) {
     return printed;
 }
 
-property_array printed_clips(const std::vector<row_pointer>& rows) {
+property_array printed_clips(const passing_clips& found, clip_filter& filter) {
     property_array printed;
-    for (const auto& row : rows) {
+    for (const auto& [row, passing] : found.rows) {
+        if (passing == 0) continue;
         const std::string name = row->name();
         for (const auto& clip : row->clips()) {
-            if (clip->filtered_in()) printed.emplace_back(printed_clip(*clip, name));
+            if (found.clips.contains(*clip)) printed.emplace_back(printed_clip(*clip, name, filter));
         }
     }
     return printed;
 }
 
-// Marks the timeline's clips. A text with a syntax error finds none.
+// A text with a syntax error finds none.
 result<property_dictionary> applied(const std::string& text, const timeline_snapshot& timeline,
                                     const filter_values& values, job& work) {
     const auto formula = parser_ROOT::for_filter(text);
-    const auto found = clip_filter(formula).judge_and_mark_all(timeline.rows, work);
+    clip_filter filter(formula);
+    const auto found = filter.passing(timeline.rows, work);
     if (!found) return failure{"Filtering \"" + values.source + "\" was cancelled."};
     property_dictionary printed;
     printed.add("error", formula.parser_Error());
@@ -55,7 +57,7 @@ result<property_dictionary> applied(const std::string& text, const timeline_snap
     printed.add("total", static_cast<std::int64_t>(found->total));
     printed.add("count", static_cast<std::int64_t>(found->passing));
     if (!values.counts_only) {
-        printed.add("clips", found->passing > 0 ? printed_clips(timeline.rows) : property_array());
+        printed.add("clips", printed_clips(*found, filter));
     }
     return printed;
 }

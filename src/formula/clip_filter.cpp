@@ -91,8 +91,10 @@ struct marks_written {
 
 // Lists marks for later.
 struct marks_listed {
-    void clip(const sxy_CLIP& clip, bool passes) const { found->clips.emplace_back(clip, passes); }
-    void qualifier(const qual_ITEM& item, bool marked) const { found->qualifiers.emplace_back(item, marked); }
+    void clip(const sxy_CLIP& clip, bool passes) const { found->clip_marks.emplace_back(clip, passes); }
+    void qualifier(const qual_ITEM& item, bool marked) const {
+        found->qualifier_marks.emplace_back(item, marked);
+    }
     filter_outcome* found;
 };
 
@@ -175,9 +177,11 @@ struct clip_filter::engine {
     template <class Marks>
     bool decide_one(const sxy_CLIP& clip, const word_bits& begin, Marks& marks);
     template <class Marks, class GoOn>
-    std::size_t walk_row(const sxy_ROW& row, Marks& marks, const GoOn& go_on);
+    std::size_t walk_row(const sxy_ROW& row, Marks& marks, clip_set& passing, const GoOn& go_on);
     template <class Marks>
-    bool walk(const std::vector<row_pointer>& rows, Marks& marks, filter_outcome& found, job& work);
+    bool walk(const std::vector<row_pointer>& rows, Marks& marks, passing_clips& found, job& work);
+    bool marks_qualifier(const qual_ITEM& item);
+    static void none_passes(const std::vector<row_pointer>& rows, passing_clips& found);
     bool is_narrow() const { return program.blocks() == 1; }
 
     const bool has_error;
@@ -314,19 +318,24 @@ bool clip_filter::engine::decide_one(const sxy_CLIP& clip, const word_bits& begi
 
 // Returns how many clips pass; `go_on` is told now and then how many were judged, and may end it.
 template <class Marks, class GoOn>
-std::size_t clip_filter::engine::walk_row(const sxy_ROW& row, Marks& marks, const GoOn& go_on) {
+std::size_t clip_filter::engine::walk_row(const sxy_ROW& row, Marks& marks, clip_set& passing,
+                                          const GoOn& go_on) {
     const word_bits begin = row_bits(&row);
-    std::size_t passing = 0;
+    std::size_t count = 0;
     prefetching_visit clips(row.clips());
-    const auto visit = [&](const sxy_CLIP& clip) { passing += decide_one(clip, begin, marks) ? 1 : 0; };
-    while (const std::size_t count = clips.visit_some(visit)) {
-        if (!go_on(count)) break;
+    const auto visit = [&](const sxy_CLIP& clip) {
+        const bool passes = decide_one(clip, begin, marks);
+        passing.put(clip, passes);
+        count += passes ? 1 : 0;
+    };
+    while (const std::size_t visited = clips.visit_some(visit)) {
+        if (!go_on(visited)) break;
     }
-    return passing;
+    return count;
 }
 
 template <class Marks>
-bool clip_filter::engine::walk(const std::vector<row_pointer>& rows, Marks& marks, filter_outcome& found,
+bool clip_filter::engine::walk(const std::vector<row_pointer>& rows, Marks& marks, passing_clips& found,
                                job& work) {
     std::size_t all = 0;
     for (const auto& row : rows) all += row->clips().size();
@@ -337,11 +346,25 @@ bool clip_filter::engine::walk(const std::vector<row_pointer>& rows, Marks& mark
     };
     for (const auto& row : rows) {
         if (work.is_cancelled()) return false;
-        const std::size_t passing = walk_row(*row, marks, go_on);
+        const std::size_t passing = walk_row(*row, marks, found.clips, go_on);
         found.rows.push_back({row, passing});
         found.passing += passing;
     }
     return !work.is_cancelled();
+}
+
+bool clip_filter::engine::marks_qualifier(const qual_ITEM& item) {
+    const auto asks_for = [](text_memo& memo, const shared_text& text) {
+        return memo.is_used() && !text.empty() && memo.find(text).marks;
+    };
+    return asks_for(names, item.name_in_place()) || asks_for(categories, item.category_in_place());
+}
+
+void clip_filter::engine::none_passes(const std::vector<row_pointer>& rows, passing_clips& found) {
+    for (const auto& row : rows) {
+        found.rows.push_back({row, 0});
+        found.total += row->clips().size();
+    }
 }
 
 clip_filter::clip_filter(const parser_ROOT& formula) : engine_(std::make_unique<engine>(formula)) {}
@@ -370,11 +393,20 @@ bool clip_filter::judge_and_mark(const sxy_CLIP& clip, const sxy_ROW* row) {
     return engine_->decide_one(clip, engine_->row_bits(row), marks);
 }
 
-void clip_filter::judge_and_mark(const sxy_ROW& row) {
+void clip_filter::judge(const sxy_ROW& row, clip_set& passing) {
+    if (has_error()) return;
+    no_marks none;
+    engine_->walk_row(row, none, passing, [](std::size_t) { return true; });
+}
+
+void clip_filter::judge_and_mark(const sxy_ROW& row, clip_set& passing) {
     if (has_error()) return;
     marks_of_one marks;
-    const std::size_t passing = engine_->walk_row(row, marks, [](std::size_t) { return true; });
-    row.set_filtered_in_count(static_cast<int>(passing));
+    engine_->walk_row(row, marks, passing, [](std::size_t) { return true; });
+}
+
+bool clip_filter::meets(const qual_ITEM& qualifier) {
+    return !has_error() && engine_->marks_qualifier(qualifier);
 }
 
 bool clip_filter::explain(const sxy_CLIP& clip, const sxy_ROW* row, parser_ROOT& formula) {
@@ -402,11 +434,21 @@ bool clip_filter::explain(const sxy_CLIP& clip, const sxy_ROW* row, parser_ROOT&
     return verdict_of_top == verdict::yes;
 }
 
-std::optional<filter_outcome> clip_filter::judge_all(const std::vector<row_pointer>& rows, job& work) {
+std::optional<passing_clips> clip_filter::passing(const std::vector<row_pointer>& rows, job& work) {
+    passing_clips found;
+    no_marks none;
+    if (has_error()) {
+        engine_->none_passes(rows, found);
+        return found;
+    }
+    return engine_->walk(rows, none, found, work) ? std::optional(std::move(found)) : std::nullopt;
+}
+
+std::optional<filter_outcome> clip_filter::passing_and_marks(const std::vector<row_pointer>& rows,
+                                                             job& work) {
     filter_outcome found;
     if (has_error()) {
-        for (const auto& row : rows) found.rows.push_back({row, 0});
-        for (const auto& row : rows) found.total += row->clips().size();
+        engine_->none_passes(rows, found);
         return found;
     }
     bool is_done = false;
@@ -417,18 +459,6 @@ std::optional<filter_outcome> clip_filter::judge_all(const std::vector<row_point
     return is_done ? std::optional(std::move(found)) : std::nullopt;
 }
 
-std::optional<filter_outcome> clip_filter::judge_and_mark_all(const std::vector<row_pointer>& rows,
-                                                              job& work) {
-    if (has_error()) return judge_all(rows, work);
-    filter_outcome found;
-    {
-        marks_that_differ marks(marks_written{});
-        if (!engine_->walk(rows, marks, found, work)) return std::nullopt;
-    }
-    for (const auto& one : found.rows) one.row->set_filtered_in_count(static_cast<int>(one.passing));
-    return found;
-}
-
 void put_in_place(const filter_outcome& outcome) {
     const auto each = [](const auto& list, const auto& mark) {
         for (std::size_t at = 0; at < list.size(); ++at) {
@@ -436,22 +466,21 @@ void put_in_place(const filter_outcome& outcome) {
             mark(list[at].record(), list[at].passes());
         }
     };
-    each(outcome.clips, [](const sxy_CLIP& clip, bool passes) { clip.set_filtered_in(passes); });
-    each(outcome.qualifiers,
+    each(outcome.clip_marks, [](const sxy_CLIP& clip, bool passes) { clip.set_filtered_in(passes); });
+    each(outcome.qualifier_marks,
          [](const qual_ITEM& item, bool passes) { item.set_filter_marks(passes, item.filtered_in_now()); });
     for (const auto& one : outcome.rows) one.row->set_filtered_in_count(static_cast<int>(one.passing));
 }
 
-std::size_t count_passing(const sxy_ROW& row) {
-    std::size_t passing = 0;
+std::size_t count_passing(const sxy_ROW& row, const clip_set& passing) {
+    std::size_t count = 0;
     for (std::size_t at = 0; at < row.clips().size();) {
         const auto run = row.clips().run_from(at);
         for (const auto& clip : run) prefetch(clip->first_looked_at());
-        for (const auto& clip : run) passing += clip->filtered_in_now() ? 1 : 0;
+        for (const auto& clip : run) count += passing.contains(*clip) ? 1 : 0;
         at += run.size();
     }
-    row.set_filtered_in_count(static_cast<int>(passing));
-    return passing;
+    return count;
 }
 
 namespace {

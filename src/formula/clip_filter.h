@@ -9,21 +9,26 @@
 #include <vector>
 
 #include "formula/parser_ROOT.h"
+#include "timeline/records/clip_set.h"
 #include "timeline/records/sxy_ROW.h"
 #include "util/job.h"
 
 namespace vistels {
 
-// What a filter found out about all clips of some rows, with nothing changed yet.
-struct filter_outcome {
+// Which clips of some rows pass a filter; nothing is marked.
+struct passing_clips {
     struct row_outcome {
         row_pointer row;
         std::size_t passing = 0;
     };
+    clip_set clips;
     std::vector<row_outcome> rows;  // in their order
     std::size_t total = 0;          // clips
     std::size_t passing = 0;        // clips that pass
+};
 
+// The same, and in which clips and qualifiers the marks differ from that.
+struct filter_outcome : passing_clips {
     // What must be changed, and to what (`passes`): 8 bytes each. The rows keep the records alive.
     template <class Record>
     class marked {
@@ -39,8 +44,8 @@ struct filter_outcome {
       private:
         std::uintptr_t packed_ = 0;  // records lie at even addresses
     };
-    std::vector<marked<sxy_CLIP>> clips;
-    std::vector<marked<qual_ITEM>> qualifiers;
+    std::vector<marked<sxy_CLIP>> clip_marks;
+    std::vector<marked<qual_ITEM>> qualifier_marks;
 };
 
 // Writes the marks of an outcome: clips and qualifiers are filtered in or not, the qualifiers' marks before
@@ -53,8 +58,8 @@ void put_in_place(const filter_outcome& outcome);
 void unfilter(const std::vector<row_pointer>& rows);
 void unfilter(const sxy_CLIP& clip);
 
-// How many clips of the row are filtered in, by their marks; the row's count is set to it.
-std::size_t count_passing(const sxy_ROW& row);
+// How many clips of the row are in the set.
+std::size_t count_passing(const sxy_ROW& row, const clip_set& passing);
 
 // Judges clips by one formula. A formula with a syntax error lets nothing pass and leaves marks as they are.
 //
@@ -77,17 +82,19 @@ class clip_filter {
     bool judge(const sxy_CLIP& clip, const sxy_ROW* row);
     // The same, and sets the marks of the clip and its qualifiers; their previous marks stay.
     bool judge_and_mark(const sxy_CLIP& clip, const sxy_ROW* row);
-    // All clips of a row likewise, and the row's count.
-    void judge_and_mark(const sxy_ROW& row);
-    // The same without marks on the clip: instead those of the words (FLAG_Word_as_present) and the results
-    // of the nodes are put into `formula`, which this filter was made from. They stay 0 with a syntax error.
+    // All clips of a row likewise, into the set.
+    void judge(const sxy_ROW& row, clip_set& passing);
+    void judge_and_mark(const sxy_ROW& row, clip_set& passing);
+    // Whether it is a qualifier's name or category that a word asks for: what its mark says.
+    bool meets(const qual_ITEM& qualifier);
+    // As judge() for one clip. The marks of the words (FLAG_Word_as_present) and the results of the nodes are
+    // put into `formula`, which this filter was made from; they stay 0 with a syntax error.
     bool explain(const sxy_CLIP& clip, const sxy_ROW* row, parser_ROOT& formula);
 
-    // All clips of the rows; nothing when `work` was cancelled. The marks stay as they are.
-    std::optional<filter_outcome> judge_all(const std::vector<row_pointer>& rows, job& work);
-    // The same, and sets the marks at once, previous ones too. Counts in the outcome, no lists. Marks are as
-    // they were, or some set already, when `work` was cancelled.
-    std::optional<filter_outcome> judge_and_mark_all(const std::vector<row_pointer>& rows, job& work);
+    // All clips of the rows, of a snapshot or as they are; nothing when `work` was cancelled.
+    std::optional<passing_clips> passing(const std::vector<row_pointer>& rows, job& work);
+    // The same with the marks that differ, which stay as they are.
+    std::optional<filter_outcome> passing_and_marks(const std::vector<row_pointer>& rows, job& work);
 
   private:
     struct engine;

@@ -38,10 +38,7 @@ class player : public ::testing::Test {
     ~player() override { operated.set_event(nullptr); }
 
     void select(const std::vector<std::string>& clips) {
-        for (const char* one : {"early", "late"}) {
-            const bool is_one = std::find(clips.begin(), clips.end(), one) != clips.end();
-            opened->timeline().timeline().find_clip(one)->clip->set_selected(is_one);
-        }
+        opened->view().selection().select(clips);
         operated.follow_selection();
     }
     double now() const { return opened->playback().collection_time(); }

@@ -177,6 +177,9 @@ TEST(clip_filter, marks_qualifiers_whatever_the_role_of_the_word) {
         const bool passes = filter.judge_and_mark(clip, &row);
         EXPECT_EQ(clip.filtered_in(), passes) << one.formula;
         EXPECT_EQ(marks_of(clip), one.marks) << one.formula;
+        std::string met;
+        for (const auto& item : *clip.qualifiers()) met += filter.meets(item) ? '1' : '0';
+        EXPECT_EQ(met, one.marks) << one.formula;
     }
 }
 
@@ -186,13 +189,17 @@ TEST(clip_filter, leaves_marks_of_the_last_good_formula) {
     const std::vector<row_pointer> rows{std::make_shared<const sxy_ROW>(row)};
     const auto& clip = *rows[0]->clips()[0];
     job work;
-    EXPECT_EQ(clip_filter("\"Goal\"").judge_and_mark_all(rows, work)->passing, 1U);
+    put_in_place(*clip_filter("\"Goal\"").passing_and_marks(rows, work));
     for (const char* wrong : {"\"Goal", "[ZZ]\"x\"", "(\"x\"", "x\"a\""}) {
         clip_filter filter{std::string_view(wrong)};
         EXPECT_TRUE(filter.has_error());
-        const auto found = filter.judge_and_mark_all(rows, work);
-        EXPECT_EQ(found->passing, 0U);
+        const auto found = filter.passing_and_marks(rows, work);
+        EXPECT_EQ(found->passing + filter.passing(rows, work)->passing, 0U);
         EXPECT_EQ(found->total, 1U);
+        EXPECT_FALSE(found->clips.contains(clip) || filter.meets((*clip.qualifiers())[0]));
+        put_in_place(*found);
+        clip_set passing;
+        filter.judge_and_mark(*rows[0], passing);
         filter.judge_and_mark(clip, rows[0].get());
         EXPECT_TRUE(clip.filtered_in() && marks_of(clip) == "1") << wrong;
     }
@@ -316,69 +323,92 @@ std::vector<row_pointer> random_rows(random_clips& random, std::size_t rows, std
     return made;
 }
 
-std::string all_marks(const std::vector<row_pointer>& rows) {
-    std::string marks;
+// Of clips and qualifiers: what they are, and what the qualifiers were before.
+struct marks_now {
+    std::string clips, qualifiers, previous;
+    bool operator==(const marks_now&) const = default;
+};
+
+marks_now all_marks(const std::vector<row_pointer>& rows) {
+    marks_now marks;
     for (const auto& row : rows) {
-        marks += "row " + std::to_string(row->filtered_in_count().value_or(-1)) + "\n";
         for (const auto& clip : row->clips()) {
-            marks += clip->filtered_in() ? "+" : "-";
+            marks.clips += clip->filtered_in() ? '1' : '0';
             for (const auto& item : *clip->qualifiers()) {
-                marks += static_cast<char>('0' + (item.filtered_in() ? 1 : 0) +
-                                           (item.filtered_in_previous() ? 2 : 0));
+                marks.qualifiers += item.filtered_in() ? '1' : '0';
+                marks.previous += item.filtered_in_previous() ? '1' : '0';
             }
         }
     }
     return marks;
 }
 
-TEST(clip_filter, puts_the_same_marks_in_place_in_every_way) {
+TEST(clip_filter, finds_the_same_with_and_without_marks_and_row_by_row) {
     random_clips random{random_formulas(7)};
-    const auto at_once = random_rows(random, 3, 700);
-    std::vector<row_pointer> later;
-    for (const auto& row : at_once) {
-        auto copy = std::make_shared<sxy_ROW>(*row);
-        std::vector<clip_pointer> all;
-        for (const auto& clip : row->clips()) {
-            // Copies of a clip share its qualifiers.
-            sxy_CLIP apart(*clip);
-            apart.set_qualifiers(qual_ROOT(*clip->qualifiers()));
-            all.push_back(std::make_shared<const sxy_CLIP>(std::move(apart)));
-        }
-        copy->clips().assign(std::move(all));
-        later.push_back(std::move(copy));
-    }
+    const auto rows = random_rows(random, 3, 700);
     job work;
     for (const char* text : {"a", "\"ab\" | [NT]\"*b*\"", "\"ab\" | [NT]\"*b*\"", "(![QC]\"a*\")", "✭"}) {
-        const auto before = all_marks(later);
+        const marks_now before = all_marks(rows);
         clip_filter filter{std::string_view(text)};
-        const auto direct = filter.judge_and_mark_all(at_once, work);
-        const auto outcome = filter.judge_all(later, work);
-        ASSERT_TRUE(direct && outcome);
-        EXPECT_TRUE(all_marks(later) == before) << "judging alone changed marks: " << text;
+        const auto found = filter.passing(rows, work);
+        const auto outcome = filter.passing_and_marks(rows, work);
+        ASSERT_TRUE(found && outcome);
+        clip_set by_row;
+        std::size_t counted = 0;
+        for (const auto& row : rows) {
+            filter.judge(*row, by_row);
+            counted += count_passing(*row, found->clips);
+        }
+        EXPECT_TRUE(all_marks(rows) == before) << "judging alone changed marks: " << text;
         put_in_place(*outcome);
-        EXPECT_TRUE(all_marks(later) == all_marks(at_once)) << text;
-        EXPECT_EQ(outcome->passing, direct->passing);
-        EXPECT_EQ(outcome->total, 2100U);
-        std::size_t passing = 0;
-        for (const auto& row : later) {
-            for (const auto& clip : row->clips()) {
-                passing += filter.judge(*clip, row.get()) ? 1 : 0;
-                EXPECT_EQ(filter.judge(*clip, row.get()), clip->filtered_in());
+        EXPECT_EQ(outcome->passing, found->passing) << text;
+        EXPECT_EQ(counted, found->passing) << text;
+        EXPECT_EQ(found->total, 2100U);
+        EXPECT_EQ(work.progress(), 1);
+        std::string met;
+        for (std::size_t n = 0; n < rows.size(); ++n) {
+            EXPECT_EQ(rows[n]->filtered_in_count(), static_cast<int>(found->rows[n].passing)) << text;
+            for (const auto& clip : rows[n]->clips()) {
+                const bool passes = filter.judge(*clip, rows[n].get());
+                for (const clip_set* set :
+                     {&found->clips, &outcome->clips, static_cast<const clip_set*>(&by_row)}) {
+                    ASSERT_EQ(set->contains(*clip), passes) << text;
+                }
+                ASSERT_EQ(clip->filtered_in(), passes) << text;
+                for (const auto& item : *clip->qualifiers()) met += filter.meets(item) ? '1' : '0';
             }
         }
-        EXPECT_EQ(passing, outcome->passing) << text;
-        EXPECT_EQ(work.progress(), 1);
+        EXPECT_TRUE(all_marks(rows).qualifiers == met) << text;
+        EXPECT_TRUE(all_marks(rows).previous == before.qualifiers) << text;
     }
-    unfilter(later);
-    for (const auto& row : later) {
-        EXPECT_EQ(row->filtered_in_count(), 700);
-        for (const auto& clip : row->clips()) {
-            EXPECT_TRUE(clip->filtered_in());
-            EXPECT_EQ(marks_of(*clip).find('1'), std::string::npos);
-        }
-    }
+    unfilter(rows);
+    EXPECT_EQ(all_marks(rows).clips.find('0'), std::string::npos);
+    EXPECT_EQ(all_marks(rows).qualifiers.find('1'), std::string::npos);
+    EXPECT_EQ(rows[0]->filtered_in_count(), 700);
     work.cancel();
-    EXPECT_FALSE(clip_filter("a").judge_all(later, work));
+    EXPECT_FALSE(clip_filter("a").passing(rows, work) || clip_filter("a").passing_and_marks(rows, work));
+}
+
+// Whatever the numbers and their order: each clip is in the set or not, as it was put last.
+TEST(clip_set, holds_what_was_put_into_it_in_any_order) {
+    std::vector<sxy_CLIP> clips(5000);
+    for (const auto& clip : clips) clip.number();
+    const sxy_CLIP unnumbered;
+    for (const int step : {1, 4999, 1237}) {
+        clip_set set;
+        std::vector<bool> expected(clips.size());
+        for (std::size_t n = 0, at = 2500; n < clips.size(); ++n, at = (at + step) % clips.size()) {
+            EXPECT_FALSE(set.contains(clips[at]));
+            set.put(clips[at], expected[at] = n % 3 != 0);
+            if (n % 5 == 0) set.put(clips[at], expected[at] = false);
+        }
+        for (std::size_t at = 0; at < clips.size(); ++at) ASSERT_EQ(set.contains(clips[at]), expected[at]);
+        EXPECT_FALSE(set.contains(unnumbered));
+    }
+    sxy_CLIP copy = clips[0];
+    EXPECT_EQ(copy.number(), clips[0].number());
+    copy.set_id("another");
+    EXPECT_NE(copy.number(), clips[0].number());
 }
 
 TEST(clip_filter, takes_more_words_than_fit_in_a_number) {

@@ -171,12 +171,13 @@ struct inspected : public ::testing::Test {
         EXPECT_TRUE(document->apply(edit).ok());
         undo = std::make_unique<undo_stack>(*document, loop);
         view.resize(272, 800);
-        view.set_document(document.get(), [] { return 25.0; });
+        shown = std::make_unique<clip_view>(*document, loop);
+        view.set_view(shown.get(), [] { return 25.0; });
         view.show();
     }
     const sxy_CLIP& clip(const char* name) { return *document->timeline().find_clip(name)->clip; }
     void select(std::initializer_list<const char*> names) {
-        for (const char* name : names) clip(name).set_selected(true);
+        shown->selection().select({names.begin(), names.end()});
         view.refresh();
         QCoreApplication::processEvents();
     }
@@ -185,6 +186,7 @@ struct inspected : public ::testing::Test {
     qt_run_loop loop;
     std::unique_ptr<timeline_document> document;
     std::unique_ptr<undo_stack> undo;
+    std::unique_ptr<clip_view> shown;
     inspector_view view;
 };
 

@@ -170,7 +170,8 @@ class timeline_pane : public ::testing::Test {
         made.operations.push_back(operation::insert_clip{shared_text("b"), clip_of("b1", 25, 35)});
         ASSERT_TRUE(document_->apply(made));
         view_.resize(1140, 400);
-        view_.set_timeline(document_.get(), &transport_);
+        shown_ = std::make_unique<clip_view>(*document_, loop_);
+        view_.set_timeline(shown_.get(), &transport_);
         view_.set_reach(0, 600);
         view_.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&view_));
@@ -207,6 +208,7 @@ class timeline_pane : public ::testing::Test {
     testing::temporary_folder folder_;
     qt_run_loop loop_;
     std::unique_ptr<timeline_document> document_;
+    std::unique_ptr<clip_view> shown_;
     standing_transport transport_;
     timeline_view view_;
     timeline_canvas* canvas_ = nullptr;

@@ -13,11 +13,6 @@ bool is_everything(const change_set& changes) {
     return (changes.kinds & all) == all;
 }
 
-std::size_t passing_in(const sxy_ROW& row) {
-    if (const auto known = row.filtered_in_count()) return static_cast<std::size_t>(*known);
-    return count_passing(row);
-}
-
 }  // namespace
 
 // A job on its way; what follows `found` is kept on the main thread meanwhile.
@@ -32,8 +27,8 @@ struct clip_filtering::running_job {
     bool is_outdated = false;  // everything
 };
 
-clip_filtering::clip_filtering(timeline_document& document, run_loop& loop)
-    : document_(document), loop_(loop) {
+clip_filtering::clip_filtering(timeline_document& document, run_loop& loop, view_kind kind)
+    : document_(document), loop_(loop), is_main_(kind == view_kind::main) {
     standing_.total = standing_.passing = document_.timeline().clip_count();
     changes_ = document_.changed.connect([this](const change_set& changes) { follow(changes); });
 }
@@ -42,8 +37,8 @@ clip_filtering::~clip_filtering() {
     stop_waiting();
 }
 
-void clip_filtering::tell(const filter_standing& before, bool marks_changed) {
-    if (marks_changed || standing_ != before) changed.emit(marks_changed);
+void clip_filtering::tell(const filter_standing& before, bool verdicts_changed) {
+    if (verdicts_changed || standing_ != before) changed.emit(verdicts_changed);
 }
 
 // Neither the pause nor a job goes on.
@@ -74,11 +69,11 @@ void clip_filtering::apply(const std::string& text) {
     const filter_standing before = standing_;
     stop_waiting();
     const bool was_on = is_on();
-    filter_.reset();
+    verdicts_.clear();
     is_stale_ = false;
     judged_rows_.clear();
     standing_ = {};
-    if (was_on) unfilter(document_.timeline().rows());
+    if (was_on && is_main_) unfilter(document_.timeline().rows());
     standing_.total = standing_.passing = document_.timeline().clip_count();
     tell(before, was_on);
 }
@@ -104,10 +99,19 @@ void clip_filtering::start_job(const std::string& text, std::shared_ptr<clip_fil
     standing_.is_judging = true;
     queue_.post([this, running = running_, rows = document_.snapshot().rows] {
         if (running->work.is_cancelled()) return;
-        running->found = running->filter->judge_all(rows, running->work);
+        judge_all(*running, rows, is_main_);
         if (!running->found) return;
         loop_.post(guard_.guarded([this, running] { arrive(running); }));
     });
+}
+
+void clip_filtering::judge_all(running_job& running, const std::vector<row_pointer>& rows, bool with_marks) {
+    if (with_marks) {
+        running.found = running.filter->passing_and_marks(rows, running.work);
+    } else if (auto verdicts = running.filter->passing(rows, running.work)) {
+        running.found.emplace();
+        static_cast<passing_clips&>(*running.found) = std::move(*verdicts);
+    }
 }
 
 void clip_filtering::arrive(const std::shared_ptr<running_job>& arrived) {
@@ -118,21 +122,18 @@ void clip_filtering::arrive(const std::shared_ptr<running_job>& arrived) {
         start_job(arrived->text, arrived->filter);
         return tell(before, false);
     }
-    put_in_place(*arrived->found);
-    filter_ = arrived->filter;
+    if (is_main_) put_in_place(*arrived->found);
+    verdicts_.set(arrived->filter, std::move(arrived->found->clips));
+    for (const auto& live : document_.timeline().live_clips()) verdicts_.kept().put(*live.clip, true);
+    passing_in_.clear();
+    for (const auto& [row, passing] : arrived->found->rows) passing_in_[row->uuid()] = passing;
     is_stale_ = false;
     standing_.text = arrived->text;
     standing_.is_judging = false;
-    // A row that was copied since has the count of the filter before.
-    const auto& rows = document_.timeline().rows();
-    for (const auto& row : rows) {
-        if (arrived->touched_rows.contains(row->uuid())) row->set_filtered_in_count(std::nullopt);
-    }
     remember_rows();
     for (const auto& row : arrived->touched_rows) {
-        if (const auto found = document_.timeline().row(row); found && filter_->looks_at_rows()) {
-            filter_->judge_and_mark(*found);
-        }
+        passing_in_.erase(row);
+        if (verdicts_.filter()->looks_at_rows()) judge_row(row);
     }
     for (const auto& clip : arrived->touched_clips) judge_clip(clip);
     count();
@@ -141,7 +142,7 @@ void clip_filtering::arrive(const std::shared_ptr<running_job>& arrived) {
 
 void clip_filtering::remember_rows() {
     judged_rows_.clear();
-    if (!filter_->looks_at_rows()) return;
+    if (!verdicts_.filter()->looks_at_rows()) return;
     for (const auto& row : document_.timeline().rows()) {
         judged_rows_[row->uuid()] = {row->name(), row->category()};
     }
@@ -157,27 +158,30 @@ void clip_filtering::follow(const change_set& changes) {
     if ((changes.kinds & ~static_cast<unsigned>(change_set::beside_changed)) != 0) {
         follow_in_force(changes);
         count();
-        tell(before, filter_ != nullptr);
+        tell(before, verdicts_.is_on());
     }
 }
 
-// Without a filter a clip that undo brings back may still bear the marks of an earlier one.
 void clip_filtering::follow_in_force(const change_set& changes) {
-    if (is_everything(changes)) {
-        is_stale_ = filter_ != nullptr;
-        if (!filter_) unfilter(document_.timeline().rows());
-        // The filter in force goes on judging single clips here while another one judges all.
-        if (filter_ && !running_ && !pause_) {
-            start_job(standing_.text, std::make_shared<clip_filter>(standing_.text));
-        }
-        return;
+    const bool is_named = !is_everything(changes);
+    if (!is_named) {
+        is_stale_ = verdicts_.is_on();
+        passing_in_.clear();
+        if (!is_stale_ && is_main_) unfilter(document_.timeline().rows());
     }
     // A row that undo brings back has the count of another time.
     for (const auto& uuid : changes.rows) {
-        if (const auto row = document_.timeline().row(uuid)) row->set_filtered_in_count(std::nullopt);
+        passing_in_.erase(uuid);
+        const auto row = is_main_ ? document_.timeline().row(uuid) : nullptr;
+        if (row) row->set_filtered_in_count(std::nullopt);
     }
+    // The filter in force goes on judging single clips here while another one judges all.
     for (const auto& clip : changes.clips) judge_clip(clip);
-    if (filter_ && filter_->looks_at_rows()) judge_renamed_rows(changes.rows);
+    if (!verdicts_.is_on()) return;
+    if (verdicts_.filter()->looks_at_rows()) judge_renamed_rows(changes.rows);
+    if (!is_named && !running_ && !pause_) {
+        start_job(standing_.text, std::make_shared<clip_filter>(standing_.text));
+    }
 }
 
 void clip_filtering::judge_renamed_rows(const std::vector<shared_text>& rows) {
@@ -191,28 +195,51 @@ void clip_filtering::judge_renamed_rows(const std::vector<shared_text>& rows) {
         auto& judged = judged_rows_[uuid];
         if (judged == texts) continue;
         judged = std::move(texts);
-        filter_->judge_and_mark(*row);
+        judge_row(uuid);
     }
 }
 
+void clip_filtering::judge_row(const shared_text& uuid) {
+    const auto row = document_.timeline().row(uuid);
+    if (!row) return;
+    passing_in_.erase(uuid);
+    if (is_main_) {
+        verdicts_.filter()->judge_and_mark(*row, verdicts_.kept());
+    } else {
+        verdicts_.filter()->judge(*row, verdicts_.kept());
+    }
+}
+
+// Without a filter a clip that undo brings back may still bear the marks of an earlier one.
 void clip_filtering::judge_clip(const std::string& uuid) {
     const auto place = document_.timeline().find_clip(uuid);
-    if (!place || place->is_live) return;
+    if (!place) return;
+    clip_filter* const filter = verdicts_.filter();
+    if (place->is_live) {
+        if (filter) verdicts_.kept().put(*place->clip, true);
+        return;
+    }
     const auto row = document_.timeline().row(place->row);
-    if (filter_) {
-        filter_->judge_and_mark(*place->clip, row.get());
-    } else {
+    if (filter) {
+        const bool passes = is_main_ ? filter->judge_and_mark(*place->clip, row.get())
+                                     : filter->judge(*place->clip, row.get());
+        verdicts_.kept().put(*place->clip, passes);
+    } else if (is_main_) {
         unfilter(*place->clip);
     }
-    row->set_filtered_in_count(std::nullopt);
+    passing_in_.erase(place->row);
 }
 
 void clip_filtering::count() {
     standing_.total = document_.timeline().clip_count();
     standing_.passing = standing_.total;
-    if (filter_) {
-        standing_.passing = 0;
-        for (const auto& row : document_.timeline().rows()) standing_.passing += passing_in(*row);
+    if (!verdicts_.is_on()) return;
+    standing_.passing = 0;
+    for (const auto& row : document_.timeline().rows()) {
+        const auto [known, is_new] = passing_in_.try_emplace(row->uuid(), 0);
+        if (is_new) known->second = count_passing(*row, *verdicts_.passing());
+        if (is_main_) row->set_filtered_in_count(static_cast<int>(known->second));
+        standing_.passing += known->second;
     }
 }
 

@@ -18,9 +18,9 @@ constexpr double most_drift_share = 0.1;  // of the time since the last look
 
 }  // namespace
 
-std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline) {
+std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline, const clip_verdicts& verdicts) {
     std::vector<playlist_clip> clips;
-    for (const auto& one : clips_in_start_order(timeline.rows(), true)) {
+    for (const auto& one : clips_in_start_order(timeline.rows(), verdicts.passing())) {
         clips.push_back({one.clip_->id(), one.clip_start_, one.clip_->secs_end()});
     }
     return clips;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "formula/clip_verdicts.h"
 #include "timeline/records/sxy_DATA_root.h"
 #include "util/clock.h"
 #include "util/display_tick.h"
@@ -21,8 +22,8 @@ struct playlist_clip {
     double end = 0;
 };
 
-// The clips of all rows that are filtered in, by start.
-std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline);
+// The clips of all rows that pass, by start.
+std::vector<playlist_clip> clips_that_pass(const sxy_DATA_root& timeline, const clip_verdicts& verdicts);
 
 // Plays clips one after another: each from its start to its end, then on to the start of the next. Of clips
 // that overlap nothing is played twice: the next one goes on where the playhead stands, and one that is over

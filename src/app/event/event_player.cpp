@@ -116,7 +116,7 @@ void event_player::set_looping(bool looping) {
 
 void event_player::follow_selection() {
     if (!event_ || !looping_) return;
-    const auto chosen = selected_clips(event_->timeline().timeline());
+    const auto chosen = event_->view().selection().clips();
     const bool one = chosen.size() == 1;
     loop_.start = one ? chosen.front().clip->secs_start() : event_->start_seconds();
     loop_.end = one ? chosen.front().clip->secs_end() : event_->end_seconds();
@@ -125,7 +125,7 @@ void event_player::follow_selection() {
 void event_player::play_clip(const std::string& clip) {
     if (!event_) return;
     const sxy_DATA_root& timeline = event_->timeline().timeline();
-    const auto chosen = clip.empty() ? selected_clips(timeline) : std::vector<clip_place>();
+    const auto chosen = clip.empty() ? event_->view().selection().clips() : std::vector<clip_place>();
     const auto place = !clip.empty()    ? timeline.find_clip(clip)
                        : chosen.empty() ? std::nullopt
                                         : std::optional(chosen.front());

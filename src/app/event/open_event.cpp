@@ -175,7 +175,7 @@ result<void> open_event::open_timeline() {
     timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
     for (const auto& message : timeline_->messages()) log_line(places_, message);
-    filtering_ = std::make_unique<clip_filtering>(*timeline_, loop_);
+    view_ = std::make_unique<clip_view>(*timeline_, loop_);
     // The playhead goes into the timeline's header with every background save, so it outlives a kill.
     edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
         if (playback_) timeline_->header().cursor_seconds = playback_->collection_time();

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/event/clip_filtering.h"
+#include "app/event/clip_view.h"
 #include "app/event/collection_changes.h"
 #include "app/event/undo_stack.h"
 #include "app/settings/places.h"
@@ -50,8 +50,9 @@ class open_event {
     press_engine& logger() { return *logger_; }
     synchronised_playback& playback() { return *playback_; }
     undo_stack& undo() { return *undo_; }
-    // Which clips of the timeline pass.
-    clip_filtering& filtering() { return *filtering_; }
+    // The timeline's main view: which clips pass, which are selected.
+    clip_view& view() { return *view_; }
+    clip_filtering& filtering() { return view_->filtering(); }
     // Changes the collection so that it can be taken back. A timeline alone has a collection without vistels,
     // which is not to be changed.
     collection_changes& changes() { return *changes_; }
@@ -140,7 +141,7 @@ class open_event {
     std::vector<std::string> messages_;
     std::vector<std::string> alerts_;
     std::unique_ptr<timeline_document> timeline_;
-    std::unique_ptr<clip_filtering> filtering_;
+    std::unique_ptr<clip_view> view_;
     std::unique_ptr<synchronised_playback> playback_;
     // What playback was given.
     std::pair<double, double> fed_range_ = {0, 0};

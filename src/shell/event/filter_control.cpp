@@ -28,8 +28,7 @@ void filter_control::set_event(open_event* event) {
     if (event) {
         list_ = std::make_unique<clip_playlist>(event->playback(), event->playback().ticks(), loop_.time());
         connections_.push_back(list_->changed.connect([this] { follow_list(); }));
-        connections_.push_back(
-            filtering_->changed.connect([this](bool marks_changed) { follow(marks_changed); }));
+        connections_.push_back(filtering_->changed.connect([this](bool are_new) { follow(are_new); }));
     }
     shown_ = filtering_ ? filtering_->standing() : filter_standing();
     show(true);
@@ -43,13 +42,13 @@ std::size_t filter_control::passing_count() const {
     return filtering_ ? filtering_->standing().passing : 0;
 }
 
-void filter_control::follow(bool marks_changed) {
+void filter_control::follow(bool are_new) {
     const filter_standing before = std::exchange(shown_, filtering_->standing());
     // What the list plays is no longer what passes.
     if (before.text != shown_.text) play_all(false);
     // What an edit changed is read with the edit; only when all clips were judged anew any may have changed.
     const bool judged_all = before.text != shown_.text || (before.is_judging && !shown_.is_judging);
-    show(marks_changed && judged_all);
+    show(are_new && judged_all);
 }
 
 void filter_control::show(bool are_new) {
@@ -79,7 +78,7 @@ void filter_control::play_all(bool plays) {
         event_->playback().pause();
         return;
     }
-    clips_ = clips_that_pass(event_->timeline().timeline());
+    clips_ = clips_that_pass(event_->timeline().timeline(), filtering_->verdicts());
     if (!clips_.empty()) play_from(first_to_play());
     if (!plays_all()) Q_EMIT changed();  // the command that asked for it is not on
 }

@@ -57,7 +57,7 @@ class filter_control : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    void follow(bool marks_changed);
+    void follow(bool are_new);
     void show(bool are_new);  // the verdicts
     std::size_t first_to_play() const;
     void play_from(std::size_t index);

@@ -32,9 +32,8 @@ pane* inspector_binder::shown_in() {
 
 void inspector_binder::show(open_event* event) {
     event_ = event;
-    if (!event) return view_.set_document(nullptr, {});
-    view_.set_document(&event->timeline(),
-                       [&playback = event->playback()] { return playback.collection_time(); });
+    if (!event) return view_.set_view(nullptr, {});
+    view_.set_view(&event->view(), [&playback = event->playback()] { return playback.collection_time(); });
 }
 
 void inspector_binder::follow_timeline() {

@@ -69,7 +69,7 @@ void timeline_binder::show(open_event* event) {
     reach_changed_.disconnect();
     if (!event) filter_->set_event(nullptr);
     event_ = event;
-    view_.set_timeline(event ? &event->timeline() : nullptr, event ? &event->playback() : nullptr);
+    view_.set_timeline(event ? &event->view() : nullptr, event ? &event->playback() : nullptr);
     text_->set_source(event ? &event->filtering() : nullptr, event ? &event->timeline() : nullptr);
     if (!event) return;
     filter_->set_event(event);

@@ -52,9 +52,11 @@ void screenshot::prepare() {
 void screenshot::select_clip(double seconds) {
     std::string last;
     double start = -1;
-    for (const auto& row : window_.session().shown_event()->timeline().timeline().rows()) {
+    const clip_view& view = window_.session().shown_event()->view();
+    for (const auto& row : view.timeline().rows()) {
         for (const auto& clip : row->clips()) {
-            if (clip->secs_start() > seconds || clip->secs_start() <= start || !clip->filtered_in()) continue;
+            if (clip->secs_start() > seconds || clip->secs_start() <= start) continue;
+            if (!view.verdicts().passes(*clip)) continue;
             start = clip->secs_start();
             last = clip->id();
         }

@@ -70,16 +70,6 @@ timeline_edit plan_remove_qualifier(const sxy_DATA_root& timeline, const std::st
     return edit;
 }
 
-std::vector<clip_place> selected_clips(const sxy_DATA_root& timeline) {
-    std::vector<clip_place> found;
-    for (const auto& row : timeline.rows()) {
-        for (const auto& clip : row->clips()) {
-            if (clip->selected()) found.push_back({clip, row->uuid(), false});
-        }
-    }
-    return found;
-}
-
 std::string clip_title(const sxy_DATA_root& timeline, const clip_place& place) {
     const auto row = timeline.row(place.row);
     if (!row) return {};

@@ -25,8 +25,6 @@ timeline_edit plan_clip_colour(const sxy_DATA_root& timeline, const std::vector<
 timeline_edit plan_remove_qualifier(const sxy_DATA_root& timeline, const std::string& clip,
                                     const std::string& qualifier);
 
-// The clips that are marked as selected, in row order.
-std::vector<clip_place> selected_clips(const sxy_DATA_root& timeline);
 // How a clip is called: its row's name and its number in the row, from 1; "Shot 17".
 std::string clip_title(const sxy_DATA_root& timeline, const clip_place& place);
 

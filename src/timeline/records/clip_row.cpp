@@ -6,13 +6,13 @@
 
 namespace vistels {
 
-std::vector<clip_row> clips_in_start_order(const std::vector<row_pointer>& rows, bool only_filtered_in) {
+std::vector<clip_row> clips_in_start_order(const std::vector<row_pointer>& rows, const clip_set* only) {
     std::vector<clip_row> all;
     int number = 0;
     for (const auto& row : rows) {
         ++number;
         for (const auto& clip : row->clips()) {
-            if (only_filtered_in && !clip->filtered_in()) continue;
+            if (only && !only->contains(*clip)) continue;
             all.push_back({clip, clip->secs_start(), row, number});
         }
     }

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "timeline/records/clip_set.h"
 #include "timeline/records/sxy_DATA_root.h"
 
 namespace vistels {
@@ -15,9 +16,9 @@ struct clip_row {
     int row_num_ix1 = 0;  // the row's place in the timeline, from 1
 };
 
-// The clips of all rows by start, those that start together by end and then by the place of their row. With
-// `only_filtered_in` those that pass the filter alone. Any thread.
+// The clips of all rows by start, those that start together by end and then by the place of their row; those
+// in `only` alone, when it is given. Any thread.
 std::vector<clip_row> clips_in_start_order(const std::vector<row_pointer>& rows,
-                                           bool only_filtered_in = false);
+                                           const clip_set* only = nullptr);
 
 }  // namespace vistels

@@ -48,12 +48,12 @@ std::string sxy_CLIP::note_text() const {
     return all ? all->text() : std::string();
 }
 
-double sxy_CLIP::temp_quick_uuid() const {
-    static std::atomic<std::int64_t> last = 0;
+std::uint32_t sxy_CLIP::new_number() const {
+    static std::atomic<std::uint32_t> last = 0;
     const record_guard guard(lk);
-    double& number = run.make().temp_quick_uuid;
-    if (number == 0) number = static_cast<double>(++last);
-    return number;
+    const std::atomic_ref<std::uint32_t> number(temp_quick_uuid);
+    if (number.load(std::memory_order_relaxed) == 0) number.store(++last, std::memory_order_relaxed);
+    return number.load(std::memory_order_relaxed);
 }
 
 void sxy_CLIP::order_times() {

@@ -53,7 +53,6 @@ struct clip_rare_fields {
 
 // What a clip is on screen during this run; never stored.
 struct clip_run_state {
-    double temp_quick_uuid = 0;
     double last_time_selected = 0;
     std::int64_t sometimes__last_MouseDown_or_KeyDown_Event_Number__for__secs_end__when_marking_k506 = 0;
     int selected_state_Secondary_25 = 0;
@@ -74,6 +73,8 @@ struct clip_fields {
     int stars = 0;
     mutable bool selected = false;
     mutable bool filtered_in = true;
+    mutable std::uint32_t temp_quick_uuid = 0;  // 0: none yet
+    int clip_mod_cnt = 0;
     std::shared_ptr<const qual_ROOT> qual_Root;    // null when there are none
     std::shared_ptr<const clip_rare_fields> rare;  // null when all of it is at its default
     double secs_start = 0;
@@ -86,7 +87,6 @@ struct clip_fields {
     mutable copied_ptr<clip_run_state> run;
     clip_type clip_TYPE = clip_type::normal;
     int clip_count_position_in_timeline = 0;
-    int clip_mod_cnt = 0;
     compact_text _id;
 };
 
@@ -107,7 +107,10 @@ class sxy_CLIP : record, clip_fields {
     std::string id() const { return short_id().str(); }
     compact_text short_id() const { return read(_id); }  // the same, quicker to compare and to hash
     bool has_id(std::string_view uuid) const;
-    void set_id(std::string_view uuid) { write(_id, compact_text(uuid)); }
+    void set_id(std::string_view uuid) {
+        write(_id, compact_text(uuid));
+        write_mark(temp_quick_uuid, std::uint32_t{0});
+    }
     double secs_start() const { return read(clip_fields::secs_start); }  // seconds on the collection's clock
     void set_secs_start(double seconds) { write(clip_fields::secs_start, seconds); }
     double secs_end() const { return read(clip_fields::secs_end); }
@@ -216,6 +219,15 @@ class sxy_CLIP : record, clip_fields {
         set_part(&clip_rare_fields::clip_Export_Config_data_, std::move(settings));
     }
 
+    // From 1: no other clip of this run has it, copies share it until they get a UUID of their own. Given
+    // when the clip comes onto a timeline, or is asked for it.
+    std::uint32_t number() const {
+        const std::uint32_t known = number_now();
+        return known != 0 ? known : new_number();
+    }
+    std::uint32_t number_now() const { return peek(temp_quick_uuid); }  // 0: it has none yet
+
+    // Those of the timeline's main view; other views keep their own.
     bool selected() const { return read(clip_fields::selected); }
     void set_selected(bool selected) const { write(clip_fields::selected, selected); }
     bool filtered_in() const { return read(clip_fields::filtered_in); }
@@ -239,9 +251,6 @@ class sxy_CLIP : record, clip_fields {
         const record_guard guard(lk);
         run.make().*field = value;
     }
-    // A number that no other clip of this run has; copies of a clip share it.
-    double temp_quick_uuid() const;
-
     // A start after the end is put in order.
     void order_times();
 
@@ -251,6 +260,7 @@ class sxy_CLIP : record, clip_fields {
     friend void write_clip(const sxy_CLIP& clip, stored_sink& to);
 
   private:
+    std::uint32_t new_number() const;
     template <class Field>
     Field part(Field clip_rare_fields::*field) const {
         const record_guard guard(lk);

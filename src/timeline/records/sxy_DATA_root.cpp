@@ -61,6 +61,7 @@ void sxy_DATA_root::take_in(sxy_ROW& row, std::uint32_t number) {
     std::size_t index = 0;
     for (const auto& clip : row.clips()) {
         const bool is_new = clips_.insert(*clip, number);
+        clip->number();
         if (!is_new || clip->secs_end() < clip->secs_start()) wrong.push_back(index);
         ++index;
     }
@@ -80,6 +81,7 @@ void sxy_DATA_root::take_in(sxy_ROW& row, std::uint32_t number) {
             if (known && known->clip == all[at].get()) clips_.remove(known);
             copy->set_id(new_uuid());
             clips_.insert(*copy, number);
+            copy->number();
         }
         all[at] = std::move(copy);
     }
@@ -231,6 +233,7 @@ bool sxy_DATA_root::insert_clip(const shared_text& row, shared_record<sxy_CLIP> 
     const auto uuid = kept->id();
     if (uuid.empty() || live_index(uuid) < live_.size()) return false;
     if (!clips_.insert(*kept, number->second)) return false;
+    kept->number();
     editable(row_at_[number->second]).clips().insert(std::move(kept));
     write(cnt_clips_added, cnt_clips_added + 1);
     return true;
@@ -307,6 +310,7 @@ bool sxy_DATA_root::insert_live_clip(const shared_text& row, shared_record<sxy_C
     const auto index = row_index(row);
     const auto uuid = clip->id();
     if (!index || !has_finite_times(*clip) || uuid.empty() || has_clip(uuid)) return false;
+    clip->number();
     live_.push_back({clip.pointer(), rows_[*index]->uuid(), true});
     return true;
 }

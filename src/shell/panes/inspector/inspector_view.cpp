@@ -45,11 +45,11 @@ std::optional<colour> shown_colour(const sxy_DATA_root& timeline, const clip_pla
     return row ? row->col() : std::nullopt;
 }
 
-std::vector<qualifier_chip> chips_of(const sxy_CLIP& clip, bool is_filtered) {
+std::vector<qualifier_chip> chips_of(const sxy_CLIP& clip, const clip_verdicts& verdicts) {
     std::vector<qualifier_chip> chips;
     for (const auto& one : *clip.qualifiers()) {
         chips.push_back({one.uuid(), QString::fromStdString(one.name().str()),
-                         QString::fromStdString(one.category().str()), is_filtered && one.filtered_in()});
+                         QString::fromStdString(one.category().str()), verdicts.marks(one)});
     }
     return chips;
 }
@@ -219,10 +219,11 @@ void inspector_view::connect_parts() {
     });
 }
 
-void inspector_view::set_document(timeline_document* document, std::function<double()> now) {
+void inspector_view::set_view(clip_view* view, std::function<double()> now) {
     note_->set_note({}, {});  // what is being typed belongs to the one that was shown
     changed_.disconnect();
-    document_ = document;
+    view_ = view;
+    document_ = view ? &view->document() : nullptr;
     now_ = std::move(now);
     if (document_) {
         changed_ = document_->changed.connect([this](const change_set& change) {
@@ -242,7 +243,7 @@ filter_field& inspector_view::filter() {
 
 void inspector_view::refresh() {
     selected_.clear();
-    const auto all = document_ ? selected_clips(document_->timeline()) : std::vector<clip_place>();
+    const auto all = view_ ? view_->selection().clips() : std::vector<clip_place>();
     for (const clip_place& one : all) selected_.push_back(one.clip->id());
     show_clips(seen_of(all));
 }
@@ -253,7 +254,7 @@ std::vector<clip_place> inspector_view::seen_of(const std::vector<clip_place>& a
     if (!hides_) return all;
     std::vector<clip_place> seen;
     std::copy_if(all.begin(), all.end(), std::back_inserter(seen),
-                 [](const clip_place& one) { return one.clip->filtered_in(); });
+                 [this](const clip_place& one) { return view_->verdicts().passes(*one.clip); });
     return seen.empty() ? all : seen;
 }
 
@@ -320,8 +321,9 @@ void inspector_view::show_title(const std::vector<clip_place>& clips) {
 
 QString inspector_view::verdict_on(const std::vector<clip_place>& clips) const {
     if (!is_filtered_) return {};
-    const auto passing = std::count_if(clips.begin(), clips.end(),
-                                       [](const clip_place& one) { return one.clip->filtered_in(); });
+    const auto passing = std::count_if(clips.begin(), clips.end(), [this](const clip_place& one) {
+        return view_->verdicts().passes(*one.clip);
+    });
     if (clips.size() == 1) return passing == 1 ? tr("passes the filter") : tr("filtered out");
     if (passing == static_cast<std::ptrdiff_t>(clips.size())) return tr("all pass the filter");
     return passing == 0 ? tr("all filtered out") : tr("%1 pass the filter").arg(passing);
@@ -329,7 +331,8 @@ QString inspector_view::verdict_on(const std::vector<clip_place>& clips) const {
 
 void inspector_view::show_chips(const std::vector<clip_place>& clips) {
     const bool single = clips.size() == 1;
-    const auto chips = single ? chips_of(*clips.front().clip, is_filtered_) : std::vector<qualifier_chip>();
+    const auto chips =
+        single ? chips_of(*clips.front().clip, view_->verdicts()) : std::vector<qualifier_chip>();
     qualifier_count_->setText(single ? QString::number(chips.size()) : tr("several"));
     chips_->set_chips(chips);
 }

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/event/clip_view.h"
 #include "shell/kit/pane.h"
-#include "timeline/files/timeline_document.h"
 #include "util/signal.h"
 
 class QLabel;
@@ -28,8 +28,9 @@ class star_row;
 class swatch_row;
 class time_field;
 
-// What is known of the selected clips, to be looked at and changed. Several clips show the values that they
-// share. Changes go to the document as edits; a refused one is told by `failed`. Main thread.
+// What is known of the clips that are selected in a view, to be looked at and changed. Several clips show the
+// values that they share. Changes go to the document as edits; a refused one is told by `failed`. Main
+// thread.
 class inspector_view : public QWidget, public pane {
     Q_OBJECT
   public:
@@ -38,8 +39,8 @@ class inspector_view : public QWidget, public pane {
     pane_kind kind() const override { return pane_kind::inspector; }
     QWidget& widget() override { return *this; }
 
-    // Null shows nothing. The document must outlive its being shown; `now` gives the collection time.
-    void set_document(timeline_document* document, std::function<double()> now);
+    // Null shows nothing. The view must outlive its being shown; `now` gives the collection time.
+    void set_view(clip_view* view, std::function<double()> now);
     // The selection changed.
     void refresh();
     // A filter is in force or not, hides what it does not let through or not, or judged anew.
@@ -74,7 +75,8 @@ class inspector_view : public QWidget, public pane {
     void ask_times(double start, double end);
     void trim_here(bool start);
 
-    timeline_document* document_ = nullptr;
+    clip_view* view_ = nullptr;
+    timeline_document* document_ = nullptr;  // of the view
     std::function<double()> now_;
     connection changed_;
     std::vector<std::string> selected_;  // hidden ones too

@@ -46,12 +46,13 @@ QString timeline_canvas::description(const hit& found) const {
                        .arg(found.index + 1)
                        .arg(time_text(start, time_form::clock), time_text(end, time_form::clock),
                             time_text(end - start, time_form::clock));
-    if (!found.clip->filtered_in()) made += QStringLiteral("<br><i>%1</i>").arg(tr("filtered out"));
+    const clip_verdicts& verdicts = state_.verdicts();
+    if (!verdicts.passes(*found.clip)) made += QStringLiteral("<br><i>%1</i>").arg(tr("filtered out"));
     const auto qualifiers = found.clip->qualifiers();
     for (const qual_ITEM& qualifier : *qualifiers) {
         const QString name = QString::fromStdString(qualifier.name().str()).toHtmlEscaped();
         const QString category = QString::fromStdString(qualifier.category().str()).toHtmlEscaped();
-        const bool passes = state_.is_filtered() && qualifier.filtered_in();
+        const bool passes = verdicts.marks(qualifier);
         made += (passes ? QStringLiteral("<br><b>%1</b> <i>%2</i>") : QStringLiteral("<br>%1 <i>%2</i>"))
                     .arg(name, category);
     }

@@ -51,7 +51,7 @@ std::vector<QColor> merged_colours(const sxy_ROW& record, const theme& look) {
     return colours;
 }
 
-void read_clips(timeline_row& row, bool hides_filtered_out) {
+void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_out) {
     if (!row.record) return;
     const clip_list& records = row.record->clips();
     std::vector<track_clip> shown;
@@ -60,26 +60,19 @@ void read_clips(timeline_row& row, bool hides_filtered_out) {
     shown.reserve(records.size());
     row.palette.clear();
     row.extras.clear();
-    row.hidden_selected = 0;
     row.extras.reserve(records.size());
     row_palette palette(row.palette);
     std::uint32_t index = 0;
     std::uint32_t passing = 0;
     for (const clip_pointer& record : records) {
         const auto colour = record->col();
-        const bool passes = record->filtered_in();
+        const bool passes = view.verdicts().passes(*record);
         const track_clip clip{record->secs_start(), record->secs_end(), index++,
                               palette.number_of(colour ? to_qt(*colour) : row.colour), !passes};
         const bool hidden = !passes && hides_filtered_out;
         passing += passes ? 1 : 0;
         if (!hidden) (passes ? shown : dimmed).push_back(clip);
-        if (record->selected()) {
-            if (hidden) {
-                ++row.hidden_selected;
-            } else {
-                selected.push_back(clip);
-            }
-        }
+        if (!hidden && view.selection().contains(*record)) selected.push_back(clip);
         auto extras = static_cast<std::uint8_t>(std::clamp(record->stars(), 0, most_stars));
         if (!record->note_text().empty()) extras |= timeline_row::has_note;
         if (!passes) extras |= timeline_row::is_filtered_out;
@@ -92,19 +85,20 @@ void read_clips(timeline_row& row, bool hides_filtered_out) {
     row.selected.assign(std::move(selected));
 }
 
-bool has_other_verdicts(const timeline_row& row) {
+bool has_other_verdicts(const timeline_row& row, const clip_verdicts& verdicts) {
     if (!row.record || row.record->clips().size() != row.extras.size()) return false;
     auto extras = row.extras.begin();
     for (const clip_pointer& clip : row.record->clips()) {
         const bool passed = (*extras++ & timeline_row::is_filtered_out) == 0;
-        if (clip->filtered_in_now() != passed) return true;
+        if (verdicts.passes(*clip) != passed) return true;
     }
     return false;
 }
 
 }  // namespace
 
-void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, rows_display display) {
+void timeline_rows::read(const clip_view& view, const theme& look, rows_display display) {
+    const sxy_DATA_root& timeline = view.timeline();
     rows_.clear();
     display_ = display;
     int top = 0;
@@ -122,32 +116,38 @@ void timeline_rows::read(const sxy_DATA_root& timeline, const theme& look, rows_
         row.height = height_of(*record, display.is_compact);
         row.record = record;
         row.merged = merged_colours(*record, look);
-        read_clips(row, display.hides_filtered_out);
+        read_clips(row, view, display.hides_filtered_out);
         top += row.height;
         rows_.push_back(std::move(row));
     }
     read_live(timeline);
 }
 
-void timeline_rows::update(const sxy_DATA_root& timeline, const change_set& change, const theme& look) {
+void timeline_rows::update(const clip_view& view, const change_set& change, const theme& look) {
     if ((change.kinds & change_set::rows_changed) != 0) {
-        read(timeline, look, display_);
+        read(view, look, display_);
         return;
     }
     for (const shared_text& uuid : change.rows) {
         const std::size_t index = row_with(uuid);
         if (index == size()) continue;
-        rows_[index].record = timeline.row(uuid);
-        read_clips(rows_[index], display_.hides_filtered_out);
+        rows_[index].record = view.timeline().row(uuid);
+        read_clips(rows_[index], view, display_.hides_filtered_out);
     }
-    read_live(timeline);
+    read_live(view.timeline());
 }
 
-bool timeline_rows::take_verdicts() {
+void timeline_rows::take_selection(const clip_view& view, const clip_selection::rows& touched) {
+    for (timeline_row& row : rows_) {
+        if (touched.contains(row.uuid)) read_clips(row, view, display_.hides_filtered_out);
+    }
+}
+
+bool timeline_rows::take_verdicts(const clip_view& view) {
     bool changed = false;
     for (timeline_row& row : rows_) {
-        if (!has_other_verdicts(row)) continue;
-        read_clips(row, display_.hides_filtered_out);
+        if (!has_other_verdicts(row, view.verdicts())) continue;
+        read_clips(row, view, display_.hides_filtered_out);
         changed = true;
     }
     return changed;

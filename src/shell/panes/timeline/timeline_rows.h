@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "app/event/clip_view.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_tracks.h"
 #include "timeline/edits/timeline_edit.h"
@@ -30,7 +31,6 @@ struct timeline_row {
     clip_track shown;                  // all clips, or those that pass the filter
     clip_track dimmed;                 // those that do not, unless they are hidden
     clip_track selected;               // those that are not hidden
-    std::uint32_t hidden_selected = 0;
     std::vector<live_piece> live;
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
@@ -49,15 +49,17 @@ struct rows_display {
     bool hides_filtered_out = false;  // clips that do not pass the filter are left out, not dimmed
 };
 
-// The rows of a timeline as they are drawn. Main thread.
+// The rows of a timeline as they are drawn in one view. Main thread.
 class timeline_rows {
   public:
     // All rows anew; hidden rows are left out.
-    void read(const sxy_DATA_root& timeline, const theme& look, rows_display display);
+    void read(const clip_view& view, const theme& look, rows_display display);
     // The rows in which another clip passes the filter than when they were read. Whether there was one.
-    bool take_verdicts();
+    bool take_verdicts(const clip_view& view);
     // What the change touched.
-    void update(const sxy_DATA_root& timeline, const change_set& change, const theme& look);
+    void update(const clip_view& view, const change_set& change, const theme& look);
+    // Rows in which other clips are selected.
+    void take_selection(const clip_view& view, const clip_selection::rows& touched);
     void clear();
 
     std::size_t size() const { return rows_.size(); }

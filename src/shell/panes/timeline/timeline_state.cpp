@@ -40,15 +40,19 @@ timeline_state::timeline_state() {
     theme_changed_ = theme::changed().connect([this] { read_rows(); });
 }
 
-void timeline_state::set_timeline(timeline_document* document, transport* playing) {
-    document_ = document;
+void timeline_state::set_timeline(clip_view* view, transport* playing) {
+    view_ = view;
+    document_ = view ? &view->document() : nullptr;
     playing_ = playing;
     changed_.disconnect();
-    last_selected_.clear();
+    selection_.disconnect();
     first_y_ = 0;
     fits_ = true;
-    if (document_)
+    if (view_) {
         changed_ = document_->changed.connect([this](const change_set& change) { take_change(change); });
+        selection_ = view_->selection().changed.connect(
+            [this](const clip_selection::rows& touched) { take_selection(touched); });
+    }
     playhead_ = playing_ ? playing_->shown_time() : 0;
     read_rows();
     selection_changed.emit();
@@ -130,7 +134,7 @@ void timeline_state::set_compact(bool compact) {
 void timeline_state::set_hides_filtered_out(bool hides) {
     if (hides == display_.hides_filtered_out) return;
     display_.hides_filtered_out = hides;
-    refresh_marks();
+    read_again();
 }
 
 void timeline_state::set_is_filtered(bool filtered) {
@@ -140,7 +144,7 @@ void timeline_state::set_is_filtered(bool filtered) {
 }
 
 void timeline_state::take_verdicts() {
-    if (!document_ || !rows_.take_verdicts()) return;
+    if (!view_ || !rows_.take_verdicts(*view_)) return;
     rows_changed.emit();
     if (display_.hides_filtered_out) selection_changed.emit();
 }
@@ -333,7 +337,7 @@ double timeline_state::snapped(double seconds, const std::string& moving_clip) c
 
 void timeline_state::take_change(const change_set& change) {
     const std::size_t selected_before = selected_count();
-    rows_.update(document_->timeline(), change, theme::current());
+    rows_.update(*view_, change, theme::current());
     scroll_rows_to(first_y_);
     grow_reach();
     rows_changed.emit();
@@ -342,7 +346,7 @@ void timeline_state::take_change(const change_set& change) {
 
 void timeline_state::read_rows() {
     if (document_) {
-        rows_.read(document_->timeline(), theme::current(), display_);
+        rows_.read(*view_, theme::current(), display_);
     } else {
         rows_.clear();
     }

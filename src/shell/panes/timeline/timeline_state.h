@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/event/clip_view.h"
 #include "shell/panes/timeline/timeline_rows.h"
 #include "shell/panes/timeline/timeline_scale.h"
 #include "timeline/files/timeline_document.h"
@@ -14,13 +15,14 @@
 
 namespace vistels {
 
-// What the parts of a timeline pane have in common: the rows as drawn, the scale, the playhead, what is
-// selected. Turns the user's wishes into marks, edits and seeks. Main thread.
+// What the parts of a timeline pane have in common: the rows as drawn, the scale, the playhead, the view that
+// is shown. Turns the user's wishes into a selection, edits and seeks. Main thread.
 class timeline_state {
   public:
     timeline_state();
 
-    void set_timeline(timeline_document* document, transport* playing);
+    // Null: none. Both must outlive their use here.
+    void set_timeline(clip_view* view, transport* playing);
     bool has_timeline() const { return document_ != nullptr; }
 
     // The scale, and what it may show. The width is that of the clips' part.
@@ -41,13 +43,15 @@ class timeline_state {
 
     const timeline_rows& rows() const { return rows_; }
     void set_compact(bool compact);
-    // Clips that do not pass the filter are left out instead of dimmed. What is selected of them stays
-    // marked, but is neither in selected() nor changed by a command until it is seen again.
+    // Clips that do not pass the filter are left out instead of dimmed. What is selected of them stays so,
+    // but is neither in selected() nor changed by a command until it is seen again.
     void set_hides_filtered_out(bool hides);
     bool hides_filtered_out() const { return display_.hides_filtered_out; }
     // Whether a filter is in force, for what is shown only then.
     void set_is_filtered(bool filtered);
     bool is_filtered() const { return is_filtered_; }
+    // Only while there is a timeline.
+    const clip_verdicts& verdicts() const { return view_->verdicts(); }
     // The filter judged anew. Reads only the rows in which that made a difference.
     void take_verdicts();
     int first_y() const { return first_y_; }  // pixels that are scrolled out above
@@ -72,7 +76,7 @@ class timeline_state {
     // All clips that are not hidden.
     void select_all();
     void select_passing();
-    void refresh_marks();
+    void read_again();
     void go_to(const std::string& clip);
     // Selects the clip and scrolls it into view; the playhead stays.
     void show(const std::string& clip);
@@ -117,17 +121,11 @@ class timeline_state {
     void read_rows();
     void grow_reach();
     bool apply(timeline_edit edit);
-    // Sets the mark and adds the clips' rows to `touched`.
-    void mark(const std::vector<std::string>& clips, bool selected, change_set& touched);
-    void show_marks(const change_set& touched);
-    // Takes every mark of being selected away, those of hidden clips too.
-    void unmark_all(change_set& touched);
-    // Marks all clips anew: those for which `wanted` holds.
-    template <class Wanted>
-    void select_where(Wanted wanted);
+    void take_selection(const clip_selection::rows& touched);
     void follow_playhead();
 
-    timeline_document* document_ = nullptr;
+    clip_view* view_ = nullptr;
+    timeline_document* document_ = nullptr;  // of the view
     transport* playing_ = nullptr;
     timeline_scale scale_;
     double width_ = 1;
@@ -145,8 +143,8 @@ class timeline_state {
     bool was_playing_ = false;
     bool follows_ = true;
     bool snaps_ = true;
-    std::string last_selected_;
     connection changed_;
+    connection selection_;
     connection theme_changed_;
 };
 

@@ -26,92 +26,40 @@ std::size_t timeline_state::selected_count() const {
     return count;
 }
 
-void timeline_state::mark(const std::vector<std::string>& clips, bool selected, change_set& touched) {
-    for (const std::string& clip : clips) {
-        const auto place = document_->timeline().find_clip(clip);
-        if (!place || place->is_live) continue;
-        place->clip->set_selected(selected);
-        const bool known =
-            std::find(touched.rows.begin(), touched.rows.end(), place->row) != touched.rows.end();
-        if (!known) touched.rows.push_back(place->row);
-    }
-}
-
-void timeline_state::show_marks(const change_set& touched) {
-    rows_.update(document_->timeline(), touched, theme::current());
+void timeline_state::take_selection(const clip_selection::rows& touched) {
+    rows_.take_selection(*view_, touched);
     rows_changed.emit();
     selection_changed.emit();
 }
 
 void timeline_state::select(const std::vector<std::string>& clips) {
-    if (!document_) return;
-    change_set touched;
-    unmark_all(touched);
-    mark(clips, true, touched);
-    last_selected_ = clips.empty() ? std::string() : clips.back();
-    show_marks(touched);
+    if (view_) view_->selection().select(clips);
 }
 
 void timeline_state::toggle(const std::string& clip) {
-    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    if (!place || place->is_live) return;
-    change_set touched;
-    mark({clip}, !place->clip->selected(), touched);
-    last_selected_ = clip;
-    show_marks(touched);
+    if (view_) view_->selection().toggle(clip);
 }
 
+// A clip between that was filtered out is not meant.
 void timeline_state::extend_to(const std::string& clip) {
-    const auto here = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    const auto from = document_ ? document_->timeline().find_clip(last_selected_) : std::nullopt;
-    if (!here || !from || !(here->row == from->row)) {
-        select({clip});
-        return;
-    }
-    const clip_list& clips = document_->timeline().row(here->row)->clips();
-    const auto [first, last] = std::minmax({clips.position(*here->clip), clips.position(*from->clip)});
-    std::vector<std::string> wanted;
-    for (std::size_t index = first; index <= last && index < clips.size(); ++index) {
-        // A clip that was filtered out is meant only when it was clicked itself.
-        const bool is_end = clips[index] == here->clip || clips[index] == from->clip;
-        if (is_end || clips[index]->filtered_in()) wanted.push_back(clips[index]->id());
-    }
-    const std::string anchor = last_selected_;
-    select(wanted);
-    last_selected_ = anchor;
-}
-
-template <class Wanted>
-void timeline_state::select_where(Wanted wanted) {
-    if (!document_) return;
-    for (const row_pointer& row : document_->timeline().rows()) {
-        for (const clip_pointer& clip : row->clips()) clip->set_selected(wanted(*clip));
-    }
-    refresh_marks();
+    if (!view_) return;
+    view_->selection().extend_to(clip, [this](const sxy_CLIP& one) { return verdicts().passes(one); });
 }
 
 void timeline_state::select_all() {
-    select_where([this](const sxy_CLIP& clip) { return !hides_filtered_out() || clip.filtered_in(); });
+    if (!view_) return;
+    view_->selection().select_where(
+        [this](const sxy_CLIP& clip) { return !hides_filtered_out() || verdicts().passes(clip); });
 }
 
 void timeline_state::select_passing() {
-    select_where([](const sxy_CLIP& clip) { return clip.filtered_in(); });
+    if (!view_) return;
+    view_->selection().select_where([this](const sxy_CLIP& clip) { return verdicts().passes(clip); });
 }
 
-void timeline_state::refresh_marks() {
+void timeline_state::read_again() {
     read_rows();
     selection_changed.emit();
-}
-
-void timeline_state::unmark_all(change_set& touched) {
-    std::vector<std::string> clips = selected();
-    for (const timeline_row& row : rows_) {
-        if (row.hidden_selected == 0) continue;
-        for (const clip_pointer& clip : row.record->clips()) {
-            if (clip->selected()) clips.push_back(clip->id());
-        }
-    }
-    mark(clips, false, touched);
 }
 
 void timeline_state::go_to(const std::string& clip) {
@@ -125,7 +73,7 @@ void timeline_state::go_to(const std::string& clip) {
 void timeline_state::show(const std::string& clip) {
     const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
     if (!place) return;
-    if (!place->clip->selected() || selected_count() != 1) select({clip});
+    if (!view_->selection().contains(*place->clip) || selected_count() != 1) select({clip});
     const double start = place->clip->secs_start();
     const double x = scale_.x_of(start);
     if (x < 0 || x > width_) scroll_to(start - width_ / 2 * scale_.seconds_per_pixel);

@@ -120,14 +120,14 @@ void timeline_view::set_filter(filter_entry* entry) {
     count_->follow(entry);
 }
 
-void timeline_view::set_timeline(timeline_document* document, transport* playing) {
-    state_->set_timeline(document, playing);
+void timeline_view::set_timeline(clip_view* view, transport* playing) {
+    state_->set_timeline(view, playing);
     show_counts();
 }
 
-void timeline_view::show_filter(const filter_standing& standing, bool marks_changed) {
+void timeline_view::show_filter(const filter_standing& standing, bool verdicts_changed) {
     const bool is_on = !standing.text.empty();
-    if (marks_changed) state_->take_verdicts();
+    if (verdicts_changed) state_->take_verdicts();
     state_->set_is_filtered(is_on);
     filter_mode_place_->setVisible(is_on);
     mode_->set_can_play(standing.passing > 0);
@@ -200,9 +200,6 @@ void timeline_view::compact_rows() {
 }
 void timeline_view::expand_rows() {
     names_->expand_chosen();
-}
-void timeline_view::refresh_marks() {
-    state_->refresh_marks();
 }
 
 void timeline_view::follow_scale() {

@@ -14,6 +14,7 @@ class QScrollBar;
 
 namespace vistels {
 
+class clip_view;
 class filter_mode_control;
 class filter_entry;
 class filter_count;
@@ -22,7 +23,6 @@ class icon_button;
 class no_clip_passes_note;
 class pane_header;
 class timeline_canvas;
-class timeline_document;
 class timeline_names;
 class timeline_state;
 class timeline_whole_event;
@@ -32,8 +32,7 @@ struct change_set;
 struct filter_standing;
 
 // The timeline pane: header with the zoom, row names, ruler, clips, playhead and the whole event below. It
-// shows a document, sends edits to it and moves a transport. What is selected is kept as the clips' own
-// marks. Main thread.
+// shows a view of a timeline, selects in it, sends edits to the document and moves a transport. Main thread.
 class timeline_view final : public QWidget, public pane {
     Q_OBJECT
   public:
@@ -44,7 +43,7 @@ class timeline_view final : public QWidget, public pane {
     QWidget& widget() override { return *this; }
 
     // Shows another timeline, played by `playing`; null for none. Both must outlive their use here.
-    void set_timeline(timeline_document* document, transport* playing);
+    void set_timeline(clip_view* view, transport* playing);
     // Between which seconds there is a picture: at least this is within reach of the scroll bar.
     void set_reach(double start_seconds, double end_seconds);
     // Takes in the transport's time; called at every display tick, costs nothing while it stands still.
@@ -70,14 +69,12 @@ class timeline_view final : public QWidget, public pane {
     // The rows chosen among the names: shown as one, or as they were before that.
     void compact_rows();
     void expand_rows();
-    // What the filter lets through. With `marks_changed` the clips' verdicts are read anew.
-    void show_filter(const filter_standing& standing, bool marks_changed);
+    // What the filter lets through. With `verdicts_changed` these are read anew.
+    void show_filter(const filter_standing& standing, bool verdicts_changed);
     // Clips that are filtered out are left out instead of dimmed.
     void set_hides_filtered_out(bool hides);
     // Number `playing` (from 1) of the `total` clips that pass plays; 0: none does.
     void show_playing(std::size_t playing, std::size_t total);
-    // Reads the clips' marks (passing, selected) anew after someone else has set them.
-    void refresh_marks();
 
     timeline_state& state() { return *state_; }
     pane_header& header() { return *header_; }
