@@ -1,40 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QImage>
 #include <QPointer>
 #include <QStringList>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <QWidget>
-#include <optional>
+#include <array>
 #include <string>
 #include <vector>
 
-#include "shell/kit/drag_watch.h"
-#include "shell/panes/collection/vistel_geometry.h"
-#include "util/colour_text.h"
-
-class QScrollBar;
+#include "shell/panes/collection/collection_geometry.h"
+#include "shell/panes/collection/collection_input.h"
+#include "shell/panes/collection/collection_layers.h"
+#include "shell/panes/collection/collection_scrolling.h"
+#include "shell/panes/collection/vistel_tile.h"
 
 namespace vistels {
-
-// What the collection's view shows of one vistel.
-struct shown_vistel {
-    std::string uuid;
-    QString name;             // as on its chip: "1 Wide"; empty: it has no chip
-    rectangle frame;          // as fractions of the video area
-    QString problem;          // why it cannot be shown; empty when it can
-    bool has_sound = false;   // it is the one that is heard
-    int order = 0;            // the greater covers the smaller
-    bool is_waiting = false;  // its movie is not ready yet: shown at low opacity
-};
 
 // All vistels of a collection as laid out. Pictures come scaled to picture_size() and are painted as they
 // are. Double click enlarges a vistel and puts it back; a drag of a vistel's name moves it, one of its edges
 // resizes it; while aligning, a drag of its picture shifts its movie. Movies can be dropped on it. Where the
 // layout scrolls, the wheel, the bar at its right and a drag near its upper or lower edge do so. It changes
-// nothing by itself: what the user wants is told by signals. Main thread.
+// nothing by itself: what the user wants is told by signals. Drawn in layers over one geometry; input and
+// scrolling are apart. Main thread.
 class collection_view : public QWidget {
     Q_OBJECT
   public:
@@ -72,7 +61,7 @@ class collection_view : public QWidget {
     void set_current(const std::string& vistel);
     // While aligning, pictures are dragged, not frames.
     void set_aligning(bool aligning);
-    bool is_aligning() const { return aligning_; }
+    bool is_aligning() const { return handling_.is_aligning; }
     // Words drawn large in a vistel, such as the time that it is shifted by; empty: none.
     void set_note(const std::string& vistel, const QString& words);
     QString note_in(const std::string& vistel) const;
@@ -85,7 +74,7 @@ class collection_view : public QWidget {
     vistel_arrangement arrangement() const;
     // Width to height of the vistel's picture, as far as it is known.
     double picture_aspect() const;
-    bool is_dragging() const { return drag_.has_value(); }
+    bool is_dragging() const { return handling_.drag.has_value(); }
 
     // How far it is scrolled, in logical pixels. What is wanted beyond what there is counts again when there
     // is more: in a higher view, or in another layout.
@@ -148,97 +137,30 @@ class collection_view : public QWidget {
     bool event(QEvent* event) override;
 
   private:
-    struct tile {
-        shown_vistel vistel;
-        QImage picture;
-        double aspect = 16.0 / 9;
-        bool in_gap = false;
-        double gap_end = 0;
-        bool marks_start = false;
-        bool is_over = false;
-        QString note;
-        QImage overlay;
-        rectangle overlay_frame;
-        double overlay_opacity = 1;
-    };
-    // A drag from the press on.
-    struct dragging {
-        std::string vistel;
-        frame_drag frame;
-        QPoint pressed;
-        QPoint from;  // the same place in the video area
-        QPoint pointer;
-        Qt::KeyboardModifiers keys;
-        bool shifts = false;  // the movie, not the frame
-        bool moves = false;   // it went farther than a click does
-        double pixels = 0;    // across, since the press
-        dragged_frame now;
-    };
-
-    tile* find(const std::string& vistel);
-    const tile* find(const std::string& vistel) const;
-    const tile* tile_at(const QPoint& point) const;
-    std::vector<const tile*> from_back() const;
-    QRect home_of(const tile& one) const;
-    QRect place(const tile& one) const;
-    QRect chip_in(const QRect& view, const tile& one) const;
-    static QString chip_words_of(const tile& one);
-    frame_grip grip_at(const tile& one, const QPoint& point) const;
+    vistel_tile* find(const std::string& vistel);
+    const vistel_tile* find(const std::string& vistel) const;
+    void update_place(const std::string& vistel);
     void lay_out();
-    void make_bar();
-    void place_area();
-    void show_bar();
-    void follow_bar(int value);
-    bool can_scroll() const;
-    void scroll_at_edge(const QPoint& point);
-    void scroll_on();
-    void paint_tile(QPainter& painter, const tile& one) const;
-    void paint_words(QPainter& painter, const QRect& view, const tile& one) const;
-    void paint_gap(QPainter& painter, const QRect& view, const tile& one) const;
-    void paint_overlay(QPainter& painter, const QRect& view, const tile& one) const;
-    void paint_chip(QPainter& painter, const QRect& view, const tile& one) const;
-    void paint_note(QPainter& painter, const QRect& view, const tile& one) const;
-    void paint_ring(QPainter& painter, const QRect& view) const;
-    void paint_grips(QPainter& painter) const;
-    void paint_drop(QPainter& painter) const;
+    void follow_scroll(int offset);
+    void end_growth();
     void start_ring(const std::string& vistel);
-    void hover(const QPoint& point);
-    frame_drag drag_of(const tile& one, frame_grip grip) const;
-    void drag_to(const QPoint& point, Qt::KeyboardModifiers keys);
-    void end_drag(bool keeps);
-    void ask_layout(const std::string& vistel, const rectangle& frame, const QString& name);
-    bool takes_key(const QKeyEvent& event) const;
-    void choose_next(int direction);
-    void move_by_key(const QKeyEvent& event);
-    void show_drop(const std::optional<std::string>& vistel);
-    void hold_drop(const QPoint& point);
+    void paint_empty(QPainter& painter) const;
+    void paint_vistel(QPainter& painter, const std::string& vistel) const;
 
-    std::vector<tile> tiles_;
-    double ratio_ = 0;
-    bool scrolls_ = false;
-    QRect area_;  // where it lies now: scrolled, it begins above the view
-    QScrollBar* bar_;
-    double top_widths_ = 0;                // what is scrolled away at the top, in widths of the area
-    std::optional<double> wanted_offset_;  // in pixels, as long as the user has not scrolled
-    double wheel_rest_ = 0;                // pixels
-    QTimer edge_time_{this};
-    int edge_step_ = 0;  // pixels each time
-    QPoint drop_pointer_;
-    std::string enlarged_;
-    std::string leaving_;  // the one on its way back
+    std::vector<vistel_tile> tiles_;
+    collection_geometry geometry_;
+    collection_handling handling_;
+    picture_layer pictures_;
+    chip_layer chips_{handling_};
+    selection_layer selection_{geometry_, handling_, [this] { return current(); }};
+    // From below.
+    const std::array<const collection_layer*, 3> layers_{&pictures_, &chips_, &selection_};
+    collection_scrolling scrolling_{*this, geometry_};
+    collection_input input_{*this, geometry_, handling_, scrolling_};
     QVariantAnimation growth_;
-    std::string ringed_;
     QTimer ring_time_;
     QPointer<QWidget> middle_;
-    std::string current_;
-    bool aligning_ = false;
-    bool changeable_ = true;
     bool has_collection_ = false;
-    std::string hovered_;
-    frame_grip hovered_grip_;
-    std::optional<dragging> drag_;
-    drag_watch watch_{*this, [this] { end_drag(false); }};
-    std::optional<std::string> drop_;  // movies are held over this vistel, or (empty) beside all
 };
 
 }  // namespace vistels
