@@ -6,11 +6,13 @@
 #include "shell/event/read_only_guard.h"
 #include "shell/event/timeline_binder.h"
 #include "shell/event/window_binder.h"
+#include "shell/filter/filter_entry.h"
 #include "shell/filter/filter_field.h"
 #include "shell/panes/code_window/code_window_canvas.h"
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
+#include "shell/panes/inspector/clip_title_block.h"
 #include "shell/panes/inspector/inspector_view.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
@@ -139,6 +141,55 @@ TEST_F(several_panes, commands_act_on_the_timeline_that_was_used_last) {
     host().remove(second);
     EXPECT_EQ(&window->timeline(), &first);
     EXPECT_EQ(inspector.entry(), first.filter().entry());
+}
+
+TEST_F(several_panes, two_timelines_have_two_filters_and_two_selections) {
+    timeline_view& first = window->timeline();
+    insert_clip("Shot", "one");
+    insert_clip("Pass", "two");
+    auto& second = add<timeline_view>(pane_kind::timeline);
+    const auto filter = [&](timeline_view& view, const char* text) {
+        view.filter().focus();
+        ASSERT_TRUE(view.filter().entry()->apply(QString::fromLatin1(text)));
+        for (auto* one : window->session().binders().all_of<timeline_binder>()) {
+            ASSERT_TRUE(comes_true([&] { return !one->shown()->filtering().standing().is_judging; }));
+        }
+    };
+    const auto passing = [](timeline_view& view) {
+        std::string rows;
+        for (const timeline_row& row : view.state().rows()) {
+            if (row.passing > 0) rows += row.name.toStdString() + " ";
+        }
+        return rows;
+    };
+    filter(first, "[RN]\"Shot\"");
+    EXPECT_EQ(passing(first) + "| " + passing(second), "Shot | Pass Shot ");
+    filter(second, "[RN]\"Pass\"");
+    EXPECT_EQ(passing(first) + "| " + passing(second), "Shot | Pass ");
+    insert_clip("Shot again", "three");
+    EXPECT_EQ(passing(first) + "| " + passing(second), "Shot | Pass ");
+    first.select({"one"});
+    second.select_passing();
+    EXPECT_EQ(first.state().selected(), names{"one"});
+    EXPECT_EQ(second.state().selected(), names{"two"});
+    // The inspector and the player go by the one that was used last; the clips' marks by the main one.
+    const auto title = [&] {
+        return window->findChild<clip_title_block*>(QStringLiteral("inspector.title"))->accessibleName();
+    };
+    EXPECT_TRUE(title().startsWith(QStringLiteral("Pass 1"))) << title().toStdString();
+    const sxy_DATA_root& timeline = event().timeline().timeline();
+    EXPECT_TRUE(timeline.find_clip("one")->clip->selected() &&
+                timeline.find_clip("one")->clip->filtered_in());
+    EXPECT_FALSE(timeline.find_clip("two")->clip->selected() ||
+                 timeline.find_clip("two")->clip->filtered_in());
+    window->actions()[command::delete_clips]->trigger();
+    EXPECT_FALSE(timeline.find_clip("two")) << "deleted where it was selected";
+    EXPECT_TRUE(timeline.find_clip("one"));
+    ASSERT_TRUE(event().undo().undo());
+    EXPECT_EQ(second.state().selected(), names{"two"}) << "it comes back selected where it was";
+    host().remove(second);
+    EXPECT_TRUE(title().startsWith(QStringLiteral("Shot 1"))) << title().toStdString();
+    EXPECT_EQ(passing(first), "Shot ");
 }
 
 TEST_F(several_panes, a_picture_is_as_large_as_the_largest_pane_wants_it) {

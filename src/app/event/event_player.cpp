@@ -29,6 +29,7 @@ void event_player::set_event(open_event* event) {
     play_until_.reset();
     plays_list_ = false;
     event_ = event;
+    followed_ = nullptr;
     if (!event_) return;
     task_ = std::make_unique<tick_task>(event_->playback().ticks(), tick_step::time, [this] { tick(); });
     state_ = event_->playback().state_changed.connect(
@@ -114,9 +115,22 @@ void event_player::set_looping(bool looping) {
     looping_changed.emit();
 }
 
+const clip_selection& event_player::selection() const {
+    return followed_ ? *followed_ : std::as_const(event_->view().selection());
+}
+
+void event_player::follow_selection(const clip_selection& selection) {
+    followed_ = &selection;
+    follow_selection();
+}
+
+void event_player::forget_selection(const clip_selection& gone) {
+    if (followed_ == &gone) followed_ = nullptr;
+}
+
 void event_player::follow_selection() {
     if (!event_ || !looping_) return;
-    const auto chosen = event_->view().selection().clips();
+    const auto chosen = selection().clips();
     const bool one = chosen.size() == 1;
     loop_.start = one ? chosen.front().clip->secs_start() : event_->start_seconds();
     loop_.end = one ? chosen.front().clip->secs_end() : event_->end_seconds();
@@ -125,7 +139,7 @@ void event_player::follow_selection() {
 void event_player::play_clip(const std::string& clip) {
     if (!event_) return;
     const sxy_DATA_root& timeline = event_->timeline().timeline();
-    const auto chosen = clip.empty() ? event_->view().selection().clips() : std::vector<clip_place>();
+    const auto chosen = clip.empty() ? selection().clips() : std::vector<clip_place>();
     const auto place = !clip.empty()    ? timeline.find_clip(clip)
                        : chosen.empty() ? std::nullopt
                                         : std::optional(chosen.front());

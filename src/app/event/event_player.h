@@ -11,6 +11,7 @@
 
 namespace vistels {
 
+class clip_selection;
 class open_event;
 
 // What a person does to playback of the event in a window: transport, rates, loop, volume, one clip played.
@@ -44,6 +45,10 @@ class event_player {
     bool is_looping() const { return looping_; }
     // The selected clips, or their times, are others.
     void follow_selection();
+    // They are those of this view from now on, until it is forgotten or another event is shown; before that,
+    // those of the event's main view.
+    void follow_selection(const clip_selection& selection);
+    void forget_selection(const clip_selection& gone);
     // Plays a clip forwards from its start and stops at its end; another command of a person ends that.
     // Without a name: the first that is selected. Nothing when there is no such clip.
     void play_clip(const std::string& clip = {});
@@ -85,8 +90,11 @@ class event_player {
     void tick();
     void apply_volume();
 
+    const clip_selection& selection() const;
+
     open_event* event_ = nullptr;
-    std::unique_ptr<tick_task> task_;  // while the event plays
+    const clip_selection* followed_ = nullptr;  // null: the main view's
+    std::unique_ptr<tick_task> task_;           // while the event plays
     connection state_;
     bool looping_ = false;
     stretch loop_;                      // what is played again and again

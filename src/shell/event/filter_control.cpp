@@ -19,12 +19,12 @@ filter_control::filter_control(timeline_view& timeline, run_loop& loop) : timeli
 
 filter_control::~filter_control() = default;
 
-void filter_control::set_event(open_event* event) {
+void filter_control::set_event(open_event* event, clip_view* view) {
     play_all(false);
     connections_.clear();
     list_.reset();
     event_ = event;
-    filtering_ = event ? &event->filtering() : nullptr;
+    filtering_ = event ? &view->filtering() : nullptr;
     if (event) {
         list_ = std::make_unique<clip_playlist>(event->playback(), event->playback().ticks(), loop_.time());
         connections_.push_back(list_->changed.connect([this] { follow_list(); }));

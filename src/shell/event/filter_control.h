@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "app/event/clip_filtering.h"
 #include "app/event/clip_playlist.h"
+#include "app/event/clip_view.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 
@@ -25,8 +25,8 @@ class filter_control : public QObject {
     filter_control(timeline_view& timeline, run_loop& loop);
     ~filter_control() override;
 
-    // Null: none is open. The event must outlive its use here.
-    void set_event(open_event* event);
+    // Null: none is open. Both must outlive their use here; `view` is the one that the timeline shows.
+    void set_event(open_event* event, clip_view* view);
 
     bool is_on() const;
     // The clips that pass; without a filter all.
@@ -66,7 +66,7 @@ class filter_control : public QObject {
     timeline_view& timeline_;
     run_loop& loop_;
     open_event* event_ = nullptr;
-    clip_filtering* filtering_ = nullptr;
+    clip_filtering* filtering_ = nullptr;  // of the view
     filter_standing shown_;
     bool hides_ = false;
     std::vector<connection> connections_;

@@ -32,8 +32,13 @@ pane* inspector_binder::shown_in() {
 
 void inspector_binder::show(open_event* event) {
     event_ = event;
-    if (!event) return view_.set_view(nullptr, {});
-    view_.set_view(&event->view(), [&playback = event->playback()] { return playback.collection_time(); });
+    show_view();
+}
+
+void inspector_binder::show_view() {
+    if (!event_) return view_.set_view(nullptr, {});
+    clip_view* const shown = followed_ ? followed_->shown() : &event_->view();
+    view_.set_view(shown, [&playback = event_->playback()] { return playback.collection_time(); });
 }
 
 void inspector_binder::follow_timeline() {
@@ -41,7 +46,10 @@ void inspector_binder::follow_timeline() {
     if (now == followed_) return;
     followed_ = now;
     following_ = std::make_unique<QObject>();
+    shown_changed_.disconnect();
     view_.set_filter(now ? &now->filter_text() : nullptr);
+    if (now) shown_changed_ = now->shown_changed.connect([this] { show_view(); });
+    show_view();
     if (!now) return;
     filter_control* filter = &now->filter();
     const auto show_filter = [this, filter] { view_.show_filter(filter->is_on(), filter->hides()); };

@@ -13,7 +13,8 @@ class event_session;
 class inspector_view;
 class timeline_binder;
 
-// Shows in a pane what is selected in the event's current timeline, and that timeline's filter. Main thread.
+// Shows in a pane what is selected in the current timeline's view, and that timeline's filter; without a
+// timeline what is selected in the event's main view. Main thread.
 class inspector_binder final : public QObject, public event_binder {
   public:
     // View and session must outlive this.
@@ -27,6 +28,7 @@ class inspector_binder final : public QObject, public event_binder {
 
   private:
     void follow_timeline();
+    void show_view();
 
     inspector_view& view_;
     event_session& session_;
@@ -34,6 +36,7 @@ class inspector_binder final : public QObject, public event_binder {
     timeline_binder* followed_ = nullptr;
     std::unique_ptr<QObject> following_;  // its connections are those to the timeline followed
     connection panes_changed_;
+    connection shown_changed_;  // of the timeline followed
 };
 
 }  // namespace vistels

@@ -44,8 +44,8 @@ void timeline_binder::connect_view() {
     event_notices& notices = session_.notices();
     connect(&view_, &timeline_view::failed, this,
             [&notices](const QString& why) { notices.refuse_change(why); });
-    connect(&view_, &timeline_view::selection_changed, this,
-            [this] { session_.player().follow_selection(); });
+    connect(&view_, &timeline_view::selection_changed, this, &timeline_binder::lead_player);
+    lasting_.push_back(session_.binders().changed.connect([this] { lead_player(); }));
     connect(&view_, &timeline_view::clear_filter_asked, text_.get(), &filter_entry::clear);
     connect(text_.get(), &filter_entry::failed, this,
             [&notices](const QString& headline, const QString& message) {
@@ -67,15 +67,34 @@ void timeline_binder::connect_view() {
 void timeline_binder::show(open_event* event) {
     tick_.reset();
     reach_changed_.disconnect();
-    if (!event) filter_->set_event(nullptr);
+    if (!event) filter_->set_event(nullptr, nullptr);
+    if (shown_) session_.player().forget_selection(shown_->selection());
     event_ = event;
-    view_.set_timeline(event ? &event->view() : nullptr, event ? &event->playback() : nullptr);
-    text_->set_source(event ? &event->filtering() : nullptr, event ? &event->timeline() : nullptr);
-    if (!event) return;
-    filter_->set_event(event);
+    shown_ = event ? take_view() : nullptr;
+    view_.set_timeline(shown_, event ? &event->playback() : nullptr);
+    text_->set_source(event ? &shown_->filtering() : nullptr, event ? &event->timeline() : nullptr);
+    shown_changed.emit();
+    if (!event) return own_.reset();
+    filter_->set_event(event, shown_);
     reach_changed_ = session_.reach()->changed.connect([this] { show_reach(); });
     show_reach();
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
+}
+
+// The main one, unless another pane shows that.
+clip_view* timeline_binder::take_view() {
+    for (timeline_binder* one : session_.binders().all_of<timeline_binder>()) {
+        if (one == this || one->shown_ != &event_->view()) continue;
+        own_ = std::make_unique<clip_view>(event_->timeline(), session_.loop(), view_kind::further);
+        return own_.get();
+    }
+    return &event_->view();
+}
+
+// What is selected in the timeline that was used last is played.
+void timeline_binder::lead_player() {
+    const bool leads = session_.binders().current<timeline_binder>() == this;
+    if (leads && shown_) session_.player().follow_selection(shown_->selection());
 }
 
 void timeline_binder::show_reach() {
@@ -84,7 +103,9 @@ void timeline_binder::show_reach() {
 
 void timeline_binder::play_selected() {
     const auto seen = view_.state().selected();
-    session_.player().play_clip(seen.empty() ? std::string() : seen.front());
+    if (!seen.empty()) return session_.player().play_clip(seen.front());
+    const auto all = shown_ ? shown_->selection().clips() : std::vector<clip_place>();
+    if (!all.empty()) session_.player().play_clip(all.front().clip->id());
 }
 
 void timeline_binder::mark_clip(bool start) {

@@ -11,6 +11,7 @@
 
 namespace vistels {
 
+class clip_view;
 class event_session;
 class filter_control;
 class filter_entry;
@@ -30,22 +31,30 @@ class timeline_binder final : public QObject, public event_binder {
     pane* shown_in() override;
 
     timeline_view& view() { return view_; }
+    // What is filtered and selected in the pane; null: no event is open. Of several panes that show one event
+    // one has the event's main view, the others views of their own.
+    clip_view* shown() { return shown_; }
+    signal<> shown_changed;
     // The text of its filter, which other fields may show as well.
     filter_entry& filter_text() { return *text_; }
     filter_control& filter() { return *filter_; }
-    // Of those selected the first that is seen; else the one that an inspector alone shows.
+    // Of those selected in it the first that is seen; else the one that an inspector alone shows.
     void play_selected();
     // The start or the end of the selected clips is moved to the playhead.
     void mark_clip(bool start);
 
   private:
     void connect_view();
+    clip_view* take_view();
+    void lead_player();
     void show_reach();
 
     timeline_view& view_;
     event_session& session_;
     open_event* event_ = nullptr;
-    read_only_mark* read_only_;  // in the pane's header
+    clip_view* shown_ = nullptr;
+    std::unique_ptr<clip_view> own_;  // null: it shows the main one
+    read_only_mark* read_only_;       // in the pane's header
     std::unique_ptr<filter_entry> text_;
     std::unique_ptr<filter_control> filter_;
     std::unique_ptr<pane_tick> tick_;
