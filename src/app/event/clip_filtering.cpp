@@ -131,13 +131,21 @@ void clip_filtering::arrive(const std::shared_ptr<running_job>& arrived) {
     standing_.text = arrived->text;
     standing_.is_judging = false;
     remember_rows();
-    for (const auto& row : arrived->touched_rows) {
-        passing_in_.erase(row);
-        if (verdicts_.filter()->looks_at_rows()) judge_row(row);
-    }
+    judge_changed_rows(*arrived->found);
+    for (const auto& row : arrived->touched_rows) passing_in_.erase(row);
     for (const auto& clip : arrived->touched_clips) judge_clip(clip);
     count();
     tell(before, true);
+}
+
+// Of rows that changed since they were judged, by what the filter before said of them or by an edit that was
+// refused and taken back, which is not told: their clips may be copies of those that were judged.
+void clip_filtering::judge_changed_rows(const passing_clips& judged) {
+    for (const auto& one : judged.rows) {
+        const auto uuid = one.row->uuid();
+        const auto now = document_.timeline().row(uuid);
+        if (now && now != one.row) judge_row(uuid);
+    }
 }
 
 void clip_filtering::remember_rows() {

@@ -78,6 +78,7 @@ class clip_filtering {
     void judge_clip(const std::string& uuid);
     void judge_row(const shared_text& uuid);
     void judge_renamed_rows(const std::vector<shared_text>& rows);
+    void judge_changed_rows(const passing_clips& judged);
     void remember_rows();
     void count();
     void tell(const filter_standing& before, bool verdicts_changed);
