@@ -55,7 +55,7 @@ property_dictionary vistel_document(const single_Vistel_CTR& vistel,
     return one;
 }
 
-property_dictionary collection_document(const loaded_collection& loaded) {
+property_dictionary document_of(const loaded_collection& loaded) {
     const auto& collection = loaded.collection;
     const auto items = offsets_of(collection);
     property_dictionary printed;
@@ -202,7 +202,7 @@ void register_changes_and_range(CLI::App& collection, command_line& line) {
 result<command_outcome> show_collection(const std::string& folder, const home_places& places) {
     const auto loaded = load_collection(folder, places.local_vistels());
     if (!loaded) return loaded.error();
-    return command_outcome{collection_document(loaded.value())};
+    return command_outcome{document_of(loaded.value())};
 }
 
 void register_collection_commands(CLI::App& program, command_line& line) {

@@ -40,19 +40,13 @@ result<void> headless_changes::open(const std::string& folder, const home_places
     if (timeline_->is_read_only()) return failure{timeline_->read_only_reason()};
     for (const auto& message : timeline_->messages()) std::cerr << message << '\n';
     if (auto loaded = load(places); !loaded) return loaded;
-    // What the timeline's file holds the journal forgets: it waits for the collection.
-    using companion = timeline_document::save_companion;
-    timeline_->set_save_companion([this]() -> result<companion> {
-        if (is_saved_) return companion();
-        return failure{"The timeline in \"" + folder_ + "\" was not saved: its collection could not be."};
-    });
-    is_saved_ = !collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
-    changes_ = std::make_unique<collection_changes>(collection_, *timeline_, *blank_movie_,
-                                                    [this] { return save(); });
+    // Saved with the next save even if there is nothing to change.
+    collection_->set_keeper(*timeline_);
+    collection_->take_up_recovered(timeline_->recovered_others());
+    changes_ = std::make_unique<collection_changes>(*collection_, *timeline_);
     made_ = changes_->made.connect([this](double shift) {
         is_made_ = true;
-        is_saved_ = false;
-        collection_.set_movie_time(collection_.movie_time() + shift);
+        collection_->record().set_movie_time(collection_->record().movie_time() + shift);
         timeline_->header().cursor_seconds += shift;
     });
     return {};
@@ -61,35 +55,31 @@ result<void> headless_changes::open(const std::string& folder, const home_places
 result<void> headless_changes::load(const home_places& places) {
     auto loaded = load_collection(folder_, places.local_vistels());
     if (!loaded) return loaded.error();
-    collection_ = std::move(loaded.value().collection);
+    collection_ = std::make_unique<collection_document>(folder_, loop_);
+    collection_->set_blank_movie(*blank_movie_);
+    collection_->take_up(std::move(loaded.value().collection));
     return {};
 }
 
 result<void> headless_changes::make(const collection_change& change) {
     if (!timeline_) return make_alone(change);
     if (auto made = changes_->make(change); !made) return made;
-    // What opening brought back is saved even if there was nothing to change.
-    if (auto saved = save(); !saved) return saved;
+    if (auto saved = collection_->save_now(); !saved) return saved;
     return timeline_->save_now();
 }
 
-result<void> headless_changes::save() {
-    auto saved = save_collection(collection_, folder_);
-    is_saved_ = is_saved_ || saved;
-    return saved;
-}
-
 result<void> headless_changes::make_alone(const collection_change& change) {
-    auto copy = detached_copy(collection_);
+    auto& collection = collection_->record();
+    auto copy = detached_copy(collection);
     if (auto changed = change.change(copy); !changed) return changed;
-    const double shift = shift_of(change, collection_, copy);
-    if (auto applied = apply_collection_edit(collection_, difference(collection_, copy)); !applied)
-        return applied;
-    collection_.set_movie_time(collection_.movie_time() + shift);
+    const double shift = shift_of(change, collection, copy);
+    auto part = collection_part(collection, difference(collection, copy), difference(copy, collection));
+    if (auto made = collection_->make({change.name, change.scope, {std::move(part)}}); !made) return made;
+    collection.set_movie_time(collection.movie_time() + shift);
     // The collection's record is written before those of its vistels.
     const std::string record = path_join(folder_, collection_file_name);
     const auto before = read_file(record);
-    auto saved = save_collection(collection_, folder_);
+    auto saved = collection_->save_now();
     const auto after = read_file(record);
     is_made_ = saved || !before || !after || before.value() != after.value();
     return saved;

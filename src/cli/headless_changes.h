@@ -11,7 +11,7 @@
 #include "util/result.h"
 #include "util/simulated_run_loop.h"
 #include "video/blank_movie.h"
-#include "video/video_collection_ROOT.h"
+#include "video/collection_document.h"
 
 namespace vistels {
 
@@ -21,7 +21,7 @@ class headless_changes {
     // Fails, too, when another program has the event open.
     result<void> open(const std::string& folder, const home_places& places);
     // Not to be changed but by make().
-    const video_collection_ROOT& collection() const { return collection_; }
+    const video_collection_ROOT& collection() const { return collection_->record(); }
     blank_vistel_movie& blank_movie() { return *blank_movie_; }
     timeline_document* timeline() { return timeline_.get(); }  // null: it has none
     // Makes the change and saves collection and timeline; the playheads move along.
@@ -32,15 +32,13 @@ class headless_changes {
   private:
     result<void> load(const home_places& places);
     result<void> make_alone(const collection_change& change);
-    result<void> save();
 
     bool is_made_ = false;
-    bool is_saved_ = true;  // nothing of the collection is in the timeline's journal alone
     std::string folder_;
     simulated_run_loop loop_;
-    video_collection_ROOT collection_;
-    std::unique_ptr<writer_lock> lock_;            // of a collection without a timeline
-    std::unique_ptr<timeline_document> timeline_;  // null: there is none
+    std::unique_ptr<writer_lock> lock_;                // of a collection without a timeline
+    std::unique_ptr<timeline_document> timeline_;      // null: there is none
+    std::unique_ptr<collection_document> collection_;  // after its keeper
     std::unique_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
     connection made_;

@@ -270,6 +270,16 @@ value_change read_change(const property_dictionary& stored, const char* key) {
     return change;
 }
 
+class collection_change_value final : public document_change {
+  public:
+    explicit collection_change_value(collection_edit edit) : edit_(std::move(edit)) {}
+    const collection_edit& edit() const { return edit_; }
+    property_dictionary stored() const override { return write_collection_edit(edit_); }
+
+  private:
+    collection_edit edit_;
+};
+
 // Which values a change touches, without regard to whether it sets them or takes them away.
 std::vector<std::string> keys_of(const value_change& change) {
     std::vector<std::string> keys;
@@ -365,6 +375,34 @@ collection_edit read_collection_edit(const property_dictionary& stored) {
         }
     }
     return edit;
+}
+
+document_part collection_part(const video_collection_ROOT& collection, collection_edit edit,
+                              collection_edit back) {
+    return {{document_kind::collection, collection.uuid()},
+            std::make_shared<const collection_change_value>(std::move(edit)),
+            std::make_shared<const collection_change_value>(std::move(back))};
+}
+
+collection_edit collection_edit_in(const document_change& change) {
+    if (const auto* own = dynamic_cast<const collection_change_value*>(&change)) return own->edit();
+    return read_collection_edit(change.stored());
+}
+
+std::vector<document_part> parts_of_collection(const std::vector<document_part>& parts,
+                                               const video_collection_ROOT& collection) {
+    std::vector<document_part> own;
+    for (const auto& part : parts) {
+        const std::string& named = part.document.uuid;
+        const bool is_named = named.empty() || collection.uuid().empty() || named == collection.uuid();
+        if (part.document.kind == document_kind::collection && is_named) own.push_back(part);
+    }
+    return own;
+}
+
+bool changes_movie_parts(const collection_edit& edit) {
+    return std::any_of(edit.vistels.begin(), edit.vistels.end(),
+                       [](const vistel_change& change) { return change.parts.has_value(); });
 }
 
 bool sets_the_same(const collection_edit& a, const collection_edit& b) {

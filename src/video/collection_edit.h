@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "document/document_edit.h"
 #include "timeline/form/value_change.h"
 #include "util/property_value.h"
 #include "util/result.h"
@@ -49,6 +50,16 @@ result<void> apply_collection_edit(video_collection_ROOT& collection, const coll
 // The stored form, for the journal and the undo history.
 property_dictionary write_collection_edit(const collection_edit& edit);
 collection_edit read_collection_edit(const property_dictionary& stored);
+
+// The edit as the part of an edit of any documents, with what takes it back.
+document_part collection_part(const video_collection_ROOT& collection, collection_edit edit,
+                              collection_edit back);
+// The edit in such a part's change, also in one that was read.
+collection_edit collection_edit_in(const document_change& change);
+// The parts of an edit that concern the collection.
+std::vector<document_part> parts_of_collection(const std::vector<document_part>& parts,
+                                               const video_collection_ROOT& collection);
+bool changes_movie_parts(const collection_edit& edit);
 
 // True when both set the same values of the same vistels and bring or take none, so that of two after each
 // other the earlier state and the later one make one edit.

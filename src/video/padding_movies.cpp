@@ -286,7 +286,8 @@ std::vector<padding_file> padding_files_of(const video_collection_ROOT& collecti
     return files;
 }
 
-void remove_unused_padding_files(const video_collection_ROOT& collection) {
+void remove_unused_padding_files(const video_collection_ROOT& collection,
+                                 const std::function<bool(const std::string& path)>& remove) {
     const auto used = padding_files_of(collection);
     for (const auto& vistel : collection.vistels()) {
         const std::string folder = vistel->data_folder();
@@ -296,7 +297,9 @@ void remove_unused_padding_files(const video_collection_ROOT& collection) {
             const std::string path = path_join(folder, name);
             const bool is_used = std::any_of(used.begin(), used.end(),
                                              [&](const padding_file& file) { return file.path == path; });
-            if (!is_used) machine_files().remove(path);
+            if (is_used) continue;
+            if (!remove) machine_files().remove(path);
+            if (remove && !remove(path)) return;
         }
     }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,7 +54,9 @@ bool is_padding_file_name(std::string_view name);
 result<void> make_padding_files(const std::vector<padding_file>& files, blank_vistel_movie& blank, job& work);
 // The padding files that the collection's parts name.
 std::vector<padding_file> padding_files_of(const video_collection_ROOT& collection);
-// Deletes the padding files in the folders of the vistels that no part names.
-void remove_unused_padding_files(const video_collection_ROOT& collection);
+// Deletes the padding files in the folders of the vistels that no part names; with `remove`, hands it their
+// paths one after another, until it returns false.
+void remove_unused_padding_files(const video_collection_ROOT& collection,
+                                 const std::function<bool(const std::string& path)>& remove = {});
 
 }  // namespace vistels

@@ -5,13 +5,18 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 
 #include "app/event/offset_changes.h"
 #include "app/event/open_event.h"
+#include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
 #include "logger/press_engine.h"
+#include "support/run_until.h"
+#include "support/stored_collection.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
+#include "timeline/files/journal_lines.h"
 #include "util/simulated_run_loop.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_LOAD.h"
@@ -78,7 +83,10 @@ class changes : public ::testing::Test {
         return text;
     }
     // What another opening finds in the files.
-    video_collection_ROOT saved() { return load_collection(folder).value().collection; }
+    video_collection_ROOT saved() {
+        EXPECT_TRUE(event->save_all());
+        return load_collection(folder).value().collection;
+    }
 
     temporary_folder home;
     const std::string vault = home / "Cup.VVault";
@@ -158,10 +166,10 @@ TEST_F(changes, a_drag_is_one_step_saved_once_and_can_be_cancelled) {
     event->changes().begin("Vistel Offset");
     for (int step = 1; step <= 200; ++step) make(plan_offset_nudge("A", 0.05));
     EXPECT_EQ(testing::file_bytes(folder + "/video group.plist"), record);
-    EXPECT_TRUE(event->changes().end());
+    event->changes().end();
     EXPECT_NEAR(*saved().find_vistel("A")->manual_start_offset(), 10, 1e-9);
     EXPECT_NEAR(clip()->secs_start(), -5, 1e-9);
-    EXPECT_EQ(event->undo().history().undo.back().operations->size(), 2U);
+    EXPECT_EQ(event->undo().history().undo.back().parts->size(), 2U);
     const std::string dragged = state();
     event->changes().begin("Vistel Offset");
     for (int step = 1; step <= 5; ++step) make(plan_offset_nudge("A", -1));
@@ -176,10 +184,13 @@ TEST_F(changes, a_drag_is_one_step_saved_once_and_can_be_cancelled) {
 TEST_F(changes, a_kill_before_the_collection_is_saved_leaves_both_in_step) {
     ASSERT_TRUE(event->save_all());
     temporary_folder killed;
+    auto& collection = event->collection_file();
     std::vector<std::string> records{testing::file_bytes(folder + "/video group.plist")};
     EXPECT_TRUE(event->set_offset("A", 4));
+    EXPECT_TRUE(collection.save_now());
     records.push_back(testing::file_bytes(folder + "/video group.plist"));
     make(plan_removal("B"));
+    EXPECT_TRUE(collection.save_now());
     records.push_back(testing::file_bytes(folder + "/video group.plist"));
     const std::string wanted = state();
     fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
@@ -200,6 +211,134 @@ TEST_F(changes, a_kill_before_the_collection_is_saved_leaves_both_in_step) {
     EXPECT_TRUE(event->undo().undo());
     EXPECT_EQ(clip()->secs_start(), 5);
     EXPECT_EQ(event->collection().vistels().size(), 2U);
+}
+
+// Ctrl+S: what was changed and where the playhead stands is saved while the loop runs on, and told once both
+// are.
+TEST_F(changes, saving_soon_saves_both_and_tells) {
+    make(plan_offset("A", 4));
+    event->playback().seek(9);
+    std::vector<std::string> told;
+    const auto telling =
+        event->save_ended.connect([&](const failure& problem) { told.push_back(problem.message()); });
+    event->save_soon();
+    EXPECT_TRUE(event->has_unsaved_edits());
+    ASSERT_TRUE(testing::comes_about(loop, [&] { return !event->has_unsaved_edits(); }));
+    EXPECT_EQ(told, (std::vector<std::string>{"", ""}));
+    const auto found = load_collection(folder).value().collection;
+    EXPECT_EQ(found.find_vistel("A")->manual_start_offset(), 4);
+    EXPECT_EQ(found.movie_time(), 9);
+    EXPECT_EQ(load_timeline_header(folder).cursor_seconds, 9);
+    // The volume alone, which is no edit.
+    event->set_volume(0.25);
+    EXPECT_TRUE(event->keep_volumes());
+    ASSERT_TRUE(testing::comes_about(loop, [&] { return told.size() == 3; }));
+    EXPECT_EQ(load_collection(folder).value().collection.volume(), 0.25);
+}
+
+// The command line changes a timeline without its collection: what the journal alone held of that is not
+// lost.
+TEST_F(changes, a_timeline_changed_on_its_own_after_a_kill_stays_in_step) {
+    ASSERT_TRUE(event->save_all());
+    EXPECT_TRUE(event->set_offset("A", 4));
+    const std::string wanted = state();
+    const temporary_folder killed;
+    fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+    event.reset();
+    fs::remove_all(vault);
+    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+    fs::remove(folder + "/chron data writer.plist");
+    {
+        // One that knows nothing of collections leaves them to the journal.
+        auto timeline = timeline_document::open(folder, loop);
+        ASSERT_TRUE(timeline);
+        EXPECT_FALSE(timeline.value()->save_now());
+    }
+    {
+        auto timeline = open_linked_timeline(folder, find_home_places(home.path()), loop);
+        ASSERT_TRUE(timeline) << timeline.message();
+        EXPECT_TRUE(timeline.value()->save_now());
+    }
+    reopen();
+    EXPECT_EQ(event->recovered_edits(), 0U);
+    EXPECT_EQ(state(), wanted);
+}
+
+TEST_F(changes, who_takes_over_has_what_was_on_record_alone) {
+    auto second = open_event::open(folder, find_home_places(home.path()), loop);
+    ASSERT_TRUE(second);
+    ASSERT_TRUE(second.value()->timeline().is_read_only());
+    EXPECT_TRUE(event->set_offset("A", 4));
+    ASSERT_TRUE(second.value()->try_to_write(true));
+    EXPECT_EQ(second.value()->collection().find_vistel("A")->manual_start_offset(), 4);
+    EXPECT_EQ(second.value()->timeline().timeline().find_clip("C")->clip->secs_start(), 1);
+    // The one that lost it writes neither file any more.
+    EXPECT_FALSE(event->set_offset("A", 9));
+    event.reset();
+    EXPECT_TRUE(second.value()->save_all());
+    EXPECT_EQ(load_collection(folder).value().collection.find_vistel("A")->manual_start_offset(), 4);
+}
+
+// As journals and undo histories held it before edits named their documents.
+property_dictionary older_form(property_dictionary edit) {
+    property_array all;
+    for (const auto& value : edit.array("documents") ? *edit.array("documents") : property_array()) {
+        property_dictionary one = *value.dictionary();
+        one.remove("kind");
+        one.remove("uuid");
+        one.add("do", "change beside");
+        all.emplace_back(std::move(one));
+    }
+    edit.remove("documents");
+    for (const auto& value : *edit.array("operations")) all.push_back(value);
+    edit.set("operations", std::move(all));
+    return edit;
+}
+
+TEST_F(changes, the_older_form_on_record_is_taken_up) {
+    ASSERT_TRUE(event->save_all());
+    make(plan_offset("A", 4));
+    make(plan_removal("B"));
+    const std::string wanted = state();
+    const temporary_folder killed;
+    fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+    event.reset();
+    fs::remove_all(vault);
+    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+    fs::remove(folder + "/chron data writer.plist");
+    std::size_t edits = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (segment_number(entry.path().filename().string()) == 0) continue;
+        std::istringstream lines(testing::file_bytes(entry.path().string()));
+        std::string rewritten;
+        for (std::string line; std::getline(lines, line);) {
+            std::uint64_t sum = 0;
+            property_dictionary document = *read_line(line, sum).dictionary();
+            if (const auto* edit = document.dictionary("edit")) {
+                ++edits;
+                document.set("edit", older_form(*edit));
+            }
+            rewritten += line_of(document);
+        }
+        EXPECT_EQ(rewritten.find("documents"), std::string::npos);
+        testing::put_file(entry.path().string(), rewritten);
+    }
+    EXPECT_EQ(edits, 2U);
+    reopen();
+    EXPECT_EQ(state(), wanted);
+    // The same for the history, which goes with the file.
+    auto history = write_undo_history(event->undo().history());
+    property_array steps;
+    for (const auto& step : *history.array("undo")) steps.emplace_back(older_form(*step.dictionary()));
+    history.set("undo", std::move(steps));
+    event->undo().restore(read_undo_history(history));
+    EXPECT_TRUE(event->undo().undo());
+    EXPECT_TRUE(event->undo().undo());
+    EXPECT_EQ(clip()->secs_start(), 5);
+    EXPECT_EQ(event->collection().vistels().size(), 2U);
+    EXPECT_TRUE(event->undo().redo());
+    EXPECT_TRUE(event->undo().redo());
+    EXPECT_EQ(state(), wanted);
 }
 
 TEST_F(changes, what_grows_moves_along) {
@@ -230,12 +369,49 @@ TEST_F(changes, a_refused_change_changes_nothing) {
     EXPECT_FALSE(event->changes().make(change));
     EXPECT_EQ(state(), before);
     // So does the collection's part refuse the timeline's.
-    property_dictionary nobody;
-    nobody.add("order", property_array{"X"});
-    EXPECT_FALSE(event->timeline().apply(
-        {"no", "", {operation::shift_times{3}, operation::change_beside{nobody, nobody}}}));
+    collection_edit nobody;
+    nobody.order = {"X"};
+    timeline_edit both{"no", "", {operation::shift_times{3}}};
+    both.others = {collection_part(event->collection(), nobody, nobody)};
+    EXPECT_FALSE(event->timeline().apply(both));
+    // And one of another collection, or of a document that is not open, is not made to this one.
+    const auto other = collection_part(video_collection_ROOT(), {}, {});
+    for (const document_id& id :
+         {document_id{document_kind::collection, "X"}, document_id{document_kind::code_window, ""}}) {
+        both.others = {{id, other.change, other.back}};
+        EXPECT_FALSE(event->timeline().apply(both));
+    }
     EXPECT_EQ(state(), before);
     EXPECT_EQ(saved().find_vistel("A")->manual_start_offset(), std::nullopt);
+}
+
+// A document that no timeline keeps: undo needs no more of it than of any.
+TEST(collection_alone, is_changed_and_taken_back) {
+    const testing::stored_collection stored;
+    simulated_run_loop loop;
+    collection_document document(stored.folder(), loop);
+    document.take_up(stored.load().collection);
+    undo_stack undo(document, loop);
+    const auto rename = [&](const char* name) {
+        auto copy = detached_copy(document.record());
+        copy.vistels().front()->set_name(name);
+        auto part = collection_part(document.record(), difference(document.record(), copy),
+                                    difference(copy, document.record()));
+        EXPECT_TRUE(document.make({"Name", "A", {part}}));
+    };
+    for (const char* name : {"one", "two", "three"}) rename(name);  // soon after each other: one step
+    loop.advance(5);
+    EXPECT_TRUE(document.save_now());
+    EXPECT_EQ(stored.load().collection.vistels().front()->name(), "three");
+    rename("four");
+    EXPECT_TRUE(undo.undo());
+    EXPECT_EQ(document.record().vistels().front()->name(), "three");
+    EXPECT_TRUE(undo.undo());
+    EXPECT_EQ(document.record().vistels().front()->name(), "");
+    EXPECT_FALSE(undo.can_undo());
+    EXPECT_TRUE(undo.redo());
+    EXPECT_TRUE(undo.redo());
+    EXPECT_EQ(document.record().vistels().front()->name(), "four");
 }
 
 TEST_F(changes, nothing_below_the_first_movie_can_be_sought_or_coded) {

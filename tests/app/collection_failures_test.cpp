@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Changes of a collection, and of its timeline with it, on volumes that fail and lose power: both are found
 // as they were before the change, or both as they are after it.
+#include <atomic>
+
 #include "app/event/collection_changes.h"
 #include "app/event/offset_changes.h"
 #include "support/failure_runs.h"
 #include "support/power_loss.h"
 #include "util/safe_write.h"
-#include "video/blank_movie.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -44,9 +45,10 @@ std::string state_found_in(const std::string& folder) {
     auto loaded = load_collection(folder);
     EXPECT_TRUE(loaded) << loaded.message();
     if (!document || !loaded) return {};
-    blank_vistel_movie blank(folder);
-    collection_changes::take_up_recovered(loaded.value().collection, *document, blank);
-    return state_of(document->timeline(), loaded.value().collection);
+    collection_document collection(folder, loop, files);
+    collection.take_up(std::move(loaded.value().collection));
+    collection.take_up_recovered(document->recovered_others());
+    return state_of(document->timeline(), collection.record());
 }
 
 std::string state_left_in(const std::string& folder) {
@@ -55,10 +57,20 @@ std::string state_left_in(const std::string& folder) {
     return state_found_in(grave / "t");
 }
 
+// A volume on which the collection's record cannot be replaced.
+class volume_without_collections : public testing::unsynced_files {
+  public:
+    int open(const std::string& path, int flags, int& descriptor) override {
+        const bool is_refused = refuses && path_name(path).starts_with(collection_file_name) && flags != 0;
+        return is_refused ? EACCES : testing::unsynced_files::open(path, flags, descriptor);
+    }
+    std::atomic<bool> refuses = false;
+};
+
 // A collection of two vistels and its timeline. Every second step changes both, by an offset.
 class coded_collection {
   public:
-    coded_collection(const std::string& folder, file_system& files) : folder_(folder), files_(files) {
+    coded_collection(const std::string& folder, file_system& files) : collection(folder, loop_, files) {
         EXPECT_TRUE(make_folders(folder));
         property_array items;
         for (const char* uuid : {"A", "B"}) {
@@ -71,19 +83,12 @@ class coded_collection {
         record.add("array video group items", std::move(items));
         EXPECT_TRUE(safe_write(path_join(folder, collection_file_name), record, files));
         document = testing::opened(folder, loop_, files);
-        collection = std::move(load_collection(folder).value().collection);
-        changes = std::make_unique<collection_changes>(
-            collection, *document, blank_, [this] { return may_save ? save() : failure{"not to be saved"}; });
-        using companion = timeline_document::save_companion;
-        document->set_save_companion([this]() -> result<companion> {
-            if (auto saved = changes->save_pending(); !saved) return saved.error();
-            return companion();
-        });
+        collection.take_up(std::move(load_collection(folder).value().collection));
+        collection.set_keeper(*document);
+        changes = std::make_unique<collection_changes>(collection, *document);
         EXPECT_TRUE(document->apply({"Row", "", {operation::insert_row{0, testing::row_of("R", "R")}}}));
         EXPECT_TRUE(document->save_now());
     }
-    ~coded_collection() { document->set_save_companion({}); }
-
     result<void> make(std::size_t number) {
         const double seconds = static_cast<double>(number);
         if (number % 2 == 0)
@@ -94,21 +99,15 @@ class coded_collection {
              {operation::insert_clip{shared_text("R"),
                                      testing::clip_of("c" + std::to_string(number), seconds, seconds + 1)}}});
     }
-    std::string state() const { return state_of(document->timeline(), collection); }
+    std::string state() const { return state_of(document->timeline(), collection.record()); }
 
   private:
-    result<void> save() { return save_collection(collection, folder_, files_); }
-
-    const std::string folder_;
-    file_system& files_;
     simulated_run_loop loop_;
-    blank_vistel_movie blank_{folder_};
 
   public:
     std::unique_ptr<timeline_document> document;
-    video_collection_ROOT collection;
+    collection_document collection;
     std::unique_ptr<collection_changes> changes;
-    bool may_save = true;
 };
 
 // The states before the first step and after each.
@@ -124,16 +123,19 @@ std::vector<std::string> all_states() {
     return states;
 }
 
-// Goes on from step `done`, saving after every third.
+// Goes on from step `done`; after one in three the collection is saved while the next is made, after another
+// both are, and waited for.
 void go_on(coded_collection& at, std::size_t& done, const std::vector<std::string>& states) {
     for (; done < step_count; ++done) {
         const auto made = at.make(done);
         const std::string now = at.state();
         if (now == states[done]) {
             EXPECT_FALSE(made);
-            return;  // refused
+            (void)at.collection.save_now();  // so that nothing writes any more
+            return;                          // refused
         }
         ASSERT_EQ(now, states[done + 1]) << made.message();
+        if (done % 3 == 1) at.collection.save_soon();
         if (done % 3 == 2) (void)at.document->save_now();
     }
 }
@@ -166,7 +168,7 @@ TEST(failures, a_failing_call_leaves_collection_and_timeline_in_step) {
         files.set_fault({});
         ASSERT_EQ(state_left_in(folder / "t"), states[done]);
         ASSERT_TRUE(at.document->save_now());
-        ASSERT_TRUE(at.changes->save_pending());
+        ASSERT_TRUE(at.collection.save_now());
         ASSERT_EQ(state_left_in(folder / "t"), states[done]);
         go_on(at, done, states);
         ASSERT_EQ(done, step_count);
@@ -174,23 +176,33 @@ TEST(failures, a_failing_call_leaves_collection_and_timeline_in_step) {
     }
 }
 
-// The timeline's file would make the journal forget the change that the collection's file lacks.
+// The timeline's file would make the journal forget the change that the collection's file lacks; also when
+// both are closed.
 TEST(failures, a_collection_that_cannot_be_saved_keeps_the_timeline_from_being_saved) {
     const auto states = all_states();
     const temporary_folder folder;
-    testing::unsynced_files files;
-    coded_collection at(folder / "t", files);
-    at.may_save = false;
-    std::size_t done = 0;
-    go_on(at, done, states);
-    ASSERT_EQ(done, step_count);
-    const auto saved = at.document->save_now();
-    EXPECT_EQ(saved.message(), "not to be saved");
-    EXPECT_EQ(state_left_in(folder / "t"), states.back());
-    at.may_save = true;
-    EXPECT_TRUE(at.document->save_now());
-    EXPECT_EQ(load_collection(folder / "t").value().collection.find_vistel("A")->manual_start_offset(), 13);
-    EXPECT_EQ(state_left_in(folder / "t"), states.back());
+    volume_without_collections files;
+    for (const bool closes : {false, true}) {
+        const std::string place = folder / (closes ? "closed" : "open");
+        files.refuses = false;
+        auto at = std::make_unique<coded_collection>(place, files);
+        files.refuses = true;
+        std::size_t done = 0;
+        go_on(*at, done, states);
+        ASSERT_EQ(done, step_count);
+        EXPECT_NE(at->document->save_now().message().find(collection_file_name), std::string::npos);
+        EXPECT_TRUE(at->document->has_unsaved_edits());
+        EXPECT_EQ(state_left_in(place), states.back());
+        if (closes) {
+            at.reset();
+            EXPECT_EQ(state_left_in(place), states.back());
+            continue;
+        }
+        files.refuses = false;
+        EXPECT_TRUE(at->document->save_now());
+        EXPECT_EQ(load_collection(place).value().collection.find_vistel("A")->manual_start_offset(), 13);
+        EXPECT_EQ(state_left_in(place), states.back());
+    }
 }
 
 TEST(failures, lost_power_leaves_collection_and_timeline_in_step) {
@@ -203,6 +215,7 @@ TEST(failures, lost_power_leaves_collection_and_timeline_in_step) {
         for (std::size_t number = 0; number < step_count; ++number) {
             ASSERT_TRUE(at.make(number));
             files.note(step::kind::edit, number + 1);
+            if (number % 3 == 1) at.collection.save_soon();
             if (number % 3 != 2) continue;
             ASSERT_TRUE(at.document->save_now());
             files.note(step::kind::saved, number + 1);

@@ -115,6 +115,7 @@ class filmed_event : public ::testing::Test {
         return all;
     }
     std::size_t padding_files() {
+        EXPECT_TRUE(event->save_all());  // what is not used goes with that
         std::size_t count = 0;
         for (const auto& file : fs::recursive_directory_iterator(home.path())) {
             count += is_padding_file_name(file.path().filename().string());

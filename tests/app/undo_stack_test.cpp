@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/temporary_folder.h"
+#include "timeline/files/timeline_document.h"
 #include "util/json.h"
 #include "util/simulated_run_loop.h"
 

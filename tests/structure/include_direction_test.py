@@ -11,14 +11,15 @@ SOURCES = Path(__file__).resolve().parents[2] / "src"
 
 MAY_INCLUDE = {
     "util": [],
-    "timeline": ["util"],
-    "formula": ["timeline", "util"],
+    "document": ["util"],
+    "timeline": ["document", "util"],
+    "formula": ["timeline", "document", "util"],
     "media": ["util"],
-    "video": ["media", "timeline", "util"],
-    "logger": ["formula", "timeline", "util"],
-    "composer": ["video", "media", "formula", "timeline", "util"],
-    "report": ["formula", "timeline", "util"],
-    "app": ["report", "composer", "logger", "video", "media", "formula", "timeline", "util"],
+    "video": ["media", "timeline", "document", "util"],
+    "logger": ["formula", "timeline", "document", "util"],
+    "composer": ["video", "media", "formula", "timeline", "document", "util"],
+    "report": ["formula", "timeline", "document", "util"],
+    "app": ["report", "composer", "logger", "video", "media", "formula", "timeline", "document", "util"],
 }
 MAY_INCLUDE["demo"] = ["app"] + MAY_INCLUDE["app"]
 MAY_INCLUDE["shell"] = ["demo"] + MAY_INCLUDE["demo"]

@@ -115,8 +115,8 @@ TEST(document, saves_one_second_after_the_last_edit_and_ten_after_the_first) {
     simulated_run_loop loop;
     const auto document = opened(folder.path(), loop);
     int saves = 0;
-    const auto counting = document->saved.connect([&](const std::string& fault) {
-        EXPECT_EQ(fault, "");
+    const auto counting = document->saved.connect([&](const failure& fault) {
+        EXPECT_EQ(fault.message(), "");
         ++saves;
     });
     ASSERT_TRUE(document->apply(add_row("R")));

@@ -9,7 +9,7 @@ namespace {
 
 // Rows and clips are not named one by one.
 bool is_everything(const change_set& changes) {
-    constexpr unsigned all = change_set::everything & ~change_set::beside_changed;
+    constexpr unsigned all = change_set::everything & ~change_set::others_changed;
     return (changes.kinds & all) == all;
 }
 
@@ -163,7 +163,7 @@ void clip_filtering::follow(const change_set& changes) {
         running_->touched_clips.insert(changes.clips.begin(), changes.clips.end());
         running_->touched_rows.insert(changes.rows.begin(), changes.rows.end());
     }
-    if ((changes.kinds & ~static_cast<unsigned>(change_set::beside_changed)) != 0) {
+    if ((changes.kinds & ~static_cast<unsigned>(change_set::others_changed)) != 0) {
         follow_in_force(changes);
         count();
         tell(before, verdicts_.is_on());

@@ -11,7 +11,7 @@ namespace {
 
 // With fewer of all clips selected they are looked up, with more all are looked at.
 constexpr std::size_t looked_up_share = 16;
-constexpr unsigned without_names = change_set::everything & ~change_set::beside_changed;
+constexpr unsigned without_names = change_set::everything & ~change_set::others_changed;
 
 }  // namespace
 

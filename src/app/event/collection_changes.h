@@ -9,12 +9,12 @@
 #include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/signal.h"
+#include "video/collection_document.h"
 #include "video/collection_edit.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
 
-class blank_vistel_movie;
 class undo_stack;
 
 // A change of a collection that is to be made.
@@ -36,69 +36,45 @@ double shift_of(const collection_change& change, const video_collection_ROOT& be
                 const video_collection_ROOT& after);
 
 // The only way to change an open collection so that it can be taken back: each change is one edit, planned
-// whole, on record together with what it does to the timeline (see operation::change_beside), and the
-// collection is saved after it. Undo and redo come the same way. Main thread.
+// whole, on record together with what it does to the timeline, as one edit of both. Saving follows in the
+// background, and its result is told by the document. Undo and redo come the same way. Main thread.
 class collection_changes {
   public:
-    // Saves the collection's records.
-    using saver = std::function<result<void>()>;
-
-    // The references must outlive this; blank movies come from `blank`. `undo` may be null, and set later.
-    collection_changes(video_collection_ROOT& collection, timeline_document& timeline,
-                       blank_vistel_movie& blank, saver save);
-    ~collection_changes();
+    // The references must outlive this; the timeline is the collection's keeper. `undo` may be null, and set
+    // later.
+    collection_changes(collection_document& collection, timeline_document& timeline);
     collection_changes(const collection_changes&) = delete;
     collection_changes& operator=(const collection_changes&) = delete;
     void set_undo(undo_stack* undo) { undo_ = undo; }
 
-    // Makes the change. A refused one, of a timeline that cannot be written for instance, leaves everything
-    // as it was. When only saving failed the change is made and on record, and the failure says what is
-    // wrong. A change that changes nothing is none.
+    // Makes the change; it is on record then. A refused one, of a timeline that cannot be written for
+    // instance, leaves everything as it was. A change that changes nothing is none.
     result<void> make(const collection_change& change);
 
-    // Changes from begin() to end() become one undo step with that name and are saved once, at the end: what
-    // a drag does. cancel() takes back what was done since begin() and ends it. Not nested.
+    // Changes from begin() to end() become one undo step with that name: what a drag does. cancel() takes
+    // back what was done since begin() and ends it. Not nested.
     void begin(std::string name);
-    result<void> end();
+    void end();
     result<void> cancel();
     bool is_within_change() const { return is_within_; }
-
-    // Makes what the journal brought back when the timeline was opened, as far as the collection lacks it.
-    // True when there was something of that kind: the collection is to be saved.
-    static bool take_up_recovered(video_collection_ROOT& collection, const timeline_document& timeline,
-                                  blank_vistel_movie& blank);
 
     // By how many seconds the timeline's times moved, in what the journal brought back, since the collection
     // was saved as it is here. To be asked before that is taken up.
     static double seconds_not_saved(const video_collection_ROOT& collection,
                                     const timeline_document& timeline);
 
-    // Saves the collection; what cannot be saved stays in the journal and is tried again with the timeline.
-    result<void> save_all();
-    // Saves what end() would save, now: before the journal that holds it goes. No failure when all is saved.
-    result<void> save_pending();
-
     // The collection changed, by a change, undo or redo, before it is saved; by how many seconds the times of
     // the timeline moved.
     signal<double> made;
-    // Why the collection could not be saved; an empty text when it was saved again.
-    signal<const std::string&> trouble;
 
   private:
     void follow(const timeline_edit& edit);
-    result<void> save();
 
-    video_collection_ROOT& collection_;
+    collection_document& collection_;
     timeline_document& timeline_;
-    blank_vistel_movie& blank_;
-    const saver save_;
     undo_stack* undo_ = nullptr;
     bool is_within_ = false;
     bool has_steps_within_ = false;
-    bool is_unsaved_ = false;
-    bool parts_changed_ = false;  // since the last save
-    result<void> last_save_;
-    std::string trouble_;
     connection edited_;
 };
 

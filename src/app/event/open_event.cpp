@@ -34,22 +34,10 @@ void add_all(std::vector<std::string>& to, const std::vector<std::string>& from)
     std::copy(from.begin(), from.end(), std::back_inserter(to));
 }
 
-// What would be saved, but for the time of saving.
-property_dictionary record_of(const video_collection_ROOT& collection) {
-    return write_collection(collection, 0);
-}
-
 bool has_movies(const video_collection_ROOT& collection) {
     const auto vistels = collection.vistels();
     return std::any_of(vistels.begin(), vistels.end(),
                        [](const auto& vistel) { return !vistel->parts().parts.empty(); });
-}
-
-// By how many seconds all that the journal brought back moved the timeline's times.
-double seconds_recovered(const timeline_document& timeline) {
-    double seconds = 0;
-    for (const auto& [edit, inverse] : timeline.recovered()) seconds += seconds_shifted(edit);
-    return seconds;
 }
 
 // A collection whose record is gone, with copies of it left, is still a collection.
@@ -68,15 +56,16 @@ open_event::open_event(std::string folder, home_places places, run_loop& loop)
     : folder_(std::move(folder)),
       places_(std::move(places)),
       loop_(loop),
-      blank_movie_(std::make_shared<blank_vistel_movie>(places_.temporary_folder())) {}
+      collection_(folder_, loop),
+      blank_movie_(std::make_shared<blank_vistel_movie>(places_.temporary_folder())) {
+    collection_.set_blank_movie(*blank_movie_);
+}
 
 result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, const home_places& places,
                                                      run_loop& loop) {
     std::unique_ptr<open_event> event(new open_event(folder, places, loop));
     if (auto loaded = event->load(); !loaded) return loaded.error();
-    if ((event->is_recovered_ || event->has_new_numbers_) && !event->timeline_->is_read_only()) {
-        if (auto saved = event->changes_->save_all(); !saved) event->messages_.push_back(saved.message());
-    }
+    if (event->has_new_numbers_ && !event->timeline_->is_read_only()) event->collection_.note_change(false);
     return event;
 }
 
@@ -96,12 +85,12 @@ result<void> open_event::load() {
     }
     if (auto opened = open_timeline(); !opened) return opened;
     const double to_restore = movie_time_to_restore();
-    is_recovered_ =
-        has_collection_ && collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_);
+    collection_.set_keeper(*timeline_);
+    collection_.take_up_recovered(timeline_->recovered_others());
     // Nothing is saved of a collection that is not whole yet.
-    const saving_block block(collection_);
+    const saving_block block(collection_.record());
     if (has_collection_) link_collection();
-    link_timeline(*timeline_, has_collection_ ? links_to(collection_) : links_of_folder(folder_));
+    link_timeline(*timeline_, has_collection_ ? links_to(collection_.record()) : links_of_folder(folder_));
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(load_playback_top_speed(places_).rate);
     application_volume_ = kept_application_volume_ = load_application_volume(places_);
@@ -119,12 +108,12 @@ result<void> open_event::load() {
     });
     open_undo();
     open_changes();
+    open_saving();
     return {};
 }
 
 void open_event::open_changes() {
-    changes_ = std::make_unique<collection_changes>(collection_, *timeline_, *blank_movie_,
-                                                    [this] { return save_collection(); });
+    changes_ = std::make_unique<collection_changes>(collection_, *timeline_);
     changes_->set_undo(undo_.get());
     made_ = changes_->made.connect([this](double shift) { follow_change(shift); });
 }
@@ -132,7 +121,7 @@ void open_event::open_changes() {
 // The playhead stays on its frame like the clips.
 void open_event::follow_change(double shift) {
     const double time = playback_->collection_time();
-    if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
+    if (has_movies(collection_.record())) collection_.record().set_state(video_type_state::playback);
     feed_playback();
     if (shift != 0) {
         playback_->seek(time + shift);
@@ -146,12 +135,11 @@ void open_event::follow_change(double shift) {
 result<void> open_event::load_collection_record() {
     auto loaded = load_collection(folder_, places_.local_vistels());
     if (!loaded) return loaded.error();
-    collection_ = std::move(loaded.value().collection);
+    collection_.take_up(std::move(loaded.value().collection));
     add_all(messages_, loaded.value().messages);
     alerts_ = std::move(loaded.value().alerts);
     has_new_numbers_ = loaded.value().has_new_numbers;
     for (const auto& message : loaded.value().messages) log_line(places_, message);
-    saved_record_ = record_of(collection_);
     return {};
 }
 
@@ -159,10 +147,10 @@ result<void> open_event::try_to_write(bool take_over) {
     if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
     if (auto loaded = load_collection_record(); !loaded) return loaded;
-    if (collection_changes::take_up_recovered(collection_, *timeline_, *blank_movie_) || has_new_numbers_)
-        (void)changes_->save_all();
+    collection_.take_up_recovered(timeline_->recovered_others());
+    if (has_new_numbers_) collection_.note_change(false);
     link_collection();
-    link_timeline(*timeline_, links_to(collection_));
+    link_timeline(*timeline_, links_to(collection_.record()));
     feed_playback();
     collection_changed.emit();
     return {};
@@ -176,10 +164,6 @@ result<void> open_event::open_timeline() {
     add_all(messages_, timeline_->messages());
     for (const auto& message : timeline_->messages()) log_line(places_, message);
     view_ = std::make_unique<clip_view>(*timeline_, loop_);
-    // The playhead goes into the timeline's header with every background save, so it outlives a kill.
-    edited_ = timeline_->edited.connect([this](const timeline_edit&, const timeline_edit&) {
-        if (playback_) timeline_->header().cursor_seconds = playback_->collection_time();
-    });
     return {};
 }
 
@@ -190,11 +174,7 @@ void open_event::open_undo() {
     take_up_history();
     access_ = timeline_->access_changed.connect([this] { take_up_history(); });
     using companion = timeline_document::save_companion;
-    timeline_->set_save_companion([this, uuid]() -> result<companion> {
-        // What the timeline's file holds the journal forgets: a change of the collection must be saved
-        // before.
-        const auto saved = changes_ ? changes_->save_pending() : result<void>();
-        if (!saved) return saved.error();
+    timeline_->set_save_companion([this, uuid] {
         return companion(
             [places = places_, uuid, history = undo_->history()](const auto& coming, const auto& earlier) {
                 // Without it the steps before are not taken back after closing; the timeline is saved all the
@@ -207,27 +187,30 @@ void open_event::open_undo() {
 void open_event::take_up_history() {
     const std::string uuid = timeline_->timeline().uuid();
     undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
-    for (const auto& [edit, inverse] : timeline_->take_recovered()) undo_->add(edit, inverse);
+    for (auto& [edit, inverse] : timeline_->take_recovered()) {
+        undo_->add(document_edit_of(std::move(edit), uuid), document_edit_of(std::move(inverse), uuid));
+    }
 }
 
 std::string open_event::name() const {
-    const std::string& name = has_collection_ ? collection_.name() : timeline_->header().name;
+    const std::string& name = has_collection_ ? collection_.record().name() : timeline_->header().name;
     return name.empty() ? path_name(folder_) : name;
 }
 
 std::string open_event::uuid() const {
-    return has_collection_ ? collection_.uuid() : timeline_->header().uuid;
+    return has_collection_ ? collection_.record().uuid() : timeline_->header().uuid;
 }
 
 // The collection names its timeline; an older one gets what it lacks.
 void open_event::link_collection() {
-    if (collection_.uuid().empty()) collection_.set_uuid(new_uuid());
-    if (!collection_.stored().contains("UUID video group quick")) {
-        collection_.set_quick_number(new_quick_number());
+    if (collection_.record().uuid().empty()) collection_.record().set_uuid(new_uuid());
+    if (!collection_.record().stored().contains("UUID video group quick")) {
+        collection_.record().set_quick_number(new_quick_number());
     }
-    if (collection_.name().empty()) collection_.set_name(path_name(folder_));
-    if (collection_.linked_timeline().empty()) collection_.set_linked_timeline(timeline_->timeline().uuid());
-    if (has_movies(collection_)) collection_.set_state(video_type_state::playback);
+    if (collection_.record().name().empty()) collection_.record().set_name(path_name(folder_));
+    if (collection_.record().linked_timeline().empty())
+        collection_.record().set_linked_timeline(timeline_->timeline().uuid());
+    if (has_movies(collection_.record())) collection_.record().set_state(video_type_state::playback);
 }
 
 // The later of the two records of the playhead, before what was recovered is taken up: the collection's, or
@@ -236,9 +219,10 @@ void open_event::link_collection() {
 double open_event::movie_time_to_restore() const {
     const auto& header = timeline_->header();
     if (!has_collection_) return header.cursor_seconds;
-    const double saved = collection_.stored().number("seconds updated").value_or(0);
+    const double saved = collection_.record().stored().number("seconds updated").value_or(0);
     if (header.last_saved > saved) return header.cursor_seconds + seconds_recovered(*timeline_);
-    return collection_.movie_time() + collection_changes::seconds_not_saved(collection_, *timeline_);
+    return collection_.record().movie_time() +
+           collection_changes::seconds_not_saved(collection_.record(), *timeline_);
 }
 
 // Only what changed: to be given the same again would interrupt what is heard.
@@ -252,20 +236,20 @@ void open_event::feed_playback() {
     if (range_changes) {
         playback_->set_least_range(std::min(first, before.first), std::max(last, before.second));
     }
-    auto vistels = playback_vistels_of(collection_);
+    auto vistels = playback_vistels_of(collection_.record());
     if (vistels != fed_vistels_) {
         fed_vistels_ = vistels;
         playback_->set_vistels(std::move(vistels));
     }
     if (range_changes) playback_->set_least_range(first, last);
-    const std::string heard = collection_.vistel_for_sound();
+    const std::string heard = collection_.record().vistel_for_sound();
     if (std::exchange(fed_sound_, heard) != heard) playback_->set_sound_vistel(heard);
     playback_->set_enlarged(enlarged());
     feed_volume();
 }
 
 void open_event::feed_volume() {
-    playback_->set_volume(is_silenced_ ? 0 : collection_.volume() * application_volume_);
+    playback_->set_volume(is_silenced_ ? 0 : collection_.record().volume() * application_volume_);
 }
 
 // A code window that cannot be read is not written over; a general one stands in for it.
@@ -302,7 +286,7 @@ void open_event::tick() {
 }
 
 bool open_event::runs_on_clock() const {
-    return !has_collection_ || !has_movies(collection_);
+    return !has_collection_ || !has_movies(collection_.record());
 }
 
 // At most 0.
@@ -326,7 +310,7 @@ double open_event::end_seconds() const {
 
 std::string open_event::problem(const std::string& vistel) const {
     // A vistel that has other parts shows those.
-    const auto found = collection_.find_vistel(vistel);
+    const auto found = collection_.record().find_vistel(vistel);
     if (found && found->parts().parts.empty() && !found->problem().empty()) return found->problem();
     return playback_->problem(vistel);
 }
@@ -340,7 +324,7 @@ result<void> open_event::set_sound_vistel(const std::string& vistel) {
 }
 
 void open_event::set_volume(double volume) {
-    collection_.set_volume(std::clamp(volume, 0.0, 1.0));
+    collection_.record().set_volume(std::clamp(volume, 0.0, 1.0));
     feed_volume();
 }
 
@@ -359,58 +343,69 @@ void open_event::set_silenced(bool silenced) {
     feed_volume();
 }
 
-bool open_event::has_kept_volume() const {
-    return saved_record_.number("volume") == collection_.volume();
-}
-
 // Where the event can only be read its own volume lasts as long as it is open.
 result<void> open_event::keep_volumes() {
     if (application_volume_ != kept_application_volume_) {
         if (auto saved = save_application_volume(places_, application_volume_); !saved) return saved;
         kept_application_volume_ = application_volume_;
     }
-    if (!has_collection_ || timeline_->is_read_only() || has_kept_volume()) return {};
-    return changes_->save_all();
+    collection_.note_values();
+    collection_.save_soon();
+    return {};
 }
 
 void open_event::set_enlarged(const std::string& vistel) {
-    for (const auto& one : collection_.vistels())
+    for (const auto& one : collection_.record().vistels())
         one->set_flicked_in(!vistel.empty() && one->uuid() == vistel);
     playback_->set_enlarged(vistel);
     collection_changed.emit();
 }
 
 std::string open_event::enlarged() const {
-    for (const auto& vistel : collection_.vistels()) {
+    for (const auto& vistel : collection_.record().vistels()) {
         if (vistel->flicked_in()) return vistel->uuid();
     }
     return {};
 }
 
-result<void> open_event::save_collection() {
-    if (!has_collection_) return {};
-    if (timeline_->is_read_only()) {
-        return failure{"\"" + path_join(folder_, collection_file_name) +
-                       "\" was not saved: another program has the event open."};
-    }
-    collection_.set_movie_time(playback_->collection_time());
-    auto saved = vistels::save_collection(collection_, folder_);
-    if (saved) saved_record_ = record_of(collection_);
-    return saved;
+// The playhead is saved with the collection, and with the timeline, so that it outlives a kill.
+void open_event::note_position() {
+    if (!playback_) return;
+    collection_.record().set_movie_time(playback_->collection_time());
+    timeline_->header().cursor_seconds = playback_->collection_time();
 }
 
-result<void> open_event::save_changed_collection() {
-    if (!has_collection_ || timeline_->is_read_only()) return {};
-    collection_.set_movie_time(playback_->collection_time());
-    return record_of(collection_) == saved_record_ ? result<void>() : save_collection();
+void open_event::open_saving() {
+    for (editable_document* one :
+         {static_cast<editable_document*>(timeline_.get()), static_cast<editable_document*>(&collection_)}) {
+        failure& own = one == &collection_ ? collection_problem_ : timeline_problem_;
+        const failure& other = one == &collection_ ? timeline_problem_ : collection_problem_;
+        saves_.push_back(one->save_begins.connect([this] { note_position(); }));
+        saves_.push_back(one->saved.connect([this, &own, &other](const failure& problem) {
+            own = problem;
+            save_ended.emit(own ? own : other);
+        }));
+    }
+}
+
+bool open_event::has_unsaved_edits() const {
+    return timeline_->has_unsaved_edits() || collection_.has_unsaved_edits();
+}
+
+void open_event::save_soon() {
+    note_position();
+    collection_.note_values();
+    collection_.save_soon();
+    timeline_->save_soon();
 }
 
 result<void> open_event::save_all() {
     if (timeline_->is_read_only()) return {};  // changes were refused, or are on record
-    timeline_->header().cursor_seconds = playback_->collection_time();
-    auto saved = timeline_->save_now();
-    auto collection_saved = save_changed_collection();
-    return saved ? collection_saved : saved;
+    auto saved_timeline = timeline_->save_now();
+    note_position();
+    collection_.note_values();
+    auto saved_collection = collection_.save_now();
+    return saved_timeline ? saved_collection : saved_timeline;
 }
 
 }  // namespace vistels

@@ -14,8 +14,8 @@
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
+#include "video/collection_document.h"
 #include "video/synchronised_playback.h"
-#include "video/video_collection_ROOT.h"
 
 namespace vistels {
 
@@ -34,13 +34,14 @@ class open_event {
     // the event.
     static result<std::unique_ptr<open_event>> open(const std::string& folder, const home_places& places,
                                                     run_loop& loop);
-    // Closes: releases the buttons that are down, saves the timeline and the movie time.
+    // Closes: releases the buttons that are down, saves the timeline and the movie time, and waits for that.
     ~open_event();
     open_event(const open_event&) = delete;
     open_event& operator=(const open_event&) = delete;
 
     const std::string& folder() const { return folder_; }
-    const video_collection_ROOT& collection() const { return collection_; }
+    const video_collection_ROOT& collection() const { return collection_.record(); }
+    collection_document& collection_file() { return collection_; }
     // False for a timeline that belongs to no collection.
     bool has_collection() const { return has_collection_; }
     // Both are the collection's, or else the timeline's.
@@ -77,8 +78,7 @@ class open_event {
     // Why a vistel, or the movie part at the present time, cannot be shown; empty when all is well.
     std::string problem(const std::string& vistel) const;
 
-    // Each changes the collection, brings playback into step and saves. `vistel` is a UUID. The offset can be
-    // taken back, like all that changes() does.
+    // Each changes the collection and brings playback into step, by changes(). `vistel` is a UUID.
     result<void> set_offset(const std::string& vistel, double seconds);
     result<void> set_sound_vistel(const std::string& vistel);
     // What is heard is the product of the collection's volume and the application's, both from 0 to 1, or
@@ -87,7 +87,7 @@ class open_event {
     void set_application_volume(double volume);
     double application_volume() const { return application_volume_; }
     void set_silenced(bool silenced);
-    // Saves the volumes that were set since they were saved last.
+    // Saves the volumes that were set since they were saved last; the collection's in the background.
     result<void> keep_volumes();
     // The application's volume was set, and is kept, elsewhere.
     void take_application_volume(double volume);
@@ -99,10 +99,15 @@ class open_event {
     void set_enlarged(const std::string& vistel);
     std::string enlarged() const;
 
-    // Saves the collection record with the present movie time.
-    result<void> save_collection();
-    // Saves the timeline and waits for it, then the collection.
+    // Begins to save what is unsaved of timeline and collection, with the present movie time; `save_ended`
+    // tells.
+    void save_soon();
+    // The same, and waits for it.
     result<void> save_all();
+    bool has_unsaved_edits() const;
+    // A save of the timeline or of the collection ended: no failure when nothing is wrong with either, or why
+    // one could not be saved (it is tried again).
+    signal<const failure&> save_ended;
 
     // The collection record changed.
     signal<> collection_changed;
@@ -120,27 +125,27 @@ class open_event {
     void follow_change(double shift);
     void feed_playback();
     void feed_volume();
-    bool has_kept_volume() const;
     double first_clip_seconds() const;
     double movie_time_to_restore() const;
-    result<void> save_changed_collection();
+    void note_position();
+    void open_saving();
     void follow_presses();
     void tick();
 
     const std::string folder_;
     const home_places places_;
     run_loop& loop_;
-    video_collection_ROOT collection_;
     bool has_collection_ = true;
-    bool is_recovered_ = false;     // the journal brought back changes of the collection
     bool has_new_numbers_ = false;  // vistels that had none got one, which is to be saved
     double application_volume_ = 1;
     double kept_application_volume_ = 1;
     bool is_silenced_ = false;
-    property_dictionary saved_record_;  // as written last, without its time
     std::vector<std::string> messages_;
     std::vector<std::string> alerts_;
     std::unique_ptr<timeline_document> timeline_;
+    collection_document collection_;  // after its keeper
+    failure timeline_problem_;        // of the last save; none: it succeeded
+    failure collection_problem_;
     std::unique_ptr<clip_view> view_;
     std::unique_ptr<synchronised_playback> playback_;
     // What playback was given.
@@ -152,8 +157,8 @@ class open_event {
     const std::shared_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
     std::unique_ptr<tick_task> presses_;  // while the press engine waits for a time, or for the disk
+    std::vector<connection> saves_;
     connection made_;
-    connection edited_;
     connection access_;
     connection fired_;
     connection made_again_;

@@ -2,7 +2,6 @@
 #include "app/event/padding_changes.h"
 
 #include <algorithm>
-#include <variant>
 
 #include "video/collection_edit.h"
 
@@ -54,12 +53,9 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
 
 std::vector<padding_file> padding_needed_by(const undo_step& step, const video_collection_ROOT& collection) {
     auto changed = detached_copy(collection);
-    for (const auto& any : *step.operations) {
-        const auto* beside = std::get_if<operation::change_beside>(&any);
-        // What does not fit is refused when the step is taken back.
-        if (beside)
-            (void)apply_collection_edit(changed, read_collection_edit(beside->change), edit_manner::lenient);
-    }
+    // What does not fit is refused when the step is taken back.
+    for (const auto& part : parts_of_collection(*step.parts, collection))
+        (void)apply_collection_edit(changed, collection_edit_in(*part.change), edit_manner::lenient);
     auto needed = padding_files_of(changed);
     const auto there = padding_files_of(collection);
     std::erase_if(needed, [&](const padding_file& file) {

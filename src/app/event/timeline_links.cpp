@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/event/timeline_links.h"
 
+#include "app/event/collection_changes.h"
 #include "app/settings/user_name.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
+#include "video/blank_movie.h"
+#include "video/collection_document.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -31,10 +34,45 @@ void link_timeline(timeline_document& timeline, const timeline_links& links) {
     timeline.set_collection_number(links.number);
 }
 
+double seconds_recovered(const timeline_document& timeline) {
+    double seconds = 0;
+    for (const auto& [edit, inverse] : timeline.recovered()) seconds += seconds_shifted(edit);
+    return seconds;
+}
+
+namespace {
+
+// What the journal brought back of the collection is saved before the timeline is, whose file makes the
+// journal forget it.
+result<void> save_recovered_collection(timeline_document& timeline, const home_places& places,
+                                       run_loop& loop) {
+    blank_vistel_movie blank(places.temporary_folder());
+    collection_document collection(timeline.folder(), loop);
+    collection.set_blank_movie(blank);
+    collection.set_keeper(timeline);
+    if (file_exists(path_join(timeline.folder(), collection_file_name))) {
+        auto loaded = load_collection(timeline.folder(), places.local_vistels());
+        if (!loaded) return loaded.error();
+        collection.take_up(std::move(loaded.value().collection));
+    }
+    // The playheads stay on their frames.
+    auto& record = collection.record();
+    record.set_movie_time(record.movie_time() + collection_changes::seconds_not_saved(record, timeline));
+    timeline.header().cursor_seconds += seconds_recovered(timeline);
+    collection.take_up_recovered(timeline.recovered_others());
+    return collection.save_now();
+}
+
+}  // namespace
+
 result<std::unique_ptr<timeline_document>> open_linked_timeline(const std::string& folder,
                                                                 const home_places& places, run_loop& loop) {
     auto opened = timeline_document::open(folder, loop);
     if (!opened) return opened;
+    if (!opened.value()->is_read_only() && !opened.value()->recovered_others().empty()) {
+        if (auto saved = save_recovered_collection(*opened.value(), places, loop); !saved)
+            return saved.error();
+    }
     opened.value()->set_author(load_user_name(places));
     link_timeline(*opened.value(), links_of_folder(folder));
     return opened;

@@ -29,8 +29,12 @@ void complete_header(timeline_header& header, const std::string& timeline_uuid, 
 // The same for an open timeline, whose clips get the collection's number from now on.
 void link_timeline(timeline_document& timeline, const timeline_links& links);
 
+// By how many seconds all that the journal brought back moved the timeline's times.
+double seconds_recovered(const timeline_document& timeline);
+
 // Opens the timeline in `folder` (made when missing) to be changed without a window: edits go on record under
-// the user's name, and header and clips get what they get in a window.
+// the user's name, and header and clips get what they get in a window. What the journal brings back of the
+// collection is made and saved first.
 result<std::unique_ptr<timeline_document>> open_linked_timeline(const std::string& folder,
                                                                 const home_places& places, run_loop& loop);
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "timeline/edits/timeline_change.h"
 #include "util/checksum.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
@@ -37,21 +38,31 @@ std::string file_name_of(const file_content_mark& mark) {
     return std::to_string(mark.size) + " " + checksum_text(mark.hash) + ".plist";
 }
 
-property_array write_operations(const std::vector<operation::any>& operations) {
-    auto edit = write_edit({"", "", operations});
-    return *edit.array("operations");
+// A timeline's parts stand as those of its edits in the journal do.
+property_dictionary write_parts(const std::string& name, const std::string& scope,
+                                const std::vector<document_part>& parts) {
+    return write_edit(timeline_edit_of({name, scope, parts}));
+}
+
+std::vector<document_part> parts_in(const timeline_edit& edit) {
+    return document_edit_of(edit, "").parts;
+}
+
+std::size_t size_of(const undo_step& step) {
+    std::size_t size = 0;
+    for (const auto& part : *step.parts) size += std::max<std::size_t>(operations_in(*part.change).size(), 1);
+    return size;
 }
 
 property_array write_steps(const std::vector<undo_step>& steps, std::size_t& room) {
     std::size_t first = steps.size();
-    while (first > 0 && steps[first - 1].operations->size() <= room) {
+    while (first > 0 && size_of(steps[first - 1]) <= room) {
         --first;
-        room -= steps[first].operations->size();
+        room -= size_of(steps[first]);
     }
     property_array stored;
     for (; first < steps.size(); ++first) {
-        const auto& step = steps[first];
-        stored.emplace_back(write_edit({step.name, step.scope, *step.operations}));
+        stored.emplace_back(write_parts(steps[first].name, steps[first].scope, *steps[first].parts));
     }
     return stored;
 }
@@ -65,7 +76,7 @@ std::vector<undo_step> read_steps(const property_dictionary& stored, const char*
         if (!edit) break;
         const auto& read = edit.value();
         undo_step step{read.name, read.scope, {}};
-        step.operations = std::make_shared<const std::vector<operation::any>>(read.operations);
+        step.parts = std::make_shared<const std::vector<document_part>>(parts_in(read));
         steps.push_back(std::move(step));
     }
     std::reverse(steps.begin(), steps.end());
@@ -99,10 +110,10 @@ property_dictionary write_undo_history(const undo_history& history) {
     stored.add("undo", std::move(undo));
     stored.add("redo", std::move(redo));
     property_array begun;
-    for (const auto& [clip, operations] : history.begun) {
+    for (const auto& [clip, parts] : history.begun) {
         property_dictionary one;
         one.add("clip", clip);
-        one.add("operations", write_operations(operations));
+        one.add("operations", *write_parts("", "", parts).array("operations"));
         begun.emplace_back(std::move(one));
     }
     if (!begun.empty()) stored.add("begun", std::move(begun));
@@ -115,7 +126,7 @@ undo_history read_undo_history(const property_dictionary& stored) {
         for (const auto& value : *begun) {
             const auto* one = value.dictionary();
             const auto edit = one ? read_edit(*one) : failure{"no operations"};
-            if (edit) history.begun[one->text_or_empty("clip")] = edit.value().operations;
+            if (edit) history.begun[one->text_or_empty("clip")] = parts_in(edit.value());
         }
     }
     return history;

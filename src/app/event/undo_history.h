@@ -8,29 +8,30 @@
 #include <vector>
 
 #include "app/settings/places.h"
-#include "timeline/edits/timeline_edit.h"
-#include "timeline/files/timeline_journal.h"
+#include "document/document_edit.h"
+#include "timeline/files/file_content_mark.h"
 #include "util/property_value.h"
 #include "util/result.h"
 
 namespace vistels {
 
-// What takes one step back, as the operations of one edit. Copies share the operations.
+// What takes one step back, as the parts of one edit. Copies share the parts.
 struct undo_step {
     std::string name;
     std::string scope;
-    std::shared_ptr<const std::vector<operation::any>> operations;
+    std::shared_ptr<const std::vector<document_part>> parts;
     std::uint64_t state_before = 0;
     double seconds = 0;  // on the run loop's clock, of its last edit; not stored
     bool may_merge = false;
 };
 
-// The steps of one timeline in one state of it. Unchanging once taken, so any thread may write it.
+// The steps of one document, and of those on record with it, in one state of it. Unchanging once taken, so
+// any thread may write it.
 struct undo_history {
     std::vector<undo_step> undo;
     std::vector<undo_step> redo;
-    // What else the edits that began the growing clips did (made their rows), by clip.
-    std::map<std::string, std::vector<operation::any>> begun;
+    // What else the edits did that began what still grows (made the rows of clips), by its identifier.
+    std::map<std::string, std::vector<document_part>> begun;
 };
 
 property_dictionary write_undo_history(const undo_history& history);

@@ -9,16 +9,16 @@
 #include <vector>
 
 #include "app/event/undo_history.h"
-#include "timeline/edits/timeline_edit.h"
-#include "timeline/files/timeline_document.h"
+#include "document/editable_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 
 namespace vistels {
 
-// The undo history of one timeline document: it takes every edit from the document's signal and takes it back
-// by applying its inverse, which is an edit like any other and goes on record like any other. Main thread.
+// The undo history of one document, and of those that are on record with it: it takes every edit from the
+// document's signal and takes it back by making its inverse, which is an edit like any other and goes on
+// record like any other. What a step means each document knows (editable_document). Main thread.
 //
 // A clip that begins to grow is no step; its finish is one: taking it back takes the clip away, doing it
 // again puts the finished clip back. What a step did to a clip that is no longer there is passed over, and a
@@ -26,7 +26,7 @@ namespace vistels {
 class undo_stack {
   public:
     // Both must outlive the stack.
-    undo_stack(timeline_document& document, const run_loop& loop);
+    undo_stack(editable_document& document, const run_loop& loop);
 
     bool can_undo() const { return !undo_.empty(); }
     bool can_redo() const { return !redo_.empty(); }
@@ -62,7 +62,7 @@ class undo_stack {
     // Takes over steps that were kept. The timeline must be in the state to which they belong.
     void restore(undo_history history);
     // Adds an edit that was done before this stack was connected.
-    void add(const timeline_edit& edit, const timeline_edit& inverse);
+    void add(const document_edit& edit, const document_edit& inverse);
 
     // What the menus show changed.
     signal<> changed;
@@ -74,19 +74,24 @@ class undo_stack {
   private:
     using step = undo_step;
 
-    void take(const timeline_edit& edit, const timeline_edit& inverse);
-    void take_growing(const timeline_edit& edit, const timeline_edit& inverse);
-    bool joins_last(const timeline_edit& edit, double now) const;
+    using part_list = std::vector<document_part>;
+    struct growth;
+
+    void take(const document_edit& edit, const document_edit& inverse);
+    growth growth_of(const document_edit& edit, const document_edit& inverse) const;
+    bool only_sets_values(const document_edit& edit) const;
+    bool joins_last(const document_edit& edit, double now) const;
+    part_list joined(part_list earlier, const part_list& later) const;
+    part_list still_possible(const part_list& parts) const;
     result<void> move_back(std::vector<step>& from, std::vector<step>& to);
     void forget_void_steps();
 
-    timeline_document& document_;
+    editable_document& document_;
     const run_loop& loop_;
     std::vector<step> undo_;
     std::vector<step> redo_;
-    // What else the edits that began the growing clips did (made their rows), by clip.
-    std::map<std::string, std::vector<operation::any>> begun_;
-    std::optional<timeline_edit> moved_;  // the inverse that comes while a step is taken back
+    std::map<std::string, part_list> begun_;  // see undo_history
+    std::optional<document_edit> moved_;      // the inverse that comes while a step is taken back
     bool is_moving_ = false;
     int group_depth_ = 0;
     bool group_has_step_ = false;
@@ -94,7 +99,7 @@ class undo_stack {
     std::uint64_t state_ = 0;
     std::uint64_t last_state_ = 0;
     std::uint64_t saved_state_ = 0;
-    connection edited_;
+    connection made_;
 };
 
 }  // namespace vistels

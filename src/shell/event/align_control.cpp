@@ -174,7 +174,7 @@ void align_control::begin_nudge() {
 
 void align_control::end_nudge() {
     if (!std::exchange(nudges_, false) || !event() || !event()->changes().is_within_change()) return;
-    tell(event()->changes().end());
+    event()->changes().end();
 }
 
 void align_control::nudge(int frames) {

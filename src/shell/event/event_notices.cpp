@@ -73,7 +73,7 @@ void event_notices::follow_event() {
     connections_.push_back(
         logger.made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(
-        timeline.saved.connect([this](const std::string& problem) { tell_save(problem); }));
+        event_->save_ended.connect([this](const failure& problem) { tell_save(problem.message()); }));
     connections_.push_back(timeline.conflict.connect(
         [this](const file_conflict& conflict) { Q_EMIT told(conflict_message(name(), conflict)); }));
 }

@@ -111,8 +111,7 @@ void event_session::set_sound_vistel(const std::string& vistel) {
 }
 
 void event_session::save() {
-    if (!event_) return;
-    if (const auto done = event_->save_all(); !done) notices_.tell_save(done.message());
+    if (event_) event_->save_soon();
 }
 
 void event_session::save_in_background() {

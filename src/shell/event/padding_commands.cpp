@@ -47,6 +47,7 @@ void padding_commands::run(padding_command which) {
         auto made = plan_padding(session_.shown_event()->collection(), which);
         if (!made) return made.error();
         *planned = std::move(made).value();
+        session_.shown_event()->collection_file().expect_parts();
         return {};
     };
     order.work = [planned, folder, blank = event->blank_movie()](job& work) -> result<void> {

@@ -36,6 +36,7 @@ void undo_commands::take_with(direction which, std::vector<padding_file> needed)
     const undo_step& step = which == direction::back ? *event.undo().next_undo() : *event.undo().next_redo();
     const QString name = QString::fromStdString(step.name);
     const std::string folder = session_.folder();
+    event.collection_file().expect_parts();
     job_order order;
     order.title = (which == direction::back ? tr("Undo: %1") : tr("Redo: %1")).arg(name).toStdString();
     order.words = tr("Blank movies are written where they are needed.").toStdString();
@@ -47,12 +48,11 @@ void undo_commands::take_with(direction which, std::vector<padding_file> needed)
         if (!lock) return lock.error();
         return make_padding_files(needed, *blank, work);
     };
-    order.then = [this, which, folder, operations = step.operations](const result<void>& outcome,
-                                                                     bool cancelled) {
+    order.then = [this, which, folder, parts = step.parts](const result<void>& outcome, bool cancelled) {
         open_event* now = session_.shown_event();
         if (!now || session_.folder() != folder) return true;
         if (outcome && !cancelled) {
-            finish(which, operations);
+            finish(which, parts);
         } else if (!cancelled) {
             session_.notices().tell(outcome);
         }
@@ -62,10 +62,10 @@ void undo_commands::take_with(direction which, std::vector<padding_file> needed)
     jobs_.start(std::move(order));
 }
 
-void undo_commands::finish(direction which, const std::shared_ptr<const std::vector<operation::any>>& step) {
+void undo_commands::finish(direction which, const std::shared_ptr<const std::vector<document_part>>& step) {
     undo_stack& stack = session_.shown_event()->undo();
     const undo_step* now = which == direction::back ? stack.next_undo() : stack.next_redo();
-    if (!now || now->operations != step) {
+    if (!now || now->parts != step) {
         return session_.notices().tell(failure{
             tr("The event was changed while movies were written for this. Do it once more.").toStdString()});
     }

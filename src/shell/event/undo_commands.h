@@ -31,7 +31,7 @@ class undo_commands : public QObject {
 
     void take(direction which);
     void take_with(direction which, std::vector<padding_file> needed);
-    void finish(direction which, const std::shared_ptr<const std::vector<operation::any>>& step);
+    void finish(direction which, const std::shared_ptr<const std::vector<document_part>>& step);
 
     event_session& session_;
     job_group& jobs_;

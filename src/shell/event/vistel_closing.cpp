@@ -83,8 +83,11 @@ void vistel_files::move_data_away(const std::string& vistel, const QString& name
     order.words = tr("Its movie data is moved to the trash.").toStdString();
     order.keys = {vault_lock_key(folder)};
     order.what = what_moves(folder);
-    order.work = [closed, folder, trash = places_.trash](job&) -> result<void> {
-        *closed = trash_vistel_data(folder, trash);
+    order.work = [closed, folder, trash = places_.trash,
+                  sync = event()->timeline().edit_sync()](job&) -> result<void> {
+        // Lost power must not leave a vistel in the collection whose data is gone.
+        const auto synced = sync();
+        *closed = synced ? trash_vistel_data(folder, trash) : closed_vistel{std::nullopt, synced.message()};
         return {};
     };
     order.then = [this, closed, vistel, name](const result<void>&, bool) {

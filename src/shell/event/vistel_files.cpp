@@ -100,11 +100,9 @@ new_vistels vistel_files::made_with() const {
 
 bool vistel_files::make(const collection_change& change) {
     if (!event()) return false;
-    bool is_made = false;
-    const connection seen = event()->changes().made.connect([&](double) { is_made = true; });
     const auto done = event()->changes().make(change);
     if (!done) tell_failure(tr("This could not be changed"), done.message());
-    return done.ok() || is_made;
+    return done.ok();
 }
 
 void vistel_files::ask_movies(const std::string& vistel) {

@@ -241,7 +241,7 @@ void event_opener::finish_collection(const std::string& folder, bool is_waited_f
 std::pair<std::string, const void*> event_opener::event_state() const {
     open_event* event = session_.shown_event();
     const undo_step* last = event ? event->undo().next_undo() : nullptr;
-    return {session_.folder(), last ? last->operations.get() : nullptr};
+    return {session_.folder(), last ? last->parts.get() : nullptr};
 }
 
 bool event_opener::is_at_work() const {

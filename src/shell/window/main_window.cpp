@@ -276,12 +276,12 @@ QMenu& main_window::window_menu() {
 void main_window::show_facts() {
     content_->set_open(session_->folder(), session_->fact());
     open_event* event = session_->shown_event();
-    if (event && event->timeline().has_unsaved_edits()) saved_->show_unsaved();
+    if (event && event->has_unsaved_edits()) saved_->show_unsaved();
 }
 
 void main_window::show_saved(const QString& problem) {
     if (!problem.isEmpty()) return saved_->show_failure(problem);
-    const bool more = session_->shown_event() && session_->shown_event()->timeline().has_unsaved_edits();
+    const bool more = session_->shown_event() && session_->shown_event()->has_unsaved_edits();
     if (more) return saved_->show_unsaved();
     saved_->show_saved(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
 }

@@ -100,10 +100,9 @@ void add_stamp_back(const sxy_clip_EDIT_info_k11& info, bool seconds, bool autho
 class edit_applier {
   public:
     edit_applier(sxy_DATA_root& timeline, change_set& touched, const std::vector<operation::any>& operations,
-                 const beside_changer& beside, const std::optional<edit_stamp>& stamp = {})
+                 const std::optional<edit_stamp>& stamp = {})
         : timeline_(timeline),
           touched_(touched),
-          beside_(beside),
           rows_(touched.rows, 2 * operations.size()),
           clips_(touched.clips, operations.size()) {
         inverse_.reserve(operations.size());
@@ -123,9 +122,6 @@ class edit_applier {
         std::reverse(inverse_.begin(), inverse_.end());
         return std::move(inverse_);
     }
-
-    // Why the last operation could not be done; empty: what it changes is not there.
-    const std::string& reason() const { return reason_; }
 
   private:
     bool done(bool succeeded, operation::any back) {
@@ -365,7 +361,7 @@ class edit_applier {
     }
 
     bool run(const operation::shift_times& one) {
-        touched_.kinds |= change_set::everything & ~change_set::beside_changed;
+        touched_.kinds |= change_set::everything & ~change_set::others_changed;
         return done(timeline_.shift_times(one.seconds), operation::shift_times{-one.seconds});
     }
 
@@ -382,17 +378,8 @@ class edit_applier {
         return done(true, std::move(back));
     }
 
-    bool run(const operation::change_beside& one) {
-        touched_.kinds |= change_set::beside_changed;
-        const auto changed = beside_ ? beside_(one.change) : result<void>();
-        reason_ = changed.message();
-        return done(changed.ok(), operation::change_beside{one.back, one.change});
-    }
-
     sxy_DATA_root& timeline_;
     change_set& touched_;
-    const beside_changer& beside_;
-    std::string reason_;
     unique_appender<shared_text> rows_;
     unique_appender<std::string> clips_;
     std::vector<operation::any> inverse_;
@@ -411,25 +398,22 @@ void expect_clips_of(const timeline_edit& edit, sxy_DATA_root& timeline) {
 
 }  // namespace
 
-result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched,
-                                 const beside_changer& beside) {
+result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched) {
     const auto growing_before = timeline.live_clips();
-    edit_applier applier(timeline, touched, edit.operations, beside, edit.stamp);
+    edit_applier applier(timeline, touched, edit.operations, edit.stamp);
     expect_clips_of(edit, timeline);
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
-        withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before, beside);
-        const std::string reason = applier.reason();
-        return failure{"\"" + edit.name + "\" could not be done: " +
-                       (reason.empty() ? "what it changes is no longer there." : reason)};
+        withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before);
+        return failure{"\"" + edit.name + "\" could not be done: what it changes is no longer there."};
     }
-    return timeline_edit{edit.name, edit.scope, applier.take_inverse(), {}, true};
+    if (!edit.others.empty()) touched.kinds |= change_set::others_changed;
+    return timeline_edit{edit.name, edit.scope, applier.take_inverse(), {}, true, reversed(edit.others)};
 }
 
-void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing,
-                   const beside_changer& beside) {
+void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing) {
     change_set undone;
-    edit_applier back(timeline, undone, inverse.operations, beside);
+    edit_applier back(timeline, undone, inverse.operations);
     for (const auto& one : inverse.operations) (void)back.apply(one);
     timeline.set_live_clips(std::move(growing));
 }

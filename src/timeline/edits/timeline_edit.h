@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "document/document_edit.h"
 #include "timeline/records/sxy_DATA_root.h"
 #include "util/property_value.h"
 #include "util/result.h"
@@ -99,16 +99,9 @@ struct shift_clips {
     std::vector<std::string> clips;
     double seconds = 0;
 };
-// A change of what the timeline belongs to (its collection), so that both change, and are taken back, as one.
-// The timeline does not know what it holds: it is handed to whoever was given to apply_edit.
-struct change_beside {
-    property_dictionary change;
-    property_dictionary back;  // takes it back
-};
-
 using any = std::variant<insert_row, remove_row, move_row, change_row, insert_clip, remove_clip, change_clip,
                          move_clip, insert_qualifier, remove_qualifier, begin_clip, finish_clip,
-                         add_tombstones, remove_tombstones, shift_times, shift_clips, change_beside>;
+                         add_tombstones, remove_tombstones, shift_times, shift_clips>;
 
 }  // namespace operation
 
@@ -131,6 +124,9 @@ struct timeline_edit {
     std::optional<edit_stamp> stamp = {};
     // Nothing is to be added to it when it is made: it takes back or repeats another, or only arranges rows.
     bool is_complete = false;
+    // What it changes of other documents (the timeline's collection), so that all change, and are taken back,
+    // as one. Each part knows what takes it back.
+    std::vector<document_part> others = {};
 };
 
 // What an edit touched.
@@ -140,7 +136,7 @@ struct change_set {
         clips_changed = 2,       // a clip came, went, moved or changed
         qualifiers_changed = 4,  // of a clip
         live_changed = 8,        // a growing clip came, went or changed
-        beside_changed = 16,     // what the timeline belongs to
+        others_changed = 16,     // another document, in the same edit
         everything = 31,         // rows and clips are not named one by one
     };
     unsigned kinds = 0;
@@ -149,20 +145,15 @@ struct change_set {
     std::uint64_t revision = 0;      // of the timeline after the edit
 };
 
-// Makes one change_beside, or says why it cannot be made, with nothing changed then.
-using beside_changer = std::function<result<void>(const property_dictionary& change)>;
-
 // Applies the operations in order and returns the edit that takes them back, the stamps too. When one cannot
-// be done the timeline is left as it was, and so is what lies beside it. `touched` is added to. A finished
-// clip is taken back by taking the clip away, a begun one too. Without `beside` changes of what lies beside
-// are passed over.
-result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched,
-                                 const beside_changer& beside = {});
+// be done the timeline is left as it was. `touched` is added to. A finished clip is taken back by taking the
+// clip away, a begun one too. Parts that concern other documents are not made here; the edit that is returned
+// takes them back.
+result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched);
 
 // Takes back an edit that counts as never made: by the inverse that apply_edit gave, and with the growing
 // clips as they were (taking back a finish does not make its clip grow again).
-void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing,
-                   const beside_changer& beside = {});
+void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing);
 
 // By how much the edit moves the times of the timeline.
 double seconds_shifted(const timeline_edit& edit);

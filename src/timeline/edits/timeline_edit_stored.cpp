@@ -149,14 +149,6 @@ property_dictionary write_one(const operation::shift_clips& one) {
     return stored;
 }
 
-property_dictionary write_one(const operation::change_beside& one) {
-    property_dictionary stored;
-    stored.add("do", "change beside");
-    stored.add("change", one.change);
-    stored.add("back", one.back);
-    return stored;
-}
-
 const property_dictionary& dictionary_or_empty(const property_dictionary& stored, const char* key) {
     static const property_dictionary none;
     const auto* found = stored.dictionary(key);
@@ -266,11 +258,23 @@ std::optional<operation::any> read_whole_operation(const std::string& code,
         }
         return shift;
     }
-    if (code == "change beside") {
-        return operation::change_beside{dictionary_or_empty(stored, "change"),
-                                        dictionary_or_empty(stored, "back")};
-    }
     return std::nullopt;
+}
+
+// How a change of the timeline's collection stood among the operations before edits named their documents.
+document_part read_change_beside(const property_dictionary& stored) {
+    return {{document_kind::collection, ""},
+            std::make_shared<const stored_change>(dictionary_or_empty(stored, "change")),
+            std::make_shared<const stored_change>(dictionary_or_empty(stored, "back"))};
+}
+
+bool read_others(const property_array& stored, std::vector<document_part>& others) {
+    for (const auto& value : stored) {
+        auto part = value.dictionary() ? read_part(*value.dictionary()) : std::nullopt;
+        if (!part || !part->back) return false;
+        others.push_back(std::move(*part));
+    }
+    return true;
 }
 
 }  // namespace
@@ -289,6 +293,10 @@ property_dictionary write_edit(const timeline_edit& edit) {
         if (edit.stamp->coll_id != 0) stored.add("coll_id", edit.stamp->coll_id);
     }
     stored.add("operations", std::move(operations));
+    if (edit.others.empty()) return stored;
+    property_array others;
+    for (const auto& part : edit.others) others.emplace_back(write_part(part));
+    stored.add("documents", std::move(others));
     return stored;
 }
 
@@ -300,6 +308,8 @@ result<timeline_edit> read_edit(const property_dictionary& stored) {
         if (const auto number = stored.number("coll_id"); number && std::isfinite(*number))
             edit.stamp->coll_id = *number;
     }
+    const failure unreadable{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
+    if (!read_others(array_or_empty(stored, "documents"), edit.others)) return unreadable;
     const auto& operations = array_or_empty(stored, "operations");
     const auto is_operation = [](const property_value& value) {
         return value.dictionary() && !value.dictionary()->text_or_empty("do").empty();
@@ -309,11 +319,14 @@ result<timeline_edit> read_edit(const property_dictionary& stored) {
     for (const auto& value : operations) {
         const auto* one = value.dictionary();
         const std::string code = one ? one->text_or_empty("do") : std::string();
+        if (code == "change beside") {
+            edit.others.push_back(read_change_beside(*one));
+            continue;
+        }
         auto read = one ? read_row_operation(code, *one, texts) : std::nullopt;
         if (one && !read) read = read_whole_operation(code, *one);
         if (one && !read) read = read_clip_operation(code, *one, texts);
-        if (!read)
-            return failure{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
+        if (!read) return unreadable;
         edit.operations.push_back(std::move(*read));
     }
     return edit;

@@ -16,9 +16,6 @@ namespace vistels {
 
 namespace {
 
-constexpr double save_delay_seconds = 1;
-constexpr double longest_unsaved_seconds = 10;
-
 timeline_edit growing_clips(const timeline_snapshot& timeline) {
     timeline_edit edit;
     for (const auto& place : timeline.live_clips) {
@@ -53,12 +50,11 @@ file_conflict stranger_met(const std::string& path, const std::string& kept) {
 
 }  // namespace
 
-// A save on its way; what follows `through` is set on the save queue, before the main thread is told.
-struct timeline_document::running_save {
-    std::uint64_t revision = 0;
+struct timeline_document::revision_to_save {
+    timeline_snapshot snapshot;
+    timeline_header header;
     std::uint64_t through = 0;  // the number of the last edit in it
-    result<void> saved;
-    std::vector<file_conflict> conflicts;
+    save_companion companion;
 };
 
 // What is in the timeline's folder.
@@ -74,7 +70,11 @@ struct timeline_document::files_read {
 };
 
 timeline_document::timeline_document(std::string folder, run_loop& loop, file_system& files)
-    : folder_(std::move(folder)), loop_(loop), files_(files), instance_(new_uuid()), notes_(folder_, files) {}
+    : editable_document(loop),
+      folder_(std::move(folder)),
+      files_(files),
+      instance_(new_uuid()),
+      notes_(folder_, files) {}
 
 result<std::unique_ptr<timeline_document>> timeline_document::open(const std::string& folder, run_loop& loop,
                                                                    file_system& files) {
@@ -87,12 +87,11 @@ result<std::unique_ptr<timeline_document>> timeline_document::open(const std::st
 timeline_document::~timeline_document() {
     if (journal_ && still_holds_lock()) {
         finish_growing("Closed");
-        save_queue_->drain();
+        finish_writing();
         (void)look_for_strangers();
         (void)save_now();  // what cannot be saved stays in the journal
     }
-    save_queue_.reset();
-    if (save_timer_ != 0) loop_.stop_timer(save_timer_);
+    end_saving();
     if (renewal_timer_ != 0) loop_.stop_timer(renewal_timer_);
     if (journal_ && !has_unsaved_edits()) journal_->remove_if_covered(saved_through_);
 }
@@ -127,11 +126,11 @@ result<void> timeline_document::try_to_write(bool take_over) {
     auto read = read_files(true);
     if (!read) return failure{read_only_reason_ = read.message()};
     if (taken) lock_ = std::move(taken);
-    ++revision_;
+    note_revision();
     take_up(read.value());
     change_set all;
     all.kinds = change_set::everything;
-    all.revision = revision_;
+    all.revision = revision();
     changed.emit(all);
     start_writing(read.value().journal);
     if (!journal_) return failure{read_only_reason_};
@@ -209,8 +208,9 @@ void timeline_document::take_up(files_read& read) {
     known_header_ = read.header_file;
     known_saver_ = std::move(read.saver);
     header_ = std::move(read.header);
-    saved_revision_ = revision_;
+    note_saved_state();
     recovered_.clear();
+    recovered_others_.clear();
     timeline_ = read.is_there ? sxy_DATA_root(std::move(read.content)) : sxy_DATA_root();
     if (lock_ && !read.is_there && !read.journal.fits) {
         // On the volume from its first moment, so that its identity is the same whatever happens.
@@ -247,13 +247,12 @@ void timeline_document::start_writing(const journal_content& journal) {
     }
     journal_ = std::move(started).value();
     saved_through_ = journal.base.through;
-    if (!save_queue_) save_queue_ = std::make_unique<serial_queue>("save queue");
     last_noted_seconds_ = journal.last_time;
     finished_clips_.clear();
     for (const auto& place : timeline_.live_clips()) finished_clips_.push_back(place.clip->id());
     recovered_edits_ += finished_clips_.size();
     finish_growing("Recovered");
-    if (!journal.left_out.empty()) ++revision_;  // a save clears away what was kept under another name
+    if (!journal.left_out.empty()) note_revision();  // a save clears away what was kept under another name
     if (has_unsaved_edits()) schedule_save();
 }
 
@@ -282,17 +281,11 @@ void timeline_document::keep_conflicts(const journal_content& journal) {
     }
 }
 
-void timeline_document::tell(file_conflict found) {
-    messages_.push_back(found.message);
-    conflicts_.push_back(found);
-    conflict.emit(found);
-}
-
 void timeline_document::renew_lock() {
     if (!lock_ || !journal_) return;
     if (!lock_->renew()) {
         (void)still_holds_lock();
-    } else if (!running_save_ && look_for_strangers()) {
+    } else if (!is_saving() && look_for_strangers()) {
         save_soon();
     }
 }
@@ -303,11 +296,7 @@ bool timeline_document::still_holds_lock() {
     read_only_reason_ = lock_->lost().message();
     is_held_elsewhere_ = true;
     messages_.push_back(read_only_reason_ + " It can be looked at here but not changed.");
-    save_queue_->drain();
-    if (const auto save = std::exchange(running_save_, nullptr)) {
-        for (const auto& one : save->conflicts) tell(one);
-    }
-    if (save_timer_ != 0) loop_.stop_timer(std::exchange(save_timer_, 0));
+    abandon_saving();
     journal_.reset();
     lock_.reset();
     access_changed.emit();
@@ -319,7 +308,7 @@ bool timeline_document::look_for_strangers() {
     file_identity now;
     const int looking = files_.identity(path_join(folder_, timeline_file_name), now);
     const bool found = looking == ENOENT || (looking == 0 && now != known_data_.identity);
-    if (found) ++revision_;
+    if (found) note_revision();
     return found;
 }
 
@@ -327,17 +316,19 @@ void timeline_document::replay(const journal_content& journal) {
     std::vector<const timeline_edit*> all{&journal.base.growing};
     for (const auto& edit : journal.edits) all.push_back(&edit);
     for (const auto* edit : all) {
-        if (edit->operations.empty()) continue;
+        if (edit->operations.empty() && edit->others.empty()) continue;
         change_set touched;
         const auto applied = apply_edit(timeline_, *edit, touched);
         if (!applied) {
             messages_.push_back(applied.message());
             continue;
         }
+        recovered_others_.insert(recovered_others_.end(), edit->others.begin(), edit->others.end());
         recovered_.emplace_back(*edit, applied.value());
-        ++revision_;
+        note_revision();
     }
     recovered_edits_ = journal.edits.size();
+    if (!recovered_others_.empty()) hold_back();
 }
 
 // A button that was down when the program died, or closed, has made its clip, up to the last time on record.
@@ -360,19 +351,65 @@ result<void> timeline_document::apply(timeline_edit edit) {
     complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
     if (!journal_ || !still_holds_lock()) return failure{read_only_reason_};
     change_set touched;
-    const auto growing = timeline_.live_clips();
-    const auto inverse = apply_edit(timeline_, edit, touched, beside_);
-    if (!inverse) return inverse.error();
+    const auto growing_before = timeline_.live_clips();
+    if (auto done = change_others(edit.others); !done)
+        return failure{"\"" + edit.name + "\" could not be done: " + done.message()};
+    auto inverse = apply_edit(timeline_, edit, touched);
+    if (!inverse) {
+        withdraw_others(edit.others);
+        return inverse.error();
+    }
     if (auto recorded = journal_->append(edit); !recorded) {
-        withdraw_edit(timeline_, inverse.value(), growing, beside_);
+        withdraw_edit(timeline_, inverse.value(), growing_before);
+        withdraw_others(edit.others);
         return recorded;
     }
     follow_shift(edit);
-    touched.revision = ++revision_;
-    schedule_save();
+    note_edit();
+    touched.revision = revision();
+    follow_others(edit.others);
     edited.emit(edit, inverse.value());
+    const std::string own = timeline_.uuid();
+    made.emit(document_edit_of(std::move(edit), own), document_edit_of(std::move(inverse).value(), own));
     changed.emit(touched);
     return {};
+}
+
+change_pointer timeline_document::still_possible(const change_pointer& change) const {
+    auto possible = vistels::still_possible(timeline_, operations_in(*change));
+    return possible.empty() ? nullptr : timeline_change_of(std::move(possible));
+}
+
+bool timeline_document::only_sets_values(const document_change& change) const {
+    return vistels::only_sets_values(operations_in(change));
+}
+
+std::optional<document_part> timeline_document::joined(const document_part& earlier,
+                                                       const document_part& later) const {
+    auto both = vistels::joined(operations_in(*earlier.change), operations_in(*later.change));
+    return document_part{later.document, timeline_change_of(std::move(both)), nullptr};
+}
+
+timeline_document::growing_things timeline_document::growing(const document_change& done,
+                                                             const document_change& back) const {
+    growing_things found;
+    for (const auto& any : operations_in(done)) {
+        if (const auto* begin = std::get_if<operation::begin_clip>(&any))
+            found.begun.push_back(begin->clip->id());
+        if (const auto* finish = std::get_if<operation::finish_clip>(&any))
+            found.ended.push_back(finish->clip);
+    }
+    if (found.begun.empty()) return found;
+    // The clips themselves are left out: their finish takes them back.
+    std::vector<operation::any> rest;
+    for (const auto& any : operations_in(back)) {
+        const auto* remove = std::get_if<operation::remove_clip>(&any);
+        const bool is_begun =
+            remove && std::find(found.begun.begin(), found.begun.end(), remove->clip) != found.begun.end();
+        if (!is_begun) rest.push_back(any);
+    }
+    if (!rest.empty()) found.rest = timeline_change_of(std::move(rest));
+    return found;
 }
 
 // The time noted for clips that grow is one on the collection's clock, too.
@@ -381,8 +418,9 @@ void timeline_document::follow_shift(const timeline_edit& edit) {
     if (seconds != 0 && last_noted_seconds_) (void)note_time(*last_noted_seconds_ + seconds);
 }
 
-result<void> timeline_document::sync_edits() {
-    return journal_ ? journal_->sync() : failure{read_only_reason_};
+std::function<result<void>()> timeline_document::edit_sync() {
+    if (journal_) return [journal = journal_] { return journal->sync(); };
+    return [reason = read_only_reason_]() -> result<void> { return failure{reason}; };
 }
 
 result<void> timeline_document::note_time(double collection_seconds) {
@@ -391,50 +429,29 @@ result<void> timeline_document::note_time(double collection_seconds) {
     return journal_->append_time(collection_seconds);
 }
 
-void timeline_document::schedule_save() {
-    const double now = loop_.time().seconds();
-    if (save_timer_ == 0) {
-        first_unsaved_seconds_ = now;
-    } else {
-        loop_.stop_timer(save_timer_);
-    }
-    const double due = std::min(now + save_delay_seconds, first_unsaved_seconds_ + longest_unsaved_seconds);
-    save_timer_ = loop_.start_timer(std::max(due - now, 0.0), false, [this] {
-        save_timer_ = 0;
-        begin_save();
-    });
-}
-
-void timeline_document::save_soon() {
-    if (has_unsaved_edits()) begin_save();
-}
-
-void timeline_document::set_save_companion(std::function<result<save_companion>()> begin) {
+void timeline_document::set_save_companion(std::function<save_companion()> begin) {
     begin_companion_ = std::move(begin);
-    if (!begin_companion_ && save_queue_) save_queue_->drain();
+    if (!begin_companion_) finish_writing();
 }
 
-void timeline_document::begin_save() {
-    if (running_save_ || !journal_) return;  // the end of the save that runs begins the next
-    if (!still_holds_lock()) return;
-    auto save = std::make_shared<running_save>();
-    save->revision = revision_;
-    save->through = journal_->last_number();
-    running_save_ = save;
-    save_queue_->post([this, save, header = header_, snapshot = timeline_.snapshot(),
-                       companion = begin_companion_ ? begin_companion_() : save_companion()] {
-        save->saved = companion ? write_files(snapshot, header, companion.value(), *save)
-                                : result<void>(companion.error());
-        loop_.post(guard_.guarded([this, save] {
-            if (running_save_ == save) (void)end_save();  // `saved` tells
-        }));
-    });
+bool timeline_document::may_save() {
+    return journal_ && still_holds_lock();
+}
+
+result<editable_document::save_work> timeline_document::take_save() {
+    const std::uint64_t through = journal_->last_number();
+    revision_to_save revision{timeline_.snapshot(), header_, through,
+                              begin_companion_ ? begin_companion_() : save_companion()};
+    return save_work{
+        [this, revision = std::move(revision)](conflicts_met& met) { return write_files(revision, met); },
+        [this, through](const result<void>& outcome) {
+            if (outcome) saved_through_ = through;
+        }};
 }
 
 // On the save queue.
-result<void> timeline_document::write_files(const timeline_snapshot& snapshot, const timeline_header& header,
-                                            const save_companion& companion, running_save& save) {
-    const auto separate = take_notes_off(snapshot);
+result<void> timeline_document::write_files(const revision_to_save& revision, conflicts_met& met) {
+    const auto separate = take_notes_off(revision.snapshot);
     const bool in_doubt = last_saver(folder_, files_) != known_saver_;
     // Notes that outlive a power loss must not find older clips: the edits that they came with are there
     // first.
@@ -444,24 +461,23 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
     const auto strangers_notes = notes_.save(separate, in_doubt);
     if (!strangers_notes) return strangers_notes.error();
     if (!strangers_notes.value().empty()) {
-        save.conflicts.push_back(
-            stranger_met(path_join(folder_, timeline_notes_file_name), strangers_notes.value()));
+        met.push_back(stranger_met(path_join(folder_, timeline_notes_file_name), strangers_notes.value()));
     }
-    journal_base coming{{}, save.through, growing_clips(snapshot), {}, {}};
+    journal_base coming{{}, revision.through, growing_clips(revision.snapshot), {}, {}};
     const auto note = [&](const coming_content& content) -> result<void> {
         coming.content = {content.size, content.hash};
         if (auto noted = journal_->note_save(coming); !noted) return noted;
-        if (companion) companion(coming.content, mark_of(known_data_));
+        if (revision.companion) revision.companion(coming.content, mark_of(known_data_));
         return {};
     };
-    timeline_header beside = header;
+    timeline_header beside = revision.header;
     beside.data_before = mark_of(known_data_);
-    auto written = write_data(separate.timeline, note, in_doubt, save);
+    auto written = write_data(separate.timeline, note, in_doubt, met);
     if (written) {
         notes_.timeline_is_saved();
         beside.data = coming.content;
         written = write_file(timeline_header_file_name, write_property_list(write_timeline_header(beside)),
-                             known_header_, in_doubt, save);
+                             known_header_, in_doubt, met);
     }
     if (written) written = save_save_time(folder_, instance_, files_);
     if (!written) return written;
@@ -472,7 +488,7 @@ result<void> timeline_document::write_files(const timeline_snapshot& snapshot, c
 // On the save queue.
 result<void> timeline_document::write_data(const timeline_snapshot& timeline,
                                            const std::function<result<void>(const coming_content&)>& note,
-                                           bool in_doubt, running_save& save) {
+                                           bool in_doubt, conflicts_met& met) {
     const std::string path = path_join(folder_, timeline_file_name);
     std::optional<property_list_sink> sink;
     const auto put_all = [&](const block_writer& put) {
@@ -482,45 +498,18 @@ result<void> timeline_document::write_data(const timeline_snapshot& timeline,
     };
     const auto kept = safe_write_known_blocks(path, put_all, note, known_data_, in_doubt, files_);
     if (!kept) return kept.error();
-    if (!kept.value().empty()) save.conflicts.push_back(stranger_met(path, kept.value()));
+    if (!kept.value().empty()) met.push_back(stranger_met(path, kept.value()));
     return {};
 }
 
 // On the save queue.
 result<void> timeline_document::write_file(const char* name, const std::string& bytes, known_file& known,
-                                           bool in_doubt, running_save& save) {
+                                           bool in_doubt, conflicts_met& met) {
     const std::string path = path_join(folder_, name);
     const auto kept = safe_write_known(path, bytes, known, in_doubt, files_);
     if (!kept) return kept.error();
-    if (!kept.value().empty()) save.conflicts.push_back(stranger_met(path, kept.value()));
+    if (!kept.value().empty()) met.push_back(stranger_met(path, kept.value()));
     return {};
-}
-
-result<void> timeline_document::end_save() {
-    const auto save = std::exchange(running_save_, nullptr);
-    if (!save) return failure{read_only_reason_};  // the timeline was taken over meanwhile
-    if (save->saved) {
-        saved_revision_ = save->revision;
-        saved_through_ = save->through;
-    }
-    if (has_unsaved_edits() && save_timer_ == 0) schedule_save();
-    for (const auto& one : save->conflicts) tell(one);
-    saved.emit(save->saved.message());
-    return save->saved;
-}
-
-result<void> timeline_document::save_now() {
-    if (!journal_) return failure{read_only_reason_};
-    result<void> saved_all;
-    // The save that runs may be of an older revision than the one that is wanted.
-    for (int attempt = 0; attempt < 2 && (running_save_ || has_unsaved_edits()); ++attempt) {
-        if (!running_save_) begin_save();
-        if (!journal_) return failure{read_only_reason_};
-        save_queue_->drain();
-        saved_all = end_save();
-    }
-    if (save_timer_ != 0 && !has_unsaved_edits()) loop_.stop_timer(std::exchange(save_timer_, 0));
-    return saved_all;
 }
 
 }  // namespace vistels

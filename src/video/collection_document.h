@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "document/editable_document.h"
+#include "util/file_system.h"
+#include "util/result.h"
+#include "util/run_loop.h"
+#include "video/collection_edit.h"
+#include "video/video_collection_ROOT.h"
+
+namespace vistels {
+
+class blank_vistel_movie;
+
+// An open collection: its record, and what of it the files hold. It has no journal of its own: its edits are
+// on record in that of its timeline, the keeper, on the volume before the collection's files are replaced.
+// What lasts only as long as the event is looked at (movie time, volume, the enlarged vistel) is saved along,
+// or by note_values(). Main thread.
+class collection_document : public editable_document {
+  public:
+    // Empty, and not saved, until take_up().
+    collection_document(std::string folder, run_loop& loop, file_system& files = machine_files());
+    // Waits for a save that runs; what is not saved is not saved any more.
+    ~collection_document() override;
+
+    document_id id() const override { return {document_kind::collection, record_.uuid()}; }
+    // Without a keeper the edit is on record once it is saved.
+    result<void> make(document_edit edit) override;
+    bool only_sets_values(const document_change& change) const override;
+    std::optional<document_part> joined(const document_part& earlier,
+                                        const document_part& later) const override;
+
+    // As its keeper is; without one it can be written.
+    bool is_read_only() const override { return keeper_ && keeper_->is_read_only(); }
+    const std::string& read_only_reason() const override;
+    bool is_held_elsewhere() const override { return keeper_ && keeper_->is_held_elsewhere(); }
+    std::function<result<void>()> edit_sync() override;
+
+    // Its edits go on record in that journal from now on; `keeper` must outlive this.
+    void set_keeper(editable_document& keeper);
+
+    const std::string& folder() const { return folder_; }
+    const video_collection_ROOT& record() const { return record_; }
+    // For what is no edit.
+    video_collection_ROOT& record() { return record_; }
+    // As it was read from its files just now.
+    void take_up(video_collection_ROOT read);
+    // Makes what the keeper's journal brought back, as far as it concerns this collection and the record
+    // lacks it; it is to be saved then.
+    void take_up_recovered(const std::vector<document_part>& parts);
+    // The record as it was saved last, but for the time of saving.
+    const property_dictionary& saved_record() const { return saved_record_; }
+
+    // Of which padding movies are made that an edit needs and that are not there; `blank` must outlive this.
+    void set_blank_movie(blank_vistel_movie& blank) { blank_ = &blank; }
+    // Movie parts are about to change: padding movies that are in no use now may come into use. They are kept
+    // until the parts have changed.
+    void expect_parts();
+    // The record was changed in another way than by make(). Padding movies that are in no use are deleted
+    // once a change of movie parts is saved.
+    void note_change(bool parts);
+    // Where values differ from those that were saved, the next save writes them.
+    void note_values();
+
+  private:
+    struct padding_use;
+
+    result<save_work> take_save() override;
+    bool may_save() override;
+    result<void> change(const document_change& change) override;
+    void follow(const document_change& change) override;
+    result<void> make_padding_again(const collection_edit& edit) const;
+
+    const std::string folder_;
+    file_system& files_;
+    editable_document* keeper_ = nullptr;
+    connection access_;
+    blank_vistel_movie* blank_ = nullptr;
+    video_collection_ROOT record_;
+    property_dictionary saved_record_;
+    bool is_taken_up_ = false;
+    bool parts_changed_ = false;  // since the last save
+    bool parts_are_expected_ = false;
+    const std::shared_ptr<padding_use> padding_use_;
+};
+
+}  // namespace vistels
