@@ -6,6 +6,7 @@
 #include "app/settings/user_name.h"
 #include "cli/collection_edit_commands.h"
 #include "cli/collection_playback.h"
+#include "cli/command_failures.h"
 #include "cli/commands.h"
 #include "cli/headless_changes.h"
 #include "util/file_system.h"
@@ -51,7 +52,7 @@ property_dictionary vistel_document(const single_Vistel_CTR& vistel,
         one.add("picture", path.empty() ? property_value() : property_value(absolute_path(path)));
     }
     if (!overlay_path(vistel).empty()) one.add("overlay", absolute_path(overlay_path(vistel)));
-    if (!vistel.problem().empty()) one.add("problem", vistel.problem());
+    if (const auto problem = vistel.problem()) one.add("problem", problem.message());
     return one;
 }
 
@@ -69,8 +70,10 @@ property_dictionary document_of(const loaded_collection& loaded) {
     property_array vistels;
     for (const auto& vistel : collection.vistels()) vistels.emplace_back(vistel_document(*vistel, items));
     printed.add("vistels", std::move(vistels));
-    property_array problems(loaded.messages.begin(), loaded.messages.end());
-    problems.insert(problems.end(), loaded.alerts.begin(), loaded.alerts.end());
+    property_array problems;
+    for (const auto* all : {&loaded.messages, &loaded.alerts}) {
+        for (const auto& found : *all) problems.emplace_back(found.message());
+    }
     if (!problems.empty()) printed.add("problems", std::move(problems));
     return printed;
 }
@@ -92,7 +95,7 @@ result<command_outcome> make_new(const new_values& values, command_line& line) {
 result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const video_collection_ROOT& collection,
                                                      const std::string& folder, const std::string& name) {
     auto vistel = collection.find_vistel(name);
-    if (!vistel) return failure{"The collection \"" + folder + "\" has no vistel \"" + name + "\"."};
+    if (!vistel) return collection_has_no_such_vistel(folder, name);
     return vistel;
 }
 
@@ -127,7 +130,7 @@ result<command_outcome> pad(const padding_values& values, command_line& line) {
                          : values.restore ? padding_command::restore_offsets
                                           : padding_command::remove_offsets_and_padding;
     const auto planned = plan_padding(changes.collection(), command);
-    if (!planned) return failure{"\"" + values.folder + "\" was not changed: " + planned.message()};
+    if (!planned) return collection_was_not_changed(values.folder, planned.error());
     if (auto made = make_padding_files(planned.value().files, changes.blank_movie(), line.command_job());
         !made)
         return made.error();

@@ -9,6 +9,7 @@
 #include "app/event/vistel_changes.h"
 #include "app/settings/settings.h"
 #include "app/settings/user_name.h"
+#include "cli/command_failures.h"
 #include "cli/headless_changes.h"
 #include "timeline/files/writer_lock.h"
 #include "util/clock.h"
@@ -60,7 +61,7 @@ result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const headless_changes& cha
                                                      const edit_values& values) {
     auto vistel = changes.collection().find_vistel(values.vistel);
     if (vistel) return vistel;
-    return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+    return collection_has_no_such_vistel(values.folder, values.vistel);
 }
 
 // The same for a change of one vistel.
@@ -157,8 +158,7 @@ result<command_outcome> close_for_good(const edit_values& values, command_line& 
         changes.collection(),
         {values.vistel, user_of(values, line.places()), values.confirmed, line.places().trash}, take_out);
     if (!closed) return closed.error();
-    if (!closed.value().problem.empty())
-        return failure{"The vistel is closed; its movie data stayed in its place: " + closed.value().problem};
+    if (closed.value().problem) return movie_data_stayed(closed.value().problem);
     return show_collection(values.folder, line.places());
 }
 
@@ -187,7 +187,7 @@ result<command_outcome> copy(const edit_values& values, command_line& line) {
     if (!loaded) return loaded.error();
     const auto vistel = loaded.value().collection.find_vistel(values.vistel);
     if (!vistel) {
-        return failure{"The collection \"" + values.folder + "\" has no vistel \"" + values.vistel + "\"."};
+        return collection_has_no_such_vistel(values.folder, values.vistel);
     }
     const std::string to = values.to.empty() ? line.places().desktop : values.to;
     if (auto made = values.to.empty() ? make_folders(to) : result<void>(); !made) return made.error();

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 
+#include "cli/command_failures.h"
 #include "cli/headless_playback.h"
 #include "cli/playback_tally.h"
 #include "media/picture.h"
@@ -54,7 +55,7 @@ result<command_outcome> run_frame(const frame_values& values, command_line& line
         one.add("movie_time", shown.playback().collection_time() + vistel.lead);
         one.add("frame_time", time_or_null(shown.frame_time(vistel.uuid)));
         const auto problem = shown.problem(vistel.uuid);
-        if (!problem.empty()) one.add("problem", problem);
+        if (problem) one.add("problem", problem.message());
         vistels.emplace_back(std::move(one));
     }
     property_dictionary printed;
@@ -116,7 +117,7 @@ result<command_outcome> run_play(const play_values& values, command_line& line) 
     });
     const double played = shown.clock_seconds() - begun;
     playback.pause();
-    if (line.command_job().is_cancelled()) return failure{"Playing \"" + values.folder + "\" was cancelled."};
+    if (line.command_job().is_cancelled()) return playing_was_cancelled(values.folder);
     property_dictionary printed;
     printed.add("seconds", played);
     printed.add("rate", playback.rate());

@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "cli/command_failures.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -109,7 +110,7 @@ result<std::vector<double>> numbers_from_list(const std::string& text) {
     std::vector<double> numbers;
     for (const auto& part : parts_of(text)) {
         const auto number = finite_from(part);
-        if (!number) return failure{"\"" + part + "\" is no number."};
+        if (!number) return text_is_no_number(part);
         numbers.push_back(*number);
     }
     return numbers;

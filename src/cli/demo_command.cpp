@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <memory>
 
+#include "cli/command_failures.h"
 #include "cli/commands.h"
 #if VISTELS_HAVE_MEDIA
 #include "demo/demo_event.h"
@@ -37,8 +38,7 @@ result<command_outcome> make_demo(const demo_values& values, command_line& line)
 #else
 
 result<command_outcome> make_demo(const demo_values& values, command_line&) {
-    return failure{"The demo event in \"" + values.parent +
-                   "\" was not made: this program was built without media."};
+    return demo_without_media(values.parent);
 }
 
 #endif

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "cli/command_failures.h"
 #include "cli/commands.h"
 #include "cli/timeline_source.h"
 #include "formula/clip_filter.h"
@@ -49,7 +50,7 @@ result<property_dictionary> applied(const std::string& text, const timeline_snap
     const auto formula = parser_ROOT::for_filter(text);
     clip_filter filter(formula);
     const auto found = filter.passing(timeline.rows, work);
-    if (!found) return failure{"Filtering \"" + values.source + "\" was cancelled."};
+    if (!found) return filtering_was_cancelled(values.source);
     property_dictionary printed;
     printed.add("error", formula.parser_Error());
     printed.add("errors", formula.parser_Errors_String());

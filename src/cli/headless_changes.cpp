@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/vaults/mending.h"
+#include "cli/command_failures.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
 
@@ -26,7 +27,7 @@ bool has_timeline(const std::string& folder) {
 result<void> headless_changes::open(const std::string& folder, const home_places& places) {
     folder_ = folder;
     for (const auto& message : mend_event(folder, places.local_vistels()).messages)
-        std::cerr << message << '\n';
+        std::cerr << message.message() << '\n';
     blank_movie_ = std::make_unique<blank_vistel_movie>(places.temporary_folder());
     if (!has_timeline(folder)) {
         auto lock = writer_lock::take(folder);
@@ -37,8 +38,8 @@ result<void> headless_changes::open(const std::string& folder, const home_places
     auto opened = timeline_document::open(folder, loop_);
     if (!opened) return opened.error();
     timeline_ = std::move(opened).value();
-    if (timeline_->is_read_only()) return failure{timeline_->read_only_reason()};
-    for (const auto& message : timeline_->messages()) std::cerr << message << '\n';
+    if (timeline_->is_read_only()) return timeline_->read_only_reason();
+    for (const auto& message : timeline_->messages()) std::cerr << message.message() << '\n';
     if (auto loaded = load(places); !loaded) return loaded;
     // Saved with the next save even if there is nothing to change.
     collection_->set_keeper(*timeline_);

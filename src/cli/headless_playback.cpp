@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "cli/command_failures.h"
 #include "video/video_coll_LOAD.h"
 #include "video/video_coll_Pictures.h"
 #include "video/video_coll_Playback.h"
@@ -102,20 +103,20 @@ result<void> headless_playback::open(const std::string& folder, const home_place
     playback_.set_least_range(first, last);
     if (!vistel.empty()) {
         const auto chosen = collection_.find_vistel(vistel);
-        if (!chosen) return failure{"The collection \"" + folder + "\" has no vistel \"" + vistel + "\"."};
+        if (!chosen) return collection_has_no_such_vistel(folder, vistel);
         std::erase_if(played_, [&](const auto& one) { return one.uuid != chosen->uuid(); });
     }
-    if (played_.empty()) return failure{"The collection \"" + folder + "\" has no vistels."};
+    if (played_.empty()) return collection_has_no_vistels(folder);
     playback_.set_volume(0);
     playback_.set_vistels(played_);
     if (auto settled = seek(collection_.movie_time()); !settled) return settled;
-    std::string first_problem;
+    failure first_found;
     for (const auto& one : played_) {
-        const std::string text = problem(one.uuid);
-        if (text.empty()) return {};
-        if (first_problem.empty()) first_problem = text;
+        const failure found = problem(one.uuid);
+        if (!found) return {};
+        if (!first_found) first_found = found;
     }
-    return failure{"No vistel of \"" + folder + "\" can be shown: " + first_problem};
+    return no_vistel_can_be_shown(folder, first_found);
 }
 
 void headless_playback::set_view_sizes(int width, int height) {
@@ -126,8 +127,8 @@ result<void> headless_playback::seek(double collection_seconds) {
     bool done = false;
     playback_.seek(collection_seconds, [&done] { done = true; });
     const bool settled = loop_.run_until([&] { return done || work_.is_cancelled(); }, longest_wait_seconds);
-    if (work_.is_cancelled()) return failure{"Seeking in \"" + folder_ + "\" was cancelled."};
-    if (!settled) return failure{"The vistels of \"" + folder_ + "\" did not show their frames in time."};
+    if (work_.is_cancelled()) return seeking_was_cancelled(folder_);
+    if (!settled) return frames_did_not_come(folder_);
     return {};
 }
 
@@ -144,8 +145,8 @@ result<void> headless_playback::seek_in(const std::map<std::string, size_in_pixe
                    });
         },
         longest_wait_seconds);
-    if (work_.is_cancelled()) return failure{"Showing \"" + folder_ + "\" was cancelled."};
-    if (!made) return failure{"The vistels of \"" + folder_ + "\" did not show their frames in time."};
+    if (work_.is_cancelled()) return showing_was_cancelled(folder_);
+    if (!made) return frames_did_not_come(folder_);
     return {};
 }
 
@@ -158,9 +159,9 @@ std::optional<double> headless_playback::frame_time(const std::string& vistel) c
                                                             : std::nullopt;
 }
 
-std::string headless_playback::problem(const std::string& vistel) const {
-    const std::string from_playback = playback_.problem(vistel);
-    return from_playback.empty() ? collection_.find_vistel(vistel)->problem() : from_playback;
+failure headless_playback::problem(const std::string& vistel) const {
+    const failure from_playback = playback_.problem(vistel);
+    return from_playback ? from_playback : collection_.find_vistel(vistel)->problem();
 }
 
 rectangle headless_playback::frame_of(const std::string& vistel) const {

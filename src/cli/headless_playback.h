@@ -41,7 +41,7 @@ class headless_playback {
 
     // The time of the frame that a vistel shows on its own time line; nothing when it shows none.
     std::optional<double> frame_time(const std::string& vistel) const;
-    std::string problem(const std::string& vistel) const;
+    failure problem(const std::string& vistel) const;
 
     // What is shown, each vistel in its frame of the layout with its proportions kept, on black. A single
     // vistel fills the picture.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/event/timeline_links.h"
+#include "cli/command_failures.h"
 #include "logger/logger_Dict_funcs.h"
 #include "logger/press_engine.h"
 #include "timeline/files/timeline_document.h"
@@ -78,15 +79,15 @@ const markup_Button_Item* find_button(const buttons& all, const std::string& uui
 result<script_event> read_event(const property_value& value, const buttons& all) {
     const auto* stored = value.dictionary();
     const auto at = stored ? stored->number("at") : std::nullopt;
-    if (!at || !std::isfinite(*at)) return failure{"has no time under \"at\"."};
-    if (std::abs(*at) > most_stored_seconds) return failure{"is at a time beyond 30 years."};
+    if (!at || !std::isfinite(*at)) return script_event_has_no_time();
+    if (std::abs(*at) > most_stored_seconds) return script_event_is_too_late();
     const auto action = action_named(stored->text_or_empty("do"));
-    if (!action) return failure{"has no \"down\", \"up\", \"tab\" or \"end\" under \"do\"."};
+    if (!action) return script_event_does_nothing();
     script_event event{*at, *action, {}};
     if (*action == script_action::down || *action == script_action::up) {
         const std::string named = stored->text_or_empty("button");
         const auto* button = find_button(all, named);
-        if (!button) return failure{"names a button that is not there: \"" + named + "\"."};
+        if (!button) return script_event_has_no_button(named);
         event.button = button->uuid();
     }
     return event;
@@ -99,14 +100,13 @@ result<std::vector<script_event>> read_script(const std::string& path, const but
     if (!read) return read.error();
     const auto* document = read.value().dictionary();
     const auto* stored = document ? document->array("events") : nullptr;
-    if (!stored) return failure{"\"" + path + "\" holds no \"events\"."};
+    if (!stored) return script_has_no_events(path);
     std::vector<script_event> events;
     for (const auto& value : *stored) {
-        const std::string which = "\"" + path + "\": event " + std::to_string(events.size() + 1) + " ";
         auto event = read_event(value, all);
-        if (!event) return failure{which + event.message()};
+        if (!event) return script_event_is_wrong(path, events.size() + 1, event.error());
         if (!events.empty() && event.value().at < events.back().at) {
-            return failure{which + "comes before the one before it; the times must ascend."};
+            return script_event_is_wrong(path, events.size() + 1, script_events_do_not_ascend());
         }
         events.push_back(std::move(event).value());
     }

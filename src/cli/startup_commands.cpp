@@ -17,6 +17,12 @@ property_array texts(const std::vector<std::string>& all) {
     return property_array(all.begin(), all.end());
 }
 
+property_array texts(const std::vector<failure>& all) {
+    property_array sentences;
+    for (const auto& one : all) sentences.emplace_back(one.message());
+    return sentences;
+}
+
 result<command_outcome> run_startup(const home_places& places, double build) {
     const double begun = steady_clock().seconds();
     const auto report = start_up(places, build, steady_clock().seconds() - begun);
@@ -84,8 +90,9 @@ result<command_outcome> run_create(const home_places& places, const new_vault_re
     if (!made) return made.error();
     property_dictionary printed;
     printed.add("vault", made.value().path);
-    if (!made.value().problem.empty()) std::cerr << made.value().problem << '\n';
-    return command_outcome{std::move(printed), made.value().problem.empty() ? 0 : 1};
+    const failure& problem = made.value().problem;
+    if (problem) std::cerr << problem.message() << '\n';
+    return command_outcome{std::move(printed), problem ? 1 : 0};
 }
 
 using vault_change = result<void> (*)(const home_places&, const std::string& vault);

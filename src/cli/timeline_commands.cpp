@@ -5,6 +5,7 @@
 
 #include "app/event/timeline_links.h"
 #include "app/settings/state_log.h"
+#include "cli/command_failures.h"
 #include "cli/commands.h"
 #include "cli/timeline_edit_commands.h"
 #include "cli/timeline_source.h"
@@ -49,7 +50,7 @@ result<void> select_only(const timeline_snapshot& timeline, const std::string& l
         }
     }
     if (wanted.empty()) return {};
-    return failure{"The timeline has no clip \"" + *wanted.begin() + "\"."};
+    return timeline_has_no_clip(*wanted.begin());
 }
 
 // What the file that is saved holds.
@@ -94,8 +95,7 @@ result<void> save_files(const resave_values& values, const timeline_snapshot& ti
     const bool in_place = is_same_folder(values.source, values.to);
     const auto segments = journal_segments(values.to);
     if (!in_place && !segments.empty()) {
-        return failure{"\"" + path_join(values.to, segments.front()) +
-                       "\" may hold unsaved edits of the timeline there; open that timeline first."};
+        return journal_may_hold_edits(path_join(values.to, segments.front()));
     }
     if (auto saved = save_timeline(timeline, values.to); !saved) return saved;
     const std::string source_folder = is_folder(values.source) ? values.source : path_folder(values.source);
@@ -115,7 +115,7 @@ result<void> save_files(const resave_values& values, const timeline_snapshot& ti
 result<command_outcome> resave(const resave_values& values, const home_places& places) {
     auto loaded = read_source(values.source);
     if (!loaded) return loaded.error();
-    for (const auto& message : loaded.value().messages) log_line(places, message);
+    for (const auto& message : loaded.value().messages) log_line(places, message.message());
     // With what an open timeline has: rows and clips without an identity get one.
     sxy_DATA_root timeline(std::move(loaded.value().content));
     timeline.set_stores_only_selected(values.selects);
@@ -133,7 +133,7 @@ result<command_outcome> overlap(const std::string& source, const std::string& uu
     // With every clip's times in order, as an open timeline has them.
     const sxy_DATA_root timeline(std::move(loaded).value().content);
     const auto place = timeline.find_clip(uuid);
-    if (!place) return failure{"\"" + source + "\" has no clip \"" + uuid + "\"."};
+    if (!place) return source_has_no_clip(source, uuid);
     const auto found = first_overlap(*timeline.row(place->row), *place->clip);
     property_dictionary printed;
     printed.add("test", found ? property_value(clip_overlap_text(found->test)) : property_value());

@@ -6,11 +6,13 @@
 #include <memory>
 
 #include "app/event/timeline_links.h"
+#include "cli/command_failures.h"
 #include "cli/timeline_source.h"
 #include "timeline/edits/merge_timeline.h"
 #include "timeline/edits/row_compaction.h"
 #include "timeline/files/timeline_document.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/simulated_run_loop.h"
 
@@ -22,15 +24,15 @@ namespace {
 result<command_outcome> edit_folder(const std::string& folder, const home_places& places,
                                     const std::function<result<timeline_edit>(const sxy_DATA_root&)>& plan) {
     if (!file_exists(path_join(folder, timeline_file_name))) {
-        return failure{"\"" + path_join(folder, timeline_file_name) + "\" is missing."};
+        return file_is_missing(path_join(folder, timeline_file_name));
     }
     simulated_run_loop loop;
     auto opened = open_linked_timeline(folder, places, loop);
     if (!opened) return opened.error();
     auto& document = *opened.value();
     auto edit = plan(document.timeline());
-    if (!edit) return failure{"\"" + folder + "\": " + edit.message()};
-    for (const auto& message : document.messages()) std::cerr << message << '\n';
+    if (!edit) return timeline_has_a_fault(folder, edit.error());
+    for (const auto& message : document.messages()) std::cerr << message.message() << '\n';
     if (!edit.value().operations.empty()) {
         if (auto applied = document.apply(std::move(edit).value()); !applied) return applied.error();
     }

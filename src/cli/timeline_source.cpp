@@ -30,7 +30,7 @@ void replay(sxy_DATA_root& timeline, const journal_content& journal) {
 result<loaded_timeline> load_and_tell(const std::string& source) {
     auto loaded = load_timeline(source);
     if (loaded) {
-        for (const auto& message : loaded.value().messages) std::cerr << message << '\n';
+        for (const auto& message : loaded.value().messages) std::cerr << message.message() << '\n';
     }
     return loaded;
 }

@@ -9,8 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "app/vaults/vault_failures.h"
 #include "app/vaults/vaults.h"
 #include "demo/code_plan.h"
+#include "demo/demo_failures.h"
 #include "demo/film_camera.h"
 #include "demo/filming.h"
 #include "demo/game_coding.h"
@@ -18,6 +20,7 @@
 #include "logger/logger_Dict_funcs.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/writer_lock.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
 #include "video/vault_lock.h"
@@ -67,17 +70,15 @@ void remove_unfinished(const std::string& vault) {
 }
 
 result<void> check(const demo_options& options) {
-    if (options.cameras < 1 || options.cameras > most_cameras)
-        return failure{"The demo event can have 1 to " + std::to_string(most_cameras) + " cameras."};
+    if (options.cameras < 1 || options.cameras > most_cameras) return demo_has_too_many_cameras(most_cameras);
     if (options.seconds < least_seconds || options.seconds > most_seconds)
-        return failure{"The demo event can last " + std::to_string(least_seconds) + " to " +
-                       std::to_string(most_seconds) + " seconds."};
+        return demo_has_another_length(least_seconds, most_seconds);
     return {};
 }
 
 result<void> move_folder(const std::string& from, const std::string& to) {
     if (const int fault = machine_files().rename(from, to))
-        return file_failure(to, "could not be made", fault);
+        return file_could_not_be_made(to, system_failure(fault));
     (void)machine_files().sync_folder(path_folder(to));
     return {};
 }
@@ -107,7 +108,7 @@ class event_maker {
         if (auto made = make_vistels(); !made) return made;
         if (auto filmed = demo::film_game(game, orders_, work); !filmed) return filmed;
         if (auto saved = save_records(game); !saved) return saved;
-        if (work.is_cancelled()) return failure{"The demo event was cancelled."};
+        if (work.is_cancelled()) return demo_was_cancelled();
         return {};
     }
 
@@ -244,14 +245,13 @@ result<demo_paths> make_demo_collection(const std::string& vault_folder, const d
 result<demo_paths> make_demo_event(const std::string& parent_folder, const demo_options& options, job& work) {
     if (auto checked = check(options); !checked) return checked.error();
     if (options.vault_name.empty() || options.vault_name.find('/') != std::string::npos)
-        return failure{"\"" + options.vault_name + "\" is no name for a vault."};
+        return demo_vault_has_no_name(options.vault_name);
     std::error_code ignored;
     const std::string parent = fs::absolute(parent_folder, ignored).lexically_normal().string();
     const std::string vault = path_join(parent, options.vault_name + vault_ending);
-    if (file_exists(vault))
-        return failure{"Vault '" + options.vault_name + "' already exists. It is \"" + vault + "\"."};
+    if (file_exists(vault)) return vault_exists(options.vault_name, vault);
     const bool had_parent = is_folder(parent);
-    result<demo_paths> outcome = failure{""};
+    result<demo_paths> outcome = failure();
     {
         const passing_folder hidden(path_join(parent, ".making " + new_uuid() + vault_ending));
         if (auto made = make_folders(hidden.path()); !made) return made.error();

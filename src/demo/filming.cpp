@@ -9,6 +9,7 @@
 #include <numeric>
 #include <optional>
 
+#include "demo/demo_failures.h"
 #include "demo/film_camera.h"
 #include "demo/frame_painter.h"
 #include "demo/sound_mixer.h"
@@ -42,8 +43,8 @@ class film_crew {
     }
 
     result<void> outcome() const {
-        if (failure_) return *failure_;
-        if (work_.is_cancelled()) return failure{"The demo event was cancelled."};
+        if (failure_) return failure_;
+        if (work_.is_cancelled()) return demo_was_cancelled();
         return {};
     }
 
@@ -126,7 +127,7 @@ class film_crew {
     std::atomic<bool> failed_ = false;
     std::mutex mutex_;  // guards what follows
     int frames_done_ = 0;
-    std::optional<failure> failure_;
+    failure failure_;
 };
 
 }  // namespace

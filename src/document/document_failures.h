@@ -5,8 +5,8 @@
 
 namespace vistels {
 
-inline constexpr failure_of<> held_back{"document held back",
+inline constexpr failure_of<> held_back{"held back",
                                         "It was not saved: what belongs to it could not be saved."};
-inline constexpr failure_of<> other_not_open{"other document not open", "What else it changes is not open."};
+inline constexpr failure_of<> other_not_open{"other not open", "What else it changes is not open."};
 
 }  // namespace vistels

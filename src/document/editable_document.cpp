@@ -112,7 +112,7 @@ void editable_document::schedule_save() {
 }
 
 void editable_document::tell(file_conflict found) {
-    messages_.push_back(found.message);
+    messages_.push_back(found.told);
     conflicts_.push_back(found);
     conflict.emit(found);
 }
@@ -180,13 +180,13 @@ result<void> editable_document::end_save() {
 }
 
 result<void> editable_document::save_now() {
-    if (is_read_only()) return failure{read_only_reason()};
+    if (is_read_only()) return read_only_reason();
     if (is_held_back_ && has_unsaved_edits()) return held_back();
     last_outcome_ = {};
     // The save that runs may be of an older revision than the one that is wanted.
     for (int attempt = 0; attempt < 2 && (running_ || has_unsaved_edits()); ++attempt) {
         if (!running_) begin_save();
-        if (is_read_only()) return failure{read_only_reason()};
+        if (is_read_only()) return read_only_reason();
         if (!running_) break;
         for (const auto& kept : kept_) {
             if (running_ && !running_->is_writing) (void)kept->document->save_now();

@@ -20,7 +20,7 @@ namespace vistels {
 
 // Two programs changed the same thing; both versions are kept.
 struct file_conflict {
-    std::string message;  // for the user: what happened and where the other version is
+    failure told;         // what happened and where the other version is
     std::string path;     // the file that the document writes
     std::string kept_as;  // the other version
 };
@@ -50,8 +50,8 @@ class editable_document {
 
     // Every edit is refused, and nothing saved.
     virtual bool is_read_only() const = 0;
-    // Why, for the user; empty when it can be written.
-    virtual const std::string& read_only_reason() const = 0;
+    // Why; none when it can be written.
+    virtual const failure& read_only_reason() const = 0;
     // Whether another program is why.
     virtual bool is_held_elsewhere() const = 0;
 
@@ -61,7 +61,7 @@ class editable_document {
     bool has_unsaved_edits() const { return revision_ != saved_revision_; }
 
     // What there was to tell the user: what was brought back, conflicts, in the order in which it happened.
-    const std::vector<std::string>& messages() const { return messages_; }
+    const std::vector<failure>& messages() const { return messages_; }
     // Those found by opening, and each that came since.
     const std::vector<file_conflict>& conflicts() const { return conflicts_; }
 
@@ -160,7 +160,7 @@ class editable_document {
     void end_saving();
 
     run_loop& loop_;
-    std::vector<std::string> messages_;
+    std::vector<failure> messages_;
 
   private:
     struct running_save;

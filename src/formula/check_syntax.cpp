@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "formula/code_points.h"
+#include "formula/formula_failures.h"
 #include "formula/tokenise.h"
 
 namespace vistels {
@@ -98,7 +99,7 @@ void add_place(std::vector<text_span>& places, const text_span& place) {
 void check_quotes(std::string_view text, std::vector<formula_problem>& problems) {
     const std::size_t unpaired = unpaired_quote(text);
     if (unpaired == npos) return;
-    problems.push_back({"Quotation marks", {{count_code_points(text.substr(0, unpaired)), 1}}});
+    problems.push_back({quotation_marks_are_odd(), {{count_code_points(text.substr(0, unpaired)), 1}}});
 }
 
 void check_brackets(std::string_view text, std::vector<formula_problem>& problems) {
@@ -107,15 +108,16 @@ void check_brackets(std::string_view text, std::vector<formula_problem>& problem
     const auto stray_round = round.is_well() ? std::vector<bracket>() : unpaired_brackets(text, '(', ')');
     const auto stray_square = square.is_well() ? std::vector<bracket>() : unpaired_brackets(text, '[', ']');
     if (!round.is_balanced()) {
-        problems.push_back({"Unbalanced brackets", places_of(stray_round, round.opened > round.closed)});
+        problems.push_back({brackets_are_unbalanced(), places_of(stray_round, round.opened > round.closed)});
     }
     if (!square.is_balanced()) {
         problems.push_back(
-            {"Unbalanced square brackets", places_of(stray_square, square.opened > square.closed)});
+            {square_brackets_are_unbalanced(), places_of(stray_square, square.opened > square.closed)});
     }
-    if (round.is_out_of_order) problems.push_back({"Brackets out of order", places_of(stray_round, false)});
+    if (round.is_out_of_order)
+        problems.push_back({brackets_are_out_of_order(), places_of(stray_round, false)});
     if (square.is_out_of_order) {
-        problems.push_back({"Square brackets out of order", places_of(stray_square, false)});
+        problems.push_back({square_brackets_are_out_of_order(), places_of(stray_square, false)});
     }
 }
 
@@ -137,9 +139,9 @@ void check_tokens(const std::vector<token_ITEM>& tokens, std::vector<formula_pro
         }
         if (holds_operator(token)) add_place(with_operators, token.place);
     }
-    if (!invalid.empty()) problems.push_back({"Invalid identifier", std::move(invalid)});
-    if (!with_operators.empty()) problems.push_back({"Operator inside a word", std::move(with_operators)});
-    if (!unrecognised.empty()) problems.push_back({"Unrecognised character", std::move(unrecognised)});
+    if (!invalid.empty()) problems.push_back({identifier_is_invalid(), std::move(invalid)});
+    if (!with_operators.empty()) problems.push_back({operator_stands_in_a_word(), std::move(with_operators)});
+    if (!unrecognised.empty()) problems.push_back({character_is_unrecognised(), std::move(unrecognised)});
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "formula/code_points.h"
+#include "formula/formula_failures.h"
 #include "formula/normalise.h"
 #include "formula/parser_ROOT.h"
 
@@ -106,9 +107,8 @@ result<edited_formula> with_term(std::string_view formula, std::size_t caret, co
                           count_code_points(front) + count_code_points(written.value())};
     if (!is_read_as(parser_ROOT::for_display(edited.text), count_code_points(front), written.value(),
                     term.code)) {
-        return failure{parsed.parser_Error() ? "Nothing can be added while the formula has an error: " +
-                                                   parsed.parser_Errors_String() + "."
-                                             : "Nothing can be added inside square brackets."};
+        return parsed.parser_Error() ? formula_has_an_error(parsed.parser_Errors())
+                                     : caret_is_in_square_brackets();
     }
     return edited;
 }

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "formula/formula_failures.h"
 #include "formula/star_text.h"
 #include "formula/tokenise.h"
 
@@ -58,12 +59,9 @@ parser_ROOT parser_ROOT::for_display(std::string_view text) {
     return parser_ROOT(normalised_for_display(text));
 }
 
-std::string parser_ROOT::parser_Errors_String() const {
-    std::string all;
-    for (const auto& problem : problems_) {
-        if (!all.empty()) all += ", ";
-        all += problem.message;
-    }
+failure parser_ROOT::parser_Errors() const {
+    failure all;
+    for (const auto& problem : problems_) all = all ? several_problems(all, problem.told) : problem.told;
     return all;
 }
 

@@ -96,8 +96,9 @@ class parser_ROOT {
     const std::vector<token_ITEM>& ray_token_ITEMs() const { return ray_token_ITEMs_; }
     std::vector<token_ITEM>& ray_token_ITEMs() { return ray_token_ITEMs_; }
     bool parser_Error() const { return !problems_.empty(); }
-    // The messages, separated by ", ".
-    std::string parser_Errors_String() const;
+    // All problems as one failure, and its English words, separated by ", ".
+    failure parser_Errors() const;
+    std::string parser_Errors_String() const { return parser_Errors().message(); }
     const std::vector<formula_problem>& problems() const { return problems_; }
     const identifier_types_used& identifier_Type_used() const { return used_; }
 

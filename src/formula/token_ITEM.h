@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "util/failure.h"
+
 namespace vistels {
 
 // What a token of a formula is. EMPTY ones were consumed by others and are never in a finished list.
@@ -25,7 +27,7 @@ struct text_span {
 
 // Something that is wrong in a formula, and where: code points of the normalised text.
 struct formula_problem {
-    std::string message;
+    failure told;
     std::vector<text_span> places;
 };
 

@@ -4,6 +4,7 @@
 
 #include "formula/code_points.h"
 #include "formula/formula_builder.h"
+#include "formula/formula_failures.h"
 #include "formula/star_text.h"
 
 namespace vistels {
@@ -46,10 +47,6 @@ void rule_out_stray_brackets(std::vector<letter>& letters, std::string_view left
     for (const std::size_t place : open) letters[place].is_writable = false;
 }
 
-failure cannot_be_written(std::string_view value, const std::string& reason) {
-    return failure{"\"" + std::string(value) + "\" cannot be written in a formula: " + reason + "."};
-}
-
 }  // namespace
 
 result<std::string> written_word(std::string_view value) {
@@ -59,15 +56,15 @@ result<std::string> written_word(std::string_view value) {
     const auto is_writable = [](const letter& one) { return one.is_writable; };
     const auto first = std::find_if(letters.begin(), letters.end(), is_writable);
     const auto last = std::find_if(letters.rbegin(), letters.rend(), is_writable).base();
-    if (first == letters.end()) return cannot_be_written(value, "no character of it can stand in quotes");
+    if (first == letters.end()) return word_cannot_be_written(value, word_has_no_plain_character());
     if (const auto odd = std::find_if_not(first, last, is_writable); odd != last) {
-        return cannot_be_written(value, "\"" + std::string(odd->text) + "\" cannot stand in quotes there");
+        return word_cannot_be_written(value, character_cannot_be_quoted(odd->text));
     }
     std::string word;
     for (auto one = first; one != last; ++one) word += one->text;
     for (const char* mistaken : {" || ", " && ", " !! ", "[RO]"}) {
         if (word.find(mistaken) == std::string::npos) continue;
-        return cannot_be_written(value, "\"" + std::string(mistaken) + "\" has a meaning of its own");
+        return word_cannot_be_written(value, text_has_a_meaning(mistaken));
     }
     // One star at each end says how the word is compared.
     const bool open_before = first != letters.begin() || word.starts_with('*');
@@ -80,9 +77,9 @@ result<std::string> written_word(std::string_view value) {
 result<std::string> written_term(const formula_term& term) {
     if (term.code == star_code) {
         if (is_star_text(term.value)) return '"' + term.value + '"';
-        return cannot_be_written(term.value, "it is no rating");
+        return word_cannot_be_written(term.value, value_is_no_rating());
     }
-    if (is_star_text(term.value)) return cannot_be_written(term.value, "it would count as a rating");
+    if (is_star_text(term.value)) return word_cannot_be_written(term.value, value_counts_as_rating());
     auto word = written_word(term.value);
     if (!word) return word;
     return '[' + term.code + ']' + word.value();

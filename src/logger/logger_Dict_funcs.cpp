@@ -4,6 +4,8 @@
 #include <cmath>
 #include <set>
 
+#include "logger/logger_failures.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 #include "util/uuid.h"
@@ -67,7 +69,7 @@ result<button_dict> load_button_dict(const std::string& logger_folder) {
     const auto read = read_property_list_file(path);
     if (!read) return read.error();
     const auto* document = read.value().dictionary();
-    if (!document) return failure{"\"" + path + "\" cannot be read: it does not hold a code window."};
+    if (!document) return file_cannot_be_read(path, file_holds_no_code_window());
     return read_button_dict(*document);
 }
 

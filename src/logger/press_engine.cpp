@@ -196,7 +196,7 @@ void press_engine::tick(double at) {
     if (down_.empty() || now - last_note_seconds_ < note_interval_seconds) return;
     last_note_seconds_ = now;
     const auto noted = document_.note_time(at);
-    if (waiting_.empty()) tell_trouble(noted.message());
+    if (waiting_.empty()) tell_trouble(noted.error());
 }
 
 void press_engine::release_due(double at) {
@@ -254,9 +254,9 @@ result<press_engine::outcome> press_engine::record_first() {
     auto done = record(action);
     if (!done) {
         waiting_.push_front(action);
-        tell_trouble(done.message());
+        tell_trouble(done.error());
     } else if (waiting_.empty()) {
-        tell_trouble("");
+        tell_trouble({});
     }
     return done;
 }
@@ -268,7 +268,7 @@ result<void> press_engine::record_waiting() {
     return {};
 }
 
-void press_engine::tell_trouble(const std::string& reason) {
+void press_engine::tell_trouble(const failure& reason) {
     if (reason == trouble_) return;
     trouble_ = reason;
     trouble.emit(reason);

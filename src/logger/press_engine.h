@@ -127,7 +127,7 @@ class press_engine {
     signal<const button_fired&> fired;
     // Why presses cannot be recorded, once when it begins (or the reason changes); an empty text when all
     // are.
-    signal<const std::string&> trouble;
+    signal<const failure&> trouble;
     // The clip of this button got lost while it grew and was made again.
     signal<const std::string&> made_again;
     // Other buttons were set.
@@ -173,7 +173,7 @@ class press_engine {
     static timeline_edit edit_of(const pending_action& action);
     std::unordered_set<shared_text> rows_without_qualifiers() const;
     bool takes_no_qualifiers(const clip_place& place, const std::unordered_set<shared_text>& rows) const;
-    void tell_trouble(const std::string& reason);
+    void tell_trouble(const failure& reason);
 
     timeline_document& document_;
     const clock& time_;
@@ -184,7 +184,7 @@ class press_engine {
     std::vector<std::string> made_clips_;  // the last one at the end
     std::deque<pending_action> waiting_;
     std::unordered_set<std::string> taken_away_;  // growing clips, by edits
-    std::string trouble_;
+    failure trouble_;
     double last_note_seconds_ = -1e9;   // monotonic clock
     double last_retry_seconds_ = -1e9;  // monotonic clock
     connection edited_;

@@ -6,6 +6,7 @@
 
 #include "media/demultiplexer.h"
 #include "media/multiplexer.h"
+#include "util/job_failures.h"
 
 namespace vistels {
 
@@ -22,13 +23,13 @@ result<coded_pictures> read_pictures(demultiplexer& movie, const std::string& pa
         ffmpeg_owner<AVPacket> packet(av_packet_alloc());
         const int error = movie.read(*packet, *movie.video());
         if (error == AVERROR_EOF) break;
-        if (error < 0) return ffmpeg_failure("Could not read the movie", path, error);
+        if (error < 0) return ffmpeg_failure(movie_could_not_be_read, path, error);
         if ((packet->flags & AV_PKT_FLAG_KEY) == 0 || pictures.size() == most_pictures) {
-            return failure{"The pictures of the movie “" + path + "” cannot be shown in any order"};
+            return movie_pictures_have_no_order(path);
         }
         pictures.push_back(std::move(packet));
     }
-    if (pictures.empty()) return failure{"The movie “" + path + "” holds no pictures"};
+    if (pictures.empty()) return movie_has_no_pictures(path);
     return pictures;
 }
 
@@ -38,7 +39,7 @@ result<void> show_coded_pictures(const std::string& from, const std::string& to,
                                  const std::vector<double>& times, double end, job& work) {
     auto movie = demultiplexer::open(from);
     if (!movie) return movie.error();
-    if (movie.value()->video() == nullptr) return failure{"The movie “" + from + "” holds no pictures"};
+    if (movie.value()->video() == nullptr) return movie_has_no_pictures(from);
     const auto pictures = read_pictures(*movie.value(), from);
     if (!pictures) return pictures.error();
     auto file = multiplexer::create(to, to);
@@ -48,7 +49,7 @@ result<void> show_coded_pictures(const std::string& from, const std::string& to,
     if (auto begun = file.value()->begin(); !begun) return begun;
     const auto stamp = [](double seconds) { return std::llround(seconds * time_base.den); };
     for (std::size_t n = 0; n < times.size(); ++n) {
-        if (work.is_cancelled()) return failure{"It was cancelled."};
+        if (work.is_cancelled()) return job_was_cancelled();
         const double until = n + 1 < times.size() ? times[n + 1] : end;
         const ffmpeg_owner<AVPacket> packet(
             av_packet_clone(pictures.value()[n % pictures.value().size()].get()));

@@ -8,26 +8,27 @@ namespace vistels {
 namespace {
 
 constexpr int most_failures_in_a_row = 200;
-constexpr const char* could_not_open = "Could not open the movie";
 
 }  // namespace
 
 result<void> decoder::open(const AVStream& stream, int threads) {
     const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
-    if (codec == nullptr) return ffmpeg_failure(could_not_open, source_.path(), AVERROR_DECODER_NOT_FOUND);
+    if (codec == nullptr)
+        return ffmpeg_failure(movie_could_not_be_opened, source_.path(), AVERROR_DECODER_NOT_FOUND);
     context_.reset(avcodec_alloc_context3(codec));
-    if (!context_) return ffmpeg_failure(could_not_open, source_.path(), AVERROR(ENOMEM));
+    if (!context_) return ffmpeg_failure(movie_could_not_be_opened, source_.path(), AVERROR(ENOMEM));
     stream_ = stream.index;
     context_->pkt_timebase = stream.time_base;
     int error = avcodec_parameters_to_context(context_.get(), stream.codecpar);
     context_->thread_count = threads;
     if (error >= 0) error = avcodec_open2(context_.get(), codec, nullptr);
-    return error < 0 ? result<void>(ffmpeg_failure(could_not_open, source_.path(), error)) : result<void>();
+    return error < 0 ? result<void>(ffmpeg_failure(movie_could_not_be_opened, source_.path(), error))
+                     : result<void>();
 }
 
 result<void> decoder::passed_over(int error) {
     if (++failures_ <= most_failures_in_a_row) return {};
-    return ffmpeg_failure(what_, source_.path(), error);
+    return ffmpeg_failure(unreadable_, source_.path(), error);
 }
 
 // Gives the decoder one packet, or at the end none; false when there is none yet.
@@ -39,7 +40,7 @@ result<bool> decoder::take_packet() {
         avcodec_send_packet(context_.get(), nullptr);
         return true;
     }
-    if (error < 0 && error != AVERROR_INVALIDDATA) return ffmpeg_failure(what_, source_.path(), error);
+    if (error < 0 && error != AVERROR_INVALIDDATA) return ffmpeg_failure(unreadable_, source_.path(), error);
     if (error >= 0) {
         const bool is_own = packet_->stream_index == stream_;
         const auto looked_at = look_ ? look_(*packet_) : result<void>();

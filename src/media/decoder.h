@@ -13,8 +13,9 @@ namespace vistels {
 // in a row it fails. One thread at a time; `source` outlives it.
 class decoder {
   public:
-    // `what`: what could not be done when reading fails ("Could not read the movie").
-    decoder(packet_source& source, const char* what) : source_(source), what_(what) {}
+    // `unreadable`: what is told when reading fails (movie_could_not_be_read).
+    decoder(packet_source& source, const failure_of<a_path, a_cause>& unreadable)
+        : source_(source), unreadable_(unreadable) {}
 
     result<void> open(const AVStream& stream, int threads);
     // Shows every packet of the source, of whichever stream, before it is decoded.
@@ -32,7 +33,7 @@ class decoder {
     result<void> passed_over(int error);
 
     packet_source& source_;
-    const char* const what_;
+    const failure_of<a_path, a_cause>& unreadable_;
     int stream_ = -1;  // its number
     ffmpeg_owner<AVCodecContext> context_;
     ffmpeg_owner<AVPacket> packet_{av_packet_alloc()};

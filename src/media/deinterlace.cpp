@@ -37,7 +37,7 @@ class deinterlacing {
     void keep_sound(AVPacket& packet);
     result<void> copy_sound();
     result<void> take_filtered();
-    failure cannot_read(int error) const { return ffmpeg_failure("Could not read the movie", from_, error); }
+    failure cannot_read(int error) const { return ffmpeg_failure(movie_could_not_be_read, from_, error); }
 
     const std::string from_;
     const std::unique_ptr<demultiplexer> movie_;
@@ -95,7 +95,7 @@ result<void> deinterlacing::copy_sound() {
 
 // Every packet that is read, before the decoder gets it.
 result<void> deinterlacing::look_at(AVPacket& packet) {
-    if (work_.is_cancelled()) return failure{"Deinterlacing “" + from_ + "” was cancelled"};
+    if (work_.is_cancelled()) return deinterlacing_was_cancelled(from_);
     if (movie_->sound() != nullptr && packet.stream_index == movie_->sound()->index) {
         keep_sound(packet);
         return copy_sound();
@@ -122,7 +122,7 @@ result<void> deinterlacing::take_filtered() {
 }
 
 result<void> deinterlacing::run() {
-    decoder pictures(*movie_, "Could not read the movie");
+    decoder pictures(*movie_, movie_could_not_be_read);
     if (auto opened = pictures.open(*movie_->video(), unlimited_threads); !opened) return opened;
     pictures.set_look([this](AVPacket& packet) { return look_at(packet); });
     const ffmpeg_owner<AVFrame> frame(av_frame_alloc());
@@ -130,7 +130,7 @@ result<void> deinterlacing::run() {
         const auto decoded = pictures.next(*frame);
         if (!decoded) return decoded.error();
         if (!decoded.value() && !filter_.is_open()) {
-            return failure{"The movie “" + from_ + "” holds no picture that can be decoded"};
+            return movie_cannot_be_decoded(from_);
         }
         frame->pts = frame->best_effort_timestamp;
         if (!filter_.is_open()) {
@@ -152,7 +152,7 @@ result<void> deinterlace_movie(const std::string& from, const std::string& to, c
                                job& work) {
     auto movie = demultiplexer::open(from);
     if (!movie) return movie.error();
-    if (movie.value()->video() == nullptr) return failure{"The movie “" + from + "” holds no pictures"};
+    if (movie.value()->video() == nullptr) return movie_has_no_pictures(from);
     auto file = multiplexer::create(to, container);
     if (!file) return file.error();
     return deinterlacing(from, std::move(movie).value(), std::move(file).value(), work).run();

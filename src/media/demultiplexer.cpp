@@ -11,8 +11,6 @@ namespace vistels {
 
 namespace {
 
-constexpr const char* could_not_open = "Could not open the movie";
-
 int rotation_of(const AVStream& stream) {
     const auto* matrix = reinterpret_cast<const std::int32_t*>(
         av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
@@ -71,9 +69,10 @@ result<std::unique_ptr<demultiplexer>> demultiplexer::open(const std::string& pa
     silence_ffmpeg();
     // A pipe or a device could keep the opening call waiting for ever.
     struct stat about {};
-    if (stat(path.c_str(), &about) != 0) return ffmpeg_failure(could_not_open, path, AVERROR(errno));
+    if (stat(path.c_str(), &about) != 0)
+        return ffmpeg_failure(movie_could_not_be_opened, path, AVERROR(errno));
     if (!S_ISREG(about.st_mode)) {
-        return failure{std::string(could_not_open) + " “" + path + "”: it is not a file"};
+        return movie_could_not_be_opened(path, movie_is_no_file());
     }
     auto made = std::make_unique<demultiplexer>();
     made->path_ = path;
@@ -81,21 +80,21 @@ result<std::unique_ptr<demultiplexer>> demultiplexer::open(const std::string& pa
         std::chrono::duration<double>(read_limit_seconds));
     made->start_limit();
     AVFormatContext* format = avformat_alloc_context();
-    if (format == nullptr) return ffmpeg_failure(could_not_open, path, AVERROR(ENOMEM));
+    if (format == nullptr) return ffmpeg_failure(movie_could_not_be_opened, path, AVERROR(ENOMEM));
     format->interrupt_callback = {&demultiplexer::is_late, made.get()};
     // A movie's text must not send the reader to other files or to the network.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     int error = avformat_open_input(&format, ("file:" + path).c_str(), nullptr, &options);
     av_dict_free(&options);
-    if (error < 0) return ffmpeg_failure(could_not_open, path, error);
+    if (error < 0) return ffmpeg_failure(movie_could_not_be_opened, path, error);
     made->format_.reset(format);
     error = avformat_find_stream_info(format, nullptr);
-    if (error < 0) return ffmpeg_failure(could_not_open, path, error);
+    if (error < 0) return ffmpeg_failure(movie_could_not_be_opened, path, error);
     made->video_ = best_stream(*format, AVMEDIA_TYPE_VIDEO);
     made->sound_ = best_stream(*format, AVMEDIA_TYPE_AUDIO);
     if (made->video_ == nullptr && made->sound_ == nullptr) {
-        return failure{std::string(could_not_open) + " “" + path + "”: it holds neither pictures nor sound"};
+        return movie_could_not_be_opened(path, movie_is_empty());
     }
     made->information_ = information_of(*format, made->video_, made->sound_);
     return made;

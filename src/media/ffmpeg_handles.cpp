@@ -15,8 +15,8 @@ std::string ffmpeg_error_text(int error) {
     return text.data();
 }
 
-failure ffmpeg_failure(const std::string& what, const std::string& path, int error) {
-    return failure{what + " “" + path + "”: " + ffmpeg_error_text(error)};
+failure ffmpeg_failure(const failure_of<a_path, a_cause>& kind, const std::string& path, int error) {
+    return kind(path, movie_library_refuses(ffmpeg_error_text(error)));
 }
 
 }  // namespace vistels

@@ -16,6 +16,7 @@ extern "C" {
 #include <memory>
 #include <string>
 
+#include "media/movie_failures.h"
 #include "util/result.h"
 
 namespace vistels {
@@ -36,8 +37,8 @@ void silence_ffmpeg();
 
 std::string ffmpeg_error_text(int error);
 
-// "<what> “<path>”: <why>"
-failure ffmpeg_failure(const std::string& what, const std::string& path, int error);
+// Of that kind, with the library's reason.
+failure ffmpeg_failure(const failure_of<a_path, a_cause>& kind, const std::string& path, int error);
 
 inline double seconds_of(AVRational base) {
     return base.den == 0 ? 0 : static_cast<double>(base.num) / static_cast<double>(base.den);

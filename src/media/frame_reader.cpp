@@ -115,7 +115,7 @@ result<void> frame_reader::implementation::seek_stream(std::int64_t stamp) {
     if (error < 0) {
         const int again = file->seek(*stream, std::numeric_limits<std::int64_t>::min() / 4);
         if (again < 0 && file->seek(*stream, first_stamp) < 0) {
-            return ffmpeg_failure("Could not move in the movie", path, error);
+            return ffmpeg_failure(movie_could_not_be_moved_in, path, error);
         }
     }
     pictures->restart();
@@ -139,9 +139,9 @@ result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path
     made->path = path;
     made->file = std::move(opened).value();
     made->stream = made->file->video();
-    if (made->stream == nullptr) return failure{"The movie “" + path + "” holds no pictures"};
+    if (made->stream == nullptr) return movie_has_no_pictures(path);
     made->file->read_only(*made->stream);
-    made->pictures.emplace(*made->file, "Could not read the movie");
+    made->pictures.emplace(*made->file, movie_could_not_be_read);
     if (auto ready = made->pictures->open(*made->stream, threads); !ready.ok()) return ready.error();
     made->pictures->set_look([its = made.get()](AVPacket& packet) -> result<void> {
         if (packet.stream_index == its->stream->index) its->look_at(packet);
@@ -149,7 +149,7 @@ result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path
     });
     const auto first = made->decode_pending();
     if (!first.ok()) return first.error();
-    if (!first.value()) return failure{"The movie “" + path + "” holds no picture that can be decoded"};
+    if (!first.value()) return movie_cannot_be_decoded(path);
     made->first_stamp = made->pending_stamp;
     made->pending_stamp = 0;
     return std::unique_ptr<frame_reader>(new frame_reader(std::move(made)));
@@ -239,11 +239,11 @@ result<bool> frame_reader::advance() {
 result<picture_pointer> frame_reader::paint(int width, int height) {
     implementation& its = *its_;
     const movie_information& known = its.file->information();
-    if (!its.has_current) return failure{"The movie “" + its.path + "” has no picture here"};
+    if (!its.has_current) return movie_has_no_picture_here(its.path);
     const int w = std::clamp(width > 0 ? width : known.width, 1, largest_side);
     const int h = std::clamp(height > 0 ? height : known.height, 1, largest_side);
     auto made = its.scaler.scale(*its.current, w, h, known.rotation);
-    if (!made.ok()) return failure{"The movie “" + its.path + "”: " + made.message()};
+    if (!made.ok()) return movie_cannot_be_shown(its.path, made.error());
     picture& shown = *made.value();
     shown.stamp = its.current_stamp;
     shown.until_stamp = current_until();

@@ -20,7 +20,6 @@ namespace {
 
 constexpr int buffer_bytes = 1 << 15;
 constexpr std::int64_t box_head = 16;  // with a size of 64 bits
-constexpr const char* could_not_read = "Could not read the movie";
 
 std::uint64_t big_endian(const std::uint8_t* from, int bytes) {
     std::uint64_t value = 0;
@@ -45,12 +44,13 @@ class growing_fragments final : public packet_source {
     result<bool> open() {
         silence_ffmpeg();
         file_ = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC);
-        if (file_ < 0) return ffmpeg_failure(could_not_read, path_, AVERROR(errno));
+        if (file_ < 0) return ffmpeg_failure(movie_could_not_be_read, path_, AVERROR(errno));
         find_fragments();
         if (whole_until_ <= head_until_) return false;
-        if (const int error = open_reader(); error < 0) return ffmpeg_failure(could_not_read, path_, error);
+        if (const int error = open_reader(); error < 0)
+            return ffmpeg_failure(movie_could_not_be_read, path_, error);
         const int video = av_find_best_stream(format_, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-        if (video < 0) return failure{"The movie “" + path_ + "” holds no pictures"};
+        if (video < 0) return movie_has_no_pictures(path_);
         video_ = video;
         return true;
     }
@@ -166,7 +166,7 @@ struct growing_movie::implementation {
     explicit implementation(const std::string& path) : fragments(path) {}
 
     growing_fragments fragments;
-    decoder pictures{fragments, could_not_read};
+    decoder pictures{fragments, movie_could_not_be_read};
     AVRational time_base{1, 1};
     ffmpeg_owner<AVFrame> frame{av_frame_alloc()};
     picture_scaler scaler{std::make_shared<picture_pool>()};
@@ -180,7 +180,7 @@ result<std::unique_ptr<growing_movie>> growing_movie::open(const std::string& pa
     auto made = std::make_unique<implementation>(path);
     const auto opened = made->fragments.open();
     if (!opened) return opened.error();
-    if (!opened.value()) return failure{"The movie “" + path + "” has no whole fragment yet"};
+    if (!opened.value()) return movie_has_no_fragment_yet(path);
     const AVStream& video = made->fragments.video();
     made->time_base = video.time_base;
     if (auto ready = made->pictures.open(video, 1); !ready) return ready.error();
@@ -195,7 +195,7 @@ result<picture_pointer> growing_movie::next(int width, int height) {
     const AVFrame& frame = *its.frame;
     auto scaled =
         its.scaler.scale(frame, width > 0 ? width : frame.width, height > 0 ? height : frame.height, 0);
-    if (!scaled) return failure{"The movie “" + its.fragments.path() + "”: " + scaled.message()};
+    if (!scaled) return movie_cannot_be_shown(its.fragments.path(), scaled.error());
     picture& shown = *scaled.value();
     if (!its.first_stamp) its.first_stamp = frame.best_effort_timestamp;
     shown.stamp = frame.best_effort_timestamp - *its.first_stamp;

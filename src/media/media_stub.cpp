@@ -5,6 +5,7 @@
 #include "media/deinterlace.h"
 #include "media/frame_reader.h"
 #include "media/growing_movie.h"
+#include "media/movie_failures.h"
 #include "media/movie_writer.h"
 #include "media/packet_index.h"
 #include "media/sound_output.h"
@@ -15,11 +16,11 @@ namespace vistels {
 namespace {
 
 failure without_media(const std::string& path) {
-    return failure{"“" + path + "” cannot be used: this program was built without media"};
+    return movie_without_media(path);
 }
 
 failure without_media() {
-    return failure{"This program was built without media"};
+    return built_without_media();
 }
 
 }  // namespace

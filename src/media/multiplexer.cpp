@@ -11,7 +11,7 @@ result<std::unique_ptr<multiplexer>> multiplexer::create(const std::string& path
     AVFormatContext* format = nullptr;
     if (const int error = avformat_alloc_output_context2(&format, nullptr, nullptr, container.c_str());
         error < 0) {
-        return ffmpeg_failure("Could not write the movie", path, error);
+        return ffmpeg_failure(movie_could_not_be_written, path, error);
     }
     return std::unique_ptr<multiplexer>(new multiplexer(path, *format));
 }

@@ -37,7 +37,7 @@ class multiplexer {
     // Closes the file.
     result<void> finish();
 
-    failure failed(int error) const { return ffmpeg_failure("Could not write the movie", path_, error); }
+    failure failed(int error) const { return ffmpeg_failure(movie_could_not_be_written, path_, error); }
 
   private:
     multiplexer(std::string path, AVFormatContext& format) : path_(std::move(path)), format_(&format) {}

@@ -11,7 +11,7 @@ result<packet_index> read_packet_index(const std::string& path) {
     auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
     demultiplexer& file = *opened.value();
-    if (file.video() == nullptr) return failure{"The movie “" + path + "” holds no pictures"};
+    if (file.video() == nullptr) return movie_has_no_pictures(path);
     packet_index made;
     made.seconds_per_tick = seconds_of(file.video()->time_base);
     const ffmpeg_owner<AVPacket> packet(av_packet_alloc());
@@ -21,8 +21,8 @@ result<packet_index> read_packet_index(const std::string& path) {
         if (is_shown) made.stamps.push_back(packet->pts);
         av_packet_unref(packet.get());
     }
-    if (error != AVERROR_EOF) return ffmpeg_failure("Could not read the movie", path, error);
-    if (made.stamps.empty()) return failure{"The movie “" + path + "” holds no pictures"};
+    if (error != AVERROR_EOF) return ffmpeg_failure(movie_could_not_be_read, path, error);
+    if (made.stamps.empty()) return movie_has_no_pictures(path);
     std::sort(made.stamps.begin(), made.stamps.end());
     const std::int64_t first = made.stamps.front();
     for (auto& stamp : made.stamps) stamp -= first;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "media/picture_scaler.h"
 
+#include "media/movie_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -56,7 +58,7 @@ result<std::shared_ptr<picture>> picture_scaler::scale(const AVFrame& frame, int
         context_.release(), frame.width, frame.height, format, quick_width(own_width, frame), own_height,
         AV_PIX_FMT_BGRA, SWS_FAST_BILINEAR, nullptr, nullptr, nullptr);
     context_.reset(context);
-    if (context == nullptr) return failure{"pictures of this kind cannot be shown"};
+    if (context == nullptr) return picture_kind_is_unknown();
     const int* weights = sws_getCoefficients(is_bt709(frame) ? SWS_CS_ITU709 : SWS_CS_ITU601);
     sws_setColorspaceDetails(context, weights, is_full_range(frame) ? 1 : 0, weights, 1, 0, 1 << 16, 1 << 16);
     std::uint8_t* rows[4] = {made->bytes.data(), nullptr, nullptr, nullptr};

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <string>
 
+#include "media/movie_failures.h"
 #include "media/sound_reader.h"
 #include "util/file_system.h"
 
@@ -98,7 +99,7 @@ sound_output::sound_output(std::unique_ptr<implementation> made) : its_(std::mov
 sound_output::~sound_output() = default;
 
 result<std::unique_ptr<sound_output>> sound_output::open() {
-    if (!gstreamer_is_there()) return failure{"The sound system could not be started"};
+    if (!gstreamer_is_there()) return sound_system_does_not_start();
     // The automatic sink falls back to one that takes sound as fast as it comes, which would be no clock.
     for (const char* sink : {"autoaudiosink", "fakesink sync=true"}) {
         auto made = std::make_unique<implementation>();
@@ -113,19 +114,19 @@ result<std::unique_ptr<sound_output>> sound_output::open() {
         }
         return std::unique_ptr<sound_output>(new sound_output(std::move(made)));
     }
-    return failure{"The sound device could not be opened"};
+    return sound_device_does_not_open();
 }
 
 result<void> sound_output::add(const float* interleaved, std::size_t frames) {
     const std::size_t bytes = frames * sound_channels * sizeof(float);
     GstBuffer* const buffer = gst_buffer_new_allocate(nullptr, bytes, nullptr);
-    if (buffer == nullptr) return failure{"There is no memory left for sound"};
+    if (buffer == nullptr) return memory_for_sound_is_short();
     gst_buffer_fill(buffer, 0, interleaved, bytes);
     const std::uint64_t before = its_->added;
     GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(before, GST_SECOND, sound_samples_per_second);
     GST_BUFFER_DURATION(buffer) = gst_util_uint64_scale(frames, GST_SECOND, sound_samples_per_second);
     if (gst_app_src_push_buffer(GST_APP_SRC(its_->from), buffer) != GST_FLOW_OK) {
-        return failure{"The sound device takes no more sound"};
+        return sound_device_is_stopped();
     }
     its_->added = before + frames;
     return {};

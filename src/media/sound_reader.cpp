@@ -49,7 +49,7 @@ result<void> sound_reader::implementation::prepare_converter() {
                                     &decoded.ch_layout, decoded.sample_fmt, decoded.sample_rate, 0, nullptr);
     converter.reset(made);
     if (error >= 0) error = swr_init(made);
-    if (error < 0) return ffmpeg_failure("Could not read the sound of", path, error);
+    if (error < 0) return ffmpeg_failure(sound_could_not_be_read, path, error);
     return {};
 }
 
@@ -57,7 +57,7 @@ result<void> sound_reader::implementation::seek(double seconds) {
     const double in_stream = (seconds + zero_seconds) / seconds_of(stream->time_base);
     if (file->seek(*stream, std::llround(in_stream)) < 0 &&
         file->seek(*stream, std::numeric_limits<std::int64_t>::min() / 4) < 0) {
-        return failure{"Could not move in the sound of “" + path + "”"};
+        return sound_could_not_be_moved_in(path);
     }
     sound->restart();
     waiting.clear();
@@ -73,7 +73,7 @@ result<void> sound_reader::implementation::take_frame() {
     const int got = swr_convert(converter.get(), &out, most,
                                 const_cast<const std::uint8_t**>(frame->extended_data), frame->nb_samples);
     waiting.resize(before + static_cast<std::size_t>(std::max(0, got)) * sound_channels);
-    if (got < 0) return ffmpeg_failure("Could not read the sound of", path, got);
+    if (got < 0) return ffmpeg_failure(sound_could_not_be_read, path, got);
     const std::int64_t stamp = frame->best_effort_timestamp;
     if (!has_waiting && stamp != AV_NOPTS_VALUE) {
         waiting_from = static_cast<double>(stamp) * seconds_of(stream->time_base) - zero_seconds;
@@ -108,13 +108,13 @@ result<std::unique_ptr<sound_reader>> sound_reader::open(const std::string& path
     made->path = path;
     made->file = std::move(opened).value();
     made->stream = made->file->sound();
-    if (made->stream == nullptr) return failure{"The movie “" + path + "” holds no sound"};
+    if (made->stream == nullptr) return movie_has_no_sound(path);
     if (const AVStream* video = made->file->video();
         video != nullptr && video->start_time != AV_NOPTS_VALUE) {
         made->zero_seconds = static_cast<double>(video->start_time) * seconds_of(video->time_base);
     }
     made->file->read_only(*made->stream);
-    made->sound.emplace(*made->file, "Could not read the sound of");
+    made->sound.emplace(*made->file, sound_could_not_be_read);
     if (auto opened_sound = made->sound->open(*made->stream, 1); !opened_sound.ok())
         return opened_sound.error();
     if (auto ready = made->prepare_converter(); !ready.ok()) return ready.error();

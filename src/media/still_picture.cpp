@@ -17,13 +17,13 @@ constexpr int largest_side = 16384;
 result<picture> read_still_picture(const std::string& path, int width, int height) {
     auto file = demultiplexer::open(path);
     if (!file) return file.error();
-    if (file.value()->video() == nullptr) return failure{"“" + path + "” holds no picture"};
-    decoder pictures(*file.value(), "Could not read the picture");
+    if (file.value()->video() == nullptr) return file_has_no_picture(path);
+    decoder pictures(*file.value(), picture_could_not_be_read);
     if (auto opened = pictures.open(*file.value()->video(), 1); !opened) return opened.error();
     const ffmpeg_owner<AVFrame> frame(av_frame_alloc());
     const auto first = pictures.next(*frame);
     if (!first) return first.error();
-    if (!first.value()) return ffmpeg_failure("Could not read the picture", path, AVERROR_INVALIDDATA);
+    if (!first.value()) return ffmpeg_failure(picture_could_not_be_read, path, AVERROR_INVALIDDATA);
     const AVFrame& decoded = *frame;
     const double scale = width > 0 && height > 0 ? std::min(static_cast<double>(width) / decoded.width,
                                                             static_cast<double>(height) / decoded.height)
@@ -36,7 +36,7 @@ result<picture> read_still_picture(const std::string& path, int width, int heigh
     const ffmpeg_owner<SwsContext> scaler(
         sws_getContext(decoded.width, decoded.height, static_cast<AVPixelFormat>(decoded.format), made->width,
                        made->height, AV_PIX_FMT_BGRA, SWS_AREA, nullptr, nullptr, nullptr));
-    if (!scaler) return failure{"“" + path + "” cannot be scaled"};
+    if (!scaler) return picture_cannot_be_scaled(path);
     std::uint8_t* to = made->bytes.data();
     sws_scale(scaler.get(), decoded.data, decoded.linesize, 0, decoded.height, &to, &made->stride);
     return std::move(*made);

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/failure.h"
 
-#include <algorithm>
-
 #include "util/file_system.h"
 
 namespace vistels {
 
 namespace {
-
-constexpr failure_of<a_text> plain_sentence{"sentence", "%1"};
 
 using argument_words = std::function<std::string(const failure::argument& argument)>;
 
@@ -45,20 +41,20 @@ failure::failure(const failure_kind& kind, std::vector<argument> arguments) {
     contents_ = std::make_shared<const contents>(contents{&kind, std::move(arguments), std::move(message)});
 }
 
-failure::failure(std::string sentence) : failure(plain_sentence(std::move(sentence))) {}
-
 const failure_kind* failure::kind() const {
     return contents_ ? contents_->kind : nullptr;
-}
-
-bool failure::comes_of(const failure_kind& kind) const {
-    return is(kind) || std::any_of(arguments().begin(), arguments().end(),
-                                   [&](const argument& one) { return one.cause.comes_of(kind); });
 }
 
 const std::vector<failure::argument>& failure::arguments() const {
     static const std::vector<argument> none;
     return contents_ ? contents_->arguments : none;
+}
+
+failure failure::cause() const {
+    for (const auto& one : arguments()) {
+        if (one.form == a_cause) return one.cause;
+    }
+    return {};
 }
 
 const std::string& failure::message() const {
@@ -70,13 +66,22 @@ std::string failure::worded(const std::function<std::string(const char* words)>&
                             shown_paths paths) const {
     if (!contents_) return {};
     return filled(translate(contents_->kind->words), contents_->arguments, [&](const argument& one) {
-        if (one.form == a_cause) return one.cause.worded(translate, paths);
-        return one.form == a_path && paths == shown_paths::names ? path_name(one.text) : one.text;
+        switch (one.form) {
+            case a_cause:
+                return one.cause.worded(translate, paths);
+            case a_term:
+                return translate(one.text.c_str());
+            case a_path:
+                return paths == shown_paths::names ? path_name(one.text) : one.text;
+            case a_text:
+                break;
+        }
+        return one.text;
     });
 }
 
 bool failure::operator==(const failure& other) const {
-    return contents_ == other.contents_ || (kind() == other.kind() && arguments() == other.arguments());
+    return contents_ == other.contents_ || (code() == other.code() && arguments() == other.arguments());
 }
 
 }  // namespace vistels

@@ -22,14 +22,15 @@ struct failure_kind {
     const char* words;
 };
 
-// What an argument is. A path may be shown by its last name; a cause is a failure of its own with words of
-// its own; a text, such as a name or a number, is shown as it is.
-enum class failure_argument_form { text, path, cause };
+// What an argument is. A text, such as a name or a number, is shown as it is; a term is one of the program's
+// own, with a translation of its own; a path may be shown by its last name; a cause is another failure.
+enum class failure_argument_form { text, term, path, cause };
 inline constexpr auto a_text = failure_argument_form::text;
+inline constexpr auto a_term = failure_argument_form::term;
 inline constexpr auto a_path = failure_argument_form::path;
 inline constexpr auto a_cause = failure_argument_form::cause;
 
-// How an argument is shown in words: as it is, or a path by what stands behind its last slash.
+// How paths are shown: as they are, or by what stands behind their last slash.
 enum class shown_paths { whole, names };
 
 // Why something could not be done: a kind and its arguments. A cheap handle to contents that never change; an
@@ -40,19 +41,17 @@ class failure {
     struct argument;
 
     failure() = default;
-    // Of a sentence that is no kind's yet.
-    failure(std::string sentence);
 
     explicit operator bool() const { return contents_ != nullptr; }
-    bool is(const failure_kind& kind) const { return &kind == this->kind(); }
-    // True as well when one of the causes, or one of theirs, is of the kind.
-    bool comes_of(const failure_kind& kind) const;
     // "" without a failure.
     std::string_view code() const { return kind() ? kind()->code : std::string_view(); }
+    bool is(const failure_kind& kind) const { return code() == kind.code; }
     const std::vector<argument>& arguments() const;
+    // The first cause among them; no failure when there is none.
+    failure cause() const;
     // The English words with the arguments in their places; "" without a failure.
     const std::string& message() const;
-    // The same in words that `translate` gives for a kind's words.
+    // The same in other words: those that `translate` gives for a kind's words, or for a term.
     std::string worded(const std::function<std::string(const char* words)>& translate,
                        shown_paths paths = shown_paths::whole) const;
 
@@ -72,15 +71,16 @@ class failure {
 
 struct failure::argument {
     failure_argument_form form = a_text;
-    std::string text;  // of a text or a path
+    std::string text;  // of all but a cause
     failure cause;
     bool operator==(const argument&) const = default;
 };
 
 // A kind that knows its arguments, each kind a constant in the header of the folder that fails so:
 //
-//     inline constexpr failure_of<a_path, a_cause> file_not_saved{"file not saved", "\"%1\" could not be
-//     saved: %2."}; return file_not_saved(path, volume_is_full());
+//     inline constexpr failure_of<a_path, a_cause> file_not_saved{"file not saved", "\"%1\" not saved: %2."};
+//     ...
+//     return file_not_saved(path, volume_is_full());
 //
 // The number of arguments, what may be one, and that the words have a place for each are checked when it is
 // compiled.
@@ -109,7 +109,7 @@ struct failure_of : failure_kind {
         using plain = std::remove_cvref_t<value>;
         if constexpr (form == a_cause) {
             return {form, {}, failure(std::forward<value>(given))};
-        } else if constexpr (std::is_arithmetic_v<plain>) {
+        } else if constexpr (std::is_arithmetic_v<plain> && !std::is_same_v<plain, char>) {
             return {form, std::to_string(given), {}};
         } else {
             return {form, std::string(std::forward<value>(given)), {}};

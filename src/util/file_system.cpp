@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "util/file_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -30,28 +32,6 @@ int take_identity(int returned, const struct stat& state, file_identity& found) 
 
 constexpr bool is_digit(char c) {
     return c >= '0' && c <= '9';
-}
-
-std::string reason_text(int error_number) {
-    switch (error_number) {
-        case ENOSPC:
-        case EDQUOT:
-            return "there is no space left on the volume";
-        case EROFS:
-            return "the volume is read-only";
-        case EACCES:
-        case EPERM:
-            return "you are not allowed to";
-        case ENOENT:
-            return "there is no such file or folder";
-        case EIO:
-            return "the volume reports an input or output error";
-        case EMFILE:
-        case ENFILE:
-            return "too many files are open";
-        default:
-            return std::strerror(error_number);
-    }
 }
 
 }  // namespace
@@ -166,8 +146,26 @@ file_system& machine_files() {
     return files;
 }
 
-failure file_failure(const std::string& path, const std::string& what, int error_number) {
-    return failure{"\"" + path + "\" " + what + ": " + reason_text(error_number) + "."};
+failure system_failure(int error_number) {
+    switch (error_number) {
+        case ENOSPC:
+        case EDQUOT:
+            return volume_is_full();
+        case EROFS:
+            return volume_is_read_only();
+        case EACCES:
+        case EPERM:
+            return access_is_denied();
+        case ENOENT:
+            return nothing_is_there();
+        case EIO:
+            return volume_has_an_error();
+        case EMFILE:
+        case ENFILE:
+            return too_many_files_are_open();
+        default:
+            return system_refuses(std::strerror(error_number));
+    }
 }
 
 int write_whole(file_system& files, int descriptor, std::string_view bytes) {
@@ -205,12 +203,12 @@ int read_whole(file_system& files, int descriptor, std::string& bytes) {
 result<std::string> read_file(const std::string& path, file_system& files) {
     int descriptor = -1;
     if (const int fault = files.open(path, O_RDONLY, descriptor)) {
-        return file_failure(path, "cannot be read", fault);
+        return file_cannot_be_read(path, system_failure(fault));
     }
     std::string bytes;
     const int fault = read_whole(files, descriptor, bytes);
     files.close(descriptor);
-    if (fault != 0) return file_failure(path, "cannot be read", fault);
+    if (fault != 0) return file_cannot_be_read(path, system_failure(fault));
     return bytes;
 }
 
@@ -222,8 +220,8 @@ result<void> make_folders(const std::string& path, file_system& files) {
     }
     const int fault = files.make_folder(path);
     if (fault == 0 || (fault == EEXIST && is_folder(path))) return {};
-    if (fault != EEXIST) return file_failure(path, "could not be made", fault);
-    return failure{"\"" + path + "\" could not be made: something that is no folder has that name."};
+    if (fault != EEXIST) return file_could_not_be_made(path, system_failure(fault));
+    return file_could_not_be_made(path, name_is_no_folder());
 }
 
 std::vector<std::string> names_in_folder(const std::string& folder) {

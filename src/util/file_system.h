@@ -61,10 +61,6 @@ class file_system {
 // The machine's own file system.
 file_system& machine_files();
 
-// "X could not be saved: no space left on the volume." and the like: what was tried, with which file, and
-// why.
-failure file_failure(const std::string& path, const std::string& what, int error_number);
-
 // Writes all of `bytes`, however many calls that takes; 0 or the error number.
 int write_whole(file_system& files, int descriptor, std::string_view bytes);
 

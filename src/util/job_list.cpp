@@ -8,6 +8,8 @@
 #include <atomic>
 #include <utility>
 
+#include "util/job_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -22,10 +24,6 @@ constexpr int niceness = 10;
 // From 0 to 1, whatever a work tells.
 double share_of(double fraction) {
     return fraction > 0 ? std::min(fraction, 1.0) : 0;
-}
-
-failure cancelled() {
-    return {"It was cancelled."};
 }
 
 bool share_a_key(const job_order& one, const job_order& other) {
@@ -153,7 +151,7 @@ void job_list::cancel(const entry_pointer& one) {
     one->work.cancel();
     if (std::exchange(one->now, job_status::state::stopping) == job_status::state::waiting) {
         loop_.post([this, weak = std::weak_ptr(alive_), one] {
-            if (!weak.expired()) finish(one, cancelled());
+            if (!weak.expired()) finish(one, job_was_cancelled());
         });
     }
     changed.emit();
@@ -197,7 +195,7 @@ void job_list::begin_waiting() {
 }
 
 void job_list::run(const entry_pointer& one) {
-    if (one->work.is_cancelled()) return finish(one, cancelled());
+    if (one->work.is_cancelled()) return finish(one, job_was_cancelled());
     const auto begun = one->order.begin ? one->order.begin() : result<void>();
     if (!begun) return finish(one, begun);
     auto& thread = threads_[*one->thread];
@@ -212,7 +210,7 @@ void job_list::run(const entry_pointer& one) {
         if (outcome && one->work.is_cancelled() && one->order.discard) {
             one->order.discard();
             one->has_made = false;
-            outcome = cancelled();
+            outcome = job_was_cancelled();
         }
         one->loop.post([this, one, outcome] {
             if (!one->alive.expired()) finish(one, outcome);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "util/file_failures.h"
 #include "util/json_cursor.h"
 #include "util/text_forms.h"
 
@@ -135,7 +136,7 @@ class json_writer {
 result<stored_view> read_json(std::string_view bytes, const std::string& name, stored_arena& arena) {
     json_cursor cursor(bytes);
     const auto document = cursor.read(arena);
-    if (!cursor.finish()) return unreadable_json(name, cursor);
+    if (!cursor.finish()) return file_cannot_be_read(name, cursor.fault());
     return document;
 }
 
@@ -144,10 +145,6 @@ result<property_value> read_json(std::string_view bytes, const std::string& name
     const auto document = read_json(bytes, name, arena);
     if (!document) return document.error();
     return document.value().copy();
-}
-
-failure unreadable_json(const std::string& name, const json_cursor& cursor) {
-    return {"\"" + name + "\" cannot be read: " + std::string(cursor.fault()) + "."};
 }
 
 std::string write_json(const property_value& value, json_layout layout) {

@@ -10,16 +10,11 @@
 
 namespace vistels {
 
-class json_cursor;
-
 // Reads a JSON document, as json_cursor says. `name` is the file's name, for the message. Any thread.
 result<property_value> read_json(std::string_view bytes, const std::string& name);
 
 // The same without a tree: the view lies in the bytes and the arena.
 result<stored_view> read_json(std::string_view bytes, const std::string& name, stored_arena& arena);
-
-// What is told of a document that the cursor found a fault in.
-failure unreadable_json(const std::string& name, const json_cursor& cursor);
 
 enum class json_layout {
     pretty,    // two blanks a level, one entry a line, ending in a newline

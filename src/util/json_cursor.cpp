@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "util/stored_form_failures.h"
 #include "util/text_forms.h"
 #include "util/text_words.h"
 
@@ -20,12 +21,6 @@ namespace vistels {
 namespace {
 
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-constexpr std::string_view not_json = "it is not valid JSON";
-
-const std::string& too_deep() {
-    static const std::string text = "it is nested more than " + std::to_string(deepest_nesting) + " deep";
-    return text;
-}
 
 bool is_digit(char character) {
     return character >= '0' && character <= '9';
@@ -136,11 +131,11 @@ bool is_beyond_doubles(std::string_view text) {
 json_cursor::json_cursor(std::string_view bytes)
     : begin_(bytes.data()), at_(bytes.data()), end_(bytes.data() + bytes.size()) {
     if (bytes.starts_with(byte_order_mark)) at_ += byte_order_mark.size();
-    if (!simdjson::validate_utf8(bytes.data(), bytes.size())) stop(not_json);
+    if (!simdjson::validate_utf8(bytes.data(), bytes.size())) stop(text_is_not_json());
 }
 
-stored_view json_cursor::stop(std::string_view fault) {
-    if (fault_.empty()) fault_ = fault;
+stored_view json_cursor::stop(failure fault) {
+    if (!fault_) fault_ = std::move(fault);
     at_ = end_;
     items_.clear();
     members_.clear();
@@ -155,8 +150,8 @@ char json_cursor::ahead() {
 
 bool json_cursor::finish() {
     ahead();
-    if (depth_ != 0 || at_ != end_) stop(not_json);
-    return fault_.empty();
+    if (depth_ != 0 || at_ != end_) stop(text_is_not_json());
+    return !fault_;
 }
 
 stored_view::form json_cursor::next_form() {
@@ -179,7 +174,7 @@ stored_view::form json_cursor::next_form() {
 
 bool json_cursor::open(bool dictionary) {
     if (depth_ == static_cast<std::size_t>(deepest_nesting)) {
-        stop(too_deep());
+        stop(nested_too_deep(deepest_nesting));
         return false;
     }
     ++at_;
@@ -193,7 +188,7 @@ bool json_cursor::enter() {
     if (next == stored_view::form::dictionary || next == stored_view::form::array) {
         return open(next == stored_view::form::dictionary);
     }
-    stop(not_json);
+    stop(text_is_not_json());
     return false;
 }
 
@@ -201,7 +196,7 @@ bool json_cursor::enter() {
 bool json_cursor::part_follows(char close) {
     const bool is_object = close == '}';
     if (depth_ == 0 || dictionaries_[depth_ - 1] != is_object) {
-        stop(not_json);
+        stop(text_is_not_json());
         return false;
     }
     const char next = ahead();
@@ -213,7 +208,7 @@ bool json_cursor::part_follows(char close) {
     }
     if (was_first) return true;
     if (next != ',') {
-        stop(not_json);
+        stop(text_is_not_json());
         return false;
     }
     ++at_;
@@ -227,7 +222,7 @@ bool json_cursor::next_item() {
 bool json_cursor::read_key(std::string_view& key, stored_arena* arena) {
     if (!part_follows('}')) return false;
     if (ahead() != '"' || !read_text(key, arena) || ahead() != ':') {
-        stop(not_json);
+        stop(text_is_not_json());
         return false;
     }
     ++at_;
@@ -246,7 +241,7 @@ bool json_cursor::read_text(std::string_view& text, stored_arena* arena) {
     const char* const stop_at = text_end(start, end_);
     if (stop_at != end_ && *stop_at == '\\') return read_escaped(start, text, arena);
     if (stop_at == end_ || *stop_at != '"') {
-        stop(not_json);
+        stop(text_is_not_json());
         return false;
     }
     text = {start, static_cast<std::size_t>(stop_at - start)};
@@ -261,7 +256,7 @@ bool json_cursor::read_escaped(const char* start, std::string_view& text, stored
         close = text_end(close + std::min<std::ptrdiff_t>(2, end_ - close), end_);
     }
     if (close == end_ || *close != '"') {
-        stop(not_json);
+        stop(text_is_not_json());
         return false;
     }
     std::string_view rest(start, static_cast<std::size_t>(close - start));
@@ -276,7 +271,7 @@ bool json_cursor::read_escaped(const char* start, std::string_view& text, stored
         std::array<char, 4> unkept;
         const auto put = undo_escape(rest, arena ? room.data() + kept : unkept.data());
         if (put == 0) {
-            stop(not_json);
+            stop(text_is_not_json());
             return false;
         }
         kept += put;
@@ -290,9 +285,9 @@ stored_view json_cursor::read_array(stored_arena* arena) {
     const std::size_t first = items_.size();
     while (next_item()) {
         const auto item = read_value(arena);
-        if (arena && fault_.empty()) items_.push(item);
+        if (arena && !fault_) items_.push(item);
     }
-    return fault_.empty() && arena ? stored_view(items_.take(first, *arena)) : stored_view();
+    return !fault_ && arena ? stored_view(items_.take(first, *arena)) : stored_view();
 }
 
 stored_view json_cursor::read_dictionary(stored_arena* arena) {
@@ -300,13 +295,14 @@ stored_view json_cursor::read_dictionary(stored_arena* arena) {
     std::string_view key;
     while (read_key(key, arena)) {
         const auto value = read_value(arena);
-        if (arena && fault_.empty()) members_.push({key, value});
+        if (arena && !fault_) members_.push({key, value});
     }
-    return fault_.empty() && arena ? stored_view(members_.take(first, *arena)) : stored_view();
+    return !fault_ && arena ? stored_view(members_.take(first, *arena)) : stored_view();
 }
 
 stored_view json_cursor::read_word(std::string_view word, stored_view value) {
-    if (!std::string_view(at_, static_cast<std::size_t>(end_ - at_)).starts_with(word)) return stop(not_json);
+    if (!std::string_view(at_, static_cast<std::size_t>(end_ - at_)).starts_with(word))
+        return stop(text_is_not_json());
     at_ += word.size();
     return value;
 }
@@ -336,7 +332,7 @@ stored_view json_cursor::read_number() {
         if (is_next('+', '-')) ++at;
         right = pass_digits() > 0;
     }
-    if (!right) return stop(not_json);
+    if (!right) return stop(text_is_not_json());
     at_ = at;
     const std::string_view text(start, static_cast<std::size_t>(at - start));
     if (whole) {
@@ -344,10 +340,10 @@ stored_view json_cursor::read_number() {
         // Up to 64 bits without a sign.
         constexpr std::string_view largest = "18446744073709551615";
         const bool fits = text.size() < largest.size() || (text.size() == largest.size() && text <= largest);
-        if (*start == '-' || !fits) return stop(not_json);
+        if (*start == '-' || !fits) return stop(text_is_not_json());
     }
     if (const auto number = number_from_text(text)) return stored_view(*number);
-    if (is_beyond_doubles(text.substr(*start == '-' ? 1 : 0))) return stop(not_json);
+    if (is_beyond_doubles(text.substr(*start == '-' ? 1 : 0))) return stop(text_is_not_json());
     return stored_view(*start == '-' ? -0.0 : 0.0);
 }
 

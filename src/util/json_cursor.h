@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "util/failure.h"
 #include "util/property_list.h"
 #include "util/stored_view.h"
 
@@ -31,8 +32,8 @@ class json_cursor {
 
     // True when the value, read or skipped to its end, was all that the document holds.
     bool finish();
-    // Why `finish` returned false, for the user: "it is not valid JSON".
-    std::string_view fault() const { return fault_; }
+    // Why `finish` returned false: text_is_not_json or nested_too_deep.
+    const failure& fault() const { return fault_; }
 
     // The kind of the value that comes next (real for every number); null also when none does.
     stored_view::form next_form();
@@ -50,7 +51,7 @@ class json_cursor {
 
   private:
     char ahead();
-    stored_view stop(std::string_view fault);
+    stored_view stop(failure fault);
     bool open(bool dictionary);
     bool part_follows(char close);
     bool read_key(std::string_view& key, stored_arena* arena);
@@ -68,7 +69,7 @@ class json_cursor {
     std::size_t depth_ = 0;
     std::bitset<deepest_nesting> dictionaries_;  // for each open level whether it is an object
     bool is_first_ = false;                      // what comes next begins the array or object
-    std::string_view fault_;
+    failure fault_;
     // What has been read of the arrays and objects that are being read, the outer ones first.
     part_stack<stored_view> items_;
     part_stack<stored_member> members_;

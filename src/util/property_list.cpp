@@ -8,7 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "util/file_failures.h"
 #include "util/file_system.h"
+#include "util/stored_form_failures.h"
 #include "util/stored_sink.h"
 #include "util/text_forms.h"
 
@@ -84,7 +86,7 @@ class view_builder {
         XML_SetSkippedEntityHandler(parser, on_unknown_entity);
     }
 
-    const std::string& fault() const { return fault_; }
+    const failure& fault() const { return fault_; }
     bool has_root() const { return has_root_; }
     stored_view root() const { return root_; }
 
@@ -105,33 +107,32 @@ class view_builder {
         self(data).characters(std::string_view(text, static_cast<std::size_t>(length)));
     }
     static void on_doctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int declares) {
-        if (declares) self(data).stop("it declares entities or elements of its own, which is not allowed");
+        if (declares) self(data).stop(file_declares_entities());
     }
     static void on_unknown_entity(void* data, const XML_Char* name, int) {
-        self(data).stop("the entity \"" + std::string(name).substr(0, 40) + "\" is not known");
+        self(data).stop(entity_is_unknown(std::string(name).substr(0, 40)));
     }
 
-    void stop(std::string reason) {
-        if (fault_.empty()) fault_ = std::move(reason);
+    void stop(failure reason) {
+        if (!fault_) fault_ = std::move(reason);
         XML_StopParser(parser_, XML_FALSE);
     }
 
     void start(std::string_view name, bool has_attributes) {
         const element kind = element_named(name);
-        if (kind == element::unknown)
-            return stop("\"" + std::string(name.substr(0, 40)) + "\" is no property list element");
+        if (kind == element::unknown) return stop(element_is_unknown(name.substr(0, 40)));
         if (kind == element::plist) {
-            if (in_plist_) return stop("a \"plist\" element stands inside another");
+            if (in_plist_) return stop(plist_inside_another());
             in_plist_ = true;
             return;
         }
-        if (!in_plist_) return stop("it is not a property list");
-        if (has_attributes) return stop("a value has attributes");
-        if (scalar_ != element::unknown) return stop("an element stands inside a value");
-        if (!accepts(kind)) return stop("a dictionary must hold keys and values by turns");
+        if (!in_plist_) return stop(file_is_no_property_list());
+        if (has_attributes) return stop(value_has_attributes());
+        if (scalar_ != element::unknown) return stop(element_inside_a_value());
+        if (!accepts(kind)) return stop(keys_and_values_not_by_turns());
         if (is_container(kind)) {
             if (static_cast<int>(open_.size()) >= deepest_nesting) {
-                return stop("it is nested more than " + std::to_string(deepest_nesting) + " deep");
+                return stop(nested_too_deep(deepest_nesting));
             }
             open_.push_back({kind, kind == element::dict ? members_.size() : items_.size(), {}, false});
         } else {
@@ -154,17 +155,17 @@ class view_builder {
         }
         for (const char character : text) {
             if (character != '\t' && character != '\n' && character != ' ' && character != '\r') {
-                return stop("text stands outside a value");
+                return stop(text_outside_a_value());
             }
         }
     }
 
     void end(element kind) {
-        if (!fault_.empty() || kind == element::plist) return;
+        if (fault_ || kind == element::plist) return;
         if (is_container(kind)) {
             const auto top = open_.back();
             open_.pop_back();
-            if (top.has_key) return stop("a key has no value");
+            if (top.has_key) return stop(key_has_no_value());
             place(kind == element::dict ? taken(members_, top.first) : taken(items_, top.first));
         } else if (kind == element::key) {
             open_.back().key = arena_.keep(text_);
@@ -210,12 +211,8 @@ class view_builder {
     stored_view root_;
     bool in_plist_ = false;
     bool has_root_ = false;
-    std::string fault_;
+    failure fault_;
 };
-
-failure unreadable(const std::string& name, const std::string& reason) {
-    return {"\"" + name + "\" cannot be read: " + reason + "."};
-}
 
 // The parser would follow a file's first bytes into that encoding, whatever it was told.
 bool is_utf_16(std::string_view bytes) {
@@ -227,11 +224,11 @@ bool is_utf_16(std::string_view bytes) {
 }  // namespace
 
 result<stored_view> read_property_list(std::string_view bytes, const std::string& name, stored_arena& arena) {
-    if (bytes.starts_with("bplist")) return unreadable(name, "it is a binary property list, not an XML one");
-    if (is_utf_16(bytes)) return unreadable(name, "it is not UTF-8");
+    if (bytes.starts_with("bplist")) return file_cannot_be_read(name, property_list_is_binary());
+    if (is_utf_16(bytes)) return file_cannot_be_read(name, text_is_not_utf_8());
     const std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser(XML_ParserCreate("UTF-8"),
                                                                          XML_ParserFree);
-    if (!parser) return unreadable(name, "there is not enough memory");
+    if (!parser) return file_cannot_be_read(name, memory_is_short());
     view_builder builder(parser.get(), arena);
     for (std::size_t fed = 0, last = 0; last == 0;) {
         const auto part = bytes.substr(fed, parser_chunk_bytes);
@@ -241,15 +238,14 @@ result<stored_view> read_property_list(std::string_view bytes, const std::string
         const auto begun = XML_GetCurrentByteIndex(parser.get());
         const bool endless = begun >= 0 && fed - static_cast<std::size_t>(begun) > longest_markup_bytes;
         if (state == XML_STATUS_ERROR || endless) {
-            const auto line = std::to_string(XML_GetCurrentLineNumber(parser.get()));
-            const std::string reason = !builder.fault().empty() ? builder.fault()
-                                       : state == XML_STATUS_ERROR
-                                           ? XML_ErrorString(XML_GetErrorCode(parser.get()))
-                                           : "a tag or comment is too long";
-            return unreadable(name, reason + ", at line " + line);
+            const failure reason = builder.fault() ? builder.fault()
+                                   : state == XML_STATUS_ERROR
+                                       ? xml_is_wrong(XML_ErrorString(XML_GetErrorCode(parser.get())))
+                                       : markup_is_too_long();
+            return file_cannot_be_read(name, fault_at_line(reason, XML_GetCurrentLineNumber(parser.get())));
         }
     }
-    if (!builder.has_root()) return unreadable(name, "it holds no value");
+    if (!builder.has_root()) return file_cannot_be_read(name, property_list_is_empty());
     return builder.root();
 }
 

@@ -11,7 +11,9 @@
 #include <map>
 
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
+#include "util/recovery_failures.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
 
@@ -81,7 +83,7 @@ class file_recovery {
         std::string bytes;
         const auto found = state_of_copy(path_, files_, bytes);
         if (found == copy_state::whole) return clean();
-        if (found == copy_state::unreadable) return cannot_be_read(path_);
+        if (found == copy_state::unreadable) return leave_alone(path_);
         is_missing_ = found == copy_state::missing;
         if (look_through_copies()) keep_what_is_left();
     }
@@ -129,7 +131,7 @@ class file_recovery {
         if (state == copy_state::whole && judge_) known = judge_(name_, bytes);
         if (known == held_content::cannot_be_told_now) state = copy_state::unreadable;
         if (state == copy_state::unreadable) {
-            cannot_be_read(path_of(copy));
+            leave_alone(path_of(copy));
             return false;
         }
         if (state == copy_state::torn && is_missing_ && pair.previous.empty()) torn_first_.push_back(copy);
@@ -146,7 +148,7 @@ class file_recovery {
     void put_back(const std::string& copy) {
         std::string kept;
         const auto cannot = [&](int fault) {
-            done_.messages.push_back(file_failure(path_, "could not be put back", fault).message());
+            done_.messages.push_back(file_could_not_be_put_back(path_, system_failure(fault)));
         };
         if (!is_missing_) {
             kept = damaged_name(path_);
@@ -158,39 +160,31 @@ class file_recovery {
         }
         files_.sync_folder(folder_);
         done_.recovered.push_back(path_);
-        done_.messages.push_back(
-            "\"" + path_ + "\" was put back from its copy." +
-            (kept.empty() ? "" : " The torn file was kept as \"" + path_name(kept) + "\"."));
+        done_.messages.push_back(kept.empty() ? file_was_put_back(path_)
+                                              : file_was_put_back_for_a_torn_one(path_, path_name(kept)));
     }
 
     // Told once: under its new name a copy is none any more.
     void keep_what_is_left() {
-        const std::string state = "\"" + path_ + "\" is " + (is_missing_ ? "missing" : "damaged");
         for (const auto& [copy, is_strange] : left_) {
-            keep(copy, "copy",
-                 state + ". A copy that an earlier save left " +
-                     (is_strange ? "is not what was saved last" : "is older than a day") + " and was kept");
+            keep(copy, "copy", is_strange ? strange_copy_was_kept : old_copy_was_kept);
         }
-        for (const auto& copy : torn_first_) {
-            keep(copy, "damaged", state + ": a save of it broke off. What was written of it was kept");
-        }
-        if (left_.empty() && torn_first_.empty()) {
-            done_.messages.push_back(state + " and no whole copy of it was found. Nothing was changed.");
-        }
+        for (const auto& copy : torn_first_) keep(copy, "damaged", part_of_a_save_was_kept);
+        if (left_.empty() && torn_first_.empty()) done_.messages.push_back(no_whole_copy_was_found(state()));
     }
 
-    void keep(const std::string& copy, std::string_view what, const std::string& told) {
+    failure state() const { return is_missing_ ? file_gone(path_) : file_torn(path_); }
+
+    void keep(const std::string& copy, std::string_view what, const failure_of<a_cause, a_text>& told) {
         const std::string kept = kept_name(path_, what);
         if (const int fault = files_.rename(path_of(copy), kept)) {
-            done_.messages.push_back(file_failure(path_of(copy), "could not be kept", fault).message());
+            done_.messages.push_back(file_could_not_be_kept(path_of(copy), system_failure(fault)));
         } else {
-            done_.messages.push_back(told + " as \"" + path_name(kept) + "\".");
+            done_.messages.push_back(told(state(), path_name(kept)));
         }
     }
 
-    void cannot_be_read(const std::string& path) {
-        done_.messages.push_back("\"" + path + "\" cannot be read now. Nothing was changed.");
-    }
+    void leave_alone(const std::string& path) { done_.messages.push_back(file_cannot_be_read_now(path)); }
 
     struct left_copy {
         std::string name;
@@ -215,7 +209,7 @@ recovery recover_folder(const std::string& folder, file_system& files, const con
     recovery done;
     std::vector<std::string> names;
     if (const int fault = files.list(folder, names)) {
-        done.messages.push_back(file_failure(folder, "cannot be looked through", fault).message());
+        done.messages.push_back(file_cannot_be_looked_through(folder, system_failure(fault)));
         return done;
     }
     sort_names(names);

@@ -9,11 +9,11 @@
 
 namespace vistels {
 
-// What a recovery did, in words for the user, with the files' paths.
+// What a recovery did, with the files' paths.
 struct recovery {
     std::vector<std::string> recovered;  // put back whole
     std::vector<std::string> cleaned;    // copies that were deleted
-    std::vector<std::string> messages;
+    std::vector<failure> messages;       // for the user, see util/recovery_failures.h
 };
 
 // Whether a file held a content when it was saved last, or before that.

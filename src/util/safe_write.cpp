@@ -10,6 +10,7 @@
 
 #include "util/checksum.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 #include "util/text_forms.h"
 
@@ -154,7 +155,7 @@ class replacement {
         }
         known = {written_, hash};
         // What cannot be told apart now is not deleted.
-        if (fault != 0) return with_conflict(file_failure(path_, "may not be saved", fault), kept);
+        if (fault != 0) return with_conflict(file_may_not_be_saved(path_, system_failure(fault)), kept);
         if (auto finished = finish(); !finished) return with_conflict(finished.error(), kept);
         return kept;
     }
@@ -225,23 +226,20 @@ class replacement {
     // What was replaced goes away when the new content is certain to stay.
     result<void> finish() {
         if (const int fault = files_.sync_folder(folder_))
-            return file_failure(path_, "may not be saved", fault);
+            return file_may_not_be_saved(path_, system_failure(fault));
         if (replaced_ == temporary_) files_.remove(temporary_);
         if (has_previous_) files_.remove(previous_);
         return {};
     }
 
-    static failure with_conflict(failure reason, const std::string& kept) {
-        if (!kept.empty())
-            return failure{reason.message() + " A version by another program was kept as \"" +
-                           path_name(kept) + "\"."};
-        return reason;
+    static failure with_conflict(const failure& reason, const std::string& kept) {
+        return kept.empty() ? reason : another_version_was_kept(reason, path_name(kept));
     }
 
     failure fail(int fault) {
         files_.remove(temporary_);
         if (has_previous_) files_.remove(previous_);
-        return file_failure(path_, "could not be saved", fault);
+        return file_could_not_be_saved(path_, system_failure(fault));
     }
 
     std::string path_;
@@ -271,12 +269,10 @@ std::int64_t safe_write_number() {
 result<void> check_replaceable(const std::string& path, file_system& files) {
     auto found = file_kind::plain_file;
     const int looking = files.kind(path, found);
-    if (looking != 0 && looking != ENOENT) return file_failure(path, "could not be saved", looking);
+    if (looking != 0 && looking != ENOENT) return file_could_not_be_saved(path, system_failure(looking));
     if (found == file_kind::plain_file) return {};
     const bool is_folder = found == file_kind::folder;
-    return failure{"\"" + path + "\" could not be saved: " +
-                   (is_folder ? "a folder has that name" : "what has that name is no plain file") +
-                   ". It was left alone."};
+    return file_was_left_alone(path, is_folder ? folder_has_that_name() : what_is_no_file_has_that_name());
 }
 
 result<void> safe_write_bytes(const std::string& path, std::string_view bytes, file_system& files) {
@@ -300,13 +296,13 @@ result<std::optional<std::string>> read_known(const std::string& path, known_fil
     int descriptor = -1;
     const int opening = files.open(path, O_RDONLY, descriptor);
     if (opening == ENOENT) return std::optional<std::string>();
-    if (opening != 0) return file_failure(path, "cannot be read", opening);
+    if (opening != 0) return file_cannot_be_read(path, system_failure(opening));
     std::string bytes;
     int fault = read_whole(files, descriptor, bytes);
     // After reading: what is written into it meanwhile must not count as known.
     if (fault == 0) fault = files.opened_identity(descriptor, known.identity);
     files.close(descriptor);
-    if (fault != 0) return file_failure(path, "cannot be read", fault);
+    if (fault != 0) return file_cannot_be_read(path, system_failure(fault));
     known.hash = checksum(bytes);
     return std::optional<std::string>(std::move(bytes));
 }

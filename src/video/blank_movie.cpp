@@ -10,14 +10,15 @@
 #include "media/coded_pictures.h"
 #include "media/movie_information.h"
 #include "media/movie_writer.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
+#include "video/collection_failures.h"
 
 namespace vistels {
 
 namespace {
 
-constexpr const char* could_not_make = "Could not make an empty vistel movie.";
 constexpr const char* temporary_ending = " temp.mov";
 constexpr const char* queue_name = "join timelines queue";
 constexpr int width = 320;
@@ -27,10 +28,6 @@ constexpr int frame_rate = 25;
 constexpr double frame_seconds = 1.0 / frame_rate;
 // Of one movie, however long it is: a still picture needs no more to be sought in.
 constexpr int most_pictures = 200;
-
-failure not_made(const std::string& reason) {
-    return {std::string(could_not_make) + " " + reason};
-}
 
 std::string without_ending(const std::string& path) {
     return path.substr(0, path.rfind('.'));
@@ -69,7 +66,7 @@ result<void> put_in_place(const std::string& temporary, const std::string& path)
     const int fault = machine_files().rename(temporary, path);
     if (fault == 0) return {};
     machine_files().remove(temporary);
-    return file_failure(path, "could not be made", fault);
+    return file_could_not_be_made(path, system_failure(fault));
 }
 
 }  // namespace
@@ -86,7 +83,7 @@ void blank_vistel_movie::prepare() {
     queue_->post([this] {
         const auto made = make();
         const std::lock_guard finished(mutex_);
-        problem_ = made.message();
+        problem_ = made.error();
         done_ = true;
         is_done_.notify_all();
     });
@@ -106,7 +103,7 @@ result<std::string> blank_vistel_movie::wait_for_movie() {
     prepare();
     std::unique_lock lock(mutex_);
     is_done_.wait(lock, [this] { return done_; });
-    if (!problem_.empty()) return not_made(problem_);
+    if (problem_) return blank_movie_not_made(problem_);
     return path_;
 }
 
@@ -135,13 +132,13 @@ void blank_vistel_movie::remove_left_over() const {
 }
 
 result<void> blank_vistel_movie::write(const std::string& path, double seconds, job& work) {
-    if (!(seconds > 0)) return not_made("\"" + path + "\" would have no length.");
+    if (!(seconds > 0)) return blank_movie_not_made(movie_has_no_length(path));
     const auto blank = wait_for_movie();
     if (!blank) return blank.error();
     const std::string temporary = without_ending(path) + temporary_ending;
     auto written = show_coded_pictures(blank.value(), temporary, picture_times(seconds), seconds, work);
     if (written) written = put_in_place(temporary, path);
-    if (!written) return not_made(written.message());
+    if (!written) return blank_movie_not_made(written.error());
     work.set_progress(1);
     return {};
 }

@@ -45,7 +45,7 @@ class blank_vistel_movie {
     std::condition_variable is_done_;
     bool started_ = false;  // guarded by mutex_, as what follows
     bool done_ = false;
-    std::string problem_;                  // of the last time; empty: none
+    failure problem_;                      // of the last time
     std::unique_ptr<serial_queue> queue_;  // from the first time on; last: its work is done before all else
 };
 

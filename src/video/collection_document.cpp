@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "document/document_failures.h"
 #include "video/collection_edit.h"
 #include "video/padding_movies.h"
 #include "video/video_coll_LOAD.h"
@@ -53,8 +54,8 @@ void collection_document::set_keeper(editable_document& keeper) {
     access_ = keeper.access_changed.connect([this] { access_changed.emit(); });
 }
 
-const std::string& collection_document::read_only_reason() const {
-    static const std::string none;
+const failure& collection_document::read_only_reason() const {
+    static const failure none;
     return keeper_ ? keeper_->read_only_reason() : none;
 }
 
@@ -74,7 +75,7 @@ void collection_document::take_up(video_collection_ROOT read) {
 result<void> collection_document::make(document_edit edit) {
     if (keeper_) return keeper_->make(std::move(edit));
     for (const auto& part : edit.parts) {
-        if (find(part.document) != this) return failure{"What else it changes is not open."};
+        if (find(part.document) != this) return other_not_open();
     }
     if (auto done = change_others(edit.parts); !done) return done;
     follow_others(edit.parts);
@@ -141,7 +142,8 @@ void collection_document::note_change(bool parts) {
 }
 
 void collection_document::note_values() {
-    if (is_taken_up_ && !has_unsaved_edits() && record_of(record_) != saved_record_) note_revision();
+    // Also while a save runs, which has taken older ones.
+    if (is_taken_up_ && record_of(record_) != saved_record_) note_revision();
 }
 
 bool collection_document::may_save() {

@@ -35,7 +35,7 @@ class collection_document : public editable_document {
 
     // As its keeper is; without one it can be written.
     bool is_read_only() const override { return keeper_ && keeper_->is_read_only(); }
-    const std::string& read_only_reason() const override;
+    const failure& read_only_reason() const override;
     bool is_held_elsewhere() const override { return keeper_ && keeper_->is_held_elsewhere(); }
     std::function<result<void>()> edit_sync() override;
 

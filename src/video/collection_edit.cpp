@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "util/file_system.h"
+#include "video/collection_failures.h"
 
 namespace vistels {
 
@@ -186,7 +187,7 @@ class edit_maker {
         const bool comes = !was && change.item.set.contains("UUID single video - g");
         if (!was && !comes) {
             if (manner_ == edit_manner::lenient) return {};
-            return failure{"the collection has no vistel \"" + change.vistel + "\"."};
+            return edited_vistel_is_gone(change.vistel);
         }
         auto made = std::make_shared<single_Vistel_CTR>(changed_vistel(was.get(), change));
         if (was) {
@@ -202,15 +203,14 @@ class edit_maker {
         for (const auto& one : before_) after_.push_back(one.vistel);
         if (!order) {
             if (come_.empty() || manner_ == edit_manner::lenient) return {};
-            return failure{"a vistel has no place."};
+            return vistel_has_no_place();
         }
         after_.clear();
         auto pool = before_;
         pool.insert(pool.end(), come_.begin(), come_.end());
         for (const auto& name : *order) {
             auto vistel = take_named(pool, name).vistel;
-            if (!vistel && manner_ == edit_manner::strict)
-                return failure{"the collection has no vistel \"" + name + "\"."};
+            if (!vistel && manner_ == edit_manner::strict) return edited_vistel_is_gone(name);
             // One of several with one UUID may have gone already.
             const std::string uuid = name.substr(0, name.find('\n'));
             if (!vistel) vistel = take_named(pool, uuid).vistel;

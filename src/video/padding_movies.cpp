@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "util/file_system.h"
+#include "video/collection_failures.h"
 #include "video/video_coll_Offsets.h"
 
 namespace vistels {
@@ -150,12 +151,11 @@ result<void> check_is_there(const single_Vistel_CTR& vistel) {
     const bool has_all =
         std::none_of(parts.begin(), parts.end(), [](const auto& part) { return part.path.empty(); });
     if (!has_all) {
-        return failure{"A movie of \"" + vistel.name() + "\" is missing in \"" + vistel.data_folder() +
-                       "\"."};
+        return movie_of_vistel_is_missing(vistel.name(), vistel.data_folder());
     }
     const bool was_read = !vistel.data_folder().empty() && vistel.http_file().empty();
     if (!parts.empty() || was_read || vistel.manual_start_offset().value_or(0) == 0) return {};
-    return failure{"\"" + vistel.name() + "\" has a start offset but cannot be padded: " + vistel.problem()};
+    return vistel_cannot_be_padded(vistel.name(), vistel.problem());
 }
 
 double largest_offset(const video_collection_ROOT& collection) {
@@ -200,7 +200,7 @@ result<padding_outcome> pad_collection(video_collection_ROOT& collection) {
             without_movies.push_back(vistel);
         }
     }
-    if (padded.empty()) return failure{"There are no movie parts."};
+    if (padded.empty()) return no_movie_parts();
     double smallest = std::numeric_limits<double>::infinity();
     for (const auto& vistel : padded) {
         smallest = std::min(smallest, vistel->manual_start_offset().value_or(0));

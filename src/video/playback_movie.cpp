@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "media/movie_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -42,16 +44,16 @@ int direction_of(const playback_demand& demand) {
 playback_movie::playback_movie(std::string path, std::shared_ptr<picture_pool> pool)
     : path_(std::move(path)), pool_(std::move(pool)) {}
 
-playback_movie::progress playback_movie::fail(std::string message) {
+playback_movie::progress playback_movie::fail(failure reason) {
     reader_.reset();
     const std::lock_guard lock(mutex_);
-    problem_ = std::move(message);
+    problem_ = std::move(reason);
     return progress::failed;
 }
 
 playback_movie::progress playback_movie::open() {
     auto opened = frame_reader::open(path_, 1, pool_);
-    if (!opened.ok()) return fail(opened.message());
+    if (!opened.ok()) return fail(opened.error());
     reader_ = std::move(opened).value();
     reader_has_current_ = false;
     nothing_before_.reset();
@@ -179,8 +181,8 @@ playback_movie::progress playback_movie::seek(std::int64_t stamp, std::int64_t n
     reader_has_current_ = false;
     has_caught_up_ = false;
     sought_stamp_ = wanted_stamp_;
-    if (auto moved = reader_->seek(stamp, needed_from); !moved.ok()) return fail(moved.message());
-    if (!reader_->next_stamp()) return fail("The movie “" + path_ + "” has no picture here");
+    if (auto moved = reader_->seek(stamp, needed_from); !moved.ok()) return fail(moved.error());
+    if (!reader_->next_stamp()) return fail(movie_has_no_picture_here(path_));
     return progress::worked;
 }
 
@@ -204,7 +206,7 @@ bool playback_movie::make_room(bool is_wanted) {
 
 playback_movie::progress playback_movie::paint_current() {
     auto painted = reader_->paint(width_, height_);
-    if (!painted.ok()) return fail(painted.message());
+    if (!painted.ok()) return fail(painted.error());
     const std::lock_guard lock(mutex_);
     cache_.insert(std::move(painted).value());
     return progress::worked;
@@ -213,7 +215,7 @@ playback_movie::progress playback_movie::paint_current() {
 // Reads the next frame, and scales it when it stands at or after `paint_from` and is not held yet.
 playback_movie::progress playback_movie::read_one(std::int64_t paint_from) {
     auto advanced = reader_->advance();
-    if (!advanced.ok()) return fail(advanced.message());
+    if (!advanced.ok()) return fail(advanced.error());
     if (!advanced.value()) return progress::nothing_to_do;
     reader_has_current_ = true;
     if (reader_->current_until() <= paint_from && reader_->next_stamp()) return progress::worked;
@@ -259,7 +261,7 @@ playback_movie::progress playback_movie::fetch_behind(const playback_frame_cache
 }
 
 playback_movie::progress playback_movie::work(const playback_demand& demand) {
-    if (!problem().empty()) return progress::nothing_to_do;
+    if (problem()) return progress::nothing_to_do;
     if (!reader_) return open();
     set_size(demand.width, demand.height);
     const std::int64_t stamp = std::max<std::int64_t>(0, reader_->stamp_at(demand.seconds));
@@ -289,7 +291,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
     if (!standing) {
         nothing_before_.reset();
         const progress made = fetch(demand, stamp);
-        if (made == progress::nothing_to_do) return fail("The movie “" + path_ + "” has no picture here");
+        if (made == progress::nothing_to_do) return fail(movie_has_no_picture_here(path_));
         return made == progress::worked && frame_at(demand.seconds) ? progress::wanted_frame_came : made;
     }
     if (needs_behind && direction < 0) {
@@ -322,7 +324,7 @@ picture_pointer playback_movie::frame_preceding(const picture& shown) const {
     return before && before->until_stamp == shown.stamp && !before->sparse ? before : nullptr;
 }
 
-std::string playback_movie::problem() const {
+failure playback_movie::problem() const {
     const std::lock_guard lock(mutex_);
     return problem_;
 }

@@ -58,8 +58,8 @@ class playback_movie {
     picture_pointer frame_before(double seconds) const;
     // The frame that precedes `shown`, when it is held.
     picture_pointer frame_preceding(const picture& shown) const;
-    // Why the movie cannot be shown; empty when it can.
-    std::string problem() const;
+    // Why the movie cannot be shown; none when it can.
+    failure problem() const;
     double frame_seconds() const;  // how long a frame stands on average
 
   private:
@@ -72,7 +72,7 @@ class playback_movie {
 
     std::int64_t stamp_at(double seconds) const;
     progress open();
-    progress fail(std::string message);
+    progress fail(failure reason);
     progress fetch(const playback_demand& demand, std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
     progress fetch_behind(const playback_frame_cache::run& held);
@@ -108,7 +108,7 @@ class playback_movie {
 
     mutable std::mutex mutex_;
     playback_frame_cache cache_;   // guarded by mutex_, changed on the queue only
-    std::string problem_;          // guarded by mutex_
+    failure problem_;              // guarded by mutex_
     double seconds_per_tick_ = 0;  // guarded by mutex_; 0: not open yet
     double frame_seconds_ = 0.04;  // guarded by mutex_
 };

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "util/colour_text.h"
+#include "util/failure.h"
 #include "util/property_value.h"
 #include "util/record.h"
 #include "video/movie_Part_DRONE_Offset_Item.h"
@@ -114,9 +115,9 @@ class single_Vistel_CTR : record {
     // Where its data lies; empty when it was not found. Not stored.
     std::string data_folder() const { return read(data_folder_); }
     void set_data_folder(std::string folder) { write(data_folder_, std::move(folder)); }
-    // Why the vistel, or a part of it, cannot be shown, for the user; empty when all is well. Not stored.
-    std::string problem() const { return read(problem_); }
-    void set_problem(std::string text) { write(problem_, std::move(text)); }
+    // Why the vistel, or a part of it, cannot be shown; none when all is well. Not stored.
+    failure problem() const { return read(problem_); }
+    void set_problem(failure reason) { write(problem_, std::move(reason)); }
 
     // All values as read; what has a field above is replaced when written, and unknown keys stay.
     property_dictionary stored_item() const { return read(stored_item_); }
@@ -151,7 +152,7 @@ class single_Vistel_CTR : record {
     movie_Part_DRONE_Offsets_Root parts_;
     std::optional<movie_Part_DRONE_Offsets_Root> parts_on_record_;
     std::string data_folder_;
-    std::string problem_;
+    failure problem_;
     property_dictionary stored_item_;
     property_dictionary stored_vistel_;
 };

@@ -365,9 +365,9 @@ vistel_state synchronised_playback::state(const std::string& uuid) const {
     return found == nullptr ? vistel_state::blank : found->state;
 }
 
-std::string synchronised_playback::problem(const std::string& uuid) const {
+failure synchronised_playback::problem(const std::string& uuid) const {
     const entry* const found = find(uuid);
-    return found == nullptr ? std::string() : found->problem;
+    return found == nullptr ? failure() : found->problem;
 }
 
 }  // namespace vistels

@@ -93,7 +93,7 @@ class synchronised_playback final : public transport {
     // How long a frame of the vistel stands on average; 0 when there is no such vistel.
     double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;
-    std::string problem(const std::string& uuid) const;
+    failure problem(const std::string& uuid) const;
     // Whether every vistel that is seen shows its very frame, or cannot show any.
     bool is_settled() const;
     // Whether it takes part in the ticks: while the collection's time moves, and half a second longer.
@@ -113,7 +113,7 @@ class synchronised_playback final : public transport {
         int width = 0;
         int height = 0;
         vistel_state state = vistel_state::waiting;
-        std::string problem;
+        failure problem;
         std::optional<double> last_correction_seconds;
         bool is_seen = true;
         bool returns = false;  // it was out of sight and has shown nothing since

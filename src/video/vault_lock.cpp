@@ -9,7 +9,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "util/file_failures.h"
 #include "util/file_system.h"
+#include "video/collection_failures.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -53,10 +55,10 @@ int lock_file(int folder, int& file) {
 
 }  // namespace
 
-std::string vault_is_being_modified_text(const std::string& vault) {
+failure modified_now(const std::string& vault) {
     std::string name = path_name(vault);
     if (const auto end = name.rfind(".VVault"); end != name.npos) name.resize(end);
-    return "Vault '" + name + "' is currently being modified.";
+    return vault_is_being_modified(name);
 }
 
 std::string vault_lock_key(const std::string& path) {
@@ -67,14 +69,14 @@ std::string vault_lock_key(const std::string& path) {
 result<std::unique_ptr<vault_lock>> vault_lock::take(const std::string& vault) {
     std::unique_ptr<vault_lock> lock(new vault_lock);
     const int folder = ::open(vault.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return file_failure(vault, "cannot be changed", errno);
+    if (folder < 0) return vault_cannot_be_changed(vault, system_failure(errno));
     int fault = lock_file(folder, lock->file_);
     if (fault != 0 && lock->file_ >= 0) ::close(std::exchange(lock->file_, -1));
     if (knows_no_locks(fault)) fault = 0;
     if (fault != 0) {
         ::close(folder);
-        if (fault == EWOULDBLOCK) return failure{vault_is_being_modified_text(vault)};
-        return file_failure(vault, "cannot be changed", fault);
+        if (fault == EWOULDBLOCK) return modified_now(vault);
+        return vault_cannot_be_changed(vault, system_failure(fault));
     }
     lock->folder_ = folder;
     return lock;

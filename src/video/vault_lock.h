@@ -37,6 +37,6 @@ class vault_lock {
 std::string vault_lock_key(const std::string& path);
 
 // "Vault 'Cup' is currently being modified."
-std::string vault_is_being_modified_text(const std::string& vault);
+failure modified_now(const std::string& vault);
 
 }  // namespace vistels

@@ -8,9 +8,11 @@
 
 #include "media/deinterlace.h"
 #include "media/movie_information.h"
+#include "util/file_failures.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
 #include "util/uuid.h"
+#include "video/collection_failures.h"
 #include "video/made_files.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_LOAD.h"
@@ -19,10 +21,6 @@
 namespace vistels {
 
 namespace {
-
-std::string in_quotes(const std::string& text) {
-    return "\"" + text + "\"";
-}
 
 std::string ending_of(const std::string& path) {
     return std::filesystem::path(path).extension().string();
@@ -79,7 +77,7 @@ result<void> sync_file(const std::string& path) {
         fault = files.sync(descriptor);
         files.close(descriptor);
     }
-    return fault == 0 ? result<void>() : file_failure(path, "could not be saved", fault);
+    return fault == 0 ? result<void>() : file_could_not_be_saved(path, system_failure(fault));
 }
 
 result<std::string> deinterlace_part(const std::string& path, const std::string& folder, job& work) {
@@ -97,7 +95,7 @@ result<std::string> deinterlace_part(const std::string& path, const std::string&
     if (auto done = deinterlace_movie(path, unfinished, to, work); !done) return done.error();
     if (auto synced = sync_file(unfinished); !synced) return synced.error();
     if (const int fault = machine_files().rename(unfinished, to)) {
-        return file_failure(to, "could not be made", fault);
+        return file_could_not_be_made(to, system_failure(fault));
     }
     return to;
 }
@@ -109,7 +107,7 @@ result<std::shared_ptr<single_Vistel_CTR>> duplicate_vistel(const single_Vistel_
     auto clone = std::make_shared<single_Vistel_CTR>(source);
     const std::string folder = path_join(made_with.folder, new_uuid());
     if (source.data_folder().empty()) {
-        return failure{"The data of the vistel " + in_quotes(source.name()) + " is missing."};
+        return vistel_data_is_missing(source.name());
     }
     const auto lock = vault_lock::take_around(folder);
     if (!lock) return lock.error();
@@ -148,8 +146,8 @@ result<std::vector<std::string>> copy_vistel_movie(const single_Vistel_CTR& vist
         if (!part.path.empty()) movies.push_back(part.path);
     }
     if (const auto picture = picture_path(vistel); !picture.empty()) movies.push_back(picture);
-    if (movies.empty()) return failure{in_quotes(vistel.name()) + ": " + no_movie_parts_text};
-    if (!is_folder(folder)) return failure{in_quotes(folder) + " is missing or is no folder."};
+    if (movies.empty()) return vistel_has_a_fault(vistel.name(), no_movie_parts());
+    if (!is_folder(folder)) return file_is_missing_or_no_folder(folder);
     made_files made;
     shared_progress progress(movies.size(), work);
     std::vector<std::string> copies;
@@ -168,7 +166,7 @@ result<std::vector<std::string>> copy_vistel_movie(const single_Vistel_CTR& vist
 result<std::vector<movie_Part_DRONE_Offset_Item>> deinterlaced_parts(const single_Vistel_CTR& vistel,
                                                                      job& work) {
     auto parts = vistel.parts().parts;
-    if (parts.empty()) return failure{in_quotes(vistel.name()) + ": " + no_movie_parts_text};
+    if (parts.empty()) return vistel_has_a_fault(vistel.name(), no_movie_parts());
     const auto lock = vault_lock::take_around(vistel.data_folder());
     if (!lock) return lock.error();
     made_files made;
@@ -176,8 +174,7 @@ result<std::vector<movie_Part_DRONE_Offset_Item>> deinterlaced_parts(const singl
     for (std::size_t index = 0; index < parts.size(); ++index) {
         auto& part = parts[index];
         if (part.path.empty()) {
-            return failure{"The file of movie part " + std::to_string(index + 1) + " is missing in " +
-                           in_quotes(vistel.data_folder()) + "."};
+            return file_of_part_is_missing(index + 1, vistel.data_folder());
         }
         auto deinterlaced =
             progress.run([&](job& one) { return deinterlace_part(part.path, vistel.data_folder(), one); });

@@ -20,9 +20,11 @@
 #include <vector>
 
 #include "media/movie_information.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/safe_write.h"
 #include "util/uuid.h"
+#include "video/collection_failures.h"
 #include "video/made_files.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_LOAD.h"
@@ -66,14 +68,14 @@ result<void> copy_pieces(const descriptor& from, const descriptor& to, const std
     std::vector<char> piece(copy_piece_bytes);
     double done = 0;
     while (true) {
-        if (work.is_cancelled()) return failure{"Copying \"" + path + "\" was cancelled."};
+        if (work.is_cancelled()) return copying_was_cancelled(path);
         const auto count = ::read(from.number(), piece.data(), piece.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return file_failure(path, "could not be copied", errno);
+        if (count < 0) return file_could_not_be_copied(path, system_failure(errno));
         if (count == 0) break;
         const std::string_view bytes(piece.data(), static_cast<std::size_t>(count));
         if (const int fault = write_whole(machine_files(), to.number(), bytes)) {
-            return file_failure(path, "could not be copied", fault);
+            return file_could_not_be_copied(path, system_failure(fault));
         }
         done += static_cast<double>(count);
         work.set_progress(total > 0 ? std::min(done / total, 1.0) : 1);
@@ -94,19 +96,19 @@ result<void> finish_file(const std::string& unfinished, const std::string& path)
         return {};
     }
     if (fault != EEXIST && !file_exists(path)) fault = machine_files().rename(unfinished, path);
-    return fault == 0 ? result<void>() : file_failure(path, "could not be made", fault);
+    return fault == 0 ? result<void>() : file_could_not_be_made(path, system_failure(fault));
 }
 
 result<void> copy_whole(const std::string& from, const std::string& to, job& work) {
     const descriptor input(from, O_RDONLY);
-    if (input.number() < 0) return file_failure(from, "could not be copied", errno);
+    if (input.number() < 0) return file_could_not_be_copied(from, system_failure(errno));
     const descriptor output(to, O_WRONLY | O_CREAT | O_EXCL);
-    if (output.number() < 0) return file_failure(to, "could not be made", errno);
+    if (output.number() < 0) return file_could_not_be_made(to, system_failure(errno));
     if (::ioctl(output.number(), FICLONE, input.number()) == 0) return {};
     struct stat state {};
     const double total = ::fstat(input.number(), &state) == 0 ? static_cast<double>(state.st_size) : 0;
     auto copied = copy_pieces(input, output, from, total, work);
-    if (copied && ::fsync(output.number()) != 0) copied = file_failure(to, "could not be saved", errno);
+    if (copied && ::fsync(output.number()) != 0) copied = file_could_not_be_saved(to, system_failure(errno));
     return copied;
 }
 
@@ -121,9 +123,9 @@ struct planned_vistel {
 result<double> duration_of(const std::string& movie) {
     const auto information = probe_movie(movie);
     if (!information) return information.error();
-    if (!information.value().has_video) return failure{"\"" + movie + "\" holds no pictures."};
+    if (!information.value().has_video) return file_has_no_pictures(movie);
     const double seconds = information.value().duration;
-    if (!(seconds > 0)) return failure{"\"" + movie + "\" cannot be played: its pictures have no times."};
+    if (!(seconds > 0)) return pictures_have_no_times(movie);
     return seconds;
 }
 
@@ -136,7 +138,7 @@ result<std::vector<planned_vistel>> plan_vistels(const std::vector<std::string>&
         const auto duration = is_picture ? result<double>(0.0) : duration_of(movie);
         if (!duration) return duration.error();
         if (is_picture && how != movies_as::vistel_each) {
-            return failure{"\"" + movie + "\" is a picture. It can only be a vistel of its own."};
+            return picture_among_movies(movie);
         }
         if (how == movies_as::vistel_each || planned.empty()) {
             planned.push_back({fs::path(movie).stem().string(), {}, {}, is_picture});
@@ -251,20 +253,20 @@ std::vector<adding_choice> adding_choices(std::size_t movies, bool on_vistel) {
 result<std::vector<std::string>> movies_of_item(const std::string& path) {
     if (!is_folder(path)) {
         if (file_exists(path)) return std::vector<std::string>{path};
-        return file_failure(path, "could not be read", ENOENT);
+        return file_cannot_be_read(path, system_failure(ENOENT));
     }
     std::vector<std::string> movies;
     if (file_exists(path_join(path, vistel_file_name))) {
         for (const auto& part : parts_in_folder(path).parts) {
             if (!part.path.empty()) movies.push_back(part.path);
         }
-        if (movies.empty()) return failure{"\"" + path + "\": " + no_movie_parts_text};
+        if (movies.empty()) return item_has_a_fault(path, no_movie_parts());
         return movies;
     }
     for (const auto& name : names_in_folder(path)) {
         if (is_movie_name(name)) movies.push_back(path_join(path, name));
     }
-    if (movies.empty()) return failure{"\"" + path + "\": " + item_has_no_movie_parts_text};
+    if (movies.empty()) return item_has_a_fault(path, item_has_no_movie_parts());
     return movies;
 }
 
@@ -294,14 +296,14 @@ std::string new_vistels_folder(const std::string& folder, bool next_to_collectio
 }
 
 result<void> bring_movie(const std::string& from, const std::string& to, job& work, bool as_copy) {
-    if (work.is_cancelled()) return failure{"Copying \"" + from + "\" was cancelled."};
+    if (work.is_cancelled()) return copying_was_cancelled(from);
     std::error_code fault;
     const std::string source = fs::canonical(from, fault).string();
-    if (fault) return file_failure(from, "could not be copied", fault.value());
+    if (fault) return file_could_not_be_copied(from, system_failure(fault.value()));
     if (!as_copy) {
         const int linked = machine_files().hard_link(source, to);
         if (linked == 0) return {};
-        if (linked == EEXIST) return file_failure(to, "could not be made", EEXIST);
+        if (linked == EEXIST) return file_could_not_be_made(to, system_failure(EEXIST));
     }
     made_files made;
     const std::string unfinished = unfinished_name(to);
@@ -338,9 +340,9 @@ result<std::vector<movie_Part_DRONE_Offset_Item>> bring_parts(const single_Viste
                                                               const std::vector<std::string>& movies,
                                                               job& work) {
     const std::string folder = vistel.data_folder();
-    if (folder.empty()) return failure{"The data of the vistel \"" + vistel.name() + "\" is missing."};
+    if (folder.empty()) return vistel_data_is_missing(vistel.name());
     if (vistel.is_inserted_picture()) {
-        return failure{"The vistel \"" + vistel.name() + "\" is a picture: it has no movie parts."};
+        return vistel_is_a_picture(vistel.name());
     }
     const auto planned = plan_vistels(movies, movies_as::one_vistel);
     if (!planned) return planned.error();
@@ -399,7 +401,7 @@ result<void> new_collection(const std::string& folder, const std::string& name,
     const auto lock = vault_lock::take_around(folder);
     if (!lock) return lock.error();
     if (file_exists(path_join(folder, collection_file_name))) {
-        return failure{"\"" + folder + "\" holds a collection already."};
+        return folder_holds_a_collection(folder);
     }
     video_collection_ROOT collection;
     collection.set_uuid(new_uuid());

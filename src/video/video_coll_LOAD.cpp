@@ -9,9 +9,11 @@
 #include "media/movie_information.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 #include "util/text_forms.h"
+#include "video/collection_failures.h"
 #include "video/padding_movies.h"
 #include "video/video_coll_Files.h"
 #include "video/video_coll_Offsets.h"
@@ -23,13 +25,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string in_quotes(const std::string& path) {
-    return "\"" + path + "\"";
-}
-
-std::string load_error(const single_Vistel_CTR& vistel, const std::string& reason) {
-    const std::string name = vistel.name().empty() ? vistel.uuid() : vistel.name();
-    return "error found when loading vistel in collection: " + in_quotes(name) + ": " + reason;
+std::string shown_name(const single_Vistel_CTR& vistel) {
+    return vistel.name().empty() ? vistel.uuid() : vistel.name();
 }
 
 // A folder's name, not a path to somewhere else.
@@ -102,25 +99,23 @@ std::size_t match_files(part_list& parts, const std::vector<std::string>& unused
 }
 
 // What is wrong with the parts, the first thing found; durations that no record holds are read.
-std::string check_parts(part_list& parts, std::size_t extra, const std::string& folder) {
-    std::string problem;
-    const auto tell = [&](const std::string& text) {
-        if (problem.empty()) problem = text;
+failure check_parts(part_list& parts, std::size_t extra, const std::string& folder) {
+    failure problem;
+    const auto tell = [&](const failure& found) {
+        if (!problem) problem = found;
     };
     for (std::size_t index = 0; index < parts.size(); ++index) {
         auto& part = parts[index];
         if (part.path.empty()) {
-            tell("the file of movie part " + std::to_string(index + 1) + " is missing in " +
-                 in_quotes(folder) + ".");
+            tell(part_has_no_file(index + 1, folder));
         } else if (part.part_duration <= 0) {
             const auto movie = probe_movie(part.path);
             if (movie) part.part_duration = movie.value().duration;
-            if (!movie) tell(movie.message());
+            if (!movie) tell(movie.error());
         }
     }
     if (extra > 0) {
-        tell(in_quotes(parts[parts.size() - extra].path) +
-             " is not in the vistel's list of movie parts. It is shown after them.");
+        tell(movie_is_not_listed(parts[parts.size() - extra].path));
     }
     return problem;
 }
@@ -143,7 +138,7 @@ double missing_seconds(const part_list& parts) {
 struct found_record {
     std::string folder;
     property_dictionary record;
-    std::string problem = {};
+    failure problem = {};
 };
 
 // A program that dies while it saves a new collection leaves vistels with movies and without a record. A copy
@@ -155,35 +150,33 @@ result<found_record> without_record(const std::string& folder, const std::string
     const bool has_movie = std::any_of(names.begin(), names.end(), [](const auto& name) {
         return is_movie_name(name) || is_picture_name(name);
     });
-    const std::string problem = in_quotes(path) + " is missing.";
-    if (has_copy || !has_movie) return failure{problem};
+    const failure problem = file_is_missing(path);
+    if (has_copy || !has_movie) return problem;
     return found_record{folder, {}, problem};
 }
 
 result<found_record> find_record(const single_Vistel_CTR& vistel, const std::string& folder,
                                  const std::string& local_vistels) {
-    if (!is_plain_name(vistel.uuid())) return failure{"its record has no usable identifier."};
+    if (!is_plain_name(vistel.uuid())) return record_has_no_identifier();
     const auto places = data_folders(vistel, folder, local_vistels);
     const auto found = std::find_if(places.begin(), places.end(), is_folder);
     if (found == places.end()) {
-        return failure{vistel.http_file().empty()
-                           ? "its folder " + in_quotes(places.front()) + " is missing."
-                           : "it is streamed from " + in_quotes(vistel.http_file()) +
-                                 ", and there is no local copy in " + in_quotes(places.front()) + "."};
+        return vistel.http_file().empty() ? vistel_folder_is_missing(places.front())
+                                          : streamed_vistel_has_no_copy(vistel.http_file(), places.front());
     }
     const std::string path = path_join(*found, vistel_file_name);
     if (!file_exists(path)) return without_record(*found, path);
     const auto record = read_property_list_file(path);
     if (!record) return record.error();
     const auto* dictionary = record.value().dictionary();
-    if (!dictionary) return failure{in_quotes(path) + " does not hold a vistel."};
+    if (!dictionary) return file_holds_no_vistel(path);
     return found_record{*found, *dictionary};
 }
 
 // What keeps a vistel from being shown, or shown whole; an alert is told as it stands.
 struct load_outcome {
-    std::string problem;
-    std::string alert;
+    failure problem;
+    failure alert;
 };
 
 load_outcome load_movies(single_Vistel_CTR& vistel, const std::string& folder) {
@@ -192,11 +185,11 @@ load_outcome load_movies(single_Vistel_CTR& vistel, const std::string& folder) {
     load_outcome outcome;
     outcome.problem = check_parts(parts.parts, extra, folder);
     if (parts.parts.empty()) {
-        outcome.problem = in_quotes(folder) + " holds no movie. " + no_movie_parts_text;
+        outcome.problem = folder_holds_no_movie(folder, no_movie_parts());
     } else if (!vistel.http_file().empty()) {
         constexpr double least_told_seconds = 0.1;
         const double missing = missing_seconds(parts.parts);
-        if (missing >= least_told_seconds) outcome.alert = shorter_than_expected_text(vistel.name(), missing);
+        if (missing >= least_told_seconds) outcome.alert = shorter_than_expected(vistel.name(), missing);
     }
     vistel.set_parts(parts);
     vistel.set_parts_on_record(std::move(parts));
@@ -206,7 +199,7 @@ load_outcome load_movies(single_Vistel_CTR& vistel, const std::string& folder) {
 load_outcome load_vistel(single_Vistel_CTR& vistel, const std::string& folder,
                          const std::string& local_vistels) {
     const auto found = find_record(vistel, folder, local_vistels);
-    if (!found) return {found.message(), {}};
+    if (!found) return {found.error(), {}};
     // From here on the record may be written again.
     vistel.set_data_folder(found.value().folder);
     read_vistel_record(vistel, found.value().record);
@@ -214,9 +207,9 @@ load_outcome load_vistel(single_Vistel_CTR& vistel, const std::string& folder,
     if (!vistel.is_inserted_picture()) {
         outcome = load_movies(vistel, found.value().folder);
     } else if (picture_path(vistel).empty()) {
-        outcome.problem = in_quotes(found.value().folder) + " holds no picture.";
+        outcome.problem = folder_holds_no_picture(found.value().folder);
     }
-    if (!found.value().problem.empty()) {
+    if (found.value().problem) {
         outcome.problem = found.value().problem;
         // Its movies are to be listed when it is saved.
         vistel.set_parts_on_record(std::nullopt);
@@ -233,10 +226,10 @@ void load_vistels(loaded_collection& loaded, const std::string& folder, const st
         auto& vistel = *vistels[index];
         const auto outcome = load_vistel(vistel, folder, local_vistels);
         if (!vistel.proportion_rect()) vistel.set_proportion_rect(frames[index]);
-        if (!outcome.alert.empty()) loaded.alerts.push_back(outcome.alert);
-        if (outcome.problem.empty()) continue;
+        if (outcome.alert) loaded.alerts.push_back(outcome.alert);
+        if (!outcome.problem) continue;
         vistel.set_problem(outcome.problem);
-        loaded.messages.push_back(load_error(vistel, outcome.problem));
+        loaded.messages.push_back(vistel_was_not_loaded(shown_name(vistel), outcome.problem));
     }
 }
 
@@ -253,11 +246,9 @@ void give_missing_numbers(loaded_collection& loaded, const std::string& folder) 
     for (const auto& vistel : vistels) {
         if (has_number(*vistel)) continue;
         vistel->set_number(collection.take_vistel_number());
-        std::string told = "The vistel " +
-                           in_quotes(vistel->name().empty() ? vistel->uuid() : vistel->name()) +
-                           " had no number, and has got ";
-        append_shortest_decimal(told, vistel->number());
-        loaded.messages.push_back(told + ": clips refer to it by that.");
+        std::string number;
+        append_shortest_decimal(number, vistel->number());
+        loaded.messages.push_back(vistel_got_a_number(shown_name(*vistel), number));
         loaded.has_new_numbers = true;
     }
     collection.set_vistel_numbers_in_use({});
@@ -324,15 +315,14 @@ movie_Part_DRONE_Offsets_Root parts_in_folder(const std::string& folder) {
     return parts;
 }
 
-std::string shorter_than_expected_text(const std::string& name, double seconds) {
+failure shorter_than_expected(const std::string& name, double seconds) {
     constexpr double whole_seconds_from = 10;
     // Tenths that would be rounded up to 10.0 are told as 10.
     const bool is_whole = std::round(seconds * 10) >= whole_seconds_from * 10;
     std::string number;
     append_shortest_decimal(number, is_whole ? std::round(seconds) : std::round(seconds * 10) / 10);
     if (!is_whole && number.find('.') == std::string::npos) number += ".0";
-    return "Vistel '" + name + "' is " + number +
-           " seconds shorter than expected.  \r\rRestarting HLS localizing for this vistel may fix this.";
+    return vistel_is_shorter(name, number);
 }
 
 std::string vault_of(const std::string& path) {
@@ -351,20 +341,19 @@ std::string vistels_folder_of(const std::string& collection_folder) {
 }
 
 result<loaded_collection> load_collection(const std::string& folder, const std::string& local_vistels) {
-    if (!is_folder(folder)) return failure{in_quotes(folder) + " is missing or is no folder."};
+    if (!is_folder(folder)) return file_is_missing_or_no_folder(folder);
     const std::string path = path_join(folder, collection_file_name);
-    if (!file_exists(path)) return failure{in_quotes(path) + " is missing: there is no collection."};
+    if (!file_exists(path)) return collection_is_missing(path);
     const auto record = read_property_list_file(path);
     if (!record) return record.error();
     loaded_collection loaded;
     const auto* dictionary = record.value().dictionary();
     if (dictionary) loaded.collection = read_collection(*dictionary);
     if (!is_collection_record(record.value())) {
-        loaded.messages.push_back(in_quotes(path) +
-                                  " does not hold a collection. It is kept beside when this one is saved.");
+        loaded.messages.push_back(collection_record_is_strange(path));
     }
     if (has_foreign_items(loaded.collection)) {
-        loaded.messages.push_back(in_quotes(path) + " names something that is no vistel. It is passed over.");
+        loaded.messages.push_back(collection_names_no_vistel(path));
     }
     load_vistels(loaded, folder, local_vistels);
     give_missing_numbers(loaded, folder);
@@ -378,7 +367,7 @@ result<void> save_collection(video_collection_ROOT& collection, const std::strin
                              file_system& files) {
     const std::string path = path_join(folder, collection_file_name);
     if (collection.saving_is_blocked()) {
-        return failure{in_quotes(path) + " was not saved: the collection is still being loaded."};
+        return collection_is_being_loaded(path);
     }
     const auto record = write_collection(collection, seconds_since_1970());
     if (auto kept = keep_foreign_file(path, files); !kept) return kept;

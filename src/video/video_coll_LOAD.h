@@ -14,19 +14,14 @@ inline constexpr const char* collection_file_name = "video group.plist";
 inline constexpr const char* vistel_file_name = "single video.plist";
 inline constexpr const char* vistels_folder_name = "Single Videos";
 
-// Told of a vistel, and of an item of a file list, in which no movie is found.
-inline constexpr const char* no_movie_parts_text = "There are no movie parts.";
-inline constexpr const char* item_has_no_movie_parts_text = "File list item has no movie parts.";
-
 // A collection read from its folder, with what is wrong with it.
 struct loaded_collection {
     video_collection_ROOT collection;
-    // For the user: one for each vistel with a problem, which names the file, and what is wrong with the
-    // collection's record or its numbering.
-    std::vector<std::string> messages;
-    // Of streamed vistels whose local copy is shorter than expected, as they stand. Told a moment after
-    // loading: they are no fault of the collection.
-    std::vector<std::string> alerts;
+    // One for each vistel with a problem, and what is wrong with the collection's record or its numbering.
+    std::vector<failure> messages;
+    // Of streamed vistels whose local copy is shorter than expected. Told a moment after loading: they are no
+    // fault of the collection.
+    std::vector<failure> alerts;
     // Vistels without a number got one, which is to be saved.
     bool has_new_numbers = false;
 };
@@ -54,7 +49,7 @@ result<void> save_vistels(const video_collection_ROOT& collection, file_system& 
 movie_Part_DRONE_Offsets_Root parts_in_folder(const std::string& folder);
 
 // What to tell when the local copy of a streamed vistel lacks that many seconds; tenths below 10.
-std::string shorter_than_expected_text(const std::string& name, double seconds);
+failure shorter_than_expected(const std::string& name, double seconds);
 
 // Where the data of the collection in `folder` lies: "Single Videos" in the vault that holds the folder, or
 // in the folder itself when no vault does.

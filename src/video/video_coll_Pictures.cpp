@@ -5,13 +5,14 @@
 
 #include "media/frame_reader.h"
 #include "util/file_system.h"
+#include "video/collection_failures.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
 
 namespace vistels {
 
 result<void> check_picture(const std::string& path) {
-    if (!is_picture_name(path)) return failure{"\"" + path + "\" is no picture (PNG or JPEG)."};
+    if (!is_picture_name(path)) return file_is_no_picture(path);
     // Only decoding tells: the name alone passes for a picture's header.
     const auto read = frame_reader::open(path);
     return read ? result<void>() : result<void>(read.error());
@@ -19,7 +20,7 @@ result<void> check_picture(const std::string& path) {
 
 result<vistel_overlay> bring_overlay(const single_Vistel_CTR& vistel, const std::string& picture, job& work) {
     const std::string folder = vistel.data_folder();
-    if (folder.empty()) return failure{"The data of the vistel \"" + vistel.name() + "\" is missing."};
+    if (folder.empty()) return vistel_data_is_missing(vistel.name());
     if (auto checked = check_picture(picture); !checked) return checked.error();
     const auto lock = vault_lock::take_around(folder);
     if (!lock) return lock.error();

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "util/text_forms.h"
+#include "video/collection_failures.h"
 #include "video/video_coll_Records.h"
 
 namespace vistels {
@@ -186,7 +187,7 @@ void write_largest_number(record_writer& writer, const video_collection_ROOT& co
 
 // How a problem names a vistel.
 std::string shown_name(const single_Vistel_CTR& vistel) {
-    return "\"" + (vistel.name().empty() ? vistel.uuid() : vistel.name()) + "\"";
+    return vistel.name().empty() ? vistel.uuid() : vistel.name();
 }
 
 }  // namespace
@@ -360,8 +361,8 @@ bool has_number(const single_Vistel_CTR& vistel) {
     return vistel.number() > 0;
 }
 
-std::vector<std::string> numbering_problems(const video_collection_ROOT& collection) {
-    std::vector<std::string> problems;
+std::vector<failure> numbering_problems(const video_collection_ROOT& collection) {
+    std::vector<failure> problems;
     const auto all = collection.vistels();
     for (auto one = all.begin(); one != all.end(); ++one) {
         const double number = (*one)->number();
@@ -369,12 +370,10 @@ std::vector<std::string> numbering_problems(const video_collection_ROOT& collect
         const auto same_uuid = [&](const auto& other) { return other->uuid() == (*one)->uuid(); };
         const auto namesake = std::find_if(all.begin(), one, same_number);
         if (namesake != one && has_number(**one)) {
-            problems.push_back("The vistels " + shown_name(**namesake) + " and " + shown_name(**one) +
-                               " have the same number: clips that refer to it show the first.");
+            problems.push_back(vistels_share_a_number(shown_name(**namesake), shown_name(**one)));
         }
         if (!(*one)->uuid().empty() && std::find_if(all.begin(), one, same_uuid) != one) {
-            problems.push_back("The vistel " + shown_name(**one) +
-                               " is in the collection twice: both show the same data.");
+            problems.push_back(vistel_is_there_twice(shown_name(**one)));
         }
     }
     return problems;

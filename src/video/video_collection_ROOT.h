@@ -187,9 +187,9 @@ bool has_foreign_items(const video_collection_ROOT& collection);
 // Whether the vistel has a number by which it can be found.
 bool has_number(const single_Vistel_CTR& vistel);
 
-// What is wrong with the numbers and identifiers of the vistels, one text each: several vistels with one
+// What is wrong with the numbers and identifiers of the vistels, each by itself: several vistels with one
 // number (the first is found by it), several with one identifier. Nothing is changed.
-std::vector<std::string> numbering_problems(const video_collection_ROOT& collection);
+std::vector<failure> numbering_problems(const video_collection_ROOT& collection);
 
 // Frames for `count` vistels in a grid, as fractions of the video area from its upper left corner; the last
 // line is centred.

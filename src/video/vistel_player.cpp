@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "video/collection_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -186,7 +188,7 @@ void vistel_player::share_memory(std::vector<near_part>& parts) {
     for (const auto& part : parts) {
         const playback_movie& movie = *movies_[static_cast<std::size_t>(part.index)];
         const auto needs = movie.needs(part.demand);
-        is_known = is_known && (!part.is_read || movie.is_open() || !movie.problem().empty());
+        is_known = is_known && (!part.is_read || movie.is_open() || movie.problem());
         wanted.push_back(needs.wanted);
         least = std::max(least, needs.least);
         all += needs.wanted;
@@ -229,14 +231,14 @@ bool vistel_player::is_at_rest() const {
 }
 
 vistel_player::view vistel_player::look(double seconds) const {
-    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, "There are no movie parts."};
+    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, no_movie_parts()};
     const place here = place_of(seconds);
     if (here.part < 0) return {vistel_state::blank, nullptr, seconds, seconds, {}};
     const playback_movie& movie = *movies_[static_cast<std::size_t>(here.part)];
     const double start = parts_[static_cast<std::size_t>(here.part)].start;
     view seen;
     seen.problem = movie.problem();
-    if (!seen.problem.empty()) {
+    if (seen.problem) {
         seen.state = vistel_state::unreadable;
         return seen;
     }

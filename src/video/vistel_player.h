@@ -42,7 +42,7 @@ class vistel_player {
         picture_pointer frame;  // the right one when `showing`; while `waiting`, the latest before it or null
         double frame_seconds = 0;  // the frame's time on the vistel's own time line
         double until_seconds = 0;  // ... and the next one's, or the part's end
-        std::string problem;       // when unreadable, for the user
+        failure problem;           // when unreadable
     };
 
     // `on_arrival` is called on the queue when a frame that was asked for has come, or cannot come. The

@@ -23,7 +23,7 @@ TEST(close_vistel, only_who_made_it_is_not_asked) {
     vistel.set_creator("me");
     EXPECT_FALSE(close_vistel_warning(vistel, "me"));
     EXPECT_EQ(
-        close_vistel_warning(vistel, "you"),
+        close_vistel_warning(vistel, "you").message(),
         "You did not create 'Wide'.\r\rIf you click 'Close Vistel' this will close the vistel and move the "
         "movie data to the trash.  The movie data will then not be available for others.");
 }
@@ -74,7 +74,7 @@ TEST(close_vistel, a_failure_loses_no_data) {
         EXPECT_EQ(is_folder(stored.vistel_folder("A")), !is_in_trash) << failing << closed.message();
         EXPECT_EQ(collection.vistels().size(), closed ? 1U : 2U) << failing;
         EXPECT_TRUE(stored.load().messages.empty()) << failing;
-        EXPECT_EQ(is_in_trash, closed && closed.value().problem.empty()) << failing;
+        EXPECT_EQ(is_in_trash, closed && !closed.value().problem) << failing;
     }
 }
 

@@ -7,6 +7,7 @@
 #include "app/event/offset_changes.h"
 #include "support/failure_runs.h"
 #include "support/power_loss.h"
+#include "util/file_failures.h"
 #include "util/safe_write.h"
 #include "video/video_coll_LOAD.h"
 

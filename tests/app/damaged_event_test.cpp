@@ -51,8 +51,9 @@ class damaged_event : public ::testing::Test {
     }
     static bool tells(const open_event& opened, const std::string& text) {
         const auto& all = opened.messages();
-        return std::any_of(all.begin(), all.end(),
-                           [&](const auto& message) { return message.find(text) != std::string::npos; });
+        return std::any_of(all.begin(), all.end(), [&](const auto& message) {
+            return message.message().find(text) != std::string::npos;
+        });
     }
     template <class condition>
     void wait_until(condition holds) {
@@ -153,11 +154,12 @@ TEST_F(damaged_event, a_vistel_that_is_broken_or_gone_keeps_its_place_and_the_ot
             const bool is_record = each.name == std::string("single video.plist");
             EXPECT_EQ(tells(event, "Single Videos/A/single video.plist"), is_record);
             if (is_record && each.damage) {
-                EXPECT_NE(event.problem("A"), "");
+                EXPECT_TRUE(event.problem("A"));
             } else {
                 // Where nothing but the record is missing, too, the movie is to be shown, which is none.
-                wait_until([&] { return !event.problem("A").empty(); });
-                EXPECT_NE(event.problem("A").find("part 001.mp4"), std::string::npos) << event.problem("A");
+                wait_until([&] { return bool(event.problem("A")); });
+                const std::string told = event.problem("A").message();
+                EXPECT_NE(told.find("part 001.mp4"), std::string::npos) << told;
             }
             EXPECT_EQ(opened.value()->collection().vistels().size(), 2U);
             EXPECT_EQ(opened.value()->timeline().timeline().clip_count(), 1U);
@@ -192,7 +194,7 @@ TEST_F(damaged_event, what_killed_saves_left_in_its_folders_is_put_in_order_by_o
     const auto opened = open(folder);
     ASSERT_TRUE(opened) << opened.message();
     EXPECT_TRUE(tells(*opened.value(), "single video.plist\" was put back"));
-    EXPECT_EQ(opened.value()->problem("A").find("single video.plist"), std::string::npos);
+    EXPECT_EQ(opened.value()->problem("A").message().find("single video.plist"), std::string::npos);
     EXPECT_EQ(file_bytes(vistel), whole);
     for (const auto& path : old) EXPECT_FALSE(fs::exists(path)) << path;
 }

@@ -35,7 +35,7 @@ class master_list : public ::testing::Test {
 
     std::unique_ptr<files_MASTER_LIST> started(files_MASTER_LIST::options how) {
         auto list = std::make_unique<files_MASTER_LIST>(places, loop, std::move(how));
-        told = list->told.connect([this](const std::string& text) { messages.push_back(text); });
+        told = list->told.connect([this](const failure& one) { messages.push_back(one.message()); });
         list->start();
         EXPECT_TRUE(wait([&] { return list->last_time_file_list_updated() > 0; }));
         return list;
@@ -117,7 +117,7 @@ TEST_F(master_list, a_vault_that_goes_away_is_told_shown_or_hidden_and_comes_bac
     ASSERT_TRUE(wait([&] { return list->files_Items_App_MASTER_FILE_LIST().empty(); }));
     ASSERT_EQ(list->vaults().size(), 2U);
     EXPECT_FALSE(list->vaults()[1].is_available);
-    EXPECT_FALSE(list->vaults()[1].problem.empty());
+    EXPECT_TRUE(list->vaults()[1].problem);
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_NE(messages[0].find(cup), std::string::npos);
     ASSERT_TRUE(save_show_unavailable_vaults(places, {false}));

@@ -39,8 +39,9 @@ class event : public ::testing::Test {
     }
     static bool tells(const open_event& opened, const std::string& text) {
         const auto& all = opened.messages();
-        return std::any_of(all.begin(), all.end(),
-                           [&](const auto& message) { return message.find(text) != std::string::npos; });
+        return std::any_of(all.begin(), all.end(), [&](const auto& message) {
+            return message.message().find(text) != std::string::npos;
+        });
     }
 
     temporary_folder home;
@@ -161,7 +162,7 @@ TEST_F(event, what_is_broken_is_told_and_the_rest_opens) {
     const auto opened = open();
     EXPECT_TRUE(tells(*opened, "Single Videos/A/single video.plist"));
     EXPECT_TRUE(tells(*opened, "Logger/button dict.plist"));
-    EXPECT_NE(opened->problem("A"), "");
+    EXPECT_TRUE(opened->problem("A"));
     EXPECT_FALSE(opened->logger().buttons().empty());
     EXPECT_EQ(file_bytes(folder + "/Logger/button dict.plist"), "<plist><dict>");
 }

@@ -258,7 +258,7 @@ TEST_F(filmed_event, a_movie_that_was_away_comes_back_to_its_frames) {
     EXPECT_EQ(frames(), before);
     EXPECT_FALSE(event->changes().make(plan_found_movie(uuid(1), brought.value().front())));
     open();
-    EXPECT_TRUE(event->messages().empty()) << event->messages().front();
+    EXPECT_TRUE(event->messages().empty()) << event->messages().front().message();
     EXPECT_EQ(frames(), before);
     expect_near(times(), start);
     EXPECT_TRUE(event->undo().undo());

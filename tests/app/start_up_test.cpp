@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/start/start_up.h"
+#include "app/start/start_failures.h"
 #include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
@@ -67,8 +68,8 @@ TEST(start_up, tells_a_run_that_was_killed_from_one_that_was_quit) {
     {
         const auto after_kill = started(places);
         EXPECT_FALSE(after_kill.ended_well_before);
-        EXPECT_TRUE(after_kill.unclean_end.starts_with("Vistels was not quit properly"));
-        EXPECT_NE(after_kill.unclean_end.find(places.home_vault + "/x.plist"), std::string::npos);
+        EXPECT_TRUE(after_kill.unclean_end.message().starts_with("Vistels was not quit properly"));
+        EXPECT_NE(after_kill.unclean_end.message().find(places.home_vault + "/x.plist"), std::string::npos);
         EXPECT_TRUE(note_focus(places, "FOCUS"));
         EXPECT_TRUE(note_clean_quit(after_kill));
     }
@@ -123,9 +124,10 @@ TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults
     const auto report = started(places);
     for (const auto& name : names) {
         const std::string path = places.state_folder + "/" + name;
-        EXPECT_EQ(std::count_if(report.messages.begin(), report.messages.end(),
-                                [&](const auto& text) { return text.find(path) != text.npos; }),
-                  1)
+        EXPECT_EQ(
+            std::count_if(report.messages.begin(), report.messages.end(),
+                          [&](const auto& one) { return one.message().find(path) != std::string::npos; }),
+            1)
             << name;
         const std::string kept = path.substr(0, path.size() - 6) + " damaged 1.plist";
         EXPECT_EQ(file_bytes(kept), "<plist><dict>") << name;
@@ -134,7 +136,8 @@ TEST(start_up, damaged_files_of_the_state_are_kept_told_and_replaced_by_defaults
     EXPECT_TRUE(file_exists(places.home_vault + "/home vault information damaged 1.plist"));
     EXPECT_EQ(read_dictionary_or_empty(places.state_folder + "/System/build number.plist").size(), 4U);
     // Once is enough.
-    for (const auto& text : started(places).messages) EXPECT_EQ(text.find("damaged 1"), text.npos) << text;
+    for (const auto& one : started(places).messages)
+        EXPECT_EQ(one.message().find("damaged 1"), std::string::npos) << one.message();
 }
 
 TEST(start_up, a_home_that_is_read_only_starts_and_tells) {
@@ -146,7 +149,8 @@ TEST(start_up, a_home_that_is_read_only_starts_and_tells) {
         ASSERT_EQ(std::system(("chmod -R " + std::string(mode) + " '" + home.path() + "'").c_str()), 0);
         const auto report = started(places, 101);
         EXPECT_EQ(report.messages.empty(), *mode == 'u');
-        for (const auto& text : report.messages) EXPECT_NE(text.find(home.path()), text.npos) << text;
+        for (const auto& one : report.messages)
+            EXPECT_NE(one.message().find(home.path()), std::string::npos) << one.message();
         EXPECT_EQ(note_clean_quit(report).ok(), *mode == 'u');
     }
 }
@@ -184,20 +188,19 @@ TEST(start_up, a_newer_build_is_told_from_what_is_installed) {
         if (!one.installed.empty()) put_file(home / "vistels", one.installed);
         const running_executable executable(home / "vistels", home / "running");
         EXPECT_EQ(executable.is_replaced(), !one.installed.empty());
-        const auto message = check_for_newer_build(places, 100, executable);
-        ASSERT_TRUE(message);
-        EXPECT_EQ(message.value().empty(), one.told == nullptr) << message.value();
+        const std::string message = check_for_newer_build(places, 100, executable).message();
+        EXPECT_EQ(message.empty(), one.told == nullptr) << message;
         if (one.told) {
-            EXPECT_NE(message.value().find(one.told), std::string::npos) << message.value();
+            EXPECT_NE(message.find(one.told), std::string::npos) << message;
         }
         EXPECT_EQ(load_build_number(places).available, one.available);
     }
 }
 
 TEST(start_up, build_check) {
-    EXPECT_EQ(build_message(100, 100), "");
-    EXPECT_EQ(build_message(101, 100), "");
-    EXPECT_EQ(build_message(99.1234567, 100.5),
+    EXPECT_FALSE(older_build(100, 100));
+    EXPECT_FALSE(older_build(101, 100));
+    EXPECT_EQ(older_build(99.1234567, 100.5).message(),
               "This version of Vistels is an older build than the previous version that was used.\r\r"
               "Build number of this version  99.12346.\rPrevious build number used  100.5.");
     const temporary_folder home;
@@ -206,7 +209,9 @@ TEST(start_up, build_check) {
     for (const auto& [build, messages] : runs) {
         const auto report = started(places, build);
         EXPECT_EQ(report.messages.size(), messages) << build;
-        EXPECT_EQ(report.start_up_message, messages ? report.messages[0] : "") << build;
+        if (messages) {
+            EXPECT_TRUE(report.messages[0].is(build_is_older)) << build;
+        }
         EXPECT_TRUE(note_clean_quit(report));
     }
     const auto stored = read_dictionary_or_empty(places.state_folder + "/System/last build used.plist");
@@ -309,7 +314,8 @@ TEST(start_up, cleans_and_keeps_aside_what_killed_saves_left_in_vaults_that_nobo
     fs::last_write_time(gone + " temp file 7", fs::file_time_type::clock::now() - std::chrono::hours(72));
     put_file(places.home_vault + "/torn.plist temp file 9", "<plist>");
     auto first = started(places);
-    std::erase_if(first.messages, [](const auto& text) { return text.starts_with("Vistels was not quit"); });
+    std::erase_if(first.messages,
+                  [](const auto& one) { return one.message().starts_with("Vistels was not quit"); });
     EXPECT_EQ(first.messages.size(), 2U);
     EXPECT_TRUE(first.recovered.empty());
     EXPECT_TRUE(file_exists(places.home_vault + "/gone copy 1.plist") && !file_exists(gone));

@@ -143,9 +143,9 @@ TEST(vault_scan, folders_that_cannot_be_looked_into_are_told) {
     ASSERT_TRUE(tree.look(later()));
     EXPECT_EQ(tree.content().items.size(), 1U);
     ASSERT_EQ(tree.content().problems.size(), 2U);
-    EXPECT_NE(tree.content().problems[0].find("\"" + vault + "/closed\" cannot be looked into"),
+    EXPECT_NE(tree.content().problems[0].message().find("\"" + vault + "/closed\" cannot be looked into"),
               std::string::npos);
-    EXPECT_NE(tree.content().problems[1].find("too deep"), std::string::npos);
+    EXPECT_NE(tree.content().problems[1].message().find("too deep"), std::string::npos);
     ASSERT_EQ(::chmod((vault + "/closed").c_str(), 0700), 0);
     EXPECT_TRUE(tree.look(later()).value());
     EXPECT_EQ(tree.content().items.size(), 2U);

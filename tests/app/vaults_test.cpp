@@ -233,13 +233,13 @@ TEST(vaults, the_focus_vault_falls_back_and_comes_back) {
     EXPECT_EQ(known_vaults(places).size(), 2U);
     fs::rename(home / "Cup.VVault", home / "away");
     EXPECT_EQ(focus_vault_of(places).path, places.home_vault);
-    EXPECT_TRUE(says(focus_vault_of(places).message, home / "Cup.VVault"));
+    EXPECT_TRUE(says(focus_vault_of(places).problem.message(), home / "Cup.VVault"));
     fs::rename(home / "away", home / "Cup.VVault");
     EXPECT_EQ(focus_vault_of(places).path, home / "Cup.VVault");
-    EXPECT_TRUE(focus_vault_of(places).message.empty());
+    EXPECT_FALSE(focus_vault_of(places).problem);
     ASSERT_TRUE(remove_known_vault(places, home / "Cup.VVault"));
     EXPECT_EQ(focus_vault_of(places).path, places.home_vault);
-    EXPECT_TRUE(focus_vault_of(places).message.empty());
+    EXPECT_FALSE(focus_vault_of(places).problem);
 }
 
 TEST(vaults, a_bookmark_stays_with_its_path_byte_for_byte) {

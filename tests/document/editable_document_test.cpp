@@ -11,6 +11,9 @@ namespace {
 
 using testing::comes_about;
 
+inline constexpr failure_of<> not_here{"not here", "not here"};
+inline constexpr failure_of<a_text> not_written{"not written", "%1 failed"};
+
 // A document whose files are a list of the revisions that were written.
 class listed_document : public editable_document {
   public:
@@ -19,9 +22,9 @@ class listed_document : public editable_document {
     ~listed_document() override { end_saving(); }
 
     document_id id() const override { return {document_kind::composer, name_}; }
-    result<void> make(document_edit) override { return failure{"not here"}; }
+    result<void> make(document_edit) override { return not_here(); }
     bool is_read_only() const override { return false; }
-    const std::string& read_only_reason() const override { return name_; }
+    const failure& read_only_reason() const override { return none_; }
     bool is_held_elsewhere() const override { return false; }
     std::function<result<void>()> edit_sync() override {
         return [] { return result<void>(); };
@@ -33,7 +36,7 @@ class listed_document : public editable_document {
     result<save_work> take_save() override {
         const std::string revision = name_ + std::to_string(this->revision());
         return save_work{[this, revision, fail = fails](std::vector<file_conflict>&) -> result<void> {
-                             if (fail) return failure{revision + " failed"};
+                             if (fail) return not_written(revision);
                              written_.push_back(revision);  // while the main thread waits
                              return {};
                          },
@@ -42,6 +45,7 @@ class listed_document : public editable_document {
     bool may_save() override { return true; }
 
     const std::string name_;
+    const failure none_;
     std::vector<std::string>& written_;
 };
 

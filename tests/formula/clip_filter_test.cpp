@@ -89,7 +89,7 @@ TEST(clip_filter, matches_values_as_written) {
     EXPECT_FALSE(matches_any(values, "x", wild_card::MATCH_ANYWHERE));
 }
 
-TEST(clip_filter, keeps_every_oddity_of_the_language) {
+TEST(clip_filter, reads_each_form_of_the_language) {
     const auto clip = stamped({{"Goal", "What", {{"left", "Foot"}}}, {"Near", "Where"}}, "too late", 2);
     const auto plain = stamped({});
     const auto row = row_named("row 1", "Attack");

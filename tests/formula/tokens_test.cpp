@@ -31,7 +31,7 @@ std::string places_text(const parser_ROOT& parsed) {
     std::string all;
     for (const auto& problem : parsed.problems()) {
         if (!all.empty()) all += "; ";
-        all += problem.message;
+        all += problem.told.message();
         for (const auto& place : problem.places) {
             all += " " + std::to_string(place.start) + "+" + std::to_string(place.length);
         }

@@ -133,7 +133,7 @@ void check_opened(const timeline_snapshot& timeline) {
 // What reads it clip by clip finds the same as what reads it whole, or both refuse it. A comment at the end
 // of a list changes nothing, but is nothing that this program writes, so that the strict reader gets it.
 void check_other_reader(std::string_view bytes, bool json, const result<loaded_timeline>& loaded) {
-    result<loaded_timeline> other = failure{""};
+    result<loaded_timeline> other = failure();
     if (json) {
         const auto tree = read_json(bytes, input_name);
         if (!tree) other = tree.error();
@@ -184,7 +184,7 @@ void check_as_files(std::string_view bytes, bool json, const result<loaded_timel
 
 void check(std::string_view bytes) {
     const bool json = is_json(bytes);
-    result<loaded_timeline> loaded = failure{""};
+    result<loaded_timeline> loaded = failure();
     require(fuzz::is_lean(bytes.size(), "Reading", [&] { loaded = read(bytes, json); }));
     if (!loaded.ok()) require(loaded.message().find(input_name) != std::string::npos);
     check_other_reader(bytes, json, loaded);

@@ -52,8 +52,8 @@ coded without_a_fault() {
 // The volume is full from one call on, for so many calls, and then has room again.
 void fill_and_empty(int first, int count, const std::string& expected) {
     busy code;
-    std::string trouble;
-    const auto telling = code.engine->trouble.connect([&](const std::string& why) { trouble = why; });
+    failure trouble;
+    const auto telling = code.engine->trouble.connect([&](const failure& why) { trouble = why; });
     const auto again = code.engine->made_again.connect(
         [&](const std::string& button) { FAIL() << "the clip of " << button << " got lost"; });
     const int begin = code.files.calls() + first;
@@ -63,7 +63,7 @@ void fill_and_empty(int first, int count, const std::string& expected) {
     code.run(afterwards);
     ASSERT_EQ(code.clips(), expected);
     ASSERT_EQ(code.engine->unrecorded(), 0U);
-    ASSERT_EQ(trouble, "") << "it is told that all is on record again";
+    ASSERT_FALSE(trouble) << "it is told that all is on record again";
     // On record means found by whoever opens the folder.
     ASSERT_TRUE(code.document->save_now());  // so that no save changes the folder while it is copied
     ASSERT_EQ(testing::rows_found_in(code.folder.path()), testing::rows_text(code.document->timeline()));

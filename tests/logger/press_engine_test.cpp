@@ -210,7 +210,8 @@ TEST(press, an_auto_up_comes_while_playback_stands) {
 TEST(press, that_cannot_be_recorded_is_told_and_made_up_for_in_order) {
     coding code;
     std::vector<std::string> told;
-    const auto listening = code.engine->trouble.connect([&](const std::string& why) { told.push_back(why); });
+    const auto listening =
+        code.engine->trouble.connect([&](const failure& why) { told.push_back(why.message()); });
     code.run("1+A 2-A 3+B");
     code.files.set_fault([](int) { return ENOSPC; });
     code.run("4+A 5+Q 6-B 7-A");

@@ -21,6 +21,7 @@
 #include "shell/panes/collection/volume_popover.h"
 #include "shell/panes/side_bar/content_side_bar.h"
 #include "shell/window/window_actions.h"
+#include "support/patience.h"
 #include "support/shown_event.h"
 #include "support/stored_event.h"
 #include "support/stored_timeline.h"
@@ -205,7 +206,7 @@ TEST_F(empty_collection, both_volumes_are_heard_and_kept_at_once) {
     open();
     EXPECT_EQ(event().playback().volume(), 0.5);
     const auto is_stored = [&](double volume) {
-        return comes_true(
+        return testing::comes_true(
             [&] { return std::abs(load_collection(folder).value().collection.volume() - volume) < 1e-9; });
     };
     window->actions()[command::softer]->trigger();

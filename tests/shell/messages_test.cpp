@@ -7,9 +7,15 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QTranslator>
 
+#include "app/start/start_failures.h"
 #include "shell/event/event_messages.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/message_bar.h"
+#include "timeline/edits/edit_failures.h"
+#include "timeline/files/timeline_file_failures.h"
+#include "util/file_failures.h"
 
 namespace vistels {
 namespace {
@@ -32,8 +38,9 @@ TEST_F(messages, come_one_after_another) {
     report.event = "Harbour";
     report.recovered_edits = 14;
     report.finished = QStringList{"Attack until 0:12:30"};
-    report.messages = {"“logger.plist” is damaged.", "Both are kept."};
-    report.conflicts = {{"Both are kept.", "/h/chron data.plist", "/h/chron data conflict"}};
+    const auto kept = changes_of_another_were_kept("/h/chron data.plist", "chron data conflict");
+    report.messages = {display_settings_were_lost("/h/logger.plist"), kept};
+    report.conflicts = {{kept, "/h/chron data.plist", "/h/chron data conflict"}};
     const auto all = messages_of_opening(report);
     ASSERT_EQ(all.size(), 3u);
     EXPECT_TRUE(all[0].detail.contains("Attack until"));
@@ -98,22 +105,45 @@ TEST_F(messages, a_state_that_was_sent_away_comes_back_when_it_is_another) {
     EXPECT_FALSE(bar.isHidden());
 }
 
+class bracketing_translator : public QTranslator {
+  public:
+    QString translate(const char*, const char* source, const char*, int) const override {
+        return QString("[%1]").arg(source);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+TEST(failure_words, are_translated_with_their_causes) {
+    bracketing_translator translator;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&translator));
+    const auto full = file_could_not_be_saved("/v/[a].plist", volume_is_full());
+    const auto refused = edit_could_not_be_done("Trim Clip", full);
+    EXPECT_EQ(words_of(refused),
+              "[\"[Trim Clip]\" could not be done: [\"/v/[a].plist\" could not be saved: [there is no space "
+              "left on "
+              "the volume].]]");
+    EXPECT_EQ(words_of(full, shown_paths::names),
+              "[\"[a].plist\" could not be saved: [there is no space left on the volume].]");
+    EXPECT_EQ(words_of_term("Trim Clip"), "[Trim Clip]");
+    QCoreApplication::removeTranslator(&translator);
+    EXPECT_EQ(words_of(full).toStdString(), full.message());
+}
+
 TEST(start_messages, tell_all_that_was_put_back_at_once) {
     start_up_report report;
     report.ended_well_before = false;
     for (const char* name : {"a", "b", "c", "d", "e", "f"})
         report.recovered.push_back(std::string("/v/") + name);
-    report.messages = {"older build.\r\rBuild number  1."};
+    report.messages = {newer_build_is_installed("1", "2"), build_is_older("1", "2")};
     const auto all = messages_of_start(report);
-    ASSERT_EQ(all.size(), 2u);
+    ASSERT_EQ(all.size(), 3u);
     EXPECT_TRUE(all[0].headline.contains("not quit properly"));
     for (const char* part : {"6 files", "/v/a", "/v/d", "2 more"})
         EXPECT_TRUE(all[0].text.contains(part)) << part;
     EXPECT_FALSE(all[0].text.contains("/v/e"));
-    EXPECT_TRUE(all[1].text.contains("older build.\n\nBuild"));
+    EXPECT_TRUE(all[1].text.contains("started again.\n\nBuild"));
     EXPECT_EQ(all[1].key, "");
-    report.start_up_message = report.messages[0];
-    EXPECT_EQ(messages_of_start(report)[1].key, "start up message");
+    EXPECT_EQ(all[2].key, "start up message");
 }
 
 }  // namespace

@@ -24,6 +24,7 @@
 #include "shell/window/window_actions.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
+#include "util/job_failures.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels {
@@ -233,7 +234,7 @@ class shown_jobs : public ::testing::Test {
             work.set_progress(0.25);
             ++at_work;
             while (!work.is_cancelled()) std::this_thread::yield();
-            return failure{"cancelled"};
+            return job_was_cancelled();
         };
         group.start(std::move(order));
         until([&, before = at_work.load()] { return at_work > before; });

@@ -17,6 +17,7 @@
 #include "shell/panes/side_bar/content_model.h"
 #include "shell/panes/side_bar/content_side_bar.h"
 #include "shell/panes/side_bar/disk_line.h"
+#include "util/file_failures.h"
 
 namespace vistels {
 namespace {
@@ -150,13 +151,14 @@ TEST_F(side_bar, says_what_is_with_a_vault) {
     full.is_limited = true;
     full.is_focus = true;
     auto away = vault("USB", {});
-    away.problem = "\"/USB\" is missing.";
+    away.problem = file_is_missing_or_no_folder("/USB");
     bar.set_content({full, away});
     const auto said = [&](const char* name, int role) { return line(name).data(role).toString(); };
     EXPECT_EQ(said("Disk", content_model::summary_role), "2 collections, 1 timeline");
     EXPECT_EQ(said("Disk", content_model::space_role), "Nearly full: 4 % free");
     EXPECT_TRUE(said("Disk", Qt::AccessibleTextRole).contains("focus vault"));
-    EXPECT_TRUE(said("USB", Qt::ToolTipRole).contains("is missing"));
+    EXPECT_EQ(said("USB", content_model::problem_role), "Is missing or is no folder.");
+    EXPECT_TRUE(said("USB", Qt::ToolTipRole).contains("\"/USB\" is missing"));
     EXPECT_EQ(bar.findChild<disk_line*>()->text(), "4.0 GB free");
     // A folded vault needs the room for what it holds.
     const auto height = [&] {

@@ -9,8 +9,8 @@
 
 namespace vistels::testing {
 
-// Runs what other threads post until the condition holds, the clock standing still; false when it does not come
-// about on a machine with much to do.
+// Runs what other threads post until the condition holds, the clock standing still; false when it does not
+// come about on a machine with much to do.
 inline bool comes_about(simulated_run_loop& loop, const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!condition()) {

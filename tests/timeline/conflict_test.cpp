@@ -70,7 +70,7 @@ TEST(conflict, a_strangers_version_is_kept_beside_and_told_whenever_it_came) {
         ASSERT_EQ(told.size(), 1U) << when;
         EXPECT_EQ(told[0].path, at.file);
         EXPECT_EQ(told[0].kept_as, kept);
-        EXPECT_NE(told[0].message.find("chron data conflict 1.plist"), std::string::npos);
+        EXPECT_NE(told[0].told.message().find("chron data conflict 1.plist"), std::string::npos);
         EXPECT_EQ(file_bytes(kept), at.theirs) << when;
         EXPECT_NE(file_bytes(at.file).find("ours"), std::string::npos) << when;
         if (!at.document) continue;

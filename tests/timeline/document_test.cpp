@@ -116,7 +116,7 @@ TEST(document, saves_one_second_after_the_last_edit_and_ten_after_the_first) {
     const auto document = opened(folder.path(), loop);
     int saves = 0;
     const auto counting = document->saved.connect([&](const failure& fault) {
-        EXPECT_EQ(fault.message(), "");
+        EXPECT_FALSE(fault) << fault.message();
         ++saves;
     });
     ASSERT_TRUE(document->apply(add_row("R")));
@@ -168,7 +168,7 @@ TEST(document, a_change_from_outside_is_a_conflict_and_both_are_kept) {
     testing::put_file(folder / "died/chron data.plist", file_bytes(folder / "chron data.plist") + "\n");
     const auto document = opened(folder / "died", loop);
     ASSERT_EQ(document->messages().size(), 2U);
-    EXPECT_NE(document->messages()[1].find("conflict"), std::string::npos);
+    EXPECT_NE(document->messages()[1].message().find("conflict"), std::string::npos);
     EXPECT_EQ(document->recovered_edits(), 0U);
     bool kept = false;
     for (const auto& name : names_in_folder(folder / "died")) kept |= name.ends_with(" conflict");

@@ -255,7 +255,7 @@ void fill_volume(const std::string& folder, file_system& files, std::size_t take
         ASSERT_TRUE(full) << full.message();
         ASSERT_EQ(rows_text(full.value()->timeline()), all);
         if (full.value()->is_read_only()) {
-            EXPECT_NE(full.value()->read_only_reason().find("no space"), std::string::npos);
+            EXPECT_NE(full.value()->read_only_reason().message().find("no space"), std::string::npos);
         }
         std::filesystem::remove(ballast);
         ASSERT_TRUE(full.value()->try_to_write());

@@ -126,7 +126,7 @@ TEST(notes, are_beside_the_timeline_and_in_the_document_of_it) {
 TEST(notes, are_written_when_they_changed_and_outlive_their_clip_by_one_save) {
     const testing::temporary_folder folder;
     notes_keeper keeper(folder.path());
-    std::vector<std::string> messages;
+    std::vector<failure> messages;
     EXPECT_TRUE(keeper.open(true, messages).value().empty());
     struct save_case {
         const char* name;
@@ -166,7 +166,7 @@ TEST(notes, those_that_another_program_wrote_meanwhile_are_kept) {
     const testing::temporary_folder folder;
     ASSERT_TRUE(save_timeline(noted_timeline({{"a", "1"}}), folder.path()));
     notes_keeper keeper(folder.path());
-    std::vector<std::string> messages;
+    std::vector<failure> messages;
     EXPECT_EQ(keeper.open(true, messages).value().size(), 1U);
     ASSERT_TRUE(save_timeline(noted_timeline({{"a", "theirs"}}), folder.path()));
     const auto kept = keeper.save(take_notes_off(noted_timeline({{"a", "1"}})));
@@ -184,13 +184,14 @@ TEST(notes, a_damaged_file_is_told_and_kept_and_never_overwritten) {
         const auto looked_at = load_timeline(folder.path());
         ASSERT_TRUE(looked_at);
         ASSERT_EQ(looked_at.value().messages.size(), 1U) << damaged;
-        EXPECT_NE(looked_at.value().messages[0].find(folder / "chron notes.plist"), std::string::npos);
+        EXPECT_NE(looked_at.value().messages[0].message().find(folder / "chron notes.plist"),
+                  std::string::npos);
         EXPECT_EQ(testing::file_bytes(folder / "chron notes.plist"), damaged) << "who only reads leaves it";
 
         testing::failing_files files;
         files.set_fault([](int) { return EIO; });
         notes_keeper keeper(folder.path(), files);
-        std::vector<std::string> messages;
+        std::vector<failure> messages;
         EXPECT_FALSE(keeper.open(true, messages));
         const auto coming = take_notes_off(noted_timeline({{"a", "2"}}));
         EXPECT_FALSE(keeper.save(coming)) << "it could not be read";

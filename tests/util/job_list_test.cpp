@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/job_list.h"
+#include "util/file_failures.h"
+#include "util/job_failures.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +30,7 @@ class job_listing : public ::testing::Test {
             ++at_work;
             while (!gate && !work.is_cancelled()) std::this_thread::yield();
             --at_work;
-            return gate ? result<void>() : failure{"cancelled"};
+            return gate ? result<void>() : job_was_cancelled();
         };
         made.then = [this, name](const result<void>& outcome, bool cancelled) {
             notes += name + (cancelled ? " cancelled, " : outcome ? " done, " : " failed, ");
@@ -119,7 +121,7 @@ TEST_F(job_listing, cancelling_ends_what_runs_and_what_waits) {
 
 TEST_F(job_listing, what_cannot_begin_ends_with_its_reason) {
     job_order refused = order("a");
-    refused.begin = [] { return failure{"not now"}; };
+    refused.begin = [] { return too_many_files_are_open(); };
     std::string reason;
     refused.then = [&](const result<void>& outcome, bool) {
         reason = outcome.message();
@@ -128,7 +130,7 @@ TEST_F(job_listing, what_cannot_begin_ends_with_its_reason) {
     group->start(std::move(refused));
     EXPECT_EQ(reason, "");
     until_listed(0);
-    EXPECT_EQ(reason, "not now");
+    EXPECT_EQ(reason, "too many files are open");
     EXPECT_EQ(at_work, 0);
 }
 

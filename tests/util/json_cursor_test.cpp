@@ -247,7 +247,7 @@ TEST(json_cursor, that_met_a_fault_gives_nothing_more) {
         EXPECT_FALSE(cursor.next_item());
         EXPECT_FALSE(cursor.enter());
         EXPECT_FALSE(cursor.next_key(arena));
-        EXPECT_NE(cursor.fault().find(reason), std::string_view::npos) << cursor.fault();
+        EXPECT_NE(cursor.fault().message().find(reason), std::string::npos) << cursor.fault().message();
     }
     const auto deep = read_json(std::string(deepest_nesting + 1, '['), "the file");
     ASSERT_FALSE(deep);

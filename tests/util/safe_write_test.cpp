@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "util/safe_write.h"
+#include "util/job_failures.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -98,7 +99,7 @@ TEST(safe_write, blocks_are_announced_before_they_are_whole_and_only_then_put_in
                     if (name != "a.plist") put_file(grave / name, file_bytes(folder / name));
                 }
                 EXPECT_TRUE(recover_folder(grave.path()).recovered.empty());
-                if (refused) return failure{"not now"};
+                if (refused) return job_was_cancelled();
                 return {};
             };
             const auto written = safe_write_known_blocks(path, put_all, announce, known, false, files);
@@ -310,7 +311,7 @@ TEST(recovery, puts_back_the_newest_whole_copy_that_counts) {
         // What is still open is told again, everything else once.
         const bool is_open = one.content == known::cannot_be_told_now || one.temporary == torn;
         if (!is_open || one.names_beside[0] == "a damaged 1.plist") {
-            EXPECT_EQ(again.messages, std::vector<std::string>());
+            EXPECT_TRUE(again.messages.empty());
         }
     }
 }

@@ -101,27 +101,27 @@ TEST(shared_text, is_kept_once_across_threads) {
 
 constexpr failure_of<> disk_is_full{"test disk is full", "no space left, 100% used"};
 constexpr failure_of<a_path, a_cause> not_saved{"test not saved", "\"%1\" could not be saved: %2."};
-constexpr failure_of<a_path, a_text, a_cause> kept_beside{"test kept beside", "%3 %2 of it stand in \"%1\"."};
+constexpr failure_of<a_path, a_term, a_cause> kept_beside{"test kept beside", "%3 %2 of it stand in \"%1\"."};
 
 TEST(failure, is_a_value_that_is_worded_when_it_is_shown) {
     const auto full = not_saved("/vault/a%2.plist", disk_is_full());
-    const auto beside = kept_beside("/vault/b.plist", 3, full);
+    const auto beside = kept_beside("/vault/b.plist", "Parts", full);
     EXPECT_EQ(beside.message(),
-              "\"/vault/a%2.plist\" could not be saved: no space left, 100% used. 3 of it stand in "
+              "\"/vault/a%2.plist\" could not be saved: no space left, 100% used. Parts of it stand in "
               "\"/vault/b.plist\".");
     const auto translate = [](const char* words) -> std::string {
         if (words == std::string_view(kept_beside.words)) return "In <%1>: %2. %3";
         if (words == std::string_view(not_saved.words)) return "%2: <%1>";
-        return "FULL";
+        return words == std::string_view("Parts") ? "PARTS" : "FULL";
     };
-    EXPECT_EQ(beside.worded(translate), "In </vault/b.plist>: 3. FULL: </vault/a%2.plist>");
-    EXPECT_EQ(beside.worded(translate, shown_paths::names), "In <b.plist>: 3. FULL: <a%2.plist>");
+    EXPECT_EQ(beside.worded(translate), "In </vault/b.plist>: PARTS. FULL: </vault/a%2.plist>");
+    EXPECT_EQ(beside.worded(translate, shown_paths::names), "In <b.plist>: PARTS. FULL: <a%2.plist>");
 
     EXPECT_EQ(beside.code(), "test kept beside");
     EXPECT_TRUE(beside.is(kept_beside));
     EXPECT_FALSE(beside.is(disk_is_full));
-    EXPECT_TRUE(beside.comes_of(disk_is_full));
-    EXPECT_FALSE(disk_is_full().comes_of(not_saved));
+    EXPECT_EQ(beside.cause(), full);
+    EXPECT_FALSE(disk_is_full().cause());
     EXPECT_EQ(full, not_saved("/vault/a%2.plist", disk_is_full()));
     EXPECT_NE(full, not_saved("/vault/b.plist", disk_is_full()));
 

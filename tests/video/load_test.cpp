@@ -46,7 +46,7 @@ TEST(load_collection, finds_parts_by_number_and_others_in_natural_order) {
         for (std::size_t index = 0; index < 3; ++index) {
             EXPECT_EQ(path_name(parts[index].path), one.wanted[index]);
             if (!*one.wanted[index]) {
-                EXPECT_NE(loaded.collection.find_vistel("A")->problem(), "");
+                EXPECT_TRUE(loaded.collection.find_vistel("A")->problem());
             }
         }
         for (const char* name : one.files) std::filesystem::remove(stored.vistel_folder("A") + name);
@@ -67,10 +67,11 @@ TEST(load_collection, what_is_wrong_with_one_vistel_leaves_the_other) {
         make_fault(stored);
         auto loaded = stored.load();
         ASSERT_EQ(loaded.messages.size(), 1U) << named;
-        EXPECT_NE(loaded.messages[0].find("error found when loading vistel in collection"),
+        EXPECT_NE(loaded.messages[0].message().find("error found when loading vistel in collection"),
                   std::string::npos);
-        EXPECT_NE(loaded.messages[0].find(named), std::string::npos) << loaded.messages[0];
-        EXPECT_EQ(loaded.collection.find_vistel("2")->problem(), "");
+        EXPECT_NE(loaded.messages[0].message().find(named), std::string::npos)
+            << loaded.messages[0].message();
+        EXPECT_FALSE(loaded.collection.find_vistel("2")->problem());
         EXPECT_EQ(loaded.collection.find_vistel("2")->parts().duration(), 4);
         // Saving does not put a default record in the place of a damaged one.
         const auto damaged = file_bytes(stored.vistel_folder("A") + "single video.plist");
@@ -95,7 +96,8 @@ TEST(load_collection, movies_whose_record_is_missing_are_shown_and_get_one) {
     loaded = stored.load();
     const auto vistel = loaded.collection.find_vistel("A");
     ASSERT_EQ(vistel->parts().parts.size(), 2U);
-    EXPECT_NE(vistel->problem().find("single video.plist"), std::string::npos) << vistel->problem();
+    EXPECT_NE(vistel->problem().message().find("single video.plist"), std::string::npos)
+        << vistel->problem().message();
     EXPECT_FALSE(file_exists(record));
     ASSERT_TRUE(save_collection(loaded.collection, stored.folder()));
     EXPECT_EQ(read_dictionary_or_empty(record).array("drone_array")->size(), 2U);
@@ -270,8 +272,9 @@ TEST(load_collection, a_vistel_without_a_usable_number_gets_one_that_no_clip_nam
         auto loaded = stored.load();
         EXPECT_TRUE(loaded.has_new_numbers);
         ASSERT_EQ(loaded.messages.size(), 1U);
-        EXPECT_NE(loaded.messages.front().find("\"B\" had no number, and has got 9"), std::string::npos)
-            << loaded.messages.front();
+        EXPECT_NE(loaded.messages.front().message().find("\"B\" had no number, and has got 9"),
+                  std::string::npos)
+            << loaded.messages.front().message();
         EXPECT_EQ(loaded.collection.find_vistel("9")->uuid(), "B");
         EXPECT_EQ(offset_of_number(offsets_of(loaded.collection), 9), 2);
         ASSERT_TRUE(save_collection(loaded.collection, stored.folder()));
@@ -353,7 +356,7 @@ TEST(load_collection, parts_that_disagree_with_the_files_change_no_record_by_the
     const auto before_B = parts_on_disk("B");
     auto loaded = stored.load();
     ASSERT_EQ(loaded.messages.size(), 2U);
-    EXPECT_NE(loaded.messages[0].find("movie part 1 is missing"), std::string::npos);
+    EXPECT_NE(loaded.messages[0].message().find("movie part 1 is missing"), std::string::npos);
     EXPECT_EQ(loaded.collection.find_vistel("A")->parts().parts.size(), 2U);
     EXPECT_EQ(loaded.collection.find_vistel("B")->parts().parts.size(), 2U);
     for (const char* uuid : {"A", "B"}) loaded.collection.find_vistel(uuid)->set_name("renamed");
@@ -460,7 +463,7 @@ TEST(load_collection, shortage_of_a_streamed_vistel) {
                                                     {9.96, "10"}, {10, "10"}, {61.7, "62"}};
     for (const auto& [seconds, text] : cases) {
         EXPECT_EQ(
-            shorter_than_expected_text("Wide", seconds),
+            shorter_than_expected("Wide", seconds).message(),
             std::string("Vistel 'Wide' is ") + text +
                 " seconds shorter than expected.  \r\rRestarting HLS localizing for this vistel may fix "
                 "this.");

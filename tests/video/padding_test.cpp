@@ -12,6 +12,7 @@
 #include "util/file_system.h"
 #include "video/blank_movie.h"
 #include "video/collection_edit.h"
+#include "video/collection_failures.h"
 #include "video/padding_movies.h"
 #include "video/part_placing.h"
 #include "video/video_coll_Offsets.h"
@@ -155,9 +156,9 @@ TEST(padding, a_vistel_without_movies_is_blank_from_beginning_to_end) {
         auto away = collection_of({1, 2});
         const auto first = away.vistels().front();
         first->set_parts({});
-        first->set_problem("its folder is missing.");
+        first->set_problem(vistel_folder_is_missing("/v/1"));
         streamed ? first->set_http_file("http://localhost/1.m3u8") : first->set_data_folder("");
-        EXPECT_NE(pad_collection(away).message().find("its folder is missing."), std::string::npos);
+        EXPECT_EQ(pad_collection(away).error().cause(), vistel_folder_is_missing("/v/1"));
         EXPECT_EQ(away.vistels().back()->manual_start_offset(), 2);
     }
 }

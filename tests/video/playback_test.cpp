@@ -70,7 +70,7 @@ TEST_F(playback, a_still_picture_is_shown_at_all_times_and_counts_for_nothing_el
     EXPECT_EQ(played_.last_time(), 3);
     for (const double seconds : {-1.0, 0.0, 2.5}) {
         seek(seconds);
-        ASSERT_EQ(played_.state("still"), vistel_state::showing) << played_.problem("still");
+        ASSERT_EQ(played_.state("still"), vistel_state::showing) << played_.problem("still").message();
         const auto shown_picture = played_.picture("still");
         EXPECT_EQ(shown_picture->width, 32);
         EXPECT_NEAR(shown_picture->row(8)[4 * 16], 200, 3);
@@ -158,7 +158,7 @@ TEST_F(playback, one_unreadable_movie_leaves_the_others_alone) {
     EXPECT_EQ(shown("a"), 30);
     for (const char* uuid : {"missing", "broken"}) {
         EXPECT_EQ(played_.state(uuid), vistel_state::unreadable);
-        EXPECT_NE(played_.problem(uuid).find(std::string(uuid) + ".mp4"), std::string::npos);
+        EXPECT_NE(played_.problem(uuid).message().find(std::string(uuid) + ".mp4"), std::string::npos);
         EXPECT_EQ(played_.picture(uuid), nullptr);
     }
     EXPECT_EQ(played_.state("empty"), vistel_state::unreadable);

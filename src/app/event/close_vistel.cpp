@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "app/event/event_failures.h"
 #include "app/event/vistel_changes.h"
 #include "util/safe_write.h"
 #include "video/vault_lock.h"
@@ -24,11 +25,10 @@ struct taken_vistel {
 result<taken_vistel> take_out_locked(const video_collection_ROOT& collection, const closing_order& order,
                                      const std::function<result<void>(const collection_change&)>& take_out) {
     const auto vistel = collection.find_vistel(order.vistel);
-    if (!vistel) return failure{"The collection has no vistel \"" + order.vistel + "\"."};
+    if (!vistel) return vistel_is_gone(order.vistel);
     const auto warning = close_vistel_warning(*vistel, order.user);
-    if (warning && !order.confirmed) return failure{*warning};
-    if (const auto refusal = close_vistel_refusal(collection, *vistel); !refusal.empty())
-        return failure{refusal};
+    if (warning && !order.confirmed) return warning;
+    if (const auto refusal = close_vistel_refusal(collection, *vistel)) return refusal;
     taken_vistel taken{vistel->data_folder(), nullptr};
     auto lock = vault_lock::take_around(taken.folder);
     if (!lock) return lock.error();
@@ -42,28 +42,24 @@ closed_vistel move_data(const std::string& folder, const std::string& home_trash
     if (folder.empty()) return closed;
     auto moved = move_to_trash(folder, home_trash, files);
     if (moved) closed.data = std::move(moved).value();
-    if (!moved) closed.problem = moved.message();
+    if (!moved) closed.problem = moved.error();
     return closed;
 }
 
 }  // namespace
 
-std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
+failure close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user) {
     const std::string creator = vistel.creator();
-    if (creator.empty() || creator == user) return std::nullopt;
-    return "You did not create '" + vistel.name() +
-           "'.\r\rIf you click 'Close Vistel' this will close the vistel and move the movie data to the "
-           "trash.  "
-           "The movie data will then not be available for others.";
+    if (creator.empty() || creator == user) return {};
+    return vistel_is_another_users(vistel.name());
 }
 
-std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
+failure close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel) {
     const auto all = collection.vistels();
     const auto items =
         std::count_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == vistel.uuid(); });
     if (items <= 1) return {};
-    return "The data of the vistel \"" + vistel.name() +
-           "\" is shown by another vistel of the collection, too.";
+    return vistel_data_is_shared(vistel.name());
 }
 
 result<std::string> take_out_vistel(const video_collection_ROOT& collection, const closing_order& order,
@@ -76,7 +72,7 @@ result<std::string> take_out_vistel(const video_collection_ROOT& collection, con
 closed_vistel trash_vistel_data(const std::string& folder, const std::string& home_trash,
                                 file_system& files) {
     const auto lock = vault_lock::take_around(folder);
-    if (!lock) return {std::nullopt, lock.message()};
+    if (!lock) return {std::nullopt, lock.error()};
     return move_data(folder, home_trash, files);
 }
 

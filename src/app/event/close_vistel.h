@@ -14,13 +14,13 @@
 
 namespace vistels {
 
-// What to ask before `user` closes a vistel for good that somebody else made; nothing when they made it, or
-// when nobody is named as its creator.
-std::optional<std::string> close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user);
+// What to ask before `user` closes a vistel for good that somebody else made; none when they made it, or when
+// nobody is named as its creator.
+failure close_vistel_warning(const single_Vistel_CTR& vistel, const std::string& user);
 
-// Why a vistel of the collection is not to be closed for good: another one shows its data, too. An empty text
-// when it may be.
-std::string close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel);
+// Why a vistel of the collection is not to be closed for good: another one shows its data, too. None when it
+// may be.
+failure close_vistel_refusal(const video_collection_ROOT& collection, const single_Vistel_CTR& vistel);
 
 // What is asked for when a vistel is closed for good.
 struct closing_order {
@@ -33,7 +33,7 @@ struct closing_order {
 // A vistel that was closed for good.
 struct closed_vistel {
     std::optional<trashed> data;  // where its data is; nothing when there was none
-    std::string problem;          // why its data stayed in its place; empty: it did not
+    failure problem;              // why its data stayed in its place; none: it did not
 };
 
 // The two steps of closing a vistel for good, for who waits for no disk between them: `take_out` makes the

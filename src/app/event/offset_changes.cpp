@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "app/event/change_names.h"
+#include "app/event/event_failures.h"
 #include "video/video_coll_Offsets.h"
 #include "video/video_coll_Records.h"
 
@@ -13,14 +15,13 @@ namespace {
 result<std::shared_ptr<single_Vistel_CTR>> vistel_of(const video_collection_ROOT& collection,
                                                      const std::string& name) {
     auto vistel = collection.find_vistel(name);
-    if (!vistel) return failure{"The collection has no vistel \"" + name + "\"."};
+    if (!vistel) return vistel_is_gone(name);
     return vistel;
 }
 
 result<void> put_offset(single_Vistel_CTR& vistel, double seconds) {
-    if (!std::isfinite(seconds)) return failure{"The offset of \"" + vistel.name() + "\" is no number."};
-    if (std::abs(seconds) > most_stored_seconds)
-        return failure{"The offset of \"" + vistel.name() + "\" is too long: more than 30 years."};
+    if (!std::isfinite(seconds)) return offset_is_no_number(vistel.name());
+    if (std::abs(seconds) > most_stored_seconds) return offset_is_too_long(vistel.name());
     vistel.set_manual_start_offset(seconds);
     return {};
 }
@@ -31,7 +32,7 @@ double lead_of(const video_collection_ROOT& collection, const single_Vistel_CTR&
 
 collection_change offset_change(const std::string& vistel,
                                 std::function<result<void>(video_collection_ROOT&)> change) {
-    return {"Vistel Offset", vistel, std::move(change)};
+    return {change_name::vistel_offset, vistel, std::move(change)};
 }
 
 }  // namespace
@@ -58,7 +59,7 @@ collection_change plan_same_moment(const seen_moment& fixed, const seen_moment& 
         if (!stays) return stays.error();
         const auto moves = vistel_of(copy, moved.vistel);
         if (!moves) return moves.error();
-        if (stays.value() == moves.value()) return failure{"The moment must be seen in two vistels."};
+        if (stays.value() == moves.value()) return moment_needs_two_vistels();
         const double offset = stays.value()->manual_start_offset().value_or(0);
         return put_offset(*moves.value(), offset + fixed.movie_seconds - moved.movie_seconds);
     });

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "app/event/event_failures.h"
 #include "app/event/offset_changes.h"
 #include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
@@ -30,7 +31,7 @@ namespace {
 // How far the clock of a timeline without a collection runs.
 constexpr double longest_event_seconds = 24 * 3600;
 
-void add_all(std::vector<std::string>& to, const std::vector<std::string>& from) {
+void add_all(std::vector<failure>& to, const std::vector<failure>& from) {
     std::copy(from.begin(), from.end(), std::back_inserter(to));
 }
 
@@ -139,7 +140,7 @@ result<void> open_event::load_collection_record() {
     add_all(messages_, loaded.value().messages);
     alerts_ = std::move(loaded.value().alerts);
     has_new_numbers_ = loaded.value().has_new_numbers;
-    for (const auto& message : loaded.value().messages) log_line(places_, message);
+    for (const auto& message : loaded.value().messages) log_line(places_, message.message());
     return {};
 }
 
@@ -162,7 +163,7 @@ result<void> open_event::open_timeline() {
     timeline_ = std::move(opened).value();
     timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
-    for (const auto& message : timeline_->messages()) log_line(places_, message);
+    for (const auto& message : timeline_->messages()) log_line(places_, message.message());
     view_ = std::make_unique<clip_view>(*timeline_, loop_);
     return {};
 }
@@ -260,7 +261,7 @@ void open_event::open_code_window() {
     button_dict buttons;
     if (has_button_dict(logger_folder)) {
         auto loaded = load_button_dict(logger_folder);
-        if (!loaded) messages_.push_back(loaded.message() + " A general code window is shown instead.");
+        if (!loaded) messages_.push_back(general_code_window_is_shown(loaded.error()));
         buttons = loaded ? std::move(loaded).value() : general_code_window();
     } else {
         buttons = general_code_window();
@@ -270,7 +271,7 @@ void open_event::open_code_window() {
         settings.linked_timeline_uuid = timeline_->timeline().uuid();
         auto saved = save_button_dict(buttons, logger_folder);
         if (saved) saved = save_logger_settings(settings, logger_folder);
-        if (!saved) messages_.push_back(saved.message());
+        if (!saved) messages_.push_back(saved.error());
     }
     logger_->set_buttons(std::move(buttons.buttons), playback_->collection_time());
 }
@@ -308,10 +309,10 @@ double open_event::end_seconds() const {
     return playback_->last_time();
 }
 
-std::string open_event::problem(const std::string& vistel) const {
+failure open_event::problem(const std::string& vistel) const {
     // A vistel that has other parts shows those.
     const auto found = collection_.record().find_vistel(vistel);
-    if (found && found->parts().parts.empty() && !found->problem().empty()) return found->problem();
+    if (found && found->parts().parts.empty() && found->problem()) return found->problem();
     return playback_->problem(vistel);
 }
 

@@ -61,9 +61,9 @@ class open_event {
     std::shared_ptr<blank_vistel_movie> blank_movie() const { return blank_movie_; }
 
     // What there is to tell the user: recovered edits, unreadable vistels, damaged files.
-    const std::vector<std::string>& messages() const { return messages_; }
+    const std::vector<failure>& messages() const { return messages_; }
     // Of streamed vistels that are shorter than expected: to be told a moment after opening.
-    const std::vector<std::string>& alerts() const { return alerts_; }
+    const std::vector<failure>& alerts() const { return alerts_; }
     // Edits that the journal brought back when the timeline was opened.
     std::size_t recovered_edits() const { return timeline_->recovered_edits(); }
 
@@ -75,8 +75,8 @@ class open_event {
     // and running on beyond the last clip.
     bool runs_on_clock() const;
 
-    // Why a vistel, or the movie part at the present time, cannot be shown; empty when all is well.
-    std::string problem(const std::string& vistel) const;
+    // Why a vistel, or the movie part at the present time, cannot be shown; none when all is well.
+    failure problem(const std::string& vistel) const;
 
     // Each changes the collection and brings playback into step, by changes(). `vistel` is a UUID.
     result<void> set_offset(const std::string& vistel, double seconds);
@@ -140,8 +140,8 @@ class open_event {
     double application_volume_ = 1;
     double kept_application_volume_ = 1;
     bool is_silenced_ = false;
-    std::vector<std::string> messages_;
-    std::vector<std::string> alerts_;
+    std::vector<failure> messages_;
+    std::vector<failure> alerts_;
     std::unique_ptr<timeline_document> timeline_;
     collection_document collection_;  // after its keeper
     failure timeline_problem_;        // of the last save; none: it succeeded

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "app/event/change_names.h"
+#include "app/event/event_failures.h"
 #include "video/collection_edit.h"
 
 namespace vistels {
@@ -26,13 +28,13 @@ result<padding_outcome> perform(video_collection_ROOT& collection, padding_comma
 const char* padding_command_title(padding_command command) {
     switch (command) {
         case padding_command::replace_with_padding:
-            return "Replace Vistel Offsets With Padding Movies";
+            return change_name::replace_with_padding;
         case padding_command::remove_offsets_and_padding:
-            return "Remove Vistel Offsets And Padding Movies From All Vistels";
+            return change_name::remove_offsets_and_padding;
         case padding_command::restore_offsets:
             break;
     }
-    return "Remove Padding Movies From All Vistels And Replace With Offsets";
+    return change_name::restore_offsets;
 }
 
 result<planned_padding> plan_padding(const video_collection_ROOT& collection, padding_command command) {
@@ -45,8 +47,7 @@ result<planned_padding> plan_padding(const video_collection_ROOT& collection, pa
         const auto now = perform(changed, command);
         if (!now) return now.error();
         if (now.value() == outcome) return {};
-        return failure{std::string("\"") + padding_command_title(command) +
-                       "\" was not done: the collection changed meanwhile."};
+        return padding_was_not_done(padding_command_title(command));
     };
     return planned_padding{std::move(change), outcome.files};
 }

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <map>
 
+#include "app/event/change_names.h"
+#include "app/event/event_failures.h"
 #include "app/event/offset_changes.h"
 #include "video/part_placing.h"
 #include "video/video_coll_Records.h"
@@ -42,17 +44,16 @@ std::vector<operation::any> clip_movements(const sxy_DATA_root& timeline, double
 // The parts come to lie as in `parts`, which has the same parts in the same order.
 collection_change plan_parts(const video_collection_ROOT& collection, const sxy_DATA_root& timeline,
                              const std::string& vistel, const movie_Part_DRONE_Offsets_Root& parts) {
-    collection_change change{"Movie Parts", vistel, {}};
+    collection_change change{change_name::movie_parts, vistel, {}};
     change.change = [vistel, parts](video_collection_ROOT& copy) -> result<void> {
         const auto found = copy.find_vistel(vistel);
-        if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+        if (!found) return vistel_is_gone(vistel);
         auto placed = found->parts();
-        if (placed.parts.size() != parts.parts.size())
-            return failure{"The movie parts of \"" + found->name() + "\" changed meanwhile."};
+        if (placed.parts.size() != parts.parts.size()) return parts_changed_meanwhile(found->name());
         for (std::size_t index = 0; index < placed.parts.size(); ++index) {
             const double gap = parts.parts[index].gap_before;
-            if (!(gap >= 0)) return failure{"A gap must be 0 seconds or longer."};
-            if (gap > most_stored_seconds) return failure{"A gap must not be longer than 30 years."};
+            if (!(gap >= 0)) return gap_is_negative();
+            if (gap > most_stored_seconds) return gap_is_too_long();
             placed.parts[index].gap_before = gap;
         }
         found->set_parts(std::move(placed));
@@ -73,17 +74,17 @@ collection_change plan_gap(const video_collection_ROOT& collection, const sxy_DA
     const auto found = collection.find_vistel(vistel);
     const auto parts = found ? found->parts() : movie_Part_DRONE_Offsets_Root();
     if (found && (part >= parts.parts.size() || !std::isfinite(seconds) || seconds < 0)) {
-        return {"Movie Parts", vistel, [](video_collection_ROOT&) -> result<void> {
-                    return failure{"A gap must be 0 seconds or longer, before one of the movie parts."};
-                }};
+        return {change_name::movie_parts, vistel,
+                [](video_collection_ROOT&) -> result<void> { return gap_is_before_no_part(); }};
     }
     return plan_parts(collection, timeline, vistel, with_gap(parts, part, seconds));
 }
 
 collection_change plan_more_parts(const std::string& vistel, const part_list& brought) {
-    return {"Append Movies", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+    return {change_name::append_movies, vistel,
+            [vistel, brought](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
-                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                if (!found) return vistel_is_gone(vistel);
                 auto all = found->parts();
                 all.parts.insert(all.parts.end(), brought.begin(), brought.end());
                 found->set_parts(std::move(all));
@@ -93,16 +94,16 @@ collection_change plan_more_parts(const std::string& vistel, const part_list& br
 
 collection_change plan_other_movies(const std::string& vistel, const part_list& made_of,
                                     const part_list& brought) {
-    return {"Deinterlace Vistel", vistel,
+    return {change_name::deinterlace_vistel, vistel,
             [vistel, made_of, brought](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
-                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                if (!found) return vistel_is_gone(vistel);
                 auto now = found->parts();
                 const auto is_same = [](const auto& one, const auto& other) {
                     return one.path == other.path;
                 };
                 if (!std::equal(now.parts.begin(), now.parts.end(), made_of.begin(), made_of.end(), is_same))
-                    return failure{"The movie parts of \"" + found->name() + "\" changed meanwhile."};
+                    return parts_changed_meanwhile(found->name());
                 for (std::size_t at = 0; at < brought.size(); ++at) now.parts[at].path = brought[at].path;
                 found->set_parts(std::move(now));
                 return {};
@@ -110,14 +111,13 @@ collection_change plan_other_movies(const std::string& vistel, const part_list& 
 }
 
 collection_change plan_found_movie(const std::string& vistel, const movie_Part_DRONE_Offset_Item& brought) {
-    return {"Find Movie", vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
+    return {change_name::find_movie, vistel, [vistel, brought](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
-                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                if (!found) return vistel_is_gone(vistel);
                 auto parts = found->parts();
                 const auto missing = std::find_if(parts.parts.begin(), parts.parts.end(),
                                                   [](const auto& part) { return part.path.empty(); });
-                if (missing == parts.parts.end())
-                    return failure{"No movie of \"" + found->name() + "\" is missing any more."};
+                if (missing == parts.parts.end()) return no_movie_is_missing(found->name());
                 const double longer = brought.part_duration - missing->part_duration;
                 missing->path = brought.path;
                 missing->part_duration = brought.part_duration;
@@ -129,10 +129,9 @@ collection_change plan_found_movie(const std::string& vistel, const movie_Part_D
 }
 
 collection_change plan_clip_lock(const std::string& vistel, bool locks) {
-    return {"Lock Clips To Movie Parts", vistel,
-            [vistel, locks](video_collection_ROOT& copy) -> result<void> {
+    return {change_name::lock_clips, vistel, [vistel, locks](video_collection_ROOT& copy) -> result<void> {
                 const auto found = copy.find_vistel(vistel);
-                if (!found) return failure{"The collection has no vistel \"" + vistel + "\"."};
+                if (!found) return vistel_is_gone(vistel);
                 found->set_locks_clips(locks);
                 return {};
             }};

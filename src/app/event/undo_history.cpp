@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "app/event/event_failures.h"
 #include "timeline/edits/timeline_change.h"
 #include "util/checksum.h"
 #include "util/file_system.h"
@@ -72,7 +73,7 @@ std::vector<undo_step> read_steps(const property_dictionary& stored, const char*
     const auto* array = stored.array(key);
     if (!array) return steps;
     for (auto at = array->rbegin(); at != array->rend(); ++at) {
-        const auto edit = at->dictionary() ? read_edit(*at->dictionary()) : failure{"no step"};
+        const auto edit = at->dictionary() ? read_edit(*at->dictionary()) : step_cannot_be_read();
         if (!edit) break;
         const auto& read = edit.value();
         undo_step step{read.name, read.scope, {}};
@@ -125,7 +126,7 @@ undo_history read_undo_history(const property_dictionary& stored) {
     if (const auto* begun = stored.array("begun")) {
         for (const auto& value : *begun) {
             const auto* one = value.dictionary();
-            const auto edit = one ? read_edit(*one) : failure{"no operations"};
+            const auto edit = one ? read_edit(*one) : step_cannot_be_read();
             if (edit) history.begun[one->text_or_empty("clip")] = parts_in(edit.value());
         }
     }

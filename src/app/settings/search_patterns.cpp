@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "app/settings/settings_failures.h"
 #include "util/clock.h"
 #include "util/file_system.h"
 #include "util/text_forms.h"
@@ -44,7 +45,7 @@ property_dictionary stored_patterns(const home_places& places) {
 
 result<void> refuse_unstorable(const std::string& text) {
     if (is_valid_text(text)) return {};
-    return failure{"\"" + text + "\" cannot be remembered: it holds characters that no file can keep."};
+    return pattern_cannot_be_stored(text);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "app/settings/formula_colours.h"
 #include "app/settings/search_patterns.h"
+#include "app/settings/settings_failures.h"
 #include "app/settings/user_name.h"
 
 namespace vistels {
@@ -110,7 +111,7 @@ result<void> save_default_formula_operator(const home_places& places, char symbo
     for (const auto& entry : operator_words) {
         if (entry.symbol == symbol) return save(places, operator_place, entry.word);
     }
-    return failure{std::string("\"") + symbol + "\" is no operator of formulas."};
+    return operator_is_unknown(std::string(1, symbol));
 }
 
 const char* filtered_out_clips_text(filtered_out_clips setting) {

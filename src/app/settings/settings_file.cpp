@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/settings/settings_file.h"
 
+#include "app/settings/settings_failures.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
+#include "util/stored_form_failures.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -11,19 +14,19 @@ namespace vistels {
 namespace {
 
 // Why a file that is there cannot be read as settings; nothing when it can, or is missing.
-std::optional<failure> damage_of(const std::string& path) {
-    if (!file_exists(path)) return std::nullopt;
+failure damage_of(const std::string& path) {
+    if (!file_exists(path)) return {};
     const auto stored = read_property_list_file(path);
     if (!stored) return stored.error();
-    if (stored.value().dictionary()) return std::nullopt;
-    return failure{"\"" + path + "\" cannot be read: it holds no dictionary."};
+    if (stored.value().dictionary()) return {};
+    return file_cannot_be_read(path, file_holds_no_dictionary());
 }
 
 // The name under which the file was kept.
 result<std::string> set_aside(const std::string& path) {
     const std::string kept = damaged_name(path);
     if (const int fault = machine_files().rename(path, kept)) {
-        return file_failure(path, "is damaged and could not be set aside", fault);
+        return file_could_not_be_set_aside(path, system_failure(fault));
     }
     return kept;
 }
@@ -59,22 +62,21 @@ result<void> write_settings(const home_places& places, const settings_file& file
     return safe_write(path, stored);
 }
 
-std::vector<std::string> set_damaged_settings_aside(const home_places& places,
-                                                    const std::vector<settings_file>& files) {
-    std::vector<std::string> messages;
+std::vector<failure> set_damaged_settings_aside(const home_places& places,
+                                                const std::vector<settings_file>& files) {
+    std::vector<failure> messages;
     for (const auto& file : files) {
         const std::string path = path_of(places, file);
         const auto damage = damage_of(path);
         if (!damage) continue;
         // What cannot be read now, by its rights or its volume, may be whole.
         if (!read_file(path)) {
-            messages.push_back(damage->message() + " The defaults are used instead.");
+            messages.push_back(defaults_are_used(damage));
             continue;
         }
         const auto kept = set_aside(path);
-        messages.push_back(kept ? damage->message() + " It was kept as \"" + path_name(kept.value()) +
-                                      "\"; the defaults are used instead."
-                                : damage->message() + " " + kept.message());
+        messages.push_back(kept ? settings_were_kept(damage, path_name(kept.value()))
+                                : settings_could_not_be_kept(damage, kept.error()));
     }
     return messages;
 }

@@ -29,8 +29,8 @@ result<void> write_settings(const home_places& places, const settings_file& file
 
 // Keeps the damaged files among those named as "X damaged N", so that the defaults are in force, and tells
 // each with its reason. A file that is missing is well; one whose bytes cannot be read is told and left.
-std::vector<std::string> set_damaged_settings_aside(const home_places& places,
-                                                    const std::vector<settings_file>& files);
+std::vector<failure> set_damaged_settings_aside(const home_places& places,
+                                                const std::vector<settings_file>& files);
 
 // A path as a settings file keeps it: as text, or as data when its bytes are not UTF-8, which a text could
 // not give back.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/settings/vault_preferences.h"
 
+#include "app/settings/settings_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -54,8 +56,7 @@ minimum_free_space_setting load_minimum_free_space(const home_places& places) {
 
 result<void> save_minimum_free_space(const home_places& places, minimum_free_space_setting setting) {
     if (setting.percent < smallest_percent || setting.percent > largest_percent) {
-        return failure{"The minimum free space of a vault is a percentage from 1 to 99, not " +
-                       std::to_string(setting.percent) + "."};
+        return free_space_is_no_percentage(setting.percent);
     }
     property_dictionary stored;
     stored.add(free_space_key, setting.percent);

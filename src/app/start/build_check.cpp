@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/start/run_record.h"
+#include "app/start/start_failures.h"
 #include "app/vaults/trash.h"
 #include "util/clock.h"
 #include "util/file_system.h"
@@ -53,21 +54,19 @@ std::string build_text(double build) {
 
 }  // namespace
 
-std::string build_message(double running_build, double last_build) {
+failure older_build(double running_build, double last_build) {
     if (!(running_build < last_build)) return {};
-    return "This version of Vistels is an older build than the previous version that was used.\r\r"
-           "Build number of this version  " +
-           build_text(running_build) + ".\rPrevious build number used  " + build_text(last_build) + ".";
+    return build_is_older(build_text(running_build), build_text(last_build));
 }
 
-result<std::string> check_build(const home_places& places, double running_build) {
+failure check_build(const home_places& places, double running_build) {
     const auto last = finite_number(read_settings(places, last_build_file), last_build_key);
     if (last != running_build) {
         property_dictionary stored;
         stored.add(last_build_key, running_build);
         if (auto saved = write_settings(places, last_build_file, stored); !saved) return saved.error();
     }
-    return last ? build_message(running_build, *last) : std::string();
+    return last ? older_build(running_build, *last) : failure();
 }
 
 build_number_state load_build_number(const home_places& places) {
@@ -118,8 +117,8 @@ bool running_executable::is_replaced() const {
     return installed.device != running.device || installed.inode != running.inode;
 }
 
-result<std::string> check_for_newer_build(const home_places& places, double running_build,
-                                          const running_executable& executable) {
+failure check_for_newer_build(const home_places& places, double running_build,
+                              const running_executable& executable) {
     const auto installed =
         executable.is_replaced() ? build_number_in(executable.path()) : std::optional(running_build);
     property_dictionary stored;
@@ -128,11 +127,8 @@ result<std::string> check_for_newer_build(const home_places& places, double runn
     stored.add(last_checked_key, seconds_since_1970());
     stored.add(url_key, "file://" + percent_encoded(executable.path()));
     if (auto saved = write_settings(places, build_number_file, stored); !saved) return saved.error();
-    if (!installed || !(*installed > running_build)) return std::string();
-    return "A newer build of Vistels is installed. It is used after Vistels is quit and started again.\r\r"
-           "Build number of this version  " +
-           build_text(running_build) + ".\rBuild number of the newer version  " + build_text(*installed) +
-           ".";
+    if (!installed || !(*installed > running_build)) return {};
+    return newer_build_is_installed(build_text(running_build), build_text(*installed));
 }
 
 }  // namespace vistels

@@ -16,13 +16,13 @@ inline constexpr settings_file build_number_file{"System", "build number.plist"}
 // By which the message of an older build is known where messages are kept apart.
 inline constexpr const char* start_up_message_id = "start up message";
 
-// The message for a running build that is older than the one used before; empty when it is not. The numbers
-// have at most five decimals.
-std::string build_message(double running_build, double last_build);
+// build_is_older when the running build is older than the one used before. The numbers have at most five
+// decimals.
+failure older_build(double running_build, double last_build);
 
-// Compares the running build with the one that ran last and writes it down as that, whichever is older. The
-// message, or the empty text.
-result<std::string> check_build(const home_places& places, double running_build);
+// Compares the running build with the one that ran last and writes it down as that, whichever is older. What
+// there is to tell: build_is_older, or that it could not be written.
+failure check_build(const home_places& places, double running_build);
 
 // "build number.plist": what is known of newer builds. Nothing is asked of a network: a newer build is one
 // that was installed in the place of the running one.
@@ -52,9 +52,9 @@ class running_executable {
     std::string running_;
 };
 
-// Looks which build is installed and writes all four values down. The message when that one is newer than the
-// running one, or the empty text. Any thread, one at a time.
-result<std::string> check_for_newer_build(const home_places& places, double running_build,
-                                          const running_executable& executable);
+// Looks which build is installed and writes all four values down. What there is to tell:
+// newer_build_is_installed, or that it could not be written. Any thread, one at a time.
+failure check_for_newer_build(const home_places& places, double running_build,
+                              const running_executable& executable);
 
 }  // namespace vistels

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "app/start/start_failures.h"
 #include "app/vaults/vaults.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "util/file_system.h"
@@ -44,7 +45,7 @@ std::string collection_of(const std::string& path) {
 
 result<open_request> what_is(const std::string& given) {
     const std::string path = absolute(given);
-    if (!file_exists(path) && !is_folder(path)) return failure{"“" + given + "” is not there."};
+    if (!file_exists(path) && !is_folder(path)) return nothing_to_open_is_there(given);
     if (is_vault(path)) return open_request{open_request::kind::vault, path, {}};
     if (!is_folder(path) && is_movie_name(path)) return open_request{open_request::kind::movies, {}, {path}};
     if (const auto folder = collection_of(path); !folder.empty()) {
@@ -57,8 +58,7 @@ result<open_request> what_is(const std::string& given) {
         if (auto movies = movies_of_item(path))
             return open_request{open_request::kind::movies, {}, std::move(movies).value()};
     }
-    return failure{"“" + given +
-                   "” is neither a vault nor a collection, a timeline, a movie or a folder of movies."};
+    return nothing_that_opens(given);
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ open_requests what_to_open(const std::vector<std::string>& paths) {
     for (const auto& given : paths) {
         auto one = what_is(given);
         if (!one) {
-            all.refused.push_back(one.message());
+            all.refused.push_back(one.error());
             continue;
         }
         open_request& what = one.value();

@@ -19,8 +19,8 @@ struct open_request {
 
 // What several paths stand for.
 struct open_requests {
-    std::vector<open_request> found;   // in the order of their paths, each once
-    std::vector<std::string> refused;  // a message for each path that is nothing that can be opened
+    std::vector<open_request> found;  // in the order of their paths, each once
+    std::vector<failure> refused;     // for each path that is nothing that can be opened
 };
 
 // Each path is a collection's folder (or a folder or file inside it), the folder of a timeline that belongs

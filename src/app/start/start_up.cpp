@@ -8,10 +8,13 @@
 #include "app/settings/settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/start/last_focus.h"
+#include "app/start/start_failures.h"
 #include "app/vaults/home_vault.h"
 #include "app/vaults/mending.h"
+#include "app/vaults/vault_failures.h"
 #include "app/vaults/vaults.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/recovery.h"
@@ -29,13 +32,17 @@ constexpr const char* home_id_key = "ID for this file:";
 constexpr const char* inspector_folder = "Inspector";  // its strays have an hour, and are no files to miss
 constexpr const char* home_date_key = "home vault creation date:";
 
-void add_all(std::vector<std::string>& to, std::vector<std::string> from) {
+template <class Value>
+void add_all(std::vector<Value>& to, std::vector<Value> from) {
     std::move(from.begin(), from.end(), std::back_inserter(to));
 }
 
 // Tells what goes wrong without ending the start.
+void tell(start_up_report& report, const failure& found) {
+    if (found) report.messages.push_back(found);
+}
 void tell(start_up_report& report, const result<void>& done) {
-    if (!done) report.messages.push_back(done.message());
+    tell(report, done.error());
 }
 
 result<void> make_places(const home_places& places, start_up_report& report) {
@@ -58,10 +65,9 @@ result<void> identify_home_vault(const home_places& places, start_up_report& rep
         if (information && !information->text_or_empty(home_id_key).empty()) return {};
         const std::string kept = damaged_name(path);
         if (const int fault = machine_files().rename(path, kept)) {
-            return file_failure(path, "is damaged and could not be set aside", fault);
+            return file_could_not_be_set_aside(path, system_failure(fault));
         }
-        report.messages.push_back("\"" + path + "\" was damaged and is kept as \"" + path_name(kept) +
-                                  "\"; the home vault has a new identity.");
+        report.messages.push_back(home_vault_has_a_new_identity(path, path_name(kept)));
     }
     property_dictionary stored;
     stored.add(home_id_key, new_uuid());
@@ -99,8 +105,7 @@ void tell_problems(const vault_tree& tree, start_up_report& report) {
     problems.resize(problems.size() - untold);
     add_all(report.messages, std::move(problems));
     if (untold == 0) return;
-    report.messages.push_back("\"" + tree.vault() + "\" holds " + std::to_string(untold) +
-                              " more folders that cannot be looked into.");
+    report.messages.push_back(more_cannot_be_looked_into(tree.vault(), untold));
 }
 
 // Not while somebody else changes the vault: what looks like a left copy may be on its way.
@@ -120,29 +125,18 @@ void mend_vaults(const home_places& places, start_up_report& report) {
     }
 }
 
-std::string told_of_unclean_end(const run_record::last_run& last, const std::vector<std::string>& recovered) {
-    std::string text = "Vistels was not quit properly the last time";
-    if (last.loaded_at) text += " (it was started " + date_text(*last.loaded_at) + ")";
-    text += ".\r\r";
-    if (recovered.empty()) {
-        return text +
-               "No file was damaged. Changes of a timeline that were not saved are brought back when it "
-               "is opened.";
-    }
-    text += "These files were put back whole:";
-    for (const auto& path : recovered) text += "\r" + path;
-    return text;
+failure told_of_unclean_end(const run_record::last_run& last, const std::vector<std::string>& recovered) {
+    const failure end =
+        last.loaded_at ? not_quit_properly_since(date_text(*last.loaded_at)) : not_quit_properly();
+    if (recovered.empty()) return no_file_was_damaged(end);
+    std::string paths;
+    for (const auto& path : recovered) paths += "\r" + path;
+    return files_were_put_back(end, paths);
 }
 
 void note_build(const home_places& places, double build, start_up_report& report) {
-    const auto checked = check_build(places, build);
-    const std::string& message = checked ? checked.value() : checked.message();
-    if (!message.empty()) report.messages.push_back(message);
-    if (checked) report.start_up_message = message;
-    const auto newer = check_for_newer_build(places, build, running_executable());
-    if (const auto& told = newer ? newer.value() : newer.message(); !told.empty()) {
-        report.messages.push_back(told);
-    }
+    tell(report, check_build(places, build));
+    tell(report, check_for_newer_build(places, build, running_executable()));
 }
 
 }  // namespace
@@ -155,10 +149,7 @@ result<start_up_report> start_up(const home_places& places, double build, double
     if (report.run->is_alone()) mend_state_folder(places, report);
     take_up(recover_folder(places.home_vault), report);  // its identity may be in a copy
     tell(report, identify_home_vault(places, report));
-    const auto found = note_home_vault(places);
-    if (const auto& message = found ? found.value() : found.message(); !message.empty()) {
-        report.messages.push_back(message);
-    }
+    tell(report, note_home_vault(places));
     mend_vaults(places, report);
     result<void> noted;
     const auto last = report.run->begin(noted);
@@ -166,9 +157,7 @@ result<start_up_report> start_up(const home_places& places, double build, double
     report.ended_well_before = last.ended_well;
     if (!last.ended_well) report.unclean_end = told_of_unclean_end(last, report.recovered);
     note_build(places, build, report);
-    if (auto focus = focus_vault_of(places); !focus.message.empty()) {
-        report.messages.push_back(std::move(focus.message));
-    }
+    tell(report, focus_vault_of(places).problem);
     report.windows = load_open_windows(places);
     report.folder_last_focus = folder_of_last_focus(last.uuid_last_focus, report.windows, report.trees);
     return report;

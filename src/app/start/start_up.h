@@ -18,11 +18,10 @@ namespace vistels {
 struct start_up_report {
     std::vector<std::string> cleaned;    // paths of deleted stray files
     std::vector<std::string> recovered;  // paths of files put back whole
-    std::vector<std::string> messages;   // for the user
-    std::string start_up_message;        // the one of them that is known as start_up_message_id; else empty
+    std::vector<failure> messages;       // for the user
     std::vector<open_window> windows;    // to be opened again, front to back
     bool ended_well_before = true;       // the previous run was quit, not killed
-    std::string unclean_end;          // else this tells of it, with all that was put back; not in `messages`
+    failure unclean_end;              // else this tells of it, with all that was put back; not in `messages`
     std::string folder_last_focus;    // of the item that had the focus last; empty: not known
     std::vector<vault_tree> trees;    // what was seen of the vaults, for the list of their items
     std::shared_ptr<run_record> run;  // to be kept for as long as the program runs

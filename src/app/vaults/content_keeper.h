@@ -36,7 +36,7 @@ class content_keeper {
     // vaults() is another.
     signal<> changed;
     // Something to tell the user about vaults.
-    signal<const std::string&>& told() { return list_.told; }
+    signal<const failure&>& told() { return list_.told; }
 
   private:
     struct counted {

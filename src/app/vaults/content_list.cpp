@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <set>
 
+#include "app/vaults/vault_failures.h"
 #include "timeline/files/stored_clip_count.h"
 #include "util/file_system.h"
 
@@ -57,7 +58,7 @@ content_vault content_of(const listed_vault& listed,
     vault.space = listed.space;
     vault.is_limited = listed.has_limited_free_space;
     if (!listed.is_available) {
-        vault.problem = listed.problem.empty() ? "It is not available." : listed.problem;
+        vault.problem = listed.problem ? listed.problem : vault_is_not_available();
         return vault;
     }
     vault.items = items_of(found);

@@ -28,7 +28,7 @@ struct content_vault {
     std::string name;
     std::string path;
     bool is_home = false;
-    std::string problem;                  // why it cannot be listed, for the user; empty when it can
+    failure problem;                      // why it cannot be listed; none when it can
     std::vector<content_item> items;      // by kind, then by name in natural order
     std::array<std::size_t, 6> counts{};  // of all it holds, in the order of item_kinds()
     bool is_focus = false;                // new items are saved into it

@@ -10,6 +10,7 @@
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/files_Root_watcher_ROOT.h"
 #include "app/vaults/known_vaults.h"
+#include "app/vaults/vault_failures.h"
 #include "util/clock.h"
 
 namespace vistels {
@@ -94,7 +95,7 @@ struct files_MASTER_LIST::background {
         }
         for (int looks = 0; looks < most_looks; ++looks) {
             const auto looked = tree.look();
-            vault.problem = looked.message();
+            vault.problem = looked.error();
             if (!looked) {
                 vault.is_available = false;
                 break;
@@ -198,7 +199,7 @@ void files_MASTER_LIST::take(finding found) {
     is_looking_ = false;
     last_time_file_list_updated_ = found.time;
     if (watcher_) watcher_->set_untold_vaults(std::move(found.untold));
-    std::vector<std::string> lost;
+    std::vector<failure> lost;
     for (auto& vault : found.vaults) {
         const auto before = std::find_if(all_.begin(), all_.end(),
                                          [&vault](const auto& one) { return one.path == vault.path; });
@@ -213,11 +214,9 @@ void files_MASTER_LIST::take(finding found) {
     list_items();
     show();
     ask_for_spaces();
-    for (const auto& problem : lost) told.emit("A vault can no longer be reached. " + problem);
-    if (std::exchange(focus_message_, found.focus.message) != found.focus.message &&
-        !found.focus.message.empty()) {
-        told.emit(found.focus.message);
-    }
+    for (const auto& problem : lost) told.emit(vault_went_away(problem));
+    const auto& problem = found.focus.problem;
+    if (std::exchange(focus_problem_, problem) != problem && problem) told.emit(problem);
     if (!is_looking_ && (all_are_asked_for_ || !asked_for_.empty())) begin_look();
 }
 

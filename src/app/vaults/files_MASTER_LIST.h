@@ -28,7 +28,7 @@ struct listed_vault {
     bool is_home = false;
     bool is_focus = false;                // new items are saved here
     bool is_available = false;            // its folder is there and can be listed
-    std::string problem;                  // why it is not available, for the user
+    failure problem;                      // why it is not available
     std::optional<volume_space> space;    // nothing until it was asked for
     bool has_limited_free_space = false;  // less than the percentage of the settings
     // Never null; empty when it is not available. Another pointer is another content.
@@ -84,7 +84,7 @@ class files_MASTER_LIST {
     // vaults() or the items are other than before.
     signal<> changed;
     // Something to tell the user, each once: a focus vault that is away, a vault that went away.
-    signal<const std::string&> told;
+    signal<const failure&> told;
 
   private:
     struct finding;     // what a look brings
@@ -109,7 +109,7 @@ class files_MASTER_LIST {
     std::vector<files_Items_Master_list_ITEM_DATA> items_;
     std::set<std::string> logged_duplicates_;
     std::string focus_vault_;
-    std::string focus_message_;
+    failure focus_problem_;
     bool shows_unavailable_ = true;
     int minimum_free_percent_ = 10;
     double last_time_file_list_updated_ = 0;

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "app/settings/vault_preferences.h"
+#include "app/vaults/vault_failures.h"
 #include "app/vaults/vault_scan.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
@@ -79,21 +80,20 @@ home_places find_home_places(const std::string& home) {
     return places;
 }
 
-result<std::string> note_home_vault(const home_places& places) {
+failure note_home_vault(const home_places& places) {
     const auto before = read_note(places);
     const std::string id = home_vault_id(places.home_vault);
-    if (id.empty() || (before.path == places.home_vault && before.id == id)) return std::string();
+    if (id.empty() || (before.path == places.home_vault && before.id == id)) return {};
     property_dictionary stored;
     stored.add(path_key, stored_path(places.home_vault));
     stored.add(id_key, id);
     if (auto saved = write_settings(places, home_vault_file, stored); !saved) return saved.error();
     // Of a copy there is nothing to tell: what was noted is still in its place.
     if (before.path.empty() || before.path == places.home_vault || is_folder(before.path)) {
-        return std::string();
+        return {};
     }
-    if (before.id == id) return "The home vault was found again as \"" + places.home_vault + "\".";
-    return "The home vault \"" + before.path + "\" was not found. The home vault is now \"" +
-           places.home_vault + "\".";
+    return before.id == id ? home_vault_was_found_again(places.home_vault)
+                           : home_vault_is_another(before.path, places.home_vault);
 }
 
 }  // namespace vistels

@@ -26,8 +26,8 @@ std::string moved_home_vault(const home_places& usual);
 // made.
 home_places find_home_places(const std::string& home = {});
 
-// Notes where the home vault is and which it is. When the one noted before is gone from its place the message
-// tells: that it was found in another place, or that there is a new one; else it is empty.
-result<std::string> note_home_vault(const home_places& places);
+// Notes where the home vault is and which it is. What there is to tell: that it could not be noted, or, when
+// the one noted before is gone from its place, that it was found in another place or that there is a new one.
+failure note_home_vault(const home_places& places);
 
 }  // namespace vistels

@@ -8,7 +8,9 @@
 #include <filesystem>
 
 #include "app/settings/vault_preferences.h"
+#include "app/vaults/vault_failures.h"
 #include "app/vaults/vault_scan.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -28,15 +30,15 @@ bool holds(const std::vector<std::string>& vaults, const std::string& vault) {
 }
 
 result<void> check_vault(const home_places& places, const std::string& vault) {
-    if (!file_exists(vault)) return failure{"\"" + vault + "\" is missing."};
-    if (!is_folder(vault)) return failure{"\"" + vault + "\" is no vault: it is no folder."};
+    if (!file_exists(vault)) return file_is_missing(vault);
+    if (!is_folder(vault)) return vault_is_no_folder(vault);
     if (!vault.ends_with(vault_ending)) {
-        return failure{"\"" + vault + "\" is no vault: its name does not end in \"" + vault_ending + "\"."};
+        return vault_has_another_ending(vault, vault_ending);
     }
     if (is_same_folder(vault, places.state_folder)) {
-        return failure{"\"" + vault + "\" holds the application's own state and is no vault for items."};
+        return vault_is_the_state_folder(vault);
     }
-    if (::access(vault.c_str(), R_OK | X_OK) != 0) return file_failure(vault, "cannot be listed", errno);
+    if (::access(vault.c_str(), R_OK | X_OK) != 0) return file_cannot_be_listed(vault, system_failure(errno));
     return {};
 }
 
@@ -80,7 +82,7 @@ result<known_vault> add_known_vault(const home_places& places, const std::string
 result<void> remove_known_vault(const home_places& places, const std::string& vault) {
     const std::string path = real_path(vault);
     if (is_same_folder(path, places.home_vault)) {
-        return failure{"\"" + path + "\" is the home vault, which is always listed."};
+        return home_vault_is_always_listed(path);
     }
     auto added = load_added_vaults(places);
     const auto is_meant = [&](const std::string& one) { return one == vault || is_same_folder(one, path); };
@@ -88,7 +90,7 @@ result<void> remove_known_vault(const home_places& places, const std::string& va
     if (!focus.path.empty() && is_meant(focus.path)) {
         if (auto saved = save_focus_vault_setting(places, {}); !saved) return saved;
     }
-    if (std::erase_if(added.paths, is_meant) == 0) return failure{"\"" + path + "\" is not listed."};
+    if (std::erase_if(added.paths, is_meant) == 0) return vault_is_not_listed(path);
     return save_added_vaults(places, added);
 }
 
@@ -96,9 +98,7 @@ focus_vault focus_vault_of(const home_places& places) {
     const std::string chosen = load_focus_vault_setting(places).path;
     if (chosen.empty() || is_same_folder(chosen, places.home_vault)) return {places.home_vault, {}};
     if (is_folder(chosen)) return {chosen, {}};
-    return {places.home_vault, "The focus vault \"" + chosen +
-                                   "\" cannot be reached. New items are saved in the home vault \"" +
-                                   places.home_vault + "\" instead."};
+    return {places.home_vault, focus_vault_is_away(chosen, places.home_vault)};
 }
 
 result<void> choose_focus_vault(const home_places& places, const std::string& vault) {
@@ -106,7 +106,7 @@ result<void> choose_focus_vault(const home_places& places, const std::string& va
     if (!known) return known.error();
     const std::string& path = known.value().path;
     if (!is_folder(path)) {
-        return failure{"\"" + path + "\" cannot be reached, so that no new items can be saved there."};
+        return chosen_vault_is_away(path);
     }
     auto setting = load_focus_vault_setting(places);
     if (setting.path == path) return {};

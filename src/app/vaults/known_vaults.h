@@ -27,7 +27,7 @@ result<void> remove_known_vault(const home_places& places, const std::string& va
 
 struct focus_vault {
     std::string path;
-    std::string message;  // for the user: why it is not the vault that was chosen; empty when it is
+    failure problem;  // why it is not the vault that was chosen; none when it is
 };
 // The vault into which new items are saved: the one that was chosen, or the home vault while that one cannot
 // be reached. The choice itself stays stored, so that it holds again when its volume is back.

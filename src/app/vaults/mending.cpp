@@ -18,7 +18,8 @@ namespace vistels {
 
 namespace {
 
-void add_all(std::vector<std::string>& to, std::vector<std::string> from) {
+template <class Value>
+void add_all(std::vector<Value>& to, std::vector<Value> from) {
     std::move(from.begin(), from.end(), std::back_inserter(to));
 }
 

@@ -13,6 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include "app/vaults/vault_failures.h"
+#include "util/file_failures.h"
+
 namespace vistels {
 
 namespace {
@@ -77,7 +80,7 @@ result<void> make_private_folder(const std::string& folder) {
     if (auto made = make_folders(path_folder(folder)); !made) return made;
     constexpr mode_t owner_only = 0700;
     if (::mkdir(folder.c_str(), owner_only) == 0 || is_real_folder(folder)) return {};
-    return file_failure(folder, "could not be made", errno);
+    return file_could_not_be_made(folder, system_failure(errno));
 }
 
 std::string information_text(const std::string& path, const trash_place& trash) {
@@ -122,14 +125,14 @@ result<trashed> take_name(const std::string& path, const trash_place& trash, fil
         int descriptor = -1;
         int fault = files.open(taken.information, O_WRONLY | O_CREAT | O_EXCL, descriptor);
         if (fault == EEXIST) continue;
-        if (fault != 0) return file_failure(taken.information, "could not be written", fault);
+        if (fault != 0) return file_could_not_be_written(taken.information, system_failure(fault));
         fault =
             volume_of(taken.path) ? EEXIST : write_whole(files, descriptor, information_text(path, trash));
         if (fault == 0) fault = files.sync(descriptor);
         files.close(descriptor);
         if (fault == 0) return taken;
         files.remove(taken.information);
-        if (fault != EEXIST) return file_failure(taken.information, "could not be written", fault);
+        if (fault != EEXIST) return file_could_not_be_written(taken.information, system_failure(fault));
     }
 }
 
@@ -153,8 +156,8 @@ std::string percent_encoded(const std::string& path) {
 }
 
 result<trashed> move_to_trash(const std::string& path, const std::string& home_trash, file_system& files) {
-    if (!volume_of(path)) return file_failure(path, "could not be moved to the trash", errno);
-    failure reason = file_failure(path, "could not be moved to the trash", EXDEV);
+    if (!volume_of(path)) return file_could_not_be_moved_to_trash(path, system_failure(errno));
+    failure reason = file_could_not_be_moved_to_trash(path, system_failure(EXDEV));
     for (const auto& trash : places_for(path, home_trash)) {
         auto taken = take_name(path, trash, files);
         if (!taken) return taken.error();
@@ -165,7 +168,7 @@ result<trashed> move_to_trash(const std::string& path, const std::string& home_t
             return taken;
         }
         files.remove(taken.value().information);
-        reason = file_failure(path, "could not be moved to the trash", fault);
+        reason = file_could_not_be_moved_to_trash(path, system_failure(fault));
         if (fault != EXDEV) break;
     }
     return reason;
@@ -193,10 +196,9 @@ std::optional<trashed> find_in_trash(const std::string& path, const std::string&
 }
 
 result<void> restore_from_trash(const trashed& what, const std::string& path, file_system& files) {
-    if (volume_of(path)) return file_failure(path, "could not be brought back from the trash", EEXIST);
+    if (volume_of(path)) return file_could_not_be_brought_back(path, system_failure(EEXIST));
     if (const int fault = files.rename(what.path, path)) {
-        return file_failure(
-            path, "could not be brought back from the trash, where it is \"" + what.path + "\"", fault);
+        return file_stays_in_trash(path, what.path, system_failure(fault));
     }
     files.remove(what.information);
     return {};

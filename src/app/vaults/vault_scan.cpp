@@ -11,7 +11,9 @@
 #include <string_view>
 
 #include "app/settings/places.h"
+#include "app/vaults/vault_failures.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/safe_write.h"
 
@@ -224,9 +226,9 @@ struct vault_tree::walk {
                 {path_name(path), path, item_kinds()[index].kind, at.state.device, at.state.inode});
         }
         if (at.fault == ELOOP) {
-            found.problems.push_back("\"" + path + "\" was not looked into: it lies too deep.");
+            found.problems.push_back(folder_lies_too_deep(path));
         } else if (at.fault != 0) {
-            found.problems.push_back(file_failure(path, "cannot be looked into", at.fault).message());
+            found.problems.push_back(folder_cannot_be_looked_into(path, system_failure(at.fault)));
         }
         each_below(at, [&](const node& one) { collect(one, found); });
     }
@@ -266,8 +268,8 @@ result<bool> vault_tree::look(double now_seconds) {
     if (fault != 0) {
         root_.reset();
         content_ = {};
-        if (fault == ENOENT) return failure{"\"" + vault_ + "\" is missing or is no folder."};
-        return file_failure(vault_, "cannot be listed", fault);
+        if (fault == ENOENT) return file_is_missing_or_no_folder(vault_);
+        return file_cannot_be_listed(vault_, system_failure(fault));
     }
     if (!now.is_changed && !is_first) return false;
     vault_content found;

@@ -40,7 +40,7 @@ struct files_Items_Master_list_ITEM_DATA {
 struct vault_content {
     std::array<std::size_t, 6> counts{};  // in the order of item_kinds()
     std::vector<files_Items_Master_list_ITEM_DATA> items;
-    std::vector<std::string> problems;  // folders that could not be looked into, with the reason
+    std::vector<failure> problems;  // folders that could not be looked into, with the reason
     bool operator==(const vault_content&) const = default;
 };
 

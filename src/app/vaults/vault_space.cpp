@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "app/vaults/vault_failures.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -13,7 +15,7 @@ namespace vistels {
 result<volume_space> space_of(const std::string& path) {
     struct statvfs volume {};
     if (::statvfs(path.c_str(), &volume) != 0) {
-        return file_failure(path, "cannot be asked for its space", errno);
+        return volume_cannot_be_asked(path, system_failure(errno));
     }
     const auto block = static_cast<double>(volume.f_frsize);
     return volume_space{static_cast<double>(volume.f_bavail) * block,

@@ -10,8 +10,9 @@
 
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/trash.h"
-#include "app/vaults/vault_messages.h"
+#include "app/vaults/vault_failures.h"
 #include "timeline/files/writer_lock.h"
+#include "util/file_failures.h"
 #include "util/text_forms.h"
 #include "util/uuid.h"
 #include "video/vault_lock.h"
@@ -20,16 +21,12 @@ namespace vistels {
 
 namespace {
 
-failure no_folder(const std::string& reason) {
-    return failure{std::string(no_folder_message) + " " + reason};
-}
-
 failure no_folder(const std::string& path, int fault) {
-    return no_folder(file_failure(path, "could not be made", fault).message());
+    return vault_folder_not_made(file_could_not_be_made(path, system_failure(fault)));
 }
 
 failure in_the_way(const std::string& vault) {
-    return failure{about_vault(vault_exists_message, vault) + " It is \"" + vault + "\"."};
+    return vault_exists(vault_name(vault), vault);
 }
 
 std::string trimmed(std::string_view name) {
@@ -66,20 +63,19 @@ result<std::string> timeline_in_use(const std::string& vault) {
 result<void> check_replaceable(const home_places& places, const std::string& vault) {
     struct stat state {};
     if (::lstat(vault.c_str(), &state) == 0 && S_ISLNK(state.st_mode)) {
-        return failure{"\"" + vault + "\" is a symbolic link and cannot be replaced."};
+        return link_cannot_be_replaced(vault);
     }
     if (is_home_vault(vault) || is_same_folder(vault, places.home_vault)) {
-        return failure{"\"" + vault + "\" is the home vault and cannot be replaced."};
+        return home_vault_cannot_be_replaced(vault);
     }
     if (is_same_folder(vault, places.state_folder)) {
-        return failure{"\"" + vault + "\" holds the application's own state and cannot be replaced."};
+        return state_folder_cannot_be_replaced(vault);
     }
     if (!is_folder(vault)) return {};
     const auto used = timeline_in_use(vault);
     if (!used) return used.error();
     if (used.value().empty()) return {};
-    return failure{vault_is_being_modified_text(vault) + " The timeline in \"" + used.value() +
-                   "\" is open."};
+    return timeline_of_vault_is_open(modified_now(vault), used.value());
 }
 
 // Puts the folder `made` in the place of the vault.
@@ -99,40 +95,30 @@ result<void> put_in_place(const std::string& made, const std::string& vault, con
         return {};
     }
     const auto restored = restore_from_trash(old.value(), vault, files);
-    return failure{no_folder(vault, fault).message() + (restored ? "" : " " + restored.message())};
+    const failure reason = file_could_not_be_made(vault, system_failure(fault));
+    return vault_folder_not_made(restored ? reason : vault_not_restored(reason, restored.error()));
 }
 
 }  // namespace
-
-std::string about_vault(std::string_view message, const std::string& vault) {
-    constexpr std::string_view placeholder = "<$vault_name$>";
-    std::string text(message);
-    if (const auto at = text.find(placeholder); at != text.npos) {
-        text.replace(at, placeholder.size(), vault_name(vault));
-    }
-    return text;
-}
 
 result<std::string> new_vault_path(const std::string& parent, const std::string& name) {
     std::string bare = trimmed(name);
     if (bare.ends_with(vault_ending)) {
         bare = trimmed(std::string_view(bare).substr(0, bare.size() - std::string_view(vault_ending).size()));
     }
-    if (bare.empty()) return no_folder("A vault needs a name.");
+    if (bare.empty()) return vault_folder_not_made(vault_needs_a_name());
     if (bare.find('/') != bare.npos) {
-        return no_folder("\"" + bare + "\" is no name for a vault: it holds \"/\".");
+        return vault_folder_not_made(vault_name_holds_a_slash(bare));
     }
     bool is_text = is_valid_text(bare);
     for (const char one : bare) is_text = is_text && (static_cast<unsigned char>(one) >= ' ' && one != 127);
     if (!is_text) {
-        return no_folder("\"" + bare + "\" is no name for a vault: it holds characters that are no text.");
+        return vault_folder_not_made(vault_name_is_no_text(bare));
     }
     const std::string folder = absolute_path(parent);
     const std::string file_name = bare + vault_ending;
     if (const auto longest = longest_name_in(folder); file_name.size() > longest) {
-        return no_folder("\"" + file_name + "\" is too long for a name: it has " +
-                         std::to_string(file_name.size()) + " bytes, and in \"" + folder +
-                         "\" there is room for " + std::to_string(longest) + ".");
+        return vault_folder_not_made(vault_name_is_too_long(file_name, file_name.size(), folder, longest));
     }
     return path_join(folder, file_name);
 }
@@ -142,7 +128,7 @@ result<std::string> create_vault(const std::string& parent, const std::string& n
     if (!vault) return vault;
     const std::string& path = vault.value();
     if (is_there(path)) return in_the_way(path);
-    if (auto made = make_folders(path_folder(path), files); !made) return no_folder(made.message());
+    if (auto made = make_folders(path_folder(path), files); !made) return vault_folder_not_made(made.error());
     const int fault = files.make_folder(path);
     if (fault == EEXIST) return in_the_way(path);
     if (fault != 0) return no_folder(path, fault);
@@ -172,10 +158,10 @@ result<new_vault> create_new_vault(const home_places& places, const new_vault_re
     new_vault done{made.value(), false, {}};
     const auto listed = add_known_vault(places, done.path);
     if (!listed) {
-        done.problem = listed.message();
+        done.problem = listed.error();
     } else if (load_set_focus_to_new_vault(places).set) {
         const auto chosen = choose_focus_vault(places, done.path);
-        done.problem = chosen.message();
+        done.problem = chosen.error();
         done.is_focus = chosen.ok();
     }
     // Forgetting where it was made is no reason to complain of a vault that is there.

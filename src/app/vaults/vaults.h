@@ -19,7 +19,7 @@ namespace vistels {
 result<std::string> new_vault_path(const std::string& parent, const std::string& name);
 
 // Makes the vault and the folders above it, and returns its path. What stands there already, of whatever
-// kind, is an error that begins with "Vault 'NAME' already exists."
+// kind, is an error: vault_exists.
 result<std::string> create_vault(const std::string& parent, const std::string& name,
                                  file_system& files = machine_files());
 
@@ -40,7 +40,7 @@ struct new_vault_request {
 struct new_vault {
     std::string path;
     bool is_focus = false;
-    std::string problem;  // the vault is made, but not listed, or not the focus: why; else empty
+    failure problem;  // the vault is made, but not listed, or not the focus: why
 };
 result<new_vault> create_new_vault(const home_places& places, const new_vault_request& request);
 

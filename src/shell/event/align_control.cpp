@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/event/change_names.h"
 #include "app/event/event_player.h"
 #include "app/event/open_event.h"
 #include "app/event/part_changes.h"
@@ -132,7 +133,7 @@ bool align_control::make(const collection_change& change) {
 }
 
 void align_control::tell(const result<void>& done) {
-    if (!done) notices_.tell_failure(tr("This could not be changed"), done.message());
+    if (!done) notices_.tell_failure(tr("This could not be changed"), done.error());
 }
 
 // The movie is shifted in playback alone while it is dragged; the record changes once, at the end.
@@ -169,7 +170,7 @@ void align_control::end_shift(const QString& vistel, double pixels, bool keeps) 
 void align_control::begin_nudge() {
     if (!event() || nudges_ || event()->changes().is_within_change()) return;
     nudges_ = true;
-    event()->changes().begin(tr("Nudge Vistel").toStdString());
+    event()->changes().begin(change_name::nudge_vistel);
 }
 
 void align_control::end_nudge() {

@@ -63,7 +63,7 @@ void collection_binder::connect_view(collection_commands& commands) {
             [&player](const QString& vistel) { player.enlarge(vistel.toStdString()); });
     connect(&view_, &collection_pane::all_vistels_asked, this, [&player] { player.enlarge({}); });
     connect(&view, &collection_view::layout_asked, this,
-            [&commands, &view](const vistel_arrangement& wanted, const QString& name) {
+            [&commands, &view](const vistel_arrangement& wanted, const char* name) {
                 commands.set_arrangement_as(wanted, name, view.current());
             });
     connect(&view, &collection_view::menu_asked, this,

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/event/change_names.h"
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
 #include "shell/event/align_control.h"
@@ -17,6 +18,7 @@
 #include "shell/event/vistel_files.h"
 #include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
@@ -135,8 +137,8 @@ void collection_commands::make_actions() {
     offsets_->setObjectName(QStringLiteral("menu.offsets"));
     offsets_->setToolTipsVisible(true);
     for (const auto& command : padding_->commands()) {
-        changes_.push_back(add(offsets_, command.name, tr(padding_command_title(command.which)), {},
-                               tr(command.tip), [this, which = command.which] { padding_->run(which); }));
+        changes_.push_back(add(offsets_, command.name, words_of_term(padding_command_title(command.which)),
+                               {}, tr(command.tip), [this, which = command.which] { padding_->run(which); }));
     }
 }
 
@@ -179,10 +181,10 @@ void collection_commands::show_state() {
     names_->setChecked(load_show_vistel_number_name(places_).shown);
 }
 
-void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, const QString& name,
+void collection_commands::set_arrangement_as(const vistel_arrangement& wanted, const char* name,
                                              const std::string& vistel) {
     collection_change change;
-    change.name = name.toStdString();
+    change.name = name;
     change.scope = vistel;
     change.change = [wanted](video_collection_ROOT& copy) -> result<void> {
         set_arrangement(copy, wanted);
@@ -205,7 +207,7 @@ void collection_commands::use_layout(ready_layout layout) {
     wanted.ratio = ready.ratio;
     wanted.scrolls = ready.scrolls;
     for (std::size_t i = 0; i < wanted.vistels.size(); ++i) wanted.vistels[i].frame = ready.frames[i];
-    set_arrangement_as(wanted, tr("Change Layout"), view.current());
+    set_arrangement_as(wanted, change_name::change_layout, view.current());
     view.bring_into_sight(large);
 }
 
@@ -214,12 +216,13 @@ void collection_commands::restack(bool front) {
     const collection_view& view = shown()->view().view();
     vistel_arrangement wanted = view.arrangement();
     wanted.vistels = restacked(std::move(wanted.vistels), view.current(), front);
-    set_arrangement_as(wanted, front ? tr("Bring to Front") : tr("Send to Back"), view.current());
+    set_arrangement_as(wanted, front ? change_name::bring_to_front : change_name::send_to_back,
+                       view.current());
 }
 
 void collection_commands::set_shows_numbers(bool shows) {
     collection_change change;
-    change.name = numbers_->text().toStdString();
+    change.name = change_name::show_numbers;
     change.change = [shows](video_collection_ROOT& copy) -> result<void> {
         copy.set_displays_vistel_number(shows);
         return {};
@@ -229,7 +232,7 @@ void collection_commands::set_shows_numbers(bool shows) {
 
 void collection_commands::set_shows_starts(bool shows) {
     collection_change change;
-    change.name = starts_->text().toStdString();
+    change.name = change_name::show_missing_starts;
     change.change = [shows](video_collection_ROOT& copy) -> result<void> {
         copy.set_shows_missing_starts(shows);
         return {};
@@ -239,7 +242,7 @@ void collection_commands::set_shows_starts(bool shows) {
 
 void collection_commands::set_shows_names(bool shows) {
     if (const auto saved = save_show_vistel_number_name(places_, {shows}); !saved) {
-        session_.notices().tell_failure(tr("This could not be changed"), saved.message());
+        session_.notices().tell_failure(tr("This could not be changed"), saved.error());
     }
     for (auto* one : session_.binders().all_of<collection_binder>()) one->set_shows_names(shows);
     show_state();

@@ -43,7 +43,7 @@ class collection_commands : public QObject {
     void use_layout(ready_layout layout);
     void restack(bool front);
     // By the name of the undo step; `vistel` is the one that it is about.
-    void set_arrangement_as(const vistel_arrangement& wanted, const QString& name, const std::string& vistel);
+    void set_arrangement_as(const vistel_arrangement& wanted, const char* name, const std::string& vistel);
     void show_menu(const QPoint& global);
     // Of a vistel in that pane.
     void show_vistel_menu(collection_binder& shown, const std::string& vistel, const QPoint& global);

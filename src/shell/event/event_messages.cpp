@@ -7,6 +7,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "app/start/start_failures.h"
+#include "shell/kit/failure_words.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -72,10 +74,10 @@ std::vector<user_message> messages_of_start(const start_up_report& report) {
     }
     for (const auto& message : report.messages) {
         // Paragraphs come as the build check writes them.
-        QString text = QString::fromStdString(message);
+        QString text = words_of(message);
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
         user_message told{user_message::tone::warning, QObject::tr("From the start"), text, {}, {}};
-        if (message == report.start_up_message) told.key = QString::fromLatin1(start_up_message_id);
+        if (message.is(build_is_older)) told.key = QString::fromLatin1(start_up_message_id);
         all.push_back(std::move(told));
     }
     return all;
@@ -100,14 +102,14 @@ std::vector<user_message> messages_of_opening(const opening_report& report) {
     }
     for (const auto& message : report.messages) {
         const auto conflict = std::find_if(report.conflicts.begin(), report.conflicts.end(),
-                                           [&](const file_conflict& one) { return one.message == message; });
+                                           [&](const file_conflict& one) { return one.told == message; });
         if (conflict != report.conflicts.end()) {
             all.push_back(conflict_message(report.event, *conflict));
             continue;
         }
         user_message told;
         told.headline = QObject::tr("Something in “%1” needs a look").arg(report.event);
-        told.text = QString::fromStdString(message);
+        told.text = words_of(message);
         told.choices = {continue_choice(), show_files_choice(report.folder)};
         all.push_back(std::move(told));
     }
@@ -117,24 +119,24 @@ std::vector<user_message> messages_of_opening(const opening_report& report) {
 user_message conflict_message(const QString& event, const file_conflict& conflict) {
     user_message told;
     told.headline = QObject::tr("“%1” was changed by another program too").arg(event);
-    told.text = QString::fromStdString(conflict.message);
+    told.text = words_of(conflict.told);
     told.choices = {continue_choice(), show_files_choice(conflict.kept_as)};
     told.key = QStringLiteral("conflict ") + QString::fromStdString(conflict.kept_as);
     return told;
 }
 
-user_message shortage_message(const QString& event, const std::string& alert) {
-    // The paragraphs are parted as they are in the alert of other systems.
-    QString text = QString::fromStdString(alert);
+user_message shortage_message(const QString& event, const failure& alert) {
+    // Paragraphs are parted by two carriage returns.
+    QString text = words_of(alert);
     text.replace(QLatin1String("\r\r"), QLatin1String("\n"));
     return {
         user_message::tone::warning, QObject::tr("A movie of “%1” is not whole").arg(event), text, {}, {}};
 }
 
-user_message read_only_message(const QString& event, const std::string& reason) {
+user_message read_only_message(const QString& event, const failure& reason) {
     user_message told;
     told.headline = QObject::tr("“%1” can be looked at but not changed").arg(event);
-    told.text = QString::fromStdString(reason);
+    told.text = words_of(reason);
     told.key = QLatin1String(read_only_key);
     return told;
 }

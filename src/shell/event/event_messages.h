@@ -32,8 +32,8 @@ struct opening_report {
     QString event;       // its name
     std::string folder;  // what "Show Files" shows
     std::size_t recovered_edits = 0;
-    QStringList finished;  // clips that were growing when the program died: "Attack until 0:12:30"
-    std::vector<std::string> messages;  // damaged files and the like; those of conflicts among them
+    QStringList finished;           // clips that were growing when the program died: "Attack until 0:12:30"
+    std::vector<failure> messages;  // damaged files and the like; those of conflicts among them
     std::vector<file_conflict> conflicts;
 };
 std::vector<user_message> messages_of_opening(const opening_report& report);
@@ -41,11 +41,11 @@ std::vector<user_message> messages_of_opening(const opening_report& report);
 // Another program changed a file of the event; both versions are kept.
 user_message conflict_message(const QString& event, const file_conflict& conflict);
 
-// What is told of a streamed vistel whose local copy lacks its end, as shorter_than_expected_text writes it.
-user_message shortage_message(const QString& event, const std::string& alert);
+// What is told of a streamed vistel whose local copy lacks its end: vistel_is_shorter.
+user_message shortage_message(const QString& event, const failure& alert);
 
 // The event can only be read. It lasts until that is over.
-user_message read_only_message(const QString& event, const std::string& reason);
+user_message read_only_message(const QString& event, const failure& reason);
 
 // A save that failed and is tried again.
 user_message save_failed_message(const QString& event, const std::string& folder, const QString& reason);

@@ -6,7 +6,9 @@
 #include "app/event/open_event.h"
 #include "logger/press_engine.h"
 #include "shell/event/event_messages.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme_time_text.h"
+#include "timeline/files/timeline_file_failures.h"
 
 namespace vistels {
 
@@ -33,7 +35,7 @@ opening_report report_of(open_event& event) {
     report.conflicts = timeline.conflicts();
     for (const auto& message : event.messages()) {
         // That it can only be read is a state, told for itself.
-        const bool is_state = timeline.is_read_only() && message.starts_with(timeline.read_only_reason());
+        const bool is_state = message.is(timeline_is_only_read_here) || message.is(timeline_is_only_read);
         if (!is_state) report.messages.push_back(message);
     }
     return report;
@@ -69,11 +71,11 @@ void event_notices::follow_event() {
     access_changed_ = access_.changed.connect([this] {
         if (!access_.is_free()) tell_access();
     });
-    connections_.push_back(logger.trouble.connect([this](const std::string& why) { tell_trouble(why); }));
+    connections_.push_back(logger.trouble.connect([this](const failure& why) { tell_trouble(why); }));
     connections_.push_back(
         logger.made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(
-        event_->save_ended.connect([this](const failure& problem) { tell_save(problem.message()); }));
+        event_->save_ended.connect([this](const failure& problem) { tell_save(problem); }));
     connections_.push_back(timeline.conflict.connect(
         [this](const file_conflict& conflict) { Q_EMIT told(conflict_message(name(), conflict)); }));
 }
@@ -112,11 +114,15 @@ void event_notices::tell_access() {
 }
 
 void event_notices::tell(const result<void>& done) {
-    if (!done) tell_failure(tr("This could not be done"), done.message());
+    if (!done) tell_failure(tr("This could not be done"), done.error());
 }
 
-void event_notices::tell_failure(const QString& headline, const std::string& message) {
-    Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(message), {}, {}});
+void event_notices::tell_failure(const QString& headline, const failure& reason) {
+    tell_failure(headline, words_of(reason));
+}
+
+void event_notices::tell_failure(const QString& headline, const QString& text) {
+    Q_EMIT told({user_message::tone::error, headline, text, {}, {}});
 }
 
 void event_notices::tell_good(const QString& headline, const QString& text) {
@@ -125,16 +131,13 @@ void event_notices::tell_good(const QString& headline, const QString& text) {
 
 void event_notices::tell_not_remembered(const result<void>& kept) {
     if (kept) return;
-    Q_EMIT told({user_message::tone::warning,
-                 tr("The setting is not remembered"),
-                 QString::fromStdString(kept.message()),
-                 {},
-                 {}});
+    Q_EMIT told(
+        {user_message::tone::warning, tr("The setting is not remembered"), words_of(kept.error()), {}, {}});
 }
 
-void event_notices::tell_save(const std::string& problem) {
-    const QString reason = QString::fromStdString(problem);
-    if (problem.empty()) {
+void event_notices::tell_save(const failure& problem) {
+    const QString reason = words_of(problem);
+    if (!problem) {
         Q_EMIT state_over(QLatin1String(save_failed_key));
     } else if (event_) {
         Q_EMIT told(save_failed_message(name(), event_->folder(), reason));
@@ -142,11 +145,11 @@ void event_notices::tell_save(const std::string& problem) {
     Q_EMIT saved(reason);
 }
 
-void event_notices::tell_trouble(const std::string& reason) {
-    if (reason.empty()) return;
+void event_notices::tell_trouble(const failure& reason) {
+    if (!reason) return;
     Q_EMIT told({user_message::tone::error,
                  tr("Presses are kept in memory only"),
-                 QString::fromStdString(reason),
+                 words_of(reason),
                  tr("They are recorded as soon as that is possible."),
                  {}});
 }

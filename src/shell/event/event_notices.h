@@ -32,12 +32,13 @@ class event_notices : public QObject {
 
     // A command did not do what the user asked for; a result that is ok tells nothing.
     void tell(const result<void>& done);
-    void tell_failure(const QString& headline, const std::string& message);
+    void tell_failure(const QString& headline, const failure& reason);
+    void tell_failure(const QString& headline, const QString& text);
     void tell_good(const QString& headline, const QString& text);
     // A choice holds, but not for the next time.
     void tell_not_remembered(const result<void>& kept);
-    // A save has ended: empty when it is done, else why not.
-    void tell_save(const std::string& problem);
+    // A save has ended: why it could not be done, or no failure.
+    void tell_save(const failure& problem);
     // A button was pressed while the event can only be read.
     void refuse_press(const QString& button);
     // An edit was refused.
@@ -56,7 +57,7 @@ class event_notices : public QObject {
     void follow_event();
     void tell_access();
     void tell_alerts();
-    void tell_trouble(const std::string& reason);
+    void tell_trouble(const failure& reason);
     void tell_made_again(const std::string& button);
     void tell_anew(const user_message& message);
     QString name() const;

@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "shell/event/command_failures.h"
 #include "shell/event/event_session.h"
+#include "shell/kit/failure_words.h"
 #include "video/vault_lock.h"
 
 namespace vistels {
@@ -38,12 +40,12 @@ void padding_commands::run(padding_command which) {
     const std::string folder = session_.folder();
     const auto planned = std::make_shared<planned_padding>();
     job_order order;
-    order.title = tr(padding_command_title(which)).toStdString();
+    order.title = words_of_term(padding_command_title(which)).toStdString();
     order.words = tr("Blank movies are written where they are needed.").toStdString();
     order.keys = {vault_lock_key(folder)};
     order.what = what_padding;
     order.begin = [this, which, planned]() -> result<void> {
-        if (!session_.shown_event()) return failure{tr("The event is closed.").toStdString()};
+        if (!session_.shown_event()) return event_is_closed();
         auto made = plan_padding(session_.shown_event()->collection(), which);
         if (!made) return made.error();
         *planned = std::move(made).value();
@@ -68,18 +70,18 @@ void padding_commands::finish(const planned_padding& planned, const std::string&
     const bool is_there = event && session_.folder() == folder;
     if (cancelled || !outcome) {
         if (is_there) remove_unused_padding_files(event->collection());
-        if (!cancelled) tell_failure(outcome.message());
+        if (!cancelled) tell_failure(outcome.error());
         return;
     }
     if (!is_there) return;
     if (const auto done = event->changes().make(planned.change); !done) {
         remove_unused_padding_files(event->collection());
-        tell_failure(done.message());
+        tell_failure(done.error());
     }
 }
 
-void padding_commands::tell_failure(const std::string& message) {
-    session_.notices().tell_failure(tr("The offsets were not changed"), message);
+void padding_commands::tell_failure(const failure& reason) {
+    session_.notices().tell_failure(tr("The offsets were not changed"), reason);
 }
 
 }  // namespace vistels

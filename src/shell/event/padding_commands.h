@@ -32,7 +32,7 @@ class padding_commands : public QObject {
   private:
     void finish(const planned_padding& planned, const std::string& folder, const result<void>& outcome,
                 bool cancelled);
-    void tell_failure(const std::string& message);
+    void tell_failure(const failure& reason);
 
     event_session& session_;
     job_group& jobs_;

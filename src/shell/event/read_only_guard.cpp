@@ -10,6 +10,7 @@
 
 #include "shell/event/writer_watch.h"
 #include "shell/kit/controls.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
 
@@ -82,7 +83,7 @@ read_only_mark::read_only_mark(QWidget* parent)
 void read_only_mark::show_access(const writer_watch& access) {
     setVisible(access.is_read_only());
     if (!access.is_read_only()) return;
-    access.is_free() ? show_free() : show_reason(QString::fromStdString(access.reason()));
+    access.is_free() ? show_free() : show_reason(words_of(access.reason()));
 }
 
 void read_only_mark::show_reason(const QString& reason) {

@@ -49,7 +49,7 @@ void timeline_binder::connect_view() {
     connect(&view_, &timeline_view::clear_filter_asked, text_.get(), &filter_entry::clear);
     connect(text_.get(), &filter_entry::failed, this,
             [&notices](const QString& headline, const QString& message) {
-                notices.tell_failure(headline, message.toStdString());
+                notices.tell_failure(headline, message);
             });
     // Several timelines may show one event, which plays one list of clips at a time.
     connect(filter_.get(), &filter_control::changed, this, [this] {

@@ -5,7 +5,9 @@
 
 #include "app/event/open_event.h"
 #include "app/event/padding_changes.h"
+#include "shell/event/command_failures.h"
 #include "shell/event/event_session.h"
+#include "shell/kit/failure_words.h"
 #include "video/vault_lock.h"
 
 namespace vistels {
@@ -34,7 +36,7 @@ void undo_commands::take(direction which) {
 void undo_commands::take_with(direction which, std::vector<padding_file> needed) {
     open_event& event = *session_.shown_event();
     const undo_step& step = which == direction::back ? *event.undo().next_undo() : *event.undo().next_redo();
-    const QString name = QString::fromStdString(step.name);
+    const QString name = words_of_term(step.name);
     const std::string folder = session_.folder();
     event.collection_file().expect_parts();
     job_order order;
@@ -66,8 +68,7 @@ void undo_commands::finish(direction which, const std::shared_ptr<const std::vec
     undo_stack& stack = session_.shown_event()->undo();
     const undo_step* now = which == direction::back ? stack.next_undo() : stack.next_redo();
     if (!now || now->parts != step) {
-        return session_.notices().tell(failure{
-            tr("The event was changed while movies were written for this. Do it once more.").toStdString()});
+        return session_.notices().tell(event_changed_meanwhile());
     }
     session_.notices().tell(which == direction::back ? stack.undo() : stack.redo());
 }

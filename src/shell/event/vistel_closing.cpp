@@ -8,8 +8,10 @@
 #include "app/event/open_event.h"
 #include "app/settings/user_name.h"
 #include "app/vaults/trash.h"
+#include "shell/event/command_failures.h"
 #include "shell/event/event_session.h"
 #include "shell/event/vistel_files.h"
+#include "shell/kit/failure_words.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 #include "video/vault_lock.h"
@@ -36,14 +38,13 @@ void vistel_files::close_for_good(const std::string& vistel) {
     const auto record = find(vistel);
     if (!record) return;
     const QString name = QString::fromStdString(record->name());
-    if (const auto refusal = close_vistel_refusal(event()->collection(), *record); !refusal.empty())
+    if (const auto refusal = close_vistel_refusal(event()->collection(), *record))
         return tell_failure(tr("“%1” is not closed").arg(name), refusal);
     const auto warning = close_vistel_warning(*record, load_user_name(places_));
     const QString usual =
         tr("If you click 'Close Vistel' this will close the vistel and move the movie data to the trash.  "
            "The movie data will then not be available for others.");
-    const QString words =
-        warning ? QString::fromStdString(*warning).replace(QLatin1Char('\r'), QLatin1Char('\n')) : usual;
+    const QString words = warning ? words_of(warning).replace(QLatin1Char('\r'), QLatin1Char('\n')) : usual;
     auto* question = new QMessageBox(QMessageBox::Warning, tr("Close “%1”").arg(name), words,
                                      QMessageBox::NoButton, &window_);
     question->setObjectName(QStringLiteral("close_vistel"));
@@ -66,13 +67,13 @@ void vistel_files::close_now(const std::string& vistel) {
     if (is_busy(record->data_folder(), failed)) return;
     bool is_told = false;
     const auto take_out = [&](const collection_change& change) -> result<void> {
-        is_told = !make_and_place(change, vistel, tr("Remove Vistel"));
-        return is_told ? failure{"it was told"} : result<void>();
+        is_told = !make_and_place(change, vistel);
+        return is_told ? failure_was_told() : result<void>();
     };
     const auto taken = take_out_vistel(event()->collection(),
                                        {vistel, load_user_name(places_), true, places_.trash}, take_out);
     if (is_told) return;
-    if (!taken) return tell_failure(failed, taken.message());
+    if (!taken) return tell_failure(failed, taken.error());
     if (!taken.value().empty()) move_data_away(vistel, name, taken.value());
 }
 
@@ -87,11 +88,11 @@ void vistel_files::move_data_away(const std::string& vistel, const QString& name
                   sync = event()->timeline().edit_sync()](job&) -> result<void> {
         // Lost power must not leave a vistel in the collection whose data is gone.
         const auto synced = sync();
-        *closed = synced ? trash_vistel_data(folder, trash) : closed_vistel{std::nullopt, synced.message()};
+        *closed = synced ? trash_vistel_data(folder, trash) : closed_vistel{std::nullopt, synced.error()};
         return {};
     };
     order.then = [this, closed, vistel, name](const result<void>&, bool) {
-        if (!closed->problem.empty()) {
+        if (closed->problem) {
             tell_failure(tr("The vistel is closed; its movie data stayed in its place"), closed->problem);
         } else if (closed->data && !find(vistel)) {
             tell_good(tr("“%1” is closed").arg(name),
@@ -125,8 +126,7 @@ void vistel_files::bring_back(const std::string& vistel, const std::string& fold
         return lock ? restore_from_trash(*data, folder) : result<void>(lock.error());
     };
     order.then = [this, vistel](const result<void>& outcome, bool cancelled) {
-        if (!outcome && !cancelled)
-            tell_failure(tr("The movie data is still in the trash"), outcome.message());
+        if (!outcome && !cancelled) tell_failure(tr("The movie data is still in the trash"), outcome.error());
         if (find(vistel)) play_again(vistel);
         return true;
     };

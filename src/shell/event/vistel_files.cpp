@@ -6,6 +6,7 @@
 #include <QStandardPaths>
 #include <utility>
 
+#include "app/event/change_names.h"
 #include "app/event/open_event.h"
 #include "app/event/part_changes.h"
 #include "app/event/vistel_changes.h"
@@ -14,6 +15,7 @@
 #include "shell/event/adding_panel.h"
 #include "shell/event/binder_list.h"
 #include "shell/event/collection_binder.h"
+#include "shell/event/command_failures.h"
 #include "shell/event/event_session.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
@@ -101,7 +103,7 @@ new_vistels vistel_files::made_with() const {
 bool vistel_files::make(const collection_change& change) {
     if (!event()) return false;
     const auto done = event()->changes().make(change);
-    if (!done) tell_failure(tr("This could not be changed"), done.message());
+    if (!done) tell_failure(tr("This could not be changed"), done.error());
     return done.ok();
 }
 
@@ -221,35 +223,29 @@ void vistel_files::add_vistels(const std::vector<std::string>& items, movies_as 
         return {};
     };
     order.put_in = [this, made] {
-        return put_in(*made, made->size() == 1 ? tr("Add Vistel") : tr("Add Vistels"));
+        return make_and_place(plan_new_vistels(*made, &event()->timeline()), event()->collection().uuid());
     };
     order.take_away = [made] { discard(*made); };
     run(std::move(order));
 }
 
-bool vistel_files::put_in(const vistel_list& made, const QString& name) {
-    return make_and_place(plan_new_vistels(made, &event()->timeline()), event()->collection().uuid(), name);
-}
-
 void vistel_files::remove(const std::string& vistel) {
-    change_vistels(plan_removal(vistel), vistel, tr("Remove Vistel"));
+    change_vistels(plan_removal(vistel), vistel);
 }
 
 void vistel_files::move(const std::string& vistel, std::size_t place) {
-    change_vistels(plan_place(vistel, place), vistel, tr("Move collection vistel"));
+    change_vistels(plan_place(vistel, place), vistel);
 }
 
-void vistel_files::change_vistels(const collection_change& change, const std::string& vistel,
-                                  const QString& name) {
+void vistel_files::change_vistels(const collection_change& change, const std::string& vistel) {
     const QString failed = tr("This could not be changed");
     if (is_busy(session_.folder(), failed)) return;
     const auto lock = vault_lock::take_around(session_.folder());
-    if (!lock) return tell_failure(failed, lock.message());
-    make_and_place(change, vistel, name);
+    if (!lock) return tell_failure(failed, lock.error());
+    make_and_place(change, vistel);
 }
 
-bool vistel_files::make_and_place(collection_change change, const std::string& vistel, const QString& name) {
-    change.name = name.toStdString();
+bool vistel_files::make_and_place(collection_change change, const std::string& vistel) {
     change.scope = vistel;
     auto* shown = session_.binders().current<collection_binder>();
     const double aspect = shown ? shown->view().view().picture_aspect() : 0;
@@ -279,7 +275,11 @@ void vistel_files::duplicate(const std::string& vistel) {
         made->push_back(std::move(clone).value());
         return {};
     };
-    order.put_in = [this, made] { return put_in(*made, tr("Duplicate Vistel")); };
+    order.put_in = [this, made] {
+        auto change = plan_new_vistels(*made, &event()->timeline());
+        change.name = change_name::duplicate_vistel;
+        return make_and_place(std::move(change), event()->collection().uuid());
+    };
     order.take_away = [made] { discard(*made); };
     run(std::move(order));
 }
@@ -331,7 +331,7 @@ void vistel_files::copy_movie(const std::string& vistel, const std::string& fold
     };
     order.then = [this, copies](const result<void>& outcome, bool cancelled) {
         if (!outcome) {
-            if (!cancelled) tell_failure(tr("The movie could not be copied"), outcome.message());
+            if (!cancelled) tell_failure(tr("The movie could not be copied"), outcome.error());
             return true;
         }
         QStringList names;
@@ -384,14 +384,13 @@ bool vistel_files::is_busy(const std::string& folder, const QString& headline) {
     if (!holder) return false;
     tell_failure(headline,
                  tr("“%1” is under way in the same vault. Try again when it has ended, or cancel it.")
-                     .arg(QString::fromStdString(holder->title))
-                     .toStdString());
+                     .arg(QString::fromStdString(holder->title)));
     return true;
 }
 
 void vistel_files::run(bringing order) {
     if (jobs_.of_event.has(order.what)) {
-        return tell_failure(order.failed, tr("“%1” is under way already.").arg(order.title).toStdString());
+        return tell_failure(order.failed, tr("“%1” is under way already.").arg(order.title));
     }
     job_order work;
     work.title = order.title.toStdString();
@@ -404,12 +403,12 @@ void vistel_files::run(bringing order) {
                  put_in = std::move(order.put_in),
                  folder = session_.folder()](const result<void>& outcome, bool cancelled) {
         if (!outcome) {
-            if (!cancelled) tell_failure(failed, outcome.message());
+            if (!cancelled) tell_failure(failed, outcome.error());
             return false;
         }
         if (cancelled || session_.folder() != folder) return false;
         if (vistel.empty() || find(vistel)) return put_in();
-        tell_failure(failed, tr("Its vistel was taken out of the collection meanwhile.").toStdString());
+        tell_failure(failed, vistel_left_meanwhile());
         return false;
     };
     jobs_.of_event.start(std::move(work));
@@ -419,8 +418,12 @@ void vistel_files::tell_good(const QString& headline, const QString& text) {
     session_.notices().tell_good(headline, text);
 }
 
-void vistel_files::tell_failure(const QString& headline, const std::string& message) {
-    session_.notices().tell_failure(headline, message);
+void vistel_files::tell_failure(const QString& headline, const failure& reason) {
+    session_.notices().tell_failure(headline, reason);
+}
+
+void vistel_files::tell_failure(const QString& headline, const QString& text) {
+    session_.notices().tell_failure(headline, text);
 }
 
 }  // namespace vistels

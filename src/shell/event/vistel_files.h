@@ -62,15 +62,14 @@ class vistel_files : public QObject {
 
   private:
     // The vistels stay in their ready layout.
-    bool make_and_place(collection_change change, const std::string& vistel, const QString& name);
+    bool make_and_place(collection_change change, const std::string& vistel);
     void close_now(const std::string& vistel);
     // Undo may bring back a vistel whose data is in the trash.
     void bring_back_closed();
     void play_again(const std::string& vistel);
     void append(const std::vector<std::string>& items, const std::string& vistel);
     void add_vistels(const std::vector<std::string>& items, movies_as how);
-    bool put_in(const vistel_list& made, const QString& name);
-    void change_vistels(const collection_change& change, const std::string& vistel, const QString& name);
+    void change_vistels(const collection_change& change, const std::string& vistel);
     new_vistels made_with() const;
     std::shared_ptr<single_Vistel_CTR> find(const std::string& vistel) const;
     std::set<std::string> vistels_now() const;
@@ -93,7 +92,8 @@ class vistel_files : public QObject {
     std::shared_ptr<const single_Vistel_CTR> copy_of(const std::string& vistel) const;
     void move_data_away(const std::string& vistel, const QString& name, const std::string& folder);
     void bring_back(const std::string& vistel, const std::string& folder);
-    void tell_failure(const QString& headline, const std::string& message);
+    void tell_failure(const QString& headline, const failure& reason);
+    void tell_failure(const QString& headline, const QString& text);
     void tell_good(const QString& headline, const QString& text);
 
     QWidget& window_;

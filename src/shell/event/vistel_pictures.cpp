@@ -98,8 +98,8 @@ void vistel_pictures::show_vistels() {
     for (auto& one : vistels) {
         const auto [known, came] = shown_.try_emplace(one.uuid);
         if (came) known->second.is_new = !is_first;
-        one.problem = QString::fromStdString(event_->problem(one.uuid));
-        one.is_waiting = known->second.is_new && one.problem.isEmpty();
+        one.problem = event_->problem(one.uuid);
+        one.is_waiting = known->second.is_new && !one.problem;
     }
     pane_.view().set_vistels(std::move(vistels), collection.outside_bounds_ratio().value_or(0),
                              collection.area_scrolls());
@@ -184,9 +184,8 @@ void vistel_pictures::show_pictures() {
 void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
     const synchronised_playback& playback = event_->playback();
     collection_view& view = pane_.view();
-    const std::string problem = event_->problem(vistel);
-    if (!problem.empty()) {
-        view.set_problem(vistel, QString::fromStdString(problem));
+    if (const failure problem = event_->problem(vistel)) {
+        view.set_problem(vistel, problem);
         return;
     }
     if (!one.in_sight && one.aspect > 0) return;

@@ -26,8 +26,8 @@ bool writer_watch::is_read_only() const {
     return event_ && event_->timeline().is_read_only();
 }
 
-std::string writer_watch::reason() const {
-    return is_read_only() ? event_->timeline().read_only_reason() : std::string();
+failure writer_watch::reason() const {
+    return is_read_only() ? event_->timeline().read_only_reason() : failure();
 }
 
 bool writer_watch::is_held_elsewhere() const {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "util/failure.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
 
@@ -25,7 +26,7 @@ class writer_watch {
 
     bool is_read_only() const;
     // Why, fit for the user; empty while the event can be changed.
-    std::string reason() const;
+    failure reason() const;
     // By a program that is at work on it, or was when it was looked for last.
     bool is_held_elsewhere() const;
     // The other program has closed the event: another try would do.

@@ -6,6 +6,7 @@
 
 #include "app/settings/formula_colours.h"
 #include "formula/parser_ROOT.h"
+#include "shell/kit/failure_words.h"
 
 namespace vistels {
 
@@ -88,7 +89,7 @@ filter_display display_filter(const QString& text) {
     });
     const std::string typed = text.toStdString();
     if (!text.trimmed().isEmpty()) {
-        made.problems = QString::fromStdString(parser_ROOT::for_filter(typed).parser_Errors_String());
+        made.problems = words_of(parser_ROOT::for_filter(typed).parser_Errors());
     }
     if (is_plain) return made;
     const parser_ROOT parsed = parser_ROOT::for_display(typed);

@@ -6,6 +6,7 @@
 #include "app/settings/formula_colours.h"
 #include "app/settings/search_patterns.h"
 #include "shell/filter/filter_display.h"
+#include "shell/kit/failure_words.h"
 
 namespace vistels {
 
@@ -74,8 +75,7 @@ bool filter_entry::apply(const QString& text) {
     if (has_source() && !text.trimmed().isEmpty()) {
         const auto kept = remember_search_pattern(places_, text.toStdString());
         if (!kept)
-            Q_EMIT failed(tr("The filter is applied, but not kept in the list"),
-                          QString::fromStdString(kept.message()));
+            Q_EMIT failed(tr("The filter is applied, but not kept in the list"), words_of(kept.error()));
         Q_EMIT patterns_changed();
     }
     return true;
@@ -90,8 +90,7 @@ void filter_entry::remove_pattern(const QString& pattern) {
 }
 
 void filter_entry::tell_list(const result<void>& done) {
-    if (!done)
-        Q_EMIT failed(tr("The list of filters was not changed"), QString::fromStdString(done.message()));
+    if (!done) Q_EMIT failed(tr("The list of filters was not changed"), words_of(done.error()));
     Q_EMIT patterns_changed();
 }
 

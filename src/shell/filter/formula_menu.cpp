@@ -17,6 +17,7 @@
 #include "shell/filter/filter_field.h"
 #include "shell/filter/filter_metrics.h"
 #include "shell/filter/pattern_menu.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
 
 namespace vistels {
@@ -167,8 +168,7 @@ void formula_menu::add_default_operators() {
         action->setChecked(line.symbol == chosen);
         connect(action, &QAction::triggered, entry, [entry, symbol = line.symbol] {
             const auto done = save_default_formula_operator(entry->places(), symbol);
-            if (!done)
-                Q_EMIT entry->failed(tr("The choice was not kept"), QString::fromStdString(done.message()));
+            if (!done) Q_EMIT entry->failed(tr("The choice was not kept"), words_of(done.error()));
         });
     }
 }
@@ -210,7 +210,7 @@ void insert_term(filter_field& field, const formula_term& term, const std::strin
     auto made = with_term(now.toStdString(), editor.caret(), term, symbol);
     if (!made) {
         return Q_EMIT entry.failed(QObject::tr("This could not be put into the filter"),
-                                   QString::fromStdString(made.message()));
+                                   words_of(made.error()));
     }
     QString text = QString::fromStdString(made.value().text);
     int caret = utf16_place(text, made.value().caret);

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "shell/program/option_failures.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -69,13 +70,13 @@ result<application_options> read_options(const std::vector<std::string>& argumen
             options.show_version = true;
         } else if (takes_value(name)) {
             const bool joined = equals != std::string::npos;
-            if (!joined && i + 1 == arguments.size()) return failure{name + " needs a value."};
+            if (!joined && i + 1 == arguments.size()) return option_needs_a_value(name);
             const std::string value = joined ? argument.substr(equals + 1) : arguments[++i];
             if (!set_option(name, value, options)) {
-                return failure{"“" + value + "” is no value for " + name + "."};
+                return option_has_another_value(value, name);
             }
         } else {
-            return failure{"There is no option “" + argument + "”."};
+            return option_is_unknown(argument);
         }
     }
     return options;

@@ -3,6 +3,9 @@
 
 #include <utility>
 
+#include "app/start/start_failures.h"
+#include "shell/kit/failure_words.h"
+
 namespace vistels {
 
 build_watch::build_watch(home_places places, double running_build, running_executable executable,
@@ -19,11 +22,11 @@ build_watch::build_watch(home_places places, double running_build, running_execu
 void build_watch::look() {
     queue_.post([this] {
         if (!executable_.is_replaced()) return;
-        const auto checked = check_for_newer_build(places_, running_build_, executable_);
-        if (!checked || checked.value().empty()) return;
-        loop_.post(guard_.guarded([this, text = checked.value()] {
-            if (std::exchange(last_told_, text) == text) return;
-            const QString words = QString::fromStdString(text).simplified();
+        const failure found = check_for_newer_build(places_, running_build_, executable_);
+        if (!found.is(newer_build_is_installed)) return;
+        loop_.post(guard_.guarded([this, found] {
+            if (std::exchange(last_told_, found) == found) return;
+            const QString words = words_of(found).simplified();
             Q_EMIT told({user_message::tone::good,
                          tr("A newer build is installed"),
                          words,

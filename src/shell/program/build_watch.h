@@ -34,7 +34,7 @@ class build_watch : public QObject {
     run_loop& loop_;
     QTimer timer_;
     posted_work_guard guard_;
-    std::string last_told_;
+    failure last_told_;
     serial_queue queue_{"build"};
 };
 

@@ -7,6 +7,7 @@
 
 #include "app/event/open_event.h"
 #include "logger/press_engine.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/job_words.h"
 
 namespace vistels {
@@ -21,7 +22,7 @@ bool agree_to_leave(QWidget& window, open_event& event) {
     QMessageBox question(QMessageBox::Warning,
                          waiting > 0 ? QObject::tr("The last presses are not on record")
                                      : QObject::tr("The event could not be saved"),
-                         QString::fromStdString(done.message()), QMessageBox::NoButton, &window);
+                         words_of(done.error()), QMessageBox::NoButton, &window);
     question.setInformativeText(
         waiting == 0 ? QObject::tr("What was coded is on record and comes back at the next start.")
         : waiting == 1

@@ -7,6 +7,7 @@
 
 #include "shell/event/collection_binder.h"
 #include "shell/event/event_session.h"
+#include "shell/kit/failure_words.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/transport_bar.h"
 #include "shell/window/window_actions.h"
@@ -19,7 +20,7 @@ constexpr double second = 1;
 
 // "Undo" with the name of the step.
 QString words_with(const QString& verb, const std::string& name) {
-    return name.empty() ? verb : verb + QLatin1Char(' ') + QString::fromStdString(name);
+    return name.empty() ? verb : verb + QLatin1Char(' ') + words_of_term(name);
 }
 
 }  // namespace

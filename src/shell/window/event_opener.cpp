@@ -10,6 +10,7 @@
 #include "logger/press_engine.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/job_words.h"
 #include "shell/kit/work_panel.h"
 #include "shell/panes/side_bar/vault_panels.h"
@@ -79,8 +80,7 @@ void event_opener::open_folder(const std::string& folder) {
         return;
     }
     if (const auto done = session_.open(folder, places_); !done) {
-        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
-                     done.message());
+        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))), done.error());
     }
     Q_EMIT settled();
 }
@@ -113,7 +113,7 @@ void event_opener::take_back_question() {
 
 void event_opener::remember_vault(const std::string& vault) {
     if (const auto added = add_known_vault(places_, vault); !added) {
-        tell_failure(tr("The vault is not remembered"), added.message());
+        tell_failure(tr("The vault is not remembered"), added.error());
     }
     Q_EMIT content_changed();
 }
@@ -178,7 +178,7 @@ void event_opener::finish_demo(const std::string& folder, const result<void>& ma
     if (made) {
         tell_ready(tr("The demo event is ready"), folder, {});
     } else if (!cancelled) {
-        tell_failure(tr("The demo event could not be made"), made.message());
+        tell_failure(tr("The demo event could not be made"), made.error());
     }
     Q_EMIT settled();
 }
@@ -221,7 +221,7 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
             finish_collection(folder, asked_in == event_state() && !is_at_work());
             return true;
         }
-        if (!cancelled) tell_failure(tr("The collection could not be made"), made.message());
+        if (!cancelled) tell_failure(tr("The collection could not be made"), made.error());
         Q_EMIT settled();
         return true;
     };
@@ -249,8 +249,8 @@ bool event_opener::is_at_work() const {
     return event && (event->playback().is_playing() || !event->logger().down_buttons().empty());
 }
 
-void event_opener::tell_failure(const QString& headline, const std::string& message) {
-    Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(message), {}, {}});
+void event_opener::tell_failure(const QString& headline, const failure& reason) {
+    Q_EMIT told({user_message::tone::error, headline, words_of(reason), {}, {}});
 }
 
 void event_opener::ask_new_collection() {
@@ -278,7 +278,7 @@ void event_opener::make_empty(const std::string& name, const std::string& vault)
     const std::string folder = new_collection_folder(vault, name);
     job work;
     const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, load_user_name(places_));
-    if (!made) return tell_failure(tr("The collection could not be made"), made.message());
+    if (!made) return tell_failure(tr("The collection could not be made"), made.error());
     Q_EMIT content_changed();
     open_folder(folder);
 }

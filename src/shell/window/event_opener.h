@@ -84,7 +84,7 @@ class event_opener : public QObject {
     // From now on the side bar lists the vault.
     void remember_vault(const std::string& vault);
     void open_vault(const std::string& vault);
-    void tell_failure(const QString& headline, const std::string& message);
+    void tell_failure(const QString& headline, const failure& reason);
     void tell_ready(const QString& headline, const std::string& folder,
                     std::vector<user_message::choice> choices);
 

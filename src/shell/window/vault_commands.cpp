@@ -10,9 +10,11 @@
 #include "app/vaults/known_vaults.h"
 #include "app/vaults/vaults.h"
 #include "shell/event/event_messages.h"
+#include "shell/kit/failure_words.h"
 #include "shell/panes/side_bar/content_side_bar.h"
 #include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
+#include "video/vault_lock.h"
 
 namespace vistels {
 
@@ -41,19 +43,17 @@ void vault_commands::create() {
         using answer = create_vault_panel::answer;
         using outcome = create_vault_panel::outcome;
         const auto path = new_vault_path(wanted.parent_folder, wanted.name);
-        if (!path) return answer{outcome::failed, path.message()};
-        if (!replace && file_exists(path.value())) return answer{outcome::exists, vault_name(path.value())};
+        if (!path) return answer{outcome::failed, path.error(), {}};
+        if (!replace && file_exists(path.value()))
+            return answer{outcome::exists, {}, vault_name(path.value())};
         if (replace && holds_open_event(path.value())) {
-            const QString name = QString::fromStdString(vault_name(path.value()));
-            return answer{outcome::failed,
-                          tr("Vault '%1' is currently being modified.").arg(name).toStdString()};
+            return answer{outcome::failed, modified_now(path.value()), {}};
         }
         (void)save_set_focus_to_new_vault(places_, {wanted.set_focus});
         const auto made = create_new_vault(places_, {wanted.parent_folder, wanted.name, replace});
-        if (!made) return answer{outcome::failed, made.message()};
-        const std::string& problem = made.value().problem;
-        if (!problem.empty()) tell(failure{problem}, tr("The vault is made, but not all is set"));
-        return answer{outcome::made, {}};
+        if (!made) return answer{outcome::failed, made.error(), {}};
+        tell(made.value().problem, tr("The vault is made, but not all is set"));
+        return answer{outcome::made, {}, {}};
     };
     create_vault_panel panel(first, make, &window_);
     if (panel.exec() == QDialog::Accepted) Q_EMIT changed();
@@ -97,8 +97,8 @@ void vault_commands::choose_focus() {
 void vault_commands::focus_current() {
     const content_vault* vault = side_bar_.current_vault();
     if (!vault) return;
-    if (!vault->problem.empty()) {
-        tell(failure{vault->problem},
+    if (vault->problem) {
+        tell(vault->problem,
              tr("“%1” can't be the focus vault now").arg(QString::fromStdString(vault->name)));
         return;
     }
@@ -157,7 +157,7 @@ void vault_commands::set_shows_unavailable(bool shows) {
 
 bool vault_commands::tell(const result<void>& done, const QString& headline) {
     if (!done) {
-        Q_EMIT told({user_message::tone::error, headline, QString::fromStdString(done.message()), {}, {}});
+        Q_EMIT told({user_message::tone::error, headline, words_of(done.error()), {}, {}});
     }
     return done.ok();
 }

@@ -13,6 +13,7 @@
 #include "app/vaults/known_vaults.h"
 #include "shell/event/event_messages.h"
 #include "shell/event/event_session.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/filter_commands.h"
@@ -52,13 +53,9 @@ window_set::window_set(home_places places, run_loop& loop, options how)
       first_size_(how.size),
       content_(places_, loop_, seen_before(std::move(how.known_trees))),
       jobs_(loop) {
-    told_ = content_.told().connect([this](const std::string& message) {
+    told_ = content_.told().connect([this](const failure& message) {
         if (!front()) return;
-        front()->tell({user_message::tone::warning,
-                       tr("A vault needs a look"),
-                       QString::fromStdString(message),
-                       {},
-                       {}});
+        front()->tell({user_message::tone::warning, tr("A vault needs a look"), words_of(message), {}, {}});
     });
     places_timer_.setSingleShot(true);
     places_timer_.setInterval(still_milliseconds);
@@ -118,7 +115,7 @@ void window_set::plan_asked(const first& wanted, std::vector<member>& planned) {
     open_requests asked = what_to_open(wanted.paths);
     for (const auto& why : asked.refused) {
         first_messages_.push_back(
-            {user_message::tone::error, tr("This can't be opened"), QString::fromStdString(why), {}, {}});
+            {user_message::tone::error, tr("This can't be opened"), words_of(why), {}, {}});
     }
     for (auto& what : asked.found) {
         auto& one = planned.emplace_back();

@@ -4,6 +4,8 @@
 #include <map>
 
 #include "timeline/edits/clip_operations.h"
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "util/uuid.h"
 
 namespace vistels {
@@ -122,12 +124,12 @@ timeline_snapshot duplicate_copy_sxy_data(const timeline_snapshot& timeline) {
 result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,
                                            const std::vector<std::string>& clips, double later_by,
                                            const edit_stamp& stamp) {
-    if (!std::isfinite(later_by)) return failure{"A clip cannot be copied to a time that is none."};
-    timeline_edit edit{clips.size() == 1 ? "Duplicate Clip" : "Duplicate Clips", "", {}};
+    if (!std::isfinite(later_by)) return clip_copied_to_no_time();
+    timeline_edit edit{clips.size() == 1 ? edit_name::duplicate_clip : edit_name::duplicate_clips, "", {}};
     for (const auto& uuid : clips) {
         const auto place = timeline.find_clip(uuid);
-        if (!place) return failure{"A clip that was to be copied is no longer there."};
-        if (place->is_live) return failure{"A clip that is still being marked cannot be copied yet."};
+        if (!place) return clip_to_copy_is_gone();
+        if (place->is_live) return growing_clip_cannot_be_copied();
         property_dictionary set;
         set.add("time_start", place->clip->secs_start() + later_by);
         set.add("time_end", place->clip->secs_end() + later_by);
@@ -141,10 +143,10 @@ result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,
 
 result<timeline_edit> plan_duplicate_row(const sxy_DATA_root& timeline, const shared_text& row) {
     const auto index = timeline.row_index(row);
-    if (!index) return failure{"The row that was to be copied is no longer there."};
+    if (!index) return row_to_copy_is_gone();
     sxy_ROW copy = duplicate_copy_sxy_data(*timeline.rows()[*index]);
     copy.set_name(copy.name() + " copy");
-    timeline_edit edit{"Duplicate Row", copy.uuid().str(), {}};
+    timeline_edit edit{edit_name::duplicate_row, copy.uuid().str(), {}};
     std::vector<clip_pointer> clips(copy.clips().begin(), copy.clips().end());
     copy.clips().assign({});
     const shared_text uuid = copy.uuid();

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "timeline/edits/edit_names.h"
+
 namespace vistels {
 
 namespace {
@@ -33,7 +35,7 @@ timeline_edit plan_value(const sxy_DATA_root& timeline, const std::vector<std::s
 
 timeline_edit plan_clip_times(const sxy_DATA_root& timeline, const std::string& clip, double start,
                               double end) {
-    timeline_edit edit{"Clip Times", clip, {}};
+    timeline_edit edit{edit_name::clip_times, clip, {}};
     const auto place = timeline.find_clip(clip);
     if (start > end) std::swap(start, end);
     if (!place || (place->clip->secs_start() == start && place->clip->secs_end() == end)) return edit;
@@ -46,7 +48,7 @@ timeline_edit plan_clip_times(const sxy_DATA_root& timeline, const std::string& 
 
 timeline_edit plan_clip_stars(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
                               int stars) {
-    return plan_value(timeline, clips, "Stars", "stars", property_value(stars),
+    return plan_value(timeline, clips, edit_name::stars, "stars", property_value(stars),
                       [stars](const sxy_CLIP& clip) { return clip.stars() != stars; });
 }
 
@@ -54,13 +56,13 @@ timeline_edit plan_clip_colour(const sxy_DATA_root& timeline, const std::vector<
                                const std::optional<colour>& chosen) {
     std::optional<property_value> value;
     if (chosen) value = property_value(colour_text(*chosen, clip_colour_decimals));
-    return plan_value(timeline, clips, "Clip Colour", "color", value,
+    return plan_value(timeline, clips, edit_name::clip_colour, "color", value,
                       [&chosen](const sxy_CLIP& clip) { return clip.col() != chosen; });
 }
 
 timeline_edit plan_remove_qualifier(const sxy_DATA_root& timeline, const std::string& clip,
                                     const std::string& qualifier) {
-    timeline_edit edit{"Remove Qualifier", clip, {}};
+    timeline_edit edit{edit_name::remove_qualifier, clip, {}};
     const auto place = timeline.find_clip(clip);
     if (!place) return edit;
     const auto all = place->clip->qualifiers();

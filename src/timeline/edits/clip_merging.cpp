@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "timeline/edits/clip_operations.h"
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "util/uuid.h"
 
 namespace vistels {
@@ -190,7 +192,7 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
     std::vector<merged_clip> all;
     for (const auto& place : found.value()) all.push_back(with_values(place.clip, false));
     if (ending) all.push_back(with_values(std::make_shared<const sxy_CLIP>(ended(*ending)), true));
-    if (all.size() < 2) return failure{"Select two clips or more to merge them."};
+    if (all.size() < 2) return too_few_clips_to_merge();
     std::sort(all.begin(), all.end(), comes_before);
     const sxy_CLIP& kept = *all.front().clip;
     clip_span span{kept.secs_start(), kept.secs_end()};
@@ -199,7 +201,7 @@ result<timeline_edit> plan_clips_Merge(const sxy_DATA_root& timeline, const std:
         span.end = std::max(span.end, one.clip->secs_end());
         if (&one != &all.front() && !one.ends_now) merged.push_back(one.clip->id());
     }
-    timeline_edit edit{"Merge Clips", kept.id(), {}};
+    timeline_edit edit{edit_name::merge_clips, kept.id(), {}};
     if (ending) edit.operations.emplace_back(plan_end(timeline, *ending));
     operation::change_clip change{kept.id(), {}, {}};
     change.set.set("time_end", span.end);

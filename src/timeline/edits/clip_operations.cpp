@@ -5,6 +5,8 @@
 #include <cmath>
 #include <set>
 
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "timeline/edits/tombstones.h"
 #include "util/uuid.h"
 
@@ -44,8 +46,8 @@ result<std::vector<clip_place>> find_whole_clips(const sxy_DATA_root& timeline,
     for (const auto& uuid : clips) {
         if (!seen.insert(uuid).second) continue;
         auto place = timeline.find_clip(uuid);
-        if (!place) return failure{"A clip that was to be changed is no longer there."};
-        if (place->is_live) return failure{"A clip that is still being marked cannot be changed yet."};
+        if (!place) return clip_to_change_is_gone();
+        if (place->is_live) return growing_clip_cannot_change();
         places.push_back(std::move(*place));
     }
     std::sort(places.begin(), places.end(),
@@ -66,18 +68,17 @@ result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& time
     auto found = find_whole_clips(timeline, clips);
     if (!found) return found.error();
     if ((mark_in && !std::isfinite(*mark_in)) || (mark_out && !std::isfinite(*mark_out))) {
-        return failure{"A clip cannot be trimmed to a time that is none."};
+        return clip_trimmed_to_no_time();
     }
-    timeline_edit edit{"Trim Clip", clips.size() == 1 ? clips.front() : std::string(), {}};
-    if (clips.size() > 1) edit.name = "Trim Clips";
+    timeline_edit edit{edit_name::trim_clip, clips.size() == 1 ? clips.front() : std::string(), {}};
+    if (clips.size() > 1) edit.name = edit_name::trim_clips;
     for (const auto& place : found.value()) {
         const double start = mark_in.value_or(place.clip->secs_start());
         const double end = mark_out.value_or(place.clip->secs_end());
         if (start == place.clip->secs_start() && end == place.clip->secs_end()) continue;
         if (start >= end) {
             const bool moves_start = mark_in.has_value();
-            return failure{moves_start ? "A clip cannot start where it has ended already."
-                                       : "A clip cannot end before it has started."};
+            return moves_start ? clip_starts_behind_its_end() : clip_ends_before_its_start();
         }
         operation::change_clip change{place.clip->id(), {}, {}};
         set_times(change, *place.clip, start, end);
@@ -91,17 +92,17 @@ result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
     auto found = find_whole_clips(timeline, clips);
     if (!found) return found.error();
     const auto& places = found.value();
-    if (places.empty() || places.size() > 2) return failure{"Select one clip, or two, to split an overlap."};
+    if (places.empty() || places.size() > 2) return neither_one_clip_nor_two();
     const clip_pointer a = places.front().clip;
     const clip_pointer b =
         places.size() == 2 ? places.back().clip : split_partner(*timeline.row(places.front().row), *a);
-    if (!b) return failure{"No other clip of the row overlaps this one."};
+    if (!b) return no_clip_overlaps();
     const auto split = split_overlapping(span_of(*a), span_of(*b));
-    if (!split.changed) return failure{"These clips do not overlap."};
+    if (!split.changed) return clips_do_not_overlap();
     if (split.a.end <= split.a.start || split.b.end <= split.b.start) {
-        return failure{"These clips cannot be split: one of them is too short."};
+        return clip_too_short_to_split();
     }
-    timeline_edit edit{"Split Overlap", a->id(), {}};
+    timeline_edit edit{edit_name::split_overlap, a->id(), {}};
     for (const auto& [clip, span] : {std::pair(a, split.a), std::pair(b, split.b)}) {
         operation::change_clip change{clip->id(), {}, {}};
         set_times(change, *clip, span.start, span.end);
@@ -113,8 +114,8 @@ result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
 result<timeline_edit> plan_note(const sxy_DATA_root& timeline, const std::string& clip,
                                 const std::string& text) {
     const auto place = timeline.find_clip(clip);
-    if (!place) return failure{"The clip that the note belongs to is no longer there."};
-    timeline_edit edit{"Note", clip, {}};
+    if (!place) return clip_of_note_is_gone();
+    timeline_edit edit{edit_name::note, clip, {}};
     const auto note = place->clip->note();
     if ((note ? note->text() : std::string()) == text) return edit;
     operation::change_clip change{clip, {}, {}};
@@ -134,13 +135,13 @@ result<timeline_edit> plan_note(const sxy_DATA_root& timeline, const std::string
 result<timeline_edit> plan_delete_row(const sxy_DATA_root& timeline, const shared_text& row,
                                       const edit_stamp& stamp) {
     const auto index = timeline.row_index(row);
-    if (!index) return failure{"The row is no longer there."};
+    if (!index) return row_is_gone();
     for (const auto& live : timeline.live_clips()) {
-        if (live.row == row) return failure{"A clip of the row is still being marked."};
+        if (live.row == row) return row_has_a_growing_clip();
     }
     const auto& rows = timeline.rows();
     auto tombstones = rows[*index]->deleted_clips();
-    timeline_edit edit{"Delete Row", row.str(), {}};
+    timeline_edit edit{edit_name::delete_row, row.str(), {}};
     for (const auto& clip : rows[*index]->clips()) {
         edit.operations.emplace_back(operation::remove_clip{clip->id()});
         tombstones.push_back({clip->id(), stamp.author, stamp.edit_seconds});

@@ -6,6 +6,8 @@
 #include <map>
 #include <unordered_set>
 
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "timeline/edits/tombstones.h"
 #include "util/uuid.h"
 
@@ -39,7 +41,7 @@ class timeline_merge {
         }
         merge_deletions();
         add_tombstones();
-        if (grows_) return failure{"A clip that the other copy changes is still being marked."};
+        if (grows_) return merged_clip_still_grows();
         return std::move(edit_);
     }
 
@@ -167,7 +169,8 @@ class timeline_merge {
     shared_text above_;                       // the last row that was merged
     std::map<std::string, std::vector<sxy_Deleted_Clip_Item_k11>> coming_tombstones_;  // by row
     bool grows_ = false;
-    timeline_edit edit_{"Merge Timelines", "", {}, {}, true};  // clips come as the other copy has them
+    timeline_edit edit_{
+        edit_name::merge_timelines, "", {}, {}, true};  // clips come as the other copy has them
 };
 
 }  // namespace
@@ -175,7 +178,7 @@ class timeline_merge {
 result<timeline_edit> plan_merge_timeline(const sxy_DATA_root& mine, const timeline_snapshot& other,
                                           double now) {
     if (!other.uuid.empty() && other.uuid != mine.uuid()) {
-        return failure{"These are two timelines, not two copies of one. Import the other one instead."};
+        return timelines_are_no_copies();
     }
     return timeline_merge(mine, other, now).plan();
 }

@@ -7,6 +7,8 @@
 #include <set>
 #include <utility>
 
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "timeline/edits/tombstones.h"
 #include "util/uuid.h"
 
@@ -181,8 +183,6 @@ bool grows_in(const sxy_DATA_root& timeline, const shared_text& row) {
     return std::any_of(live.begin(), live.end(), [&](const auto& place) { return place.row == row; });
 }
 
-const failure still_marked{"A clip of the row is still being marked."};
-
 // The master's tombstones that no merged row has: of clips deleted since.
 std::vector<sxy_Deleted_Clip_Item_k11> later_tombstones(const sxy_ROW& master,
                                                         const std::vector<sxy_ROW>& rows) {
@@ -203,11 +203,11 @@ result<timeline_edit> plan_compact_rows(const sxy_DATA_root& timeline, const std
     std::set<std::size_t> places;
     for (const auto& uuid : rows) {
         const auto index = timeline.row_index(uuid);
-        if (!index) return failure{"A row that was to be merged is no longer there."};
-        if (grows_in(timeline, uuid)) return still_marked;
+        if (!index) return row_to_merge_is_gone();
+        if (grows_in(timeline, uuid)) return row_has_a_growing_clip();
         places.insert(*index);
     }
-    if (places.size() < 2) return failure{"Choose two rows or more to merge them."};
+    if (places.size() < 2) return too_few_rows_to_merge();
     std::vector<row_pointer> merged;
     std::vector<property_dictionary> kept;
     for (const std::size_t index : places) {
@@ -220,7 +220,7 @@ result<timeline_edit> plan_compact_rows(const sxy_DATA_root& timeline, const std
     master.set_uuid(shared_text(new_uuid()));
     master.set_compactor_sort_number(static_cast<int>(*places.begin() + 1));
     const shared_text uuid = master.uuid();
-    timeline_edit edit{"Merge Rows", uuid.str(), {}, {}, true};
+    timeline_edit edit{edit_name::merge_rows, uuid.str(), {}, {}, true};
     edit.operations.emplace_back(operation::insert_row{*places.begin(), std::move(master)});
     for (const auto& row : merged) {
         for (const auto& clip : row->clips()) {
@@ -233,11 +233,11 @@ result<timeline_edit> plan_compact_rows(const sxy_DATA_root& timeline, const std
 
 result<timeline_edit> plan_expand_row(const sxy_DATA_root& timeline, const shared_text& master) {
     const auto place = timeline.row_index(master);
-    if (!place) return failure{"The row is no longer there."};
-    if (grows_in(timeline, master)) return still_marked;
+    if (!place) return row_is_gone();
+    if (grows_in(timeline, master)) return row_has_a_growing_clip();
     const sxy_ROW& row = *timeline.rows()[*place];
     auto merged = merged_rows_of(write_row_values(row, 0));
-    if (merged.empty()) return failure{"This row was not merged of others."};
+    if (merged.empty()) return row_was_not_merged();
     std::vector<sxy_ROW> rows;
     for (const auto& one : merged) rows.push_back(read_row_values(one.values, 0));
     auto later = later_tombstones(row, rows);
@@ -246,7 +246,7 @@ result<timeline_edit> plan_expand_row(const sxy_DATA_root& timeline, const share
         all.insert(all.end(), later.begin(), later.end());
         rows.front().set_deleted_clips(std::move(all));
     }
-    timeline_edit edit{"Expand Row", master.str(), {}, {}, true};
+    timeline_edit edit{edit_name::expand_row, master.str(), {}, {}, true};
     // Below all at first: a row must be there before clips can move to it. One that has come back by itself,
     // because something was coded on it, takes its clips as it is.
     std::vector<std::size_t> made;

@@ -9,6 +9,8 @@
 #include <type_traits>
 #include <unordered_set>
 
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
 #include "timeline/records/shift_times.h"
 
 namespace vistels {
@@ -405,7 +407,7 @@ result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& e
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
         withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before);
-        return failure{"\"" + edit.name + "\" could not be done: what it changes is no longer there."};
+        return edit_could_not_be_done(edit.name, what_it_changes_is_gone());
     }
     if (!edit.others.empty()) touched.kinds |= change_set::others_changed;
     return timeline_edit{edit.name, edit.scope, applier.take_inverse(), {}, true, reversed(edit.others)};
@@ -450,7 +452,7 @@ timeline_edit plan_delete_clips(const sxy_DATA_root& timeline, const std::vector
         of_row.row = place->row;
         of_row.tombstones.push_back({uuid, author, now});
     }
-    edit.name = edit.operations.size() == 1 ? "Delete Clip" : "Delete Clips";
+    edit.name = edit.operations.size() == 1 ? edit_name::delete_clip : edit_name::delete_clips;
     for (auto& [index, added] : tombstones) edit.operations.emplace_back(std::move(added));
     return edit;
 }

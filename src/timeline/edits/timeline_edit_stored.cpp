@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cmath>
 
+#include "timeline/edits/edit_failures.h"
 #include "timeline/edits/timeline_edit.h"
 #include "timeline/form/text_cache.h"
 #include "util/stored_view.h"
@@ -308,7 +309,7 @@ result<timeline_edit> read_edit(const property_dictionary& stored) {
         if (const auto number = stored.number("coll_id"); number && std::isfinite(*number))
             edit.stamp->coll_id = *number;
     }
-    const failure unreadable{"The recorded change \"" + edit.name + "\" has a part that cannot be read."};
+    const failure unreadable = recorded_change_cannot_be_read(edit.name);
     if (!read_others(array_or_empty(stored, "documents"), edit.others)) return unreadable;
     const auto& operations = array_or_empty(stored, "operations");
     const auto is_operation = [](const property_value& value) {

@@ -5,6 +5,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "timeline/files/timeline_file_failures.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 
@@ -84,7 +86,7 @@ result<notes_by_clip> notes_in(const std::string& bytes, const std::string& path
     if (!document) return document.error();
     const auto* dictionary = document.value().dictionary();
     const auto* notes = dictionary ? dictionary->array("notes") : nullptr;
-    if (!notes) return failure{"\"" + path + "\" cannot be read: it does not hold notes."};
+    if (!notes) return file_cannot_be_read(path, file_holds_no_notes());
     return read_notes(*notes);
 }
 
@@ -127,7 +129,7 @@ result<notes_by_clip> load_notes(const std::string& folder) {
 notes_keeper::notes_keeper(std::string folder, file_system& files)
     : folder_(std::move(folder)), path_(path_join(folder_, timeline_notes_file_name)), files_(files) {}
 
-result<notes_by_clip> notes_keeper::open(bool may_change, std::vector<std::string>& messages) {
+result<notes_by_clip> notes_keeper::open(bool may_change, std::vector<failure>& messages) {
     const auto bytes = read_known(path_, known_, files_);
     if (!bytes) return bytes.error();
     auto notes = bytes.value() ? notes_in(*bytes.value(), path_) : notes_by_clip();
@@ -136,26 +138,26 @@ result<notes_by_clip> notes_keeper::open(bool may_change, std::vector<std::strin
     on_disk_ = notes ? notes.value() : notes_by_clip();
     saved_ = on_disk_;
     if (notes) return on_disk_;
-    messages.push_back(notes.message() + " The timeline is shown without its notes.");
+    messages.push_back(notes_are_not_shown(notes.error()));
     if (may_change) {
-        if (auto kept = keep_damaged(messages); !kept) messages.push_back(kept.message());
+        if (auto kept = keep_damaged(messages); !kept) messages.push_back(kept.error());
     }
     return notes_by_clip();
 }
 
-result<void> notes_keeper::keep_damaged(std::vector<std::string>& messages) {
+result<void> notes_keeper::keep_damaged(std::vector<failure>& messages) {
     const std::string kept = damaged_name(path_);
     if (const int fault = files_.rename(path_, kept)) {
-        return file_failure(path_, "is damaged and could not be kept aside", fault);
+        return file_could_not_be_set_aside(path_, system_failure(fault));
     }
     is_damaged_ = false;
     known_ = {};
-    messages.push_back("The damaged file was kept as \"" + kept + "\".");
+    messages.push_back(damaged_file_was_kept(kept));
     return {};
 }
 
 result<std::string> notes_keeper::save(const separate_notes& coming, bool in_doubt) {
-    std::vector<std::string> told_when_opened;
+    std::vector<failure> told_when_opened;
     if (!is_open_) {
         if (auto opened = open(true, told_when_opened); !opened) return opened.error();
     }

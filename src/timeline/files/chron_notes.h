@@ -51,7 +51,7 @@ class notes_keeper {
     // Reads the notes on disk, anew when it is called again. A damaged file is told in `messages`; with
     // `may_change` it is kept as "chron notes damaged N.plist". A failure is one of the volume's: what stands
     // there is not known then.
-    result<notes_by_clip> open(bool may_change, std::vector<std::string>& messages);
+    result<notes_by_clip> open(bool may_change, std::vector<failure>& messages);
 
     // Writes the notes, unless just these are on disk already; what was never opened is looked at first. A
     // damaged file that could not be kept aside is not overwritten: that is a failure. What another program
@@ -61,7 +61,7 @@ class notes_keeper {
     void timeline_is_saved() { saved_ = coming_; }
 
   private:
-    result<void> keep_damaged(std::vector<std::string>& messages);
+    result<void> keep_damaged(std::vector<failure>& messages);
 
     const std::string folder_;
     const std::string path_;

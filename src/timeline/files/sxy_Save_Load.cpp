@@ -5,8 +5,10 @@
 #include <mutex>
 
 #include "timeline/files/chron_notes.h"
+#include "timeline/files/timeline_file_failures.h"
 #include "timeline/form/stored_values.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/json.h"
 #include "util/json_cursor.h"
 #include "util/property_list.h"
@@ -264,10 +266,6 @@ std::size_t guessed_bytes(const timeline_snapshot& timeline) {
     return bytes + bytes / spare_part;
 }
 
-failure no_timeline(const std::string& path) {
-    return {"\"" + path + "\" cannot be read: it does not hold a timeline."};
-}
-
 std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes) {
     using form = stored_view::form;
     property_list_cursor cursor(bytes);
@@ -309,10 +307,8 @@ std::optional<std::vector<std::string>> row_names_quickly(std::string_view bytes
 
 }  // namespace
 
-std::string skipped_clips_text(const std::string& path, std::size_t count) {
-    return "\"" + path + "\" holds " + std::to_string(count) +
-           (count == 1 ? " clip without a readable time; it was left out."
-                       : " clips without a readable time; they were left out.");
+failure skipped_clips(const std::string& path, std::size_t count) {
+    return count == 1 ? one_clip_was_left_out(path) : clips_were_left_out(path, count);
 }
 
 loaded_timeline read_timeline(const property_dictionary& stored) {
@@ -326,7 +322,7 @@ result<loaded_timeline> read_timeline_bytes(std::string_view bytes, const std::s
     stored_arena arena;
     const auto document = read_property_list(bytes, path, arena);
     if (!document) return document.error();
-    if (!document.value().is_dictionary()) return no_timeline(path);
+    if (!document.value().is_dictionary()) return file_cannot_be_read(path, file_holds_no_timeline());
     return read_view(document.value());
 }
 
@@ -337,7 +333,8 @@ result<loaded_timeline> read_timeline_json(std::string_view bytes, const std::st
     } else {
         cursor.skip();
     }
-    return cursor.finish() ? no_timeline(path) : unreadable_json(path, cursor);
+    return cursor.finish() ? file_cannot_be_read(path, file_holds_no_timeline())
+                           : file_cannot_be_read(path, cursor.fault());
 }
 
 void write_timeline(const timeline_snapshot& timeline, stored_sink& to) {
@@ -387,7 +384,7 @@ result<loaded_timeline> load_timeline(const std::string& source) {
                                           : read_timeline_bytes(bytes.value(), path);
     if (!loaded) return loaded;
     if (const auto count = loaded.value().skipped_clips; count > 0)
-        loaded.value().messages.push_back(skipped_clips_text(path, count));
+        loaded.value().messages.push_back(skipped_clips(path, count));
     if (path_name(path) != timeline_file_name) return loaded;
     notes_keeper keeper(path_folder(path));
     auto& timeline = loaded.value();

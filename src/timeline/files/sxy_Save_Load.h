@@ -25,11 +25,11 @@ inline constexpr std::string_view default_row_name_mark = "row {start of default
 // A timeline read from its stored form, with what was passed over.
 struct loaded_timeline {
     timeline_snapshot content;
-    std::size_t skipped_clips = 0;      // without a readable time
-    std::vector<std::string> messages;  // what was passed over or wrong with its notes, for the user
+    std::size_t skipped_clips = 0;  // without a readable time
+    std::vector<failure> messages;  // what was passed over or wrong with its notes, for the user
 };
 // What to tell of clips that were passed over.
-std::string skipped_clips_text(const std::string& path, std::size_t count);
+failure skipped_clips(const std::string& path, std::size_t count);
 
 // Reads the stored dictionary of a timeline. Nothing in it but its being a dictionary is required.
 loaded_timeline read_timeline(const property_dictionary& stored);

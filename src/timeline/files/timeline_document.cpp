@@ -6,8 +6,12 @@
 #include <iterator>
 #include <utility>
 
+#include "timeline/edits/edit_failures.h"
+#include "timeline/edits/edit_names.h"
+#include "timeline/files/timeline_file_failures.h"
 #include "timeline/files/timeline_recovery.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 #include "util/stored_sink.h"
 #include "util/uuid.h"
@@ -42,10 +46,7 @@ std::optional<std::string> last_saver(const std::string& folder, file_system& fi
 }
 
 file_conflict stranger_met(const std::string& path, const std::string& kept) {
-    return {"\"" + path +
-                "\" was changed by another program while it was open here. That version was kept as \"" +
-                path_name(kept) + "\"; the one in this window was saved.",
-            path, kept};
+    return {file_of_another_was_kept(path, path_name(kept)), path, kept};
 }
 
 }  // namespace
@@ -66,7 +67,7 @@ struct timeline_document::files_read {
     timeline_header header;
     std::string saver;
     journal_content journal;
-    std::vector<std::string> messages;
+    std::vector<failure> messages;
 };
 
 timeline_document::timeline_document(std::string folder, run_loop& loop, file_system& files)
@@ -86,7 +87,7 @@ result<std::unique_ptr<timeline_document>> timeline_document::open(const std::st
 
 timeline_document::~timeline_document() {
     if (journal_ && still_holds_lock()) {
-        finish_growing("Closed");
+        finish_growing(edit_name::closed);
         finish_writing();
         (void)look_for_strangers();
         (void)save_now();  // what cannot be saved stays in the journal
@@ -102,8 +103,8 @@ result<void> timeline_document::load() {
         auto mended = recover_timeline_folder(folder_, files_);
         messages_ = std::move(mended.messages);
     } else {
-        read_only_reason_ = lock.message();
-        messages_.push_back(read_only_reason_ + " It can be looked at here but not changed.");
+        read_only_reason_ = lock.error();
+        messages_.push_back(timeline_is_only_read_here(read_only_reason_));
     }
     auto read = read_files(lock_ != nullptr);
     if (!read) return read.error();
@@ -118,13 +119,13 @@ result<void> timeline_document::try_to_write(bool take_over) {
     if (!lock_) {
         auto lock = take_over ? writer_lock::take_over(folder_, files_, &is_held_elsewhere_)
                               : writer_lock::take(folder_, files_, &is_held_elsewhere_);
-        if (!lock) return failure{read_only_reason_ = lock.message()};
+        if (!lock) return read_only_reason_ = lock.error();
         taken = std::move(lock).value();
         auto mended = recover_timeline_folder(folder_, files_);
         std::move(mended.messages.begin(), mended.messages.end(), std::back_inserter(messages_));
     }
     auto read = read_files(true);
-    if (!read) return failure{read_only_reason_ = read.message()};
+    if (!read) return read_only_reason_ = read.error();
     if (taken) lock_ = std::move(taken);
     note_revision();
     take_up(read.value());
@@ -133,7 +134,7 @@ result<void> timeline_document::try_to_write(bool take_over) {
     all.revision = revision();
     changed.emit(all);
     start_writing(read.value().journal);
-    if (!journal_) return failure{read_only_reason_};
+    if (!journal_) return read_only_reason_;
     access_changed.emit();
     return {};
 }
@@ -166,12 +167,11 @@ result<void> timeline_document::read_data(files_read& read, bool may_change) {
         // before it.
         std::vector<std::string> names;
         if (const int fault = files_.list(folder_, names))
-            return file_failure(folder_, "cannot be looked through", fault);
+            return file_cannot_be_looked_through(folder_, system_failure(fault));
         const std::string copy = timeline_file_name + std::string(previous_mark);
         if (std::any_of(names.begin(), names.end(), [&](const auto& name) { return name.starts_with(copy); }))
-            return failure{"\"" + path + "\" is missing and " +
-                           (read_only_reason_.empty() ? "its copies are damaged. Nothing was changed."
-                                                      : "was not put back: " + read_only_reason_)};
+            return read_only_reason_ ? timeline_was_not_put_back(path, read_only_reason_)
+                                     : timeline_copies_are_damaged(path);
         return {};
     }
     read.is_there = true;
@@ -179,7 +179,7 @@ result<void> timeline_document::read_data(files_read& read, bool may_change) {
     if (!found) return found.error();
     auto& loaded = found.value();
     if (loaded.skipped_clips > 0) {
-        read.messages.push_back(skipped_clips_text(path, loaded.skipped_clips));
+        read.messages.push_back(skipped_clips(path, loaded.skipped_clips));
     }
     auto notes = notes_.open(may_change, read.messages);
     if (!notes) return notes.error();
@@ -198,7 +198,7 @@ result<void> timeline_document::read_header(files_read& read) {
         read.header = read_timeline_header(*stored.value().dictionary());
         return {};
     }
-    read.messages.push_back("\"" + path + "\" is damaged: the timeline's display settings were lost.");
+    read.messages.push_back(display_settings_were_lost(path));
     read.header_file = {};  // not known: the first save keeps it as a stranger's
     return {};
 }
@@ -227,7 +227,7 @@ void timeline_document::take_up(files_read& read) {
 }
 
 void timeline_document::start_writing(const journal_content& journal) {
-    read_only_reason_.clear();
+    read_only_reason_ = {};
     keep_conflicts(journal);
     if (renewal_timer_ == 0) {
         renewal_timer_ = loop_.start_timer(writer_lock::renewal_seconds, true, [this] { renew_lock(); });
@@ -241,8 +241,8 @@ void timeline_document::start_writing(const journal_content& journal) {
     auto started =
         timeline_journal::start(folder_, journal.last_segment + 1, base, journal.last_number, files_);
     if (!started) {
-        read_only_reason_ = started.message();
-        messages_.push_back(read_only_reason_ + " The timeline can be looked at but not changed.");
+        read_only_reason_ = started.error();
+        messages_.push_back(timeline_is_only_read(read_only_reason_));
         return;
     }
     journal_ = std::move(started).value();
@@ -251,7 +251,7 @@ void timeline_document::start_writing(const journal_content& journal) {
     finished_clips_.clear();
     for (const auto& place : timeline_.live_clips()) finished_clips_.push_back(place.clip->id());
     recovered_edits_ += finished_clips_.size();
-    finish_growing("Recovered");
+    finish_growing(edit_name::recovered);
     if (!journal.left_out.empty()) note_revision();  // a save clears away what was kept under another name
     if (has_unsaved_edits()) schedule_save();
 }
@@ -272,12 +272,11 @@ void timeline_document::keep_conflicts(const journal_content& journal) {
             kept = path + " conflict " + std::to_string(number);
         }
         if (fault != 0) {
-            messages_.push_back(file_failure(path, "could not be kept", fault).message());
+            messages_.push_back(file_could_not_be_kept(path, system_failure(fault)));
             continue;
         }
-        tell({"Changes that do not fit \"" + path_join(folder_, timeline_file_name) + "\" were kept as \"" +
-                  path_name(kept) + "\".",
-              path_join(folder_, timeline_file_name), kept});
+        const std::string path_of_data = path_join(folder_, timeline_file_name);
+        tell({changes_of_another_were_kept(path_of_data, path_name(kept)), path_of_data, kept});
     }
 }
 
@@ -293,9 +292,9 @@ void timeline_document::renew_lock() {
 // Another program took the timeline over: from now on it is only looked at here.
 bool timeline_document::still_holds_lock() {
     if (lock_->is_held()) return true;
-    read_only_reason_ = lock_->lost().message();
+    read_only_reason_ = lock_->lost();
     is_held_elsewhere_ = true;
-    messages_.push_back(read_only_reason_ + " It can be looked at here but not changed.");
+    messages_.push_back(timeline_is_only_read_here(read_only_reason_));
     abandon_saving();
     journal_.reset();
     lock_.reset();
@@ -320,7 +319,7 @@ void timeline_document::replay(const journal_content& journal) {
         change_set touched;
         const auto applied = apply_edit(timeline_, *edit, touched);
         if (!applied) {
-            messages_.push_back(applied.message());
+            messages_.push_back(applied.error());
             continue;
         }
         recovered_others_.insert(recovered_others_.end(), edit->others.begin(), edit->others.end());
@@ -344,16 +343,16 @@ void timeline_document::finish_growing(const char* name) {
         edited.connect([this](const timeline_edit& done, const timeline_edit& inverse) {
             recovered_.emplace_back(done, inverse);
         });
-    if (auto applied = apply(std::move(edit)); !applied) messages_.push_back(applied.message());
+    if (auto applied = apply(std::move(edit)); !applied) messages_.push_back(applied.error());
 }
 
 result<void> timeline_document::apply(timeline_edit edit) {
     complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
-    if (!journal_ || !still_holds_lock()) return failure{read_only_reason_};
+    if (!journal_ || !still_holds_lock()) return read_only_reason_;
     change_set touched;
     const auto growing_before = timeline_.live_clips();
     if (auto done = change_others(edit.others); !done)
-        return failure{"\"" + edit.name + "\" could not be done: " + done.message()};
+        return edit_could_not_be_done(edit.name, done.error());
     auto inverse = apply_edit(timeline_, edit, touched);
     if (!inverse) {
         withdraw_others(edit.others);
@@ -420,7 +419,7 @@ void timeline_document::follow_shift(const timeline_edit& edit) {
 
 std::function<result<void>()> timeline_document::edit_sync() {
     if (journal_) return [journal = journal_] { return journal->sync(); };
-    return [reason = read_only_reason_]() -> result<void> { return failure{reason}; };
+    return [reason = read_only_reason_]() -> result<void> { return reason; };
 }
 
 result<void> timeline_document::note_time(double collection_seconds) {

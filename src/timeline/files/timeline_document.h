@@ -48,7 +48,7 @@ class timeline_document : public editable_document {
     const std::vector<std::string>& finished_clips() const { return finished_clips_; }
     // Another program writes this timeline, or its journal cannot be written.
     bool is_read_only() const override { return !journal_; }
-    const std::string& read_only_reason() const override { return read_only_reason_; }
+    const failure& read_only_reason() const override { return read_only_reason_; }
     // By the lock's file: try_to_write(true) takes the timeline over.
     bool is_held_elsewhere() const override { return !journal_ && is_held_elsewhere_; }
 
@@ -142,7 +142,7 @@ class timeline_document : public editable_document {
     std::string author_;
     double collection_number_ = 0;
     std::shared_ptr<timeline_journal> journal_;  // none: the timeline can only be read
-    std::string read_only_reason_;
+    failure read_only_reason_;
     bool is_held_elsewhere_ = false;
     // The files as this document read or wrote them last, and "uuid last saved" then. Used by loading and,
     // from then on, by the save queue alone.

@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "timeline/files/journal_lines.h"
+#include "timeline/files/timeline_file_failures.h"
 #include "util/checksum.h"
+#include "util/file_failures.h"
 
 namespace vistels {
 
@@ -44,13 +46,13 @@ class timeline_journal::segment_file {
         const std::string whole = torn_ ? "torn\n" + std::string(line) : std::string(line);
         const int fault = write_whole(files_, descriptor_, whole);
         torn_ = fault != 0;
-        if (fault != 0) return file_failure(path_, "could not be written", fault);
+        if (fault != 0) return file_could_not_be_written(path_, system_failure(fault));
         return {};
     }
 
     result<void> sync() {
         if (const int fault = files_.sync_data(descriptor_)) {
-            return file_failure(path_, "could not be written", fault);
+            return file_could_not_be_written(path_, system_failure(fault));
         }
         return {};
     }
@@ -81,9 +83,9 @@ result<std::shared_ptr<timeline_journal::segment_file>> timeline_journal::next_s
         std::shared_ptr<segment_file> file;
         const int fault = segment_file::create(files_, segment_path(segment), file);
         if (fault == 0) return file;
-        if (fault != EEXIST) return file_failure(segment_path(segment), "could not be written", fault);
+        if (fault != EEXIST) return file_could_not_be_written(segment_path(segment), system_failure(fault));
     }
-    return failure{"The journal in \"" + folder_ + "\" has no segment left."};
+    return journal_has_no_segment_left(folder_);
 }
 
 std::string timeline_journal::base_line(journal_base base) const {
@@ -194,7 +196,7 @@ result<void> timeline_journal::sync() {
     }
     if (auto synced = file->sync(); !synced) return synced;
     if (const int fault = files_.sync_folder(folder_))
-        return file_failure(folder_, "could not be synced", fault);
+        return file_could_not_be_synced(folder_, system_failure(fault));
     return {};
 }
 
@@ -232,7 +234,7 @@ result<void> timeline_journal::save_done(const journal_base& base) {
     if (auto synced = file->sync(); !synced) return give_up(synced.error());
     // Before an edit is put on record in it: a synced edit needs a synced name.
     if (const int fault = files_.sync_folder(folder_))
-        return give_up(file_failure(folder_, "could not be synced", fault));
+        return give_up(file_could_not_be_synced(folder_, system_failure(fault)));
     {
         // Only the few edits made meanwhile are written while appending has to wait.
         const std::lock_guard lock(mutex_);

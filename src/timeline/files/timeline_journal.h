@@ -49,7 +49,7 @@ struct journal_content {
     // Segments with edits that are not among `edits`: they continue another file, an edit before them is
     // missing, or two programs wrote at the same time. `messages` tells which.
     std::vector<std::string> left_out;
-    std::vector<std::string> messages;
+    std::vector<failure> messages;
 };
 
 // Reads the segments "chron data journal N" in `folder` against the file that is there. What was torn is

@@ -4,7 +4,9 @@
 #include <limits>
 
 #include "timeline/files/journal_lines.h"
+#include "timeline/files/timeline_file_failures.h"
 #include "timeline/files/timeline_journal.h"
+#include "util/file_failures.h"
 
 namespace vistels {
 
@@ -56,7 +58,8 @@ void read_lines(std::string_view rest, segment_content& segment) {
 result<std::vector<segment_content>> read_segments(const std::string& folder, file_system& files) {
     std::vector<std::string> names;
     const int listing = files.list(folder, names);
-    if (listing != 0 && listing != ENOENT) return file_failure(folder, "cannot be looked through", listing);
+    if (listing != 0 && listing != ENOENT)
+        return file_cannot_be_looked_through(folder, system_failure(listing));
     sort_names(names);
     std::vector<segment_content> segments;
     for (const auto& name : names) {
@@ -154,8 +157,7 @@ void take_edits(std::vector<numbered_edit> edits, const std::string& folder, jou
         left_out[one.segment] = true;
         if (is_told) continue;
         is_told = true;
-        content.messages.push_back("A change of the timeline in \"" + folder +
-                                   "\" was damaged. The changes after it were left out.");
+        content.messages.push_back(journalled_change_was_damaged(folder));
     }
 }
 
@@ -211,9 +213,7 @@ result<journal_content> read_journal(const std::string& folder, const file_conte
     edits = one_of_each(std::move(edits), segments, beside);
     for (std::size_t at = 0; at < segments.size(); ++at) strangers[at] = strangers[at] || beside[at];
     if (std::find(strangers.begin(), strangers.end(), true) != strangers.end()) {
-        content.messages.push_back("The timeline in \"" + folder +
-                                   "\" was changed by another program at the same time. Unsaved changes do "
-                                   "not fit it.");
+        content.messages.push_back(unsaved_changes_do_not_fit(folder));
     }
     take_edits(std::move(edits), folder, content, strangers);
     for (std::size_t at = 0; at < segments.size(); ++at) {

@@ -10,7 +10,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "timeline/files/timeline_file_failures.h"
 #include "util/clock.h"
+#include "util/file_failures.h"
 #include "util/property_list.h"
 
 namespace vistels {
@@ -48,14 +50,12 @@ property_dictionary this_process() {
     return holder;
 }
 
-failure held_by(const std::string& folder, const property_dictionary& holder, const std::string& more = {}) {
+failure held_by(const std::string& folder, const property_dictionary& holder) {
     const auto process = holder.integer("process").value_or(0);
-    std::string who = "another program";
-    if (!holder.empty()) {
-        who = "process " + std::to_string(process) + " of " + holder.text_or_empty("user") + " on \"" +
-              holder.text_or_empty("host") + "\"";
-    }
-    return {"The timeline in \"" + folder + "\" is open for writing in " + who + "." + more};
+    return timeline_is_open_elsewhere(
+        folder, holder.empty()
+                    ? another_program()
+                    : process_of_a_user(process, holder.text_or_empty("user"), holder.text_or_empty("host")));
 }
 
 // Nothing when there is no such file or nobody's name is in it.
@@ -74,17 +74,15 @@ property_dictionary holder_or_empty(const std::string& path, file_system& files)
     return holder ? std::move(holder).value() : property_dictionary();
 }
 
-// " Nothing was heard of it for 3 minutes ..."
-std::string silence(const std::string& path, file_system& files) {
+// `held`, with how long nothing was heard of the holder, when that is long.
+failure with_silence(const failure& held, const std::string& path, file_system& files) {
     file_identity found;
-    if (files.identity(path, found) != 0) return {};
+    if (files.identity(path, found) != 0) return held;
     constexpr double nanoseconds = 1e9;
     constexpr double minute = 60;
     const double seconds =
         seconds_since_1970() - static_cast<double>(found.modified_nanoseconds) / nanoseconds;
-    if (seconds < minute) return {};
-    return " Nothing was heard of it for " + std::to_string(static_cast<long>(seconds / minute)) +
-           " minutes; when it is no longer running, the timeline can be taken over.";
+    return seconds < minute ? held : writer_is_silent(held, static_cast<long>(seconds / minute));
 }
 
 bool is_same_file(const file_identity& a, const file_identity& b) {
@@ -150,11 +148,11 @@ result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder
     const int fault = open_and_lock(path, files, descriptor, is_kept_by_kernel);
     is_held = fault == EWOULDBLOCK;
     if (is_held) return held_by(folder, holder_or_empty(path, files));
-    if (fault != 0) return file_failure(path, "could not be written", fault);
+    if (fault != 0) return file_could_not_be_written(path, system_failure(fault));
     if (may_live(before.value(), is_kept_by_kernel)) {
         is_held = true;
         files.close(descriptor);
-        return held_by(folder, before.value(), silence(path, files));
+        return with_silence(held_by(folder, before.value()), path, files);
     }
     std::unique_ptr<writer_lock> lock(new writer_lock(folder, descriptor, files));
     if (auto named = lock->name_this_process(); !named) return named.error();
@@ -166,7 +164,7 @@ result<std::unique_ptr<writer_lock>> writer_lock::take_over(const std::string& f
     const std::string path = path_join(folder, lock_file_name);
     // A new file: the former holder's lock is on the old one.
     const int fault = files.remove(path);
-    if (fault != 0 && fault != ENOENT) return file_failure(path, "could not be taken over", fault);
+    if (fault != 0 && fault != ENOENT) return lock_could_not_be_taken_over(path, system_failure(fault));
     return take(folder, files, held_elsewhere);
 }
 
@@ -174,7 +172,7 @@ result<void> writer_lock::name_this_process() {
     const std::string bytes = write_property_list(this_process());
     int fault = files_.empty(descriptor_);
     if (fault == 0) fault = write_whole(files_, descriptor_, bytes);
-    if (fault != 0) return file_failure(path_, "could not be written", fault);
+    if (fault != 0) return file_could_not_be_written(path_, system_failure(fault));
     return {};
 }
 
@@ -206,7 +204,7 @@ bool writer_lock::renew() {
 }
 
 failure writer_lock::lost() const {
-    return held_by(folder_, holder_or_empty(path_, files_), " It was taken over from here.");
+    return timeline_was_taken_over(held_by(folder_, holder_or_empty(path_, files_)));
 }
 
 }  // namespace vistels

@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QUrl>
 
+#include "app/event/change_names.h"
 #include "app/start/open_requests.h"
 #include "shell/panes/collection/collection_metrics.h"
 #include "shell/panes/collection/collection_scrolling.h"
@@ -158,12 +159,12 @@ void collection_input::end_drag(bool keeps) {
         Q_EMIT view_.shift_ended(QString::fromStdString(ended.vistel), ended.pixels, keeps);
     } else if (keeps) {
         ask_layout(ended.vistel, ended.now.frame,
-                   ended.frame.grip.whole ? tr("Move Vistel") : tr("Resize Vistel"));
+                   ended.frame.grip.whole ? change_name::move_vistel : change_name::resize_vistel);
     }
 }
 
 // What was moved comes in front, as it was seen while it moved.
-void collection_input::ask_layout(const std::string& vistel, const rectangle& frame, const QString& name) {
+void collection_input::ask_layout(const std::string& vistel, const rectangle& frame, const char* name) {
     vistel_arrangement wanted = geometry_.arrangement();
     for (auto& one : wanted.vistels) {
         if (one.uuid == vistel) one.frame = frame;
@@ -250,7 +251,7 @@ void collection_input::move_by_key(const QKeyEvent& event) {
     const int y = event.key() == Qt::Key_Up ? -step : event.key() == Qt::Key_Down ? step : 0;
     const rectangle frame = drag_frame(drag, QPointF(x, y)).frame;
     if (frame == drag.start) return;
-    ask_layout(vistel, frame, resizes ? tr("Resize Vistel") : tr("Move Vistel"));
+    ask_layout(vistel, frame, resizes ? change_name::resize_vistel : change_name::move_vistel);
     view_.bring_into_sight(vistel);
 }
 

@@ -50,7 +50,7 @@ class collection_input : public QObject {
   private:
     frame_grip grip_at(const std::string& vistel, const QPoint& point) const;
     void drag_to(const QPoint& point, Qt::KeyboardModifiers keys);
-    void ask_layout(const std::string& vistel, const rectangle& frame, const QString& name);
+    void ask_layout(const std::string& vistel, const rectangle& frame, const char* name);
     void choose_next(int direction);
     void move_by_key(const QKeyEvent& event);
     void show_drop(const std::optional<std::string>& vistel);

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/collection/vistel_layout.h"
 
@@ -122,7 +123,7 @@ void collection_view::set_over(const std::string& vistel, bool over) {
     update_place(vistel);
 }
 
-void collection_view::set_problem(const std::string& vistel, const QString& problem) {
+void collection_view::set_problem(const std::string& vistel, const failure& problem) {
     vistel_tile* one = find(vistel);
     if (!one || one->vistel.problem == problem) return;
     one->vistel.problem = problem;
@@ -361,7 +362,7 @@ bool collection_view::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         const vistel_tile* one = find(vistel_at(help->pos()));
-        QToolTip::showText(help->globalPos(), one ? one->vistel.problem : QString(), this);
+        QToolTip::showText(help->globalPos(), one ? words_of(one->vistel.problem) : QString(), this);
         return true;
     }
     return QWidget::event(event);

@@ -43,7 +43,7 @@ class collection_view : public QWidget {
     void set_over(const std::string& vistel, bool over);
     // What stands on its chip; empty: it has none.
     QString chip_words(const std::string& vistel) const;
-    void set_problem(const std::string& vistel, const QString& problem);
+    void set_problem(const std::string& vistel, const failure& problem);
     // A picture over the vistel's own, `frame` being fractions of that; a null one: none.
     void set_overlay(const std::string& vistel, const QImage& picture, const rectangle& frame,
                      double opacity);
@@ -108,7 +108,7 @@ class collection_view : public QWidget {
     void scrolled(double offset);
     void enlarge_asked(const QString& vistel);  // empty: all back into their places
     // The user moved, resized or restacked a vistel; `name` is for the undo menu.
-    void layout_asked(const vistels::vistel_arrangement& wanted, const QString& name);
+    void layout_asked(const vistels::vistel_arrangement& wanted, const char* name);
     void menu_asked(const QString& vistel, const QPoint& global);
     void current_changed();
     // A picture is dragged by so many pixels since the drag began; at its end once more, dropped or kept.

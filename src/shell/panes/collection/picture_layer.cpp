@@ -87,7 +87,7 @@ void paint_words(QPainter& painter, const vistel_tile& tile, const QRect& view) 
     const theme_metrics& metrics = look.metrics;
     const QRect inside =
         view.adjusted(metrics.group_gap, metrics.wide_padding, -metrics.group_gap, -metrics.wide_padding);
-    if (!tile.vistel.problem.isEmpty()) return paint_problem(painter, tile, inside);
+    if (tile.vistel.problem) return paint_problem(painter, tile, inside);
     painter.setFont(theme::font(type_step::secondary));
     painter.setPen(look.muted);
     painter.drawText(inside, Qt::AlignCenter | Qt::TextWordWrap, words_in_place(tile));
@@ -98,7 +98,7 @@ void paint_words(QPainter& painter, const vistel_tile& tile, const QRect& view) 
 void picture_layer::paint_vistel(QPainter& painter, const vistel_tile& tile, const QRect& place,
                                  const QRect& picture) const {
     const theme& look = theme::current();
-    const bool has_problem = !tile.vistel.problem.isEmpty();
+    const bool has_problem = bool(tile.vistel.problem);
     const bool waits = tile.vistel.is_waiting && !has_problem;
     if (!tile.picture.isNull() && !has_problem && !tile.in_gap) {
         if (picture != place || waits) painter.fillRect(place, look.video_surround);

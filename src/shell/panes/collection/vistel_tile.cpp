@@ -2,20 +2,14 @@
 #include "shell/panes/collection/vistel_tile.h"
 
 #include <QCoreApplication>
-#include <QRegularExpression>
 #include <cmath>
 
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme_time_text.h"
 
 namespace vistels {
 
 namespace {
-
-// A message with the paths of files in it cut to the files' names, for places where room is short.
-QString with_short_paths(const QString& message) {
-    static const QRegularExpression path(QStringLiteral("([“\"])/[^”\"]*/([^/”\"]+)([”\"])"));
-    return QString(message).replace(path, QStringLiteral("\\1\\2\\3"));
-}
 
 QString tr(const char* text) {
     return QCoreApplication::translate("vistels::collection_view", text);
@@ -24,7 +18,7 @@ QString tr(const char* text) {
 }  // namespace
 
 QString words_in_place(const vistel_tile& tile) {
-    if (!tile.vistel.problem.isEmpty()) return with_short_paths(tile.vistel.problem);
+    if (tile.vistel.problem) return words_of(tile.vistel.problem, shown_paths::names);
     if (!tile.in_gap) return tile.vistel.is_waiting ? tr("Getting the movie ready") : QString();
     if (!std::isfinite(tile.gap_end)) return tr("No picture from here on");
     const QString time = time_text(tile.gap_end, time_form::clock);
@@ -32,7 +26,7 @@ QString words_in_place(const vistel_tile& tile) {
 }
 
 QString chip_words_of(const vistel_tile& tile) {
-    if (tile.vistel.name.isEmpty() || !tile.vistel.problem.isEmpty()) return {};
+    if (tile.vistel.name.isEmpty() || tile.vistel.problem) return {};
     return tile.is_over ? tr("%1 · ended").arg(tile.vistel.name) : tile.vistel.name;
 }
 

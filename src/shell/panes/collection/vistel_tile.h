@@ -6,6 +6,7 @@
 #include <string>
 
 #include "util/colour_text.h"
+#include "util/failure.h"
 
 namespace vistels {
 
@@ -14,7 +15,7 @@ struct shown_vistel {
     std::string uuid;
     QString name;             // as on its chip: "1 Wide"; empty: it has no chip
     rectangle frame;          // as fractions of the video area
-    QString problem;          // why it cannot be shown; empty when it can
+    failure problem;          // why it cannot be shown; none when it can
     bool has_sound = false;   // it is the one that is heard
     int order = 0;            // the greater covers the smaller
     bool is_waiting = false;  // its movie is not ready yet: shown at low opacity

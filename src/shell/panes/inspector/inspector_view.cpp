@@ -13,6 +13,7 @@
 
 #include "shell/filter/filter_section.h"
 #include "shell/kit/controls.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/inspector_parts.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
@@ -380,14 +381,14 @@ void inspector_view::trim_here(bool start) {
 bool inspector_view::apply(timeline_edit edit) {
     if (edit.operations.empty()) return true;
     const auto done = document_->apply(std::move(edit));
-    if (!done) Q_EMIT failed(QString::fromStdString(done.message()));
+    if (!done) Q_EMIT failed(words_of(done.error()));
     refresh();
     return bool(done);
 }
 
 bool inspector_view::apply(result<timeline_edit> planned) {
     if (planned) return apply(std::move(planned).value());
-    Q_EMIT failed(QString::fromStdString(planned.message()));
+    Q_EMIT failed(words_of(planned.error()));
     return false;
 }
 

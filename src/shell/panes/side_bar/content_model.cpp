@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "shell/kit/failure_words.h"
+#include "util/file_failures.h"
 #include "util/file_system.h"
 
 namespace vistels {
@@ -78,25 +80,24 @@ QString space_warning(const content_vault& vault) {
 }
 
 // Without the path, which there is no room for and which the tool tip tells.
-QString short_problem(const content_vault& vault) {
-    QString words = QString::fromStdString(vault.problem);
-    if (const auto end = words.indexOf(QLatin1Char('"'), 1); words.startsWith(QLatin1Char('"')) && end > 0) {
-        words = words.mid(end + 1).trimmed();
+QString short_problem(const failure& problem) {
+    if (problem.is(file_is_missing_or_no_folder)) return QObject::tr("Is missing or is no folder.");
+    if (problem.is(file_cannot_be_listed)) {
+        return QObject::tr("Cannot be listed: %1.").arg(words_of(problem.cause()));
     }
-    if (!words.isEmpty()) words[0] = words[0].toUpper();
-    return words;
+    return words_of(problem, shown_paths::names);
 }
 
 QString vault_tip(const content_vault& vault) {
     QStringList parts{QString::fromStdString(vault.path)};
-    if (!vault.problem.empty()) {
-        parts << QString::fromStdString(vault.problem);
+    if (vault.problem) {
+        parts << words_of(vault.problem);
     } else {
         parts << content_summary(vault.counts);
     }
     if (vault.is_home) parts << QObject::tr("The home vault");
     if (vault.is_focus) parts << QObject::tr("The focus vault: new items are saved here");
-    if (vault.space && vault.problem.empty()) {
+    if (vault.space && !vault.problem) {
         const QString free =
             QObject::tr("%1 of %2 free")
                 .arg(space_text(vault.space->free_bytes), space_text(vault.space->total_bytes));
@@ -109,7 +110,7 @@ QString vault_spoken(const content_vault& vault) {
     QStringList parts{QObject::tr("%1, vault").arg(QString::fromStdString(vault.name))};
     if (vault.is_home) parts << QObject::tr("home vault");
     if (vault.is_focus) parts << QObject::tr("focus vault");
-    parts << (vault.problem.empty() ? content_summary(vault.counts) : QString::fromStdString(vault.problem));
+    parts << (vault.problem ? words_of(vault.problem) : content_summary(vault.counts));
     if (const QString space = space_warning(vault); !space.isEmpty()) parts << space;
     return parts.join(QStringLiteral(", "));
 }
@@ -162,7 +163,7 @@ bool content_model::passes(const std::string& name) const {
 std::vector<content_model::line> content_model::lines_of(const content_vault& vault) const {
     std::vector<line> lines;
     const auto heading = [&](const QString& words) { lines.push_back({line_kind::heading, {}, words, {}}); };
-    if (!vault.problem.empty()) return lines;
+    if (vault.problem) return lines;
     const bool has_patterns = vault.is_home && !patterns_.empty();
     if (vault.items.empty() && !has_patterns) heading(tr("Nothing in it yet"));
     const bool whole = filter_.isEmpty() || passes(vault.name);
@@ -387,11 +388,11 @@ QVariant content_model::vault_data(const vault_node& node, int asked) const {
         case path_role:
             return QString::fromStdString(vault.path);
         case summary_role:
-            return vault.problem.empty() ? content_summary(vault.counts) : QString();
+            return vault.problem ? QString() : content_summary(vault.counts);
         case space_role:
             return space_warning(vault);
         case problem_role:
-            return short_problem(vault);
+            return short_problem(vault.problem);
         case home_role:
             return vault.is_home;
         case focus_role:

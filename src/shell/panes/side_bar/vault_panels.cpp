@@ -12,8 +12,10 @@
 #include <QVBoxLayout>
 
 #include "app/vaults/known_vaults.h"
+#include "app/vaults/vault_failures.h"
 #include "shell/kit/check_box.h"
 #include "shell/kit/controls.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/side_bar/content_model.h"
@@ -32,7 +34,7 @@ QString chosen_folder(QWidget* parent, const QString& title, const QString& star
 
 QString vault_words(const content_vault& vault) {
     const QString name = QString::fromStdString(vault.name);
-    if (!vault.problem.empty()) return QObject::tr("%1 – not available").arg(name);
+    if (vault.problem) return QObject::tr("%1 – not available").arg(name);
     if (!vault.space) return name;
     const QString free = QObject::tr("%1 free").arg(space_text(vault.space->free_bytes));
     return vault.is_limited ? QObject::tr("%1 – nearly full, %2 (%3 %)")
@@ -168,15 +170,14 @@ void create_vault_panel::make(bool replace) {
         case outcome::made:
             return accept();
         case outcome::exists:
-            say(tr("Vault '%1' already exists.").arg(QString::fromStdString(done.message)),
+            say(tr("Vault '%1' already exists.").arg(QString::fromStdString(done.name)),
                 tr("Replaced, it goes to the trash with everything that it holds."), "warning");
             return ask(true);
         case outcome::failed:
             ask(false);
-            const QString whole = QString::fromStdString(done.message);
-            const QString headline = tr("Could not create folder.");
-            const QString reason = whole.startsWith(headline) ? whole.mid(headline.size()).trimmed() : whole;
-            say(headline, reason, "live");
+            const bool is_headline = done.reason.is(vault_folder_not_made);
+            say(tr("Could not create folder."), words_of(is_headline ? done.reason.cause() : done.reason),
+                "live");
     }
 }
 
@@ -260,9 +261,9 @@ focus_vault_panel::focus_vault_panel(const std::vector<content_vault>& vaults, Q
                                      vault.is_limited ? look.warning : look.muted),
                                 vault_words(vault), list_);
         line->setData(Qt::UserRole, QString::fromStdString(vault.path));
-        line->setToolTip(QString::fromStdString(vault.problem.empty() ? vault.path : vault.problem));
+        line->setToolTip(vault.problem ? words_of(vault.problem) : QString::fromStdString(vault.path));
         line->setSizeHint({0, look.metrics.list_line_height + look.metrics.grid});
-        if (!vault.problem.empty()) {
+        if (vault.problem) {
             line->setFlags(Qt::NoItemFlags);
         } else if (vault.is_focus) {
             list_->setCurrentItem(line);

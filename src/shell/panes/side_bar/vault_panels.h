@@ -48,7 +48,8 @@ class create_vault_panel final : public vault_panel {
     enum class outcome { made, exists, failed };
     struct answer {
         outcome what = outcome::failed;
-        std::string message;  // of `failed`: for the user; of `exists`: the vault's name
+        failure reason;    // of `failed`
+        std::string name;  // of `exists`: the vault's
     };
     // Makes the vault; with `replace` in place of one that exists.
     using maker = std::function<answer(const values& wanted, bool replace)>;

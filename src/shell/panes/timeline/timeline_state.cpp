@@ -203,7 +203,7 @@ void timeline_state::seek(double seconds) {
 bool timeline_state::apply(timeline_edit edit) {
     if (!document_ || edit.operations.empty()) return false;
     const auto done = document_->apply(std::move(edit));
-    if (!done) refused.emit(done.message());
+    if (!done) refused.emit(done.error());
     return bool(done);
 }
 
@@ -217,7 +217,7 @@ void timeline_state::delete_selected() {
 
 bool timeline_state::apply(result<timeline_edit> planned) {
     if (planned) return apply(std::move(planned).value());
-    refused.emit(planned.message());
+    refused.emit(planned.error());
     return false;
 }
 

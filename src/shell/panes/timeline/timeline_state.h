@@ -110,7 +110,7 @@ class timeline_state {
     signal<> rows_scrolled;
     signal<> playhead_moved;
     signal<> selection_changed;
-    signal<const std::string&> refused;
+    signal<const failure&> refused;
 
   private:
     bool apply(result<timeline_edit> planned);

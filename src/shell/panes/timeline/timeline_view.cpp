@@ -13,6 +13,7 @@
 #include "shell/filter/filter_field.h"
 #include "shell/filter/filter_parts.h"
 #include "shell/kit/controls.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_canvas.h"
@@ -48,8 +49,8 @@ timeline_view::timeline_view(QWidget* parent) : QWidget(parent), state_(std::mak
         show_counts();
         Q_EMIT selection_changed();
     }));
-    connections_.push_back(state_->refused.connect(
-        [this](const std::string& why) { Q_EMIT failed(QString::fromStdString(why)); }));
+    connections_.push_back(
+        state_->refused.connect([this](const failure& why) { Q_EMIT failed(words_of(why)); }));
 }
 
 timeline_view::~timeline_view() {
