@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "app/settings/state_log.h"
-#include "util/file_system.h"
 
 namespace vistels {
 
@@ -88,12 +87,12 @@ formula_identifier_colours default_formula_colours() {
 
 formula_identifier_colours load_formula_colours(const home_places& places) {
     formula_identifier_colours loaded = default_formula_colours();
-    if (!file_exists(path_of(places, formula_colours_file))) {
+    const auto stored = read_settings(places, formula_colours_file);
+    if (stored.empty()) {
         if (const auto saved = save_formula_colours(places, loaded); !saved)
             log_line(places, saved.message());
         return loaded;
     }
-    const auto stored = read_settings(places, formula_colours_file);
     for (std::size_t place = 0; place < formula_code_count; ++place) {
         const auto& code = formula_codes()[place];
         auto chosen = read_colour(stored, code.colour_key);

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace vistels {
+
+class settings_store;
 
 // Where the application keeps what is its own.
 struct home_places {
@@ -11,6 +14,9 @@ struct home_places {
     std::string state_folder;  // ".../Home Folder.VVault", also the folder of the settings
     std::string trash = {};    // the user's trash; empty: that of each volume
     std::string desktop = {};  // the folder that the user's desktop shows
+    // Keeps the settings in memory; null: each is read from its file and written into it when it is asked
+    // for.
+    std::shared_ptr<settings_store> settings = {};
 
     // Data of vistels that is kept on this machine only.
     std::string local_vistels() const;

@@ -6,7 +6,6 @@
 
 #include "app/settings/settings_failures.h"
 #include "util/clock.h"
-#include "util/file_system.h"
 #include "util/text_forms.h"
 
 namespace vistels {
@@ -28,10 +27,9 @@ result<void> save(const home_places& places, property_array items) {
 
 // Once: from then on the file is there.
 result<void> carry_over(const home_places& places) {
-    if (file_exists(path_of(places, search_patterns_file)) || !file_exists(path_of(places, older_file))) {
-        return {};
-    }
-    return save(places, patterns_carried_over(read_settings(places, older_file), whole_seconds_now()));
+    if (!read_settings(places, search_patterns_file).empty()) return {};
+    const auto older = read_settings(places, older_file);
+    return older.empty() ? result<void>() : save(places, patterns_carried_over(older, whole_seconds_now()));
 }
 
 // What is stored, as far as it could be brought over.

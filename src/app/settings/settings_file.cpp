@@ -2,6 +2,7 @@
 #include "app/settings/settings_file.h"
 
 #include "app/settings/settings_failures.h"
+#include "app/settings/settings_store.h"
 #include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
@@ -40,11 +41,16 @@ std::string path_of(const home_places& places, const settings_file& file) {
 }
 
 property_dictionary read_settings(const home_places& places, const settings_file& file) {
+    if (places.settings) return places.settings->read(file);
     return read_dictionary_or_empty(path_of(places, file));
 }
 
 result<void> write_settings(const home_places& places, const settings_file& file,
                             const property_dictionary& values) {
+    if (places.settings) {
+        places.settings->write(file, values);
+        return {};
+    }
     const std::string path = path_of(places, file);
     if (auto made = make_folders(path_folder(path)); !made) return made;
     if (auto checked = check_replaceable(path); !checked) return checked;
@@ -52,6 +58,11 @@ result<void> write_settings(const home_places& places, const settings_file& file
         if (const auto kept = set_aside(path); !kept) return kept.error();
     }
     property_dictionary stored = read_dictionary_or_empty(path);
+    merge_settings(stored, values);
+    return safe_write(path, stored);
+}
+
+void merge_settings(property_dictionary& stored, const property_dictionary& values) {
     for (const auto& entry : values) {
         if (entry.value.is_null()) {
             stored.remove(entry.key);
@@ -59,7 +70,6 @@ result<void> write_settings(const home_places& places, const settings_file& file
             stored.set(entry.key, entry.value);
         }
     }
-    return safe_write(path, stored);
 }
 
 std::vector<failure> set_damaged_settings_aside(const home_places& places,

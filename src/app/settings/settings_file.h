@@ -19,13 +19,18 @@ struct settings_file {
 
 std::string path_of(const home_places& places, const settings_file& file);
 
-// What the file holds; empty when it is missing, damaged or no dictionary. Any thread.
+// What the file holds; empty when it is missing, damaged or no dictionary. From memory where the places have
+// a store. Any thread.
 property_dictionary read_settings(const home_places& places, const settings_file& file);
 
 // Puts `values` in the place of the keys of the same name; a null takes its key away. Keys that are not
-// named stay as they are. A file that cannot be read is kept as "X damaged N" first.
+// named stay as they are. A file that cannot be read is kept as "X damaged N" first. Where the places have a
+// store the file is written later, and what fails then is told by the store.
 result<void> write_settings(const home_places& places, const settings_file& file,
                             const property_dictionary& values);
+
+// What writing makes of the values that are there.
+void merge_settings(property_dictionary& stored, const property_dictionary& values);
 
 // Keeps the damaged files among those named as "X damaged N", so that the defaults are in force, and tells
 // each with its reason. A file that is missing is well; one whose bytes cannot be read is told and left.
