@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+#include "util/wait_watch.h"
+
 namespace vistels {
 
 namespace {
@@ -67,6 +69,7 @@ int demultiplexer::is_late(void* self) {
 
 result<std::unique_ptr<demultiplexer>> demultiplexer::open(const std::string& path) {
     silence_ffmpeg();
+    const wait_note note("open movie", path);
     // A pipe or a device could keep the opening call waiting for ever.
     struct stat about {};
     if (stat(path.c_str(), &about) != 0)
@@ -101,6 +104,7 @@ result<std::unique_ptr<demultiplexer>> demultiplexer::open(const std::string& pa
 }
 
 int demultiplexer::read(AVPacket& packet) {
+    const wait_note note("read movie", path_);
     start_limit();
     return av_read_frame(format_.get(), &packet);
 }
@@ -120,6 +124,7 @@ void demultiplexer::read_only(const AVStream& stream) {
 }
 
 int demultiplexer::seek(const AVStream& stream, std::int64_t stamp) {
+    const wait_note note("seek in movie", path_);
     start_limit();
     return av_seek_frame(format_.get(), stream.index, stamp, AVSEEK_FLAG_BACKWARD);
 }

@@ -14,6 +14,7 @@
 #include "shell/program/application_options.h"
 #include "shell/program/build_watch.h"
 #include "shell/program/display_check.h"
+#include "shell/program/main_thread_log.h"
 #include "shell/program/qt_run_loop.h"
 #include "shell/program/screenshot.h"
 #include "shell/program/termination_watch.h"
@@ -76,6 +77,7 @@ int run(QApplication& application, const application_options& options, terminati
     }
     const std::string theme = options.theme.empty() ? load_window_memory(places).theme : options.theme;
     use_theme(application, wanted_theme(theme));
+    const main_thread_log waits(places);
     qt_run_loop loop;
     const bool is_alone = started.value().run->is_alone();
     window_set windows(places, loop,

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "util/file_failures.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -37,12 +38,14 @@ constexpr bool is_digit(char c) {
 }  // namespace
 
 int file_system::open(const std::string& path, int flags, int& descriptor) {
+    const wait_note note("open", path);
     constexpr mode_t readable_by_all = 0644;
     descriptor = ::open(path.c_str(), flags | O_CLOEXEC, readable_by_all);
     return descriptor >= 0 ? 0 : errno;
 }
 
 int file_system::write(int descriptor, std::string_view bytes, std::size_t& written) {
+    const wait_note note("write", descriptor);
     const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
     written = count > 0 ? static_cast<std::size_t>(count) : 0;
     if (count < 0) return errno;
@@ -50,24 +53,29 @@ int file_system::write(int descriptor, std::string_view bytes, std::size_t& writ
 }
 
 int file_system::read(int descriptor, char* into, std::size_t room, std::size_t& got) {
+    const wait_note note("read", descriptor);
     const ssize_t count = ::read(descriptor, into, room);
     got = count > 0 ? static_cast<std::size_t>(count) : 0;
     return count < 0 ? errno : 0;
 }
 
 int file_system::empty(int descriptor) {
+    const wait_note note("ftruncate", descriptor);
     return outcome(::ftruncate(descriptor, 0));
 }
 int file_system::lock(int descriptor) {
     return outcome(::flock(descriptor, LOCK_EX | LOCK_NB));
 }
 int file_system::touch(int descriptor) {
+    const wait_note note("futimens", descriptor);
     return outcome(::futimens(descriptor, nullptr));
 }
 int file_system::sync(int descriptor) {
+    const wait_note note("fsync", descriptor);
     return outcome(::fsync(descriptor));
 }
 int file_system::sync_data(int descriptor) {
+    const wait_note note("fdatasync", descriptor);
     return outcome(::fdatasync(descriptor));
 }
 int file_system::close(int descriptor) {
@@ -75,22 +83,27 @@ int file_system::close(int descriptor) {
 }
 
 int file_system::hard_link(const std::string& from, const std::string& to) {
+    const wait_note note("link", to);
     return outcome(::link(from.c_str(), to.c_str()));
 }
 
 int file_system::rename(const std::string& from, const std::string& to) {
+    const wait_note note("rename", to);
     return outcome(std::rename(from.c_str(), to.c_str()));
 }
 
 int file_system::exchange(const std::string& a, const std::string& b) {
+    const wait_note note("exchange", a);
     return outcome(::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE));
 }
 
 int file_system::remove(const std::string& path) {
+    const wait_note note("unlink", path);
     return outcome(::unlink(path.c_str()));
 }
 
 int file_system::sync_folder(const std::string& folder) {
+    const wait_note note("fsync", folder);
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return errno;
     int fault = outcome(::fsync(descriptor));
@@ -100,6 +113,7 @@ int file_system::sync_folder(const std::string& folder) {
 }
 
 int file_system::make_folder(const std::string& path) {
+    const wait_note note("mkdir", path);
     constexpr mode_t searchable_by_all = 0755;
     return outcome(::mkdir(path.c_str(), searchable_by_all));
 }
@@ -123,6 +137,7 @@ int file_system::kind(const std::string& path, file_kind& found) {
 }
 
 int file_system::list(const std::string& folder, std::vector<std::string>& names) {
+    const wait_note note("readdir", folder);
     names.clear();
     DIR* const listing = ::opendir(folder.c_str());
     if (!listing) return errno;

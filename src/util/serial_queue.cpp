@@ -5,9 +5,11 @@
 
 #include <utility>
 
+#include "util/wait_watch.h"
+
 namespace vistels {
 
-serial_queue::serial_queue(std::string name) : thread_([this, name = std::move(name)] { run(name); }) {}
+serial_queue::serial_queue(std::string name) : name_(std::move(name)), thread_([this] { run(); }) {}
 
 serial_queue::~serial_queue() {
     {
@@ -15,6 +17,7 @@ serial_queue::~serial_queue() {
         ending_ = true;
     }
     wake_.notify_all();
+    const wait_note note("end of a queue", name_);
     thread_.join();
 }
 
@@ -28,6 +31,8 @@ void serial_queue::post(std::function<void()> work) {
 
 void serial_queue::drain() {
     std::unique_lock lock(mutex_);
+    if (waiting_.empty() && !working_) return;
+    const wait_note note("work of a queue", name_);
     idle_.wait(lock, [this] { return waiting_.empty() && !working_; });
 }
 
@@ -37,8 +42,8 @@ void serial_queue::forget_waiting() {
     if (!working_) idle_.notify_all();
 }
 
-void serial_queue::run(const std::string& name) {
-    pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());
+void serial_queue::run() {
+    pthread_setname_np(pthread_self(), name_.substr(0, 15).c_str());
     std::unique_lock lock(mutex_);
     for (;;) {
         wake_.wait(lock, [this] { return ending_ || !waiting_.empty(); });

@@ -32,8 +32,9 @@ class serial_queue {
     bool is_current() const { return std::this_thread::get_id() == thread_.get_id(); }
 
   private:
-    void run(const std::string& name);
+    void run();
 
+    const std::string name_;
     std::mutex mutex_;
     std::condition_variable wake_;
     std::condition_variable idle_;

@@ -13,6 +13,7 @@
 #include "util/file_failures.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
+#include "util/wait_watch.h"
 #include "video/collection_failures.h"
 
 namespace vistels {
@@ -101,6 +102,7 @@ bool blank_vistel_movie::blank_movie_preparation_is_done() const {
 
 result<std::string> blank_vistel_movie::wait_for_movie() {
     prepare();
+    const wait_note note("blank movie", path_);
     std::unique_lock lock(mutex_);
     is_done_.wait(lock, [this] { return done_; });
     if (problem_) return blank_movie_not_made(problem_);

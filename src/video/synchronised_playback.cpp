@@ -61,11 +61,20 @@ void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
         }
         made.back().vistel = std::move(vistel);
     }
+    for (auto& gone : vistels_) retire(std::move(gone.player));
     vistels_ = std::move(made);
     update_range();
     set_sound_vistel(sound_vistel_);
     tick();
     pictures_changed.emit();
+}
+
+// A read that its queue is at may take long on a volume that is slow, or gone.
+void synchronised_playback::retire(std::unique_ptr<vistel_player> player) {
+    if (!player) return;
+    player->rest();
+    if (!retired_) retired_ = std::make_unique<serial_queue>("vistels gone");
+    retired_->post([gone = std::shared_ptr<vistel_player>(std::move(player))] {});
 }
 
 void synchronised_playback::update_range() {

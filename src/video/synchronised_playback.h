@@ -9,6 +9,7 @@
 
 #include "util/display_tick.h"
 #include "util/run_loop.h"
+#include "util/serial_queue.h"
 #include "util/signal.h"
 #include "util/transport.h"
 #include "video/collection_clock.h"
@@ -126,6 +127,7 @@ class synchronised_playback final : public transport {
     const entry* first_movie() const;  // null when there are pictures alone
     bool is_followed(const entry& vistel) const;
     std::unique_ptr<vistel_player> make_player(const playback_vistel& vistel);
+    void retire(std::unique_ptr<vistel_player> player);
     void update_range();
     void start_timer();
     void timer_tick();
@@ -160,6 +162,9 @@ class synchronised_playback final : public transport {
     playback_sound sound_;
     double last_follow_seconds_ = 0;  // machine time
     std::shared_ptr<arrival_link> arrivals_;
+    // Waits in the place of the main thread until players that are gone have ended their work; made when it
+    // is first needed.
+    std::unique_ptr<serial_queue> retired_;
 };
 
 }  // namespace vistels

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -199,7 +200,10 @@ TEST_F(window_with_jobs, a_step_that_needs_padding_movies_is_taken_when_they_are
     const auto made = padding();
     ASSERT_FALSE(made.empty());
     const auto are_there = [&](bool there) {
-        for (const auto& one : made) EXPECT_EQ(file_exists(one.path), there) << one.path;
+        EXPECT_TRUE(comes_true([&] {
+            return std::all_of(made.begin(), made.end(),
+                               [&](const auto& one) { return file_exists(one.path) == there; });
+        })) << there;
     };
     window->actions()[command::undo]->trigger();
     EXPECT_TRUE(padding().empty());

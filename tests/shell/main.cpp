@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <string_view>
 
+#include "support/main_thread_watch.h"
 #include "support/second_writer.h"
 
 // Shell tests run without a screen, with one application object for all of them. As the second writer of a
@@ -14,7 +14,7 @@ int main(int argument_count, char** arguments) {
         return run_second_writer(arguments[2]);
     }
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argument_count, arguments);
+    vistels::testing::watched_application application(argument_count, arguments);
     testing::InitGoogleTest(&argument_count, arguments);
     return RUN_ALL_TESTS();
 }

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "app/settings/settings_store.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
 #include "logger/press_engine.h"
@@ -38,7 +39,7 @@ using names = std::vector<std::string>;
 
 // The rows Attack, Defence, Cross and Corner with one clip each.
 struct row_names : public ::testing::Test {
-    row_names() : places{home / "Home Vault.VVault", home / "Home Folder.VVault"} {
+    row_names() : places(with_store({home / "Home Vault.VVault", home / "Home Folder.VVault"})) {
         EXPECT_TRUE(start_up(places, 1, 0).ok());
         const std::string folder = path_join(places.home_vault, "Final");
         EXPECT_TRUE(make_folders(folder).ok());

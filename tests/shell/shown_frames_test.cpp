@@ -9,6 +9,7 @@
 #include "app/event/event_player.h"
 #include "app/event/offset_changes.h"
 #include "app/event/open_event.h"
+#include "app/settings/settings_store.h"
 #include "app/start/open_requests.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
@@ -119,7 +120,7 @@ class shown_frames : public ::testing::Test {
     }
 
     testing::temporary_folder home;
-    const home_places places{home / "Home Vault.VVault", home / "Home Folder.VVault"};
+    const home_places places = with_store({home / "Home Vault.VVault", home / "Home Folder.VVault"});
     simulated_run_loop loop;
     job_list jobs{loop};
     std::unique_ptr<content_keeper> content;

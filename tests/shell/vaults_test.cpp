@@ -20,6 +20,7 @@
 #include <QUrl>
 #include <filesystem>
 
+#include "app/settings/settings_store.h"
 #include "app/settings/vault_preferences.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
@@ -64,6 +65,7 @@ struct vault_window : public ::testing::Test {
     vault_window() {
         places = {home / "Home Vault.VVault", home / "Home Folder.VVault"};
         EXPECT_TRUE(start_up(places, 1, 0).ok());
+        places = with_store(places);
     }
     ~vault_window() override {
         if (window) window->close();
@@ -128,11 +130,18 @@ struct vault_window : public ::testing::Test {
 
 TEST_F(vault_window, a_vault_is_made_and_replaced_only_when_that_is_chosen) {
     show();
+    // The panel waits until the vault is made, or not.
+    const auto click = [](QDialog& panel, const char* button) {
+        QTest::mouseClick(&part<QPushButton>(panel, button), Qt::LeftButton);
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return !panel.isVisible() || part<QPushButton>(panel, "create_vault.cancel").isEnabled();
+        }));
+    };
     const auto fill = [&](QDialog& panel, bool focus) {
         part<QLineEdit>(panel, "create_vault.name").setText("Cup");
         part<QLineEdit>(panel, "create_vault.parent").setText(QString::fromStdString(home.path()));
         part<QCheckBox>(panel, "create_vault.focus").setChecked(focus);
-        QTest::mouseClick(&part<QPushButton>(panel, "create_vault.create"), Qt::LeftButton);
+        click(panel, "create_vault.create");
     };
     with_panel(command::new_vault, [&](QDialog& panel) { fill(panel, true); });
     const std::string vault = home / "Cup.VVault";
@@ -149,8 +158,8 @@ TEST_F(vault_window, a_vault_is_made_and_replaced_only_when_that_is_chosen) {
         EXPECT_TRUE(part<QPushButton>(panel, "create_vault.cancel").isDefault());
         QTest::keyClick(&panel, Qt::Key_Return);  // Cancel
         EXPECT_TRUE(file_exists(path_join(vault, "kept")));
-        QTest::mouseClick(&part<QPushButton>(panel, "create_vault.create"), Qt::LeftButton);
-        QTest::mouseClick(&part<QPushButton>(panel, "create_vault.replace"), Qt::LeftButton);
+        click(panel, "create_vault.create");
+        click(panel, "create_vault.replace");
     });
     EXPECT_TRUE(is_folder(vault));
     EXPECT_FALSE(file_exists(path_join(vault, "kept")));
@@ -159,7 +168,7 @@ TEST_F(vault_window, a_vault_is_made_and_replaced_only_when_that_is_chosen) {
     with_panel(command::new_vault, [&](QDialog& panel) {
         part<QLineEdit>(panel, "create_vault.name").setText("Other");
         part<QLineEdit>(panel, "create_vault.parent").setText(QString::fromStdString(home / "no folder"));
-        QTest::mouseClick(&part<QPushButton>(panel, "create_vault.create"), Qt::LeftButton);
+        click(panel, "create_vault.create");
         EXPECT_EQ(part<QLabel>(panel, "create_vault.problem").text(), "Could not create folder.");
         EXPECT_TRUE(part<QLabel>(panel, "create_vault.reason").text().contains("no folder"));
         EXPECT_TRUE(panel.isVisible());

@@ -9,6 +9,7 @@
 #include <QToolButton>
 #include <filesystem>
 
+#include "app/settings/settings_store.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
 #include "logger/press_engine.h"
@@ -37,6 +38,7 @@ struct writers : public ::testing::Test {
     writers() {
         places = {home / "Home Vault.VVault", home / "Home Folder.VVault"};
         EXPECT_TRUE(start_up(places, 1, 0).ok());
+        places = with_store(places);
         folder = testing::put_stored_timeline(path_join(places.home_vault, "Cup final"));
     }
     ~writers() override {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/settings/settings_store.h"
 #include "app/start/open_requests.h"
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
@@ -28,6 +29,7 @@ class shown_event : public ::testing::Test {
     void SetUp() override {
         places = {home / "Home Vault.VVault", home / "Home Folder.VVault"};
         ASSERT_TRUE(start_up(places, 1, 0).ok());
+        places = with_store(places);
         const std::vector<std::string> movies = {home / "left end.mp4", home / "right end.mp4"};
         for (const auto& movie : movies) {
             if (!write_small_movie(movie, 4)) GTEST_SKIP() << "built without media";

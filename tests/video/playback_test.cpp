@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string_view>
 
 #include "video/synchronised_playback.h"
 
@@ -11,6 +16,7 @@
 #include "support/coded_movie.h"
 #include "support/temporary_folder.h"
 #include "util/plain_run_loop.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 namespace {
@@ -99,6 +105,48 @@ TEST_F(playback, seeks_are_exact_by_the_offset_rule) {
     played_.set_lead("b", 0.25);
     seek(1);
     EXPECT_EQ(shown("b"), 37);
+}
+
+// Holds whoever opens a movie, as a volume does that has gone.
+class held_volume : public wait_watch {
+  public:
+    held_volume() { listen(this); }
+    ~held_volume() override {
+        release();
+        listen(nullptr);
+    }
+    bool holds() const { return holding_; }
+    void release() {
+        const std::lock_guard lock(mutex_);
+        released_ = true;
+        change_.notify_all();
+    }
+
+  private:
+    void begins(const wait_note& note) override {
+        if (note.call() != std::string_view("open movie")) return;
+        std::unique_lock lock(mutex_);
+        holding_ = true;
+        change_.wait_for(lock, std::chrono::duration<double>(wait_seconds), [this] { return released_; });
+        holding_ = false;
+    }
+    void ended(const wait_note&, double) override {}
+
+    std::mutex mutex_;
+    std::condition_variable change_;
+    bool released_ = false;
+    std::atomic<bool> holding_ = false;
+};
+
+TEST_F(playback, a_vistel_goes_while_its_movie_is_still_being_opened) {
+    held_volume volume;
+    played_.set_vistels({{"a", 0, {{folder_ / "long.mp4", 0, 4}}}, {"b", 0, {}}});
+    played_.set_view_size("a", 160, 120);
+    played_.seek(1);
+    ASSERT_TRUE(wait_for([&] { return volume.holds(); }));
+    played_.set_vistels({{"b", 0, {}}});
+    EXPECT_TRUE(volume.holds());
+    volume.release();
 }
 
 TEST_F(playback, the_latest_seek_wins) {

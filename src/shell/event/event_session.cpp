@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "logger/press_engine.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -20,6 +21,7 @@ event_session::~event_session() {
 
 result<void> event_session::open(const std::string& folder, const home_places& places) {
     if (event_ && event_->folder() == folder) return {};
+    const expected_waits opening("an event opens");
     auto opened_event = open_event::open(folder, places, loop_);
     if (!opened_event) return opened_event.error();
     close();
@@ -39,6 +41,7 @@ result<void> event_session::open(const std::string& folder, const home_places& p
 
 void event_session::close() {
     if (!event_) return;
+    const expected_waits closing("an event is saved and closes");
     event_->playback().pause();
     release_buttons();
     connections_.clear();

@@ -69,13 +69,13 @@ void padding_commands::finish(const planned_padding& planned, const std::string&
     open_event* event = session_.shown_event();
     const bool is_there = event && session_.folder() == folder;
     if (cancelled || !outcome) {
-        if (is_there) remove_unused_padding_files(event->collection());
+        if (is_there) event->collection_file().note_change(true);
         if (!cancelled) tell_failure(outcome.error());
         return;
     }
     if (!is_there) return;
     if (const auto done = event->changes().make(planned.change); !done) {
-        remove_unused_padding_files(event->collection());
+        event->collection_file().note_change(true);
         tell_failure(done.error());
     }
 }

@@ -58,7 +58,7 @@ void undo_commands::take_with(direction which, std::vector<padding_file> needed)
         } else if (!cancelled) {
             session_.notices().tell(outcome);
         }
-        remove_unused_padding_files(now->collection());
+        now->collection_file().note_change(true);  // what was written and is not used goes
         return true;
     };
     jobs_.start(std::move(order));

@@ -5,6 +5,7 @@
 
 #include "app/event/open_event.h"
 #include "timeline/files/writer_lock.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -42,13 +43,26 @@ void writer_watch::follow_access() {
 }
 
 void writer_watch::look() {
-    if (is_free_ || !is_held_elsewhere() || !writer_lock::take(event_->folder())) return;
+    if (is_free_ || !is_held_elsewhere()) return;
+    if (!queue_) queue_ = std::make_unique<serial_queue>("writer watch");
+    queue_->forget_waiting();
+    queue_->post([this, folder = event_->folder()] {
+        const bool is_free = writer_lock::take(folder).ok();
+        loop_.post(guard_.guarded([this, folder, is_free] { take_look(folder, is_free); }));
+    });
+}
+
+void writer_watch::take_look(const std::string& folder, bool is_free) {
+    if (!is_free || is_free_ || !is_held_elsewhere() || event_->folder() != folder) return;
     is_free_ = true;
     changed.emit();
 }
 
 void writer_watch::try_to_write(bool take_over) {
     if (!event_) return;
+    const expected_waits opening("an event opens for changes");
+    // A look that is under way holds the other program's place for a moment.
+    if (queue_) queue_->drain();
     // What was done is told by the timeline.
     if (event_->try_to_write(take_over)) return;
     follow_access();

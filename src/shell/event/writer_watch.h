@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "util/failure.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
+#include "util/serial_queue.h"
 #include "util/signal.h"
 
 namespace vistels {
@@ -43,12 +46,15 @@ class writer_watch {
   private:
     void follow_access();
     void look();
+    void take_look(const std::string& folder, bool is_free);
 
     run_loop& loop_;
     open_event* event_ = nullptr;
     bool is_free_ = false;
     run_loop::timer_id timer_ = 0;  // while the event can only be read
     connection access_;
+    posted_work_guard guard_;
+    std::unique_ptr<serial_queue> queue_;  // looks for the other program; made when it is first needed
 };
 
 }  // namespace vistels

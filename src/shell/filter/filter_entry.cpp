@@ -7,6 +7,7 @@
 #include "app/settings/search_patterns.h"
 #include "shell/filter/filter_display.h"
 #include "shell/kit/failure_words.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -30,7 +31,11 @@ filter_entry::filter_entry(home_places places, run_loop& loop, QObject* parent)
     refresh_colours();
 }
 
-filter_entry::~filter_entry() = default;
+filter_entry::~filter_entry() {
+    const expected_waits closing("a filter's field goes, and what counts names for it ends");
+    queue_->forget_waiting();
+    queue_.reset();
+}
 
 void filter_entry::set_source(clip_filtering* filtering, timeline_document* document) {
     changed_.disconnect();
@@ -141,7 +146,7 @@ void filter_entry::refresh_texts() {
         texts_ = counted;
         Q_EMIT texts_changed();
     });
-    queue_.post([&loop = loop_, revision = document_->snapshot(), arrive]() mutable {
+    queue_->post([&loop = loop_, revision = document_->snapshot(), arrive]() mutable {
         const auto counted = std::make_shared<const formula_texts>(revision);
         revision = {};
         loop.post([arrive, counted]() mutable { arrive(counted); });

@@ -94,7 +94,7 @@ class filter_entry : public QObject {
     bool are_texts_old_ = true;
     bool is_counting_ = false;
     posted_work_guard guard_;  // of the counting under way
-    serial_queue queue_{"filter texts"};
+    std::unique_ptr<serial_queue> queue_ = std::make_unique<serial_queue>("filter texts");
 };
 
 }  // namespace vistels

@@ -9,10 +9,12 @@
 #include "logger/press_engine.h"
 #include "shell/kit/failure_words.h"
 #include "shell/kit/job_words.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
 bool agree_to_leave(QWidget& window, open_event& event) {
+    const expected_waits closing("an event is saved before its window closes");
     press_engine& logger = event.logger();
     const auto recorded = logger.record_waiting();
     const auto saved = event.save_all();

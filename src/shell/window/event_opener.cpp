@@ -15,6 +15,7 @@
 #include "shell/kit/work_panel.h"
 #include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
+#include "util/wait_watch.h"
 #include "video/synchronised_playback.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
@@ -131,6 +132,7 @@ void event_opener::open_vault(const std::string& vault) {
 }
 
 void event_opener::open_last_or_demo(const std::string& open_last) {
+    const expected_waits opening("an event is looked for, to be opened");
     if (!open_last.empty() && !can_be_opened(open_last)) Q_EMIT told(gone_message(open_last));
     const std::string folder = event_to_reopen(places_, open_last);
     if (!folder.empty()) return open_folder(folder);
@@ -275,6 +277,7 @@ void event_opener::ask_new_empty() {
 
 // It takes no time: there is nothing to bring.
 void event_opener::make_empty(const std::string& name, const std::string& vault) {
+    const expected_waits opening("a collection is made, to be opened");
     const std::string folder = new_collection_folder(vault, name);
     job work;
     const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, load_user_name(places_));

@@ -120,7 +120,7 @@ void main_window::make_commands() {
     timeline_commands_ = std::make_unique<timeline_commands>(*actions_, *session_);
     filter_commands_ = std::make_unique<filter_commands>(*actions_, *session_, places_);
     filter_commands_->fill(*menuBar()->findChild<QMenu*>(QStringLiteral("menu.Filter")));
-    vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, [this] {
+    vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, window_jobs_, [this] {
         return neighbours_.open_folders ? neighbours_.open_folders()
                                         : std::vector<std::string>{session_->folder()};
     });

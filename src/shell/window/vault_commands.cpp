@@ -5,6 +5,8 @@
 #include <QStandardPaths>
 #include <QStringList>
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/known_vaults.h"
@@ -12,7 +14,6 @@
 #include "shell/event/event_messages.h"
 #include "shell/kit/failure_words.h"
 #include "shell/panes/side_bar/content_side_bar.h"
-#include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
 #include "video/vault_lock.h"
 
@@ -28,10 +29,11 @@ std::string usual_parent() {
 }  // namespace
 
 vault_commands::vault_commands(QWidget& window, content_side_bar& side_bar, home_places places,
-                               std::function<std::vector<std::string>()> open_folders)
+                               job_group& jobs, std::function<std::vector<std::string>()> open_folders)
     : window_(window),
       side_bar_(side_bar),
       places_(std::move(places)),
+      jobs_(jobs),
       open_folders_(std::move(open_folders)) {}
 
 void vault_commands::create() {
@@ -39,24 +41,47 @@ void vault_commands::create() {
     create_vault_panel::values first;
     first.parent_folder = stored.parent_folder.empty() ? usual_parent() : stored.parent_folder;
     first.set_focus = load_set_focus_to_new_vault(places_).set;
-    const auto make = [this](const create_vault_panel::values& wanted, bool replace) {
-        using answer = create_vault_panel::answer;
-        using outcome = create_vault_panel::outcome;
-        const auto path = new_vault_path(wanted.parent_folder, wanted.name);
-        if (!path) return answer{outcome::failed, path.error(), {}};
-        if (!replace && file_exists(path.value()))
-            return answer{outcome::exists, {}, vault_name(path.value())};
-        if (replace && holds_open_event(path.value())) {
-            return answer{outcome::failed, modified_now(path.value()), {}};
-        }
-        (void)save_set_focus_to_new_vault(places_, {wanted.set_focus});
-        const auto made = create_new_vault(places_, {wanted.parent_folder, wanted.name, replace});
-        if (!made) return answer{outcome::failed, made.error(), {}};
-        tell(made.value().problem, tr("The vault is made, but not all is set"));
-        return answer{outcome::made, {}, {}};
+    const auto make_one = [this](const create_vault_panel::values& wanted, bool replace, auto done) {
+        make(wanted, replace, std::move(done));
     };
-    create_vault_panel panel(first, make, &window_);
+    create_vault_panel panel(first, make_one, &window_);
     if (panel.exec() == QDialog::Accepted) Q_EMIT changed();
+}
+
+void vault_commands::make(const create_vault_panel::values& wanted, bool replace,
+                          std::function<void(const create_vault_panel::answer&)> done) {
+    using answer = create_vault_panel::answer;
+    using outcome = create_vault_panel::outcome;
+    const auto path = new_vault_path(wanted.parent_folder, wanted.name);
+    if (!path) return done({outcome::failed, path.error(), {}});
+    if (replace && holds_open_event(path.value())) {
+        return done({outcome::failed, modified_now(path.value()), {}});
+    }
+    const auto made = std::make_shared<answer>();
+    const auto problem = std::make_shared<failure>();
+    job_order order;
+    order.title = tr("Making the vault “%1”").arg(QString::fromStdString(wanted.name)).toStdString();
+    order.keys = {vault_lock_key(path.value())};
+    order.work = [places = places_, wanted, replace, path = path.value(), made,
+                  problem](job&) -> result<void> {
+        if (!replace && file_exists(path)) {
+            *made = {outcome::exists, {}, vault_name(path)};
+            return {};
+        }
+        (void)save_set_focus_to_new_vault(places, {wanted.set_focus});
+        const auto vault = create_new_vault(places, {wanted.parent_folder, wanted.name, replace});
+        if (!vault) return vault.error();
+        made->what = outcome::made;
+        *problem = vault.value().problem;
+        return {};
+    };
+    order.then = [this, made, problem, done = std::move(done)](const result<void>& ended, bool) {
+        if (!ended) *made = {outcome::failed, ended.error(), {}};
+        if (*problem) tell(*problem, tr("The vault is made, but not all is set"));
+        done(*made);
+        return true;
+    };
+    jobs_.start(std::move(order));
 }
 
 bool vault_commands::holds_open_event(const std::string& vault) const {

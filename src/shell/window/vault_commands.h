@@ -9,6 +9,8 @@
 
 #include "app/settings/places.h"
 #include "shell/kit/message_bar.h"
+#include "shell/panes/side_bar/vault_panels.h"
+#include "util/job_list.h"
 #include "util/result.h"
 
 class QWidget;
@@ -22,9 +24,9 @@ class content_side_bar;
 class vault_commands : public QObject {
     Q_OBJECT
   public:
-    // `window` is the parent of the panels; both widgets must outlive the commands. `open_folders` names
-    // the folders of the events that are open, in this window or another.
-    vault_commands(QWidget& window, content_side_bar& side_bar, home_places places,
+    // `window` is the parent of the panels; both widgets and `jobs` must outlive the commands. `open_folders`
+    // names the folders of the events that are open, in this window or another.
+    vault_commands(QWidget& window, content_side_bar& side_bar, home_places places, job_group& jobs,
                    std::function<std::vector<std::string>()> open_folders);
 
     void create();
@@ -46,6 +48,8 @@ class vault_commands : public QObject {
     void changed();
 
   private:
+    void make(const create_vault_panel::values& wanted, bool replace,
+              std::function<void(const create_vault_panel::answer&)> done);
     void set_focus(const std::string& vault);
     bool holds_open_event(const std::string& vault) const;
     bool tell(const result<void>& done, const QString& headline);
@@ -53,6 +57,7 @@ class vault_commands : public QObject {
     QWidget& window_;
     content_side_bar& side_bar_;
     const home_places places_;
+    job_group& jobs_;
     const std::function<std::vector<std::string>()> open_folders_;
 };
 

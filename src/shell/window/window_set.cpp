@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "app/settings/settings_store.h"
 #include "app/start/last_focus.h"
 #include "app/vaults/known_vaults.h"
 #include "shell/event/event_messages.h"
@@ -22,6 +23,7 @@
 #include "shell/window/window_metrics.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
+#include "util/wait_watch.h"
 #include "video/video_coll_LOAD.h"
 
 namespace vistels {
@@ -47,8 +49,8 @@ QRect screen_of(const QRect& place) {
 window_set::window_set(home_places places, run_loop& loop) : window_set(std::move(places), loop, options{}) {}
 
 window_set::window_set(home_places places, run_loop& loop, options how)
-    : places_(std::move(places)),
-      loop_(loop),
+    : loop_(loop),
+      places_(with_store(std::move(places), trouble_teller())),
       keeps_list_(how.keeps_list),
       first_size_(how.size),
       content_(places_, loop_, seen_before(std::move(how.known_trees))),
@@ -77,6 +79,7 @@ window_set::~window_set() {
     ending_ = true;
     for (auto& one : members_) one.window->disconnect(this);
     members_.clear();
+    const expected_waits closing("a window that was closed goes");
     closed_.clear();
 }
 
@@ -299,6 +302,22 @@ main_window* window_set::front() const {
 
 void window_set::wait_until_kept() {
     queue_.drain();
+    places_.settings->wait_until_kept();
+}
+
+// Told on the thread that writes the settings.
+std::function<void(const failure&)> window_set::trouble_teller() {
+    auto tell = guard_.guarded([this](const failure& why) {
+        if (front())
+            front()->tell({user_message::tone::error,
+                           tr("The setting is not remembered"),
+                           QString::fromStdString(why.message()),
+                           {},
+                           {}});
+    });
+    return [&loop = loop_, tell = std::move(tell)](const failure& why) {
+        loop.post([tell, why]() mutable { tell(why); });
+    };
 }
 
 bool window_set::eventFilter(QObject* watched, QEvent* event) {

@@ -5,6 +5,7 @@
 #include <QSize>
 #include <QTimer>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@
 #include "shell/kit/message_bar.h"
 #include "shell/window/window_memory.h"
 #include "util/job_list.h"
+#include "util/posted_work_guard.h"
 #include "util/run_loop.h"
 #include "util/serial_queue.h"
 #include "util/signal.h"
@@ -110,10 +112,12 @@ class window_set : public QObject {
     void let_go_of_closed();
     void show_state();
     void list_in_menus();
+    std::function<void(const failure&)> trouble_teller();
     void keep();
 
-    const home_places places_;
     run_loop& loop_;
+    posted_work_guard guard_;
+    const home_places places_;  // with the settings of all windows
     const bool keeps_list_;
     const QSize first_size_;
     content_keeper content_;

@@ -15,6 +15,7 @@
 #include "util/property_list.h"
 #include "util/stored_sink.h"
 #include "util/uuid.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -282,6 +283,7 @@ void timeline_document::keep_conflicts(const journal_content& journal) {
 
 void timeline_document::renew_lock() {
     if (!lock_ || !journal_) return;
+    const expected_waits renewal("the writer's lock is renewed: the time of one file");
     if (!lock_->renew()) {
         (void)still_holds_lock();
     } else if (!is_saving() && look_for_strangers()) {
@@ -292,6 +294,7 @@ void timeline_document::renew_lock() {
 // Another program took the timeline over: from now on it is only looked at here.
 bool timeline_document::still_holds_lock() {
     if (lock_->is_held()) return true;
+    const expected_waits taken_over("another program took the timeline over");
     read_only_reason_ = lock_->lost();
     is_held_elsewhere_ = true;
     messages_.push_back(timeline_is_only_read_here(read_only_reason_));
@@ -351,8 +354,7 @@ result<void> timeline_document::apply(timeline_edit edit) {
     if (!journal_ || !still_holds_lock()) return read_only_reason_;
     change_set touched;
     const auto growing_before = timeline_.live_clips();
-    if (auto done = change_others(edit.others); !done)
-        return edit_could_not_be_done(edit.name, done.error());
+    if (auto done = change_others(edit.others); !done) return edit_could_not_be_done(edit.name, done.error());
     auto inverse = apply_edit(timeline_, edit, touched);
     if (!inverse) {
         withdraw_others(edit.others);

@@ -11,6 +11,7 @@
 #include "timeline/files/timeline_file_failures.h"
 #include "util/checksum.h"
 #include "util/file_failures.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -44,6 +45,8 @@ class timeline_journal::segment_file {
     // since no more than the end of the line may have been missing.
     result<void> write(std::string_view line) {
         const std::string whole = torn_ ? "torn\n" + std::string(line) : std::string(line);
+        // Into the machine's memory: what an edit is acknowledged by. Its sync is waited for by nobody.
+        const expected_waits append("an edit is put on record");
         const int fault = write_whole(files_, descriptor_, whole);
         torn_ = fault != 0;
         if (fault != 0) return file_could_not_be_written(path_, system_failure(fault));

@@ -15,6 +15,7 @@
 #include "shell/panes/collection/collection_scrolling.h"
 #include "shell/panes/collection/collection_view.h"
 #include "util/file_system.h"
+#include "util/wait_watch.h"
 #include "video/video_coll_Files.h"
 
 namespace vistels {
@@ -38,6 +39,8 @@ QStringList movies_in(const QMimeData& data) {
         const QString path = url.toLocalFile();
         const std::string name = path.toStdString();
         if (!path.isEmpty() && is_folder(name)) {
+            // Whether it can be dropped is to be said at once; one folder is listed.
+            const expected_waits looking("what is dragged is looked at");
             const open_requests what = what_to_open({name});
             if (what.found.empty() || what.found.front().what != open_request::kind::movies) return {};
             for (const auto& movie : what.found.front().movies) movies << QString::fromStdString(movie);

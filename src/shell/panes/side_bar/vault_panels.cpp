@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -164,8 +165,22 @@ void create_vault_panel::say(const QString& headline, const QString& reason, con
 }
 
 void create_vault_panel::make(bool replace) {
-    const values all = wanted();
-    const answer done = make_(all, replace);
+    set_waiting(true);
+    make_(wanted(), replace, [panel = QPointer<create_vault_panel>(this)](const answer& done) {
+        if (panel) panel->take(done);
+    });
+}
+
+void create_vault_panel::set_waiting(bool waits) {
+    waits_ = waits;
+    for (QWidget* one :
+         std::initializer_list<QWidget*>{name_, parent_, choose_, focus_, cancel_, replace_, create_}) {
+        one->setEnabled(!waits);
+    }
+}
+
+void create_vault_panel::take(const answer& done) {
+    set_waiting(false);
     switch (done.what) {
         case outcome::made:
             return accept();
@@ -195,6 +210,7 @@ void create_vault_panel::ask(bool asks) {
 }
 
 void create_vault_panel::reject() {
+    if (waits_) return;
     if (!asks_) return QDialog::reject();
     say({}, {}, "");
     ask(false);

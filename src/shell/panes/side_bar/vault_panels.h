@@ -51,8 +51,9 @@ class create_vault_panel final : public vault_panel {
         failure reason;    // of `failed`
         std::string name;  // of `exists`: the vault's
     };
-    // Makes the vault; with `replace` in place of one that exists.
-    using maker = std::function<answer(const values& wanted, bool replace)>;
+    // Makes the vault, with `replace` in place of one that exists, and tells `done` later. The panel waits.
+    using maker =
+        std::function<void(const values& wanted, bool replace, std::function<void(const answer&)> done)>;
 
     create_vault_panel(const values& first, maker make, QWidget* parent);
 
@@ -65,6 +66,8 @@ class create_vault_panel final : public vault_panel {
     void choose_parent();
     void follow_fields();
     void make(bool replace);
+    void take(const answer& done);
+    void set_waiting(bool waits);
     // Asks whether the vault that is there is replaced; the fields wait meanwhile.
     void ask(bool asks);
     void say(const QString& headline, const QString& reason, const char* tone);
@@ -80,6 +83,7 @@ class create_vault_panel final : public vault_panel {
     QPushButton* replace_;
     QPushButton* create_;
     bool asks_ = false;
+    bool waits_ = false;  // until the vault is made, or not
 };
 
 // Asks for the name of a new collection without movies, and for the vault that it goes into.
