@@ -11,6 +11,8 @@ namespace {
 
 // With fewer of all clips selected they are looked up, with more all are looked at.
 constexpr std::size_t looked_up_share = 16;
+// With more clips in one edit a set is made of the selected ones.
+constexpr std::size_t few_changes = 8;
 constexpr unsigned without_names = change_set::everything & ~change_set::others_changed;
 
 }  // namespace
@@ -126,20 +128,34 @@ void clip_selection::select_where(const wanted_clips& wanted) {
 }
 
 void clip_selection::follow(const change_set& changes) {
-    for (const auto& clip : changes.clips) take_back(clip);
+    // What is looked for by name in a long list is looked for in a set.
+    std::unordered_set<compact_text> named;
+    if (changes.clips.size() > few_changes) named.insert(chosen_.begin(), chosen_.end());
+    const auto is_chosen = [&](const std::string& clip) {
+        const compact_text uuid(clip);
+        return changes.clips.size() > few_changes
+                   ? named.contains(uuid)
+                   : std::find(chosen_.begin(), chosen_.end(), uuid) != chosen_.end();
+    };
+    for (const auto& clip : changes.clips) take_back(clip, is_chosen);
     // Where clips are not named one by one any of them may have come back.
     if ((changes.kinds & without_names) == without_names) {
-        for (const auto& clip : std::unordered_set(gone_)) take_back(clip);
+        for (const auto& clip : std::unordered_set(gone_)) take_back(clip, is_chosen);
     }
 }
 
-// What comes back, or was changed back, may bear the mark of another time.
-void clip_selection::take_back(const std::string& clip) {
+// What comes back, or was changed back, may be another record, and may bear the mark of another time.
+void clip_selection::take_back(const std::string& clip,
+                               const std::function<bool(const std::string&)>& is_chosen) {
     const auto place = document_.timeline().find_clip(clip);
     if (!place || place->is_live) return;
-    const bool is_selected = contains(*place->clip);
-    if (gone_.erase(clip) > 0 && is_selected) chosen_.emplace_back(clip);
-    if (is_main_) place->clip->set_selected(is_selected);
+    if (gone_.erase(clip) > 0) {
+        chosen_.emplace_back(clip);
+        selected_.put(*place->clip, true);
+    } else if (!contains(*place->clip) && is_chosen(clip)) {
+        selected_.put(*place->clip, true);
+    }
+    if (is_main_) place->clip->set_selected(contains(*place->clip));
 }
 
 }  // namespace vistels

@@ -47,7 +47,7 @@ class clip_selection {
     void clear(rows& touched);
     bool set(const clip_place& place, bool selected);
     void add(const std::string& clip, rows& touched);
-    void take_back(const std::string& clip);
+    void take_back(const std::string& clip, const std::function<bool(const std::string&)>& is_chosen);
     void follow(const change_set& changes);
 
     timeline_document& document_;
