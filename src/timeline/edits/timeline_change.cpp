@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <type_traits>
+#include <utility>
 
 namespace vistels {
 
@@ -89,9 +90,30 @@ class feasibility_check {
         return !there || std::none_of(there->clips().begin(), there->clips().end(),
                                       [&](const clip_pointer& clip) { return stands_here(clip->id()); });
     }
-    bool add(const std::string& clip, const shared_text& row) {
-        if (has_clip(clip) || !has_row(row)) return false;
-        come_.emplace(clip, row.str());
+    std::size_t row_count() const {
+        const auto still_there = [&](const row_pointer& row) { return has_row(row->uuid()); };
+        const auto& rows = timeline_.rows();
+        const auto there = static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), still_there));
+        const auto is_new = [&](const std::string& row) { return !timeline_.row_index(shared_text(row)); };
+        return there + static_cast<std::size_t>(std::count_if(come_rows_.begin(), come_rows_.end(), is_new));
+    }
+    bool has_qualifier(const std::string& clip, const std::string& qualifier) const {
+        if (const auto known = qualifiers_.find({clip, qualifier}); known != qualifiers_.end())
+            return known->second;
+        const auto come = contents_.find(clip);
+        const auto place = come == contents_.end() ? timeline_.find_clip(clip) : std::nullopt;
+        const sxy_CLIP* content = place                     ? place->clip.get()
+                                  : come == contents_.end() ? nullptr
+                                                            : come->second;
+        return content && std::any_of(content->qualifiers()->begin(), content->qualifiers()->end(),
+                                      [&](const qual_ITEM& item) { return item.uuid() == qualifier; });
+    }
+    bool add(const sxy_CLIP& clip, const shared_text& row) {
+        const std::string id = clip.id();
+        if (has_clip(id) || !has_row(row)) return false;
+        come_.emplace(id, row.str());
+        contents_[id] = &clip;
+        std::erase_if(qualifiers_, [&](const auto& known) { return known.first.first == id; });
         return true;
     }
 
@@ -106,7 +128,7 @@ class feasibility_check {
         gone_rows_.insert(one.row.str());
         return true;
     }
-    bool check(const operation::move_row& one) { return has_row(one.row); }
+    bool check(const operation::move_row& one) { return has_row(one.row) && one.index < row_count(); }
     bool check(const operation::change_row& one) { return has_row(one.row); }
     bool check(const operation::shift_times&) { return true; }
     bool check(const operation::shift_clips& one) {
@@ -115,8 +137,8 @@ class feasibility_check {
     }
     bool check(const operation::add_tombstones& one) { return has_row(one.row); }
     bool check(const operation::remove_tombstones& one) { return has_row(one.row); }
-    bool check(const operation::insert_clip& one) { return add(one.clip->id(), one.row); }
-    bool check(const operation::begin_clip& one) { return add(one.clip->id(), one.row); }
+    bool check(const operation::insert_clip& one) { return add(*one.clip, one.row); }
+    bool check(const operation::begin_clip& one) { return add(*one.clip, one.row); }
     bool check(const operation::remove_clip& one) {
         if (!has_clip(one.clip)) return false;
         come_.erase(one.clip);
@@ -130,12 +152,21 @@ class feasibility_check {
         return true;
     }
     bool check(const operation::change_clip& one) { return has_clip(one.clip); }
-    bool check(const operation::insert_qualifier& one) { return has_clip(one.clip); }
-    bool check(const operation::remove_qualifier& one) { return has_clip(one.clip); }
+    bool check(const operation::insert_qualifier& one) {
+        if (!has_clip(one.clip) || has_qualifier(one.clip, one.qualifier.uuid())) return false;
+        return qualifiers_[{one.clip, one.qualifier.uuid()}] = true;
+    }
+    bool check(const operation::remove_qualifier& one) {
+        if (!has_clip(one.clip) || !has_qualifier(one.clip, one.qualifier)) return false;
+        qualifiers_[{one.clip, one.qualifier}] = false;
+        return true;
+    }
     bool check(const operation::finish_clip& one) { return has_clip(one.clip); }
 
     const sxy_DATA_root& timeline_;
-    std::map<std::string, std::string> come_;  // clip -> its row
+    std::map<std::string, std::string> come_;                         // clip -> its row
+    std::map<std::string, const sxy_CLIP*> contents_;                 // of clips that come
+    std::map<std::pair<std::string, std::string>, bool> qualifiers_;  // clip, qualifier: whether it is there
     std::set<std::string> gone_;
     std::set<std::string> come_rows_;
     std::set<std::string> gone_rows_;
