@@ -28,9 +28,6 @@ class serial_queue {
     // Forgets work that has not begun.
     void forget_waiting();
 
-    // True when the calling thread is the queue's own.
-    bool is_current() const { return std::this_thread::get_id() == thread_.get_id(); }
-
   private:
     void run();
 
