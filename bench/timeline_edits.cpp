@@ -25,6 +25,7 @@
 
 #include "support/measure.h"
 #include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_journal.h"
 #include "util/json.h"
 #include "util/uuid.h"
@@ -281,7 +282,7 @@ void append_to_journal() {
     std::string folder = (std::filesystem::temp_directory_path() / "bench_timeline_edits_XXXXXX").string();
     if (!mkdtemp(folder.data())) stop_with("no temporary folder could be made");
     {
-        auto journal = timeline_journal::start(folder, 1, {}, 0);
+        auto journal = change_journal::start(folder, timeline_form, 1, {}, 0);
         if (!journal) stop_with(journal.message());
         const shared_text row(new_uuid());
         auto clip = clip_at(1234.567890123);
@@ -297,7 +298,7 @@ void append_to_journal() {
                 timespec from{};
                 timespec to{};
                 clock_gettime(CLOCK_MONOTONIC, &from);
-                processor.push_back(seconds_of([&] { (void)journal.value()->append(*edit); }));
+                processor.push_back(seconds_of([&] { (void)journal.value()->append(write_edit(*edit)); }));
                 clock_gettime(CLOCK_MONOTONIC, &to);
                 wall.push_back(static_cast<double>(to.tv_sec - from.tv_sec) +
                                static_cast<double>(to.tv_nsec - from.tv_nsec) * 1e-9);

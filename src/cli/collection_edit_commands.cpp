@@ -11,6 +11,7 @@
 #include "app/settings/user_name.h"
 #include "cli/command_failures.h"
 #include "cli/headless_changes.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/clock.h"
 #include "util/file_system.h"
@@ -199,7 +200,7 @@ result<command_outcome> copy(const edit_values& values, command_line& line) {
 }
 
 result<command_outcome> tidy(const edit_values& values, command_line& line) {
-    const auto lock = writer_lock::take(values.folder);
+    const auto lock = writer_lock::take(values.folder, timeline_form);
     if (!lock) return lock.error();
     const auto loaded = load_collection(values.folder, line.places().local_vistels());
     if (!loaded) return loaded.error();

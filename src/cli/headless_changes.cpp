@@ -6,6 +6,7 @@
 
 #include "app/vaults/mending.h"
 #include "cli/command_failures.h"
+#include "timeline/files/timeline_form.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
 
@@ -30,7 +31,7 @@ result<void> headless_changes::open(const std::string& folder, const home_places
         std::cerr << message.message() << '\n';
     blank_movie_ = std::make_unique<blank_vistel_movie>(places.temporary_folder());
     if (!has_timeline(folder)) {
-        auto lock = writer_lock::take(folder);
+        auto lock = writer_lock::take(folder, timeline_form);
         if (!lock) return lock.error();
         lock_ = std::move(lock).value();
         return load(places);

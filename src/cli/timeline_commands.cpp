@@ -10,6 +10,7 @@
 #include "cli/timeline_edit_commands.h"
 #include "cli/timeline_source.h"
 #include "timeline/edits/sxy_Adjust_Clip_Overlaps.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
@@ -90,7 +91,7 @@ result<void> save_files(const resave_values& values, const timeline_snapshot& ti
     const auto change = vault_lock::take_around(values.to);
     if (!change) return change.error();
     if (auto made = make_folders(values.to); !made) return made;
-    const auto lock = writer_lock::take(values.to);
+    const auto lock = writer_lock::take(values.to, timeline_form);
     if (!lock) return lock.error();
     const bool in_place = is_same_folder(values.source, values.to);
     const auto segments = journal_segments(values.to);

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "timeline/edits/timeline_edit.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_journal.h"
 #include "util/file_system.h"
 
@@ -15,8 +16,8 @@ namespace {
 // An edit that does not fit is passed over, as when the application opens the timeline.
 void replay(sxy_DATA_root& timeline, const journal_content& journal) {
     change_set touched;
-    (void)apply_edit(timeline, journal.base.growing, touched);
-    for (const auto& edit : journal.edits) (void)apply_edit(timeline, edit, touched);
+    (void)apply_edit(timeline, edit_in(journal.base.growing), touched);
+    for (const auto& edit : journal.edits) (void)apply_edit(timeline, edit_in(edit), touched);
     timeline_edit finish;
     for (const auto& place : timeline.live_clips()) {
         const double start = place.clip->secs_start();
@@ -47,10 +48,10 @@ result<loaded_timeline> read_source(const std::string& source) {
         if (!bytes) return bytes.error();
         mark = content_mark_of(bytes.value());
     }
-    const auto read = read_journal(source, mark);
+    const auto read = read_journal(source, timeline_form, mark);
     if (!read) return read.error();
     const auto& journal = read.value();
-    const bool has_edits = !journal.edits.empty() || !journal.base.growing.operations.empty();
+    const bool has_edits = !journal.edits.empty() || !edit_in(journal.base.growing).operations.empty();
     if (file_exists(path) || !has_edits) {
         auto from_file = load_and_tell(source);
         if (!from_file) return from_file;

@@ -19,6 +19,7 @@
 #include "demo/simulation.h"
 #include "logger/logger_Dict_funcs.h"
 #include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/file_failures.h"
 #include "util/file_system.h"
@@ -65,7 +66,7 @@ void remove_unfinished(const std::string& vault) {
         if (!name.starts_with(unfinished_mark)) continue;
         const std::string folder = path_join(vault, name);
         std::error_code ignored;
-        if (const auto lock = writer_lock::take(folder)) fs::remove_all(folder, ignored);
+        if (const auto lock = writer_lock::take(folder, timeline_form)) fs::remove_all(folder, ignored);
     }
 }
 
@@ -224,7 +225,7 @@ result<demo_paths> make_demo_collection(const std::string& vault_folder, const d
     remove_unfinished(vault_folder);
     const passing_folder hidden(path_join(vault_folder, unfinished_mark + new_uuid()));
     if (auto made = make_folders(hidden.path()); !made) return made.error();
-    const auto lock = writer_lock::take(hidden.path());
+    const auto lock = writer_lock::take(hidden.path(), timeline_form);
     if (!lock) return lock.error();
     event_maker maker(hidden.path(), free_name(collections, event_name), options);
     if (auto made = maker.make(work); !made) return made.error();

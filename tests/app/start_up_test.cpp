@@ -17,6 +17,7 @@
 #include "app/vaults/vaults.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
@@ -260,7 +261,7 @@ TEST(start_up, mends_torn_files_in_every_known_vault) {
         put_file(folder + "/x.plist", "<plist><di");
         put_file(folder + "/x.plist <previous> 7", whole);
     }
-    const auto writer = writer_lock::take(open_elsewhere);
+    const auto writer = writer_lock::take(open_elsewhere, timeline_form);
     ASSERT_TRUE(writer);
     const auto report = started(places);
     EXPECT_EQ(file_bytes(open_elsewhere + "/x.plist"), "<plist><di");
@@ -295,13 +296,13 @@ TEST(start_up, cleans_and_keeps_aside_what_killed_saves_left_in_vaults_that_nobo
         return cleaned;
     };
     {
-        const auto writer = writer_lock::take(event);
+        const auto writer = writer_lock::take(event, timeline_form);
         const auto lock = vault_lock::take(places.home_vault);
         ASSERT_TRUE(writer && lock);
         EXPECT_EQ(cleaned_now(), std::vector{old[4]});
     }
     {
-        const auto writer = writer_lock::take(event);
+        const auto writer = writer_lock::take(event, timeline_form);
         ASSERT_TRUE(writer);
         EXPECT_EQ(cleaned_now(), std::vector{old[3]}) << "the code window belongs to the open timeline";
     }

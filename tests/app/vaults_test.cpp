@@ -12,6 +12,7 @@
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/property_list.h"
 #include "video/vault_lock.h"
@@ -139,7 +140,7 @@ TEST(vaults, what_is_never_replaced) {
     const auto second = vault_lock::take(home / "Busy.VVault");
     EXPECT_EQ(second.message(), "Vault 'Busy' is currently being modified.");
     fs::create_directories(home / "Coded.VVault/Video Groups/Final");
-    const auto writer = writer_lock::take(home / "Coded.VVault/Video Groups/Final");
+    const auto writer = writer_lock::take(home / "Coded.VVault/Video Groups/Final", timeline_form);
     ASSERT_TRUE(writer);
     const std::pair<const char*, const char*> cases[] = {
         {"Home Vault", "is the home vault"},

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "allocation_count.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_journal.h"
 #include "util/checksum.h"
 
@@ -83,8 +84,8 @@ void check(const journal_content& content, std::size_t segments) {
     if (!content.left_out.empty() && content.messages.empty()) std::abort();
     sxy_DATA_root timeline;
     change_set touched;
-    (void)apply_edit(timeline, content.base.growing, touched);
-    for (const auto& edit : content.edits) (void)apply_edit(timeline, edit, touched);
+    (void)apply_edit(timeline, edit_in(content.base.growing), touched);
+    for (const auto& edit : content.edits) (void)apply_edit(timeline, edit_in(edit), touched);
 }
 
 }  // namespace
@@ -105,7 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool is_modest = fuzz::is_lean(
         bytes, "reading the journal",
         [&] {
-            const auto content = read_journal("folder", file, files);
+            const auto content = read_journal("folder", timeline_form, file, files);
             if (!content) std::abort();
             check(content.value(), files.segments.size());
         },

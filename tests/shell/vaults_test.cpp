@@ -41,6 +41,7 @@
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
 #include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
@@ -285,7 +286,7 @@ TEST_F(vault_window, a_timeline_alone_is_coded_on_a_clock) {
 
 TEST_F(vault_window, a_timeline_that_another_program_writes_refuses_and_is_tried_again) {
     const std::string folder = put_timeline("Away game");
-    auto other = writer_lock::take(folder);
+    auto other = writer_lock::take(folder, timeline_form);
     ASSERT_TRUE(other.ok());
     show();
     open_line("Away game");

@@ -14,6 +14,7 @@
 #include "support/sanitized.h"
 #include "support/temporary_folder.h"
 #include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_journal.h"
 #include "util/checksum.h"
 #include "util/json.h"
@@ -267,7 +268,9 @@ TEST(journal, no_line_makes_reading_it_need_more_than_seventy_two_times_its_size
     segments.push_back(small_lines);
     for (const auto& segment : segments) {
         testing::put_file(folder / "chron data journal 1", segment);
-        const std::size_t needed = most_needed([&] { EXPECT_TRUE(read_journal(folder.path(), {1, 1})); });
+        const std::size_t needed = most_needed([&] {
+            EXPECT_TRUE(read_journal(folder.path(), timeline_form, {1, 1}));
+        });
         EXPECT_LE(needed, most_times_of_journal * segment.size())
             << segment.substr(0, 250) << ": "
             << static_cast<double>(needed) / static_cast<double>(segment.size());
@@ -300,7 +303,7 @@ TEST(journal, all_real_edits_are_read) {
         segment += journal_line(write_json(line, json_layout::one_line));
     }
     testing::put_file(folder / "chron data journal 1", segment);
-    const auto content = read_journal(folder.path(), {1, 1});
+    const auto content = read_journal(folder.path(), timeline_form, {1, 1});
     ASSERT_TRUE(content) << content.message();
     EXPECT_TRUE(content.value().fits);
     EXPECT_EQ(content.value().edits.size(), edits.size());

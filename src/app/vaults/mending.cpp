@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "logger/logger_Dict_funcs.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_recovery.h"
 #include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
@@ -71,7 +72,7 @@ recovery mend_tree(const vault_tree& tree, const std::string& but) {
         std::vector<std::unique_ptr<writer_lock>> locks;
         const bool is_free = std::all_of(writers.begin(), writers.end(), [&](const std::string& writer) {
             if (!lies_in(folder, writer)) return true;
-            auto taken = writer_lock::take(writer);
+            auto taken = writer_lock::take(writer, timeline_form);
             if (taken) locks.push_back(std::move(taken).value());
             return taken.ok();
         });
@@ -86,7 +87,7 @@ recovery mend_event(const std::string& folder, const std::string& local_vistels)
     const auto mend = [&](const std::string& one) {
         if (!has_copies(one)) return true;
         if (!lock) {
-            auto taken = writer_lock::take(folder);
+            auto taken = writer_lock::take(folder, timeline_form);
             if (!taken) return false;
             lock = std::move(taken).value();
         }

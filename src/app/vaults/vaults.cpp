@@ -11,6 +11,7 @@
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/trash.h"
 #include "app/vaults/vault_failures.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/file_failures.h"
 #include "util/text_forms.h"
@@ -55,7 +56,7 @@ result<std::string> timeline_in_use(const std::string& vault) {
     const auto looked = tree.look();
     if (!looked) return looked.error();
     for (const auto& folder : tree.folders_with_writer()) {
-        if (!writer_lock::take(folder)) return folder;
+        if (!writer_lock::take(folder, timeline_form)) return folder;
     }
     return std::string();
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/writer_lock.h"
 #include "util/wait_watch.h"
 
@@ -47,7 +48,7 @@ void writer_watch::look() {
     if (!queue_) queue_ = std::make_unique<serial_queue>("writer watch");
     queue_->forget_waiting();
     queue_->post([this, folder = event_->folder()] {
-        const bool is_free = writer_lock::take(folder).ok();
+        const bool is_free = writer_lock::take(folder, timeline_form).ok();
         loop_.post(guard_.guarded([this, folder, is_free] { take_look(folder, is_free); }));
     });
 }

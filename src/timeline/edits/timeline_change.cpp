@@ -189,6 +189,17 @@ property_dictionary timeline_change::stored() const {
     return write_edit({"", "", operations_});
 }
 
+change_pointer read_recorded_edit(const property_dictionary& stored) {
+    auto edit = read_edit(stored);
+    return edit ? std::make_shared<const recorded_timeline_edit>(std::move(edit).value()) : nullptr;
+}
+
+const timeline_edit& edit_in(const change_pointer& recorded) {
+    static const timeline_edit none;
+    const auto* own = dynamic_cast<const recorded_timeline_edit*>(recorded.get());
+    return own ? own->edit() : none;
+}
+
 change_pointer timeline_change_of(operations all) {
     return std::make_shared<const timeline_change>(std::move(all));
 }

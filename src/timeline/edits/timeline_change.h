@@ -22,6 +22,22 @@ class timeline_change final : public document_change {
     std::vector<operation::any> operations_;
 };
 
+// A whole edit of a timeline, with what it changes of other documents, as the journal holds it.
+class recorded_timeline_edit final : public document_change {
+  public:
+    explicit recorded_timeline_edit(timeline_edit edit) : edit_(std::move(edit)) {}
+    const timeline_edit& edit() const { return edit_; }
+    property_dictionary stored() const override { return write_edit(edit_); }
+
+  private:
+    timeline_edit edit_;
+};
+
+// From its stored form; null when that cannot be read.
+change_pointer read_recorded_edit(const property_dictionary& stored);
+// The edit of a recorded_timeline_edit; an empty one of another kind of change, or of none.
+const timeline_edit& edit_in(const change_pointer& recorded);
+
 change_pointer timeline_change_of(std::vector<operation::any> operations);
 // The operations of a timeline_change; none of another kind of change.
 const std::vector<operation::any>& operations_in(const document_change& change);

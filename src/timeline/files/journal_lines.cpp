@@ -30,7 +30,7 @@ property_dictionary write_base(const journal_base& base) {
     values.add("size", base.content.size);
     values.add("hash", checksum_text(base.content.hash));
     values.add("through", static_cast<std::int64_t>(base.through));
-    values.add("growing", write_edit(base.growing));
+    if (base.growing) values.add("growing", base.growing->stored());
     if (!base.writer.empty()) values.add("writer", base.writer);
     property_array covers;
     for (const auto& part : base.covers) {
@@ -49,7 +49,7 @@ property_dictionary write_base(const journal_base& base) {
     return document;
 }
 
-std::optional<journal_base> read_base(const property_dictionary& document) {
+std::optional<journal_base> read_base(const property_dictionary& document, const recorded_form& form) {
     const auto* values = document.dictionary("base");
     const auto size = values ? values->integer("size") : std::nullopt;
     const auto through = values ? values->integer("through") : std::nullopt;
@@ -58,9 +58,8 @@ std::optional<journal_base> read_base(const property_dictionary& document) {
     base.content = {*size, checksum_from_text(values->text_or_empty("hash")).value_or(0)};
     base.through = static_cast<std::uint64_t>(*through);
     if (const auto* growing = values->dictionary("growing")) {
-        auto edit = read_edit(*growing);
-        if (!edit) return std::nullopt;
-        base.growing = std::move(edit).value();
+        base.growing = form.read_edit(*growing);
+        if (!base.growing) return std::nullopt;
     }
     base.writer = values->text_or_empty("writer");
     base.taken = static_cast<std::uint64_t>(std::max(values->integer("taken").value_or(0), std::int64_t{0}));
@@ -76,7 +75,8 @@ std::optional<journal_base> read_base(const property_dictionary& document) {
     return base;
 }
 
-int segment_number(const std::string& name) {
+int segment_number(const std::string& name, const recorded_form& form) {
+    const std::string_view segment_name = form.segment_name;
     if (!name.starts_with(segment_name)) return 0;
     int number = 0;
     for (const char digit : std::string_view(name).substr(segment_name.size())) {

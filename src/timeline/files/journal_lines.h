@@ -23,12 +23,11 @@ std::string line_of(const property_dictionary& document);
 property_value read_line(std::string_view line, std::uint64_t& sum);
 
 property_dictionary write_base(const journal_base& base);
-std::optional<journal_base> read_base(const property_dictionary& document);
+std::optional<journal_base> read_base(const property_dictionary& document, const recorded_form& form);
 
-inline constexpr std::string_view segment_name = "chron data journal ";
 inline constexpr int highest_segment = 1'000'000'000;
 
 // The number in a segment's file name; 0 for other files.
-int segment_number(const std::string& name);
+int segment_number(const std::string& name, const recorded_form& form);
 
 }  // namespace vistels

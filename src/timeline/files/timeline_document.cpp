@@ -9,6 +9,7 @@
 #include "timeline/edits/edit_failures.h"
 #include "timeline/edits/edit_names.h"
 #include "timeline/files/timeline_file_failures.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_recovery.h"
 #include "util/clock.h"
 #include "util/file_failures.h"
@@ -21,12 +22,12 @@ namespace vistels {
 
 namespace {
 
-timeline_edit growing_clips(const timeline_snapshot& timeline) {
+change_pointer growing_clips(const timeline_snapshot& timeline) {
     timeline_edit edit;
     for (const auto& place : timeline.live_clips) {
         edit.operations.emplace_back(operation::begin_clip{place.row, *place.clip});
     }
-    return edit;
+    return std::make_shared<const recorded_timeline_edit>(std::move(edit));
 }
 
 file_content_mark mark_of(const known_file& known) {
@@ -99,7 +100,7 @@ timeline_document::~timeline_document() {
 }
 
 result<void> timeline_document::load() {
-    if (auto lock = writer_lock::take(folder_, files_, &is_held_elsewhere_)) {
+    if (auto lock = writer_lock::take(folder_, timeline_form, files_, &is_held_elsewhere_)) {
         lock_ = std::move(lock).value();
         auto mended = recover_timeline_folder(folder_, files_);
         messages_ = std::move(mended.messages);
@@ -118,8 +119,8 @@ result<void> timeline_document::try_to_write(bool take_over) {
     if (journal_) return {};
     std::unique_ptr<writer_lock> taken;
     if (!lock_) {
-        auto lock = take_over ? writer_lock::take_over(folder_, files_, &is_held_elsewhere_)
-                              : writer_lock::take(folder_, files_, &is_held_elsewhere_);
+        auto lock = take_over ? writer_lock::take_over(folder_, timeline_form, files_, &is_held_elsewhere_)
+                              : writer_lock::take(folder_, timeline_form, files_, &is_held_elsewhere_);
         if (!lock) return read_only_reason_ = lock.error();
         taken = std::move(lock).value();
         auto mended = recover_timeline_folder(folder_, files_);
@@ -149,7 +150,7 @@ result<timeline_document::files_read> timeline_document::read_files(bool may_cha
         if (auto done = read_data(read, may_change); !done) return done.error();
         if (auto done = read_header(read); !done) return done.error();
         read.saver = last_saver(folder_, files_).value_or("");
-        auto journal = read_journal(folder_, mark_of(read.data), files_);
+        auto journal = read_journal(folder_, timeline_form, mark_of(read.data), files_);
         if (!journal) return journal.error();
         read.journal = std::move(journal).value();
         file_identity now;
@@ -239,8 +240,8 @@ void timeline_document::start_writing(const journal_content& journal) {
     base.taken = journal.last_number;
     base.writer = instance_;
     base.covers = journal.parts;
-    auto started =
-        timeline_journal::start(folder_, journal.last_segment + 1, base, journal.last_number, files_);
+    auto started = change_journal::start(folder_, timeline_form, journal.last_segment + 1, base,
+                                         journal.last_number, files_);
     if (!started) {
         read_only_reason_ = started.error();
         messages_.push_back(timeline_is_only_read(read_only_reason_));
@@ -315,8 +316,8 @@ bool timeline_document::look_for_strangers() {
 }
 
 void timeline_document::replay(const journal_content& journal) {
-    std::vector<const timeline_edit*> all{&journal.base.growing};
-    for (const auto& edit : journal.edits) all.push_back(&edit);
+    std::vector<const timeline_edit*> all{&edit_in(journal.base.growing)};
+    for (const auto& edit : journal.edits) all.push_back(&edit_in(edit));
     for (const auto* edit : all) {
         if (edit->operations.empty() && edit->others.empty()) continue;
         change_set touched;
@@ -360,7 +361,7 @@ result<void> timeline_document::apply(timeline_edit edit) {
         withdraw_others(edit.others);
         return inverse.error();
     }
-    if (auto recorded = journal_->append(edit); !recorded) {
+    if (auto recorded = journal_->append(write_edit(edit)); !recorded) {
         withdraw_edit(timeline_, inverse.value(), growing_before);
         withdraw_others(edit.others);
         return recorded;

@@ -141,7 +141,7 @@ class timeline_document : public editable_document {
     timeline_header header_;
     std::string author_;
     double collection_number_ = 0;
-    std::shared_ptr<timeline_journal> journal_;  // none: the timeline can only be read
+    std::shared_ptr<change_journal> journal_;  // none: the timeline can only be read
     failure read_only_reason_;
     bool is_held_elsewhere_ = false;
     // The files as this document read or wrote them last, and "uuid last saved" then. Used by loading and,

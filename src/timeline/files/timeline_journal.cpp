@@ -20,7 +20,7 @@ file_content_mark content_mark_of(std::string_view file_content) {
 }
 
 // One open segment, closed when nobody uses it any more.
-class timeline_journal::segment_file {
+class change_journal::segment_file {
   public:
     segment_file(file_system& files, std::string path, int descriptor)
         : files_(files), path_(std::move(path)), descriptor_(descriptor) {}
@@ -68,20 +68,20 @@ class timeline_journal::segment_file {
     bool torn_ = false;
 };
 
-timeline_journal::timeline_journal(std::string folder, int segment, std::uint64_t last_number,
-                                   file_system& files)
-    : folder_(std::move(folder)), files_(files), segment_(segment), last_number_(last_number) {}
+change_journal::change_journal(std::string folder, const recorded_form& form, int segment,
+                               std::uint64_t last_number, file_system& files)
+    : folder_(std::move(folder)), form_(form), files_(files), segment_(segment), last_number_(last_number) {}
 
-timeline_journal::~timeline_journal() {
+change_journal::~change_journal() {
     sync_queue_.drain();
 }
 
-std::string timeline_journal::segment_path(int segment) const {
-    return path_join(folder_, std::string(segment_name) + std::to_string(segment));
+std::string change_journal::segment_path(int segment) const {
+    return path_join(folder_, std::string(form_.segment_name) + std::to_string(segment));
 }
 
 // Raises `segment` to the number of the file that was made.
-result<std::shared_ptr<timeline_journal::segment_file>> timeline_journal::next_segment(int& segment) const {
+result<std::shared_ptr<change_journal::segment_file>> change_journal::next_segment(int& segment) const {
     for (; segment < highest_segment; ++segment) {
         std::shared_ptr<segment_file> file;
         const int fault = segment_file::create(files_, segment_path(segment), file);
@@ -91,18 +91,18 @@ result<std::shared_ptr<timeline_journal::segment_file>> timeline_journal::next_s
     return journal_has_no_segment_left(folder_);
 }
 
-std::string timeline_journal::base_line(journal_base base) const {
+std::string change_journal::base_line(journal_base base) const {
     base.writer = writer_;
     base.covers = covers_;
     base.taken = taken_;
     return line_of(write_base(base));
 }
 
-result<std::unique_ptr<timeline_journal>> timeline_journal::start(const std::string& folder, int segment,
-                                                                  const journal_base& base,
-                                                                  std::uint64_t last_number,
-                                                                  file_system& files) {
-    std::unique_ptr<timeline_journal> journal(new timeline_journal(folder, segment, last_number, files));
+result<std::unique_ptr<change_journal>> change_journal::start(const std::string& folder,
+                                                              const recorded_form& form, int segment,
+                                                              const journal_base& base,
+                                                              std::uint64_t last_number, file_system& files) {
+    std::unique_ptr<change_journal> journal(new change_journal(folder, form, segment, last_number, files));
     journal->writer_ = base.writer;
     journal->covers_ = base.covers;
     journal->taken_ = base.taken;
@@ -119,16 +119,16 @@ result<std::unique_ptr<timeline_journal>> timeline_journal::start(const std::str
     return journal;
 }
 
-std::uint64_t timeline_journal::last_number() const {
+std::uint64_t change_journal::last_number() const {
     const std::lock_guard lock(mutex_);
     return last_number_;
 }
 
-result<void> timeline_journal::append(const timeline_edit& edit) {
+result<void> change_journal::append(property_dictionary edit) {
     property_dictionary document;
     const std::lock_guard lock(mutex_);
     document.add("number", static_cast<std::int64_t>(last_number_ + 1));
-    document.add("edit", write_edit(edit));
+    document.add("edit", std::move(edit));
     std::string line = line_of(document);
     if (auto written = append_line(line); !written) return written;
     recent_.push_back({last_number_ + 1, std::move(line)});
@@ -145,7 +145,7 @@ result<void> timeline_journal::append(const timeline_edit& edit) {
 
 // Where locks do not work another program may have taken this writer for dead and its segment away. What is
 // not saved goes into a new one.
-result<void> timeline_journal::move_on() {
+result<void> change_journal::move_on() {
     int coming = segment_ + 1;
     auto created = next_segment(coming);
     if (!created) return created.error();
@@ -162,21 +162,21 @@ result<void> timeline_journal::move_on() {
     return {};
 }
 
-result<void> timeline_journal::append_time(double collection_seconds) {
+result<void> change_journal::append_time(double seconds) {
     property_dictionary document;
-    document.add("time", collection_seconds);
+    document.add("time", seconds);
     const std::lock_guard lock(mutex_);
     last_time_line_ = line_of(document);
     return append_line(last_time_line_);
 }
 
-result<void> timeline_journal::append_line(const std::string& line) {
+result<void> change_journal::append_line(const std::string& line) {
     auto written = file_->write(line);
     if (written) sync_soon();
     return written;
 }
 
-void timeline_journal::sync_soon() {
+void change_journal::sync_soon() {
     if (sync_is_waiting_) return;
     sync_is_waiting_ = true;
     sync_queue_.post([this] {
@@ -191,7 +191,7 @@ void timeline_journal::sync_soon() {
     });
 }
 
-result<void> timeline_journal::sync() {
+result<void> change_journal::sync() {
     std::shared_ptr<segment_file> file;
     {
         const std::lock_guard lock(mutex_);
@@ -203,7 +203,7 @@ result<void> timeline_journal::sync() {
     return {};
 }
 
-result<void> timeline_journal::note_save(const journal_base& coming) {
+result<void> change_journal::note_save(const journal_base& coming) {
     std::shared_ptr<segment_file> file;
     {
         const std::lock_guard lock(mutex_);
@@ -215,7 +215,7 @@ result<void> timeline_journal::note_save(const journal_base& coming) {
     return file->sync();
 }
 
-result<void> timeline_journal::save_done(const journal_base& base) {
+result<void> change_journal::save_done(const journal_base& base) {
     int coming = 0;
     std::size_t copied = 0;
     std::string lines = base_line(base);
@@ -254,7 +254,7 @@ result<void> timeline_journal::save_done(const journal_base& base) {
 }
 
 // A segment that another program took for covered and deleted may have left its number to one of theirs.
-bool timeline_journal::is_own(const own_segment& segment) const {
+bool change_journal::is_own(const own_segment& segment) const {
     file_identity found;
     const int fault = files_.identity(segment_path(segment.number), found);
     return fault != ENOENT && (fault != 0 || segment.inode == 0 || found.inode == segment.inode);
@@ -262,7 +262,7 @@ bool timeline_journal::is_own(const own_segment& segment) const {
 
 // A writer that does not know of this one may write on: its segment is moved out of its reach before it is
 // looked at for the last time, and kept when it has grown.
-bool timeline_journal::remove_covered(const journal_part& part) {
+bool change_journal::remove_covered(const journal_part& part) {
     const std::string path = segment_path(part.segment);
     file_identity found;
     const auto is_as_read = [&] {
@@ -284,7 +284,7 @@ bool timeline_journal::remove_covered(const journal_part& part) {
     return true;
 }
 
-bool timeline_journal::remove_older_than(int segment) {
+bool change_journal::remove_older_than(int segment) {
     bool all = true;
     for (const auto& part : covers_) all = remove_covered(part) && all;
     const std::lock_guard lock(mutex_);
@@ -297,7 +297,7 @@ bool timeline_journal::remove_older_than(int segment) {
     return all && older_.empty();
 }
 
-void timeline_journal::remove_if_covered(std::uint64_t saved_through) {
+void change_journal::remove_if_covered(std::uint64_t saved_through) {
     sync_queue_.drain();
     own_segment newest{};
     {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "timeline/edits/timeline_edit.h"
 #include "timeline/files/file_content_mark.h"
+#include "timeline/files/recorded_form.h"
 #include "util/file_system.h"
 #include "util/result.h"
 #include "util/serial_queue.h"
@@ -27,57 +27,58 @@ struct journal_part {
 };
 
 // A state of the saved file that a journal continues: its content, the number of the last edit that it holds,
-// and the clips that were growing then, which no file holds.
+// and what begins the things that were growing then, such as the clip of a button that is down, which no file
+// holds.
 struct journal_base {
     file_content_mark content;
     std::uint64_t through = 0;
-    timeline_edit growing;             // begin_clip operations
+    change_pointer growing;            // an edit as the form reads it; null: nothing grew
     std::string writer;                // the document that keeps this journal
     std::vector<journal_part> covers;  // what earlier writers left and this one took up ...
     std::uint64_t taken = 0;           // ... through this number
 };
 
-// What the journal of a timeline holds beyond the saved file.
+// What the journal of a document holds beyond the saved file.
 struct journal_content {
-    journal_base base;                 // the newest that fits the file; a fresh one when none does
-    std::vector<timeline_edit> edits;  // in order, without those in base.growing
-    std::uint64_t last_number = 0;     // of the last edit; base.through when there is none
-    std::optional<double> last_time;   // seconds: the last collection time that was noted
-    int last_segment = 0;              // the highest segment number in use
-    bool fits = false;                 // a segment continues the file that is there
-    std::vector<journal_part> parts;   // every segment that was read
+    journal_base base;                  // the newest that fits the file; a fresh one when none does
+    std::vector<change_pointer> edits;  // as the form reads them, in order, without base.growing
+    std::uint64_t last_number = 0;      // of the last edit; base.through when there is none
+    std::optional<double> last_time;    // seconds: the last time that was noted
+    int last_segment = 0;               // the highest segment number in use
+    bool fits = false;                  // a segment continues the file that is there
+    std::vector<journal_part> parts;    // every segment that was read
     // Segments with edits that are not among `edits`: they continue another file, an edit before them is
     // missing, or two programs wrote at the same time. `messages` tells which.
     std::vector<std::string> left_out;
     std::vector<failure> messages;
 };
 
-// Reads the segments "chron data journal N" in `folder` against the file that is there. What was torn is
+// Reads the segments of the journal in `folder` against the file that is there. What was torn is
 // passed over; edits behind a missing one are not replayed, and that is told. Nothing is changed on disk. A
 // segment that the volume fails to read is a failure: its edits must not count as not made.
-result<journal_content> read_journal(const std::string& folder, const file_content_mark& file,
-                                     file_system& files = machine_files());
+result<journal_content> read_journal(const std::string& folder, const recorded_form& form,
+                                     const file_content_mark& file, file_system& files = machine_files());
 
-// Appends the edits of one timeline to its journal. Every member may be called from any thread.
-class timeline_journal {
+// Appends the edits of one document to its journal. Every member may be called from any thread.
+class change_journal {
   public:
     // Starts segment `segment`, or the next free one, which continues `base`; the next edit gets the number
     // after `last_number`. What `base` covers is deleted with the segments that a save has made superfluous,
     // but for parts that somebody wrote on to since.
-    static result<std::unique_ptr<timeline_journal>> start(const std::string& folder, int segment,
-                                                           const journal_base& base,
-                                                           std::uint64_t last_number,
-                                                           file_system& files = machine_files());
-    ~timeline_journal();
-    timeline_journal(const timeline_journal&) = delete;
-    timeline_journal& operator=(const timeline_journal&) = delete;
+    static result<std::unique_ptr<change_journal>> start(const std::string& folder, const recorded_form& form,
+                                                         int segment, const journal_base& base,
+                                                         std::uint64_t last_number,
+                                                         file_system& files = machine_files());
+    ~change_journal();
+    change_journal(const change_journal&) = delete;
+    change_journal& operator=(const change_journal&) = delete;
 
-    // The edit is on record (it survives the death of the process) when this returns ok; it is synced to the
-    // volume at once on a queue of its own.
-    result<void> append(const timeline_edit& edit);
+    // The edit, in its stored form, is on record (it survives the death of the process) when this returns ok;
+    // it is synced to the volume at once on a queue of its own.
+    result<void> append(property_dictionary edit);
 
-    // Notes the collection time, from which a clip that was growing when the process died gets its end.
-    result<void> append_time(double collection_seconds);
+    // Notes a time, at which what was growing when the process died ends.
+    result<void> append_time(double seconds);
 
     std::uint64_t last_number() const;
 
@@ -107,7 +108,8 @@ class timeline_journal {
         std::string line;
     };
 
-    timeline_journal(std::string folder, int segment, std::uint64_t last_number, file_system& files);
+    change_journal(std::string folder, const recorded_form& form, int segment, std::uint64_t last_number,
+                   file_system& files);
     result<void> append_line(const std::string& line);
     void sync_soon();
     std::string segment_path(int segment) const;
@@ -119,6 +121,7 @@ class timeline_journal {
     result<void> move_on();
 
     const std::string folder_;
+    const recorded_form& form_;
     file_system& files_;
     std::string writer_;
     std::vector<journal_part> covers_;

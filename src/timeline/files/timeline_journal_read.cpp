@@ -14,7 +14,7 @@ namespace {
 
 struct numbered_edit {
     std::uint64_t number;
-    timeline_edit edit;
+    change_pointer edit;
     std::uint64_t sum;    // the line's checksum
     std::size_t segment;  // its index among those read
 };
@@ -29,33 +29,34 @@ struct segment_content {
     std::string writer() const { return bases.empty() ? std::string() : bases.back().writer; }
 };
 
-void take_line(std::string_view line, segment_content& segment) {
+void take_line(std::string_view line, const recorded_form& form, segment_content& segment) {
     std::uint64_t sum = 0;
     const auto value = read_line(line, sum);
     const auto* document = value.dictionary();
     if (!document) return;
     if (const auto time = document->number("time")) segment.last_time = time;
-    if (auto base = read_base(*document)) segment.bases.push_back(std::move(*base));
+    if (auto base = read_base(*document, form)) segment.bases.push_back(std::move(*base));
     const auto number = document->integer("number");
     const auto* stored = document->dictionary("edit");
     if (!number || *number <= 0 || !stored) return;
-    if (auto edit = read_edit(*stored)) {
-        segment.edits.push_back({static_cast<std::uint64_t>(*number), std::move(edit).value(), sum, 0});
+    if (auto edit = form.read_edit(*stored)) {
+        segment.edits.push_back({static_cast<std::uint64_t>(*number), std::move(edit), sum, 0});
     }
 }
 
-void read_lines(std::string_view rest, segment_content& segment) {
+void read_lines(std::string_view rest, const recorded_form& form, segment_content& segment) {
     segment.part.size = static_cast<std::int64_t>(rest.size());
     while (!rest.empty()) {
         const auto end = rest.find('\n');
         if (end == std::string_view::npos) break;  // no newline: torn
-        take_line(rest.substr(0, end), segment);
+        take_line(rest.substr(0, end), form, segment);
         rest.remove_prefix(end + 1);
     }
 }
 
 // In ascending order. One that is gone by the time it is to be read was deleted by its writer.
-result<std::vector<segment_content>> read_segments(const std::string& folder, file_system& files) {
+result<std::vector<segment_content>> read_segments(const std::string& folder, const recorded_form& form,
+                                                   file_system& files) {
     std::vector<std::string> names;
     const int listing = files.list(folder, names);
     if (listing != 0 && listing != ENOENT)
@@ -63,7 +64,7 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
     sort_names(names);
     std::vector<segment_content> segments;
     for (const auto& name : names) {
-        const int number = segment_number(name);
+        const int number = segment_number(name, form);
         if (number == 0) continue;
         segment_content segment;
         segment.path = path_join(folder, name);
@@ -72,7 +73,7 @@ result<std::vector<segment_content>> read_segments(const std::string& folder, fi
         file_identity found;
         if (!bytes && files.identity(segment.path, found) == ENOENT) continue;
         if (!bytes) return bytes.error();
-        read_lines(bytes.value(), segment);
+        read_lines(bytes.value(), form, segment);
         segment.part.writer = segment.writer();
         if (files.identity(segment.path, found) == 0) segment.part.inode = found.inode;
         segments.push_back(std::move(segment));
@@ -143,8 +144,8 @@ std::vector<numbered_edit> one_of_each(std::vector<numbered_edit> all,
 }
 
 // The edits after the base, up to the first that is missing. `left_out` gets the segments of the others.
-void take_edits(std::vector<numbered_edit> edits, const std::string& folder, journal_content& content,
-                std::vector<bool>& left_out) {
+void take_edits(std::vector<numbered_edit> edits, journal_content& content, std::vector<bool>& left_out,
+                const failure& damaged) {
     content.last_number = content.base.through;
     content.edits.reserve(edits.size());
     bool is_told = false;
@@ -157,7 +158,7 @@ void take_edits(std::vector<numbered_edit> edits, const std::string& folder, jou
         left_out[one.segment] = true;
         if (is_told) continue;
         is_told = true;
-        content.messages.push_back(journalled_change_was_damaged(folder));
+        content.messages.push_back(damaged);
     }
 }
 
@@ -176,9 +177,9 @@ void choose_base(std::vector<segment_content>& segments, const file_content_mark
 
 }  // namespace
 
-result<journal_content> read_journal(const std::string& folder, const file_content_mark& file,
-                                     file_system& files) {
-    auto read = read_segments(folder, files);
+result<journal_content> read_journal(const std::string& folder, const recorded_form& form,
+                                     const file_content_mark& file, file_system& files) {
+    auto read = read_segments(folder, form, files);
     if (!read) return read.error();
     auto& segments = read.value();
     journal_content content;
@@ -213,9 +214,9 @@ result<journal_content> read_journal(const std::string& folder, const file_conte
     edits = one_of_each(std::move(edits), segments, beside);
     for (std::size_t at = 0; at < segments.size(); ++at) strangers[at] = strangers[at] || beside[at];
     if (std::find(strangers.begin(), strangers.end(), true) != strangers.end()) {
-        content.messages.push_back(unsaved_changes_do_not_fit(folder));
+        content.messages.push_back(form.changes_do_not_fit(folder));
     }
-    take_edits(std::move(edits), folder, content, strangers);
+    take_edits(std::move(edits), content, strangers, form.change_is_damaged(folder));
     for (std::size_t at = 0; at < segments.size(); ++at) {
         if (strangers[at]) content.left_out.push_back(segments[at].path);
     }

@@ -3,6 +3,7 @@
 
 #include "timeline/files/chron_header.h"
 #include "timeline/files/sxy_Save_Load.h"
+#include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_journal.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
@@ -23,7 +24,7 @@ held_content judge_copy(const std::string& folder, const std::string& bytes, fil
         if (list && list.value().dictionary()) header = read_timeline_header(*list.value().dictionary());
     }
     if (mark == header.data || mark == header.data_before) return held_content::yes;
-    const auto journal = read_journal(folder, mark, files);
+    const auto journal = read_journal(folder, timeline_form, mark, files);
     if (!journal) return held_content::cannot_be_told_now;
     if (journal.value().fits) return held_content::yes;
     return header.data.size < 0 ? held_content::not_known : held_content::no;

@@ -19,8 +19,6 @@ namespace vistels {
 
 namespace {
 
-constexpr const char* lock_file_name = "chron data writer.plist";
-
 std::string first_line(const char* path) {
     const auto text = read_file(path);
     return text ? text.value().substr(0, text.value().find('\n')) : std::string();
@@ -50,9 +48,9 @@ property_dictionary this_process() {
     return holder;
 }
 
-failure held_by(const std::string& folder, const property_dictionary& holder) {
+failure held_by(const std::string& folder, const recorded_form& form, const property_dictionary& holder) {
     const auto process = holder.integer("process").value_or(0);
-    return timeline_is_open_elsewhere(
+    return form.is_open_elsewhere(
         folder, holder.empty()
                     ? another_program()
                     : process_of_a_user(process, holder.text_or_empty("user"), holder.text_or_empty("host")));
@@ -75,14 +73,15 @@ property_dictionary holder_or_empty(const std::string& path, file_system& files)
 }
 
 // `held`, with how long nothing was heard of the holder, when that is long.
-failure with_silence(const failure& held, const std::string& path, file_system& files) {
+failure with_silence(const failure& held, const recorded_form& form, const std::string& path,
+                     file_system& files) {
     file_identity found;
     if (files.identity(path, found) != 0) return held;
     constexpr double nanoseconds = 1e9;
     constexpr double minute = 60;
     const double seconds =
         seconds_since_1970() - static_cast<double>(found.modified_nanoseconds) / nanoseconds;
-    return seconds < minute ? held : writer_is_silent(held, static_cast<long>(seconds / minute));
+    return seconds < minute ? held : form.writer_is_silent(held, static_cast<long>(seconds / minute));
 }
 
 bool is_same_file(const file_identity& a, const file_identity& b) {
@@ -128,18 +127,19 @@ bool may_live(const property_dictionary& holder, bool is_kept_by_kernel) {
 
 }  // namespace
 
-writer_lock::writer_lock(std::string folder, int descriptor, file_system& files)
+writer_lock::writer_lock(std::string folder, const recorded_form& form, int descriptor, file_system& files)
     : folder_(std::move(folder)),
-      path_(path_join(folder_, lock_file_name)),
+      form_(form),
+      path_(path_join(folder_, form.lock_name)),
       descriptor_(descriptor),
       files_(files) {}
 
-result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder, file_system& files,
-                                                       bool* held_elsewhere) {
+result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder, const recorded_form& form,
+                                                       file_system& files, bool* held_elsewhere) {
     bool ignored = false;
     bool& is_held = held_elsewhere ? *held_elsewhere : ignored;
     is_held = false;
-    const std::string path = path_join(folder, lock_file_name);
+    const std::string path = path_join(folder, form.lock_name);
     // Read before it is opened: on a volume without locks an own, empty file would say nothing.
     const auto before = read_holder(path, files);
     if (!before) return before.error();
@@ -147,25 +147,26 @@ result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder
     bool is_kept_by_kernel = false;
     const int fault = open_and_lock(path, files, descriptor, is_kept_by_kernel);
     is_held = fault == EWOULDBLOCK;
-    if (is_held) return held_by(folder, holder_or_empty(path, files));
+    if (is_held) return held_by(folder, form, holder_or_empty(path, files));
     if (fault != 0) return file_could_not_be_written(path, system_failure(fault));
     if (may_live(before.value(), is_kept_by_kernel)) {
         is_held = true;
         files.close(descriptor);
-        return with_silence(held_by(folder, before.value()), path, files);
+        return with_silence(held_by(folder, form, before.value()), form, path, files);
     }
-    std::unique_ptr<writer_lock> lock(new writer_lock(folder, descriptor, files));
+    std::unique_ptr<writer_lock> lock(new writer_lock(folder, form, descriptor, files));
     if (auto named = lock->name_this_process(); !named) return named.error();
     return lock;
 }
 
-result<std::unique_ptr<writer_lock>> writer_lock::take_over(const std::string& folder, file_system& files,
+result<std::unique_ptr<writer_lock>> writer_lock::take_over(const std::string& folder,
+                                                            const recorded_form& form, file_system& files,
                                                             bool* held_elsewhere) {
-    const std::string path = path_join(folder, lock_file_name);
+    const std::string path = path_join(folder, form.lock_name);
     // A new file: the former holder's lock is on the old one.
     const int fault = files.remove(path);
     if (fault != 0 && fault != ENOENT) return lock_could_not_be_taken_over(path, system_failure(fault));
-    return take(folder, files, held_elsewhere);
+    return take(folder, form, files, held_elsewhere);
 }
 
 result<void> writer_lock::name_this_process() {
@@ -204,7 +205,7 @@ bool writer_lock::renew() {
 }
 
 failure writer_lock::lost() const {
-    return timeline_was_taken_over(held_by(folder_, holder_or_empty(path_, files_)));
+    return form_.was_taken_over(held_by(folder_, form_, holder_or_empty(path_, files_)));
 }
 
 }  // namespace vistels

@@ -4,25 +4,27 @@
 #include <memory>
 #include <string>
 
+#include "timeline/files/recorded_form.h"
 #include "util/file_system.h"
 #include "util/result.h"
 
 namespace vistels {
 
-// The right to write the timeline in one folder, held by one document at a time. The file
-// "chron data writer.plist" in the folder names the holder: host, machine, boot, process and user. On one
+// The right to write the document in one folder, held by one program at a time. A file in the folder, named
+// by the form, names the holder: host, machine, boot, process and user. On one
 // machine the kernel keeps the right as well (it ends with the process, however that dies). One thread.
 class writer_lock {
   public:
     // Takes the lock, or says who has it, since when nothing was heard of them, or why its file could not be
     // written; `held_elsewhere` tells the one from the other. A file left by a process of this machine that
     // is gone is taken over.
-    static result<std::unique_ptr<writer_lock>> take(const std::string& folder,
+    static result<std::unique_ptr<writer_lock>> take(const std::string& folder, const recorded_form& form,
                                                      file_system& files = machine_files(),
                                                      bool* held_elsewhere = nullptr);
     // Takes the lock from whoever has it: only when a person says so. The former holder finds out by
     // is_held().
     static result<std::unique_ptr<writer_lock>> take_over(const std::string& folder,
+                                                          const recorded_form& form,
                                                           file_system& files = machine_files(),
                                                           bool* held_elsewhere = nullptr);
     // Gives the lock back and removes its file.
@@ -44,10 +46,11 @@ class writer_lock {
     static constexpr double renewal_seconds = 10;
 
   private:
-    writer_lock(std::string folder, int descriptor, file_system& files);
+    writer_lock(std::string folder, const recorded_form& form, int descriptor, file_system& files);
     result<void> name_this_process();
 
     std::string folder_;
+    const recorded_form& form_;
     std::string path_;
     int descriptor_;
     file_system& files_;
