@@ -23,10 +23,10 @@
 #include <string>
 #include <vector>
 
+#include "document/change_journal.h"
 #include "support/measure.h"
 #include "timeline/edits/timeline_edit.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/timeline_journal.h"
 #include "util/json.h"
 #include "util/uuid.h"
 

@@ -6,8 +6,8 @@
 
 #include "app/event/collection_changes.h"
 #include "app/settings/places.h"
+#include "document/writer_lock.h"
 #include "timeline/files/timeline_document.h"
-#include "timeline/files/writer_lock.h"
 #include "util/result.h"
 #include "util/simulated_run_loop.h"
 #include "video/blank_movie.h"

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <iostream>
 
+#include "document/change_journal.h"
 #include "timeline/edits/timeline_edit.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/timeline_journal.h"
 #include "util/file_system.h"
 
 namespace vistels {

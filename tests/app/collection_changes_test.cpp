@@ -11,12 +11,13 @@
 #include "app/event/open_event.h"
 #include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
+#include "document/journal_lines.h"
 #include "logger/press_engine.h"
 #include "support/run_until.h"
 #include "support/stored_collection.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
-#include "timeline/files/journal_lines.h"
+#include "timeline/files/timeline_form.h"
 #include "util/simulated_run_loop.h"
 #include "video/synchronised_playback.h"
 #include "video/video_coll_LOAD.h"
@@ -308,7 +309,7 @@ TEST_F(changes, the_older_form_on_record_is_taken_up) {
     fs::remove(folder + "/chron data writer.plist");
     std::size_t edits = 0;
     for (const auto& entry : fs::directory_iterator(folder)) {
-        if (segment_number(entry.path().filename().string()) == 0) continue;
+        if (segment_number(entry.path().filename().string(), timeline_form) == 0) continue;
         std::istringstream lines(testing::file_bytes(entry.path().string()));
         std::string rewritten;
         for (std::string line; std::getline(lines, line);) {

@@ -9,11 +9,11 @@
 #include <filesystem>
 
 #include "app/settings/vault_preferences.h"
+#include "document/writer_lock.h"
 #include "support/failing_files.h"
 #include "support/temporary_folder.h"
 #include "support/unprivileged_user.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/writer_lock.h"
 #include "util/property_list.h"
 #include "video/vault_lock.h"
 

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "allocation_count.h"
+#include "document/change_journal.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/timeline_journal.h"
 #include "util/checksum.h"
 
 namespace {

@@ -10,6 +10,7 @@
 #include <QTranslator>
 
 #include "app/start/start_failures.h"
+#include "document/document_failures.h"
 #include "shell/event/event_messages.h"
 #include "shell/kit/failure_words.h"
 #include "shell/kit/message_bar.h"

@@ -25,6 +25,7 @@
 #include "app/start/start_up.h"
 #include "app/vaults/content_keeper.h"
 #include "app/vaults/known_vaults.h"
+#include "document/writer_lock.h"
 #include "logger/press_engine.h"
 #include "shell/event/event_session.h"
 #include "shell/event/read_only_guard.h"
@@ -42,7 +43,6 @@
 #include "support/temporary_folder.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "video/synchronised_playback.h"
 

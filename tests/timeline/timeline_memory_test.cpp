@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "document/change_journal.h"
 #include "support/counted_memory.h"
 #include "support/sanitized.h"
 #include "support/temporary_folder.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/timeline_journal.h"
 #include "util/checksum.h"
 #include "util/json.h"
 #include "util/property_list.h"

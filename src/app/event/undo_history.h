@@ -9,7 +9,7 @@
 
 #include "app/settings/places.h"
 #include "document/document_edit.h"
-#include "timeline/files/file_content_mark.h"
+#include "document/file_content_mark.h"
 #include "util/property_value.h"
 #include "util/result.h"
 

@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
+#include "document/writer_lock.h"
 #include "logger/logger_Dict_funcs.h"
 #include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_recovery.h"
-#include "timeline/files/writer_lock.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "document/writer_lock.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/writer_lock.h"
 #include "util/wait_watch.h"
 
 namespace vistels {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "timeline/files/file_content_mark.h"
+#include "document/file_content_mark.h"
 #include "util/file_system.h"
 #include "util/property_value.h"
 #include "util/result.h"

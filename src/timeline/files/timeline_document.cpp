@@ -6,6 +6,7 @@
 #include <iterator>
 #include <utility>
 
+#include "document/document_failures.h"
 #include "timeline/edits/edit_failures.h"
 #include "timeline/edits/edit_names.h"
 #include "timeline/files/timeline_file_failures.h"

@@ -9,13 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "document/change_journal.h"
 #include "document/editable_document.h"
+#include "document/writer_lock.h"
 #include "timeline/edits/timeline_change.h"
 #include "timeline/edits/timeline_edit.h"
 #include "timeline/files/chron_notes.h"
 #include "timeline/files/sxy_Save_Load.h"
-#include "timeline/files/timeline_journal.h"
-#include "timeline/files/writer_lock.h"
 #include "timeline/records/sxy_DATA_root.h"
 #include "util/file_system.h"
 #include "util/result.h"

@@ -24,8 +24,6 @@ inline constexpr failure_of<a_path, a_cause> timeline_was_not_put_back{
     "timeline was not put back", "\"%1\" is missing and was not put back: %2"};
 
 // The journal of the timeline in a folder.
-inline constexpr failure_of<a_path> journal_has_no_segment_left{"journal has no segment left",
-                                                                "The journal in \"%1\" has no segment left."};
 inline constexpr failure_of<a_path> journalled_change_was_damaged{
     "journalled change was damaged",
     "A change of the timeline in \"%1\" was damaged. The changes after it were left out."};
@@ -33,28 +31,15 @@ inline constexpr failure_of<a_path> unsaved_changes_do_not_fit{
     "unsaved changes do not fit",
     "The timeline in \"%1\" was changed by another program at the same time. Unsaved changes do not fit it."};
 
-// Another program wrote as well, and its version has a name of its own: a file_conflict.
-inline constexpr failure_of<a_path, a_text> file_of_another_was_kept{
-    "file of another was kept",
-    "\"%1\" was changed by another program while it was open here. That version was kept as \"%2\"; the one "
-    "in this window was saved."};
-inline constexpr failure_of<a_path, a_text> changes_of_another_were_kept{
-    "changes of another were kept", "Changes that do not fit \"%1\" were kept as \"%2\"."};
-
 // The lock of the timeline in a folder, and who has it.
 inline constexpr failure_of<a_path, a_cause> timeline_is_open_elsewhere{
     "timeline is open elsewhere", "The timeline in \"%1\" is open for writing in %2."};
-inline constexpr failure_of<> another_program{"another program", "another program"};
-inline constexpr failure_of<a_text, a_text, a_text> process_of_a_user{"process of a user",
-                                                                      "process %1 of %2 on \"%3\""};
 inline constexpr failure_of<a_cause> timeline_was_taken_over{"timeline was taken over",
                                                              "%1 It was taken over from here."};
 inline constexpr failure_of<a_cause, a_text> writer_is_silent{
     "writer is silent",
     "%1 Nothing was heard of it for %2 minutes; when it is no longer running, the timeline can be taken "
     "over."};
-inline constexpr failure_of<a_path, a_cause> lock_could_not_be_taken_over{
-    "lock could not be taken over", "\"%1\" could not be taken over: %2."};
 
 // Why it can only be read: somebody else has the lock, or there is no journal.
 inline constexpr failure_of<a_cause> timeline_is_only_read_here{

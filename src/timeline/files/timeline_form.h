@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "document/recorded_form.h"
 #include "timeline/edits/timeline_change.h"
-#include "timeline/files/recorded_form.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/timeline_file_failures.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "timeline/files/timeline_recovery.h"
 
+#include "document/change_journal.h"
 #include "timeline/files/chron_header.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/timeline_form.h"
-#include "timeline/files/timeline_journal.h"
 #include "util/property_list.h"
 #include "util/safe_write.h"
 

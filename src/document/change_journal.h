@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "timeline/files/file_content_mark.h"
-#include "timeline/files/recorded_form.h"
+#include "document/file_content_mark.h"
+#include "document/recorded_form.h"
 #include "util/file_system.h"
 #include "util/result.h"
 #include "util/serial_queue.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "timeline/files/recorded_form.h"
+#include "document/recorded_form.h"
 #include "util/file_system.h"
 #include "util/result.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "timeline/files/timeline_journal.h"
+#include "document/change_journal.h"
 #include "util/property_value.h"
 
 namespace vistels {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/files/writer_lock.h"
+#include "document/writer_lock.h"
 
 #include <fcntl.h>
 #include <pwd.h>
@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "timeline/files/timeline_file_failures.h"
+#include "document/document_failures.h"
 #include "util/clock.h"
 #include "util/file_failures.h"
 #include "util/property_list.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/files/timeline_journal.h"
+#include "document/change_journal.h"
 
 #include <fcntl.h>
 
@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "timeline/files/journal_lines.h"
-#include "timeline/files/timeline_file_failures.h"
+#include "document/document_failures.h"
+#include "document/journal_lines.h"
 #include "util/checksum.h"
 #include "util/file_failures.h"
 #include "util/wait_watch.h"

@@ -6,7 +6,7 @@
 
 namespace vistels {
 
-// Names one content of "chron data.plist". A missing file has size -1.
+// Names one content of a file. A missing file has size -1.
 struct file_content_mark {
     std::int64_t size = -1;
     std::uint64_t hash = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "timeline/files/journal_lines.h"
+#include "document/journal_lines.h"
 
 #include <algorithm>
 

@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <limits>
 
-#include "timeline/files/journal_lines.h"
-#include "timeline/files/timeline_file_failures.h"
-#include "timeline/files/timeline_journal.h"
+#include "document/change_journal.h"
+#include "document/document_failures.h"
+#include "document/journal_lines.h"
 #include "util/file_failures.h"
 
 namespace vistels {
