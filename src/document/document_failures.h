@@ -8,6 +8,8 @@ namespace vistels {
 inline constexpr failure_of<> held_back{"held back",
                                         "It was not saved: what belongs to it could not be saved."};
 inline constexpr failure_of<> other_not_open{"other not open", "What else it changes is not open."};
+inline constexpr failure_of<a_term, a_cause> edit_could_not_be_done{"edit could not be done",
+                                                                    "\"%1\" could not be done: %2"};
 
 // The journal of the document in a folder.
 inline constexpr failure_of<a_path> journal_has_no_segment_left{"journal has no segment left",

@@ -97,7 +97,13 @@ void editable_document::note_edit() {
     schedule_save();
 }
 
+void editable_document::begin() {
+    is_begun_ = true;
+    if (has_unsaved_edits() && save_timer_ == 0) schedule_save();
+}
+
 void editable_document::schedule_save() {
+    if (!is_begun_) return;
     const double now = loop_.time().seconds();
     if (save_timer_ == 0) {
         first_unsaved_seconds_ = now;

@@ -65,6 +65,11 @@ class editable_document {
     // Those found by opening, and each that came since.
     const std::vector<file_conflict>& conflicts() const { return conflicts_; }
 
+    // Saving begins. A document is begun from the first; one that is read on another thread waits for this
+    // call on the main thread (wait_to_begin), and uses the loop only from then on.
+    virtual void begin();
+    bool is_begun() const { return is_begun_; }
+
     // Begins a save now when there is something unsaved; `saved` tells the outcome.
     void save_soon();
     // Saves and waits until it is done.
@@ -114,6 +119,7 @@ class editable_document {
 
   protected:
     explicit editable_document(run_loop& loop);
+    void wait_to_begin() { is_begun_ = false; }
 
     // Of a document that is on record with another one, which calls these. Makes the change in memory; on
     // failure nothing is changed.
@@ -175,6 +181,7 @@ class editable_document {
     void follow_kept(const failure& problem);
     result<void> end_save();
 
+    bool is_begun_ = true;
     std::uint64_t revision_ = 0;
     std::uint64_t saved_revision_ = 0;
     std::vector<file_conflict> conflicts_;

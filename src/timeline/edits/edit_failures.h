@@ -6,8 +6,6 @@
 namespace vistels {
 
 // Why an edit cannot be planned, applied or read.
-inline constexpr failure_of<a_term, a_cause> edit_could_not_be_done{"edit could not be done",
-                                                                    "\"%1\" could not be done: %2"};
 inline constexpr failure_of<> what_it_changes_is_gone{"what it changes is gone",
                                                       "what it changes is no longer there."};
 inline constexpr failure_of<a_term> recorded_change_cannot_be_read{

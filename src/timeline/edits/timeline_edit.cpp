@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <unordered_set>
 
+#include "document/document_failures.h"
 #include "timeline/edits/edit_failures.h"
 #include "timeline/edits/edit_names.h"
 #include "timeline/records/shift_times.h"

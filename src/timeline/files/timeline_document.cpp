@@ -48,10 +48,6 @@ std::optional<std::string> last_saver(const std::string& folder, file_system& fi
     return values ? values->text_or_empty("uuid last saved") : std::string();
 }
 
-file_conflict stranger_met(const std::string& path, const std::string& kept) {
-    return {file_of_another_was_kept(path, path_name(kept)), path, kept};
-}
-
 }  // namespace
 
 struct timeline_document::revision_to_save {
@@ -63,107 +59,53 @@ struct timeline_document::revision_to_save {
 
 // What is in the timeline's folder.
 struct timeline_document::files_read {
-    timeline_snapshot content;
-    bool is_there = false;  // "chron data.plist"
-    known_file data;
+    sxy_DATA_root timeline;
     known_file header_file;
     timeline_header header;
     std::string saver;
-    journal_content journal;
-    std::vector<failure> messages;
 };
 
 timeline_document::timeline_document(std::string folder, run_loop& loop, file_system& files)
-    : editable_document(loop),
-      folder_(std::move(folder)),
-      files_(files),
-      instance_(new_uuid()),
-      notes_(folder_, files) {}
+    : recorded_document(std::move(folder), timeline_form, loop, files), notes_(folder_, files) {}
 
-result<std::unique_ptr<timeline_document>> timeline_document::open(const std::string& folder, run_loop& loop,
+result<std::unique_ptr<timeline_document>> timeline_document::read(const std::string& folder, run_loop& loop,
                                                                    file_system& files) {
     if (auto made = make_folders(folder, files); !made) return made.error();
     std::unique_ptr<timeline_document> document(new timeline_document(folder, loop, files));
-    if (auto loaded = document->load(); !loaded) return loaded.error();
+    if (auto opened = document->open_files(); !opened) return opened.error();
+    return document;
+}
+
+result<std::unique_ptr<timeline_document>> timeline_document::open(const std::string& folder, run_loop& loop,
+                                                                   file_system& files) {
+    auto document = read(folder, loop, files);
+    if (document) document.value()->begin();
     return document;
 }
 
 timeline_document::~timeline_document() {
-    if (journal_ && still_holds_lock()) {
-        finish_growing(edit_name::closed);
-        finish_writing();
-        (void)look_for_strangers();
-        (void)save_now();  // what cannot be saved stays in the journal
-    }
-    end_saving();
-    if (renewal_timer_ != 0) loop_.stop_timer(renewal_timer_);
-    if (journal_ && !has_unsaved_edits()) journal_->remove_if_covered(saved_through_);
+    close_files();
 }
 
-result<void> timeline_document::load() {
-    if (auto lock = writer_lock::take(folder_, timeline_form, files_, &is_held_elsewhere_)) {
-        lock_ = std::move(lock).value();
-        auto mended = recover_timeline_folder(folder_, files_);
-        messages_ = std::move(mended.messages);
-    } else {
-        read_only_reason_ = lock.error();
-        messages_.push_back(timeline_is_only_read_here(read_only_reason_));
-    }
-    auto read = read_files(lock_ != nullptr);
-    if (!read) return read.error();
-    take_up(read.value());
-    if (lock_) start_writing(read.value().journal);
-    return {};
+recovery timeline_document::put_in_order() {
+    return recover_timeline_folder(folder_, files_);
 }
 
-result<void> timeline_document::try_to_write(bool take_over) {
-    if (journal_) return {};
-    std::unique_ptr<writer_lock> taken;
-    if (!lock_) {
-        auto lock = take_over ? writer_lock::take_over(folder_, timeline_form, files_, &is_held_elsewhere_)
-                              : writer_lock::take(folder_, timeline_form, files_, &is_held_elsewhere_);
-        if (!lock) return read_only_reason_ = lock.error();
-        taken = std::move(lock).value();
-        auto mended = recover_timeline_folder(folder_, files_);
-        std::move(mended.messages.begin(), mended.messages.end(), std::back_inserter(messages_));
-    }
-    auto read = read_files(true);
-    if (!read) return read_only_reason_ = read.error();
-    if (taken) lock_ = std::move(taken);
-    note_revision();
-    take_up(read.value());
-    change_set all;
-    all.kinds = change_set::everything;
-    all.revision = revision();
-    changed.emit(all);
-    start_writing(read.value().journal);
-    if (!journal_) return read_only_reason_;
-    access_changed.emit();
-    return {};
+result<known_file> timeline_document::read_content(const failure& not_locked,
+                                                   std::vector<failure>& messages) {
+    read_ = std::make_unique<files_read>();
+    const auto data = read_data(*read_, not_locked, messages);
+    if (!data) return data;
+    if (auto done = read_header(*read_, messages); !done) return done.error();
+    read_->saver = last_saver(folder_, files_).value_or("");
+    return data;
 }
 
-// Without the lock the writer may save while this reads: then file and journal are read again, together.
-result<timeline_document::files_read> timeline_document::read_files(bool may_change) {
-    constexpr int attempts = 10;
-    const std::string path = path_join(folder_, timeline_file_name);
-    for (int attempt = 1;; ++attempt) {
-        files_read read;
-        if (auto done = read_data(read, may_change); !done) return done.error();
-        if (auto done = read_header(read); !done) return done.error();
-        read.saver = last_saver(folder_, files_).value_or("");
-        auto journal = read_journal(folder_, timeline_form, mark_of(read.data), files_);
-        if (!journal) return journal.error();
-        read.journal = std::move(journal).value();
-        file_identity now;
-        const int looking = files_.identity(path, now);
-        const bool is_same = looking == ENOENT ? !read.is_there : looking != 0 || now == read.data.identity;
-        if (is_same || attempt == attempts) return read;
-    }
-}
-
-result<void> timeline_document::read_data(files_read& read, bool may_change) {
-    const std::string path = path_join(folder_, timeline_file_name);
-    const auto bytes = read_known(path, read.data, files_);
+result<known_file> timeline_document::read_data(files_read& read, const failure& not_locked,
+                                                std::vector<failure>& messages) {
+    const std::string path = path_of(timeline_file_name);
+    known_file known;
+    const auto bytes = read_known(path, known, files_);
     if (!bytes) return bytes.error();
     if (!bytes.value()) {
         // A torn temporary file alone is what a first save leaves that never ended: there was no timeline
@@ -173,26 +115,23 @@ result<void> timeline_document::read_data(files_read& read, bool may_change) {
             return file_cannot_be_looked_through(folder_, system_failure(fault));
         const std::string copy = timeline_file_name + std::string(previous_mark);
         if (std::any_of(names.begin(), names.end(), [&](const auto& name) { return name.starts_with(copy); }))
-            return read_only_reason_ ? timeline_was_not_put_back(path, read_only_reason_)
-                                     : timeline_copies_are_damaged(path);
-        return {};
+            return not_locked ? timeline_was_not_put_back(path, not_locked)
+                              : timeline_copies_are_damaged(path);
+        return known;
     }
-    read.is_there = true;
     auto found = read_timeline_bytes(*bytes.value(), path);
     if (!found) return found.error();
     auto& loaded = found.value();
-    if (loaded.skipped_clips > 0) {
-        read.messages.push_back(skipped_clips(path, loaded.skipped_clips));
-    }
-    auto notes = notes_.open(may_change, read.messages);
+    if (loaded.skipped_clips > 0) messages.push_back(skipped_clips(path, loaded.skipped_clips));
+    auto notes = notes_.open(!not_locked, messages);
     if (!notes) return notes.error();
-    read.content = put_notes_on(std::move(loaded.content), std::move(notes).value());
-    return {};
+    read.timeline = sxy_DATA_root(put_notes_on(std::move(loaded.content), std::move(notes).value()));
+    return known;
 }
 
 // A damaged header costs the display settings; it is told and, before it is replaced, kept.
-result<void> timeline_document::read_header(files_read& read) {
-    const std::string path = path_join(folder_, timeline_header_file_name);
+result<void> timeline_document::read_header(files_read& read, std::vector<failure>& messages) {
+    const std::string path = path_of(timeline_header_file_name);
     const auto bytes = read_known(path, read.header_file, files_);
     if (!bytes) return bytes.error();
     if (!bytes.value()) return {};
@@ -201,138 +140,52 @@ result<void> timeline_document::read_header(files_read& read) {
         read.header = read_timeline_header(*stored.value().dictionary());
         return {};
     }
-    read.messages.push_back(display_settings_were_lost(path));
+    messages.push_back(display_settings_were_lost(path));
     read.header_file = {};  // not known: the first save keeps it as a stranger's
     return {};
 }
 
-void timeline_document::take_up(files_read& read) {
-    known_data_ = read.data;
-    known_header_ = read.header_file;
-    known_saver_ = std::move(read.saver);
-    header_ = std::move(read.header);
-    note_saved_state();
-    recovered_.clear();
-    recovered_others_.clear();
-    timeline_ = read.is_there ? sxy_DATA_root(std::move(read.content)) : sxy_DATA_root();
-    if (lock_ && !read.is_there && !read.journal.fits) {
-        // On the volume from its first moment, so that its identity is the same whatever happens.
-        const std::string bytes = timeline_bytes(timeline_.snapshot());
-        const auto kept =
-            safe_write_known(path_join(folder_, timeline_file_name), bytes, known_data_, false, files_);
-        if (kept && !kept.value().empty())
-            tell(stranger_met(path_join(folder_, timeline_file_name), kept.value()));
-    }
-    std::move(read.messages.begin(), read.messages.end(), std::back_inserter(messages_));
-    messages_.insert(messages_.end(), read.journal.messages.begin(), read.journal.messages.end());
-    opened_file_ = mark_of(known_data_);
-    replay(read.journal);
+std::string timeline_document::first_bytes() {
+    return timeline_bytes(read_->timeline.snapshot());
 }
 
-void timeline_document::start_writing(const journal_content& journal) {
-    read_only_reason_ = {};
-    keep_conflicts(journal);
-    if (renewal_timer_ == 0) {
-        renewal_timer_ = loop_.start_timer(writer_lock::renewal_seconds, true, [this] { renew_lock(); });
-    }
-    journal_base base = journal.base;
-    // The journal of a timeline that had no file continues the empty one that was made for it.
-    if (!journal.fits) base.content = mark_of(known_data_);
-    base.taken = journal.last_number;
-    base.writer = instance_;
-    base.covers = journal.parts;
-    auto started = change_journal::start(folder_, timeline_form, journal.last_segment + 1, base,
-                                         journal.last_number, files_);
-    if (!started) {
-        read_only_reason_ = started.error();
-        messages_.push_back(timeline_is_only_read(read_only_reason_));
-        return;
-    }
-    journal_ = std::move(started).value();
-    saved_through_ = journal.base.through;
-    last_noted_seconds_ = journal.last_time;
+void timeline_document::take_up_content() {
+    const auto read = std::exchange(read_, nullptr);
+    known_header_ = read->header_file;
+    known_saver_ = std::move(read->saver);
+    header_ = std::move(read->header);
+    timeline_ = std::move(read->timeline);
+    recovered_.clear();
+}
+
+void timeline_document::tell_all() {
+    change_set all;
+    all.kinds = change_set::everything;
+    all.revision = revision();
+    changed.emit(all);
+}
+
+result<bool> timeline_document::replay(const change_pointer& recorded, std::vector<document_part>& others) {
+    const timeline_edit& edit = edit_in(recorded);
+    if (edit.operations.empty() && edit.others.empty()) return false;
+    change_set touched;
+    const auto applied = apply_edit(timeline_, edit, touched);
+    if (!applied) return applied.error();
+    others.insert(others.end(), edit.others.begin(), edit.others.end());
+    recovered_.emplace_back(edit, applied.value());
+    return true;
+}
+
+std::size_t timeline_document::finish_replay(std::optional<double> last_time) {
+    last_noted_seconds_ = last_time;
     finished_clips_.clear();
     for (const auto& place : timeline_.live_clips()) finished_clips_.push_back(place.clip->id());
-    recovered_edits_ += finished_clips_.size();
     finish_growing(edit_name::recovered);
-    if (!journal.left_out.empty()) note_revision();  // a save clears away what was kept under another name
-    if (has_unsaved_edits()) schedule_save();
+    return finished_clips_.size();
 }
 
-// Changes that cannot be replayed are not deleted with the journal either: they get a name that says so.
-void timeline_document::keep_conflicts(const journal_content& journal) {
-    for (const auto& path : journal.left_out) {
-        file_identity wanted;
-        int fault = files_.identity(path, wanted);
-        std::string kept = path + " conflict";
-        for (int number = 2; fault == 0; ++number) {
-            file_identity found;
-            if (files_.identity(kept, found) == 0 && found == wanted) break;
-            const int linking = files_.hard_link(path, kept);
-            if (linking == 0) break;
-            if (linking != EEXIST) fault = files_.rename(path, kept);
-            if (linking != EEXIST) break;
-            kept = path + " conflict " + std::to_string(number);
-        }
-        if (fault != 0) {
-            messages_.push_back(file_could_not_be_kept(path, system_failure(fault)));
-            continue;
-        }
-        const std::string path_of_data = path_join(folder_, timeline_file_name);
-        tell({changes_of_another_were_kept(path_of_data, path_name(kept)), path_of_data, kept});
-    }
-}
-
-void timeline_document::renew_lock() {
-    if (!lock_ || !journal_) return;
-    const expected_waits renewal("the writer's lock is renewed: the time of one file");
-    if (!lock_->renew()) {
-        (void)still_holds_lock();
-    } else if (!is_saving() && look_for_strangers()) {
-        save_soon();
-    }
-}
-
-// Another program took the timeline over: from now on it is only looked at here.
-bool timeline_document::still_holds_lock() {
-    if (lock_->is_held()) return true;
-    const expected_waits taken_over("another program took the timeline over");
-    read_only_reason_ = lock_->lost();
-    is_held_elsewhere_ = true;
-    messages_.push_back(timeline_is_only_read_here(read_only_reason_));
-    abandon_saving();
-    journal_.reset();
-    lock_.reset();
-    access_changed.emit();
-    return false;
-}
-
-// While no save runs. What a stranger put in place is met by a save, also when there is nothing else to save.
-bool timeline_document::look_for_strangers() {
-    file_identity now;
-    const int looking = files_.identity(path_join(folder_, timeline_file_name), now);
-    const bool found = looking == ENOENT || (looking == 0 && now != known_data_.identity);
-    if (found) note_revision();
-    return found;
-}
-
-void timeline_document::replay(const journal_content& journal) {
-    std::vector<const timeline_edit*> all{&edit_in(journal.base.growing)};
-    for (const auto& edit : journal.edits) all.push_back(&edit_in(edit));
-    for (const auto* edit : all) {
-        if (edit->operations.empty() && edit->others.empty()) continue;
-        change_set touched;
-        const auto applied = apply_edit(timeline_, *edit, touched);
-        if (!applied) {
-            messages_.push_back(applied.error());
-            continue;
-        }
-        recovered_others_.insert(recovered_others_.end(), edit->others.begin(), edit->others.end());
-        recovered_.emplace_back(*edit, applied.value());
-        note_revision();
-    }
-    recovered_edits_ = journal.edits.size();
-    if (!recovered_others_.empty()) hold_back();
+void timeline_document::finish_before_closing() {
+    finish_growing(edit_name::closed);
 }
 
 // A button that was down when the program died, or closed, has made its clip, up to the last time on record.
@@ -353,27 +206,24 @@ void timeline_document::finish_growing(const char* name) {
 
 result<void> timeline_document::apply(timeline_edit edit) {
     complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
-    if (!journal_ || !still_holds_lock()) return read_only_reason_;
+    if (!can_edit()) return read_only_reason();
     change_set touched;
+    timeline_edit inverse;
     const auto growing_before = timeline_.live_clips();
-    if (auto done = change_others(edit.others); !done) return edit_could_not_be_done(edit.name, done.error());
-    auto inverse = apply_edit(timeline_, edit, touched);
-    if (!inverse) {
-        withdraw_others(edit.others);
-        return inverse.error();
-    }
-    if (auto recorded = journal_->append(write_edit(edit)); !recorded) {
-        withdraw_edit(timeline_, inverse.value(), growing_before);
-        withdraw_others(edit.others);
-        return recorded;
-    }
+    const auto make = [&]() -> result<void> {
+        auto applied = apply_edit(timeline_, edit, touched);
+        if (!applied) return applied.error();
+        inverse = std::move(applied).value();
+        return {};
+    };
+    const auto withdraw = [&] { withdraw_edit(timeline_, inverse, growing_before); };
+    const auto stored = [&] { return write_edit(edit); };
+    if (auto recorded = record({edit.name, edit.others, make, withdraw, stored}); !recorded) return recorded;
     follow_shift(edit);
-    note_edit();
     touched.revision = revision();
-    follow_others(edit.others);
-    edited.emit(edit, inverse.value());
+    edited.emit(edit, inverse);
     const std::string own = timeline_.uuid();
-    made.emit(document_edit_of(std::move(edit), own), document_edit_of(std::move(inverse).value(), own));
+    made.emit(document_edit_of(std::move(edit), own), document_edit_of(std::move(inverse), own));
     changed.emit(touched);
     return {};
 }
@@ -421,15 +271,10 @@ void timeline_document::follow_shift(const timeline_edit& edit) {
     if (seconds != 0 && last_noted_seconds_) (void)note_time(*last_noted_seconds_ + seconds);
 }
 
-std::function<result<void>()> timeline_document::edit_sync() {
-    if (journal_) return [journal = journal_] { return journal->sync(); };
-    return [reason = read_only_reason_]() -> result<void> { return reason; };
-}
-
 result<void> timeline_document::note_time(double collection_seconds) {
-    if (!journal_ || timeline_.live_clips().empty()) return {};
+    if (is_read_only() || timeline_.live_clips().empty()) return {};
     last_noted_seconds_ = collection_seconds;
-    return journal_->append_time(collection_seconds);
+    return journal().append_time(collection_seconds);
 }
 
 void timeline_document::set_save_companion(std::function<save_companion()> begin) {
@@ -437,18 +282,14 @@ void timeline_document::set_save_companion(std::function<save_companion()> begin
     if (!begin_companion_) finish_writing();
 }
 
-bool timeline_document::may_save() {
-    return journal_ && still_holds_lock();
-}
-
 result<editable_document::save_work> timeline_document::take_save() {
-    const std::uint64_t through = journal_->last_number();
+    const std::uint64_t through = journal().last_number();
     revision_to_save revision{timeline_.snapshot(), header_, through,
                               begin_companion_ ? begin_companion_() : save_companion()};
     return save_work{
         [this, revision = std::move(revision)](conflicts_met& met) { return write_files(revision, met); },
         [this, through](const result<void>& outcome) {
-            if (outcome) saved_through_ = through;
+            if (outcome) note_saved_through(through);
         }};
 }
 
@@ -458,23 +299,23 @@ result<void> timeline_document::write_files(const revision_to_save& revision, co
     const bool in_doubt = last_saver(folder_, files_) != known_saver_;
     // Notes that outlive a power loss must not find older clips: the edits that they came with are there
     // first.
-    if (auto synced = journal_->sync(); !synced) return synced;
+    if (auto synced = journal().sync(); !synced) return synced;
     // Before the save is noted: a save that changes nothing but notes leaves the same "chron data.plist", for
     // which the journal would count as covered from the note on.
     const auto strangers_notes = notes_.save(separate, in_doubt);
     if (!strangers_notes) return strangers_notes.error();
     if (!strangers_notes.value().empty()) {
-        met.push_back(stranger_met(path_join(folder_, timeline_notes_file_name), strangers_notes.value()));
+        met.push_back(stranger_met(path_of(timeline_notes_file_name), strangers_notes.value()));
     }
     journal_base coming{{}, revision.through, growing_clips(revision.snapshot), {}, {}};
     const auto note = [&](const coming_content& content) -> result<void> {
         coming.content = {content.size, content.hash};
-        if (auto noted = journal_->note_save(coming); !noted) return noted;
-        if (revision.companion) revision.companion(coming.content, mark_of(known_data_));
+        if (auto noted = journal().note_save(coming); !noted) return noted;
+        if (revision.companion) revision.companion(coming.content, mark_of(known_content_));
         return {};
     };
     timeline_header beside = revision.header;
-    beside.data_before = mark_of(known_data_);
+    beside.data_before = mark_of(known_content_);
     auto written = write_data(separate.timeline, note, in_doubt, met);
     if (written) {
         notes_.timeline_is_saved();
@@ -485,31 +326,21 @@ result<void> timeline_document::write_files(const revision_to_save& revision, co
     if (written) written = save_save_time(folder_, instance_, files_);
     if (!written) return written;
     known_saver_ = instance_;
-    return journal_->save_done(coming);
+    return journal().save_done(coming);
 }
 
 // On the save queue.
 result<void> timeline_document::write_data(const timeline_snapshot& timeline,
                                            const std::function<result<void>(const coming_content&)>& note,
                                            bool in_doubt, conflicts_met& met) {
-    const std::string path = path_join(folder_, timeline_file_name);
+    const std::string path = path_of(timeline_file_name);
     std::optional<property_list_sink> sink;
     const auto put_all = [&](const block_writer& put) {
         sink.emplace(put);
         write_whole_timeline(timeline, *sink);
         return sink->last_block();
     };
-    const auto kept = safe_write_known_blocks(path, put_all, note, known_data_, in_doubt, files_);
-    if (!kept) return kept.error();
-    if (!kept.value().empty()) met.push_back(stranger_met(path, kept.value()));
-    return {};
-}
-
-// On the save queue.
-result<void> timeline_document::write_file(const char* name, const std::string& bytes, known_file& known,
-                                           bool in_doubt, conflicts_met& met) {
-    const std::string path = path_join(folder_, name);
-    const auto kept = safe_write_known(path, bytes, known, in_doubt, files_);
+    const auto kept = safe_write_known_blocks(path, put_all, note, known_content_, in_doubt, files_);
     if (!kept) return kept.error();
     if (!kept.value().empty()) met.push_back(stranger_met(path, kept.value()));
     return {};
