@@ -59,7 +59,7 @@ result<void> headless_changes::load(const home_places& places) {
     if (!loaded) return loaded.error();
     collection_ = std::make_unique<collection_document>(folder_, loop_);
     collection_->set_blank_movie(*blank_movie_);
-    collection_->take_up(std::move(loaded.value().collection));
+    collection_->take_up(std::move(loaded).value());
     return {};
 }
 

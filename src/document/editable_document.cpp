@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "document/document_failures.h"
+#include "util/file_system.h"
 
 namespace vistels {
 
@@ -13,6 +14,10 @@ constexpr double save_delay_seconds = 1;
 constexpr double longest_unsaved_seconds = 10;
 
 }  // namespace
+
+file_conflict stranger_met(const std::string& path, const std::string& kept) {
+    return {file_of_another_was_kept(path, path_name(kept)), path, kept};
+}
 
 // `outcome` and `met` are set on the save queue, before the main thread is told.
 struct editable_document::running_save {

@@ -25,6 +25,9 @@ struct file_conflict {
     std::string kept_as;  // the other version
 };
 
+// A save met a file of another program at `path`, which it kept under the other name.
+file_conflict stranger_met(const std::string& path, const std::string& kept);
+
 // An open document that a person edits: what all kinds of them share. Edits count revisions; a while after an
 // edit the document is saved, in the background: what it holds is taken as values on the main thread and
 // written on a queue of the document's own. Edits made while a save runs go into the next one. All members

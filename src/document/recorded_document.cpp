@@ -297,10 +297,6 @@ std::function<result<void>()> recorded_document::edit_sync() {
     return [reason = read_only_reason_]() -> result<void> { return reason; };
 }
 
-file_conflict recorded_document::stranger_met(const std::string& path, const std::string& kept) {
-    return {file_of_another_was_kept(path, path_name(kept)), path, kept};
-}
-
 // On the save queue.
 result<void> recorded_document::write_file(const char* name, const std::string& bytes, known_file& known,
                                            bool in_doubt, conflicts_met& met) {

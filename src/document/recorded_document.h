@@ -113,7 +113,6 @@ class recorded_document : public editable_document {
     using conflicts_met = std::vector<file_conflict>;
     result<void> write_file(const char* name, const std::string& bytes, known_file& known, bool in_doubt,
                             conflicts_met& met);
-    static file_conflict stranger_met(const std::string& path, const std::string& kept);
     std::string path_of(const char* name) const { return path_join(folder_, name); }
 
     const std::string folder_;

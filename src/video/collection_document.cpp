@@ -64,8 +64,9 @@ std::function<result<void>()> collection_document::edit_sync() {
     return [] { return result<void>(); };
 }
 
-void collection_document::take_up(video_collection_ROOT read) {
-    record_ = std::move(read);
+void collection_document::take_up(loaded_collection read) {
+    record_ = std::move(read.collection);
+    record_file_ = read.record_file;
     saved_record_ = record_of(record_);
     is_taken_up_ = true;
     parts_changed_ = false;
@@ -160,12 +161,14 @@ result<editable_document::save_work> collection_document::take_save() {
         const std::lock_guard lock(padding_use_->mutex);
         generation = padding_use_->generation;
     }
-    const auto write = [copy, tidies, generation, use = padding_use_, sync = edit_sync(), folder = folder_,
-                        &files = files_](std::vector<file_conflict>&) -> result<void> {
+    const auto write = [this, copy, tidies, generation, use = padding_use_, sync = edit_sync(),
+                        folder = folder_, &files = files_](std::vector<file_conflict>& met) -> result<void> {
         // The timeline's part first: what stands in the journal is made good when the program dies in
         // between.
         auto written = sync();
-        if (written) written = save_collection(*copy, folder, files);
+        std::string kept;
+        if (written) written = save_collection(*copy, folder, record_file_, kept, files);
+        if (!kept.empty()) met.push_back(stranger_met(path_join(folder, collection_file_name), kept));
         if (!written || !tidies) return written;
         remove_unused_padding_files(*copy, [&](const std::string& path) {
             const std::lock_guard lock(use->mutex);

@@ -9,6 +9,7 @@
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "video/collection_edit.h"
+#include "video/video_coll_LOAD.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
@@ -47,7 +48,7 @@ class collection_document : public editable_document {
     // For what is no edit.
     video_collection_ROOT& record() { return record_; }
     // As it was read from its files just now.
-    void take_up(video_collection_ROOT read);
+    void take_up(loaded_collection read);
     // Makes what the keeper's journal brought back, as far as it concerns this collection and the record
     // lacks it; it is to be saved then.
     void take_up_recovered(const std::vector<document_part>& parts);
@@ -81,6 +82,7 @@ class collection_document : public editable_document {
     blank_vistel_movie* blank_ = nullptr;
     video_collection_ROOT record_;
     property_dictionary saved_record_;
+    known_file record_file_;  // as it was read or written last; with the save queue, once there is one
     bool is_taken_up_ = false;
     bool parts_changed_ = false;  // since the last save
     bool parts_are_expected_ = false;

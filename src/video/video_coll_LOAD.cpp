@@ -343,10 +343,12 @@ std::string vistels_folder_of(const std::string& collection_folder) {
 result<loaded_collection> load_collection(const std::string& folder, const std::string& local_vistels) {
     if (!is_folder(folder)) return file_is_missing_or_no_folder(folder);
     const std::string path = path_join(folder, collection_file_name);
-    if (!file_exists(path)) return collection_is_missing(path);
-    const auto record = read_property_list_file(path);
-    if (!record) return record.error();
     loaded_collection loaded;
+    const auto bytes = read_known(path, loaded.record_file);
+    if (!bytes) return bytes.error();
+    if (!bytes.value()) return collection_is_missing(path);
+    const auto record = read_property_list(*bytes.value(), path);
+    if (!record) return record.error();
     const auto* dictionary = record.value().dictionary();
     if (dictionary) loaded.collection = read_collection(*dictionary);
     if (!is_collection_record(record.value())) {
@@ -372,6 +374,18 @@ result<void> save_collection(video_collection_ROOT& collection, const std::strin
     const auto record = write_collection(collection, seconds_since_1970());
     if (auto kept = keep_foreign_file(path, files); !kept) return kept;
     if (auto saved = safe_write(path, record, files); !saved) return saved;
+    return save_vistels(collection, files);
+}
+
+result<void> save_collection(video_collection_ROOT& collection, const std::string& folder, known_file& known,
+                             std::string& kept, file_system& files) {
+    const std::string path = path_join(folder, collection_file_name);
+    if (collection.saving_is_blocked()) return collection_is_being_loaded(path);
+    const auto record = write_property_list(write_collection(collection, seconds_since_1970()));
+    if (auto aside = keep_foreign_file(path, files); !aside) return aside;
+    auto strangers = safe_write_known(path, record, known, false, files);
+    if (!strangers) return strangers.error();
+    kept = std::move(strangers).value();
     return save_vistels(collection, files);
 }
 

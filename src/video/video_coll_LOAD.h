@@ -6,6 +6,7 @@
 
 #include "util/file_system.h"
 #include "util/result.h"
+#include "util/safe_write.h"
 #include "video/video_collection_ROOT.h"
 
 namespace vistels {
@@ -22,6 +23,7 @@ struct loaded_collection {
     // Of streamed vistels whose local copy is shorter than expected. Told a moment after loading: they are no
     // fault of the collection.
     std::vector<failure> alerts;
+    known_file record_file;  // as it was read
     // Vistels without a number got one, which is to be saved.
     bool has_new_numbers = false;
 };
@@ -41,6 +43,10 @@ result<loaded_collection> load_collection(const std::string& folder, const std::
 // place and is none is kept as "X damaged N".
 result<void> save_collection(video_collection_ROOT& collection, const std::string& folder,
                              file_system& files = machine_files());
+// The same where the collection record was `known` when it was read or saved last. What another program put
+// there since is kept as safe_write_known does; `kept` gets its name (empty: there was no such thing).
+result<void> save_collection(video_collection_ROOT& collection, const std::string& folder, known_file& known,
+                             std::string& kept, file_system& files = machine_files());
 // The records of the vistels that differ from what was read, alone.
 result<void> save_vistels(const video_collection_ROOT& collection, file_system& files = machine_files());
 

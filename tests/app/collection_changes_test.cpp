@@ -391,7 +391,7 @@ TEST(collection_alone, is_changed_and_taken_back) {
     const testing::stored_collection stored;
     simulated_run_loop loop;
     collection_document document(stored.folder(), loop);
-    document.take_up(stored.load().collection);
+    document.take_up(stored.load());
     undo_stack undo(document, loop);
     const auto rename = [&](const char* name) {
         auto copy = detached_copy(document.record());

@@ -47,7 +47,7 @@ std::string state_found_in(const std::string& folder) {
     EXPECT_TRUE(loaded) << loaded.message();
     if (!document || !loaded) return {};
     collection_document collection(folder, loop, files);
-    collection.take_up(std::move(loaded.value().collection));
+    collection.take_up(std::move(loaded).value());
     collection.take_up_recovered(document->recovered_others());
     return state_of(document->timeline(), collection.record());
 }
@@ -84,7 +84,7 @@ class coded_collection {
         record.add("array video group items", std::move(items));
         EXPECT_TRUE(safe_write(path_join(folder, collection_file_name), record, files));
         document = testing::opened(folder, loop_, files);
-        collection.take_up(std::move(load_collection(folder).value().collection));
+        collection.take_up(load_collection(folder).value());
         collection.set_keeper(*document);
         changes = std::make_unique<collection_changes>(collection, *document);
         EXPECT_TRUE(document->apply({"Row", "", {operation::insert_row{0, testing::row_of("R", "R")}}}));

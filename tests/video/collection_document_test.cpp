@@ -56,7 +56,7 @@ class slow_volume : public testing::unsynced_files {
 class open_collection : public ::testing::Test {
   protected:
     open_collection() {
-        document.take_up(stored.load().collection);
+        document.take_up(stored.load());
         telling =
             document.saved.connect([this](const failure& problem) { told.push_back(problem.message()); });
     }
@@ -80,6 +80,30 @@ class open_collection : public ::testing::Test {
     std::vector<std::string> told;
     connection telling;
 };
+
+TEST_F(open_collection, a_record_that_another_program_wrote_meanwhile_is_kept_and_told) {
+    std::vector<file_conflict> met;
+    const connection conflicts =
+        document.conflict.connect([&](const file_conflict& conflict) { met.push_back(conflict); });
+    change("ours");
+    document.save_soon();
+    ASSERT_TRUE(is_saved());
+    EXPECT_TRUE(met.empty());  // what it read and wrote itself is no stranger's
+
+    auto theirs = stored.load().collection;
+    theirs.set_name("theirs");
+    ASSERT_TRUE(save_collection(theirs, stored.folder()));
+    document.record().set_name("ours");
+    document.note_change(false);
+    document.save_soon();
+    ASSERT_TRUE(is_saved());
+    EXPECT_EQ(stored.load().collection.name(), "ours");
+    ASSERT_EQ(met.size(), 1u);
+    EXPECT_EQ(met[0].path, path_join(stored.folder(), collection_file_name));
+    const auto kept = read_property_list_file(met[0].kept_as);
+    ASSERT_TRUE(kept) << kept.message();
+    EXPECT_EQ(read_collection(*kept.value().dictionary()).name(), "theirs");
+}
 
 TEST_F(open_collection, changes_made_while_a_save_runs_become_one_that_follows) {
     files.let_pass(false);

@@ -136,11 +136,11 @@ void open_event::follow_change(double shift) {
 result<void> open_event::load_collection_record() {
     auto loaded = load_collection(folder_, places_.local_vistels());
     if (!loaded) return loaded.error();
-    collection_.take_up(std::move(loaded.value().collection));
     add_all(messages_, loaded.value().messages);
     alerts_ = std::move(loaded.value().alerts);
     has_new_numbers_ = loaded.value().has_new_numbers;
     for (const auto& message : loaded.value().messages) log_line(places_, message.message());
+    collection_.take_up(std::move(loaded).value());
     return {};
 }
 

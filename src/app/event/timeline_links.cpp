@@ -53,7 +53,7 @@ result<void> save_recovered_collection(timeline_document& timeline, const home_p
     if (file_exists(path_join(timeline.folder(), collection_file_name))) {
         auto loaded = load_collection(timeline.folder(), places.local_vistels());
         if (!loaded) return loaded.error();
-        collection.take_up(std::move(loaded.value().collection));
+        collection.take_up(std::move(loaded).value());
     }
     // The playheads stay on their frames.
     auto& record = collection.record();

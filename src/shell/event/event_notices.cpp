@@ -76,8 +76,11 @@ void event_notices::follow_event() {
         logger.made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(
         event_->save_ended.connect([this](const failure& problem) { tell_save(problem); }));
-    connections_.push_back(timeline.conflict.connect(
-        [this](const file_conflict& conflict) { Q_EMIT told(conflict_message(name(), conflict)); }));
+    const auto tell_conflict = [this](const file_conflict& conflict) {
+        Q_EMIT told(conflict_message(name(), conflict));
+    };
+    connections_.push_back(timeline.conflict.connect(tell_conflict));
+    connections_.push_back(event_->collection_file().conflict.connect(tell_conflict));
 }
 
 void event_notices::tell_opening() {
