@@ -71,6 +71,7 @@ class shown_window {
         window_.resize(1600, 1000);
         window_.show();
         window_.opener().open_folder(folder);
+        go_on_until([&] { return !window_.opener().is_at_work(); });
         if (!window_.session().is_open()) stop_with("The event cannot be opened");
         view_ = window_.findChild<collection_view*>();
         for (auto& vistel : playback_vistels_of(event().collection())) {

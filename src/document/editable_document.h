@@ -68,8 +68,9 @@ class editable_document {
     // Those found by opening, and each that came since.
     const std::vector<file_conflict>& conflicts() const { return conflicts_; }
 
-    // Saving begins. A document is begun from the first; one that is read on another thread waits for this
-    // call on the main thread (wait_to_begin), and uses the loop only from then on.
+    // A document is begun from the first, unless it is told to wait, since it is read on another thread: then
+    // nothing is saved, and the loop not used, before begin() on the main thread.
+    void wait_to_begin() { is_begun_ = false; }
     virtual void begin();
     bool is_begun() const { return is_begun_; }
 
@@ -122,8 +123,6 @@ class editable_document {
 
   protected:
     explicit editable_document(run_loop& loop);
-    void wait_to_begin() { is_begun_ = false; }
-
     // Of a document that is on record with another one, which calls these. Makes the change in memory; on
     // failure nothing is changed.
     virtual result<void> change(const document_change& change);

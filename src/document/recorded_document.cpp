@@ -35,6 +35,7 @@ struct recorded_document::opening {
     std::vector<failure> found;  // told of the folder, before it was read
     std::vector<failure> read;   // told of the files
     known_file content;
+    file_content_mark file;  // its content
     journal_content journal;
     std::vector<file_conflict> strangers;  // met by the first file
     std::vector<file_conflict> conflicts;
@@ -69,15 +70,25 @@ void recorded_document::start_renewal() {
 }
 
 result<void> recorded_document::try_to_write(bool take_over) {
-    prepare_to_write(take_over);
+    (void)prepare_to_write(take_over);
     return write_prepared();
 }
 
-void recorded_document::prepare_to_write(bool take_over) {
-    if (journal_) return;
+bool recorded_document::prepare_to_write(bool take_over) {
+    if (journal_) return true;
     auto now = std::make_unique<opening>();
     if (auto read = prepare(*now, take_over); !read) now->failed = read.error();
     opening_ = std::move(now);
+    return !opening_->failed;
+}
+
+void recorded_document::forget_prepared() {
+    opening_.reset();
+}
+
+const file_content_mark& recorded_document::prepared_file() const {
+    static const file_content_mark none;
+    return opening_ ? opening_->file : none;
 }
 
 result<void> recorded_document::write_prepared() {
@@ -111,6 +122,7 @@ result<void> recorded_document::prepare(opening& now, bool take_over) {
     }
     now.may_write = lock_ || now.lock;
     if (auto read = read_files(now); !read) return read;
+    now.file = mark_of(now.content);
     if (!now.may_write) return {};
     make_first_file(now);
     keep_conflicts(now);
@@ -143,6 +155,7 @@ void recorded_document::make_first_file(opening& now) {
     if (now.content.identity.inode != 0 || now.journal.fits) return;
     const std::string path = path_of(form_.file_name);
     const auto kept = safe_write_known(path, first_bytes(), now.content, false, files_);
+    now.file = mark_of(now.content);
     if (kept && !kept.value().empty()) now.strangers.push_back(stranger_met(path, kept.value()));
 }
 
@@ -174,7 +187,7 @@ void recorded_document::start_journal(opening& now) {
     const journal_content& journal = now.journal;
     journal_base base = journal.base;
     // The journal of a document that had no file continues the one that was made for it.
-    if (!journal.fits) base.content = mark_of(now.content);
+    if (!journal.fits) base.content = now.file;
     base.taken = journal.last_number;
     base.writer = instance_;
     base.covers = journal.parts;
@@ -194,7 +207,7 @@ void recorded_document::take_up(opening& now) {
     for (const auto& stranger : now.strangers) tell(stranger);
     add_all(messages_, now.read);
     add_all(messages_, now.journal.messages);
-    opened_file_ = mark_of(known_content_);
+    opened_file_ = now.file;
     std::vector<change_pointer> all{now.journal.base.growing};
     all.insert(all.end(), now.journal.edits.begin(), now.journal.edits.end());
     for (const auto& recorded : all) {

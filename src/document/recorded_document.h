@@ -43,8 +43,12 @@ class recorded_document : public editable_document {
     // steps: prepare_to_write() reads, on any thread, while the main thread may look at the document as it
     // is; write_prepared() takes up what was read, or says why it could not be.
     result<void> try_to_write(bool take_over = false);
-    void prepare_to_write(bool take_over);
+    bool prepare_to_write(bool take_over);  // false: it could not be
     result<void> write_prepared();
+    // What was read is not wanted; the lock is given back.
+    void forget_prepared();
+    // The file that prepare_to_write() read.
+    const file_content_mark& prepared_file() const;
 
     std::function<result<void>()> edit_sync() override;
 

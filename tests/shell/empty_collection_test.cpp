@@ -21,6 +21,7 @@
 #include "shell/panes/collection/volume_popover.h"
 #include "shell/panes/side_bar/content_side_bar.h"
 #include "shell/window/window_actions.h"
+#include "support/open_and_wait.h"
 #include "support/patience.h"
 #include "support/shown_event.h"
 #include "support/stored_event.h"
@@ -94,8 +95,8 @@ TEST_F(empty_collection, is_made_coded_and_filmed_later) {
     EXPECT_EQ(timeline().clip_count(), 1U);
 
     const std::string made = session().folder();
-    window->opener().open_folder(folder);
-    window->opener().open_folder(made);
+    ASSERT_TRUE(testing::open_and_wait(*window, folder));
+    ASSERT_TRUE(testing::open_and_wait(*window, made));
     EXPECT_EQ(timeline().clip_count(), 1U);
 }
 
@@ -131,6 +132,7 @@ class first_start : public testing::shown_event {
         window->show();
         window->opener().set_demo_size(1, seconds);
         window->opener().open_last_or_demo({});
+        EXPECT_TRUE(testing::has_opened(*window));
         panel = find<work_panel>("work_panel");
         EXPECT_TRUE(panel->isVisible());
         EXPECT_TRUE(find<content_side_bar>("content")->isVisible());
@@ -141,7 +143,7 @@ class first_start : public testing::shown_event {
         return QTest::qWaitFor(
             [&] {
                 EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-                return !panel->is_running();
+                return !panel->is_running() && !window->opener().is_at_work();
             },
             120000);
     }
@@ -168,7 +170,7 @@ TEST_F(first_start, the_demo_event_opens_by_itself) {
 TEST_F(first_start, the_demo_event_takes_the_place_of_no_other) {
     begin(10);  // long enough to be worth showing on any machine
     testing::put_stored_timeline(path_join(places.home_vault, "Video Groups/Cup"));
-    window->opener().open_folder(path_join(places.home_vault, "Video Groups/Cup"));
+    ASSERT_TRUE(testing::open_and_wait(*window, path_join(places.home_vault, "Video Groups/Cup")));
     // The place is that one's now; the menu bar goes on showing what is done.
     EXPECT_FALSE(panel->isVisible());
     auto* button = find<job_button>("jobs");

@@ -15,6 +15,7 @@
 #include "shell/kit/job_button.h"
 #include "shell/kit/message_bar.h"
 #include "shell/window/window_actions.h"
+#include "support/open_and_wait.h"
 #include "support/patience.h"
 #include "support/shown_event.h"
 #include "support/stored_timeline.h"
@@ -158,6 +159,7 @@ TEST_F(window_with_jobs, opening_another_event_asks_and_stops_those_of_this_one)
         if (time == 0) choose("message.choice.0");
     }
     choose("message.choice.1");
+    ASSERT_TRUE(testing::has_opened(*window));
     EXPECT_EQ(window->session().folder(), other);
     ASSERT_TRUE(let_all_end());
     EXPECT_EQ(folders_of_vistels(), 2U);

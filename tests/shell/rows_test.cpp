@@ -23,6 +23,7 @@
 #include "shell/program/qt_run_loop.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
+#include "support/open_and_wait.h"
 #include "support/patience.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
@@ -60,7 +61,7 @@ struct row_names : public ::testing::Test {
         window.show();
         window.activateWindow();
         EXPECT_TRUE(becomes_active(&window));
-        window.opener().open_folder(folder);
+        EXPECT_TRUE(testing::open_and_wait(window, folder));
         list = window.findChild<timeline_names*>();
     }
     ~row_names() override { window.close(); }

@@ -38,6 +38,7 @@
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
 #include "shell/window/window_actions.h"
+#include "support/open_and_wait.h"
 #include "support/stored_event.h"
 #include "support/stored_timeline.h"
 #include "support/temporary_folder.h"
@@ -96,6 +97,7 @@ struct vault_window : public ::testing::Test {
         ASSERT_TRUE(QTest::qWaitFor([&] { return line(words).isValid(); })) << words;
         list().setCurrentIndex(line(words));
         QTest::keyClick(&list(), Qt::Key_Return);
+        ASSERT_TRUE(testing::has_opened(*window));
     }
     // Runs the command, whose panel is answered by `does`.
     void with_panel(command which, const std::function<void(QDialog&)>& does) {
@@ -305,7 +307,7 @@ TEST_F(vault_window, a_timeline_that_another_program_writes_refuses_and_is_tried
     other.value().reset();
     EXPECT_TRUE(QTest::qWaitFor([&] { return mark->is_free(); }));
     again->click();
-    EXPECT_FALSE(mark->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !mark->isVisible(); }));
     EXPECT_EQ(messages().waiting(), 0u);
     QTest::keyClick(window.get(), Qt::Key_A);
     EXPECT_EQ(timeline().clip_count(), 3u);
@@ -315,6 +317,7 @@ TEST_F(vault_window, an_event_that_is_gone_is_said_and_the_first_one_opens) {
     testing::put_stored_event(places.home_vault, path_join(places.home_vault, "Video Groups/Final"), 0);
     show();
     window->opener().open_last_or_demo(home / "Cup.VVault/Video Groups/Semifinal");
+    ASSERT_TRUE(testing::has_opened(*window));
     EXPECT_TRUE(messages().headline().contains("Semifinal")) << messages().headline().toStdString();
     EXPECT_TRUE(session().is_open());
 }

@@ -29,6 +29,7 @@
 #include "shell/window/main_window.h"
 #include "shell/window/window_actions.h"
 #include "shell/window/window_set.h"
+#include "support/open_and_wait.h"
 #include "support/patience.h"
 #include "support/stored_event.h"
 #include "support/stored_timeline.h"
@@ -147,6 +148,7 @@ struct windows : public ::testing::Test {
         QContextMenuEvent asked(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));
         QApplication::sendEvent(&list, &asked);
         wait_for_front(name);
+        ASSERT_TRUE(testing::has_opened(*set->front()));
     }
     static message_bar& messages(main_window* window) { return *window->findChild<message_bar*>(); }
     static const sxy_DATA_root& timeline(main_window* window) {
@@ -201,7 +203,7 @@ TEST_F(windows, are_listed_as_they_open_and_close) {
     EXPECT_EQ(listed(), (names{"Second half", "First half"}));
     choose(set->front(), "First half");
     EXPECT_EQ(listed(), (names{"First half", "Second half"}));
-    set->front()->opener().open_folder(in_vault("Training"));
+    ASSERT_TRUE(testing::open_and_wait(*set->front(), in_vault("Training")));
     EXPECT_EQ(listed(), (names{"Training", "Second half"}));
     trigger(set->front(), command::new_window);
     wait_for_front("");
@@ -273,7 +275,7 @@ TEST_F(windows, what_had_the_focus_is_kept_as_it_changes_and_gets_it_again) {
     trigger(set->front(), command::new_window);
     wait_for_front("");
     EXPECT_EQ(kept(), "Second half") << "nothing is open in front";
-    set->front()->opener().open_folder(in_vault("Training"));
+    ASSERT_TRUE(testing::open_and_wait(*set->front(), in_vault("Training")));
     EXPECT_EQ(kept(), "Training");
     quit();
     auto order = load_open_windows(places);
@@ -350,6 +352,7 @@ TEST_F(windows, show_a_folder_once) {
     EXPECT_EQ(shown(), (names{"Second half", "First half"}));
     second->opener().open_paths({in_vault("Training"), in_vault("First half")});
     wait_for_front("First half");
+    ASSERT_TRUE(testing::has_opened(*second));
     EXPECT_EQ(shown(), (names{"First half", "Training"}));
     QTest::keyClick(set->front(), Qt::Key_Tab, Qt::ControlModifier);
     wait_for_front("Training");

@@ -20,6 +20,7 @@
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
 #include "shell/window/window_actions.h"
+#include "support/open_and_wait.h"
 #include "support/patience.h"
 #include "support/second_writer.h"
 #include "support/stored_timeline.h"
@@ -51,7 +52,7 @@ struct writers : public ::testing::Test {
         window->show();
         window->activateWindow();
         ASSERT_TRUE(becomes_active(window.get()));
-        window->opener().open_folder(folder);
+        ASSERT_TRUE(testing::open_and_wait(*window, folder));
         ASSERT_TRUE(window->session().is_open());
     }
     void close() {
@@ -104,7 +105,7 @@ TEST_F(writers, an_event_that_another_program_has_is_taken_over_by_a_persons_wor
     EXPECT_TRUE(mark().isVisible()) << "the other program is at work";
     ASSERT_EQ(other.code(), "done");
     choose("Take Over");
-    EXPECT_FALSE(mark().isVisible());
+    EXPECT_TRUE(comes_true([&] { return !mark().isVisible(); }));
     EXPECT_EQ(bar().waiting(), 0u);
     EXPECT_TRUE(has("theirs 1") && has("theirs 2")) << "what it did until then is kept";
     code();
@@ -134,7 +135,7 @@ TEST_F(writers, an_event_that_is_taken_away_is_told_and_comes_back) {
     other.kill();
     EXPECT_TRUE(comes_true([&] { return mark().is_free(); }));
     QTest::mouseClick(mark().findChild<QToolButton*>("read_only.again"), Qt::LeftButton);
-    EXPECT_FALSE(mark().isVisible());
+    EXPECT_TRUE(comes_true([&] { return !mark().isVisible(); }));
     EXPECT_TRUE(has("one") && has("theirs 1")) << "the killed program's work is brought back";
     // The press that found the timeline gone was kept in memory.
     EXPECT_TRUE(comes_true([&] { return clips() == 5; })) << clips();

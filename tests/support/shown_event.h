@@ -17,6 +17,7 @@
 #include "shell/program/qt_run_loop.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
+#include "support/open_and_wait.h"
 #include "support/small_movies.h"
 #include "support/temporary_folder.h"
 #include "video/video_coll_Files.h"
@@ -47,7 +48,7 @@ class shown_event : public ::testing::Test {
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        window->opener().open_folder(folder);
+        ASSERT_TRUE(open_and_wait(*window, folder));
     }
     void TearDown() override {
         jobs.cancel_all();  // or closing would ask about them

@@ -62,16 +62,30 @@ open_event::open_event(std::string folder, home_places places, run_loop& loop)
     collection_.set_blank_movie(*blank_movie_);
 }
 
-result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, const home_places& places,
+// By the thread that reads, for the main thread to begin with.
+struct open_event::what_was_read {
+    double movie_time = 0;
+    double top_speed = 0;
+    std::vector<markup_Button_Item> buttons;
+    undo_history history;
+};
+
+result<std::unique_ptr<open_event>> open_event::read(const std::string& folder, const home_places& places,
                                                      run_loop& loop) {
     std::unique_ptr<open_event> event(new open_event(folder, places, loop));
     if (auto loaded = event->load(); !loaded) return loaded.error();
-    if (event->has_new_numbers_ && !event->timeline_->is_read_only()) event->collection_.note_change(false);
+    return event;
+}
+
+result<std::unique_ptr<open_event>> open_event::open(const std::string& folder, const home_places& places,
+                                                     run_loop& loop) {
+    auto event = read(folder, places, loop);
+    if (event) event.value()->begin();
     return event;
 }
 
 open_event::~open_event() {
-    if (!undo_) return;  // it was not opened
+    if (!undo_) return;  // it has not begun
     logger_->release_all(playback_->collection_time());
     // What cannot be saved of the timeline stays in its journal.
     (void)save_all();
@@ -79,38 +93,64 @@ open_event::~open_event() {
 }
 
 result<void> open_event::load() {
+    read_ = std::make_unique<what_was_read>();
     add_all(messages_, mend_event(folder_, places_.local_vistels()).messages);
     has_collection_ = !is_timeline_alone(folder_);
+    collection_.wait_to_begin();
     if (has_collection_) {
-        if (auto loaded = load_collection_record(); !loaded) return loaded;
+        auto loaded = load_collection(folder_, places_.local_vistels());
+        if (!loaded) return loaded.error();
+        take_up_collection(std::move(loaded).value());
     }
-    if (auto opened = open_timeline(); !opened) return opened;
-    const double to_restore = movie_time_to_restore();
+    if (auto opened = read_timeline(); !opened) return opened;
+    read_->movie_time = movie_time_to_restore();
     collection_.set_keeper(*timeline_);
     collection_.take_up_recovered(timeline_->recovered_others());
-    // Nothing is saved of a collection that is not whole yet.
-    const saving_block block(collection_.record());
     if (has_collection_) link_collection();
     link_timeline(*timeline_, has_collection_ ? links_to(collection_.record()) : links_of_folder(folder_));
-    playback_ = std::make_unique<synchronised_playback>(loop_);
-    playback_->set_top_speed(load_playback_top_speed(places_).rate);
+    read_->top_speed = load_playback_top_speed(places_).rate;
     application_volume_ = kept_application_volume_ = load_application_volume(places_);
+    read_code_window();
+    read_->history = load_undo_history(places_, timeline_->timeline().uuid(), timeline_->opened_file());
+    return {};
+}
+
+void open_event::begin() {
+    const auto read = std::exchange(read_, nullptr);
+    view_ = std::make_unique<clip_view>(*timeline_, loop_);
+    {
+        // Nothing is saved of a collection that is not whole yet.
+        const saving_block block(collection_.record());
+        begin_playback(*read);
+        begin_presses(*read);
+        open_undo();
+        take_up_history(read->history);
+        open_changes();
+        open_saving();
+    }
+    timeline_->begin();
+    collection_.begin();
+    if (has_new_numbers_ && !timeline_->is_read_only()) collection_.note_change(false);
+}
+
+void open_event::begin_playback(const what_was_read& read) {
+    playback_ = std::make_unique<synchronised_playback>(loop_);
+    playback_->set_top_speed(read.top_speed);
     feed_playback();
-    playback_->seek(to_restore);
+    playback_->seek(read.movie_time);
+}
+
+void open_event::begin_presses(what_was_read& read) {
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
     logger_->set_transport(playback_.get());
     presses_ = std::make_unique<tick_task>(playback_->ticks(), tick_step::presses, [this] { tick(); });
     logger_->set_earliest_time(playback_->first_time());
-    open_code_window();
+    logger_->set_buttons(std::move(read.buttons), playback_->collection_time());
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     made_again_ = logger_->made_again.connect([this](const std::string& button) {
         log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
                               folder_ + "\"; it was made again.");
     });
-    open_undo();
-    open_changes();
-    open_saving();
-    return {};
 }
 
 void open_event::open_changes() {
@@ -133,21 +173,35 @@ void open_event::follow_change(double shift) {
     collection_changed.emit();
 }
 
-result<void> open_event::load_collection_record() {
-    auto loaded = load_collection(folder_, places_.local_vistels());
-    if (!loaded) return loaded.error();
-    add_all(messages_, loaded.value().messages);
-    alerts_ = std::move(loaded.value().alerts);
-    has_new_numbers_ = loaded.value().has_new_numbers;
-    for (const auto& message : loaded.value().messages) log_line(places_, message.message());
-    collection_.take_up(std::move(loaded).value());
-    return {};
+void open_event::take_up_collection(loaded_collection read) {
+    add_all(messages_, read.messages);
+    alerts_ = std::move(read.alerts);
+    has_new_numbers_ = read.has_new_numbers;
+    for (const auto& message : read.messages) log_line(places_, message.message());
+    collection_.take_up(std::move(read));
 }
 
-result<void> open_event::try_to_write(bool take_over) {
-    if (auto taken = timeline_->try_to_write(take_over); !taken || !has_collection_) return taken;
+struct open_event::what_was_read_again {
+    result<loaded_collection> collection = loaded_collection();
+    undo_history history;
+};
+
+void open_event::prepare_to_write(bool take_over) {
+    if (!timeline_->prepare_to_write(take_over)) return;
+    auto again = std::make_unique<what_was_read_again>();
+    if (has_collection_) again->collection = load_collection(folder_, places_.local_vistels());
+    if (!again->collection) timeline_->forget_prepared();
+    again->history = load_undo_history(places_, timeline_->timeline().uuid(), timeline_->prepared_file());
+    again_ = std::move(again);
+}
+
+result<void> open_event::write_prepared() {
+    const auto again = std::exchange(again_, nullptr);
+    if (again && !again->collection) return again->collection.error();
+    const connection access = timeline_->access_changed.connect([&] { take_up_history(again->history); });
+    if (auto taken = timeline_->write_prepared(); !taken || !has_collection_) return taken;
     // What the other program saved meanwhile is not written over.
-    if (auto loaded = load_collection_record(); !loaded) return loaded;
+    take_up_collection(std::move(again->collection).value());
     collection_.take_up_recovered(timeline_->recovered_others());
     if (has_new_numbers_) collection_.note_change(false);
     link_collection();
@@ -157,14 +211,13 @@ result<void> open_event::try_to_write(bool take_over) {
     return {};
 }
 
-result<void> open_event::open_timeline() {
-    auto opened = timeline_document::open(folder_, loop_);
+result<void> open_event::read_timeline() {
+    auto opened = timeline_document::read(folder_, loop_);
     if (!opened) return opened.error();
     timeline_ = std::move(opened).value();
     timeline_->set_author(load_user_name(places_));
     add_all(messages_, timeline_->messages());
     for (const auto& message : timeline_->messages()) log_line(places_, message.message());
-    view_ = std::make_unique<clip_view>(*timeline_, loop_);
     return {};
 }
 
@@ -172,8 +225,6 @@ result<void> open_event::open_timeline() {
 void open_event::open_undo() {
     const std::string uuid = timeline_->timeline().uuid();
     undo_ = std::make_unique<undo_stack>(*timeline_, loop_);
-    take_up_history();
-    access_ = timeline_->access_changed.connect([this] { take_up_history(); });
     using companion = timeline_document::save_companion;
     timeline_->set_save_companion([this, uuid] {
         return companion(
@@ -185,9 +236,9 @@ void open_event::open_undo() {
     });
 }
 
-void open_event::take_up_history() {
+void open_event::take_up_history(const undo_history& kept) {
     const std::string uuid = timeline_->timeline().uuid();
-    undo_->restore(load_undo_history(places_, uuid, timeline_->opened_file()));
+    undo_->restore(kept);
     for (auto& [edit, inverse] : timeline_->take_recovered()) {
         undo_->add(document_edit_of(std::move(edit), uuid), document_edit_of(std::move(inverse), uuid));
     }
@@ -254,7 +305,7 @@ void open_event::feed_volume() {
 }
 
 // A code window that cannot be read is not written over; a general one stands in for it.
-void open_event::open_code_window() {
+void open_event::read_code_window() {
     std::string logger_folder = logger_folder_of(folder_);
     // A timeline's code window may lie beside it.
     if (!has_collection_ && has_button_dict(folder_)) logger_folder = folder_;
@@ -273,7 +324,7 @@ void open_event::open_code_window() {
         if (saved) saved = save_logger_settings(settings, logger_folder);
         if (!saved) messages_.push_back(saved.error());
     }
-    logger_->set_buttons(std::move(buttons.buttons), playback_->collection_time());
+    read_->buttons = std::move(buttons.buttons);
 }
 
 // The engine is told the time as long as it has something to wait for.

@@ -34,6 +34,11 @@ class open_event {
     // the event.
     static result<std::unique_ptr<open_event>> open(const std::string& folder, const home_places& places,
                                                     run_loop& loop);
+    // The same in two steps: read() may run on any thread, and the event it makes be destroyed there; then
+    // begin() on the main thread, before anything else is asked of the event.
+    static result<std::unique_ptr<open_event>> read(const std::string& folder, const home_places& places,
+                                                    run_loop& loop);
+    void begin();
     // Closes: releases the buttons that are down, saves the timeline and the movie time, and waits for that.
     ~open_event();
     open_event(const open_event&) = delete;
@@ -91,9 +96,11 @@ class open_event {
     result<void> keep_volumes();
     // The application's volume was set, and is kept, elsewhere.
     void take_application_volume(double volume);
-    // Tries again to change an event that another program had open, see timeline_document::try_to_write().
-    // The collection record is read anew. On failure all is as it was.
-    result<void> try_to_write(bool take_over);
+    // Tries again to change an event that another program had open, see recorded_document::try_to_write().
+    // The collection record is read anew. On failure all is as it was. In two steps as there:
+    // prepare_to_write() may run on any thread.
+    void prepare_to_write(bool take_over);
+    result<void> write_prepared();
 
     // The enlarged vistel; an empty text: none. Saved with the next change, or on closing.
     void set_enlarged(const std::string& vistel);
@@ -115,12 +122,15 @@ class open_event {
   private:
     open_event(std::string folder, home_places places, run_loop& loop);
     result<void> load();
-    result<void> load_collection_record();
-    result<void> open_timeline();
-    void open_undo();
-    void take_up_history();
-    void open_code_window();
+    void take_up_collection(loaded_collection read);
+    result<void> read_timeline();
+    void read_code_window();
     void link_collection();
+    struct what_was_read;
+    void begin_playback(const what_was_read& read);
+    void begin_presses(what_was_read& read);
+    void open_undo();
+    void take_up_history(const undo_history& kept);
     void open_changes();
     void follow_change(double shift);
     void feed_playback();
@@ -142,6 +152,9 @@ class open_event {
     bool is_silenced_ = false;
     std::vector<failure> messages_;
     std::vector<failure> alerts_;
+    std::unique_ptr<what_was_read> read_;  // until begin()
+    struct what_was_read_again;
+    std::unique_ptr<what_was_read_again> again_;  // until write_prepared()
     std::unique_ptr<timeline_document> timeline_;
     collection_document collection_;  // after its keeper
     failure timeline_problem_;        // of the last save; none: it succeeded
@@ -159,7 +172,6 @@ class open_event {
     std::unique_ptr<tick_task> presses_;  // while the press engine waits for a time, or for the disk
     std::vector<connection> saves_;
     connection made_;
-    connection access_;
     connection fired_;
     connection made_again_;
 };

@@ -19,13 +19,9 @@ event_session::~event_session() {
     binders_.clear();
 }
 
-result<void> event_session::open(const std::string& folder, const home_places& places) {
-    if (event_ && event_->folder() == folder) return {};
-    const expected_waits opening("an event opens");
-    auto opened_event = open_event::open(folder, places, loop_);
-    if (!opened_event) return opened_event.error();
+void event_session::show(std::unique_ptr<open_event> event) {
     close();
-    event_ = std::move(opened_event).value();
+    event_ = std::move(event);
     reach_ = std::make_unique<event_reach>(*event_);
     pictures_ = std::make_unique<picture_wishes>(*event_);
     connect_event();
@@ -36,7 +32,6 @@ result<void> event_session::open(const std::string& folder, const home_places& p
     Q_EMIT opened();
     notices_.tell_opening();
     Q_EMIT facts_changed();
-    return {};
 }
 
 void event_session::close() {

@@ -27,9 +27,8 @@ class event_session : public QObject {
     explicit event_session(run_loop& loop);
     ~event_session() override;
 
-    // Opens the event, a collection or a timeline alone, in place of the one that is open. When it cannot be
-    // opened that one stays.
-    result<void> open(const std::string& folder, const home_places& places);
+    // Shows the event, a collection or a timeline alone, in place of the one that is open, which is closed.
+    void show(std::unique_ptr<open_event> event);
     // Saves and closes.
     void close();
     bool is_open() const { return event_ != nullptr; }

@@ -6,7 +6,6 @@
 #include "app/event/open_event.h"
 #include "document/writer_lock.h"
 #include "timeline/files/timeline_form.h"
-#include "util/wait_watch.h"
 
 namespace vistels {
 
@@ -19,6 +18,9 @@ constexpr double watch_seconds = 2;
 
 void writer_watch::set_event(open_event* event) {
     access_.disconnect();
+    queue_.reset();  // what it reads belongs to the event
+    guard_.drop();
+    is_trying_ = false;
     event_ = event;
     if (event_) access_ = event_->timeline().access_changed.connect([this] { follow_access(); });
     follow_access();
@@ -45,9 +47,8 @@ void writer_watch::follow_access() {
 
 void writer_watch::look() {
     if (is_free_ || !is_held_elsewhere()) return;
-    if (!queue_) queue_ = std::make_unique<serial_queue>("writer watch");
-    queue_->forget_waiting();
-    queue_->post([this, folder = event_->folder()] {
+    if (is_trying_) return;
+    ask_queue([this, folder = event_->folder()] {
         const bool is_free = writer_lock::take(folder, timeline_form).ok();
         loop_.post(guard_.guarded([this, folder, is_free] { take_look(folder, is_free); }));
     });
@@ -59,13 +60,27 @@ void writer_watch::take_look(const std::string& folder, bool is_free) {
     changed.emit();
 }
 
+// What waits there is not wanted any more.
+void writer_watch::ask_queue(std::function<void()> work) {
+    if (!queue_) queue_ = std::make_unique<serial_queue>("writer watch");
+    queue_->forget_waiting();
+    queue_->post(std::move(work));
+}
+
+// Behind a look that is under way, which holds the other program's place for a moment.
 void writer_watch::try_to_write(bool take_over) {
-    if (!event_) return;
-    const expected_waits opening("an event opens for changes");
-    // A look that is under way holds the other program's place for a moment.
-    if (queue_) queue_->drain();
+    if (!event_ || is_trying_) return;
+    is_trying_ = true;
+    ask_queue([this, event = event_, take_over] {
+        event->prepare_to_write(take_over);
+        loop_.post(guard_.guarded([this] { take_try(); }));
+    });
+}
+
+void writer_watch::take_try() {
+    is_trying_ = false;
     // What was done is told by the timeline.
-    if (event_->try_to_write(take_over)) return;
+    if (event_->write_prepared()) return;
     follow_access();
     refused.emit();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,7 +36,8 @@ class writer_watch {
     // The other program has closed the event: another try would do.
     bool is_free() const { return is_free_; }
 
-    // Tries again to change the event; with `take_over` it is taken from the program that has it.
+    // Tries again to change the event; with `take_over` it is taken from the program that has it. What has to
+    // be read for it is read on the queue; `changed` tells when it can be changed, `refused` when not.
     void try_to_write(bool take_over);
     // Something was refused just now because the event can only be read.
     void note_refusal();
@@ -46,15 +48,18 @@ class writer_watch {
   private:
     void follow_access();
     void look();
+    void ask_queue(std::function<void()> work);
+    void take_try();
     void take_look(const std::string& folder, bool is_free);
 
     run_loop& loop_;
     open_event* event_ = nullptr;
     bool is_free_ = false;
+    bool is_trying_ = false;
     run_loop::timer_id timer_ = 0;  // while the event can only be read
     connection access_;
     posted_work_guard guard_;
-    std::unique_ptr<serial_queue> queue_;  // looks for the other program; made when it is first needed
+    std::unique_ptr<serial_queue> queue_;  // made when it is first needed
 };
 
 }  // namespace vistels

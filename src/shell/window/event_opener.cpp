@@ -15,7 +15,6 @@
 #include "shell/kit/work_panel.h"
 #include "shell/panes/side_bar/vault_panels.h"
 #include "util/file_system.h"
-#include "util/wait_watch.h"
 #include "video/synchronised_playback.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Files.h"
@@ -31,18 +30,29 @@ namespace {
 constexpr const char* what_demo = "demo event";
 // Of a message, see user_message::key.
 constexpr const char* jobs_unfinished_key = "jobs unfinished";
+constexpr const char* reading_key = "an event is read";
+
+// After which the user is told that an event is being opened.
+constexpr double slow_seconds = 0.5;
 
 }  // namespace
 
 event_opener::event_opener(QWidget& window, home_places places, event_session& session, job_groups jobs,
                            work_panel& panel)
-    : window_(window), places_(std::move(places)), session_(session), jobs_(jobs), panel_(&panel) {
+    : window_(window),
+      places_(std::move(places)),
+      session_(session),
+      jobs_(jobs),
+      panel_(&panel),
+      reader_(session.loop()) {
     jobs_changed_ = jobs_.of_event.list().changed.connect([this] {
         if (asks_to_stop_ && jobs_.of_event.unfinished().empty()) take_back_question();
     });
 }
 
-event_opener::~event_opener() = default;
+event_opener::~event_opener() {
+    if (slow_timer_ != 0) session_.loop().stop_timer(slow_timer_);
+}
 
 void event_opener::open(const open_request& what) {
     switch (what.what) {
@@ -75,15 +85,56 @@ void event_opener::open_folder(const std::string& folder) {
         Q_EMIT settled();
         return;
     }
-    if (session_.folder() != folder && !jobs_.of_event.unfinished().empty()) {
+    if (session_.folder() == folder) {
+        cancel();
+        return;
+    }
+    if (!jobs_.of_event.unfinished().empty()) {
         ask_to_stop_jobs(folder);
         Q_EMIT settled();
         return;
     }
-    if (const auto done = session_.open(folder, places_); !done) {
-        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))), done.error());
-    }
+    read(folder);
+}
+
+void event_opener::read(const std::string& folder) {
+    tell_reading(folder);
+    reader_.read(folder, places_, [this, folder](result<std::unique_ptr<open_event>> event) {
+        take_back_reading();
+        if (event) {
+            session_.show(std::move(event).value());
+        } else {
+            tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
+                         event.error());
+        }
+        Q_EMIT settled();
+    });
+}
+
+void event_opener::cancel() {
+    take_back_reading();
+    reader_.cancel();
     Q_EMIT settled();
+}
+
+// Only where it takes long enough to wonder.
+void event_opener::tell_reading(const std::string& folder) {
+    take_back_reading();
+    slow_timer_ = session_.loop().start_timer(slow_seconds, false, [this, folder] {
+        slow_timer_ = 0;
+        user_message message{user_message::tone::warning,
+                             tr("Opening “%1”").arg(QString::fromStdString(path_name(folder))),
+                             tr("Its volume takes its time. You can go on meanwhile."),
+                             {},
+                             {{tr("Cancel"), [this] { cancel(); }}}};
+        message.key = QLatin1String(reading_key);
+        Q_EMIT told(message);
+    });
+}
+
+void event_opener::take_back_reading() {
+    if (slow_timer_ != 0) session_.loop().stop_timer(std::exchange(slow_timer_, 0));
+    Q_EMIT state_over(QLatin1String(reading_key));
 }
 
 void event_opener::ask_to_stop_jobs(const std::string& folder) {
@@ -132,11 +183,16 @@ void event_opener::open_vault(const std::string& vault) {
 }
 
 void event_opener::open_last_or_demo(const std::string& open_last) {
-    const expected_waits opening("an event is looked for, to be opened");
-    if (!open_last.empty() && !can_be_opened(open_last)) Q_EMIT told(gone_message(open_last));
-    const std::string folder = event_to_reopen(places_, open_last);
-    if (!folder.empty()) return open_folder(folder);
-    make_demo();
+    const auto is_gone = std::make_shared<bool>(false);  // set on the reader's queue, before it is done
+    const auto find = [places = places_, open_last, is_gone]() -> result<std::string> {
+        *is_gone = !open_last.empty() && !can_be_opened(open_last);
+        return event_to_reopen(places, open_last);
+    };
+    reader_.find(find, [this, open_last, is_gone](const result<std::string>& folder) {
+        if (*is_gone) Q_EMIT told(gone_message(open_last));
+        if (!folder.value().empty()) return open_folder(folder.value());
+        make_demo();
+    });
 }
 
 void event_opener::make_demo() {
@@ -176,7 +232,7 @@ void event_opener::make_demo() {
 
 void event_opener::finish_demo(const std::string& folder, const result<void>& made, bool cancelled) {
     Q_EMIT content_changed();
-    if (made && !session_.is_open()) return open_folder(folder);
+    if (made && !session_.is_open() && !is_at_work()) return open_folder(folder);
     if (made) {
         tell_ready(tr("The demo event is ready"), folder, {});
     } else if (!cancelled) {
@@ -220,7 +276,7 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
     order.then = [this, folder, asked_in = event_state()](const result<void>& made, bool cancelled) {
         Q_EMIT content_changed();
         if (made) {
-            finish_collection(folder, asked_in == event_state() && !is_at_work());
+            finish_collection(folder, asked_in == event_state() && !is_coding() && !is_at_work());
             return true;
         }
         if (!cancelled) tell_failure(tr("The collection could not be made"), made.error());
@@ -233,7 +289,7 @@ void event_opener::make_collection(const std::vector<std::string>& movies) {
 
 // Nobody who has gone on working meanwhile is taken away from it.
 void event_opener::finish_collection(const std::string& folder, bool is_waited_for) {
-    if (is_waited_for || !session_.is_open()) return open_folder(folder);
+    if (is_waited_for || (!session_.is_open() && !is_at_work())) return open_folder(folder);
     tell_ready(tr("“%1” is ready").arg(QString::fromStdString(path_name(folder))), folder,
                {{tr("Continue"), {}}, {tr("Open"), [this, folder] { open_folder(folder); }}});
     Q_EMIT settled();
@@ -246,7 +302,7 @@ std::pair<std::string, const void*> event_opener::event_state() const {
     return {session_.folder(), last ? last->parts.get() : nullptr};
 }
 
-bool event_opener::is_at_work() const {
+bool event_opener::is_coding() const {
     open_event* event = session_.shown_event();
     return event && (event->playback().is_playing() || !event->logger().down_buttons().empty());
 }
@@ -275,15 +331,23 @@ void event_opener::ask_new_empty() {
     panel->open();
 }
 
-// It takes no time: there is nothing to bring.
+// No job that is listed: there is nothing to bring.
 void event_opener::make_empty(const std::string& name, const std::string& vault) {
-    const expected_waits opening("a collection is made, to be opened");
-    const std::string folder = new_collection_folder(vault, name);
-    job work;
-    const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, load_user_name(places_));
-    if (!made) return tell_failure(tr("The collection could not be made"), made.error());
-    Q_EMIT content_changed();
-    open_folder(folder);
+    const auto make = [name, vault, user = load_user_name(places_)]() -> result<std::string> {
+        const std::string folder = new_collection_folder(vault, name);
+        job work;
+        const auto made = new_collection(folder, name, {}, movies_as::vistel_each, work, user);
+        return made ? result<std::string>(folder) : made.error();
+    };
+    reader_.find(make, [this](const result<std::string>& folder) {
+        if (!folder) {
+            tell_failure(tr("The collection could not be made"), folder.error());
+            Q_EMIT settled();
+            return;
+        }
+        Q_EMIT content_changed();
+        open_folder(folder.value());
+    });
 }
 
 void event_opener::ask_open() {

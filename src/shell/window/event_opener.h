@@ -9,12 +9,14 @@
 #include <utility>
 #include <vector>
 
+#include "app/event/event_reader.h"
 #include "app/settings/places.h"
 #include "app/start/open_requests.h"
 #include "shell/event/job_groups.h"
 #include "shell/kit/message_bar.h"
 #include "util/job.h"
 #include "util/result.h"
+#include "util/run_loop.h"
 #include "util/signal.h"
 
 class QWidget;
@@ -43,8 +45,13 @@ class event_opener : public QObject {
 
     void open(const open_request& what);
     // In place of the one that is open, unless jobs of that are under way: the user decides about these
-    // first.
+    // first. The event is read in the background; what is asked for meanwhile takes its place.
     void open_folder(const std::string& folder);
+    // What is being opened is not wanted any more.
+    void cancel();
+    // The folder of the event that is being opened; empty: none.
+    const std::string& coming() const { return reader_.coming(); }
+    bool is_at_work() const { return reader_.is_at_work(); }
     // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
     // The event that was open last; in a home vault without any event the demo event is made, and opened if
@@ -75,9 +82,12 @@ class event_opener : public QObject {
     void make_collection(const std::vector<std::string>& movies);
     void finish_collection(const std::string& folder, bool is_waited_for);
     std::pair<std::string, const void*> event_state() const;
-    bool is_at_work() const;
+    bool is_coding() const;
     void ask_to_stop_jobs(const std::string& folder);
     void take_back_question();
+    void read(const std::string& folder);
+    void tell_reading(const std::string& folder);
+    void take_back_reading();
     void make_empty(const std::string& name, const std::string& vault);
     // Where new collections are made: the focus vault, or the home vault while that one is away.
     std::string vault_for_new() const;
@@ -96,6 +106,8 @@ class event_opener : public QObject {
     QPointer<work_panel> panel_;
     bool asks_to_stop_ = false;  // a message asks whether jobs are to be stopped
     connection jobs_changed_;
+    event_reader reader_;
+    run_loop::timer_id slow_timer_ = 0;  // until it is told that an event is being read
     int demo_cameras_ = 4;
     int demo_seconds_ = 60;
 };

@@ -353,6 +353,7 @@ void main_window::closeEvent(QCloseEvent* event) {
     agreed_ = false;
     event_jobs_.cancel_all();
     window_jobs_.cancel_all();
+    opener_->cancel();
     Q_EMIT closing();
     session_->close();
     event->accept();

@@ -21,6 +21,7 @@
 #include "shell/window/main_window.h"
 #include "shell/window/window_list.h"
 #include "shell/window/window_metrics.h"
+#include "support/open_and_wait.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
 #include "util/wait_watch.h"
@@ -208,6 +209,7 @@ void window_set::connect_window(main_window& window) {
         open_empty_window().opener().open_folder(folder.toStdString());
     });
     connect(&one->opener(), &event_opener::more_found, this, &window_set::open_in_new_window);
+    connect(&one->opener(), &event_opener::settled, this, &window_set::show_state);
     connect(one, &main_window::next_window_asked, this, [this, one] { show_next_after(one); });
     connect(one, &main_window::quit_asked, this, &window_set::quit);
     connect(one, &main_window::theme_chosen, this, [this](const QString& name) {
@@ -255,7 +257,9 @@ void window_set::open_next() {
             break;
     }
     show_state();
-    QTimer::singleShot(0, this, &window_set::open_next);
+    if (!opener.is_at_work()) return QTimer::singleShot(0, this, &window_set::open_next);
+    const auto once = static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection);
+    connect(&opener, &event_opener::settled, this, &window_set::open_next, once);
 }
 
 void window_set::open_in_new_window(const open_request& what) {
@@ -343,6 +347,8 @@ window_set::member* window_set::member_of(const main_window* window) {
 }
 
 std::string window_set::folder_of(const member& one) const {
+    const std::string& coming = one.window->opener().coming();
+    if (!coming.empty()) return coming;
     const std::string open = one.window->session().folder();
     return open.empty() ? one.wanted.folder : open;
 }
@@ -455,7 +461,8 @@ void window_set::keep() {
         memories.push_back({one.root_id, one.window->memory()});
         const std::string folder = folder_of(one);
         if (folder.empty()) continue;
-        open.push_back({one.root_id, one.window->session().name().toStdString(),
+        const bool is_open = one.window->session().folder() == folder;
+        open.push_back({one.root_id, is_open ? one.window->session().name().toStdString() : std::string(),
                         static_cast<std::int64_t>(open.size()), folder});
     }
     for (open_window one : away_) {
