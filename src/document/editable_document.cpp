@@ -160,8 +160,7 @@ void editable_document::write_when_ready() {
     if (is_held_back_) {
         save->work.write = [](std::vector<file_conflict>&) -> result<void> { return held_back(); };
     }
-    if (!queue_) queue_ = std::make_unique<serial_queue>("save queue");
-    queue_->post([this, save] {
+    save_queue().post([this, save] {
         save->outcome = save->work.write(save->met);
         loop_.post(guard_.guarded([this, save] {
             if (running_ == save) (void)end_save();  // `saved` tells
@@ -208,6 +207,18 @@ result<void> editable_document::save_now() {
     }
     if (save_timer_ != 0 && !has_unsaved_edits()) loop_.stop_timer(std::exchange(save_timer_, 0));
     return last_outcome_;
+}
+
+serial_queue& editable_document::save_queue() {
+    if (!queue_) queue_ = std::make_unique<serial_queue>("save queue");
+    return *queue_;
+}
+
+void editable_document::look_on_queue(std::function<bool()> work, std::function<void(bool)> then) {
+    save_queue().post([this, work = std::move(work), then = std::move(then)]() mutable {
+        const bool found = work();
+        loop_.post(guard_.guarded([found, then = std::move(then)] { then(found); }));
+    });
 }
 
 void editable_document::finish_writing() {

@@ -159,6 +159,9 @@ class editable_document {
     void hold_back() { is_held_back_ = true; }
     // A save is on its way, or waits for another document's.
     bool is_saving() const { return running_ != nullptr; }
+    // Runs `work` on the save queue, behind what waits there, and then `then` with what it returned on the
+    // main thread.
+    void look_on_queue(std::function<bool()> work, std::function<void(bool)> then);
     // Waits for what runs on the save queue.
     void finish_writing();
     // Gives up saving, of the documents on record here, too: somebody else writes the files now. Waits for
@@ -178,6 +181,7 @@ class editable_document {
         connection saved;
     };
 
+    serial_queue& save_queue();
     void begin_save();
     void write_when_ready();
     void follow_kept(const failure& problem);
@@ -194,7 +198,7 @@ class editable_document {
     std::vector<std::unique_ptr<kept_document>> kept_;
     bool is_held_back_ = false;
     posted_work_guard guard_;
-    std::unique_ptr<serial_queue> queue_;  // from the first save on
+    std::unique_ptr<serial_queue> queue_;  // when it is first needed
 };
 
 }  // namespace vistels

@@ -247,7 +247,7 @@ void recorded_document::close_files() {
     if (is_begun() && can_edit()) {
         finish_before_closing();
         finish_writing();
-        (void)look_for_strangers();
+        if (is_strangers_there()) note_revision();
         (void)save_now();
     }
     end_saving();
@@ -257,12 +257,20 @@ void recorded_document::close_files() {
 
 void recorded_document::renew_lock() {
     if (!lock_ || !journal_) return;
-    const expected_waits renewal("the writer's lock is renewed: the time of one file");
-    if (!lock_->renew()) {
-        (void)still_holds_lock();
-    } else if (!is_saving() && look_for_strangers()) {
-        save_soon();
-    }
+    const auto is_held = std::make_shared<bool>(false);  // set on the queue, before the main thread is told
+    look_on_queue(
+        [this, is_held] {
+            *is_held = lock_->renew();
+            return *is_held && is_strangers_there();
+        },
+        [this, is_held](bool strangers) {
+            if (!journal_) return;
+            if (!*is_held) (void)still_holds_lock();
+            if (!*is_held || !strangers) return;
+            // A save meets it, also when there is nothing else to save.
+            note_revision();
+            save_soon();
+        });
 }
 
 // Another program took the document over: from now on it is only looked at here.
@@ -279,13 +287,11 @@ bool recorded_document::still_holds_lock() {
     return false;
 }
 
-// While no save runs. What a stranger put in place is met by a save, also when there is nothing else to save.
-bool recorded_document::look_for_strangers() {
+// On the save queue, or while nothing runs there.
+bool recorded_document::is_strangers_there() {
     file_identity now;
     const int looking = files_.identity(path_of(form_.file_name), now);
-    const bool found = looking == ENOENT || (looking == 0 && now != known_content_.identity);
-    if (found) note_revision();
-    return found;
+    return looking == ENOENT || (looking == 0 && now != known_content_.identity);
 }
 
 result<void> recorded_document::record(const edit_steps& steps) {

@@ -140,7 +140,7 @@ class recorded_document : public editable_document {
     void start_renewal();
     void renew_lock();
     bool still_holds_lock();
-    bool look_for_strangers();
+    bool is_strangers_there();
 
     std::unique_ptr<writer_lock> lock_;        // none: the document can only be read
     std::shared_ptr<change_journal> journal_;  // the same

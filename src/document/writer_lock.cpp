@@ -127,12 +127,32 @@ bool may_live(const property_dictionary& holder, bool is_kept_by_kernel) {
 
 }  // namespace
 
+// The open file, closed when nobody looks at it any more.
+class writer_lock::held_file {
+  public:
+    held_file(int descriptor, file_system& files) : descriptor_(descriptor), files_(files) {}
+    ~held_file() { files_.close(descriptor_); }
+    held_file(const held_file&) = delete;
+    held_file& operator=(const held_file&) = delete;
+
+    int descriptor() const { return descriptor_; }
+
+  private:
+    const int descriptor_;
+    file_system& files_;
+};
+
 writer_lock::writer_lock(std::string folder, const recorded_form& form, int descriptor, file_system& files)
     : folder_(std::move(folder)),
       form_(form),
       path_(path_join(folder_, form.lock_name)),
-      descriptor_(descriptor),
-      files_(files) {}
+      files_(files),
+      file_(std::make_shared<const held_file>(descriptor, files)) {}
+
+std::shared_ptr<const writer_lock::held_file> writer_lock::file() const {
+    const std::lock_guard lock(mutex_);
+    return file_;
+}
 
 result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder, const recorded_form& form,
                                                        file_system& files, bool* held_elsewhere) {
@@ -155,7 +175,7 @@ result<std::unique_ptr<writer_lock>> writer_lock::take(const std::string& folder
         return with_silence(held_by(folder, form, before.value()), form, path, files);
     }
     std::unique_ptr<writer_lock> lock(new writer_lock(folder, form, descriptor, files));
-    if (auto named = lock->name_this_process(); !named) return named.error();
+    if (auto named = lock->name_this_process(*lock->file_); !named) return named.error();
     return lock;
 }
 
@@ -169,38 +189,57 @@ result<std::unique_ptr<writer_lock>> writer_lock::take_over(const std::string& f
     return take(folder, form, files, held_elsewhere);
 }
 
-result<void> writer_lock::name_this_process() {
+result<void> writer_lock::name_this_process(const held_file& file) {
     const std::string bytes = write_property_list(this_process());
-    int fault = files_.empty(descriptor_);
-    if (fault == 0) fault = write_whole(files_, descriptor_, bytes);
+    int fault = files_.empty(file.descriptor());
+    if (fault == 0) fault = write_whole(files_, file.descriptor(), bytes);
     if (fault != 0) return file_could_not_be_written(path_, system_failure(fault));
     return {};
 }
 
 writer_lock::~writer_lock() {
-    if (is_still_there(descriptor_, path_, files_)) files_.remove(path_);
-    files_.close(descriptor_);
+    if (is_still_there(file_->descriptor(), path_, files_)) files_.remove(path_);
 }
 
 bool writer_lock::is_held() const {
+    const auto held = file();
     file_identity opened;
     file_identity named;
-    if (files_.opened_identity(descriptor_, opened) != 0 || files_.identity(path_, named) != 0) return true;
-    return is_same_file(opened, named);
+    if (files_.opened_identity(held->descriptor(), opened) != 0 || files_.identity(path_, named) != 0)
+        return true;
+    return is_same_file(opened, named) || was_put_back(*held);
+}
+
+// Another thread put the file back while this one looked.
+bool writer_lock::was_put_back(const held_file& looked_at) const {
+    const std::lock_guard lock(mutex_);
+    return is_putting_back_ || file_.get() != &looked_at;
+}
+
+// Without a file it was not.
+void writer_lock::put_back(std::shared_ptr<const held_file> file) {
+    const std::lock_guard lock(mutex_);
+    is_putting_back_ = false;
+    if (file) file_.swap(file);  // the old one is closed by the caller's end
 }
 
 bool writer_lock::renew() {
     file_identity found;
     if (files_.identity(path_, found) == ENOENT) {
+        {
+            const std::lock_guard lock(mutex_);
+            is_putting_back_ = true;
+        }
         int descriptor = -1;
         bool is_kept_by_kernel = false;
-        if (open_and_lock(path_, files_, descriptor, is_kept_by_kernel) != 0) return is_held();
-        files_.close(std::exchange(descriptor_, descriptor));
-        (void)name_this_process();
+        const int fault = open_and_lock(path_, files_, descriptor, is_kept_by_kernel);
+        put_back(fault == 0 ? std::make_shared<const held_file>(descriptor, files_) : nullptr);
+        if (fault != 0) return is_held();
+        (void)name_this_process(*file());
         return true;
     }
     if (!is_held()) return false;
-    files_.touch(descriptor_);
+    files_.touch(file()->descriptor());
     return true;
 }
 

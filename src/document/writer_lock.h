@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "document/recorded_form.h"
@@ -12,7 +13,7 @@ namespace vistels {
 
 // The right to write the document in one folder, held by one program at a time. A file in the folder, named
 // by the form, names the holder: host, machine, boot, process and user. On one
-// machine the kernel keeps the right as well (it ends with the process, however that dies). One thread.
+// machine the kernel keeps the right as well (it ends with the process, however that dies). Any thread.
 class writer_lock {
   public:
     // Takes the lock, or says who has it, since when nothing was heard of them, or why its file could not be
@@ -46,14 +47,21 @@ class writer_lock {
     static constexpr double renewal_seconds = 10;
 
   private:
+    class held_file;
+
     writer_lock(std::string folder, const recorded_form& form, int descriptor, file_system& files);
-    result<void> name_this_process();
+    std::shared_ptr<const held_file> file() const;
+    bool was_put_back(const held_file& looked_at) const;
+    void put_back(std::shared_ptr<const held_file> file);
+    result<void> name_this_process(const held_file& file);
 
     std::string folder_;
     const recorded_form& form_;
     std::string path_;
-    int descriptor_;
     file_system& files_;
+    mutable std::mutex mutex_;               // held for no file call
+    std::shared_ptr<const held_file> file_;  // guarded by mutex_
+    bool is_putting_back_ = false;           // the same
 };
 
 }  // namespace vistels

@@ -34,7 +34,7 @@ class wait_note {
 };
 
 // What this thread waits for while this lives is known to be short, or is wanted: the append of the journal,
-// the opening of an event. `why` must be a literal. May be nested.
+// the saving of an event that closes. `why` must be a literal. May be nested.
 class expected_waits {
   public:
     explicit expected_waits(const char* why);

@@ -270,7 +270,8 @@ TEST_F(changes, who_takes_over_has_what_was_on_record_alone) {
     ASSERT_TRUE(second);
     ASSERT_TRUE(second.value()->timeline().is_read_only());
     EXPECT_TRUE(event->set_offset("A", 4));
-    ASSERT_TRUE(second.value()->try_to_write(true));
+    second.value()->prepare_to_write(true);
+    ASSERT_TRUE(second.value()->write_prepared());
     EXPECT_EQ(second.value()->collection().find_vistel("A")->manual_start_offset(), 4);
     EXPECT_EQ(second.value()->timeline().timeline().find_clip("C")->clip->secs_start(), 1);
     // The one that lost it writes neither file any more.

@@ -224,7 +224,9 @@ TEST_F(several_panes, an_event_without_panes_codes_by_keys) {
     plain.show();
     plain.activateWindow();
     ASSERT_TRUE(testing::becomes_active(&plain));
-    ASSERT_TRUE(session.open(folder, places).ok());
+    auto read = open_event::read(folder, places, loop);
+    ASSERT_TRUE(read) << read.message();
+    session.show(std::move(read).value());
     EXPECT_TRUE(session.has_all_pictures());
     session.player().set_muted(true);
     QTest::keyPress(&plain, Qt::Key_A);

@@ -215,7 +215,7 @@ TEST_F(windows, are_listed_as_they_open_and_close) {
         QTest::keyClick(set->front(), Qt::Key_W, Qt::ControlModifier);
         if (*name == 0) choose(set->front(), "Training");
     }
-    EXPECT_EQ(shown(), names{"Second half"});
+    EXPECT_TRUE(comes_true([&] { return shown() == names{"Second half"}; }));
     EXPECT_EQ(listed(), names{"Second half"});
     EXPECT_EQ(lines_of(set->front()), names{"* Second half"});
     set->front()->close();

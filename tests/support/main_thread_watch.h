@@ -33,6 +33,8 @@ class watched_application : public QApplication, private wait_watch {
 
     // From now on every write and sync takes so long, on any thread, but the journal's append.
     static void make_volumes_late(std::chrono::milliseconds late) { late_ = late; }
+    // How often this thread wrote or synced where a wait is expected, but for the journal's append.
+    static int expected_writes() { return expected_writes_; }
 
   private:
     void begins(const wait_note& note) override {
@@ -42,11 +44,16 @@ class watched_application : public QApplication, private wait_watch {
         }
         const auto late = late_.load();
         const bool is_written = std::strcmp(note.call(), "write") == 0 || std::strstr(note.call(), "sync");
+        const bool is_append =
+            note.expected() && std::strcmp(note.expected(), "an edit is put on record") == 0;
+        if (is_written && note.expected() && !is_append && std::this_thread::get_id() == windows_)
+            ++expected_writes_;
         if (late.count() > 0 && is_written && !note.expected()) std::this_thread::sleep_for(late);
     }
     void ended(const wait_note&, double) override {}
 
     static inline std::atomic<std::chrono::milliseconds> late_{std::chrono::milliseconds(0)};
+    static inline std::atomic<int> expected_writes_{0};
     const std::thread::id windows_ = std::this_thread::get_id();
     int depth_ = 0;  // of events that are being handled
 };

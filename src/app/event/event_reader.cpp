@@ -55,6 +55,13 @@ void event_reader::cancel() {
     running_.reset();
 }
 
+void event_reader::give_back(std::unique_ptr<open_event> event) {
+    if (!event) return;
+    auto one = std::make_shared<request>();
+    one->event = std::move(event);
+    queue_.post([one] { one->event = std::unique_ptr<open_event>(); });
+}
+
 void event_reader::start(std::shared_ptr<request> one) {
     running_ = one;
     queue_.post([this, one = std::move(one)]() mutable {
@@ -65,13 +72,12 @@ void event_reader::start(std::shared_ptr<request> one) {
 
 void event_reader::finish(const std::shared_ptr<request>& one) {
     if (one != running_) {
-        queue_.post([one] { one->event = std::unique_ptr<open_event>(); });
+        if (one->event) give_back(std::move(one->event).value());
         return;
     }
     running_.reset();
     coming_.clear();
     if (one->take_found) return one->take_found(std::move(one->found));
-    if (one->event) one->event.value()->begin();
     one->take_event(std::move(one->event));
 }
 

@@ -25,13 +25,15 @@ class event_reader {
     event_reader(const event_reader&) = delete;
     event_reader& operator=(const event_reader&) = delete;
 
-    // Reads the event in `folder`; `then` gets it, begun, or why it could not be read. Asked again for the
-    // folder that is being read, it goes on with that and calls the new `then`.
+    // Reads the event in `folder`; `then` gets it, to be begun, or why it could not be read. Asked again for
+    // the folder that is being read, it goes on with that and calls the new `then`.
     using event_taker = std::function<void(result<std::unique_ptr<open_event>>)>;
     void read(const std::string& folder, const home_places& places, event_taker then);
     // Runs `find` on the queue; `then` gets what it returns.
     using finder = std::function<result<std::string>()>;
     void find(finder find, std::function<void(result<std::string>)> then);
+    // An event that was read and is not begun after all: it is closed on the queue.
+    void give_back(std::unique_ptr<open_event> event);
     // Gives up what is under way.
     void cancel();
 

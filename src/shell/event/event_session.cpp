@@ -22,6 +22,7 @@ event_session::~event_session() {
 void event_session::show(std::unique_ptr<open_event> event) {
     close();
     event_ = std::move(event);
+    event_->begin();
     reach_ = std::make_unique<event_reach>(*event_);
     pictures_ = std::make_unique<picture_wishes>(*event_);
     connect_event();
@@ -34,8 +35,26 @@ void event_session::show(std::unique_ptr<open_event> event) {
     Q_EMIT facts_changed();
 }
 
+void event_session::when_saved(std::function<void()> then) {
+    when_saved_.disconnect();
+    saved_guard_.drop();
+    if (!event_) return then();
+    event_->playback().pause();
+    release_buttons();
+    event_->save_soon();
+    const auto is_done = [this] { return !event_->has_unsaved_edits() || event_->timeline().is_read_only(); };
+    if (is_done()) return then();
+    when_saved_ = event_->save_ended.connect([this, is_done, then](const failure& problem) {
+        if (!problem && !is_done()) return;
+        loop_.post(saved_guard_.guarded(then));
+        when_saved_.disconnect();
+    });
+}
+
 void event_session::close() {
     if (!event_) return;
+    when_saved_.disconnect();
+    saved_guard_.drop();
     const expected_waits closing("an event is saved and closes");
     event_->playback().pause();
     release_buttons();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "shell/event/binder_list.h"
 #include "shell/event/event_notices.h"
 #include "shell/event/picture_wishes.h"
+#include "util/posted_work_guard.h"
 #include "util/result.h"
 #include "util/run_loop.h"
 #include "util/signal.h"
@@ -27,9 +29,13 @@ class event_session : public QObject {
     explicit event_session(run_loop& loop);
     ~event_session() override;
 
-    // Shows the event, a collection or a timeline alone, in place of the one that is open, which is closed.
+    // Shows the event, a collection or a timeline alone, which has not begun, in place of the one that is
+    // open, which is closed.
     void show(std::unique_ptr<open_event> event);
-    // Saves and closes.
+    // Stops what the event is doing and saves what is unsaved, in the background; `then` is called when that
+    // is done, or could not be, unless the event is closed before. What is asked last counts.
+    void when_saved(std::function<void()> then);
+    // Closes. What is unsaved is saved, and waited for.
     void close();
     bool is_open() const { return event_ != nullptr; }
     open_event* shown_event() { return event_.get(); }  // null when none is open
@@ -80,6 +86,8 @@ class event_session : public QObject {
     std::unique_ptr<picture_wishes> pictures_;
     std::vector<connection> lasting_;
     std::vector<connection> connections_;  // of the event that is open
+    connection when_saved_;                // the same
+    posted_work_guard saved_guard_;
     binder_list binders_;
 };
 

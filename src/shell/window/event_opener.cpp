@@ -51,6 +51,7 @@ event_opener::event_opener(QWidget& window, home_places places, event_session& s
 }
 
 event_opener::~event_opener() {
+    reader_.give_back(std::move(waiting_));
     if (slow_timer_ != 0) session_.loop().stop_timer(slow_timer_);
 }
 
@@ -98,21 +99,30 @@ void event_opener::open_folder(const std::string& folder) {
 }
 
 void event_opener::read(const std::string& folder) {
+    reader_.give_back(std::move(waiting_));
     tell_reading(folder);
     reader_.read(folder, places_, [this, folder](result<std::unique_ptr<open_event>> event) {
+        if (event) return show(std::move(event).value());
         take_back_reading();
-        if (event) {
-            session_.show(std::move(event).value());
-        } else {
-            tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
-                         event.error());
-        }
+        tell_failure(tr("“%1” can't be opened").arg(QString::fromStdString(path_name(folder))),
+                     event.error());
+        Q_EMIT settled();
+    });
+}
+
+// When the one that is open is saved, so that closing it takes no time.
+void event_opener::show(std::unique_ptr<open_event> event) {
+    waiting_ = std::move(event);
+    session_.when_saved([this] {
+        take_back_reading();
+        session_.show(std::move(waiting_));
         Q_EMIT settled();
     });
 }
 
 void event_opener::cancel() {
     take_back_reading();
+    reader_.give_back(std::move(waiting_));
     reader_.cancel();
     Q_EMIT settled();
 }

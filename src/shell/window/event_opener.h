@@ -50,8 +50,8 @@ class event_opener : public QObject {
     // What is being opened is not wanted any more.
     void cancel();
     // The folder of the event that is being opened; empty: none.
-    const std::string& coming() const { return reader_.coming(); }
-    bool is_at_work() const { return reader_.is_at_work(); }
+    const std::string& coming() const { return waiting_ ? waiting_->folder() : reader_.coming(); }
+    bool is_at_work() const { return reader_.is_at_work() || waiting_; }
     // Opens the first thing here; more_found() tells of each further one.
     void open_paths(const std::vector<std::string>& paths);
     // The event that was open last; in a home vault without any event the demo event is made, and opened if
@@ -86,6 +86,7 @@ class event_opener : public QObject {
     void ask_to_stop_jobs(const std::string& folder);
     void take_back_question();
     void read(const std::string& folder);
+    void show(std::unique_ptr<open_event> event);
     void tell_reading(const std::string& folder);
     void take_back_reading();
     void make_empty(const std::string& name, const std::string& vault);
@@ -107,7 +108,8 @@ class event_opener : public QObject {
     bool asks_to_stop_ = false;  // a message asks whether jobs are to be stopped
     connection jobs_changed_;
     event_reader reader_;
-    run_loop::timer_id slow_timer_ = 0;  // until it is told that an event is being read
+    std::unique_ptr<open_event> waiting_;  // until the one that is open is saved
+    run_loop::timer_id slow_timer_ = 0;    // until it is told that an event is being read
     int demo_cameras_ = 4;
     int demo_seconds_ = 60;
 };

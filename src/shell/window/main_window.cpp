@@ -348,7 +348,15 @@ bool main_window::agree_to_close() {
     return agreed_;
 }
 
+void main_window::close_when_saved() {
+    session_->when_saved([this] { QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection); });
+}
+
 void main_window::closeEvent(QCloseEvent* event) {
+    if (event->spontaneous() && !agreed_) {  // by the user; the program itself closes what is saved
+        event->ignore();
+        return close_when_saved();
+    }
     if (!agreed_ && !agree_to_close()) return event->ignore();
     agreed_ = false;
     event_jobs_.cancel_all();

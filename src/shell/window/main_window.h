@@ -82,6 +82,8 @@ class main_window : public QMainWindow {
     // close, and then closes without asking again.
     bool agree_to_close();
     void take_back_agreement() { agreed_ = false; }
+    // Closes when what is unsaved is saved, in the background.
+    void close_when_saved();
 
   Q_SIGNALS:
     // Another event is shown, or none.

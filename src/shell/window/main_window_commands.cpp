@@ -75,7 +75,7 @@ void main_window::connect_window_commands() {
     connect(actions[command::new_empty_collection], &QAction::triggered, opener_.get(),
             &event_opener::ask_new_empty);
     connect(actions[command::open_folder], &QAction::triggered, opener_.get(), &event_opener::ask_open);
-    connect(actions[command::close_window], &QAction::triggered, this, &QWidget::close);
+    connect(actions[command::close_window], &QAction::triggered, this, &main_window::close_when_saved);
     connect(actions[command::quit], &QAction::triggered, this, &main_window::quit_asked);
     connect(actions[command::tab_code], &QAction::triggered, this, [this] { show_tab(0); });
     connect(actions[command::tab_review], &QAction::triggered, this, [this] { show_tab(1); });

@@ -21,7 +21,6 @@
 #include "shell/window/main_window.h"
 #include "shell/window/window_list.h"
 #include "shell/window/window_metrics.h"
-#include "support/open_and_wait.h"
 #include "util/file_system.h"
 #include "util/uuid.h"
 #include "util/wait_watch.h"
