@@ -211,21 +211,5 @@ TEST_F(undo, a_group_is_one_step) {
     EXPECT_EQ(state(), before);
 }
 
-TEST_F(undo, knows_the_saved_state) {
-    EXPECT_TRUE(stack->is_at_saved_state());
-    apply("one", stamp("A", "Q1"));
-    EXPECT_FALSE(stack->is_at_saved_state());
-    stack->mark_saved();
-    apply("two", stamp("A", "Q2"));
-    EXPECT_TRUE(stack->undo());
-    EXPECT_TRUE(stack->is_at_saved_state());
-    EXPECT_TRUE(stack->undo());
-    EXPECT_FALSE(stack->is_at_saved_state());
-    EXPECT_TRUE(stack->redo());
-    EXPECT_TRUE(stack->is_at_saved_state());
-    EXPECT_TRUE(stack->redo());
-    EXPECT_FALSE(stack->is_at_saved_state());
-}
-
 }  // namespace
 }  // namespace vistels

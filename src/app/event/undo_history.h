@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -20,7 +19,6 @@ struct undo_step {
     std::string name;
     std::string scope;
     std::shared_ptr<const std::vector<document_part>> parts;
-    std::uint64_t state_before = 0;
     double seconds = 0;  // on the run loop's clock, of its last edit; not stored
     bool may_merge = false;
 };

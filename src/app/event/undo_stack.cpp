@@ -54,12 +54,11 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
         last.seconds = now;
     } else {
         const bool in_group = group_depth_ > 0;
-        undo_.push_back({in_group ? group_name_ : edit.name, edit.scope, shared(std::move(back)), state_, now,
+        undo_.push_back({in_group ? group_name_ : edit.name, edit.scope, shared(std::move(back)), now,
                          !in_group && only_sets_values(edit)});
         group_has_step_ = in_group;
         if (undo_.size() > most_steps) undo_.erase(undo_.begin());
     }
-    state_ = ++last_state_;
     redo_.clear();
     forget_void_steps();
     changed.emit();
@@ -144,9 +143,8 @@ result<void> undo_stack::move_back(std::vector<step>& from, std::vector<step>& t
     // A step that cannot be put on record stays; so does the history before it.
     if (!applied) return applied;
     from.pop_back();
-    const std::uint64_t state_after = std::exchange(state_, back.state_before);
     if (moved_) {
-        to.push_back({back.name, back.scope, shared(std::move(moved_->parts)), state_after, 0, false});
+        to.push_back({back.name, back.scope, shared(std::move(moved_->parts)), 0, false});
     }
     forget_void_steps();
     changed.emit();
@@ -159,15 +157,10 @@ void undo_stack::forget_void_steps() {
     }
 }
 
-// The states before the steps are counted anew; the present one is the saved one.
 void undo_stack::restore(undo_history history) {
     undo_ = std::move(history.undo);
     redo_ = std::move(history.redo);
     begun_ = std::move(history.begun);
-    last_state_ = 0;
-    for (auto& one : undo_) one.state_before = last_state_++;
-    state_ = saved_state_ = last_state_;
-    for (auto one = redo_.rbegin(); one != redo_.rend(); ++one) one->state_before = ++last_state_;
     forget_void_steps();
     changed.emit();
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -48,11 +47,6 @@ class undo_stack {
     void begin_group(std::string name);
     void end_group();
 
-    // The present state is the one that is saved; is_at_saved_state() tells whether undo and redo have come
-    // back to it.
-    void mark_saved() { saved_state_ = state_; }
-    bool is_at_saved_state() const { return state_ == saved_state_; }
-
     void clear();
     // What was taken back is not to be done again.
     void forget_redo();
@@ -96,9 +90,6 @@ class undo_stack {
     int group_depth_ = 0;
     bool group_has_step_ = false;
     std::string group_name_;
-    std::uint64_t state_ = 0;
-    std::uint64_t last_state_ = 0;
-    std::uint64_t saved_state_ = 0;
     connection made_;
 };
 
