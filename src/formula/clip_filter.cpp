@@ -469,7 +469,6 @@ void put_in_place(const filter_outcome& outcome) {
     each(outcome.clip_marks, [](const sxy_CLIP& clip, bool passes) { clip.set_filtered_in(passes); });
     each(outcome.qualifier_marks,
          [](const qual_ITEM& item, bool passes) { item.set_filter_marks(passes, item.filtered_in_now()); });
-    for (const auto& one : outcome.rows) one.row->set_filtered_in_count(static_cast<int>(one.passing));
 }
 
 std::size_t count_passing(const sxy_ROW& row, const clip_set& passing) {
@@ -506,7 +505,6 @@ void unfilter(const std::vector<row_pointer>& rows) {
         prefetching_visit clips(row->clips());
         while (clips.visit_some([&](const sxy_CLIP& clip) { unfilter_one(clip, marks); }) > 0) {
         }
-        row->set_filtered_in_count(static_cast<int>(row->clips().size()));
     }
 }
 

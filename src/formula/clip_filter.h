@@ -49,9 +49,8 @@ struct filter_outcome : passing_clips {
 };
 
 // Writes the marks of an outcome: clips and qualifiers are filtered in or not, the qualifiers' marks before
-// become their previous ones, and each row knows how many of its clips pass. Takes time by the marks that
-// differ, not by the clips. Clips that were marked by others since must be judged again afterwards. Any
-// thread, one at a time.
+// become their previous ones. Takes time by the marks that differ, not by the clips. Clips that were marked
+// by others since must be judged again afterwards. Any thread, one at a time.
 void put_in_place(const filter_outcome& outcome);
 
 // All clips of the rows pass and no qualifier is marked, as without a filter.

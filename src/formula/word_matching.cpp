@@ -3,8 +3,6 @@
 
 #include <string.h>
 
-#include <algorithm>
-
 namespace vistels {
 
 bool matches(std::string_view value, std::string_view pattern, wild_card mode) {
@@ -21,11 +19,6 @@ bool matches(std::string_view value, std::string_view pattern, wild_card mode) {
             return ::memmem(value.data(), value.size(), pattern.data(), pattern.size()) != nullptr;
     }
     return false;
-}
-
-bool matches_any(std::span<const std::string> values, std::string_view pattern, wild_card mode) {
-    return std::any_of(values.begin(), values.end(),
-                       [&](const std::string& value) { return matches(value, pattern, mode); });
 }
 
 }  // namespace vistels

@@ -74,15 +74,12 @@ class filtering : public ::testing::Test {
     std::string passing() const {
         std::string all;
         for (const auto& row : document->timeline().rows()) {
-            std::size_t count = 0;
             for (const auto& clip : row->clips()) {
                 const auto qualifiers = clip->qualifiers();
                 const bool marked = std::any_of(qualifiers->begin(), qualifiers->end(),
                                                 [](const auto& item) { return item.filtered_in(); });
                 if (clip->filtered_in()) all += clip->id() + (marked ? "* " : " ");
-                count += clip->filtered_in() ? 1 : 0;
             }
-            EXPECT_TRUE(!row->filtered_in_count() || row->filtered_in_count() == static_cast<int>(count));
         }
         if (!all.empty()) all.pop_back();
         return all;

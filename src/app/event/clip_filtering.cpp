@@ -177,12 +177,7 @@ void clip_filtering::follow_in_force(const change_set& changes) {
         passing_in_.clear();
         if (!is_stale_ && is_main_) unfilter(document_.timeline().rows());
     }
-    // A row that undo brings back has the count of another time.
-    for (const auto& uuid : changes.rows) {
-        passing_in_.erase(uuid);
-        const auto row = is_main_ ? document_.timeline().row(uuid) : nullptr;
-        if (row) row->set_filtered_in_count(std::nullopt);
-    }
+    for (const auto& uuid : changes.rows) passing_in_.erase(uuid);
     // The filter in force goes on judging single clips here while another one judges all.
     for (const auto& clip : changes.clips) judge_clip(clip);
     if (!verdicts_.is_on()) return;
@@ -246,7 +241,6 @@ void clip_filtering::count() {
     for (const auto& row : document_.timeline().rows()) {
         const auto [known, is_new] = passing_in_.try_emplace(row->uuid(), 0);
         if (is_new) known->second = count_passing(*row, *verdicts_.passing());
-        if (is_main_) row->set_filtered_in_count(static_cast<int>(known->second));
         standing_.passing += known->second;
     }
 }

@@ -6,7 +6,6 @@
 #include "timeline/form/compact_text.h"
 #include "timeline/form/copied_ptr.h"
 #include "util/colour_text.h"
-#include "util/property_value.h"
 #include "util/shared_text.h"
 
 namespace vistels {
@@ -20,14 +19,10 @@ struct clip_attribute_ITEM {
     // _at_pos: where on a picture it was stamped.
     std::optional<double> _at_pos_x = {};
     std::optional<double> _at_pos_y = {};
-    compact_text uuid;                    // stored as "attr_uuid"
-    bool attribute_touched_k416 = false;  // of this run, not stored
+    compact_text uuid;  // stored as "attr_uuid"
 
     // Equal in everything that is stored.
     bool operator==(const clip_attribute_ITEM& other) const;
 };
-
-clip_attribute_ITEM read_clip_attribute(const property_dictionary& stored);
-property_dictionary write_clip_attribute(const clip_attribute_ITEM& attribute);
 
 }  // namespace vistels

@@ -152,18 +152,6 @@ bool clip_attribute_ITEM::operator==(const clip_attribute_ITEM& other) const {
            _at_pos_x == other._at_pos_x && _at_pos_y == other._at_pos_y;
 }
 
-clip_attribute_ITEM read_clip_attribute(const property_dictionary& stored) {
-    stored_arena arena;
-    text_cache texts;
-    return read_part<clip_attribute_ITEM>(view_of(stored, arena), texts);
-}
-
-property_dictionary write_clip_attribute(const clip_attribute_ITEM& attribute) {
-    dictionary_sink sink;
-    write_members(stored_form<clip_attribute_ITEM>::fields, attribute, sink);
-    return sink.take();
-}
-
 qual_ITEM& qual_ITEM::operator=(qual_ITEM&& other) noexcept {
     if (this == &other) return *this;
     const record_guard guard(lk);
@@ -174,11 +162,6 @@ qual_ITEM& qual_ITEM::operator=(qual_ITEM&& other) noexcept {
 qual_fields qual_ITEM::fields() const {
     const record_guard guard(lk);
     return *this;
-}
-
-bool qual_ITEM::has_uuid(std::string_view uuid) const {
-    const record_guard guard(lk);
-    return _uuid == uuid;
 }
 
 std::optional<point> qual_ITEM::pos() const {

@@ -44,8 +44,6 @@ struct qual_fields {
     shared_text _cat;
     mutable bool filtered_IN = false;
     mutable bool filtered_IN_previous = false;
-    mutable bool temp = false;
-    mutable bool stretch_qual_up = false;
     bool ql_ALT_time_COUNT_DOWN_i12 = false;
     compact_text _uuid;
     compact_text ql_REAL_LOCAL_TIME;
@@ -68,7 +66,6 @@ class qual_ITEM : record, qual_fields {
     qual_ITEM& operator=(qual_ITEM&& other) noexcept;
 
     std::string uuid() const { return read(_uuid).str(); }
-    bool has_uuid(std::string_view uuid) const;
     void set_uuid(std::string_view uuid) { write(_uuid, compact_text(uuid)); }
     shared_text name() const { return read(_name); }
     void set_name(shared_text name) { write(_name, std::move(name)); }
@@ -113,23 +110,16 @@ class qual_ITEM : record, qual_fields {
     }
     // Stored values whose use is not built yet, by their stored key: "action".
     property_dictionary kept() const { return part(&qual_rare_fields::kept); }
-    void set_kept(property_dictionary kept) { set_part(&qual_rare_fields::kept, std::move(kept)); }
 
     // The filter's marks: this qualifier made its clip pass, now and by the filter before.
     bool filtered_in() const { return read(filtered_IN); }
     void set_filtered_in(bool passes) const { write_mark(filtered_IN, passes); }
-    bool filtered_in_previous() const { return read(filtered_IN_previous); }
-    void set_filtered_in_previous(bool passes) const { write_mark(filtered_IN_previous, passes); }
     // Both at once.
     void set_filter_marks(bool passes, bool passed_before) const {
         const record_guard guard(lk);
         std::atomic_ref(filtered_IN).store(passes, std::memory_order_relaxed);
         std::atomic_ref(filtered_IN_previous).store(passed_before, std::memory_order_relaxed);
     }
-    bool is_temp() const { return read(temp); }
-    void set_temp(bool is_temp) const { write(temp, is_temp); }
-    bool stretches_up() const { return read(stretch_qual_up); }
-    void set_stretches_up(bool up) const { write(stretch_qual_up, up); }
 
     // For a walk over all clips of a timeline, without the lock: a qualifier on a clip keeps its values, and
     // marks are read as they stand.

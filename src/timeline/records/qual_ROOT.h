@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -43,20 +42,10 @@ class qual_ROOT : record {
     iterator insert(const_iterator before, qual_ITEM item) { return items_.insert(before, std::move(item)); }
     iterator erase(const_iterator item) { return items_.erase(item); }
 
-    // Of this run, not stored.
-    shared_text stream_type() const { return read(qualifier_STREAM_TYPE); }
-    void set_stream_type(shared_text type) { write(qualifier_STREAM_TYPE, std::move(type)); }
-    std::shared_ptr<const property_dictionary> format_info() const { return read(qual_Format_info); }
-    void set_format_info(std::shared_ptr<const property_dictionary> info) {
-        write(qual_Format_info, std::move(info));
-    }
-
     bool operator==(const qual_ROOT& other) const { return items_ == other.items_; }
 
   private:
     list items_;
-    shared_text qualifier_STREAM_TYPE;
-    std::shared_ptr<const property_dictionary> qual_Format_info;
 };
 
 }  // namespace vistels

@@ -14,7 +14,6 @@
 #include "timeline/records/clip_Pause_Item.h"
 #include "timeline/records/clip_note.h"
 #include "timeline/records/qual_ROOT.h"
-#include "timeline/records/sxy_CLIP_info.h"
 #include "timeline/records/sxy_CLIP_telestration_data_24.h"
 #include "timeline/records/sxy_clip_EDIT_info_k11.h"
 #include "timeline/records/sxy_clip_inserted_object_ITEM_25__eg_pic.h"
@@ -47,24 +46,6 @@ struct clip_rare_fields {
     std::vector<trigger_event_ITEM> trigger_Events_Root;
     copied_ptr<sxy_data_clip_VISTEL> data_clip_VISTEL;
     std::shared_ptr<const clip_note> note;
-    copied_ptr<sxy_CLIP_info> sxy_Clip_info;
-    std::shared_ptr<const property_dictionary> clip_Export_Config_data_;
-};
-
-// What a clip is on screen during this run; never stored.
-struct clip_run_state {
-    double last_time_selected = 0;
-    std::int64_t sometimes__last_MouseDown_or_KeyDown_Event_Number__for__secs_end__when_marking_k506 = 0;
-    int selected_state_Secondary_25 = 0;
-    int special_highlighted_or_draw_state = 0;
-    int cached_clip_position_in_Topic_split_view_26 = 0;
-    int temp_sort_index = 0;
-    int temp_current_order = 0;
-    int temp_original_clip_position = 0;
-    int nth_clip_when_clicked = 0;
-    bool show_info = false;
-    bool clip_existed_already = false;
-    bool clip_was_just_copied_l920 = false;
 };
 
 // The fields of a clip. A timeline has a million of them: what is rare lies in blocks of its own.
@@ -73,8 +54,7 @@ struct clip_fields {
     int stars = 0;
     mutable bool selected = false;
     mutable bool filtered_in = true;
-    mutable std::uint32_t temp_quick_uuid = 0;  // 0: none yet
-    int clip_mod_cnt = 0;
+    mutable std::uint32_t temp_quick_uuid = 0;     // 0: none yet
     std::shared_ptr<const qual_ROOT> qual_Root;    // null when there are none
     std::shared_ptr<const clip_rare_fields> rare;  // null when all of it is at its default
     double secs_start = 0;
@@ -84,7 +64,6 @@ struct clip_fields {
     shared_text row_UUID_sxy__in_clip;
     std::optional<colour> col;
     sxy_clip_EDIT_info_k11 sxy_clip_Edit_info;
-    mutable copied_ptr<clip_run_state> run;
     clip_type clip_TYPE = clip_type::normal;
     int clip_count_position_in_timeline = 0;
     compact_text _id;
@@ -132,9 +111,6 @@ class sxy_CLIP : record, clip_fields {
     // From 1, among all clips of the timeline in start order; 0 = not known.
     int count_position() const { return read(clip_count_position_in_timeline); }
     void set_count_position(int position) { write(clip_count_position_in_timeline, position); }
-    // How often the clip was changed in this run.
-    int modification_count() const { return read(clip_mod_cnt); }
-    void set_modification_count(int count) { write(clip_mod_cnt, count); }
 
     // The qualifiers in stamping order; never null.
     std::shared_ptr<const qual_ROOT> qualifiers() const;
@@ -207,17 +183,6 @@ class sxy_CLIP : record, clip_fields {
     }
     // The text of the clip's note, or the empty text.
     std::string note_text() const;
-    copied_ptr<sxy_CLIP_info> clip_info() const { return part(&clip_rare_fields::sxy_Clip_info); }
-    void set_clip_info(copied_ptr<sxy_CLIP_info> info) {
-        set_part(&clip_rare_fields::sxy_Clip_info, std::move(info));
-    }
-    // Settings for the movie export, of this run; may be null.
-    std::shared_ptr<const property_dictionary> export_config() const {
-        return part(&clip_rare_fields::clip_Export_Config_data_);
-    }
-    void set_export_config(std::shared_ptr<const property_dictionary> settings) {
-        set_part(&clip_rare_fields::clip_Export_Config_data_, std::move(settings));
-    }
 
     // From 1: no other clip of this run has it, copies share it until they get a UUID of their own. Given
     // when the clip comes onto a timeline, or is asked for it.
@@ -240,17 +205,6 @@ class sxy_CLIP : record, clip_fields {
     bool filtered_in_now() const { return peek(clip_fields::filtered_in); }
     const void* first_looked_at() const { return &(clip_fields::stars); }
     const void* last_looked_at() const { return &qual_Root; }
-    // The other values of this run, by their field: clip.run_value(&clip_run_state::show_info).
-    template <class Value>
-    Value run_value(Value clip_run_state::*field) const {
-        const record_guard guard(lk);
-        return run ? (*run).*field : Value();
-    }
-    template <class Value>
-    void set_run_value(Value clip_run_state::*field, Value value) const {
-        const record_guard guard(lk);
-        run.make().*field = value;
-    }
     // A start after the end is put in order.
     void order_times();
 

@@ -429,7 +429,6 @@ changed_clip change_clip_values(const sxy_CLIP& clip, const property_dictionary&
     reading.finish();
     // A start moved behind the end moves the end too.
     if (after.secs_end < after.secs_start) std::swap(after.secs_start, after.secs_end);
-    ++after.clip_mod_cnt;
     touched[find_stored_key(clip_table, "time_start", 0).index] = before.secs_start != after.secs_start;
     touched[find_stored_key(clip_table, "time_end", 0).index] = before.secs_end != after.secs_end;
     value_change back;

@@ -16,7 +16,6 @@ struct sxy_CLIP_telestration_data_24 {
     std::optional<double> quick_uuid_linked_COLLECTION_original;
     std::optional<double> quick_uuid_linked_COLLECTION_auxiliary;
     bool using_telestrated_data = false;
-    bool first_time_clip_exported = false;  // of this run, not stored
 
     bool operator==(const sxy_CLIP_telestration_data_24&) const = default;
 };

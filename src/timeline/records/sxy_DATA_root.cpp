@@ -133,12 +133,6 @@ timeline_snapshot sxy_DATA_root::snapshot() {
     return {uuid_, description_, kept_, rows_, live_, tags_, stores_only_selected()};
 }
 
-std::shared_ptr<serial_queue> sxy_DATA_root::work_queue() {
-    const record_guard guard(lk);
-    if (!lock_queue) lock_queue = std::make_shared<serial_queue>("timeline queue");
-    return lock_queue;
-}
-
 sxy_ROW& sxy_DATA_root::editable(std::size_t index) {
     auto& owned = owned_[index];
     if (owned.is_shared) {
@@ -235,7 +229,6 @@ bool sxy_DATA_root::insert_clip(const shared_text& row, shared_record<sxy_CLIP> 
     if (!clips_.insert(*kept, number->second)) return false;
     kept->number();
     editable(row_at_[number->second]).clips().insert(std::move(kept));
-    write(cnt_clips_added, cnt_clips_added + 1);
     return true;
 }
 

@@ -15,7 +15,6 @@
 #include "timeline/records/sxy_ROW.h"
 #include "util/property_value.h"
 #include "util/record.h"
-#include "util/serial_queue.h"
 #include "util/shared_record.h"
 
 namespace vistels {
@@ -25,16 +24,6 @@ struct clip_place {
     clip_pointer clip;
     shared_text row;       // the UUID of its row
     bool is_live = false;  // still growing: its button is down and it is in no row yet
-};
-
-// How close a timeline is looked at, in pixels per second; 0 = not set.
-struct timeline_zoom {
-    double pixels_per_sec = 0;
-    double pixels_per_sec__pinch_start = 0;
-    double pixels_per_sec_for_last_single_click = 0;
-    double MAX_PIXELS_PER_SECOND_FOR_MAX_ZOOM_IN = 0;
-
-    bool operator==(const timeline_zoom&) const = default;
 };
 
 // One revision of a timeline, unchanging: what a save writes and a job reads. Any thread.
@@ -61,7 +50,6 @@ class sxy_DATA_root : record {
 
     const std::string& uuid() const { return uuid_; }
     const std::string& description() const { return description_; }
-    void set_description(std::string text) { description_ = std::move(text); }
     const property_dictionary& kept() const { return kept_; }
     // Markers on the time ruler.
     std::vector<sXY_data_TAG> tags() const { return read(tags_); }
@@ -107,11 +95,6 @@ class sxy_DATA_root : record {
     // Makes room for that many more clips at once.
     void expect_clips(std::size_t more) { clips_.reserve(clips_.size() + more); }
 
-    // What shows the timeline; nothing for one that was loaded only to be read.
-    std::shared_ptr<void> owner() const { return read(sxy_Root__).lock(); }
-    void set_owner(const std::shared_ptr<void>& owner) { write(sxy_Root__, std::weak_ptr<void>(owner)); }
-    // For work that must not run on the thread that owns the timeline. Made when first asked for.
-    std::shared_ptr<serial_queue> work_queue();
     // The stored form of snapshots is to hold only the clips that are selected and filtered in: of a copy
     // that is given away, since what is left out is not kept.
     bool stores_only_selected() const {
@@ -120,19 +103,11 @@ class sxy_DATA_root : record {
     void set_stores_only_selected(bool only) {
         write(only_add_Selected_and_filtered_in_clips_to_Save_Dictionary__, only);
     }
-    timeline_zoom zoom() const { return read(zoom_); }
-    void set_zoom(timeline_zoom zoom) { write(zoom_, zoom); }
-    // The clips added since the program started.
-    std::int64_t clips_added() const { return read(cnt_clips_added); }
     double padding_on_end() const { return read(padding_on_timeline_end); }  // seconds behind the last clip
     void set_padding_on_end(double seconds) { write(padding_on_timeline_end, seconds); }
-    int fake_rows() const { return read(nu_fake_rows); }  // rows drawn below the last one
-    void set_fake_rows(int rows) { write(nu_fake_rows, rows); }
     // The timeline's length in seconds when no movie gives one.
     double default_duration() const { return read(default_secs_MAX_duration); }
     void set_default_duration(double seconds) { write(default_secs_MAX_duration, seconds); }
-    int count_set_max() const { return read(db_cnt_set_max); }
-    void set_count_set_max(int count) { write(db_cnt_set_max, count); }
 
   private:
     struct owned_row {
@@ -161,15 +136,9 @@ class sxy_DATA_root : record {
     clip_index clips_;                         // the clips in rows
     std::vector<clip_place> live_;
 
-    std::weak_ptr<void> sxy_Root__;
-    std::shared_ptr<serial_queue> lock_queue;
     bool only_add_Selected_and_filtered_in_clips_to_Save_Dictionary__ = false;
-    timeline_zoom zoom_;
-    std::int64_t cnt_clips_added = 0;
     double padding_on_timeline_end = 0;
-    int nu_fake_rows = 0;
     double default_secs_MAX_duration = 0;
-    int db_cnt_set_max = 0;
 };
 
 }  // namespace vistels

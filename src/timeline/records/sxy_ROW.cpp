@@ -159,10 +159,6 @@ void sxy_ROW::set_deleted_clips(std::vector<sxy_Deleted_Clip_Item_k11> all) {
     write(deleted_clips_in_row_k11, kept(std::move(all)));
 }
 
-void sxy_ROW::set_compacted_rows(row_compaction rows) {
-    write(compaction, rows.empty() ? copied_ptr<row_compaction>() : copied_ptr(std::move(rows)));
-}
-
 bool is_row_key(std::string_view key) {
     return find_stored_key(row_table, key, 0).index < row_table.size();
 }

@@ -53,10 +53,7 @@ struct row_compaction {
 // What a row is during this run alone, and few are.
 struct row_run_state {
     bool full_row_coloured = false;
-    double row_created_Secs = 0;
-    double last_time_row_used_when_logging = 0;
     std::string row_name_append_for_composer_topic;
-    std::shared_ptr<const property_dictionary> row_or_topic__config_cut_clips_Data;
 };
 
 // The fields of a row. What few rows have lies in blocks of its own, so that a file of nothing but rows does
@@ -76,8 +73,7 @@ struct row_fields {
     copied_ptr<std::vector<sxy_Deleted_Clip_Item_k11>> deleted_clips_in_row_k11;  // null when there are none
     copied_ptr<row_compaction> compaction;
     copied_ptr<row_run_state> run;
-    int row_num_indx1 = 0;  // of this run, as is the following
-    mutable std::optional<int> cached_Count_of_filtered_in_clips;
+    int row_num_indx1 = 0;  // of this run
 };
 
 // One row: a named line of clips of one kind. A row that is on a timeline is changed only through the
@@ -123,7 +119,6 @@ class sxy_ROW : record, row_fields {
     void set_deleted_clips(std::vector<sxy_Deleted_Clip_Item_k11> all);
     // Empty unless this is the master row of compacted rows.
     row_compaction compacted_rows() const { return of(compaction); }
-    void set_compacted_rows(row_compaction rows);
 
     // Of this run, not stored. The place of the row in its timeline, from 1; 0 = in none.
     int row_number() const { return read(row_num_indx1); }
@@ -131,35 +126,14 @@ class sxy_ROW : record, row_fields {
     // The whole band of the row is painted in its colour.
     bool is_full_row_coloured() const { return of(run).full_row_coloured; }
     void set_full_row_coloured(bool full) { set_run(&row_run_state::full_row_coloured, full); }
-    double created_secs() const { return of(run).row_created_Secs; }  // since 1970; 0 = not known
-    void set_created_secs(double seconds) { set_run(&row_run_state::row_created_Secs, seconds); }
-    double last_used_secs() const { return of(run).last_time_row_used_when_logging; }  // since 1970
-    void set_last_used_secs(double seconds) {
-        set_run(&row_run_state::last_time_row_used_when_logging, seconds);
-    }
     // Appended to the name when the row becomes a composer topic.
     std::string composer_topic_append() const { return of(run).row_name_append_for_composer_topic; }
     void set_composer_topic_append(std::string text) {
         set_run(&row_run_state::row_name_append_for_composer_topic, std::move(text));
     }
-    // Settings for cutting clips into movies; may be null.
-    std::shared_ptr<const property_dictionary> cut_clips_config() const {
-        return of(run).row_or_topic__config_cut_clips_Data;
-    }
-    void set_cut_clips_config(std::shared_ptr<const property_dictionary> settings) {
-        set_run(&row_run_state::row_or_topic__config_cut_clips_Data, std::move(settings));
-    }
-    // Nothing when it is not known; any change of the row's clips forgets it.
-    std::optional<int> filtered_in_count() const { return read(cached_Count_of_filtered_in_clips); }
-    void set_filtered_in_count(std::optional<int> count) const {
-        write(cached_Count_of_filtered_in_clips, count);
-    }
 
     const clip_list& clips() const { return clips_; }
-    clip_list& clips() {
-        set_filtered_in_count(std::nullopt);
-        return clips_;
-    }
+    clip_list& clips() { return clips_; }
 
     // All fields but the clips, copied under the lock.
     row_fields fields() const;

@@ -22,19 +22,13 @@ struct sxy_clip_ZOOM_item {
 struct clip_vistel_ITEM {
     shared_text vistel_name;
     std::optional<double> vistel_ID;
-    // The place in the composed picture, in proportions from 0 to 1: prop_left, prop_top, prop_width and
-    // prop_height.
+    // The place in the composed picture, in proportions from 0 to 1.
     std::optional<rectangle> vistel_rect;
     std::optional<std::int64_t> level;  // of its layer
 
     const std::vector<sxy_clip_ZOOM_item>& zoom_items() const { return array_sxy_clip_zoom_item; }
     // Keeps them by key_frame_secs; those of one time stay in the order given.
     void set_zoom_items(std::vector<sxy_clip_ZOOM_item> items);
-
-    double prop_left() const { return vistel_rect ? vistel_rect->x : 0; }
-    double prop_top() const { return vistel_rect ? vistel_rect->y : 0; }
-    double prop_width() const { return vistel_rect ? vistel_rect->width : 0; }
-    double prop_height() const { return vistel_rect ? vistel_rect->height : 0; }
 
     bool operator==(const clip_vistel_ITEM&) const = default;
 
