@@ -151,8 +151,5 @@ double sound_output::added_seconds() const {
     return 0;
 }
 void sound_output::set_volume(double) {}
-bool sound_output::is_silent() const {
-    return true;
-}
 
 }  // namespace vistels

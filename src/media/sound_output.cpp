@@ -152,8 +152,4 @@ void sound_output::set_volume(double volume) {
     g_object_set(its_->volume, "volume", std::clamp(volume, 0.0, 1.0), nullptr);
 }
 
-bool sound_output::is_silent() const {
-    return its_->silent;
-}
-
 }  // namespace vistels

@@ -26,7 +26,6 @@ class sound_output {
     // Seconds of sound added since then.
     double added_seconds() const;
     void set_volume(double volume);  // 0 to 1
-    bool is_silent() const;          // no device
 
   private:
     struct implementation;

@@ -90,16 +90,6 @@ void blank_vistel_movie::prepare() {
     });
 }
 
-bool blank_vistel_movie::started_preparing_getting_blank_movie() const {
-    const std::lock_guard lock(mutex_);
-    return started_;
-}
-
-bool blank_vistel_movie::blank_movie_preparation_is_done() const {
-    const std::lock_guard lock(mutex_);
-    return done_;
-}
-
 result<std::string> blank_vistel_movie::wait_for_movie() {
     prepare();
     const wait_note note("blank movie", path_);

@@ -24,10 +24,6 @@ class blank_vistel_movie {
 
     // Begins to make it, unless it is there and whole or being made.
     void prepare();
-    // It was asked for.
-    bool started_preparing_getting_blank_movie() const;
-    // Nothing is being made: it is there, or could not be made.
-    bool blank_movie_preparation_is_done() const;
     // Prepares it and waits: its path.
     result<std::string> wait_for_movie();
 
@@ -41,7 +37,7 @@ class blank_vistel_movie {
 
     const std::string folder_;
     const std::string path_;
-    mutable std::mutex mutex_;
+    std::mutex mutex_;
     std::condition_variable is_done_;
     bool started_ = false;  // guarded by mutex_, as what follows
     bool done_ = false;

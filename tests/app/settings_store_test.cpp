@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "app/settings/search_patterns.h"
@@ -15,6 +16,12 @@
 namespace vistels {
 namespace {
 
+property_dictionary user_name(property_value name) {
+    property_dictionary values;
+    values.add("user name", std::move(name));
+    return values;
+}
+
 struct kept_settings : public ::testing::Test {
     testing::temporary_folder home;
     const home_places plain{home / "Home Vault.VVault", home / "Home Folder.VVault"};
@@ -22,7 +29,7 @@ struct kept_settings : public ::testing::Test {
 
 TEST_F(kept_settings, count_at_once_and_reach_their_files) {
     ASSERT_TRUE(save_application_volume(plain, 0.25).ok());
-    ASSERT_TRUE(save_user_name(plain, "Ada").ok());
+    ASSERT_TRUE(write_settings(plain, user_name_file, user_name("Ada")).ok());
     {
         const home_places places = with_store(plain);
         // What another program writes meanwhile stays in the file, beside what is written here.
@@ -33,8 +40,8 @@ TEST_F(kept_settings, count_at_once_and_reach_their_files) {
             ASSERT_TRUE(save_application_volume(places, volume).ok());
             EXPECT_EQ(load_application_volume(places), volume);
         }
-        // An empty name takes the key away, in memory and in the file.
-        ASSERT_TRUE(save_user_name(places, "").ok());
+        // A null takes the key away, in memory and in the file.
+        ASSERT_TRUE(write_settings(places, user_name_file, user_name({})).ok());
         EXPECT_NE(load_user_name(places), "Ada");
         ASSERT_TRUE(remember_search_pattern(places, "row = Attack").ok());
         ASSERT_TRUE(remember_search_pattern(places, "row = Defence").ok());

@@ -160,15 +160,16 @@ TEST(start_up, a_newer_build_is_told_from_what_is_installed) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
     started(places, 101.5);
-    auto known = load_build_number(places);
-    EXPECT_EQ(known.in_use, 101.5);
-    EXPECT_EQ(known.available, 101.5);
-    EXPECT_GT(known.last_checked.value_or(0), 1.6e9);
+    const std::string file = places.state_folder + "/System/build number.plist";
+    const char* const available = "build number available for download";
+    const auto known = read_dictionary_or_empty(file);
+    EXPECT_EQ(known.number("build number of Vistels being used now"), 101.5);
+    EXPECT_EQ(known.number(available), 101.5);
+    EXPECT_GT(known.number("last time checked").value_or(0), 1.6e9);
     const std::string self = fs::read_symlink("/proc/self/exe").string();
-    EXPECT_EQ(known.latest_information_url, "file://" + self);
+    EXPECT_EQ(known.text_or_empty("latest build information url"), "file://" + self);
     EXPECT_EQ(build_number_in(self), VISTELS_BUILD_NUMBER);
-    EXPECT_EQ(read_dictionary_or_empty(path_of(places, build_number_file)).size(), 4U);
-    EXPECT_EQ(path_of(places, build_number_file), places.state_folder + "/System/build number.plist");
+    EXPECT_EQ(known.size(), 4U);
 
     const std::string mark = std::string("Vistels build ") + "number: ";  // not in this file
     const struct {
@@ -194,7 +195,7 @@ TEST(start_up, a_newer_build_is_told_from_what_is_installed) {
         if (one.told) {
             EXPECT_NE(message.find(one.told), std::string::npos) << message;
         }
-        EXPECT_EQ(load_build_number(places).available, one.available);
+        EXPECT_EQ(read_dictionary_or_empty(file).number(available), one.available);
     }
 }
 
@@ -403,7 +404,6 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_TRUE(save_default_formula_operator(places, '|'));
     EXPECT_TRUE(save_minimum_free_space(places, {25}));
     EXPECT_TRUE(save_show_vistel_number_name(places, {true}));
-    EXPECT_TRUE(save_local_video_data(places, {true}));
     EXPECT_TRUE(save_view_offsets(places, {-12.5}));
     EXPECT_EQ(load_playback_top_speed(places).rate, 64);
     EXPECT_EQ(load_pitch_algorithm(places), pitch_algorithm::time_domain);
@@ -411,8 +411,11 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_EQ(load_default_formula_operator(places), '|');
     EXPECT_EQ(load_minimum_free_space(places).percent, 25);
     EXPECT_TRUE(load_show_vistel_number_name(places).shown);
-    EXPECT_TRUE(load_local_video_data(places).in_collection_folder);
     EXPECT_EQ(load_view_offsets(places).vertical, -12.5);
+    property_dictionary beside;
+    beside.add("store video data in collection folder", true);
+    EXPECT_TRUE(write_settings(places, {"Collection", "local video data.plist"}, beside));
+    EXPECT_TRUE(load_local_video_data(places).in_collection_folder);
 }
 
 }  // namespace

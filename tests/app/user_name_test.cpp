@@ -36,7 +36,12 @@ TEST(user_name, that_is_saved_counts_and_stamps_the_edits_of_an_event) {
     const auto places = find_home_places(folder / "home");
     const std::string of_machine = load_user_name(places);
     EXPECT_FALSE(of_machine.empty());
-    ASSERT_TRUE(save_user_name(places, " Ada Byron\n"));
+    const auto save = [&places](const char* name) {
+        property_dictionary values;
+        values.add("user name", name);
+        return write_settings(places, user_name_file, values).ok();
+    };
+    ASSERT_TRUE(save(" Ada Byron\n"));
     EXPECT_EQ(load_user_name(places), "Ada Byron");
 
     ASSERT_TRUE(make_folders(folder / "event"));
@@ -46,7 +51,7 @@ TEST(user_name, that_is_saved_counts_and_stamps_the_edits_of_an_event) {
     ASSERT_TRUE(event) << event.message();
     EXPECT_EQ(event.value()->timeline().author(), "Ada Byron");
 
-    ASSERT_TRUE(save_user_name(places, ""));
+    ASSERT_TRUE(save(" "));
     EXPECT_EQ(load_user_name(places), of_machine);
 }
 

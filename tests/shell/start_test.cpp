@@ -193,7 +193,10 @@ TEST(build_watch, a_newer_build_is_told_once) {
     for (const char* number : {"101", "102"}) {
         const std::string installed = std::string("Vistels build number: ") + number + ";";
         ASSERT_TRUE(safe_write_bytes(home / "vistels", installed));
-        const auto is_noted = [&] { return load_build_number(places).available == std::stod(number); };
+        const auto is_noted = [&] {
+            const auto stored = read_settings(places, build_number_file);
+            return stored.number("build number available for download") == std::stod(number);
+        };
         ASSERT_TRUE(comes_true([&] { return is_noted() && !told.empty() && told.back().contains(number); }));
     }
     EXPECT_EQ(told.size(), 2u);

@@ -98,6 +98,14 @@ timeline_snapshot noted_timeline(const std::vector<std::pair<std::string, std::s
     return timeline;
 }
 
+// Those that stand in the folder's file.
+notes_by_clip notes_in(const std::string& folder) {
+    std::vector<failure> messages;
+    auto notes = notes_keeper(folder).open(false, messages);
+    EXPECT_TRUE(notes && messages.empty()) << notes.message();
+    return notes ? std::move(notes).value() : notes_by_clip();
+}
+
 TEST(notes, are_beside_the_timeline_and_in_the_document_of_it) {
     const testing::temporary_folder folder;
     // One without an identity and the second of two with the same one keep theirs.
@@ -107,7 +115,7 @@ TEST(notes, are_beside_the_timeline_and_in_the_document_of_it) {
     EXPECT_EQ(data.find("first"), std::string::npos);
     EXPECT_NE(data.find("nobody's"), std::string::npos);
     EXPECT_NE(data.find("second"), std::string::npos);
-    EXPECT_EQ(load_notes(folder.path()).value().size(), 1U);
+    EXPECT_EQ(notes_in(folder.path()).size(), 1U);
     for (const auto& source : {folder.path(), folder / "chron data.plist"}) {
         const auto loaded = load_timeline(source);
         ASSERT_TRUE(loaded) << loaded.message();
@@ -156,8 +164,7 @@ TEST(notes, are_written_when_they_changed_and_outlive_their_clip_by_one_save) {
         EXPECT_EQ(after != before, writes) << name;
         if (timeline_follows) keeper.timeline_is_saved();
         std::vector<std::string> texts;
-        const auto stored = load_notes(folder.path());
-        for (const auto& [clip, note] : stored.value()) texts.push_back(note.text());
+        for (const auto& [clip, note] : notes_in(folder.path())) texts.push_back(note.text());
         EXPECT_EQ(texts, in_file) << name;
     }
 }
@@ -171,7 +178,7 @@ TEST(notes, those_that_another_program_wrote_meanwhile_are_kept) {
     ASSERT_TRUE(save_timeline(noted_timeline({{"a", "theirs"}}), folder.path()));
     const auto kept = keeper.save(take_notes_off(noted_timeline({{"a", "1"}})));
     ASSERT_TRUE(kept);
-    EXPECT_EQ(load_notes(folder.path()).value().at("a").text(), "1");
+    EXPECT_EQ(notes_in(folder.path()).at("a").text(), "1");
     EXPECT_NE(testing::file_bytes(kept.value()).find("theirs"), std::string::npos) << kept.value();
     EXPECT_EQ(keeper.save(take_notes_off(noted_timeline({{"a", "1"}}))).value(), "");
 }
@@ -199,7 +206,7 @@ TEST(notes, a_damaged_file_is_told_and_kept_and_never_overwritten) {
         files.set_fault([](int) { return 0; });
         EXPECT_TRUE(keeper.save(coming));
         EXPECT_EQ(testing::file_bytes(folder / "chron notes damaged 1.plist"), damaged);
-        EXPECT_EQ(load_notes(folder.path()).value().at("a").text(), "2");
+        EXPECT_EQ(notes_in(folder.path()).at("a").text(), "2");
         // Whoever never looked does so before writing; whoever looks again takes what is there now.
         testing::put_file(folder / "chron notes.plist", damaged);
         notes_keeper blind(folder.path());
@@ -223,7 +230,7 @@ TEST(notes, of_an_older_file_move_over_with_the_first_save_of_the_open_timeline)
         loop.advance(20);
     }
     EXPECT_EQ(testing::file_bytes(folder / "chron data.plist").find("old"), std::string::npos);
-    EXPECT_EQ(load_notes(folder.path()).value().at("a").text(), "old");
+    EXPECT_EQ(notes_in(folder.path()).at("a").text(), "old");
     auto again = timeline_document::open(folder.path(), loop);
     ASSERT_TRUE(again);
     EXPECT_EQ(again.value()->timeline().find_clip("a")->clip->note_text(), "old");

@@ -138,10 +138,6 @@ local_video_data load_local_video_data(const home_places& places) {
     return {load(places, local_data_place).boolean().value_or(false)};
 }
 
-result<void> save_local_video_data(const home_places& places, local_video_data setting) {
-    return save(places, local_data_place, setting.in_collection_folder);
-}
-
 view_offsets load_view_offsets(const home_places& places) {
     return {load_number(places, view_offsets_place).value_or(0)};
 }

@@ -53,7 +53,6 @@ struct local_video_data {
     bool in_collection_folder = false;
 };
 local_video_data load_local_video_data(const home_places& places);
-result<void> save_local_video_data(const home_places& places, local_video_data setting);
 
 // How far the split views of a collection are scrolled.
 struct view_offsets {

@@ -60,11 +60,4 @@ std::string load_user_name(const home_places& places) {
     return saved.empty() ? machines_name() : saved;
 }
 
-result<void> save_user_name(const home_places& places, const std::string& name) {
-    property_dictionary values;
-    const std::string kept = trimmed(name);
-    values.add(user_name_key, kept.empty() ? property_value() : property_value(kept));
-    return write_settings(places, user_name_file, values);
-}
-
 }  // namespace vistels

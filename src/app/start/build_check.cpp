@@ -9,7 +9,6 @@
 #include <string_view>
 #include <utility>
 
-#include "app/start/run_record.h"
 #include "app/start/start_failures.h"
 #include "app/vaults/trash.h"
 #include "util/clock.h"
@@ -67,12 +66,6 @@ failure check_build(const home_places& places, double running_build) {
         if (auto saved = write_settings(places, last_build_file, stored); !saved) return saved.error();
     }
     return last ? older_build(running_build, *last) : failure();
-}
-
-build_number_state load_build_number(const home_places& places) {
-    const auto stored = read_settings(places, build_number_file);
-    return {finite_number(stored, in_use_key), finite_number(stored, available_key),
-            stored_time(stored, last_checked_key), stored.text_or_empty(url_key)};
 }
 
 std::optional<double> build_number_in(const std::string& executable) {

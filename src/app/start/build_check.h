@@ -24,16 +24,6 @@ failure older_build(double running_build, double last_build);
 // there is to tell: build_is_older, or that it could not be written.
 failure check_build(const home_places& places, double running_build);
 
-// "build number.plist": what is known of newer builds. Nothing is asked of a network: a newer build is one
-// that was installed in the place of the running one.
-struct build_number_state {
-    std::optional<double> in_use;        // the build that ran last
-    std::optional<double> available;     // the one that is installed
-    std::optional<double> last_checked;  // seconds since 1970
-    std::string latest_information_url;  // the file that tells its number
-};
-build_number_state load_build_number(const home_places& places);
-
 // The build number that a file of this program carries; nothing in other files. Any thread.
 std::optional<double> build_number_in(const std::string& executable);
 
@@ -52,7 +42,9 @@ class running_executable {
     std::string running_;
 };
 
-// Looks which build is installed and writes all four values down. What there is to tell:
+// Looks which build is installed and writes "build number.plist": the build that runs, the one that is
+// installed, when it was looked, and the file that tells its number. Nothing is asked of a network: a newer
+// build is one that was installed in the place of the running one. What there is to tell:
 // newer_build_is_installed, or that it could not be written. Any thread, one at a time.
 failure check_for_newer_build(const home_places& places, double running_build,
                               const running_executable& executable);

@@ -121,11 +121,6 @@ constexpr std::array summary_table{
     any_value<&timeline_summary::sync_data_dict>("sync data dict - sxy"),
 };
 
-constexpr std::array save_time_table{
-    plain<timeline_save_time, &timeline_save_time::last_saved>("last saved"),
-    plain<timeline_save_time, &timeline_save_time::uuid_last_saved>("uuid last saved"),
-};
-
 template <class Record, class Table>
 Record read_all(const Table& table, const property_dictionary& stored) {
     stored_arena arena;
@@ -185,15 +180,11 @@ result<void> save_timeline_summary(const timeline_summary& summary, const std::s
     return safe_write(path, write_all(summary_table, summary), files);
 }
 
-timeline_save_time load_save_time(const std::string& folder) {
-    const auto path = path_join(folder, timeline_save_time_file_name);
-    return read_all<timeline_save_time>(save_time_table, read_dictionary_or_empty(path));
-}
-
 result<void> save_save_time(const std::string& folder, const std::string& saver, file_system& files) {
-    const timeline_save_time now{seconds_since_1970(), saver};
-    const auto path = path_join(folder, timeline_save_time_file_name);
-    return safe_write(path, write_all(save_time_table, now), files);
+    property_dictionary now;
+    now.add("last saved", seconds_since_1970());
+    now.add("uuid last saved", saver);
+    return safe_write(path_join(folder, timeline_save_time_file_name), now, files);
 }
 
 }  // namespace vistels

@@ -64,16 +64,7 @@ timeline_summary load_timeline_summary(const std::string& folder);
 result<void> save_timeline_summary(const timeline_summary& summary, const std::string& folder,
                                    file_system& files = machine_files());
 
-// What "chron save time.plist" holds.
-struct timeline_save_time {
-    double last_saved = 0;        // seconds since 1970; 0 = never
-    std::string uuid_last_saved;  // the instance that saved
-
-    bool operator==(const timeline_save_time&) const = default;
-};
-
-timeline_save_time load_save_time(const std::string& folder);
-// Notes that the instance `saver` saved just now.
+// Notes in "chron save time.plist" that the instance `saver` saved just now.
 result<void> save_save_time(const std::string& folder, const std::string& saver,
                             file_system& files = machine_files());
 

@@ -118,14 +118,6 @@ timeline_snapshot put_notes_on(timeline_snapshot timeline, notes_by_clip notes) 
     return timeline;
 }
 
-result<notes_by_clip> load_notes(const std::string& folder) {
-    const std::string path = path_join(folder, timeline_notes_file_name);
-    known_file ignored;
-    const auto bytes = read_known(path, ignored);
-    if (!bytes) return bytes.error();
-    return bytes.value() ? notes_in(*bytes.value(), path) : notes_by_clip();
-}
-
 notes_keeper::notes_keeper(std::string folder, file_system& files)
     : folder_(std::move(folder)), path_(path_join(folder_, timeline_notes_file_name)), files_(files) {}
 

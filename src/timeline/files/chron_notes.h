@@ -34,10 +34,6 @@ separate_notes take_notes_off(const timeline_snapshot& timeline);
 // file did so after the notes were written.
 timeline_snapshot put_notes_on(timeline_snapshot timeline, notes_by_clip notes);
 
-// Reads "chron notes.plist" in `folder`. A missing file is no notes; a damaged one is a failure that names
-// it.
-result<notes_by_clip> load_notes(const std::string& folder);
-
 // Keeps the notes file of one timeline up to date. Not for two threads at once.
 //
 // The notes are written before the timeline's own file and before its journal counts as covered, so that a
