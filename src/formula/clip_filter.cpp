@@ -2,22 +2,18 @@
 #include "formula/clip_filter.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
+#include "formula/filter_marks.h"
 #include "formula/filter_program.h"
 #include "formula/prefetching_visit.h"
 #include "formula/star_text.h"
 #include "formula/text_memo.h"
 #include "formula/word_matching.h"
-#include "util/prefetch.h"
 
 namespace vistels {
 
 namespace {
-
-// Of a list: what it writes to must lie in the cache when its turn comes.
-constexpr std::size_t write_ahead = 16;
 
 // The bits of at most 64 words.
 class narrow_bits {
@@ -80,78 +76,6 @@ bool meets_stars(const filter_word& word, int stars) {
     const auto has = static_cast<std::size_t>(std::max(stars, 0));
     return word.mode == wild_card::MATCH_ALL ? has == wanted : has >= wanted;
 }
-
-// Writes marks, the qualifiers' earlier ones as their previous.
-struct marks_written {
-    static void clip(const sxy_CLIP& clip, bool passes) { clip.set_filtered_in(passes); }
-    static void qualifier(const qual_ITEM& item, bool marked) {
-        item.set_filter_marks(marked, item.filtered_in_now());
-    }
-};
-
-// Lists marks for later.
-struct marks_listed {
-    void clip(const sxy_CLIP& clip, bool passes) const { found->clip_marks.emplace_back(clip, passes); }
-    void qualifier(const qual_ITEM& item, bool marked) const {
-        found->qualifier_marks.emplace_back(item, marked);
-    }
-    filter_outcome* found;
-};
-
-// Hands on the marks that differ, some hundreds at a time: whether one differs cannot be foreseen, so each is
-// noted without asking, and the next one takes its place when it does not.
-template <class Sink>
-class marks_that_differ {
-  public:
-    explicit marks_that_differ(Sink sink) : sink_(sink) {}
-    ~marks_that_differ() { hand_on(); }
-    marks_that_differ(const marks_that_differ&) = delete;
-    marks_that_differ& operator=(const marks_that_differ&) = delete;
-
-    void clip(const sxy_CLIP& clip, bool passes) {
-        clips_[clip_count_] = {clip, passes};
-        clip_count_ += clip.filtered_in_now() != passes ? 1 : 0;
-        if (clip_count_ == clips_.size()) hand_on();
-    }
-    void qualifier(const qual_ITEM& item, bool marked) {
-        qualifiers_[qualifier_count_] = {item, marked};
-        const bool was = item.filtered_in_now();
-        const bool differs = (was != marked) | (item.filtered_in_previous_now() != was);
-        qualifier_count_ += differs ? 1 : 0;
-        if (qualifier_count_ == qualifiers_.size()) hand_on();
-    }
-
-  private:
-    void hand_on() {
-        for (std::size_t n = 0; n < clip_count_; ++n) sink_.clip(clips_[n].record(), clips_[n].passes());
-        for (std::size_t n = 0; n < qualifier_count_; ++n) {
-            sink_.qualifier(qualifiers_[n].record(), qualifiers_[n].passes());
-        }
-        clip_count_ = qualifier_count_ = 0;
-    }
-
-    static constexpr std::size_t room = 256;
-    Sink sink_;
-    std::array<filter_outcome::marked<sxy_CLIP>, room> clips_;
-    std::array<filter_outcome::marked<qual_ITEM>, room> qualifiers_;
-    std::size_t clip_count_ = 0;
-    std::size_t qualifier_count_ = 0;
-};
-
-// Those of a clip that is judged again by the filter in force.
-struct marks_of_one {
-    static void clip(const sxy_CLIP& clip, bool passes) {
-        if (clip.filtered_in_now() != passes) clip.set_filtered_in(passes);
-    }
-    static void qualifier(const qual_ITEM& item, bool marked) {
-        if (item.filtered_in_now() != marked) item.set_filtered_in(marked);
-    }
-};
-
-struct no_marks {
-    static void clip(const sxy_CLIP&, bool) {}
-    static void qualifier(const qual_ITEM&, bool) {}
-};
 
 }  // namespace
 
@@ -457,55 +381,6 @@ std::optional<filter_outcome> clip_filter::passing_and_marks(const std::vector<r
         is_done = engine_->walk(rows, marks, found, work);
     }
     return is_done ? std::optional(std::move(found)) : std::nullopt;
-}
-
-void put_in_place(const filter_outcome& outcome) {
-    const auto each = [](const auto& list, const auto& mark) {
-        for (std::size_t at = 0; at < list.size(); ++at) {
-            if (at + write_ahead < list.size()) prefetch(list[at + write_ahead].record().first_looked_at());
-            mark(list[at].record(), list[at].passes());
-        }
-    };
-    each(outcome.clip_marks, [](const sxy_CLIP& clip, bool passes) { clip.set_filtered_in(passes); });
-    each(outcome.qualifier_marks,
-         [](const qual_ITEM& item, bool passes) { item.set_filter_marks(passes, item.filtered_in_now()); });
-}
-
-std::size_t count_passing(const sxy_ROW& row, const clip_set& passing) {
-    std::size_t count = 0;
-    for (std::size_t at = 0; at < row.clips().size();) {
-        const auto run = row.clips().run_from(at);
-        for (const auto& clip : run) prefetch(clip->first_looked_at());
-        for (const auto& clip : run) count += passing.contains(*clip) ? 1 : 0;
-        at += run.size();
-    }
-    return count;
-}
-
-namespace {
-
-template <class Marks>
-void unfilter_one(const sxy_CLIP& clip, Marks& marks) {
-    marks.clip(clip, true);
-    const auto* all = clip.qualifiers_in_place();
-    if (all == nullptr) return;
-    for (const qual_ITEM& item : *all) marks.qualifier(item, false);
-}
-
-}  // namespace
-
-void unfilter(const sxy_CLIP& clip) {
-    marks_of_one marks;
-    unfilter_one(clip, marks);
-}
-
-void unfilter(const std::vector<row_pointer>& rows) {
-    marks_that_differ marks(marks_written{});
-    for (const auto& row : rows) {
-        prefetching_visit clips(row->clips());
-        while (clips.visit_some([&](const sxy_CLIP& clip) { unfilter_one(clip, marks); }) > 0) {
-        }
-    }
 }
 
 }  // namespace vistels
