@@ -17,6 +17,7 @@
 #include "support/stored_collection.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
 #include "timeline/files/timeline_form.h"
 #include "util/simulated_run_loop.h"
 #include "video/synchronised_playback.h"
@@ -35,19 +36,15 @@ class changes : public ::testing::Test {
     changes() {
         testing::put_stored_event(vault, folder, 5.5);
         reopen();
-        sxy_ROW row;
-        row.set_uuid(shared_text("R"));
-        sxy_CLIP clip;
-        clip.set_id("C");
-        clip.set_secs_start(5);
-        clip.set_secs_end(7);
+        sxy_CLIP clip = testing::clip_of("C", 5, 7);
         clip.set_pause_items({{5.5}});
-        qual_ITEM qualifier;
-        qualifier.set_uuid("Q");
+        qual_ITEM qualifier = testing::qualifier_of("Q", "");
         qualifier.set_time(6);
         clip.set_qualifiers({qualifier});
-        const auto applied = event->timeline().apply(
-            {"setup", "", {operation::insert_row{0, row}, operation::insert_clip{shared_text("R"), clip}}});
+        const auto applied = event->timeline().apply({"setup",
+                                                      "",
+                                                      {operation::insert_row{0, testing::row_of("R", "")},
+                                                       operation::insert_clip{shared_text("R"), clip}}});
         EXPECT_TRUE(applied) << applied.message();
     }
     void reopen() {
@@ -55,6 +52,17 @@ class changes : public ::testing::Test {
         auto opened = open_event::open(folder, find_home_places(home.path()), loop);
         EXPECT_TRUE(opened) << opened.message();
         event = opened ? std::move(opened).value() : nullptr;
+    }
+    // The vault is as it would be if the program died now, and nobody has it open.
+    void be_killed() {
+        fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+        put_back_as_killed();
+    }
+    void put_back_as_killed() {
+        event.reset();
+        fs::remove_all(vault);
+        fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+        fs::remove(folder + "/chron data writer.plist");
     }
     void make(const collection_change& change) {
         const auto made = event->changes().make(change);
@@ -66,6 +74,12 @@ class changes : public ::testing::Test {
     // The time of the vistel's own movie at a collection time.
     double movie_time(const char* uuid, double seconds) {
         return movie_time_at(event->collection(), uuid, seconds).value_or(-1);
+    }
+    std::string clip_button() {
+        const auto& buttons = event->logger().buttons();
+        return std::find_if(buttons.begin(), buttons.end(),
+                            [](const auto& one) { return one.is(button_type::clip); })
+            ->uuid();
     }
     clip_pointer clip() { return event->timeline().timeline().find_clip("C")->clip; }
     // Everything that must be back after undo: the records and the timeline's times.
@@ -90,6 +104,7 @@ class changes : public ::testing::Test {
     }
 
     temporary_folder home;
+    const temporary_folder killed;
     const std::string vault = home / "Cup.VVault";
     const std::string folder = vault + "/Video Groups/Final";
     simulated_run_loop loop;
@@ -184,7 +199,6 @@ TEST_F(changes, a_drag_is_one_step_saved_once_and_can_be_cancelled) {
 // change, of both, or of none. The playhead comes back on its frame.
 TEST_F(changes, a_kill_before_the_collection_is_saved_leaves_both_in_step) {
     ASSERT_TRUE(event->save_all());
-    temporary_folder killed;
     auto& collection = event->collection_file();
     std::vector<std::string> records{testing::file_bytes(folder + "/video group.plist")};
     EXPECT_TRUE(event->set_offset("A", 4));
@@ -194,12 +208,9 @@ TEST_F(changes, a_kill_before_the_collection_is_saved_leaves_both_in_step) {
     EXPECT_TRUE(collection.save_now());
     records.push_back(testing::file_bytes(folder + "/video group.plist"));
     const std::string wanted = state();
-    fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+    be_killed();
     for (const auto& record : records) {
-        event.reset();
-        fs::remove_all(vault);
-        fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
-        fs::remove(folder + "/chron data writer.plist");
+        put_back_as_killed();
         testing::put_file(folder + "/video group.plist", record);
         reopen();
         EXPECT_EQ(state(), wanted);
@@ -243,12 +254,7 @@ TEST_F(changes, a_timeline_changed_on_its_own_after_a_kill_stays_in_step) {
     ASSERT_TRUE(event->save_all());
     EXPECT_TRUE(event->set_offset("A", 4));
     const std::string wanted = state();
-    const temporary_folder killed;
-    fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
-    event.reset();
-    fs::remove_all(vault);
-    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
-    fs::remove(folder + "/chron data writer.plist");
+    be_killed();
     {
         // One that knows nothing of collections leaves them to the journal.
         auto timeline = timeline_document::open(folder, loop);
@@ -302,12 +308,7 @@ TEST_F(changes, the_older_form_on_record_is_taken_up) {
     make(plan_offset("A", 4));
     make(plan_removal("B"));
     const std::string wanted = state();
-    const temporary_folder killed;
-    fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
-    event.reset();
-    fs::remove_all(vault);
-    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
-    fs::remove(folder + "/chron data writer.plist");
+    be_killed();
     std::size_t edits = 0;
     for (const auto& entry : fs::directory_iterator(folder)) {
         if (segment_number(entry.path().filename().string(), timeline_form) == 0) continue;
@@ -344,10 +345,7 @@ TEST_F(changes, the_older_form_on_record_is_taken_up) {
 }
 
 TEST_F(changes, what_grows_moves_along) {
-    const auto& buttons = event->logger().buttons();
-    const auto button = std::find_if(buttons.begin(), buttons.end(), [](const auto& one) {
-                            return one.is(button_type::clip);
-                        })->uuid();
+    const auto button = clip_button();
     event->playback().seek(10);
     EXPECT_TRUE(event->logger().press(button, 10));
     EXPECT_TRUE(event->set_offset("A", 4));
@@ -421,10 +419,7 @@ TEST_F(changes, nothing_below_the_first_movie_can_be_sought_or_coded) {
     EXPECT_EQ(event->start_seconds(), -6);
     event->playback().seek(-100);
     EXPECT_EQ(event->playback().collection_time(), -6);
-    const auto& buttons = event->logger().buttons();
-    const auto button = std::find_if(buttons.begin(), buttons.end(), [](const auto& one) {
-                            return one.is(button_type::clip);
-                        })->uuid();
+    const auto button = clip_button();
     EXPECT_TRUE(event->logger().press(button, -4));
     EXPECT_TRUE(event->logger().release(button, -3.5));
     event->playback().seek(-4.5);

@@ -155,29 +155,6 @@ TEST_F(event, an_auto_up_comes_without_playing) {
     EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
 }
 
-TEST_F(event, what_is_broken_is_told_and_the_rest_opens) {
-    put_file(vault + "/Single Videos/A/single video.plist", "<plist><dict>");
-    fs::create_directories(folder + "/Logger");
-    put_file(folder + "/Logger/button dict.plist", "<plist><dict>");
-    const auto opened = open();
-    EXPECT_TRUE(tells(*opened, "Single Videos/A/single video.plist"));
-    EXPECT_TRUE(tells(*opened, "Logger/button dict.plist"));
-    EXPECT_TRUE(opened->problem("A"));
-    EXPECT_FALSE(opened->logger().buttons().empty());
-    EXPECT_EQ(file_bytes(folder + "/Logger/button dict.plist"), "<plist><dict>");
-}
-
-TEST_F(event, a_damaged_record_or_timeline_is_an_error_that_names_it) {
-    for (const char* name : {"/chron data.plist", "/video group.plist"}) {
-        put_file(folder + name, "<plist>");
-        const auto opened = open_event::open(folder, find_home_places(home.path()), loop);
-        ASSERT_FALSE(opened);
-        EXPECT_NE(opened.message().find(folder + name), std::string::npos) << opened.message();
-        EXPECT_EQ(file_bytes(folder + name), "<plist>");
-        fs::remove(folder + name);
-    }
-}
-
 TEST_F(event, a_second_opening_cannot_write) {
     const auto first = open();
     const auto record = file_bytes(folder + "/video group.plist");

@@ -412,10 +412,6 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_EQ(load_minimum_free_space(places).percent, 25);
     EXPECT_TRUE(load_show_vistel_number_name(places).shown);
     EXPECT_EQ(load_view_offsets(places).vertical, -12.5);
-    property_dictionary beside;
-    beside.add("store video data in collection folder", true);
-    EXPECT_TRUE(write_settings(places, {"Collection", "local video data.plist"}, beside));
-    EXPECT_TRUE(load_local_video_data(places).in_collection_folder);
 }
 
 }  // namespace

@@ -3,29 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
-#include "timeline/files/timeline_document.h"
-#include "util/json.h"
+#include "support/timeline_builder.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels {
 namespace {
 
+using testing::clip_of;
 using testing::temporary_folder;
 
-sxy_CLIP clip(const std::string& uuid, double start, double end) {
-    sxy_CLIP made;
-    made.set_id(uuid);
-    made.set_secs_start(start);
-    made.set_secs_end(end);
-    return made;
-}
-
 operation::insert_row row(const std::string& uuid) {
-    sxy_ROW made;
-    made.set_uuid(shared_text(uuid));
-    made.set_name(uuid);
-    return {9, made};
+    return {9, testing::row_of(uuid, uuid)};
 }
 
 operation::change_clip change(const std::string& uuid, const char* key, property_value value) {
@@ -35,18 +25,14 @@ operation::change_clip change(const std::string& uuid, const char* key, property
 }
 
 operation::insert_qualifier stamp(const std::string& clip, const std::string& qualifier) {
-    operation::insert_qualifier made{clip, 9, {}};
-    made.qualifier.set_uuid(qualifier);
-    made.qualifier.set_name(shared_text(qualifier));
-    return made;
+    return {clip, 9, testing::qualifier_of(qualifier, qualifier)};
 }
 
 class undo : public ::testing::Test {
   protected:
     undo() {
-        auto opened = timeline_document::open(folder.path(), loop);
-        document = std::move(opened).value();
-        apply({"setup", "", {row("R"), operation::insert_clip{shared_text("R"), clip("A", 0, 10)}}});
+        document = testing::opened(folder.path(), loop);
+        apply({"setup", "", {row("R"), operation::insert_clip{shared_text("R"), clip_of("A", 0, 10)}}});
         stack = std::make_unique<undo_stack>(*document, loop);
     }
 
@@ -56,15 +42,7 @@ class undo : public ::testing::Test {
     }
     void apply(const std::string& name, operation::any one) { apply({name, name, {std::move(one)}}); }
 
-    // The stored form with the clips that grow.
-    std::string state() const {
-        const auto& now = document->timeline();
-        const timeline_snapshot snapshot{now.uuid(), now.description(), now.kept(),
-                                         now.rows(), now.live_clips(),  now.tags()};
-        std::string text = write_json(write_timeline(snapshot));
-        for (const auto& place : snapshot.live_clips) text += "growing " + place.clip->id();
-        return text;
-    }
+    std::string state() const { return testing::state_text(document->timeline()); }
     bool has(const std::string& uuid) const { return document->timeline().find_clip(uuid).has_value(); }
 
     temporary_folder folder;
@@ -76,7 +54,7 @@ class undo : public ::testing::Test {
 TEST_F(undo, every_step_is_taken_back_and_done_again) {
     std::vector<std::string> states{state()};
     const std::vector<timeline_edit> edits{
-        {"one", "", {row("S"), operation::insert_clip{shared_text("S"), clip("B", 3, 4)}}},
+        {"one", "", {row("S"), operation::insert_clip{shared_text("S"), clip_of("B", 3, 4)}}},
         {"two", "", {stamp("B", "Q"), change("A", "stars", 3)}},
         {"three", "", {operation::move_clip{"A", shared_text("S")}, operation::remove_clip{"B"}}},
         {"four", "", {operation::move_row{shared_text("S"), 0}}},
@@ -115,13 +93,13 @@ TEST_F(undo, what_is_taken_back_is_on_record) {
     const std::string before = state();
     stack.reset();
     document.reset();
-    document = std::move(timeline_document::open(folder.path(), loop)).value();
+    document = testing::opened(folder.path(), loop);
     EXPECT_EQ(state(), before);
 }
 
 TEST_F(undo, a_finished_clip_goes_with_the_row_that_its_button_made) {
     const std::string before = state();
-    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip_of("N", 5, 5)}}});
     EXPECT_FALSE(stack->can_undo());
     apply("Shot", operation::finish_clip{"N", 4, 9});
     const std::string finished = state();
@@ -132,8 +110,8 @@ TEST_F(undo, a_finished_clip_goes_with_the_row_that_its_button_made) {
 }
 
 TEST_F(undo, a_row_that_was_used_since_stays) {
-    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
-    apply({"Goal", "c", {operation::begin_clip{shared_text("S"), clip("M", 6, 6)}}});
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip_of("N", 5, 5)}}});
+    apply({"Goal", "c", {operation::begin_clip{shared_text("S"), clip_of("M", 6, 6)}}});
     apply("Shot", operation::finish_clip{"N", 4, 9});
     EXPECT_TRUE(stack->undo());
     EXPECT_FALSE(has("N"));
@@ -142,7 +120,7 @@ TEST_F(undo, a_row_that_was_used_since_stays) {
 }
 
 TEST_F(undo, a_stamp_on_a_growing_clip_goes_alone_while_it_grows_and_with_it_afterwards) {
-    apply("Shot", operation::begin_clip{shared_text("R"), clip("N", 5, 5)});
+    apply("Shot", operation::begin_clip{shared_text("R"), clip_of("N", 5, 5)});
     apply("Player", stamp("N", "Q1"));
     apply("Zone", stamp("N", "Q2"));
     EXPECT_TRUE(stack->undo());
@@ -202,7 +180,7 @@ TEST_F(undo, a_group_is_one_step) {
     const std::string before = state();
     stack->begin_group("Import");
     for (const char* uuid : {"B", "C", "D"})
-        apply("add", operation::insert_clip{shared_text("R"), clip(uuid, 1, 2)});
+        apply("add", operation::insert_clip{shared_text("R"), clip_of(uuid, 1, 2)});
     stack->end_group();
     apply("other", change("A", "stars", 1));
     EXPECT_TRUE(stack->undo());

@@ -3,26 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "formula/code_points.h"
 #include "formula/parser_ROOT.h"
+#include "support/caret_text.h"
 #include "support/literal_formula.h"
 
 namespace vistels {
 
-namespace {
-
-// "^" stands for the caret.
-edited_formula at_caret(const std::string& marked) {
-    const std::size_t at = marked.find('^');
-    return {marked.substr(0, at) + marked.substr(at + 1), count_code_points(marked.substr(0, at))};
-}
-
-std::string marked(const edited_formula& edited) {
-    std::string text = edited.text;
-    return text.insert(byte_of_code_point(text, edited.caret), "^");
-}
-
-}  // namespace
+using testing::at_caret;
+using testing::marked;
 
 TEST(formula_builder, terms_are_joined_to_what_stands_beside_them) {
     const struct {

@@ -3,26 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "formula/code_points.h"
+#include "support/caret_text.h"
 #include "support/timeline_builder.h"
 
 namespace vistels {
 
 namespace {
 
-struct marked_text {
-    std::string text;
-    std::size_t caret;
-};
-
-// "^" stands for the caret.
-marked_text at_caret(const std::string& marked) {
-    const std::size_t at = marked.find('^');
-    return {marked.substr(0, at) + marked.substr(at + 1), count_code_points(marked.substr(0, at))};
-}
+using testing::at_caret;
 
 // What is replaced, between bars; what was typed of it; and the codes.
-std::string described(const marked_text& here) {
+std::string described(const edited_formula& here) {
     const auto found = completion_at(here.text, here.caret);
     if (found.part == typed_part::nothing) return "nothing";
     const std::size_t first = byte_of_code_point(here.text, found.replaced.start);
@@ -138,9 +129,7 @@ TEST(formula_completion, offers_what_fits_and_takes_it_up) {
         if (offered.empty()) continue;
         const auto done = with_completion(here.text, at, offered.front());
         ASSERT_TRUE(done) << done.message();
-        std::string marked = done.value().text;
-        marked.insert(byte_of_code_point(marked, done.value().caret), "^");
-        EXPECT_EQ(marked, one.completed) << one.text;
+        EXPECT_EQ(testing::marked(done.value()), one.completed) << one.text;
     }
     EXPECT_EQ(completions(completion_at("\"", 1), texts, 1).size(), 1U);
 }

@@ -379,15 +379,5 @@ TEST(document, a_save_that_died_between_file_and_header_is_judged_by_its_journal
     }
 }
 
-TEST(document, a_damaged_timeline_is_not_opened_and_not_overwritten) {
-    const temporary_folder folder;
-    testing::put_file(folder / "chron data.plist", "<plist");
-    simulated_run_loop loop;
-    const auto document = timeline_document::open(folder.path(), loop);
-    ASSERT_FALSE(document);
-    EXPECT_NE(document.message().find(folder / "chron data.plist"), std::string::npos);
-    EXPECT_EQ(file_bytes(folder / "chron data.plist"), "<plist");
-}
-
 }  // namespace
 }  // namespace vistels

@@ -186,28 +186,6 @@ TEST(edit, a_refused_edit_leaves_the_timeline_equal) {
     }
 }
 
-TEST(edit, a_change_of_stored_values_keeps_identity_and_qualifiers_and_orders_times) {
-    sxy_DATA_root timeline;
-    change_set touched;
-    const shared_text row("R");
-    property_dictionary set;
-    set.add("time_start", 9.0);
-    set.add("stars", 4);
-    ASSERT_TRUE(apply_edit(
-        timeline,
-        {"",
-         "",
-         {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_clip{row, clip_of("1", 1, 2)},
-          operation::insert_qualifier{"1", 0, qualifier_of("Q", "Goal")},
-          operation::change_clip{"1", set, {}}}},
-        touched));
-    const auto clip = timeline.find_clip("1")->clip;
-    EXPECT_EQ(clip->secs_start(), 2);
-    EXPECT_EQ(clip->secs_end(), 9);
-    EXPECT_EQ(clip->stars(), 4);
-    EXPECT_EQ(clip->qualifiers()->size(), 1U);
-}
-
 TEST(edit, deleting_leaves_a_tombstone_and_undo_takes_it_away) {
     sxy_DATA_root timeline;
     change_set touched;
@@ -296,8 +274,8 @@ TEST(timeline, finds_rows_where_they_are_after_they_were_moved) {
 
 TEST(timeline, gives_loaded_clips_that_share_an_identity_one_each) {
     timeline_snapshot loaded;
-    for (const char* uuid : {"R", "S"}) {
-        auto row = std::make_shared<sxy_ROW>(row_of(uuid, ""));
+    for (int n = 0; n < 2; ++n) {
+        auto row = std::make_shared<sxy_ROW>(row_of("R", ""));
         std::vector<clip_pointer> clips;
         for (const auto& [id, start, end] : {std::tuple("", 8, 9), {"", 9, 3}, {"1", 4, 2}, {"1", 5, 6}}) {
             clips.push_back(std::make_shared<sxy_CLIP>(clip_of(id, start, end)));
@@ -307,6 +285,7 @@ TEST(timeline, gives_loaded_clips_that_share_an_identity_one_each) {
     }
     const sxy_DATA_root timeline(loaded);
     EXPECT_EQ(timeline.clip_count(), 8U);
+    EXPECT_FALSE(timeline.rows()[0]->uuid() == timeline.rows()[1]->uuid());
     std::set<std::string> uuids;
     for (const auto& row : timeline.rows()) {
         std::vector<double> starts;

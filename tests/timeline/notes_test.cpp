@@ -4,25 +4,21 @@
 #include <memory>
 
 #include "support/failing_files.h"
+#include "support/json_values.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
 #include "timeline/files/chron_notes.h"
 #include "timeline/files/timeline_document.h"
-#include "util/json.h"
 #include "util/safe_write.h"
 #include "util/simulated_run_loop.h"
 
 namespace vistels {
 namespace {
 
-property_dictionary stored_note(const std::string& json) {
-    const auto read = read_json(json, "note");
-    EXPECT_TRUE(read) << read.message();
-    return read ? *read.value().dictionary() : property_dictionary();
-}
+using testing::json;
 
 std::string json_of(const clip_note& note) {
-    return write_json(write_clip_note(note), json_layout::one_line);
+    return testing::one_line(write_clip_note(note));
 }
 
 TEST(clip_note, comes_back_as_it_was_read_and_an_edit_drops_only_the_rich_text) {
@@ -56,9 +52,9 @@ TEST(clip_note, comes_back_as_it_was_read_and_an_edit_drops_only_the_rich_text) 
          R"({"note_string":"neu"})"},
     };
     for (const auto& [name, stored, text, edited] : cases) {
-        const auto note = read_clip_note(stored_note(stored));
-        EXPECT_EQ(read_clip_note(stored_note(json_of(note))), note) << name;
-        for (const auto& entry : stored_note(stored)) {
+        const auto note = read_clip_note(json(stored));
+        EXPECT_EQ(read_clip_note(json(json_of(note))), note) << name;
+        for (const auto& entry : json(stored)) {
             const auto written = write_clip_note(note);
             const auto* found = written.find(entry.key);
             EXPECT_TRUE(found && *found == entry.value) << name << ": " << entry.key;
@@ -69,14 +65,14 @@ TEST(clip_note, comes_back_as_it_was_read_and_an_edit_drops_only_the_rich_text) 
 }
 
 TEST(clip_note, stays_on_its_clip_through_the_stored_form) {
-    const auto clip = read_clip(stored_note(
-        R"({"uuid":"C","time_start":1,"time_end":2,"Notes dict":{"note_string":"seen","x":[0]}})"));
+    const auto clip = read_clip(
+        json(R"({"uuid":"C","time_start":1,"time_end":2,"Notes dict":{"note_string":"seen","x":[0]}})"));
     ASSERT_TRUE(clip);
     EXPECT_EQ(clip->note_text(), "seen");
     sxy_CLIP changed = *clip;
     changed.set_note(std::make_shared<const clip_note>(clip->note()->with_text("other")));
     EXPECT_EQ(read_clip(write_clip(changed))->note_text(), "other");
-    EXPECT_EQ(write_clip_note(*changed.note()), stored_note(R"({"note_string":"other","x":[0]})"));
+    EXPECT_EQ(write_clip_note(*changed.note()), json(R"({"note_string":"other","x":[0]})"));
     changed.set_note(nullptr);
     EXPECT_FALSE(changed.note());
     EXPECT_FALSE(write_clip(changed).contains("notes_dict"));

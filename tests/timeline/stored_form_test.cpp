@@ -1,23 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
-#include "support/temporary_folder.h"
+#include "support/json_values.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "util/clock.h"
-#include "util/json.h"
 
 namespace vistels {
 namespace {
 
-property_dictionary json(const std::string& text) {
-    const auto read = read_json(text, "case");
-    EXPECT_TRUE(read) << text;
-    return read ? *read.value().dictionary() : property_dictionary();
-}
-
-std::string one_line(const property_dictionary& value) {
-    return write_json(value, json_layout::one_line);
-}
+using testing::json;
+using testing::one_line;
 
 // What a stored clip becomes when it is read and written again.
 TEST(clip, is_read_leniently_and_written_in_the_stored_order) {
@@ -127,45 +119,6 @@ TEST(timeline, writes_its_keys_in_order_and_only_what_is_selected_when_asked) {
     EXPECT_EQ(row.integer("row_number"), 1);
     ASSERT_EQ(row.array("clips")->size(), 1U);
     EXPECT_EQ(row.array("clips")->front().dictionary()->text_or_empty("uuid"), "2");
-}
-
-TEST(timeline, clips_and_rows_without_an_identity_of_their_own_get_one_when_opened) {
-    const auto loaded = read_timeline(json(
-        R"({"rows":[{"uuid_row":"A","clips":[{"uuid":"1","time_start":9,"time_end":2},{"uuid":"1","time_start":3,
-            "time_end":4}]},{"uuid_row":"A","clips":[{"time_start":3,"time_end":4}]}]})"));
-    const sxy_DATA_root timeline(loaded.content);
-    EXPECT_EQ(timeline.clip_count(), 3U);
-    ASSERT_EQ(timeline.rows().size(), 2U);
-    EXPECT_FALSE(timeline.rows()[0]->uuid() == timeline.rows()[1]->uuid());
-    const auto ordered = timeline.find_clip("1");
-    ASSERT_TRUE(ordered);
-    EXPECT_LE(ordered->clip->secs_start(), ordered->clip->secs_end());
-}
-
-TEST(timeline, a_saved_folder_reads_back_and_a_damaged_one_names_its_file) {
-    const testing::temporary_folder folder;
-    const auto document = json(R"({"uuid_timeline":"T","rows":[{"row_name":"a","uuid_row":"A"}]})");
-    const auto first = read_timeline(document);
-    ASSERT_TRUE(save_timeline(first.content, folder.path()));
-    const auto again = load_timeline(folder.path());
-    ASSERT_TRUE(again) << again.message();
-    EXPECT_EQ(write_timeline(again.value().content), write_timeline(first.content));
-    EXPECT_EQ(read_row_names(folder.path()), std::vector<std::string>{"a"});
-    EXPECT_FALSE(read_row_names(folder / "nowhere"));
-
-    timeline_header header;
-    header.uuid = "H";
-    header.cursor_seconds = 12.5;
-    header.block_auto_relinking = true;
-    ASSERT_TRUE(save_timeline_header(header, folder.path()));
-    const auto read_header = load_timeline_header(folder.path());
-    EXPECT_EQ(read_header.cursor_seconds, 12.5);
-    EXPECT_TRUE(read_header.block_auto_relinking);
-
-    testing::put_file(folder / "chron data.plist", "<plist><dict>");
-    const auto damaged = load_timeline(folder.path());
-    ASSERT_FALSE(damaged);
-    EXPECT_NE(damaged.message().find(folder / "chron data.plist"), std::string::npos);
 }
 
 }  // namespace

@@ -85,7 +85,8 @@ property_value nested(int depth) {
 TEST(property_list_cursor, reads_all_that_is_written_as_the_strict_reader_does) {
     property_dictionary texts;
     for (std::size_t length = 0; length < 40; ++length) {
-        for (const char* special : {"", "&", "<", "\r", "\n", "\xC3\xA9", "\xEF\xBF\xBD", "]]>"}) {
+        for (const char* special :
+             {"", "&", "<", "\r", "\n", "\xC3\xA9", "\xF0\x9F\xA5\x81", "\xEF\xBF\xBD", "]]>"}) {
             for (std::size_t place = 0; place <= length; place += 5) {
                 std::string text(length, 'x');
                 texts.add(text.insert(place, special), text);
@@ -98,6 +99,7 @@ TEST(property_list_cursor, reads_all_that_is_written_as_the_strict_reader_does) 
     others.add("yes", true);
     others.add("no", false);
     others.add("whole", std::int64_t{-9223372036854775807});
+    for (const double real : {0.1, 3.0, 5e-324}) others.add("real " + std::to_string(others.size()), real);
     others.add("infinite", std::numeric_limits<double>::infinity());
     others.add("empty", property_dictionary());
     const property_value cases[] = {
