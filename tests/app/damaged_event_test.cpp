@@ -6,13 +6,13 @@
 #include <chrono>
 #include <filesystem>
 #include <map>
-#include <thread>
 
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/home_vault.h"
 #include "logger/press_engine.h"
+#include "support/run_until.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
 #include "util/file_system.h"
@@ -24,6 +24,7 @@ namespace vistels {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::comes_about;
 using testing::file_bytes;
 using testing::put_file;
 using testing::temporary_folder;
@@ -54,15 +55,6 @@ class damaged_event : public ::testing::Test {
         return std::any_of(all.begin(), all.end(), [&](const auto& message) {
             return message.message().find(text) != std::string::npos;
         });
-    }
-    template <class condition>
-    void wait_until(condition holds) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!holds() && std::chrono::steady_clock::now() < deadline) {
-            loop.run_posted();
-            std::this_thread::yield();
-        }
-        EXPECT_TRUE(holds());
     }
     // Every file of the vault with what it holds.
     std::map<std::string, std::string> everything() const {
@@ -157,7 +149,7 @@ TEST_F(damaged_event, a_vistel_that_is_broken_or_gone_keeps_its_place_and_the_ot
                 EXPECT_TRUE(event.problem("A"));
             } else {
                 // Where nothing but the record is missing, too, the movie is to be shown, which is none.
-                wait_until([&] { return bool(event.problem("A")); });
+                ASSERT_TRUE(comes_about(loop, [&] { return bool(event.problem("A")); }));
                 const std::string told = event.problem("A").message();
                 EXPECT_NE(told.find("part 001.mp4"), std::string::npos) << told;
             }
@@ -208,7 +200,7 @@ TEST_F(damaged_event, what_was_coded_before_the_program_was_killed_comes_back) {
         code(*opened.value(), 10, 12);
         code(*opened.value(), 14, 15);
         EXPECT_TRUE(opened.value()->undo().undo());
-        wait_until([&] { return opened.value()->logger().unrecorded() == 0; });
+        ASSERT_TRUE(comes_about(loop, [&] { return opened.value()->logger().unrecorded() == 0; }));
         fs::copy(folder, killed, fs::copy_options::recursive);
     }
     {

@@ -14,6 +14,7 @@
 #include "app/event/vistel_changes.h"
 #include "support/coded_movie.h"
 #include "support/temporary_folder.h"
+#include "support/timeline_builder.h"
 #include "util/file_system.h"
 #include "util/plain_run_loop.h"
 #include "video/synchronised_playback.h"
@@ -47,16 +48,11 @@ class filmed_event : public ::testing::Test {
         second->set_parts(parts);
         EXPECT_TRUE(save_collection(made, folder));
         open();
-        timeline_edit coded{"setup", "", {}};
-        sxy_ROW row;
-        row.set_uuid(shared_text("R"));
-        coded.operations.emplace_back(operation::insert_row{0, row});
+        auto coded = add_row("R");
         for (int n = 0; n < 5; ++n) {
-            sxy_CLIP clip;
-            clip.set_id(std::to_string(n));
-            clip.set_secs_start(n * 0.7 + 0.01);
-            clip.set_secs_end(n * 0.7 + 0.26);
-            coded.operations.emplace_back(operation::insert_clip{shared_text("R"), clip});
+            const double start = n * 0.7 + 0.01;
+            coded.operations.emplace_back(
+                operation::insert_clip{shared_text("R"), clip_of(std::to_string(n), start, start + 0.25)});
         }
         EXPECT_TRUE(event->timeline().apply(coded));
     }

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "timeline/edits/timeline_edit.h"
@@ -31,6 +34,20 @@ inline qual_ITEM qualifier_of(const std::string& uuid, const std::string& name) 
     item.set_uuid(uuid);
     item.set_name(shared_text(name));
     return item;
+}
+
+// Puts a row of that identity and name behind the others.
+inline timeline_edit add_row(const std::string& uuid) {
+    return {"Row", "", {operation::insert_row{99, row_of(uuid, uuid)}}};
+}
+
+// A timeline to which these were done.
+inline sxy_DATA_root timeline_of(std::vector<operation::any> operations) {
+    sxy_DATA_root timeline;
+    change_set touched;
+    const auto applied = apply_edit(timeline, {"", "", std::move(operations)}, touched);
+    EXPECT_TRUE(applied) << applied.message();
+    return timeline;
 }
 
 // Everything that is stored, and the growing clips.

@@ -17,6 +17,7 @@ using testing::clip_of;
 using testing::qualifier_of;
 using testing::row_of;
 using testing::state_text;
+using testing::timeline_of;
 
 const edit_stamp stamp{"me", 1e9};
 
@@ -41,22 +42,14 @@ sxy_CLIP stamped(sxy_CLIP clip, const std::vector<std::pair<const char*, double>
 
 // Rows R and S; in R the clips a, b, c and one that grows, in S the clip d.
 sxy_DATA_root coded() {
-    sxy_DATA_root timeline;
-    change_set touched;
     const shared_text r("R");
-    const auto applied = apply_edit(
-        timeline,
-        {"",
-         "",
-         {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_row{1, row_of("S", "Pass")},
-          operation::insert_clip{r, noted(stamped(clip_of("a", 0, 10), {{"x", 4}, {"y", 9}}), "one")},
-          operation::insert_clip{r, stamped(clip_of("b", 5, 15), {{"z", 6}})},
-          operation::insert_clip{r, noted(clip_of("c", 15, 20), "three")},
-          operation::insert_clip{shared_text("S"), noted(clip_of("d", 2, 30), "four")},
-          operation::begin_clip{r, clip_of("live", 40, 40)}}},
-        touched);
-    EXPECT_TRUE(applied) << applied.message();
-    return timeline;
+    return timeline_of(
+        {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_row{1, row_of("S", "Pass")},
+         operation::insert_clip{r, noted(stamped(clip_of("a", 0, 10), {{"x", 4}, {"y", 9}}), "one")},
+         operation::insert_clip{r, stamped(clip_of("b", 5, 15), {{"z", 6}})},
+         operation::insert_clip{r, noted(clip_of("c", 15, 20), "three")},
+         operation::insert_clip{shared_text("S"), noted(clip_of("d", 2, 30), "four")},
+         operation::begin_clip{r, clip_of("live", 40, 40)}});
 }
 
 // Applies the edit and takes it back, with the state compared; the timeline is left with the edit done.
@@ -104,8 +97,6 @@ TEST(clip_operations, merging_keeps_the_earliest_with_everything_of_the_others) 
 
 // Each value of the merged clip, by where it comes from: a has the second of each pair, b the first.
 TEST(clip_operations, merging_keeps_every_value_of_the_first_clip_that_has_it) {
-    sxy_DATA_root timeline;
-    change_set touched;
     sxy_CLIP a = clip_of("a", 0, 4);
     a.set_stars(2);
     a.set_triggers({{3, shared_text("late"), {}}});
@@ -130,12 +121,9 @@ TEST(clip_operations, merging_keeps_every_value_of_the_first_clip_that_has_it) {
     c.set_telestration(drawn);
     c.set_inserted_objects(inserted_Objects_Root_25{{{2, 1, "pic", "Q"}}});
     const shared_text r("R");
-    ASSERT_TRUE(apply_edit(timeline,
-                           {"",
-                            "",
-                            {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_clip{r, c},
-                             operation::insert_clip{r, b}, operation::begin_clip{r, a}}},
-                           touched));
+    auto timeline = timeline_of({operation::insert_row{0, row_of("R", "Shot")}, operation::insert_clip{r, c},
+                                 operation::insert_clip{r, b}, operation::begin_clip{r, a}});
+    change_set touched;
     // One of them still grows and ends with the merge: taken back, it is gone.
     const auto growing = *timeline.find_clip("a");
     const auto merge = plan_clips_Merge(timeline, {"c", "b"}, stamp, ended_clip{growing, {0, 4}});
@@ -162,21 +150,14 @@ TEST(clip_operations, merging_keeps_every_value_of_the_first_clip_that_has_it) {
 }
 
 TEST(clip_operations, merging_clips_that_have_the_same_qualifiers_keeps_all_apart) {
-    sxy_DATA_root timeline;
-    change_set touched;
     auto twin = clip_of("b", 1, 2);
     twin.set_qualifiers(*stamped(clip_of("a", 0, 1), {{"late", 9}, {"early", 1}}).qualifiers());
     auto nameless = clip_of("c", 3, 4);
     nameless.set_qualifiers({qualifier_of("", "none")});
-    ASSERT_TRUE(apply_edit(
-        timeline,
-        {"",
-         "",
-         {operation::insert_row{0, row_of("R", "Shot")},
-          operation::insert_clip{shared_text("R"), stamped(clip_of("a", 0, 1), {{"late", 9}, {"early", 1}})},
-          operation::insert_clip{shared_text("R"), twin},
-          operation::insert_clip{shared_text("R"), nameless}}},
-        touched));
+    auto timeline = timeline_of(
+        {operation::insert_row{0, row_of("R", "Shot")},
+         operation::insert_clip{shared_text("R"), stamped(clip_of("a", 0, 1), {{"late", 9}, {"early", 1}})},
+         operation::insert_clip{shared_text("R"), twin}, operation::insert_clip{shared_text("R"), nameless}});
     apply_and_check(timeline, plan_clips_Merge(timeline, {"a", "b", "c"}, stamp));
     const auto kept = timeline.find_clip("a")->clip;
     EXPECT_EQ(names_of(*kept), "noneearlyearlylatelate") << "out of order before, in order now";
@@ -222,19 +203,13 @@ TEST(clip_operations, trimming_moves_edges_up_to_the_other_one) {
 }
 
 TEST(clip_operations, a_trim_tells_the_drawings_over_the_clip) {
-    sxy_DATA_root timeline;
-    change_set touched;
     property_dictionary drawings;
     drawings.add("secs_start_original", 1.0);
     property_dictionary set;
     set.add("telestration", drawings);
-    ASSERT_TRUE(apply_edit(timeline,
-                           {"",
-                            "",
-                            {operation::insert_row{0, row_of("R", "Shot")},
-                             operation::insert_clip{shared_text("R"), clip_of("a", 1, 9)},
-                             operation::change_clip{"a", set, {}}}},
-                           touched));
+    auto timeline = timeline_of({operation::insert_row{0, row_of("R", "Shot")},
+                                 operation::insert_clip{shared_text("R"), clip_of("a", 1, 9)},
+                                 operation::change_clip{"a", set, {}}});
     apply_and_check(timeline, plan_clips_Trim_Mark_in_Mark_Out(timeline, {"a"}, 2.0, {}));
     const auto stored = write_clip(*timeline.find_clip("a")->clip);
     const auto* trimmed = stored.dictionary("telestration");
@@ -272,15 +247,9 @@ TEST(clip_operations, splitting_an_overlap_takes_two_clips_or_finds_the_other) {
             EXPECT_NEAR(found[1], times[1], 1e-9) << name << " " << clip;
         }
     }
-    sxy_DATA_root timeline;
-    change_set touched;
-    ASSERT_TRUE(apply_edit(timeline,
-                           {"",
-                            "",
-                            {operation::insert_row{0, row_of("R", "Shot")},
-                             operation::insert_clip{shared_text("R"), clip_of("long", 0, 10)},
-                             operation::insert_clip{shared_text("R"), clip_of("point", 5, 5)}}},
-                           touched));
+    auto timeline = timeline_of({operation::insert_row{0, row_of("R", "Shot")},
+                                 operation::insert_clip{shared_text("R"), clip_of("long", 0, 10)},
+                                 operation::insert_clip{shared_text("R"), clip_of("point", 5, 5)}});
     EXPECT_FALSE(plan_split_overlap(timeline, {"long"})) << "the other would end before it starts";
 }
 

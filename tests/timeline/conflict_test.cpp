@@ -13,16 +13,12 @@
 namespace vistels {
 namespace {
 
+using testing::add_row;
 using testing::clip_of;
 using testing::file_bytes;
 using testing::opened;
 using testing::put_file;
-using testing::row_of;
 using testing::temporary_folder;
-
-timeline_edit add_row(const std::string& uuid) {
-    return {"Row", "", {operation::insert_row{99, row_of(uuid, uuid)}}};
-}
 
 // A saved timeline with the row "ours" and the bytes of another one with the row "theirs".
 struct two_versions {

@@ -19,18 +19,14 @@
 namespace vistels {
 namespace {
 
+using testing::add_row;
 using testing::clip_of;
 using testing::failing_files;
 using testing::file_bytes;
 using testing::opened;
 using testing::qualifier_of;
-using testing::row_of;
 using testing::state_text;
 using testing::temporary_folder;
-
-timeline_edit add_row(const std::string& uuid) {
-    return {"Row", "", {operation::insert_row{99, row_of(uuid, uuid)}}};
-}
 
 timeline_edit add_clip(const std::string& uuid, double start) {
     return {"Clip", "", {operation::insert_clip{shared_text("R"), clip_of(uuid, start, start + 1)}}};

@@ -172,15 +172,13 @@ TEST(tombstones, an_import_leaves_out_what_was_deleted) {
 }
 
 TEST(clip_row, lists_the_clips_of_all_rows_in_start_order) {
-    sxy_DATA_root timeline;
     const shared_text r("R");
     const shared_text s("S");
-    const auto hidden = clip_of("hidden", 2, 3);
-    add(timeline,
+    const auto timeline = testing::timeline_of(
         {operation::insert_row{0, row_of("R", "Shot")}, operation::insert_row{1, row_of("S", "Pass")},
          operation::insert_clip{r, clip_of("r1", 1, 9)}, operation::insert_clip{r, clip_of("r2", 5, 6)},
          operation::insert_clip{s, clip_of("s1", 1, 9)}, operation::insert_clip{s, clip_of("s2", 1, 2)},
-         operation::insert_clip{s, hidden}});
+         operation::insert_clip{s, clip_of("hidden", 2, 3)}});
     clip_set passing;
     for (const auto& row : timeline.rows()) {
         for (const auto& clip : row->clips()) passing.put(*clip, clip->id() != "hidden");
