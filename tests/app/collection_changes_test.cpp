@@ -8,11 +8,10 @@
 #include <sstream>
 
 #include "app/event/offset_changes.h"
-#include "app/event/open_event.h"
 #include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
 #include "document/journal_lines.h"
-#include "logger/press_engine.h"
+#include "support/opened_event.h"
 #include "support/run_until.h"
 #include "support/stored_collection.h"
 #include "support/stored_event.h"
@@ -74,12 +73,6 @@ class changes : public ::testing::Test {
     // The time of the vistel's own movie at a collection time.
     double movie_time(const char* uuid, double seconds) {
         return movie_time_at(event->collection(), uuid, seconds).value_or(-1);
-    }
-    std::string clip_button() {
-        const auto& buttons = event->logger().buttons();
-        return std::find_if(buttons.begin(), buttons.end(),
-                            [](const auto& one) { return one.is(button_type::clip); })
-            ->uuid();
     }
     clip_pointer clip() { return event->timeline().timeline().find_clip("C")->clip; }
     // Everything that must be back after undo: the records and the timeline's times.
@@ -345,7 +338,7 @@ TEST_F(changes, the_older_form_on_record_is_taken_up) {
 }
 
 TEST_F(changes, what_grows_moves_along) {
-    const auto button = clip_button();
+    const auto button = testing::clip_button(*event).uuid();
     event->playback().seek(10);
     EXPECT_TRUE(event->logger().press(button, 10));
     EXPECT_TRUE(event->set_offset("A", 4));
@@ -419,9 +412,7 @@ TEST_F(changes, nothing_below_the_first_movie_can_be_sought_or_coded) {
     EXPECT_EQ(event->start_seconds(), -6);
     event->playback().seek(-100);
     EXPECT_EQ(event->playback().collection_time(), -6);
-    const auto button = clip_button();
-    EXPECT_TRUE(event->logger().press(button, -4));
-    EXPECT_TRUE(event->logger().release(button, -3.5));
+    testing::code(*event, -4, -3.5);
     event->playback().seek(-4.5);
     reopen();
     EXPECT_EQ(event->playback().collection_time(), -4.5);

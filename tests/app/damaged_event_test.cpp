@@ -7,11 +7,10 @@
 #include <filesystem>
 #include <map>
 
-#include "app/event/open_event.h"
 #include "app/settings/settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/home_vault.h"
-#include "logger/press_engine.h"
+#include "support/opened_event.h"
 #include "support/run_until.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
@@ -24,6 +23,7 @@ namespace vistels {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::code;
 using testing::comes_about;
 using testing::file_bytes;
 using testing::put_file;
@@ -41,14 +41,6 @@ class damaged_event : public ::testing::Test {
 
     result<std::unique_ptr<open_event>> open(const std::string& where) {
         return open_event::open(where, find_home_places(home.path()), loop);
-    }
-    static void code(open_event& opened, double from, double to) {
-        const auto& buttons = opened.logger().buttons();
-        const auto button = std::find_if(buttons.begin(), buttons.end(),
-                                         [](const auto& one) { return one.is(button_type::clip); });
-        ASSERT_NE(button, buttons.end());
-        EXPECT_TRUE(opened.logger().press(button->uuid(), from));
-        EXPECT_TRUE(opened.logger().release(button->uuid(), to));
     }
     static bool tells(const open_event& opened, const std::string& text) {
         const auto& all = opened.messages();

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/event/open_event.h"
 #include "app/vaults/home_vault.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
-#include "logger/press_engine.h"
+#include "support/opened_event.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
 #include "util/safe_write.h"
@@ -18,6 +16,8 @@ namespace vistels {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::clip_button;
+using testing::code;
 using testing::file_bytes;
 using testing::put_file;
 using testing::temporary_folder;
@@ -31,17 +31,6 @@ class event : public ::testing::Test {
         auto opened = open_event::open(folder, find_home_places(home.path()), loop);
         EXPECT_TRUE(opened) << opened.message();
         return opened ? std::move(opened).value() : nullptr;
-    }
-    static const markup_Button_Item& clip_button(open_event& opened) {
-        const auto& buttons = opened.logger().buttons();
-        return *std::find_if(buttons.begin(), buttons.end(),
-                             [](const auto& button) { return button.is(button_type::clip); });
-    }
-    static bool tells(const open_event& opened, const std::string& text) {
-        const auto& all = opened.messages();
-        return std::any_of(all.begin(), all.end(), [&](const auto& message) {
-            return message.message().find(text) != std::string::npos;
-        });
     }
 
     temporary_folder home;
@@ -57,8 +46,7 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
         EXPECT_EQ(opened->playback().collection_time(), 3.5);
         EXPECT_EQ(opened->end_seconds(), 20);
         button = clip_button(*opened).uuid();
-        EXPECT_TRUE(opened->logger().press(button, 5));
-        EXPECT_TRUE(opened->logger().release(button, 7));
+        code(*opened, 5, 7);
         EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
         EXPECT_TRUE(opened->undo().undo());
         EXPECT_EQ(opened->timeline().timeline().clip_count(), 0U);
@@ -75,15 +63,10 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
 }
 
 TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
-    std::string button;
     const auto clip_count = [](open_event& opened) { return opened.timeline().timeline().clip_count(); };
     {
         const auto opened = open();
-        button = clip_button(*opened).uuid();
-        for (const double at : {5.0, 8.0, 11.0}) {
-            EXPECT_TRUE(opened->logger().press(button, at));
-            EXPECT_TRUE(opened->logger().release(button, at + 2));
-        }
+        for (const double at : {5.0, 8.0, 11.0}) code(*opened, at, at + 2);
         EXPECT_TRUE(opened->undo().undo());
     }
     temporary_folder killed;
@@ -93,8 +76,7 @@ TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
         EXPECT_TRUE(opened->undo().redo());
         EXPECT_EQ(clip_count(*opened), 3U);
         EXPECT_TRUE(opened->timeline().save_now());
-        EXPECT_TRUE(opened->logger().press(button, 14));
-        EXPECT_TRUE(opened->logger().release(button, 15));
+        code(*opened, 14, 15);
         fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
     }
     fs::remove_all(vault);
@@ -114,9 +96,7 @@ TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
 TEST_F(event, the_history_of_another_file_is_not_used) {
     {
         const auto opened = open();
-        const std::string button = clip_button(*opened).uuid();
-        EXPECT_TRUE(opened->logger().press(button, 5));
-        EXPECT_TRUE(opened->logger().release(button, 7));
+        code(*opened, 5, 7);
     }
     auto bytes = file_bytes(folder + "/chron data.plist");
     put_file(folder + "/chron data.plist", bytes + "\n");
