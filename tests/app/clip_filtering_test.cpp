@@ -154,28 +154,6 @@ TEST_F(filtering, a_wrong_text_leaves_the_marks_of_the_last_good_one) {
     EXPECT_EQ(passing(), "a2*");
 }
 
-TEST_F(filtering, edits_made_while_a_job_runs_count) {
-    filter->apply("(\"Goal*\" | [RN]\"Keeper\")");
-    // The job has its snapshot; what it finds comes only when the loop runs.
-    apply({insert("A", "a3", 40, "Goal"), insert("A", "a4", 50, "Shot")});
-    apply({operation::remove_clip{"a1"}});
-    apply({operation::remove_qualifier{"d1", "d1 q"}});
-    apply({operation::move_clip{"d1", shared_text("A")}});
-    apply({rename("D", "Keeper")});
-    wait();
-    EXPECT_EQ(passing(), "a3* d2");
-    EXPECT_EQ(counts(), "2 of 5");
-    apply_and_wait("Foul");
-    EXPECT_EQ(passing(), "d2*");
-    // Everything changed at once: the job begins anew.
-    filter->apply("Goal");
-    apply({operation::shift_times{3}});
-    apply({insert("D", "d3", 60, "Goal")});
-    wait();
-    EXPECT_EQ(passing(), "a3* d3*");
-    EXPECT_EQ(counts(), "2 of 6");
-}
-
 TEST_F(filtering, clips_are_judged_when_they_come_or_change) {
     apply_and_wait("(\"Goal\" & \"\u272D\u272D*\") | [NT]\"*late*\" | [RN]\"Press*\"");
     EXPECT_EQ(passing(), "");

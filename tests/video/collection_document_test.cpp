@@ -170,7 +170,9 @@ TEST_F(open_collection, values_are_saved_where_they_differ) {
     {
         const saving_block block(document.record());
         change("blocked");
+        const auto before = testing::file_bytes(stored.folder() + "/video group.plist");
         EXPECT_FALSE(document.save_now());
+        EXPECT_EQ(testing::file_bytes(stored.folder() + "/video group.plist"), before);
     }
     EXPECT_TRUE(document.save_now());
     EXPECT_EQ(stored.load().collection.vistels().front()->name(), "blocked");

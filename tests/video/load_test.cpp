@@ -403,18 +403,6 @@ TEST(load_collection, parts_keep_their_files_when_they_are_moved_and_taken_out) 
     EXPECT_TRUE(stored.load().messages.empty());
 }
 
-TEST(load_collection, nothing_is_saved_while_saving_is_blocked) {
-    const stored_collection stored;
-    auto loaded = stored.load();
-    const auto before = file_bytes(stored.folder() + "/video group.plist");
-    {
-        const saving_block block(loaded.collection);
-        EXPECT_FALSE(save_collection(loaded.collection, stored.folder()));
-        EXPECT_EQ(file_bytes(stored.folder() + "/video group.plist"), before);
-    }
-    EXPECT_TRUE(save_collection(loaded.collection, stored.folder()));
-}
-
 TEST(load_collection, a_vistel_that_cannot_be_saved_keeps_no_other_from_it) {
     const stored_collection stored;
     auto loaded = stored.load();
