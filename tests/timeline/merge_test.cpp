@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/timeline_builder.h"
+#include "timeline/edits/sxy_Clip_Blocks_ROOT.h"
 #include "timeline/edits/tombstones.h"
 #include "timeline/records/clip_row.h"
 
@@ -193,6 +194,31 @@ TEST(clip_row, lists_the_clips_of_all_rows_in_start_order) {
     };
     EXPECT_EQ(words(nullptr), "s2@2Pass r1@1Shot s1@2Pass hidden@2Pass r2@1Shot ");
     EXPECT_EQ(words(&passing), "s2@2Pass r1@1Shot s1@2Pass r2@1Shot ");
+}
+
+TEST(clip_blocks, move_back_what_comes_after_what_is_left_out) {
+    const auto kept = sxy_Clip_Blocks_ROOT::keeping({{30, 40}, {10, 20}, {15, 25}, {90, 120}, {5, 5}}, 100);
+    struct time_case {
+        double seconds;
+        double moved;
+        bool is_excluded;
+    };
+    const time_case cases[] = {
+        {-1, -1, false}, {0, 0, true},    {9.5, 0, true},   {10, 0, false},   {24, 14, false},
+        {25, 15, true},  {29, 15, true},  {30, 15, false},  {39, 24, false},  {40, 25, true},
+        {90, 25, false}, {99, 34, false}, {100, 35, false}, {110, 45, false},
+    };
+    for (const auto& [seconds, moved, is_excluded] : cases) {
+        EXPECT_NEAR(kept.moved_back(seconds), moved, 1e-9) << seconds;
+        EXPECT_EQ(kept.is_excluded(seconds), is_excluded) << seconds;
+    }
+    // Given out of order and overlapping, and a gap that is closed but for a second.
+    const sxy_Clip_Blocks_ROOT given({{20, 30, true, 9}, {0, 22, false, 0}, {21, 22, true, 1}});
+    ASSERT_EQ(given.blocks().size(), 2U);
+    EXPECT_EQ(given.moved_back(21.5), 21.5);
+    EXPECT_EQ(given.moved_back(30), 21);
+    EXPECT_EQ(given.moved_back(25), 21);
+    EXPECT_EQ(sxy_Clip_Blocks_ROOT().moved_back(7), 7);
 }
 
 }  // namespace
