@@ -44,6 +44,7 @@ class empty_collection : public testing::shown_event {
                   places.home_vault);
         find<QLineEdit>("new_collection.name")->setText(name);
         QTest::mouseClick(button, Qt::LeftButton);
+        ASSERT_TRUE(testing::has_opened(*window));
     }
     event_session& session() { return window->session(); }
 };

@@ -17,7 +17,6 @@
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
-#include "support/open_and_wait.h"
 #include "support/painted_frames.h"
 #include "support/patience.h"
 #include "support/temporary_folder.h"
@@ -52,7 +51,11 @@ class shown_frames : public ::testing::Test {
         window->resize(1601, 1003);
         window->show();
         ASSERT_TRUE(testing::becomes_active(window.get()));
-        ASSERT_TRUE(testing::open_and_wait(*window, folder));
+        window->opener().open_folder(folder);
+        ASSERT_TRUE(comes_true([&] {
+            loop.run_posted();
+            return !window->opener().is_at_work();
+        }));
         view = window->findChild<collection_view*>();
         ASSERT_TRUE(view && window->session().is_open());
         // The sound device runs by the machine's clock, which is another here.

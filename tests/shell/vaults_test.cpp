@@ -27,6 +27,7 @@
 #include "app/vaults/known_vaults.h"
 #include "document/writer_lock.h"
 #include "logger/press_engine.h"
+#include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
 #include "shell/event/read_only_guard.h"
 #include "shell/panes/collection/collection_view.h"
@@ -303,6 +304,7 @@ TEST_F(vault_window, a_timeline_that_another_program_writes_refuses_and_is_tried
 
     auto* again = mark->findChild<QToolButton*>("read_only.again");
     again->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !session().notices().access().is_trying(); }));
     EXPECT_TRUE(mark->isVisible());
     other.value().reset();
     EXPECT_TRUE(QTest::qWaitFor([&] { return mark->is_free(); }));

@@ -5,6 +5,7 @@
 
 #include "support/failing_files.h"
 #include "support/opened_timeline.h"
+#include "support/run_until.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
 #include "util/property_list.h"
@@ -58,7 +59,7 @@ TEST(conflict, a_strangers_version_is_kept_beside_and_told_whenever_it_came) {
             ASSERT_TRUE(at.document->save_now());
         } else if (when == "with nothing to save") {
             at.loop.advance(writer_lock::renewal_seconds);
-            ASSERT_TRUE(at.document->save_now());
+            ASSERT_TRUE(testing::comes_about(at.loop, [&] { return !told.empty(); }));
         } else {
             at.document.reset();
         }

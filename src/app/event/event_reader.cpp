@@ -25,7 +25,7 @@ struct event_reader::request {
 
 event_reader::~event_reader() {
     const expected_waits closing("an event is being read when its window goes");
-    queue_.drain();
+    queue_.reset();
 }
 
 void event_reader::read(const std::string& folder, const home_places& places, event_taker then) {
@@ -59,20 +59,27 @@ void event_reader::give_back(std::unique_ptr<open_event> event) {
     if (!event) return;
     auto one = std::make_shared<request>();
     one->event = std::move(event);
-    queue_.post([one] { one->event = std::unique_ptr<open_event>(); });
+    queue_->post([one] { one->event = std::unique_ptr<open_event>(); });
 }
 
 void event_reader::start(std::shared_ptr<request> one) {
     running_ = one;
-    queue_.post([this, one = std::move(one)]() mutable {
+    if (!is_queue_busy_) post(std::move(one));
+}
+
+void event_reader::post(std::shared_ptr<request> one) {
+    is_queue_busy_ = true;
+    queue_->post([this, one = std::move(one)]() mutable {
         one->work(*one);
         loop_.post(guard_.guarded([this, one = std::move(one)] { finish(one); }));
     });
 }
 
 void event_reader::finish(const std::shared_ptr<request>& one) {
+    is_queue_busy_ = false;
     if (one != running_) {
         if (one->event) give_back(std::move(one->event).value());
+        if (running_) post(running_);
         return;
     }
     running_.reset();

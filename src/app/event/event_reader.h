@@ -45,13 +45,16 @@ class event_reader {
     struct request;
 
     void start(std::shared_ptr<request> one);
+    void post(std::shared_ptr<request> one);
     void finish(const std::shared_ptr<request>& one);
 
     run_loop& loop_;
     std::string coming_;
-    std::shared_ptr<request> running_;
+    std::shared_ptr<request> running_;  // what was asked for last
+    // One that was read and given up is given back before the next is read, which may be the same event.
+    bool is_queue_busy_ = false;
     posted_work_guard guard_;
-    serial_queue queue_{"events"};
+    std::unique_ptr<serial_queue> queue_ = std::make_unique<serial_queue>("events");
 };
 
 }  // namespace vistels

@@ -39,6 +39,7 @@ class writer_watch {
     // Tries again to change the event; with `take_over` it is taken from the program that has it. What has to
     // be read for it is read on the queue; `changed` tells when it can be changed, `refused` when not.
     void try_to_write(bool take_over);
+    bool is_trying() const { return is_trying_; }
     // Something was refused just now because the event can only be read.
     void note_refusal();
 
