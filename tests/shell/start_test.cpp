@@ -80,25 +80,31 @@ TEST(display, is_missed_only_when_it_is_needed) {
     }
 }
 
-TEST(event_stamp, is_the_moment_of_the_event) {
+TEST(input_clock, tells_the_moment_of_an_event_however_late_it_is_handled) {
     const double wrap = 4294967.296;  // where 32 bits of milliseconds begin anew
-    struct line {
-        const char* name;
-        std::uint64_t stamp;
-        double now;
-        double expected;
+    struct handled {
+        double happened;  // on the monotonic clock, seconds
+        double late;
     };
-    const line cases[] = {
-        {"40 ms ago", 5'000'000, 5000.040, 5000.0},
-        {"this very millisecond", 5'000'000, 5000.0004, 5000.0004},
-        {"none", 0, 5000, 5000},
-        {"of another clock, behind", 1'234, 5000, 5000},
-        {"of another clock, ahead", 9'000'000, 5000, 5000},
-        {"across the end of 32 bits", 4'294'967'290, wrap + 0.010, wrap - 0.006},
-    };
-    for (const auto& one : cases) {
-        EXPECT_NEAR(event_seconds(one.stamp, one.now), one.expected, 0.0011) << one.name;
-        EXPECT_LE(event_seconds(one.stamp, one.now), one.now) << one.name;
+    const handled events[] = {
+        {5000, 0.04},       {5000.2, 0.0004}, {5001, 0.3},           {5002, 4},       {5900, 0.3},
+        {9500, 2},          {9501, 0},        {wrap - 0.006, 0.016}, {wrap + 1, 0.3}, {wrap + 90'000, 0.25},
+        {2 * wrap + 7, 0.3}};
+    // The same clock, and others: behind, ahead, drifting.
+    for (const auto& [offset, rate] :
+         {std::pair(0.0, 1.0), {-4123.4567, 1.0}, {3.1e6, 1.0}, {777.7, 1.00001}}) {
+        input_clock clock;
+        for (const auto& [happened, late] : events) {
+            const double stamp = offset + happened * rate;
+            const double now = happened + late;
+            const double told = clock.seconds_of(static_cast<std::uint64_t>(stamp * 1000), now);
+            EXPECT_LE(told, now);
+            // How late another clock's first event was is known when one comes with less delay, and for a
+            // while.
+            const bool is_learned = rate == 1 && happened > 5000.1 && happened < 10'000;
+            EXPECT_NEAR(told, happened, offset == 0 || is_learned ? 0.0021 : late + 0.1) << offset;
+        }
+        EXPECT_EQ(clock.seconds_of(0, 5), 5) << "without a stamp";
     }
 }
 
