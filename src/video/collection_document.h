@@ -52,7 +52,6 @@ class collection_document : public editable_document {
     // Makes what the keeper's journal brought back, as far as it concerns this collection and the record
     // lacks it; it is to be saved then.
     void take_up_recovered(const std::vector<document_part>& parts);
-    // The record as it was saved last, but for the time of saving.
 
     // Of which padding movies are made that an edit needs and that are not there; `blank` must outlive this.
     void set_blank_movie(blank_vistel_movie& blank) { blank_ = &blank; }
