@@ -10,10 +10,11 @@
 
 #include "app/event/timeline_links.h"
 #include "cli/command_failures.h"
-#include "logger/logger_Dict_funcs.h"
+#include "logger/code_window.h"
 #include "logger/press_engine.h"
 #include "timeline/files/timeline_document.h"
 #include "util/json.h"
+#include "util/safe_write.h"
 #include "util/simulated_run_loop.h"
 #include "video/vault_lock.h"
 #include "video/video_coll_Records.h"
@@ -28,21 +29,27 @@ result<command_outcome> show(const std::string& folder) {
     return command_outcome{write_button_dict(loaded.value())};
 }
 
-// A code window that lay in "Logger" below its folder is put there in the new one too.
+// A code window that lay in "Logger" below its folder is put there in the new one too, with the pictures of
+// its buttons.
 result<command_outcome> resave(const std::string& folder, const std::string& to) {
     const auto lock = vault_lock::take_around(to);
     if (!lock) return lock.error();
     const std::string from = logger_folder_of(folder);
-    const auto loaded = load_button_dict(from);
+    const auto loaded = load_code_window(from);
     if (!loaded) return loaded.error();
     const bool lies_below = from != folder && !has_button_dict(to);
     const std::string into = lies_below ? path_join(to, logger_folder_name) : to;
-    if (auto saved = save_button_dict(loaded.value(), into); !saved) return saved.error();
-    if (file_exists(path_join(from, logger_info_file_name))) {
-        if (auto saved = save_logger_settings(load_logger_settings(from), into); !saved) return saved.error();
+    if (auto saved = save_code_window(loaded.value(), into); !saved) return saved.error();
+    for (const auto& button : loaded.value().buttons.buttons) {
+        const std::string picture = button_picture_path(*button, from);
+        const std::string copy = button_picture_path(*button, into);
+        if (picture == copy || !file_exists(picture)) continue;
+        const auto bytes = read_file(picture);
+        if (!bytes) return bytes.error();
+        if (auto copied = safe_write_bytes(copy, bytes.value()); !copied) return copied.error();
     }
     property_dictionary printed;
-    printed.add("buttons", static_cast<std::int64_t>(loaded.value().buttons.size()));
+    printed.add("buttons", static_cast<std::int64_t>(loaded.value().buttons.buttons.size()));
     return command_outcome{std::move(printed)};
 }
 
@@ -62,17 +69,17 @@ std::optional<script_action> action_named(const std::string& name) {
     return std::nullopt;
 }
 
-using buttons = std::vector<markup_Button_Item>;
+using buttons = std::vector<button_record>;
 
 // The first with that UUID, else the first with that name; null when there is none.
 const markup_Button_Item* find_button(const buttons& all, const std::string& uuid_or_name) {
     const auto with = [&](auto text_of) {
         return std::find_if(all.begin(), all.end(),
-                            [&](const auto& button) { return text_of(button) == uuid_or_name; });
+                            [&](const auto& button) { return text_of(*button) == uuid_or_name; });
     };
     auto found = with([](const auto& button) { return button.uuid(); });
     if (found == all.end()) found = with([](const auto& button) { return button.name(); });
-    return found == all.end() ? nullptr : &*found;
+    return found == all.end() ? nullptr : &**found;
 }
 
 // The failure says what is wrong with one event, without the file's name.

@@ -57,8 +57,10 @@ button_dict demo_code_window() {
 
     button_dict window;
     window.buttons = laid_out_buttons(all);
-    for (markup_Button_Item& button : window.buttons)
-        if (button.category() == "Half") button.set_block_qualifiers(true);
+    for (button_record& button : window.buttons) {
+        if (button->category() != "Half") continue;
+        button = changed_button(button, [](auto& half) { half.set_block_qualifiers(true); });
+    }
     return window;
 }
 

@@ -19,6 +19,7 @@
 #include "demo/simulation.h"
 #include "document/writer_lock.h"
 #include "logger/logger_Dict_funcs.h"
+#include "logger/logger_settings.h"
 #include "timeline/files/sxy_Save_Load.h"
 #include "timeline/files/timeline_form.h"
 #include "util/file_failures.h"

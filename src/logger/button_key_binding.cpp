@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "logger/button_key_binding.h"
 
-#include <string_view>
-
 namespace vistels {
 
 namespace {
@@ -18,6 +16,10 @@ constexpr binding_flag flags[] = {
     {"shift", &button_key_binding::shift}, {"opt", &button_key_binding::opt},
     {"ctr", &button_key_binding::ctr},     {"function", &button_key_binding::function},
 };
+
+constexpr const char* code_key = "key code";
+constexpr const char* plain_key = "chars no mod";
+constexpr const char* chars_key = "chars";
 
 // The small letter of a capital one, for the letters that keyboards have: Latin, Greek, Cyrillic.
 unsigned small_letter(unsigned letter) {
@@ -79,13 +81,20 @@ std::string binding_text(const button_key_binding& binding) {
     return text;
 }
 
+bool is_key_binding_key(std::string_view key) {
+    for (const auto& one : flags) {
+        if (key == one.key) return true;
+    }
+    return key == code_key || key == plain_key || key == chars_key;
+}
+
 button_key_binding read_key_binding(const property_dictionary& stored) {
     button_key_binding binding;
     for (const auto& one : flags) binding.*one.flag = stored.boolean(one.key).value_or(false);
-    const auto code = stored.integer("key code").value_or(0);
+    const auto code = stored.integer(code_key).value_or(0);
     if (code >= 0 && code <= 0xFFFF) binding.key_code = static_cast<std::uint16_t>(code);
-    binding.chars_no_mod = stored.text_or_empty("chars no mod");
-    binding.chars = stored.text_or_empty("chars");
+    binding.chars_no_mod = stored.text_or_empty(plain_key);
+    binding.chars = stored.text_or_empty(chars_key);
     return binding;
 }
 
@@ -94,9 +103,9 @@ property_dictionary write_key_binding(const button_key_binding& binding) {
     for (const auto& one : flags) {
         if (binding.*one.flag) stored.add(one.key, true);
     }
-    stored.add("key code", static_cast<std::int64_t>(binding.key_code));
-    if (!binding.chars_no_mod.empty()) stored.add("chars no mod", binding.chars_no_mod);
-    if (!binding.chars.empty()) stored.add("chars", binding.chars);
+    stored.add(code_key, static_cast<std::int64_t>(binding.key_code));
+    if (!binding.chars_no_mod.empty()) stored.add(plain_key, binding.chars_no_mod);
+    if (!binding.chars.empty()) stored.add(chars_key, binding.chars);
     return stored;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "util/property_value.h"
 
@@ -43,6 +44,7 @@ bool binding_matches(const button_key_binding& binding, const key_stroke& key);
 std::string binding_text(const button_key_binding& binding);
 
 // The dictionary stored under "bindings". Flags only when true, characters only when there are any.
+bool is_key_binding_key(std::string_view key);
 button_key_binding read_key_binding(const property_dictionary& stored);
 property_dictionary write_key_binding(const button_key_binding& binding);
 

@@ -40,6 +40,7 @@ markup_Button_Item made(const new_button& asked, const rectangle& place) {
     button.set_type(asked.type);
     button.set_secs_in(asked.secs_in);
     button.set_secs_out(asked.secs_out);
+    button.set_allow_overlapping_clips(asked.type == button_type::clip);
     logger_item_display_info display;
     display.logger_rect = place;
     display.button_colour = display.mask_colour = button_palette_colour(asked.palette_index);
@@ -59,8 +60,8 @@ colour button_palette_colour(std::size_t index) {
     return colour_from_hex(palette[index % palette.size()]);
 }
 
-std::vector<markup_Button_Item> laid_out_buttons(const std::vector<new_button>& all) {
-    std::vector<markup_Button_Item> buttons;
+std::vector<button_record> laid_out_buttons(const std::vector<new_button>& all) {
+    std::vector<button_record> buttons;
     std::size_t column = 0;
     double top = margin;
     double height = 0;
@@ -75,7 +76,7 @@ std::vector<markup_Button_Item> laid_out_buttons(const std::vector<new_button>& 
         }
         height = asked.type == button_type::clip ? clip_button_height : other_button_height;
         const double left = margin + static_cast<double>(column) * (button_width + gap);
-        buttons.push_back(made(asked, {left, top, button_width, height}));
+        buttons.emplace_back(made(asked, {left, top, button_width, height}));
         ++column;
         before = &asked;
     }

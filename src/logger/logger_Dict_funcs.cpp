@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "logger/logger_Dict_funcs.h"
 
-#include <cmath>
+#include <algorithm>
 #include <set>
+#include <utility>
 
 #include "logger/logger_failures.h"
 #include "util/file_failures.h"
@@ -17,16 +18,6 @@ namespace {
 constexpr const char* version_key = "version markup";
 constexpr const char* buttons_key = "array objects";
 constexpr const char* count_key = "number of markups";
-constexpr int background_colour_decimals = 4;
-
-double finite_or(std::optional<double> number, double otherwise) {
-    return number && std::isfinite(*number) ? *number : otherwise;
-}
-
-std::optional<colour> colour_under(const property_dictionary& stored, const char* key) {
-    const auto* text = stored.text(key);
-    return text ? colour_from_text(*text) : std::nullopt;
-}
 
 }  // namespace
 
@@ -43,11 +34,15 @@ button_dict read_button_dict(const property_dictionary& document) {
     all.version_markup = document.integer(version_key).value_or(all.version_markup);
     std::set<std::string> uuids;
     if (const auto* array = document.array(buttons_key)) {
-        for (const auto& value : *array) {
-            if (!value.dictionary()) continue;
+        for (std::size_t index = 0; index < array->size(); ++index) {
+            const property_value& value = (*array)[index];
+            if (!value.dictionary()) {
+                all.others.push_back({index, value});
+                continue;
+            }
             auto button = read_button(*value.dictionary());
             if (!uuids.insert(button.uuid()).second) button.set_made_up_uuid(new_uuid());
-            all.buttons.push_back(std::move(button));
+            all.buttons.emplace_back(std::move(button));
         }
     }
     all.kept = document;
@@ -59,7 +54,11 @@ property_dictionary write_button_dict(const button_dict& all) {
     property_dictionary document = all.kept;
     document.set(version_key, all.version_markup);
     property_array buttons;
-    for (const auto& button : all.buttons) buttons.emplace_back(write_button(button));
+    for (const auto& button : all.buttons) buttons.emplace_back(write_button(*button));
+    for (const auto& other : all.others) {
+        const auto index = std::min(other.index, buttons.size());
+        buttons.insert(buttons.begin() + static_cast<std::ptrdiff_t>(index), other.value);
+    }
     document.set(buttons_key, std::move(buttons));
     return document;
 }
@@ -83,42 +82,11 @@ result<void> save_button_dict(const button_dict& all, const std::string& logger_
     return safe_write(path, marker, files);
 }
 
-logger_settings load_logger_settings(const std::string& logger_folder) {
-    logger_settings settings;
-    settings.kept = read_dictionary_or_empty(path_join(logger_folder, logger_info_file_name));
-    const auto& stored = settings.kept;
-    settings.scroller_offset_x = finite_or(stored.number("big scroller offset x"), 0);
-    settings.scroller_offset_y = finite_or(stored.number("big scroller offset y"), 0);
-    settings.background_colour = colour_under(stored, "background color");
-    settings.remember_markup_mode = stored.boolean("remember markup mode").value_or(false);
-    settings.linked_timeline_uuid = stored.text_or_empty("linked timeline uuid");
-    return settings;
-}
-
-result<void> save_logger_settings(const logger_settings& settings, const std::string& logger_folder,
-                                  file_system& files) {
-    property_dictionary stored = settings.kept;
-    const auto put = [&stored](const char* key, bool is_as_read, property_value value) {
-        if (!is_as_read) stored.set(key, std::move(value));
-    };
-    const auto& read = settings.kept;
-    const auto x = settings.scroller_offset_x;
-    const auto y = settings.scroller_offset_y;
-    put("big scroller offset x", x == finite_or(read.number("big scroller offset x"), 0), x);
-    put("big scroller offset y", y == finite_or(read.number("big scroller offset y"), 0), y);
-    if (settings.background_colour) {
-        put("background color", settings.background_colour == colour_under(read, "background color"),
-            colour_text(*settings.background_colour, background_colour_decimals));
-    } else if (colour_under(read, "background color")) {
-        stored.remove("background color");
-    }
-    put("remember markup mode",
-        settings.remember_markup_mode == read.boolean("remember markup mode").value_or(false),
-        settings.remember_markup_mode);
-    put("linked timeline uuid", settings.linked_timeline_uuid == read.text_or_empty("linked timeline uuid"),
-        settings.linked_timeline_uuid);
-    if (auto made = make_folders(logger_folder, files); !made) return made;
-    return safe_write(path_join(logger_folder, logger_info_file_name), stored, files);
+std::string button_picture_path(const markup_Button_Item& button, const std::string& logger_folder) {
+    const std::string id = button.picture_id();
+    const bool is_name =
+        !id.empty() && id.find('/') == std::string::npos && id.find('\0') == std::string::npos;
+    return is_name ? path_join(logger_folder, "pic " + id + ".png") : std::string();
 }
 
 }  // namespace vistels

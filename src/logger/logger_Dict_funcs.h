@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,26 +14,27 @@
 
 namespace vistels {
 
+// All of these are pure functions of their arguments and of the files they name: any thread.
+
 inline constexpr const char* logger_folder_name = "Logger";
 inline constexpr const char* button_file_name = "button dict.plist";
 inline constexpr const char* logger_file_name = "logger.plist";
-inline constexpr const char* logger_info_file_name = "logger info.plist";
 
-// What "button dict.plist" holds.
+// What "button dict.plist" holds. Copying it costs a pointer a button.
 struct button_dict {
-    std::int64_t version_markup = 1;
-    std::vector<markup_Button_Item> buttons;  // in canvas order, the last drawn on top
-    property_dictionary kept;                 // the document as read, without the buttons
-};
+    // An element of the file's list that is no button, and where in the list it stands.
+    struct other_element {
+        std::size_t index = 0;
+        property_value value;
+        bool operator==(const other_element&) const = default;
+    };
 
-// What "logger info.plist" holds: the settings of one code window.
-struct logger_settings {
-    std::string linked_timeline_uuid;  // the timeline that it writes into; empty: its collection's
-    double scroller_offset_x = 0;      // canvas scroll position in logical pixels
-    double scroller_offset_y = 0;
-    std::optional<colour> background_colour;
-    bool remember_markup_mode = false;
-    property_dictionary kept;  // all keys as read; those above are replaced when they have changed
+    std::int64_t version_markup = 1;
+    std::vector<button_record> buttons;  // in canvas order, the last drawn on top
+    std::vector<other_element> others;   // by index
+    property_dictionary kept;            // the document as read, without the list
+
+    bool operator==(const button_dict&) const = default;
 };
 
 // The folder of the code window that belongs to `folder`: `folder` itself when it holds the buttons, else
@@ -41,8 +42,8 @@ struct logger_settings {
 std::string logger_folder_of(const std::string& folder);
 bool has_button_dict(const std::string& logger_folder);
 
-// The buttons as they stand in a document. Elements that are no dictionaries are passed over; of two buttons
-// with one UUID the later gets another for this run.
+// The buttons as they stand in a document. Elements that are no dictionaries are kept in their places; of two
+// buttons with one UUID the later gets another for this run.
 button_dict read_button_dict(const property_dictionary& document);
 property_dictionary write_button_dict(const button_dict& all);
 
@@ -52,10 +53,8 @@ result<button_dict> load_button_dict(const std::string& logger_folder);
 result<void> save_button_dict(const button_dict& all, const std::string& logger_folder,
                               file_system& files = machine_files());
 
-// A missing or unreadable file gives the defaults.
-logger_settings load_logger_settings(const std::string& logger_folder);
-result<void> save_logger_settings(const logger_settings& settings, const std::string& logger_folder,
-                                  file_system& files = machine_files());
+// Where the button's picture lies; empty when it has none, or one whose identifier is no name for a file.
+std::string button_picture_path(const markup_Button_Item& button, const std::string& logger_folder);
 
 // A code window for any game: what a collection without one of its own gets. The UUIDs are new.
 button_dict general_code_window();
@@ -75,6 +74,6 @@ struct new_button {
 };
 // Lays the buttons out in rows of four, clip buttons 100x56 and others 100x46, each change of type or
 // category in a new line.
-std::vector<markup_Button_Item> laid_out_buttons(const std::vector<new_button>& all);
+std::vector<button_record> laid_out_buttons(const std::vector<new_button>& all);
 
 }  // namespace vistels

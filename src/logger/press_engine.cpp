@@ -76,10 +76,10 @@ void press_engine::follow_edit(const timeline_edit& edit) {
     }
 }
 
-void press_engine::set_buttons(std::vector<markup_Button_Item> buttons, double at) {
+void press_engine::set_buttons(std::vector<button_record> buttons, double at) {
     for (const auto& down : down_buttons()) {
         const bool stays = std::any_of(buttons.begin(), buttons.end(),
-                                       [&](const auto& button) { return button.uuid() == down.button; });
+                                       [&](const auto& button) { return button->uuid() == down.button; });
         if (!stays) go_up(down.button, at, press_cause::press);
     }
     buttons_ = std::move(buttons);
@@ -88,15 +88,14 @@ void press_engine::set_buttons(std::vector<markup_Button_Item> buttons, double a
 
 const markup_Button_Item* press_engine::button(std::string_view uuid) const {
     const auto found = std::find_if(buttons_.begin(), buttons_.end(),
-                                    [&](const auto& button) { return button.uuid() == uuid; });
-    return found == buttons_.end() ? nullptr : &*found;
+                                    [&](const auto& button) { return button->uuid() == uuid; });
+    return found == buttons_.end() ? nullptr : &**found;
 }
 
 std::vector<std::string> press_engine::buttons_for_key(const key_stroke& key) const {
     std::vector<std::string> uuids;
     for (const auto& button : buttons_) {
-        const auto binding = button.display().binding;
-        if (binding && binding_matches(*binding, key)) uuids.push_back(button.uuid());
+        if (button->is_pressed_by(key)) uuids.push_back(button->uuid());
     }
     return uuids;
 }
@@ -338,9 +337,9 @@ std::unordered_set<shared_text> press_engine::rows_without_qualifiers() const {
     std::unordered_set<shared_text> blocked;
     std::unordered_set<shared_text> open;
     for (const auto& button : buttons_) {
-        if (!button.is(button_type::clip)) continue;
-        const auto row = row_of_button(document_.timeline(), button);
-        if (row) (button.block_qualifiers() ? blocked : open).insert(row->uuid());
+        if (!button->is(button_type::clip)) continue;
+        const auto row = row_of_button(document_.timeline(), *button);
+        if (row) (button->block_qualifiers() ? blocked : open).insert(row->uuid());
     }
     for (const auto& row : open) blocked.erase(row);
     return blocked;

@@ -93,8 +93,8 @@ class press_engine {
     void shift_times(double seconds);
 
     // Other buttons from now on; those that are down and are not among them go up at `at` first.
-    void set_buttons(std::vector<markup_Button_Item> buttons, double at);
-    const std::vector<markup_Button_Item>& buttons() const { return buttons_; }
+    void set_buttons(std::vector<button_record> buttons, double at);
+    const std::vector<button_record>& buttons() const { return buttons_; }
     // Null when there is none.
     const markup_Button_Item* button(std::string_view uuid) const;
     // The buttons that the key presses, in canvas order.
@@ -179,7 +179,7 @@ class press_engine {
     const clock& time_;
     transport* transport_ = nullptr;
     double earliest_seconds_ = 0;
-    std::vector<markup_Button_Item> buttons_;
+    std::vector<button_record> buttons_;
     std::vector<button_state> down_;       // in the order in which they went down
     std::vector<std::string> made_clips_;  // the last one at the end
     std::deque<pending_action> waiting_;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "app/settings/code_window_settings.h"
 #include "app/settings/settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/start/last_focus.h"
@@ -412,6 +413,29 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_EQ(load_minimum_free_space(places).percent, 25);
     EXPECT_TRUE(load_show_vistel_number_name(places).shown);
     EXPECT_EQ(load_view_offsets(places).vertical, -12.5);
+}
+
+TEST(settings, of_the_code_windows_are_each_in_a_file_of_their_own) {
+    const temporary_folder home;
+    const auto places = find_home_places(home.path());
+    EXPECT_EQ(load_press_settings(places), press_settings());
+    const press_settings pressed{true, 2.5, true};
+    const test_press_settings tested{true, 3, 0.02, true, true};
+    EXPECT_TRUE(save_press_settings(places, pressed));
+    EXPECT_TRUE(save_test_press_settings(places, tested));
+    EXPECT_TRUE(save_disabled_triggers(places, {true}));
+    EXPECT_TRUE(save_default_link_type(places, "ON_UP_SET_UP"));
+    EXPECT_EQ(load_press_settings(places), pressed);
+    EXPECT_EQ(load_test_press_settings(places), tested);
+    EXPECT_TRUE(load_disabled_triggers(places).are_stopped);
+    EXPECT_EQ(load_default_link_type(places), "ON_UP_SET_UP");
+    const auto margin = path_of(places, {"Logger", "margin padding seconds.plist"});
+    for (const property_value& wrong : {property_value(-1.0), property_value("3"), property_value(true)}) {
+        property_dictionary stored;
+        stored.add("margin padding seconds", wrong);
+        ASSERT_TRUE(safe_write(margin, stored));
+        EXPECT_EQ(load_press_settings(places).margin_padding_seconds, 5);
+    }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "demo/film_camera.h"
 #include "demo/sound_mixer.h"
 #include "logger/logger_Dict_funcs.h"
+#include "logger/logger_settings.h"
 #include "media/frame_reader.h"
 #include "media/movie_information.h"
 #include "support/temporary_folder.h"

@@ -97,7 +97,7 @@ TEST(game_coding, clips_hold_their_plays_and_do_not_overlap) {
     const timeline_snapshot timeline = code_game(game, 60, 77);
     ASSERT_EQ(timeline.rows.size(), coded_kinds().size());
     std::set<std::string> button_names;
-    for (const auto& button : demo_code_window().buttons) button_names.insert(button.name());
+    for (const auto& button : demo_code_window().buttons) button_names.insert(button->name());
     for (const row_pointer& row : timeline.rows) {
         EXPECT_FALSE(row->clips().empty()) << row->name();
         EXPECT_EQ(button_names.count(row->name()), 1u) << row->name();
@@ -117,8 +117,8 @@ TEST(game_coding, clips_hold_their_plays_and_do_not_overlap) {
 TEST(demo_code_window, no_key_is_given_twice_or_taken_from_the_transport) {
     std::set<std::string> keys{"j", "k", "l", "i", "o", " "};
     for (const auto& button : demo_code_window().buttons) {
-        ASSERT_TRUE(button.display().binding) << button.name();
-        EXPECT_TRUE(keys.insert(button.display().binding->chars_no_mod).second) << button.name();
+        ASSERT_TRUE(button->display().binding) << button->name();
+        EXPECT_TRUE(keys.insert(button->display().binding->chars_no_mod).second) << button->name();
     }
 }
 

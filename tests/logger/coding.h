@@ -78,12 +78,13 @@ struct coding {
             if (one.cause != press_cause::press)
                 fired += "(" + std::string(press_cause_text(one.cause)) + ")";
         });
-        engine->set_buttons(buttons, 0);
+        set_buttons();
     }
+    void set_buttons() { engine->set_buttons({buttons.begin(), buttons.end()}, 0); }
 
     // "1+A 2-A 3tab 4": at each time a press, a release, a tab or only a tick.
     void run(const std::string& script) {
-        engine->set_buttons(buttons, 0);
+        set_buttons();
         std::istringstream steps(script);
         for (std::string step; steps >> step;) {
             const auto sign = step.find_first_not_of("0123456789.");

@@ -217,7 +217,7 @@ TEST(code_window_engine, a_press_makes_its_clip_and_is_counted) {
     display.binding.reset();
     buttons[1].set_display(display);
     standing_transport playing;
-    engine.set_buttons(buttons, 0);
+    engine.set_buttons({buttons.begin(), buttons.end()}, 0);
     code_window_view view;
     view.set_source(source_of(engine, timeline, playing));
     view.resize(300, 200);

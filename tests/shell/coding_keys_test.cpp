@@ -33,12 +33,12 @@ class coding_keys : public testing::shown_event {
     void bind(const std::string& name, const std::string& key) {
         auto buttons = event().logger().buttons();
         for (auto& one : buttons) {
-            if (one.name() != name) continue;
-            auto display = one.display();
+            if (one->name() != name) continue;
+            auto display = one->display();
             ASSERT_TRUE(display.binding);
             display.binding->chars_no_mod = key;
             display.binding->chars = key;
-            one.set_display(display);
+            one = changed_button(one, [&](auto& changed) { changed.set_display(display); });
         }
         event().logger().set_buttons(buttons, 0);
     }

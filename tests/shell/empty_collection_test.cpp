@@ -61,7 +61,7 @@ TEST_F(empty_collection, is_made_coded_and_filmed_later) {
     window->actions()[command::play]->trigger();
     EXPECT_TRUE(event().playback().is_playing());
     ASSERT_TRUE(QTest::qWaitFor([&] { return event().playback().collection_time() > 0.2; }, 60000));
-    const auto& first = event().logger().buttons().front();
+    const auto& first = *event().logger().buttons().front();
     event().logger().press(first.uuid(), event().playback().collection_time());
     event().logger().release(first.uuid(), event().playback().collection_time() + 1);
     event().logger().release_all(event().playback().collection_time() + 1);

@@ -289,7 +289,7 @@ TEST_F(window_sizes, the_tab_key_goes_round_and_all_it_reaches_has_a_name) {
             EXPECT_EQ(names.count(name), 1U) << name;
         }
         for (const auto& each : event().logger().buttons()) {
-            EXPECT_EQ(names.count("code_button." + each.uuid()), 1U) << each.name();
+            EXPECT_EQ(names.count("code_button." + each->uuid()), 1U) << each->name();
         }
     }
 }

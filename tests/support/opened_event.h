@@ -15,9 +15,9 @@ namespace vistels::testing {
 inline const markup_Button_Item& clip_button(open_event& opened) {
     const auto& buttons = opened.logger().buttons();
     const auto found = std::find_if(buttons.begin(), buttons.end(),
-                                    [](const auto& one) { return one.is(button_type::clip); });
+                                    [](const auto& one) { return one->is(button_type::clip); });
     EXPECT_NE(found, buttons.end());
-    return *found;
+    return **found;
 }
 
 // Presses that button and releases it; the times are the collection's.

@@ -59,7 +59,7 @@ class shown_event : public ::testing::Test {
     const sxy_DATA_root& timeline() { return event().timeline().timeline(); }
     std::string button(const std::string& name) {
         for (const auto& one : event().logger().buttons()) {
-            if (one.name() == name) return one.uuid();
+            if (one->name() == name) return one->uuid();
         }
         return {};
     }

@@ -14,6 +14,7 @@
 #include "app/settings/user_name.h"
 #include "app/vaults/mending.h"
 #include "logger/logger_Dict_funcs.h"
+#include "logger/logger_settings.h"
 #include "logger/press_engine.h"
 #include "util/file_system.h"
 #include "util/property_list.h"

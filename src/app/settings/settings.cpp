@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "app/settings/code_window_settings.h"
 #include "app/settings/formula_colours.h"
 #include "app/settings/search_patterns.h"
 #include "app/settings/settings_failures.h"
@@ -147,10 +148,15 @@ result<void> save_view_offsets(const home_places& places, view_offsets offsets) 
 }
 
 const std::vector<settings_file>& application_settings_files() {
-    static const std::vector<settings_file> files{
-        top_speed_place.file,    pitch_place.file,       volume_place.file,     operator_place.file,
-        filtered_out_place.file, number_name_place.file, local_data_place.file, view_offsets_place.file,
-        user_name_file,          formula_colours_file,   search_patterns_file};
+    static const std::vector<settings_file> files = [] {
+        std::vector<settings_file> all{top_speed_place.file,  pitch_place.file,        volume_place.file,
+                                       operator_place.file,   filtered_out_place.file, number_name_place.file,
+                                       local_data_place.file, view_offsets_place.file, user_name_file,
+                                       formula_colours_file,  search_patterns_file};
+        const auto& of_code_windows = code_window_settings_files();
+        all.insert(all.end(), of_code_windows.begin(), of_code_windows.end());
+        return all;
+    }();
     return files;
 }
 

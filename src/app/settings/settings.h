@@ -61,8 +61,8 @@ struct view_offsets {
 view_offsets load_view_offsets(const home_places& places);
 result<void> save_view_offsets(const home_places& places, view_offsets offsets);
 
-// All files above, and those of the user's name, of the colours in formulas and of the remembered filter
-// texts.
+// All files above, and those of the user's name, of the colours in formulas, of the remembered filter texts
+// and of the code windows.
 const std::vector<settings_file>& application_settings_files();
 
 }  // namespace vistels

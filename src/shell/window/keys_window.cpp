@@ -58,10 +58,10 @@ QList<QTreeWidgetItem*> menu_lines(const window_actions& actions, const press_en
 QList<QTreeWidgetItem*> button_lines(const press_engine& engine) {
     QList<QTreeWidgetItem*> lines;
     for (const auto& button : engine.buttons()) {
-        const auto binding = button.display().binding;
+        const auto binding = button->display().binding;
         if (!binding) continue;
         const QString keys = QString::fromStdString(binding_text(*binding));
-        lines << new QTreeWidgetItem({QString::fromStdString(button.name()), keys});
+        lines << new QTreeWidgetItem({QString::fromStdString(button->name()), keys});
     }
     return lines;
 }

@@ -35,7 +35,7 @@ class engine_source final : public code_window_source {
     std::vector<code_button> buttons() const override {
         std::vector<code_button> made;
         made.reserve(engine_.buttons().size());
-        for (const markup_Button_Item& each : engine_.buttons()) made.push_back(face_of(each, made.size()));
+        for (const button_record& each : engine_.buttons()) made.push_back(face_of(*each, made.size()));
         return made;
     }
 
