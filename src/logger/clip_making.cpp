@@ -2,7 +2,6 @@
 #include "logger/clip_making.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "timeline/edits/clip_operations.h"
@@ -13,120 +12,69 @@ namespace vistels {
 
 namespace {
 
-clip_span span_of(const sxy_CLIP& clip) {
-    return {clip.secs_start(), clip.secs_end()};
+constexpr double seconds_in_a_minute = 60;
+// Longer ones are not meant: no clip may become endless.
+constexpr double most_seconds_widened = 1e6;
+
+double widening(double seconds) {
+    return std::clamp(seconds, -most_seconds_widened, most_seconds_widened);
 }
 
-double shared_length(clip_span a, clip_span b) {
-    return std::max(0.0, std::min(a.end, b.end) - std::max(a.start, b.start));
-}
-
-// The clips of the row that `span` overlaps or touches, and those that the union with them does, in row
-// order.
-std::vector<clip_pointer> clips_met(const sxy_ROW& row, clip_span& span) {
+// All clips that overlap or touch the span, and those that the union with them does, in row order; `span`
+// becomes the union.
+std::vector<clip_pointer> clips_joined(const sxy_ROW& row, clip_span& span, double longest) {
     std::vector<clip_pointer> met;
     std::size_t before = 0;
     do {
         before = met.size();
-        met.clear();
-        for (const auto& clip : row.clips()) {
-            const auto other = span_of(*clip);
-            if (other.start > span.end) break;
-            if (other.end < span.start) continue;
-            met.push_back(clip);
-            span = {std::min(span.start, other.start), std::max(span.end, other.end)};
+        met = clips_meeting(row, span, longest);
+        for (const auto& clip : met) {
+            span = {std::min(span.start, clip->secs_start()), std::max(span.end, clip->secs_end())};
         }
     } while (met.size() != before);
     return met;
 }
 
-std::vector<std::string> ids_of(const std::vector<clip_pointer>& clips) {
-    std::vector<std::string> ids;
-    for (const auto& clip : clips) ids.push_back(clip->id());
-    return ids;
-}
-
-// The clip that started last among those of the row that hold the time; null for none.
-clip_pointer last_started_at(const sxy_ROW& row, double at) {
-    const auto& clips = row.clips();
-    for (std::size_t index = clips.first_starting_at(at); index < clips.size(); ++index) {
-        if (clips[index]->secs_start() > at) break;
-        if (clips[index]->secs_end() > at) return clips[index];
+// The hull of all; nothing when one is not known.
+std::optional<clip_span> joined_held_time(const std::vector<clip_pointer>& clips, clip_span held,
+                                          const held_time_of& held_time) {
+    for (const auto& clip : clips) {
+        const auto other = held_time(*clip);
+        if (!other) return std::nullopt;
+        held = {std::min(held.start, other->start), std::max(held.end, other->end)};
     }
-    for (std::size_t index = clips.first_starting_at(at); index > 0; --index) {
-        if (clips[index - 1]->secs_end() > at) return clips[index - 1];
-    }
-    return nullptr;
-}
-
-// The clip that ended last before the time, of all rows.
-std::optional<std::string> last_ended_before(const sxy_DATA_root& timeline, double at,
-                                             const std::function<bool(const clip_place&)>& is_blocked) {
-    clip_pointer last;
-    for (const auto& row : timeline.rows()) {
-        for (const auto& clip : row->clips()) {
-            if (clip->secs_start() > at) break;
-            const double end = clip->secs_end();
-            if (end > at || (last && end <= last->secs_end())) continue;
-            if (!is_blocked({clip, row->uuid()})) last = clip;
-        }
-    }
-    return last ? std::optional(last->id()) : std::nullopt;
+    return held;
 }
 
 }  // namespace
 
-clip_span widened_span(const markup_Button_Item& button, clip_span held, double earliest) {
-    if (held.end < held.start) std::swap(held.start, held.end);
-    clip_span span{held.start - button.secs_in(), held.end + button.secs_out()};
-    span.start = std::max(span.start, std::min(earliest, held.start));
-    span.end = std::max(span.start, span.end);
-    return span;
-}
-
-clip_span free_span(const sxy_ROW& row, clip_span wanted, clip_span held) {
-    if (held.end < held.start) std::swap(held.start, held.end);
-    clip_span best = wanted;
-    double best_share = -1;
-    const auto offer = [&](clip_span piece) {
-        const double length = piece.end - piece.start;
-        if (length < shortest_piece_seconds) return;
-        const double share = shared_length(piece, held);
-        const bool longer = share == best_share && length > best.end - best.start;
-        if (share <= best_share && !longer) return;
-        best = piece;
-        best_share = share;
-    };
-    double free_from = wanted.start;
-    for (const auto& clip : row.clips()) {
-        const auto other = span_of(*clip);
-        if (other.start >= wanted.end) break;
-        if (other.end <= free_from) continue;
-        offer({free_from, other.start});
-        free_from = other.end;
+pressed_span span_of_press(const markup_Button_Item& button, held_press press, double earliest) {
+    const bool is_timer = button.is(button_type::timer_clip);
+    const double in = is_timer ? 0 : widening(button.secs_in());
+    const double out = is_timer ? 0 : widening(button.secs_out());
+    clip_span held{press.pressed, press.released};
+    double start = held.start - in;
+    if (held.end < held.start) {
+        if (press.jumped_back && held.end > start) {
+            held.start = held.end;
+        } else {
+            std::swap(held.start, held.end);
+            start = held.start - in;
+        }
     }
-    offer({free_from, wanted.end});
-    return best;
+    pressed_span made{{start, held.end + out}, held};
+    made.span.start = std::max(made.span.start, std::min(earliest, held.start));
+    made.span.end = std::max(made.span.start, made.span.end);
+    return made;
 }
 
-row_pointer row_of_button(const sxy_DATA_root& timeline, const markup_Button_Item& button) {
-    row_pointer first;
-    const std::string name = button.name();
-    const std::string category = button.category();
-    for (const auto& row : timeline.rows()) {
-        if (row->name() != name) continue;
-        if (row->category() == category) return row;
-        if (!first) first = row;
-    }
-    return first;
-}
-
-sxy_ROW new_row_of_button(const markup_Button_Item& button) {
+sxy_ROW new_row_of_button(const markup_Button_Item& owner) {
     sxy_ROW row;
     row.set_uuid(shared_text(new_uuid()));
-    row.set_name(button.name());
-    row.set_category(button.category());
-    row.set_col(button.made_colour());
+    row.set_name(owner.name());
+    row.set_category(owner.category());
+    row.set_col(owner.made_colour());
+    row.set_is_timer_row(owner.is(button_type::timer_clip));
     return row;
 }
 
@@ -140,44 +88,42 @@ sxy_CLIP new_clip_of_button(const markup_Button_Item& button, const std::string&
     clip.set_row_category_in_clip(shared_text(row.category()));
     const auto colour = button.made_colour();
     clip.set_col(colour ? colour : row.col());
+    if (!button.is(button_type::timer_clip)) return clip;
+    if (const double offset = button.timer_offset(); offset != 0) clip.set_mins(offset / seconds_in_a_minute);
+    if (button.timer_is_cumulative()) clip.set_timer_is_cumulative(true);
+    if (button.timer_counts_down()) clip.set_timer_counts_down(true);
     return clip;
 }
 
 planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& growing,
-                           const markup_Button_Item& button, clip_span held, double earliest) {
-    clip_span span = widened_span(button, held, earliest);
+                           const markup_Button_Item& button, const pressed_span& pressed,
+                           const held_time_of& held_time, double longest) {
     const auto row = timeline.row(growing.row);
+    planned_finish plan{{}, growing.clip->id(), pressed.span, pressed.held, {}};
     if (row && button.merge_clips()) {
-        clip_span joined = span;
-        const auto met = clips_met(*row, joined);
+        clip_span joined = pressed.span;
+        const auto met = clips_joined(*row, joined, longest);
+        std::vector<std::string> ids;
+        for (const auto& clip : met) ids.push_back(clip->id());
         auto merged =
-            plan_clips_Merge(timeline, ids_of(met), {{}, seconds_since_1970()}, ended_clip{growing, span});
-        if (merged) return {std::move(merged.value().operations), std::move(merged.value().scope)};
+            plan_clips_Merge(timeline, ids, {{}, seconds_since_1970()}, ended_clip{growing, pressed.span});
+        if (merged) {
+            return {std::move(merged.value().operations),
+                    std::move(merged.value().scope),
+                    joined,
+                    joined_held_time(met, pressed.held, held_time),
+                    {}};
+        }
     } else if (row && !button.allow_overlapping_clips()) {
-        span = free_span(*row, span, held);
+        auto placed = place_on_row(*row, pressed.span, pressed.held, held_time, longest);
+        plan.span = placed.span;
+        plan.moved = std::move(placed.moved);
     }
-    return {{plan_end(timeline, {growing, span})}, growing.clip->id()};
-}
-
-std::vector<std::string> stamped_clips(const sxy_DATA_root& timeline, double at,
-                                       const std::vector<std::string>& made,
-                                       const std::function<bool(const clip_place&)>& is_blocked) {
-    std::vector<std::string> clips;
-    for (const auto& growing : timeline.live_clips()) {
-        if (!is_blocked(growing)) clips.push_back(growing.clip->id());
+    plan.operations.push_back(plan_end(timeline, {growing, plan.span}));
+    for (const auto& neighbour : plan.moved) {
+        plan.operations.emplace_back(plan_new_times(*neighbour.clip, neighbour.span));
     }
-    if (!clips.empty()) return clips;
-    for (const auto& row : timeline.rows()) {
-        const auto clip = last_started_at(*row, at);
-        if (clip && !is_blocked({clip, row->uuid()})) clips.push_back(clip->id());
-    }
-    if (!clips.empty()) return clips;
-    for (auto last = made.rbegin(); last != made.rend(); ++last) {
-        const auto place = timeline.find_clip(*last);
-        if (place && !place->is_live && !is_blocked(*place)) return {*last};
-    }
-    if (const auto ended = last_ended_before(timeline, at, is_blocked)) clips.push_back(*ended);
-    return clips;
+    return plan;
 }
 
 }  // namespace vistels

@@ -2,17 +2,20 @@
 #include "logger/press_engine.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
-#include <iterator>
-#include <memory>
+#include <limits>
 #include <utility>
 
-#include "logger/clip_making.h"
 #include "util/uuid.h"
 
 namespace vistels {
 
 namespace {
+
+// Sums of times are not exact.
+constexpr double rounding_seconds = 1e-6;
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 std::string time_of_day_now() {
     const std::time_t now = std::time(nullptr);
@@ -22,99 +25,87 @@ std::string time_of_day_now() {
     return text;
 }
 
+double on_scale(double share, double from, double to, double step) {
+    const double place = from + share * (to - from);
+    return step > 0 ? from + std::round((place - from) / step) * step : place;
+}
+
+// Where on the button's field the press is, by its scales.
+std::optional<point> place_on_field(const markup_Button_Item& button, const std::optional<point>& pressed) {
+    const auto field = button.field();
+    if (!field.Cartesian) return std::nullopt;
+    auto place = pressed;
+    if (button.center_fire()) place = point{0.5, 0.5};
+    if (!place || !field.scale_start_X) return place;
+    const point scaled{on_scale(place->x, *field.scale_start_X, field.scale_end_X, field.scale_step_X),
+                       on_scale(place->y, field.scale_start_Y, field.scale_end_Y, field.scale_step_Y)};
+    const bool is_told = std::isfinite(scaled.x) && std::isfinite(scaled.y);
+    return is_told ? std::optional(scaled) : std::nullopt;
+}
+
 }  // namespace
-
-std::string_view press_cause_text(press_cause cause) {
-    switch (cause) {
-        case press_cause::press:
-            return "press";
-        case press_cause::link:
-            return "link";
-        case press_cause::auto_up:
-            return "auto up";
-        case press_cause::trigger:
-            return "trigger";
-        case press_cause::tab:
-            return "tab";
-    }
-    return "";
-}
-
-std::string_view made_kind_text(made_kind made) {
-    switch (made) {
-        case made_kind::clip:
-            return "clip";
-        case made_kind::qualifier:
-            return "qualifier";
-        case made_kind::attribute:
-            return "attribute";
-        case made_kind::nothing:
-            break;
-    }
-    return "";
-}
 
 press_engine::press_engine(timeline_document& document, const clock& time)
     : document_(document),
       time_(time),
-      edited_(document.edited.connect(
-          [this](const timeline_edit& edit, const timeline_edit&) { follow_edit(edit); })) {}
-
-// A clip that is missing when its button goes up was taken away on purpose only if an edit says so.
-void press_engine::follow_edit(const timeline_edit& edit) {
-    const auto is_ours = [this](const std::string& clip) {
-        return std::any_of(down_.begin(), down_.end(), [&](const auto& one) { return one.clip == clip; }) ||
-               std::any_of(waiting_.begin(), waiting_.end(),
-                           [&](const auto& one) { return one.clip == clip; });
-    };
-    for (const auto& any : edit.operations) {
-        if (const auto* removed = std::get_if<operation::remove_clip>(&any)) {
-            if (is_ours(removed->clip)) taken_away_.insert(removed->clip);
-        } else if (const auto* begun = std::get_if<operation::begin_clip>(&any)) {
-            taken_away_.erase(begun->clip->id());  // taking it away was taken back
-        }
-    }
-}
+      recorder_(document, time, buttons_,
+                {[this](const failure& reason) { trouble.emit(reason); },
+                 [this](const std::string& name) { made_again.emit(name); },
+                 [this](const std::string& button, const trigger_event_ITEM& trigger) {
+                     add_trigger(button, trigger);
+                 }}) {}
 
 void press_engine::set_buttons(std::vector<button_record> buttons, double at) {
+    button_set coming(std::move(buttons));
     for (const auto& down : down_buttons()) {
-        const bool stays = std::any_of(buttons.begin(), buttons.end(),
-                                       [&](const auto& button) { return button->uuid() == down.button; });
-        if (!stays) go_up(down.button, at, press_cause::press);
+        if (!coming.find(down.button)) go_up(down.button, at, press_cause::press);
     }
-    buttons_ = std::move(buttons);
+    buttons_ = std::move(coming);
     buttons_changed.emit();
 }
 
 const markup_Button_Item* press_engine::button(std::string_view uuid) const {
-    const auto found = std::find_if(buttons_.begin(), buttons_.end(),
-                                    [&](const auto& button) { return button->uuid() == uuid; });
-    return found == buttons_.end() ? nullptr : &**found;
+    const auto* found = buttons_.find(uuid);
+    return found ? &**found : nullptr;
 }
 
 std::vector<std::string> press_engine::buttons_for_key(const key_stroke& key) const {
     std::vector<std::string> uuids;
-    for (const auto& button : buttons_) {
+    for (const auto& button : buttons_.all()) {
         if (button->is_pressed_by(key)) uuids.push_back(button->uuid());
     }
     return uuids;
 }
 
+void press_engine::add_trigger(const std::string& uuid, const trigger_event_ITEM& trigger) {
+    const auto* target = buttons_.find(uuid);
+    if (!target) return;
+    buttons_.replace(changed_button(*target, [&](markup_Button_Item& button) {
+        auto all = button.triggers();
+        all.push_back(trigger);
+        button.set_triggers(std::move(all));
+    }));
+    trigger_added.emit(uuid, trigger);
+}
+
 void press_engine::shift_times(double seconds) {
     for (auto& state : down_) {
         state.down.since += seconds;
+        state.due_place += seconds;
         if (state.due_at) *state.due_at += seconds;
     }
-    for (auto& action : waiting_) {
-        action.pressed_at += seconds;
-        action.at += seconds;
-    }
+    if (playhead_) playhead_->at += seconds;
+    recorder_.shift_times(seconds);
 }
 
 const press_engine::button_state* press_engine::state_of(std::string_view button) const {
     const auto found = std::find_if(down_.begin(), down_.end(),
                                     [&](const button_state& state) { return state.down.button == button; });
     return found == down_.end() ? nullptr : &*found;
+}
+
+press_engine::button_state* press_engine::state_of(std::string_view button) {
+    return const_cast<button_state*>(std::as_const(*this).state_of(button));
 }
 
 std::optional<down_button> press_engine::down_since(std::string_view button) const {
@@ -131,47 +122,97 @@ std::vector<down_button> press_engine::down_buttons() const {
 std::optional<double> press_engine::next_auto_up() const {
     std::optional<double> next;
     for (const auto& state : down_) {
-        if (state.due_at && (!next || *state.due_at < *next)) next = state.due_at;
+        if (state.due_at && (!next || state.due_place < *next)) next = state.due_place;
     }
     return next;
 }
 
 void press_engine::set_due(button_state& state, const markup_Button_Item& button, double from) {
-    const double duration = std::max(0.0, button.auto_up_duration());
-    state.due_at = from + duration;
-    state.due_clock_seconds = time_.seconds() + duration;
+    state.due_place = from + std::max(0.0, button.auto_up_duration());
+    state.due_at = state.due_place;
 }
 
-bool press_engine::press(std::string_view uuid, double at) {
+bool press_engine::press(std::string_view uuid, double at, const press_manner& manner) {
     release_due(at);
-    const auto* found = button(uuid);
-    if (!found || is_down(uuid)) return false;
-    const markup_Button_Item pressed = *found;  // an observer may set other buttons
-    button_state state{{pressed.uuid(), at, time_.seconds()}, {}, {}, 0};
-    if (pressed.is(button_type::clip)) state.clip = new_uuid();
-    if (pressed.auto_up() && !pressed.delayed_up()) set_due(state, pressed, at);
-    pending_action action{pressed, true, at, at, state.clip, {}};
-    if (pressed.is(button_type::qualifier)) action.time_of_day = time_of_day_now();
-    down_.push_back(std::move(state));
-    if (transport_ && pressed.pause_movies()) transport_->pause();
-    fire(action, press_cause::press);
+    const auto* found = buttons_.find(uuid);
+    if (!found) return false;
+    if (auto* state = state_of(uuid)) return take_over(*state, at, manner);
+    const button_record pressed = *found;  // an observer may set other buttons
+    go_down(pressed, at, manner);
     release_due(at);
     return true;
 }
 
-bool press_engine::release(std::string_view uuid, double at) {
-    release_due(at);
-    const auto found = std::find_if(down_.begin(), down_.end(),
-                                    [&](const button_state& state) { return state.down.button == uuid; });
-    const auto* released = button(uuid);
-    if (found == down_.end() || !released) return false;
-    if (released->auto_up()) {
-        if (found->due_at) return false;
-        set_due(*found, *released, at);
-        release_due(at);
-        return !is_down(uuid);
+// A press of a button that is down.
+bool press_engine::take_over(button_state& state, double at, const press_manner& manner) {
+    if (state.held_by == holder::latch) {
+        go_up(std::string(state.down.button), at, manner.cause);
+        return true;
     }
-    go_up(std::string(uuid), at, press_cause::press);
+    if (manner.cause == press_cause::press) state.held_by = manner.latches ? holder::latch : holder::hand;
+    state.down.is_latched = state.held_by == holder::latch;
+    return false;
+}
+
+void press_engine::go_down(const button_record& pressed, double at, const press_manner& manner) {
+    if (down_.empty()) playhead_ = playhead{at, time_.seconds()};
+    button_state state;
+    state.down = {pressed->uuid(), at, time_.seconds(), manner.latches};
+    if (pressed->makes_clips()) state.clip = new_uuid();
+    if (manner.cause != press_cause::press) state.held_by = holder::other;
+    if (manner.latches) state.held_by = holder::latch;
+    if (pressed->auto_up() && !pressed->delayed_up()) set_due(state, *pressed, at);
+    auto action = action_of_press(pressed, state, manner);
+    down_.push_back(std::move(state));
+    if (transport_ && pressed->pause_movies()) transport_->pause();
+    button_fired event;
+    event.at = at;
+    event.is_down = true;
+    event.cause = manner.cause;
+    fire(std::move(event), *pressed, std::move(action));
+}
+
+std::optional<press_action> press_engine::action_of_press(const button_record& pressed,
+                                                          const button_state& state,
+                                                          const press_manner& manner) const {
+    press_action action;
+    action.button = pressed;
+    action.at = state.down.since;
+    action.clip = state.clip;
+    action.place = place_on_field(*pressed, manner.place);
+    if (pressed->renamer()) {
+        action.what = press_action::kind::rename;
+        if (selected_) action.selected = selected_();
+    } else if (!state.clip.empty()) {
+        action.what = press_action::kind::begin;
+    } else if (pressed->is(button_type::qualifier)) {
+        action.what = press_action::kind::stamp;
+        action.time_of_day = time_of_day_now();
+    } else if (pressed->is(button_type::attribute)) {
+        action.what = press_action::kind::attribute;
+    } else if (pressed->is(button_type::trigger)) {
+        action.what = press_action::kind::trigger;
+    } else {
+        return std::nullopt;
+    }
+    return action;
+}
+
+bool press_engine::release(std::string_view uuid, double at, press_cause cause) {
+    release_due(at);
+    auto* state = state_of(uuid);
+    const auto* released = button(uuid);
+    if (!state || !released) return false;
+    if (cause == press_cause::press) {
+        if (state->held_by != holder::hand) return false;
+        if (released->auto_up()) {
+            if (state->due_at) return false;
+            set_due(*state, *released, at);
+            release_due(at);
+            return !is_down(uuid);
+        }
+    }
+    go_up(std::string(uuid), at, cause);
     return true;
 }
 
@@ -188,22 +229,66 @@ void press_engine::tab(double at) {
     }
 }
 
-void press_engine::tick(double at) {
+bool press_engine::escape(double at) {
     release_due(at);
+    if (recorder_.has_waiting_attributes()) {
+        press_action forget;
+        forget.what = press_action::kind::forget_attributes;
+        (void)recorder_.record(std::move(forget));
+        return true;
+    }
+    const auto last = std::find_if(down_.rbegin(), down_.rend(),
+                                   [](const button_state& state) { return !state.clip.empty(); });
+    if (last == down_.rend()) return false;
+    go_up(std::string(last->down.button), at, press_cause::press, true);
+    return true;
+}
+
+void press_engine::playhead_jumped(double from, double to, bool is_loop_turn) {
+    release_due(from);
+    for (const auto& down : down_buttons()) {
+        auto* state = state_of(down.button);
+        const auto* held = button(down.button);
+        if (!state || !held || state->clip.empty()) continue;
+        const double start = span_of_press(*held, {down.since, down.since}, -infinity).span.start;
+        const bool is_out = is_loop_turn || to < start || to > from;
+        if (is_out) {
+            go_up(down.button, state->due_at.value_or(from),
+                  state->due_at ? press_cause::auto_up : press_cause::press);
+        } else {
+            state->jumped_back = true;
+        }
+    }
+    for (auto& state : down_) state.due_place += to - from;
+    if (playhead_) playhead_->at = to;
+    recorder_.end_running();
+    press_action forget;
+    forget.what = press_action::kind::forget_attributes;
+    if (recorder_.has_waiting_attributes()) (void)recorder_.record(std::move(forget));
+}
+
+void press_engine::tick(double at) {
+    follow_playhead(at);
+    release_due(at);
+    recorder_.tick(at, !down_.empty());
+}
+
+// Where the collection's time did not run towards the moments that are due, the time that passed brings them
+// nearer all the same.
+void press_engine::follow_playhead(double at) {
     const double now = time_.seconds();
-    if (!waiting_.empty() && now - last_retry_seconds_ >= retry_interval_seconds) (void)record_waiting();
-    if (down_.empty() || now - last_note_seconds_ < note_interval_seconds) return;
-    last_note_seconds_ = now;
-    const auto noted = document_.note_time(at);
-    if (waiting_.empty()) tell_trouble(noted.error());
+    if (playhead_ && at <= playhead_->at) {
+        const double passed = now - playhead_->clock_seconds;
+        for (auto& state : down_) state.due_place += at - playhead_->at - passed;
+    }
+    playhead_ = playhead{at, now};
 }
 
 void press_engine::release_due(double at) {
-    const double now = time_.seconds();
     for (;;) {
         const button_state* first = nullptr;
         for (const auto& state : down_) {
-            if (!state.due_at || (*state.due_at > at && state.due_clock_seconds > now)) continue;
+            if (!state.due_at || state.due_place > at + rounding_seconds) continue;
             if (!first || *state.due_at < *first->due_at) first = &state;
         }
         if (!first) return;
@@ -211,172 +296,72 @@ void press_engine::release_due(double at) {
     }
 }
 
-void press_engine::go_up(const std::string& uuid, double at, press_cause cause) {
-    const auto found = std::find_if(down_.begin(), down_.end(),
+void press_engine::go_up(const std::string& uuid, double at, press_cause cause, bool drops) {
+    const auto* found = buttons_.find(uuid);
+    const auto place = std::find_if(down_.begin(), down_.end(),
                                     [&](const button_state& state) { return state.down.button == uuid; });
-    const auto* released = button(uuid);
-    if (found == down_.end() || !released) return;
-    const pending_action action{*released, false, found->down.since, at, found->clip, {}};
-    down_.erase(found);
-    fire(action, cause);
-}
-
-void press_engine::fire(const pending_action& action, press_cause cause) {
+    if (!found || place == down_.end()) return;
+    const button_record released = *found;
+    const button_state state = *place;
+    down_.erase(place);
     button_fired event;
-    event.at = action.at;
-    event.button = action.button.uuid();
-    event.name = action.button.name();
-    event.is_down = action.is_down;
+    event.at = at;
     event.cause = cause;
-    const bool makes = action.is_down ? action.button.is(button_type::qualifier) || !action.clip.empty()
-                                      : !action.clip.empty();
-    if (makes) {
-        (void)record_waiting();
-        waiting_.push_back(action);
-        event.recorded = false;
-        if (waiting_.size() == 1) {
-            if (const auto done = record_first()) {
-                event.recorded = true;
-                event.made = done.value().made;
-                event.nothing_to_stamp = done.value().nothing_to_stamp;
-            }
+    event.dropped = drops;
+    if (state.clip.empty()) return fire(std::move(event), *released, std::nullopt);
+    press_action action;
+    action.what = drops ? press_action::kind::drop : press_action::kind::finish;
+    action.button = released;
+    action.at = at;
+    action.clip = state.clip;
+    action.held = {state.down.since, at, state.jumped_back};
+    fire(std::move(event), *released, std::move(action));
+}
+
+// Records what the change of state makes, tells it, and presses the buttons beside.
+void press_engine::fire(button_fired event, const markup_Button_Item& button,
+                        std::optional<press_action> action) {
+    const bool is_outermost = pressed_.empty();
+    event.button = button.uuid();
+    event.name = button.name();
+    if (action) {
+        const auto done = recorder_.record(std::move(*action));
+        event.recorded = done.has_value();
+        if (done) {
+            event.made = done->made;
+            event.clip = done->clip;
+            event.nothing_to_stamp = done->nothing_to_stamp;
+            event.waits = done->waits;
         }
     }
+    const bool is_down = event.is_down;
+    const double at = event.at;
+    const std::string clip = event.clip;
+    const bool drops = event.dropped;
+    pressed_.push_back(event.button);
     fired.emit(event);
+    // A clip that is not on the timeline while it grows gets its note when it is.
+    const bool notes_late = button.note_down() && settings().dont_save_live_clips;
+    const bool takes_note = is_down ? button.note_down() : button.note_up() || notes_late;
+    if (takes_note && !clip.empty() && document_.timeline().find_clip(clip)) note_wanted.emit(clip);
+    if (!drops) press_beside(button, at, is_down);
+    if (is_outermost) pressed_.clear();
 }
 
-// Takes the action off the list before its edit is signalled, so that an observer who looks sees it recorded.
-result<press_engine::outcome> press_engine::record_first() {
-    const pending_action action = waiting_.front();
-    waiting_.pop_front();
-    last_retry_seconds_ = time_.seconds();
-    auto done = record(action);
-    if (!done) {
-        waiting_.push_front(action);
-        tell_trouble(done.error());
-    } else if (waiting_.empty()) {
-        tell_trouble({});
+void press_engine::press_beside(const markup_Button_Item& button, double at, bool is_down) {
+    const bool last = is_down ? button.last_down() : button.last_up();
+    const bool next = is_down ? button.next_down() : button.next_up();
+    for (const int direction : {-1, 1}) {
+        if (!(direction < 0 ? last : next)) continue;
+        const auto* beside = buttons_.beside(button, direction);
+        if (!beside) continue;
+        const button_record pressed = *beside;
+        const std::string uuid = pressed->uuid();
+        const bool was_pressed = std::find(pressed_.begin(), pressed_.end(), uuid) != pressed_.end();
+        if (was_pressed || this->is_down(uuid)) continue;
+        go_down(pressed, at, {press_cause::link, false, std::nullopt});
+        go_up(uuid, at, press_cause::link);
     }
-    return done;
-}
-
-result<void> press_engine::record_waiting() {
-    while (!waiting_.empty()) {
-        if (const auto done = record_first(); !done) return done.error();
-    }
-    return {};
-}
-
-void press_engine::tell_trouble(const failure& reason) {
-    if (reason == trouble_) return;
-    trouble_ = reason;
-    trouble.emit(reason);
-}
-
-result<press_engine::outcome> press_engine::record(const pending_action& action) {
-    if (!action.is_down) return record_finish(action);
-    return action.clip.empty() ? record_stamp(action) : record_begin(action);
-}
-
-timeline_edit press_engine::edit_of(const pending_action& action) {
-    const auto name = action.button.name();
-    return {name.empty() ? std::string(button_type_name(action.button.type_code())) : name,
-            action.button.uuid(),
-            {}};
-}
-
-// The button's row, made by `edit` when it is missing.
-row_pointer press_engine::row_for(const pending_action& action, timeline_edit& edit) const {
-    const auto& timeline = document_.timeline();
-    auto row = row_of_button(timeline, action.button);
-    if (row) return row;
-    row = std::make_shared<const sxy_ROW>(new_row_of_button(action.button));
-    edit.operations.emplace_back(operation::insert_row{timeline.rows().size(), *row});
-    return row;
-}
-
-result<press_engine::outcome> press_engine::record_begin(const pending_action& action) {
-    auto edit = edit_of(action);
-    const auto row = row_for(action, edit);
-    edit.operations.emplace_back(
-        operation::begin_clip{row->uuid(), new_clip_of_button(action.button, action.clip, *row, action.at)});
-    if (auto applied = document_.apply(std::move(edit)); !applied) return applied.error();
-    // The time noted before may belong to another place: a clip that ends at once must not get it.
-    (void)document_.note_time(action.at);
-    last_note_seconds_ = time_.seconds();
-    return outcome{};
-}
-
-result<press_engine::outcome> press_engine::record_finish(const pending_action& action) {
-    auto place = document_.timeline().find_clip(action.clip);
-    const bool was_taken = taken_away_.contains(action.clip) || (place && !place->is_live);
-    if (was_taken) {
-        taken_away_.erase(action.clip);
-        return outcome{};
-    }
-    auto edit = edit_of(action);
-    const bool is_lost = !place;
-    if (is_lost) {
-        const auto row = row_for(action, edit);
-        place = clip_place{std::make_shared<const sxy_CLIP>(
-                               new_clip_of_button(action.button, action.clip, *row, action.pressed_at)),
-                           row->uuid()};
-    }
-    auto plan = plan_finish(document_.timeline(), *place, action.button, {action.pressed_at, action.at},
-                            earliest_seconds_);
-    std::move(plan.operations.begin(), plan.operations.end(), std::back_inserter(edit.operations));
-    const std::string name = edit.name;
-    if (auto applied = document_.apply(std::move(edit)); !applied) return applied.error();
-    made_clips_.push_back(std::move(plan.clip));
-    if (is_lost) made_again.emit(name);
-    return outcome{made_kind::clip, false};
-}
-
-// The rows of the buttons that take no qualifiers; a row that another button feeds as well is not among them.
-std::unordered_set<shared_text> press_engine::rows_without_qualifiers() const {
-    std::unordered_set<shared_text> blocked;
-    std::unordered_set<shared_text> open;
-    for (const auto& button : buttons_) {
-        if (!button->is(button_type::clip)) continue;
-        const auto row = row_of_button(document_.timeline(), *button);
-        if (row) (button->block_qualifiers() ? blocked : open).insert(row->uuid());
-    }
-    for (const auto& row : open) blocked.erase(row);
-    return blocked;
-}
-
-bool press_engine::takes_no_qualifiers(const clip_place& place,
-                                       const std::unordered_set<shared_text>& rows) const {
-    if (place.is_live) {
-        for (const auto& state : down_) {
-            if (state.clip != place.clip->id()) continue;
-            const auto* grown_by = button(state.down.button);
-            return grown_by && grown_by->block_qualifiers();
-        }
-    }
-    return rows.contains(place.row);
-}
-
-result<press_engine::outcome> press_engine::record_stamp(const pending_action& action) {
-    const auto clips = stamped_clips(document_.timeline(), action.at, made_clips_,
-                                     [this, rows = rows_without_qualifiers()](const clip_place& place) {
-                                         return takes_no_qualifiers(place, rows);
-                                     });
-    if (clips.empty()) return outcome{made_kind::nothing, true};
-    qual_ITEM item;
-    item.set_name(shared_text(action.button.name()));
-    item.set_category(shared_text(action.button.category()));
-    item.set_time(action.at);
-    item.set_real_local_time(action.time_of_day);
-    item.set_col(action.button.made_colour());
-    auto edit = edit_of(action);
-    for (const auto& clip : clips) {
-        item.set_uuid(new_uuid());
-        const auto count = document_.timeline().find_clip(clip)->clip->qualifiers()->size();
-        edit.operations.emplace_back(operation::insert_qualifier{clip, count, item});
-    }
-    if (auto applied = document_.apply(std::move(edit)); !applied) return applied.error();
-    return outcome{made_kind::qualifier, false};
 }
 
 }  // namespace vistels

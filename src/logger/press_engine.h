@@ -1,79 +1,79 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "logger/markup_Button_Item.h"
+#include "logger/button_fired.h"
+#include "logger/button_set.h"
+#include "logger/press_recorder.h"
+#include "logger/press_settings.h"
 #include "timeline/files/timeline_document.h"
 #include "util/clock.h"
 #include "util/result.h"
-#include "util/shared_text.h"
 #include "util/signal.h"
 #include "util/transport.h"
 
 namespace vistels {
-
-// Why a button changed its state.
-enum class press_cause { press, link, auto_up, trigger, tab };
-// "press", "link", "auto up", "trigger", "tab"
-std::string_view press_cause_text(press_cause cause);
-
-// What a change of state made on the timeline.
-enum class made_kind { nothing, clip, qualifier, attribute };
-// "clip", "qualifier", "attribute"; empty for nothing.
-std::string_view made_kind_text(made_kind made);
-
-// One change of a button's state.
-struct button_fired {
-    double at = 0;  // seconds on the collection's clock
-    std::string button;
-    std::string name;
-    bool is_down = false;
-    press_cause cause = press_cause::press;
-    bool blocked = false;  // the state changed without the button's action
-    made_kind made = made_kind::nothing;
-    bool nothing_to_stamp = false;  // a qualifier found no clip
-    bool recorded = true;           // false: kept in memory, see press_engine::trouble
-};
 
 // A button that is down.
 struct down_button {
     std::string button;
     double since = 0;          // seconds on the collection's clock
     double clock_seconds = 0;  // the same moment on the monotonic clock
+    bool is_latched = false;   // it stays down until its next press
+};
+
+// How a button is pressed.
+struct press_manner {
+    press_cause cause = press_cause::press;  // by hand, or what else puts it down
+    bool latches = false;                    // it stays down until its next press
+    std::optional<point> place;              // where on the button, in proportions from the upper left
 };
 
 // The buttons of one code window and their states: turns presses into edits of the timeline. Main thread
 // only.
 //
-// - A press of a button that is down, or of none that there is, does nothing.
-// - Clip: at the press a clip begins to grow on the row named like the button (among several the one of its
-//   category, else the first; made when there is none, with the button's name, category and colour). At the
-//   release it goes into the row, from "secs in" before the earlier of the two moments to "secs out" after
-//   the later one; a start below the earliest time is raised to it, an end below the start too. Where it
-//   would overlap clips of its row: "merge clips" joins it with those that it overlaps or touches (the clip
-//   that starts first stays and gets the others' qualifiers); "allow overlapping clips" leaves all as they
-//   are; else it keeps the free piece that holds most of the time for which the button was down, or with none
-//   such the longest, and only when no piece is free it overlaps: no press is lost.
-// - Qualifier: at the press it is stamped on the clips that are growing; else, in each row, on the clip that
-//   started last among those that hold the time; else on the clip made last that is still there; else on the
-//   clip that ended last before the time. Clips of buttons with "block qualifiers" are passed over.
-// - None and all other types change their state only.
-// - "auto up": the release by hand counts for nothing; the button goes up by itself "auto up duration" after
-//   the press, or with "delayed up" after the release by hand. It does so when the collection's clock gets
-//   there, or when as much real time has passed (playback may stand), and the time counted is the due one.
+// States. A press of a button that is down, or of none that there is, does nothing, but: one that is latched
+// goes up at its next press; one that something else than a hand put down is the hand's from then on and goes
+// up with it. A release by hand belongs to a press by hand. "auto up": the release counts for nothing; the
+// button goes up by itself "auto up duration" after the press, or with "delayed up" after the release. While
+// the collection's time runs towards that moment it decides, else as much real time; the time counted is the
+// due one.
+//
+// What a press makes, by the button's type:
+// - Clip: a clip grows from the press on the button's row (button_set::row_of; made when there is none). At
+//   the release it goes into the row, from "secs in" before the press to "secs out" after the release; a
+//   start below the earliest time is raised to it, an end below the start too. Where it would overlap clips
+//   of its row: "merge clips" joins it with those that it overlaps or touches (the clip that starts first
+//   stays and gets the others' qualifiers); "allow overlapping clips" leaves all as they are; else it shares
+//   the time with them (overlap_rule). No press is lost.
+// - Timer Clip: the same from press to release, with a clock; its row becomes a timer row.
+// - Qualifier: stamped at the press on the clips that find_stamped_clips names. Buttons with "block
+//   qualifiers" make clips that are passed over.
+// - Attribute: by its stage it goes to the qualifiers of the last press of one, or waits for the next that is
+//   stamped somewhere, or both. Escape and jumps of the playhead make it wait no more.
+// - Trigger: goes to the button that "action link to UUID" names (`trigger_added`), else, as a mark, to the
+//   clips that a qualifier would be stamped on.
+// - None and unknown types change their state only. A renamer of any type moves the selected clips instead.
+// "last ..." and "next ...": the button beside it in its category is pressed and released at once, each
+// button once in what one press sets off. "note ...": `note_wanted`. A Cartesian button notes the place of
+// its press with the qualifier or attribute.
+//
+// A jump of the playhead out of the time from a growing clip's start to the time left ends the clip there
+// (that of an auto-up at its due time), and its button goes up. A jump within it does not: a release at an
+// earlier time is the end.
 //
 // A clip that was taken away by an edit while it grew stays away when its button goes up. One that is missing
 // without that is a loss: it is made again from what the press knows, and `made_again` tells.
 //
-// Each press and release is one edit, named after the button, with the button's UUID for scope. A press that
-// cannot be put on record is kept in memory with all that follow it, `trouble` tells, and the work is tried
-// again in order: at each further press and once a second in tick(). The states change at once all the same.
+// Each press and release is one edit, named after the button, with the button's UUID for scope; the two of a
+// clip are one step for undo. A press that cannot be put on record is kept in memory with all that follow it,
+// `trouble` tells, and the work is tried again in order: at each further press and once a second in tick().
+// The states change at once all the same.
 class press_engine {
   public:
     // Both must outlive the engine; so must what `set_transport` is given.
@@ -86,7 +86,13 @@ class press_engine {
     // Paused by the buttons that pause the movies. Null for none.
     void set_transport(transport* playing) { transport_ = playing; }
     // Clips do not start before it (the default is 0).
-    void set_earliest_time(double collection_seconds) { earliest_seconds_ = collection_seconds; }
+    void set_earliest_time(double collection_seconds) { recorder_.set_earliest_time(collection_seconds); }
+    void set_settings(press_settings settings) { recorder_.set_settings(settings); }
+    const press_settings& settings() const { return recorder_.settings(); }
+    // What a renamer works on: the UUIDs of the selected clips.
+    void set_selected_clips(std::function<std::vector<std::string>()> selected) {
+        selected_ = std::move(selected);
+    }
 
     // The timeline's times moved by that many seconds: what is down and what is not on record yet moves
     // along.
@@ -94,20 +100,29 @@ class press_engine {
 
     // Other buttons from now on; those that are down and are not among them go up at `at` first.
     void set_buttons(std::vector<button_record> buttons, double at);
-    const std::vector<button_record>& buttons() const { return buttons_; }
+    const std::vector<button_record>& buttons() const { return buttons_.all(); }
     // Null when there is none.
     const markup_Button_Item* button(std::string_view uuid) const;
     // The buttons that the key presses, in canvas order.
     std::vector<std::string> buttons_for_key(const key_stroke& key) const;
+    // The row that the button's clips go to; null when it is still to be made.
+    row_pointer row_of(const markup_Button_Item& button) const {
+        return buttons_.row_of(document_.timeline(), button);
+    }
 
     // `at` is seconds on the collection's clock in all that follow. False when the state did not change.
-    bool press(std::string_view button, double at);
-    // By hand; see "auto up".
-    bool release(std::string_view button, double at);
+    bool press(std::string_view button, double at, const press_manner& manner = {});
+    bool release(std::string_view button, double at, press_cause cause = press_cause::press);
     // All go up, whatever their options: the window closes.
     void release_all(double at);
     // The tab key: all go up but those with "ignore tab".
     void tab(double at);
+    // The Escape key: attributes wait no more; when none did, the clip begun last is given up. False: neither
+    // was there.
+    bool escape(double at);
+    // The playhead went from one time to another without playing or stepping; the turn of a loop ends clips
+    // wherever it leads to.
+    void playhead_jumped(double from, double to, bool is_loop_turn = false);
     // Called at every display tick, playing or not: auto-ups, the time on record, what could not be recorded.
     void tick(double at);
 
@@ -115,16 +130,23 @@ class press_engine {
     std::optional<down_button> down_since(std::string_view button) const;
     // In the order in which they went down.
     std::vector<down_button> down_buttons() const;
-    // When the next auto-up is due, in seconds on the collection's clock.
+    // When the next auto-up is due if the collection's time runs on, in seconds on its clock.
     std::optional<double> next_auto_up() const;
+    // Clips that grow and are not on the timeline yet, since live clips are not saved.
+    std::vector<clip_pointer> unsaved_growing() const { return recorder_.unsaved_growing(); }
 
     // Presses and releases that are not on record yet.
-    std::size_t unrecorded() const { return waiting_.size(); }
+    std::size_t unrecorded() const { return recorder_.waiting(); }
     // Tries to record them now.
-    result<void> record_waiting();
+    result<void> record_waiting() { return recorder_.record_waiting(); }
 
     // Each change of state, in firing order, after its edit.
     signal<const button_fired&> fired;
+    // A note is to be taken of the clip.
+    signal<const std::string&> note_wanted;
+    // A press added the trigger to the button of that UUID, which buttons() holds with it by now: it is to be
+    // saved with the code window.
+    signal<const std::string&, const trigger_event_ITEM&> trigger_added;
     // Why presses cannot be recorded, once when it begins (or the reason changes); an empty text when all
     // are.
     signal<const failure&> trouble;
@@ -133,61 +155,47 @@ class press_engine {
     // Other buttons were set.
     signal<> buttons_changed;
 
-    // While a button is down the time is put on record this often, for the end of its clip after a kill.
-    static constexpr double note_interval_seconds = 0.25;
-    static constexpr double retry_interval_seconds = 1;
+    static constexpr double note_interval_seconds = press_recorder::note_interval_seconds;
+    static constexpr double retry_interval_seconds = press_recorder::retry_interval_seconds;
 
   private:
+    enum class holder { hand, latch, other };
     struct button_state {
         down_button down;
-        std::string clip;              // the clip that grows; empty for other types
-        std::optional<double> due_at;  // auto-up, collection clock
-        double due_clock_seconds = 0;  // the same on the monotonic clock
+        std::string clip;  // that grows; empty for types that make none
+        holder held_by = holder::hand;
+        bool jumped_back = false;
+        std::optional<double> due_at;  // auto-up, the time that counts
+        double due_place = 0;          // the collection's time at which it comes, if that runs on
     };
-    // A press or release to be recorded, with the button as it was then.
-    struct pending_action {
-        markup_Button_Item button;
-        bool is_down = false;
-        double pressed_at = 0;
-        double at = 0;
-        std::string clip;
-        std::string time_of_day;  // of a qualifier
-    };
-    struct outcome {
-        made_kind made = made_kind::nothing;
-        bool nothing_to_stamp = false;
+    struct playhead {
+        double at = 0;             // collection's clock
+        double clock_seconds = 0;  // monotonic
     };
 
     const button_state* state_of(std::string_view button) const;
+    button_state* state_of(std::string_view button);
+    bool take_over(button_state& state, double at, const press_manner& manner);
+    void go_down(const button_record& pressed, double at, const press_manner& manner);
+    void go_up(const std::string& button, double at, press_cause cause, bool drops = false);
     void set_due(button_state& state, const markup_Button_Item& button, double from);
-    void go_up(const std::string& button, double at, press_cause cause);
+    void follow_playhead(double at);
     void release_due(double at);
-    void fire(const pending_action& action, press_cause cause);
-    result<outcome> record_first();
-    result<outcome> record(const pending_action& action);
-    result<outcome> record_begin(const pending_action& action);
-    result<outcome> record_finish(const pending_action& action);
-    row_pointer row_for(const pending_action& action, timeline_edit& edit) const;
-    void follow_edit(const timeline_edit& edit);
-    result<outcome> record_stamp(const pending_action& action);
-    static timeline_edit edit_of(const pending_action& action);
-    std::unordered_set<shared_text> rows_without_qualifiers() const;
-    bool takes_no_qualifiers(const clip_place& place, const std::unordered_set<shared_text>& rows) const;
-    void tell_trouble(const failure& reason);
+    void fire(button_fired event, const markup_Button_Item& button, std::optional<press_action> action);
+    void press_beside(const markup_Button_Item& button, double at, bool is_down);
+    std::optional<press_action> action_of_press(const button_record& pressed, const button_state& state,
+                                                const press_manner& manner) const;
+    void add_trigger(const std::string& button, const trigger_event_ITEM& trigger);
 
     timeline_document& document_;
     const clock& time_;
     transport* transport_ = nullptr;
-    double earliest_seconds_ = 0;
-    std::vector<button_record> buttons_;
-    std::vector<button_state> down_;       // in the order in which they went down
-    std::vector<std::string> made_clips_;  // the last one at the end
-    std::deque<pending_action> waiting_;
-    std::unordered_set<std::string> taken_away_;  // growing clips, by edits
-    failure trouble_;
-    double last_note_seconds_ = -1e9;   // monotonic clock
-    double last_retry_seconds_ = -1e9;  // monotonic clock
-    connection edited_;
+    button_set buttons_;
+    press_recorder recorder_;
+    std::function<std::vector<std::string>()> selected_;
+    std::vector<button_state> down_;    // in the order in which they went down
+    std::vector<std::string> pressed_;  // in what the press under way sets off
+    std::optional<playhead> playhead_;  // at the last tick, or when the first button went down
 };
 
 }  // namespace vistels

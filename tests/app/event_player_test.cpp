@@ -6,6 +6,7 @@
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
 #include "app/vaults/home_vault.h"
+#include "logger/press_engine.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
@@ -50,6 +51,57 @@ class player : public ::testing::Test {
     std::unique_ptr<open_event> opened;
     event_player operated;
 };
+
+// Whether a button that went down at 5 is down after it, with the end of its clip when it is not.
+TEST_F(player, a_jump_ends_what_is_coded_and_a_step_does_not) {
+    const auto& all = opened->logger().buttons();
+    const button_record first =
+        *std::find_if(all.begin(), all.end(), [](const auto& one) { return one->is(button_type::clip); });
+    opened->logger().set_buttons({changed_button(first,
+                                                 [](auto& button) {
+                                                     button.set_secs_in(2);
+                                                     button.set_secs_out(0);
+                                                     button.set_name("A");
+                                                 })},
+                                 0);
+    const std::string button = first->uuid();
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        bool stays_down;
+    } cases[] = {
+        {"step", [&] { operated.step(1); }, true},
+        {"step back", [&] { operated.step(-2); }, true},
+        {"pause", [&] { operated.pause(); }, true},
+        {"back within the clip", [&] { operated.seek(5.5); }, true},
+        {"out of it", [&] { operated.seek(2.9); }, false},
+        {"on", [&] { operated.jump(1); }, false},
+        {"to the end", [&] { operated.to_end(); }, false},
+        {"a clip is played", [&] { operated.play_clip("late"); }, false},
+    };
+    for (const auto& one : cases) {
+        opened->playback().seek(6);
+        ASSERT_TRUE(opened->logger().press(button, 5)) << one.what;
+        one.act();
+        EXPECT_EQ(opened->logger().is_down(button), one.stays_down) << one.what;
+        opened->logger().release_all(7);
+        const auto row = opened->timeline().timeline().row_named("A");
+        EXPECT_EQ(row->clips()[row->clips().size() - 1]->secs_end(), one.stays_down ? 7 : 6) << one.what;
+        operated.pause();
+        const auto clip = row->clips()[row->clips().size() - 1]->id();
+        ASSERT_TRUE(opened->timeline().apply({"Delete", "", {operation::remove_clip{clip}}}));
+    }
+    // The loop turns within what is coded.
+    select({"late"});
+    operated.set_looping(true);
+    opened->playback().seek(12);
+    opened->playback().play();
+    ASSERT_TRUE(opened->logger().press(button, 11));
+    loop.advance(1.5);
+    EXPECT_FALSE(opened->logger().is_down(button));
+    const auto row = opened->timeline().timeline().row_named("A");
+    EXPECT_NEAR(row->clips()[0]->secs_end(), 13, a_tick);
+}
 
 TEST_F(player, a_clip_is_played_from_its_start_to_its_end) {
     operated.set_rate(-2);

@@ -119,6 +119,32 @@ TEST_F(undo, a_row_that_was_used_since_stays) {
     EXPECT_EQ(document->timeline().live_clips().size(), 1U);
 }
 
+TEST_F(undo, a_clip_given_up_while_it_grows_is_no_step) {
+    apply("Stars", change("A", "stars", 3));
+    const std::string before = state();
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
+    apply("Stamp", stamp("N", "Q"));
+    apply({"Shot", "b", {operation::remove_clip{"N"}, operation::remove_row{shared_text("S")}}});
+    EXPECT_EQ(state(), before);
+    EXPECT_EQ(stack->undo_name(), "Stars");
+    EXPECT_TRUE(stack->undo());
+    EXPECT_TRUE(stack->redo());
+    EXPECT_EQ(state(), before);
+}
+
+// A press that moved its neighbours, made its row, and was merged or not: one step.
+TEST_F(undo, a_finished_clip_takes_what_its_edit_moved_back_with_it) {
+    const std::string before = state();
+    apply({"Shot", "b", {operation::begin_clip{shared_text("R"), clip("N", 8, 8)}}});
+    auto moved = change("A", "time_end", 8.0);
+    apply({"Shot", "b", {operation::finish_clip{"N", 8.1, 12}, moved}});
+    const std::string after = state();
+    EXPECT_TRUE(stack->undo());
+    EXPECT_EQ(state(), before);
+    EXPECT_TRUE(stack->redo());
+    EXPECT_EQ(state(), after);
+}
+
 TEST_F(undo, a_stamp_on_a_growing_clip_goes_alone_while_it_grows_and_with_it_afterwards) {
     apply("Shot", operation::begin_clip{shared_text("R"), clip_of("N", 5, 5)});
     apply("Player", stamp("N", "Q1"));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -26,6 +28,24 @@ inline markup_Button_Item button_of(const std::string& name, button_type type) {
     return button;
 }
 
+// "Q,R[X]": the qualifiers of a clip with their attributes.
+inline std::string qualifiers_text(const sxy_CLIP& clip) {
+    std::string names;
+    for (const auto& item : *clip.qualifiers()) {
+        names += (names.empty() ? "" : ",") + item.name().str();
+        std::string attributes;
+        for (const auto& one : item.attributes())
+            attributes += (attributes.empty() ? "" : ",") + one.name.str();
+        if (!attributes.empty()) names += "[" + attributes + "]";
+    }
+    return names;
+}
+
+// A time to the nanosecond: sums of times are not exact.
+inline double without_rounding(double seconds) {
+    return std::round(seconds * 1e9) / 1e9;
+}
+
 // "A 1-2(Q) 5-6; B 3-4": the clips of each row with their qualifiers, growing ones last as "live B 3".
 inline std::string clips_text(const sxy_DATA_root& timeline) {
     std::string text;
@@ -33,14 +53,10 @@ inline std::string clips_text(const sxy_DATA_root& timeline) {
         text += (text.empty() ? "" : "; ") + row->name();
         for (const auto& clip : row->clips()) {
             text += ' ';
-            append_shortest(text, clip->secs_start());
+            append_shortest(text, without_rounding(clip->secs_start()));
             text += '-';
-            append_shortest(text, clip->secs_end());
-            if (clip->qualifiers()->empty()) continue;
-            std::string names;
-            for (const auto& item : *clip->qualifiers())
-                names += (names.empty() ? "" : ",") + item.name().str();
-            text += "(" + names + ")";
+            append_shortest(text, without_rounding(clip->secs_end()));
+            if (!clip->qualifiers()->empty()) text += "(" + qualifiers_text(*clip) + ")";
         }
     }
     for (const auto& live : timeline.live_clips()) {
@@ -50,8 +66,8 @@ inline std::string clips_text(const sxy_DATA_root& timeline) {
     return text;
 }
 
-// A timeline in a folder of its own with the clip buttons A and B, the qualifiers Q and R and the button N
-// that makes nothing. The collection's clock is the loop's.
+// A timeline in a folder of its own with the clip buttons A and B, the qualifiers Q and R, the button N that
+// makes nothing, the attribute X, the timer clip T and the trigger G. The collection's clock is the loop's.
 struct coding {
     temporary_folder folder;
     unsynced_files files;
@@ -59,10 +75,13 @@ struct coding {
     std::unique_ptr<timeline_document> document;
     std::unique_ptr<press_engine> engine;
     std::vector<markup_Button_Item> buttons{
-        button_of("A", button_type::clip), button_of("B", button_type::clip),
-        button_of("Q", button_type::qualifier), button_of("R", button_type::qualifier),
-        button_of("N", button_type::none)};
-    std::string fired;  // "A+1 Q+2~ A-3!": down and up; ~ nothing to stamp; ! not recorded; (tab), (auto up)
+        button_of("A", button_type::clip),       button_of("B", button_type::clip),
+        button_of("Q", button_type::qualifier),  button_of("R", button_type::qualifier),
+        button_of("N", button_type::none),       button_of("X", button_type::attribute),
+        button_of("T", button_type::timer_clip), button_of("G", button_type::trigger)};
+    // "A+1 Q+2~ A-3!": down and up; ~ nothing to stamp; ? its attribute waits; x dropped; ! not recorded;
+    // (tab), (auto up), (link)
+    std::string fired;
     connection reporting;
 
     coding() {
@@ -74,6 +93,8 @@ struct coding {
             fired += (fired.empty() ? "" : " ") + one.name + (one.is_down ? "+" : "-");
             append_shortest(fired, one.at);
             if (one.nothing_to_stamp) fired += '~';
+            if (one.waits) fired += '?';
+            if (one.dropped) fired += 'x';
             if (!one.recorded) fired += '!';
             if (one.cause != press_cause::press)
                 fired += "(" + std::string(press_cause_text(one.cause)) + ")";
@@ -82,7 +103,13 @@ struct coding {
     }
     void set_buttons() { engine->set_buttons({buttons.begin(), buttons.end()}, 0); }
 
-    // "1+A 2-A 3tab 4": at each time a press, a release, a tab or only a tick.
+    markup_Button_Item& button(char name) {
+        return *std::find_if(buttons.begin(), buttons.end(),
+                             [&](const auto& one) { return one.name() == std::string(1, name); });
+    }
+
+    // "1+A 2-A 3tab 4": at each time a press, a release, a tab or only a tick; "1*A" latches, "1esc", "5j2"
+    // the playhead jumps to 2, "5l2" a loop turns.
     void run(const std::string& script) {
         set_buttons();
         std::istringstream steps(script);
@@ -91,12 +118,17 @@ struct coding {
             const double at = *number_from_text(step.substr(0, sign));
             if (at > loop.time().seconds()) loop.advance_to(at);
             engine->tick(at);
-            if (sign == std::string::npos) continue;
-            const std::string button = "id " + step.substr(sign + 1);
-            if (step[sign] == '+') engine->press(button, at);
-            if (step[sign] == '-') engine->release(button, at);
-            if (step.substr(sign) == "tab") engine->tab(at);
+            if (sign != std::string::npos) act(step[sign], step.substr(sign), at);
         }
+    }
+    void act(char sign, const std::string& word, double at) {
+        const std::string rest = word.substr(1);
+        if (sign == '+') engine->press("id " + rest, at);
+        if (sign == '*') engine->press("id " + rest, at, {press_cause::press, true, {}});
+        if (sign == '-') engine->release("id " + rest, at);
+        if (sign == 'j' || sign == 'l') engine->playhead_jumped(at, *number_from_text(rest), sign == 'l');
+        if (word == "tab") engine->tab(at);
+        if (word == "esc") engine->escape(at);
     }
     std::string clips() const { return clips_text(document->timeline()); }
 };

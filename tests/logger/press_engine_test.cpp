@@ -59,6 +59,7 @@ TEST(press, makes_the_clip_that_was_held_widened_by_lead_and_lag) {
          "5+A 7-A", "A 5-7"},
         {"a lag below zero does not turn the clip round", lead_and_lag(0, -9), "5+A 7-A", "A 5-5"},
         {"playback went back meanwhile", nullptr, "20+A 12-A", "A 12-20"},
+        {"a lead and lag beyond all measure", lead_and_lag(1e308, 1e308), "5+A 7-A", "A 0-1000007"},
         {"no length", nullptr, "5+A 5-A", "A 5-5"},
         {"two at once", nullptr, "5+A 6+B 7-A 8-B", "A 5-7; B 6-8"},
         {"no such button", nullptr, "5+X 6-X", ""},
@@ -66,91 +67,169 @@ TEST(press, makes_the_clip_that_was_held_widened_by_lead_and_lag) {
     });
 }
 
-TEST(press, clips_of_one_row_overlap_only_when_they_may) {
+TEST(press, clips_of_one_row_share_its_time) {
     const auto allow = of_a([](auto& a) { a.set_allow_overlapping_clips(true); });
     const auto merge = of_a([](auto& a) { a.set_merge_clips(true); });
-    // Row A has the clips 10-20 (with Q) and 30-40 before.
-    const auto after = [](setting set, bool lead = false) -> setting {
+    // Row A has the clips 8-23 (held 10-20, with Q) and 28-43 (held 30-40) before.
+    const auto after = [](setting set, double in = 2, double out = 3) -> setting {
         return [=](coding& code) {
+            lead_and_lag(2, 3)(code);
             code.run("10+A 15+Q 20-A 30+A 40-A");
+            lead_and_lag(in, out)(code);
             if (set) set(code);
-            if (lead) code.buttons[0].set_secs_in(5);
+        };
+    };
+    // The same, but the first clip was changed by hand since.
+    const auto moved_by_hand = [after](double in, double out) -> setting {
+        return [=](coding& code) {
+            after(nullptr, in, out)(code);
+            operation::change_clip change{code.document->timeline().row_named("A")->clips()[0]->id(), {}, {}};
+            change.set.set("time_end", 24.0);
+            ASSERT_TRUE(code.document->apply({"Trim", "", {change}}));
         };
     };
     expect_all({
-        {"cut at its start", after(nullptr), "18+A 25-A", "A 10-20(Q) 20-25 30-40"},
-        {"cut at its end", after(nullptr), "25+A 35-A", "A 10-20(Q) 25-30 30-40"},
-        {"cut at both", after(nullptr), "18+A 32-A", "A 10-20(Q) 20-30 30-40"},
-        {"the lead is cut", after(nullptr, true), "23+A 25-A", "A 10-20(Q) 20-25 30-40"},
-        {"the piece that was held longest", after(nullptr), "5+A 23-A", "A 5-10 10-20(Q) 30-40"},
-        {"the free piece of a moment", after(nullptr, true), "9+A 9-A", "A 4-9 10-20(Q) 30-40"},
-        {"no piece is free", after(nullptr), "12+A 15-A", "A 10-20(Q) 12-15 30-40"},
-        {"touching is no overlap", after(nullptr), "20+A 30-A", "A 10-20(Q) 20-30 30-40"},
-        {"allowed", after(allow), "18+A 35-A", "A 10-20(Q) 18-35 30-40"},
-        {"merged into the one before", after(merge), "18+A 19+R 25-A", "A 10-25(Q,R) 30-40"},
-        {"merged with one after", after(merge), "25+A 26+R 30-A", "A 10-20(Q) 25-40(R)"},
-        {"merged with both", after(merge), "20+A 35-A", "A 10-40(Q)"},
-        {"nothing met", after(merge), "22+A 28-A", "A 10-20(Q) 22-28 30-40"},
+        {"the plain split", after(nullptr, 10, 10), "60+A 60-A 75+A 75-A",
+         "A 8-23(Q) 28-43 50-67.45 67.55-85"},
+        {"the joint moved so that the new clip keeps its time", after(nullptr, 0.5, 1), "21.5+A 27-A",
+         "A 8-21.4(Q) 21.5-28 28-43"},
+        {"so that the clip before keeps its time", after(nullptr, 14, 0), "26+A 27-A",
+         "A 8-20(Q) 20.1-27 28-43"},
+        {"with both neighbours", after(nullptr, 14, 9), "24+A 25-A", "A 8-20(Q) 20.1-29.9 30-43"},
+        {"held times less than a gap apart", after(nullptr, 2, 0), "20.05+A 25-A",
+         "A 8-20(Q) 20.05-25 28-43"},
+        {"held times that overlap do so alone", after(nullptr, 2, 9), "18+A 19-A", "A 8-20(Q) 18-28 28-43"},
+        {"one within the other", after(nullptr, 0, 0), "12+A 15-A", "A 8-23(Q) 12-15 28-43"},
+        {"the same the other way round", after(nullptr, 20, 20), "25+A 27-A", "A 5-47 8-23(Q) 28-43"},
+        {"touching is no overlap", after(nullptr, 0, 0), "23+A 28-A", "A 8-23(Q) 23-28 28-43"},
+        {"a clip changed by hand stays", moved_by_hand(6, 0), "25+A 26-A", "A 8-24(Q) 24-26 28-43"},
+        {"up to the new clip's own time", moved_by_hand(6, 0), "23+A 26-A", "A 8-24(Q) 23-26 28-43"},
+        {"allowed", after(allow, 0, 0), "18+A 35-A", "A 8-23(Q) 18-35 28-43"},
+        {"merged into the one before", after(merge, 0, 0), "18+A 19+R 25-A", "A 8-25(Q,R) 28-43"},
+        {"merged with one after", after(merge, 0, 0), "25+A 26+R 28-A", "A 8-23(Q) 25-43(R)"},
+        {"merged with both", after(merge, 0, 0), "23+A 35-A", "A 8-43(Q)"},
+        {"nothing met", after(merge, 0, 0), "24+A 27-A", "A 8-23(Q) 24-27 28-43"},
     });
 }
 
-TEST(press, goes_to_the_row_of_its_name_and_makes_a_missing_one) {
+// The joint would leave nothing of a clip that was only tapped just before the next was held.
+TEST(press, is_never_cut_to_nothing) {
     coding code;
-    const auto add_row = [&](const char* uuid, const char* category) {
-        auto row = testing::row_of(uuid, "A");
-        row.set_category(category);
-        ASSERT_TRUE(code.document->apply({"Row", "", {operation::insert_row{9, row}}}));
+    lead_and_lag(0, 2)(code);
+    code.run("10+A 10-A");
+    lead_and_lag(0.03, 5)(code);
+    code.run("10.05+A 12-A");
+    EXPECT_EQ(code.clips(), "A 10-10.1 10.05-17");
+}
+
+TEST(press, goes_to_its_row_and_makes_a_missing_one) {
+    const auto row = [](const char* uuid, const char* name, const char* category) {
+        auto made = testing::row_of(uuid, name);
+        made.set_category(category);
+        return operation::insert_row{9, made};
     };
-    add_row("other", "else");
-    code.run("1+A 2-A");
-    EXPECT_EQ(code.clips(), "A 1-2") << "by its name alone";
-    add_row("same", "cat");
+    struct row_case {
+        const char* what;
+        std::vector<operation::any> rows;
+        const char* link;
+        const char* category;  // of A
+        const char* goes_to;   // "new": none of them
+    };
+    const std::vector<row_case> cases = {
+        {"name and category", {row("1", "A", "else"), row("2", "A", "cat")}, "", "cat", "2"},
+        {"the name alone is another's", {row("1", "A", "else")}, "", "cat", "new"},
+        {"a row without a category", {row("1", "A", "")}, "", "cat", "1"},
+        {"a button without one", {row("1", "A", "else")}, "", "", "1"},
+        {"several have the name", {row("1", "A", ""), row("2", "A", "else")}, "", "cat", "new"},
+        {"the row that it names", {row("1", "A", "cat"), row("2", "Z", "")}, "2", "cat", "2"},
+        {"the row of the button that it names",
+         {row("1", "A", "cat"), row("2", "B", "cat")},
+         "id B",
+         "cat",
+         "2"},
+        {"that button's row is to be made", {row("1", "A", "cat")}, "id B", "cat", "new"},
+        {"it names itself", {row("1", "A", "cat")}, "id A", "cat", "1"},
+        {"it names what is gone", {row("1", "A", "cat")}, "gone", "cat", "1"},
+    };
+    for (const auto& one : cases) {
+        coding code;
+        ASSERT_TRUE(code.document->apply({"Rows", "", one.rows}));
+        code.buttons[0].set_action_link_to(one.link);
+        code.buttons[0].set_category(one.category);
+        code.run("1+A 2-A");
+        std::string found;
+        for (const auto& each : code.document->timeline().rows()) {
+            if (each->clips().empty()) continue;
+            found = each->uuid().str().size() == 1 ? each->uuid().str() : "new";
+            EXPECT_EQ(each->clips()[0]->row_uuid_in_clip(), each->uuid());
+        }
+        EXPECT_EQ(found, one.goes_to) << one.what;
+    }
+    coding code;
     auto display = code.buttons[1].display();
     display.button_colour = colour{1, 0, 0, 1};
     code.buttons[1].set_display(display);
+    code.buttons[0].set_action_link_to("id B");
     code.run("3+A 4-A 5+B 6-B");
-    EXPECT_EQ(code.clips(), "A 1-2; A 3-4; B 5-6");
-    const auto row = code.document->timeline().row_named("B");
-    EXPECT_EQ(row->category(), "cat");
-    EXPECT_EQ(row->col(), display.button_colour);
-    EXPECT_EQ(row->clips()[0]->row_uuid_in_clip(), row->uuid());
+    EXPECT_EQ(code.clips(), "B 3-4 5-6");
+    const auto made = code.document->timeline().row_named("B");
+    EXPECT_EQ(made->category(), "cat");
+    EXPECT_EQ(made->col(), display.button_colour);
 }
 
 TEST(press, stamps_a_qualifier_where_it_belongs) {
     const auto blocks = of_a([](auto& a) { a.set_block_qualifiers(true); });
     const auto overlaps = of_a([](auto& a) { a.set_allow_overlapping_clips(true); });
+    const setting inside = [](coding& code) { code.engine->set_settings({true, 2, false}); };
+    const setting inside_blocked = [=](coding& code) { inside(code), blocks(code); };
     expect_all({
         {"growing clips", nullptr, "1+A 2+B 3+Q 4-A 5-B", "A 1-4(Q); B 2-5(Q)"},
         {"growing ones before those that hold the time", nullptr, "1+A 9-A 3+B 4+Q 5-B", "A 1-9; B 3-5(Q)"},
         {"a growing one that blocks", blocks, "1+A 2+B 3+Q 4-A 5-B", "A 1-4; B 2-5(Q)"},
+        {"one whose lag still runs", lead_and_lag(0, 3), "1+A 2-A 3+Q 4+B 5+R 6-B", "A 1-5(Q,R); B 4-6(R)"},
+        {"not any more after a jump", lead_and_lag(0, 3), "1+A 2-A 3j4 4+B 4.5+Q 6-B", "A 1-5; B 4-6(Q)"},
+        {"nor when it is over", lead_and_lag(0, 3), "1+A 2-A 6+B 7+Q 8-B", "A 1-5; B 6-8(Q)"},
         {"the last started of each row", overlaps, "1+A 9-A 3+A 9-A 2+B 8-B 5+Q", "A 1-9 3-9(Q); B 2-8(Q)"},
         {"a clip's end is behind it", nullptr, "1+A 5-A 1+B 6-B 5+Q", "A 1-5; B 1-6(Q)"},
         {"a row that blocks", blocks, "1+A 9-A 2+B 8-B 5+Q", "A 1-9; B 2-8(Q)"},
         {"else the last made", nullptr, "20+A 21-A 5+B 6-B 30+Q", "A 20-21; B 5-6(Q)"},
         {"else the last made that does not block", blocks, "5+B 6-B 20+A 21-A 30+Q", "B 5-6(Q); A 20-21"},
+        {"not one that ended long ago", nullptr, "1+A 2-A 62+Q 62.1+R", "A 1-2(Q)"},
+        {"nor one that is still to come", nullptr, "20+A 21-A 19+Q", "A 20-21"},
+        {"brought inside the clip before", inside, "1+A 5-A 9+B 10-B 6.5+Q", "A 1-5(Q); B 9-10"},
+        {"brought inside the clip after", inside, "1+A 5-A 9+B 10-B 8+Q", "A 1-5; B 9-10(Q)"},
+        {"as near to both: the one before", inside, "1+A 5-A 9+B 10-B 7+Q", "A 1-5(Q); B 9-10"},
+        {"too far from any", inside, "9+B 10-B 1+A 5-A 12.1+Q", "B 9-10; A 1-5(Q)"},
+        {"the nearest one blocks", inside_blocked, "1+A 5-A 4+B 4.5-B 6+Q", "A 1-5; B 4-4.5(Q)"},
         {"twice", nullptr, "1+A 2+Q 3-Q 4+Q 5+R 9-A", "A 1-9(Q,Q,R)"},
         {"no clip", nullptr, "1+Q", ""},
     });
     coding code;
     code.run("1+Q 2-Q");
     EXPECT_EQ(code.fired, "Q+1~ Q-2");
+    inside(code);
+    code.run("2+A 4-A 5+Q 6-Q 1+Q");
+    const auto& all = *code.document->timeline().row_named("A")->clips()[0]->qualifiers();
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_LT(all[0].time(), 4) << "within the clip";
+    EXPECT_GT(all[0].time(), 3.9);
+    EXPECT_EQ(all[1].time(), 2);
+    EXPECT_EQ(all[1].category(), "cat");
+    EXPECT_EQ(all[1].real_local_time().size(), 8U);
 }
 
-TEST(press, stamps_the_clip_that_ended_last_when_none_was_made_since_opening) {
+// What was coded before opening is not guessed at.
+TEST(press, stamps_no_clip_of_an_earlier_run_that_does_not_hold_the_time) {
     coding code;
     ASSERT_TRUE(
         code.document->apply({"Rows",
                               "",
                               {operation::insert_row{0, testing::row_of("r", "A")},
                                operation::insert_clip{shared_text("r"), testing::clip_of("c", 1, 4)},
-                               operation::insert_clip{shared_text("r"), testing::clip_of("d", 2, 3)},
-                               operation::insert_clip{shared_text("r"), testing::clip_of("e", 8, 9)}}}));
-    code.run("6+Q");
-    EXPECT_EQ(code.clips(), "A 1-4(Q) 2-3 8-9");
-    const auto item = code.document->timeline().find_clip("c")->clip->qualifiers()->front();
-    EXPECT_EQ(item.category(), "cat");
-    EXPECT_EQ(item.time(), 6);
-    EXPECT_EQ(item.real_local_time().size(), 8U);
+                               operation::insert_clip{shared_text("r"), testing::clip_of("e", 2, 9)}}}));
+    code.run("3+Q 9+R");
+    EXPECT_EQ(code.clips(), "A 1-4 2-9(Q)");
+    EXPECT_EQ(code.fired, "Q+3 R+9~");
 }
 
 TEST(press, goes_up_by_itself_by_tab_and_when_all_must) {
@@ -192,19 +271,6 @@ TEST(press, goes_up_by_itself_by_tab_and_when_all_must) {
     code.engine->set_buttons({button_of("A", button_type::clip)}, 3);
     code.engine->release_all(4);
     EXPECT_EQ(code.fired, "A+1 N+2 N-3 A-4");
-}
-
-TEST(press, an_auto_up_comes_while_playback_stands) {
-    coding code;
-    code.buttons[0].set_auto_up(true);
-    code.buttons[0].set_auto_up_duration(2);
-    code.run("10+A");
-    code.loop.advance_to(11.9);
-    code.engine->tick(10);
-    EXPECT_TRUE(code.engine->is_down("id A"));
-    code.loop.advance_to(12);
-    code.engine->tick(10);
-    EXPECT_EQ(code.clips(), "A 10-12");
 }
 
 TEST(press, that_cannot_be_recorded_is_told_and_made_up_for_in_order) {

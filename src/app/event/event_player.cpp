@@ -6,6 +6,7 @@
 
 #include "app/event/open_event.h"
 #include "app/event/shuttle.h"
+#include "logger/press_engine.h"
 #include "timeline/edits/clip_edits.h"
 #include "video/synchronised_playback.h"
 
@@ -44,7 +45,7 @@ void event_player::tick() {
     const double seconds = playback.collection_time();
     if (looping_) {
         const double to = looped(seconds, playback.rate(), loop_.start, loop_.end);
-        if (to != seconds) playback.seek(to);
+        if (to != seconds) go_to(to, true);
     } else if (play_until_ && seconds >= *play_until_) {
         play_until_.reset();
         playback.pause();
@@ -59,7 +60,7 @@ void event_player::play_or_pause() {
     if (playback.rate() < 0) playback.set_rate(1);
     // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
     if (!event_->runs_on_clock() && playback.collection_time() >= event_->end_seconds())
-        playback.seek(event_->start_seconds());
+        go_to(event_->start_seconds());
     playback.play();
 }
 
@@ -81,7 +82,7 @@ void event_player::step(int frames) {
     if (!event_) return;
     if (!event_->runs_on_clock()) return event_->playback().step(frames);
     pause();
-    jump(frames * frame_without_pictures);
+    move_to(event_->playback().collection_time() + frames * frame_without_pictures, false);
 }
 
 void event_player::jump(double seconds) {
@@ -89,11 +90,27 @@ void event_player::jump(double seconds) {
 }
 
 void event_player::seek(double seconds) {
-    if (!event_) return;
+    if (event_) move_to(seconds, true);
+}
+
+void event_player::move_to(double seconds, bool is_jump) {
     play_until_.reset();
     const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
-    event_->playback().seek(std::clamp(seconds, event_->start_seconds(), end));
+    const double within = std::clamp(seconds, event_->start_seconds(), end);
+    if (is_jump) {
+        go_to(within);
+    } else {
+        event_->playback().seek(within);
+    }
     sought.emit();
+}
+
+// What is being coded ends, or goes on, with the jump.
+void event_player::go_to(double seconds, bool is_loop_turn) {
+    synchronised_playback& playback = event_->playback();
+    const double from = playback.collection_time();
+    playback.seek(seconds);
+    event_->logger().playhead_jumped(from, playback.collection_time(), is_loop_turn);
 }
 
 void event_player::to_start() {

@@ -88,6 +88,8 @@ class event_player {
     };
 
     void tick();
+    void move_to(double seconds, bool is_jump);
+    void go_to(double seconds, bool is_loop_turn = false);
     void apply_volume();
 
     const clip_selection& selection() const;

@@ -43,6 +43,13 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
         changed.emit();
         return;
     }
+    // What grew was given up: nothing of it is left that could be taken back.
+    if (const auto dropped = growth_of(inverse, edit).begun; !dropped.empty()) {
+        for (const auto& one : dropped) begun_.erase(one);
+        forget_void_steps();
+        changed.emit();
+        return;
+    }
     part_list back = inverse.parts;
     for (const auto& ended : growing.ended) {
         if (auto begun = begun_.extract(ended)) back = joined(std::move(begun.mapped()), back);

@@ -19,9 +19,9 @@ namespace vistels {
 // document's signal and takes it back by making its inverse, which is an edit like any other and goes on
 // record like any other. What a step means each document knows (editable_document). Main thread.
 //
-// A clip that begins to grow is no step; its finish is one: taking it back takes the clip away, doing it
-// again puts the finished clip back. What a step did to a clip that is no longer there is passed over, and a
-// step of which nothing is left is forgotten.
+// A clip that begins to grow is no step, nor is one that is given up while it grows; its finish is one:
+// taking it back takes the clip away, doing it again puts the finished clip back. What a step did to a clip
+// that is no longer there is passed over, and a step of which nothing is left is forgotten.
 class undo_stack {
   public:
     // Both must outlive the stack.

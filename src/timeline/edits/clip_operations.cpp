@@ -14,16 +14,6 @@ namespace vistels {
 
 namespace {
 
-// Times that the drawings over a clip know of.
-void set_times(operation::change_clip& change, const sxy_CLIP& clip, double start, double end) {
-    change.set.set("time_start", start);
-    change.set.set("time_end", end);
-    const auto stored = write_clip_values(clip);
-    const auto* drawings = stored.dictionary("telestration");
-    if (!drawings) return;
-    change.set.set("telestration", drawings_trimmed(*drawings, {start, end}));
-}
-
 clip_span span_of(const sxy_CLIP& clip) {
     return {clip.secs_start(), clip.secs_end()};
 }
@@ -55,6 +45,16 @@ result<std::vector<clip_place>> find_whole_clips(const sxy_DATA_root& timeline,
     return places;
 }
 
+operation::change_clip plan_new_times(const sxy_CLIP& clip, clip_span span) {
+    operation::change_clip change{clip.id(), {}, {}};
+    change.set.set("time_start", span.start);
+    change.set.set("time_end", span.end);
+    const auto stored = write_clip_values(clip);
+    if (const auto* drawings = stored.dictionary("telestration"))
+        change.set.set("telestration", drawings_trimmed(*drawings, span));
+    return change;
+}
+
 property_dictionary drawings_trimmed(property_dictionary drawings, clip_span span) {
     drawings.set("telestration_secs_start_trimmed", span.start);
     drawings.set("telestration_secs_end_trimmed", span.end);
@@ -80,9 +80,7 @@ result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& time
             const bool moves_start = mark_in.has_value();
             return moves_start ? clip_starts_behind_its_end() : clip_ends_before_its_start();
         }
-        operation::change_clip change{place.clip->id(), {}, {}};
-        set_times(change, *place.clip, start, end);
-        edit.operations.emplace_back(std::move(change));
+        edit.operations.emplace_back(plan_new_times(*place.clip, {start, end}));
     }
     return edit;
 }
@@ -104,9 +102,7 @@ result<timeline_edit> plan_split_overlap(const sxy_DATA_root& timeline,
     }
     timeline_edit edit{edit_name::split_overlap, a->id(), {}};
     for (const auto& [clip, span] : {std::pair(a, split.a), std::pair(b, split.b)}) {
-        operation::change_clip change{clip->id(), {}, {}};
-        set_times(change, *clip, span.start, span.end);
-        edit.operations.emplace_back(std::move(change));
+        edit.operations.emplace_back(plan_new_times(*clip, span));
     }
     return edit;
 }

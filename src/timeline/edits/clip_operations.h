@@ -39,6 +39,9 @@ result<timeline_edit> plan_clips_Trim_Mark_in_Mark_Out(const sxy_DATA_root& time
                                                        std::optional<double> mark_in,
                                                        std::optional<double> mark_out);
 
+// Gives the clip that start and end, and its drawings with it.
+operation::change_clip plan_new_times(const sxy_CLIP& clip, clip_span span);
+
 // Splits two clips that overlap or touch, as split_overlapping does. One clip alone is split from the first
 // clip of its row, in the row's order, that it overlaps or touches. Refused when there is nothing to split or
 // one of the two is too short to give up its part.

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "logger/button_fired.h"
+#include "logger/clip_making.h"
+#include "logger/markup_Button_Item.h"
+#include "timeline/form/point.h"
+
+namespace vistels {
+
+// What a press or release has to put on record: all that it needs, so that it can be done later as well.
+// Times are seconds on the collection's clock.
+struct press_action {
+    enum class kind {
+        begin,              // a clip begins to grow
+        finish,             // and goes into its row
+        drop,               // or is given up
+        stamp,              // a qualifier
+        attribute,          // of a qualifier
+        forget_attributes,  // those that wait for one
+        trigger,
+        rename,
+    };
+    kind what = kind::begin;
+    button_record button;  // as it was then
+    double at = 0;         // of the press, or of the release
+    std::string clip;      // that grows
+    held_press held;       // of a clip that ends or is given up
+    std::string time_of_day;
+    std::optional<point> place;         // on the field of a Cartesian button, by its scales
+    std::vector<std::string> selected;  // to be renamed
+
+    void shift(double seconds) {
+        at += seconds;
+        held.pressed += seconds;
+        held.released += seconds;
+    }
+};
+
+struct press_outcome {
+    made_kind made = made_kind::nothing;
+    std::string clip;  // see button_fired
+    bool nothing_to_stamp = false;
+    bool waits = false;
+};
+
+}  // namespace vistels

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "logger/button_set.h"
+#include "logger/coded_clips.h"
+#include "logger/longest_clips.h"
+#include "logger/press_action.h"
+#include "logger/press_settings.h"
+#include "logger/qualifier_reach.h"
+#include "timeline/files/timeline_document.h"
+#include "util/clock.h"
+#include "util/result.h"
+#include "util/signal.h"
+
+namespace vistels {
+
+// Puts what presses make on record: each action is one edit of the timeline, planned when it is made. One
+// that cannot be put on record waits, with all that follow it, and is tried again in order. It knows which
+// clips grow, what presses of this run made, and which attributes wait for a qualifier. Main thread only.
+class press_recorder {
+  public:
+    struct observer {
+        // Why actions cannot be recorded, once when it begins or the reason changes; none when all are.
+        std::function<void(const failure& reason)> trouble;
+        // The clip of the button with that name got lost while it grew and was made again.
+        std::function<void(const std::string& name)> made_again;
+        // A trigger comes to the button with that UUID.
+        std::function<void(const std::string& button, const trigger_event_ITEM& trigger)> add_trigger;
+    };
+    // All must outlive it.
+    press_recorder(timeline_document& document, const clock& time, const button_set& buttons, observer told);
+    press_recorder(const press_recorder&) = delete;
+    press_recorder& operator=(const press_recorder&) = delete;
+
+    void set_settings(press_settings settings) { settings_ = settings; }
+    const press_settings& settings() const { return settings_; }
+    void set_earliest_time(double collection_seconds) { earliest_seconds_ = collection_seconds; }
+
+    // After all that waits. Nothing: it waits, too.
+    std::optional<press_outcome> record(press_action action);
+    result<void> record_waiting();
+    std::size_t waiting() const { return waiting_.size(); }
+    // Called at every display tick: what waits is tried again, and while something is down the time is noted.
+    void tick(double at, bool anything_down);
+
+    bool has_waiting_attributes() const { return !waiting_attributes_.empty(); }
+    // The playhead jumped: what its clips were followed by is not running any more.
+    void end_running() { running_.clear(); }
+    void shift_times(double seconds);
+
+    // Clips that grow and are not put on record before they end.
+    std::vector<clip_pointer> unsaved_growing() const;
+
+    static constexpr double note_interval_seconds = 0.25;
+    static constexpr double retry_interval_seconds = 1;
+
+  private:
+    using kind = press_action::kind;
+    // A clip that ended, with its "secs out".
+    struct running_clip {
+        std::string clip;
+        double from = 0;
+        double until = 0;
+    };
+    struct growing_clip {
+        std::optional<shared_text> row_made;  // for it
+        std::shared_ptr<sxy_CLIP> unsaved;    // null: the timeline has it
+    };
+    struct stamped_qualifier {
+        std::string clip;
+        std::string qualifier;
+    };
+    using qualifier_rows = std::unordered_set<shared_text>;
+
+    result<press_outcome> record_first();
+    result<press_outcome> make(const press_action& action);
+    result<press_outcome> begin(const press_action& action);
+    result<press_outcome> finish(const press_action& action);
+    result<press_outcome> drop(const press_action& action);
+    result<press_outcome> stamp(const press_action& action);
+    result<press_outcome> add_attribute(const press_action& action);
+    result<press_outcome> add_trigger(const press_action& action);
+    result<press_outcome> rename(const press_action& action);
+
+    timeline_edit edit_of(const press_action& action) const;
+    result<void> apply(timeline_edit edit);
+    row_pointer row_for(const press_action& action, timeline_edit& edit) const;
+    std::optional<clip_place> place_of_growing(const press_action& action, timeline_edit& edit,
+                                               bool& is_lost);
+    void note_finish(const press_action& action, const planned_finish& plan, const pressed_span& pressed);
+    stamped_clips reach(double at) const;
+    void put_qualifier(timeline_edit& edit, const std::string& clip, const qual_ITEM& item);
+    void put_attribute(timeline_edit& edit, const stamped_qualifier& on,
+                       const clip_attribute_ITEM& attribute);
+    void put_trigger(timeline_edit& edit, const std::string& clip, const trigger_event_ITEM& trigger);
+    void change_unsaved(const std::string& clip, std::function<void(sxy_CLIP&)> change);
+    const sxy_CLIP* unsaved(const std::string& clip) const;
+    qualifier_rows rows_without_qualifiers() const;
+    bool takes_no_qualifiers(const clip_place& place, const qualifier_rows& rows) const;
+    void follow_edit(const timeline_edit& edit);
+    void tell_trouble(const failure& reason);
+
+    timeline_document& document_;
+    const clock& time_;
+    const button_set& buttons_;
+    const observer observer_;
+    press_settings settings_;
+    double earliest_seconds_ = 0;
+    std::deque<press_action> waiting_;
+    failure trouble_;
+    double last_note_seconds_ = -1e9;   // monotonic clock
+    double last_retry_seconds_ = -1e9;  // monotonic clock
+
+    std::map<std::string, growing_clip> growing_;
+    std::unordered_set<std::string> taken_away_;  // growing clips, by edits
+    coded_clips coded_;
+    longest_clips longest_;
+    std::vector<running_clip> running_;
+    std::vector<stamped_qualifier> last_stamped_;
+    std::vector<clip_attribute_ITEM> waiting_attributes_;
+    // Changes of unsaved clips that an edit brings along, made when it is on record.
+    std::vector<std::function<void()>> with_edit_;
+    connection edited_;
+};
+
+}  // namespace vistels
