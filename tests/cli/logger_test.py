@@ -48,6 +48,45 @@ class Logger(CommandTest):
                          [(8, 21), (38, 46)])
         self.assertEqual(rows[0]["clips"][0]["qualifiers"]["qualifiers_array"][0]["category"], "Outcome")
 
+    def test_resave_keeps_everything_that_belongs_to_the_buttons(self):
+        odd = {"version markup": 3, "array objects": ["no button", BUTTONS["array objects"][0],
+                                                      {"uuid": "P", "UUID pic": "42", "jump on": "press"}, 7]}
+        self.write(self.event / "Logger/button dict.plist", odd)
+        self.write(self.event / "Logger/logger offsets.plist",
+                   {"sync data dict - markup": {"source object - markup": "S"}})
+        self.write(self.event / "Logger/logger info.plist", {"ACTION and CAPTURE": [1], "big scroller offset x": 3})
+        (self.event / "Logger/pic 42.png").write_bytes(b"picture")
+        self.assertEqual(self.printed("logger", "show", self.event), odd)
+        self.printed("logger", "resave", self.event, "--to", self.folder / "new")
+        for name in ("button dict.plist", "logger offsets.plist", "logger info.plist"):
+            self.assertEqual(plistlib.loads((self.folder / "new/Logger" / name).read_bytes()),
+                             plistlib.loads((self.event / "Logger" / name).read_bytes()), name)
+        self.assertEqual((self.folder / "new/Logger/pic 42.png").read_bytes(), b"picture")
+
+    def test_press_knows_every_type_and_saves_the_triggers_it_adds(self):
+        self.write(self.event / "Logger/button dict.plist", {"array objects": [
+            BUTTONS["array objects"][0], BUTTONS["array objects"][1],
+            {"uuid": "U4", "name": "Fine", "button Type": 40, "attribute stage": "Last and Next"},
+            {"uuid": "U5", "name": "Clock", "button Type": 50, "Timer Clip Offset": 90},
+            {"uuid": "U6", "name": "Set", "button Type": 60, "action link to UUID": "U1"}]})
+        done = self.press({"at": 5, "button": "Fine", "do": "down"}, {"at": 6, "button": "Clock", "do": "down"},
+                          {"at": 7, "button": "Goal", "do": "down"}, {"at": 8, "button": "Fine", "do": "up"},
+                          {"at": 9, "button": "Fine", "do": "down"}, {"at": 10, "button": "Clock", "do": "up"},
+                          {"at": 11, "button": "Set", "do": "down"}, {"at": 12, "do": "end"})
+        self.assertEqual([(one["name"], one["state"], one["made"]) for one in done["fired"]],
+                         [("Fine", "down", None), ("Clock", "down", None), ("Goal", "down", "qualifier"),
+                          ("Fine", "up", None), ("Fine", "down", "attribute"), ("Clock", "up", "clip"),
+                          ("Set", "down", None)])
+        row = plistlib.loads((self.event / "chron data.plist").read_bytes())["rows"][0]
+        self.assertTrue(row["timer_row"])
+        clip = row["clips"][0]
+        self.assertEqual((clip["time_start"], clip["time_end"], clip["timer_clip_alt_offset_minutes"]), (6, 10, 1.5))
+        attributes = clip["qualifiers"]["qualifiers_array"][0]["qualifier_attributes"]
+        self.assertEqual([(one["name"], one["time"]) for one in attributes], [("Fine", 5), ("Fine", 9)])
+        shot = self.printed("logger", "show", self.event)["array objects"][0]
+        self.assertEqual(shot["triggers"], [{"trigger_time": 11.0, "trigger_type": "going down"}])
+        self.assertEqual(shot["odd"], [1, 2.5])
+
     def test_press_tells_clips_and_header_what_they_belong_to(self):
         self.write(self.event / "video group.plist",
                    {"UUID video group": "COLLECTION", "video group name": "Final", "UUID video group quick": "4711"})
