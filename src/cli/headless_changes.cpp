@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "app/event/timeline_links.h"
 #include "app/vaults/mending.h"
 #include "cli/command_failures.h"
 #include "timeline/files/timeline_form.h"
@@ -42,6 +43,7 @@ result<void> headless_changes::open(const std::string& folder, const home_places
     if (timeline_->is_read_only()) return timeline_->read_only_reason();
     for (const auto& message : timeline_->messages()) std::cerr << message.message() << '\n';
     if (auto loaded = load(places); !loaded) return loaded;
+    if (auto saved = save_recovered_buttons(*timeline_, loop_); !saved) return saved;
     // Saved with the next save even if there is nothing to change.
     collection_->set_keeper(*timeline_);
     collection_->take_up_recovered(timeline_->recovered_others());

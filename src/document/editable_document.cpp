@@ -92,7 +92,7 @@ void editable_document::keep_on_record(editable_document& other) {
 }
 
 void editable_document::let_go(editable_document& other) {
-    is_held_back_ = is_held_back_ || (other.has_unsaved_edits() && !other.is_read_only());
+    leaves_edits_ = leaves_edits_ || (other.has_unsaved_edits() && !other.is_read_only());
     std::erase_if(kept_, [&](const auto& kept) { return kept->document == &other; });
     if (running_ && !running_->is_writing) write_when_ready();
 }
@@ -133,7 +133,7 @@ void editable_document::save_soon() {
 }
 
 void editable_document::begin_save() {
-    if (running_ || is_held_back_ || !may_save()) return;  // the end of the save that runs begins the next
+    if (running_ || is_held_back() || !may_save()) return;  // the end of the save that runs begins the next
     save_begins.emit();
     auto save = std::make_shared<running_save>();
     save->revision = revision_;
@@ -157,7 +157,7 @@ void editable_document::write_when_ready() {
     }
     auto save = running_;
     save->is_writing = true;
-    if (is_held_back_) {
+    if (is_held_back()) {
         save->work.write = [](std::vector<file_conflict>&) -> result<void> { return held_back(); };
     }
     save_queue().post([this, save] {
@@ -191,7 +191,7 @@ result<void> editable_document::end_save() {
 
 result<void> editable_document::save_now() {
     if (is_read_only()) return read_only_reason();
-    if (is_held_back_ && has_unsaved_edits()) return held_back();
+    if (is_held_back() && has_unsaved_edits()) return held_back();
     last_outcome_ = {};
     // The save that runs may be of an older revision than the one that is wanted.
     for (int attempt = 0; attempt < 2 && (running_ || has_unsaved_edits()); ++attempt) {

@@ -89,9 +89,9 @@ class editable_document {
     // document is not saved any more.
     void keep_on_record(editable_document& other);
     void let_go(editable_document& other);
-    // What the journal brought back of documents on record here they have taken up, to be saved before this
+    // What the journal brought back of the documents of that kind they have taken up, to be saved before this
     // one.
-    void note_taken_up() { is_held_back_ = false; }
+    void note_taken_up(document_kind kind) { std::erase(held_back_for_, kind); }
 
     // What undo asks of the kinds of documents, of which parts each knows its own.
     // What of the change can be done as things are now; null when nothing can.
@@ -155,8 +155,8 @@ class editable_document {
     void schedule_save();
     // Keeps the conflict and tells it.
     void tell(file_conflict found);
-    // The journal alone holds edits of other documents: nothing is saved before note_taken_up().
-    void hold_back() { is_held_back_ = true; }
+    // The journal alone holds edits of a document of that kind: nothing is saved before note_taken_up().
+    void hold_back_for(document_kind kind) { held_back_for_.push_back(kind); }
     // A save is on its way, or waits for another document's.
     bool is_saving() const { return running_ != nullptr; }
     // Runs `work` on the save queue, behind what waits there, and then `then` with what it returned on the
@@ -181,6 +181,7 @@ class editable_document {
         connection saved;
     };
 
+    bool is_held_back() const { return leaves_edits_ || !held_back_for_.empty(); }
     serial_queue& save_queue();
     void begin_save();
     void write_when_ready();
@@ -196,7 +197,8 @@ class editable_document {
     std::shared_ptr<running_save> running_;
     result<void> last_outcome_;
     std::vector<std::unique_ptr<kept_document>> kept_;
-    bool is_held_back_ = false;
+    std::vector<document_kind> held_back_for_;
+    bool leaves_edits_ = false;  // of a document that was let go with unsaved ones: to the journal
     posted_work_guard guard_;
     std::unique_ptr<serial_queue> queue_;  // when it is first needed
 };

@@ -220,7 +220,7 @@ void recorded_document::take_up(opening& now) {
         }
     }
     recovered_edits_ = now.journal.edits.size();
-    if (!recovered_others_.empty()) hold_back();
+    for (const auto& part : recovered_others_) hold_back_for(part.document.kind);
 }
 
 void recorded_document::take_up_journal(opening& now) {

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "document/document_failures.h"
 #include "video/collection_edit.h"
 #include "video/padding_movies.h"
 #include "video/video_coll_LOAD.h"
@@ -38,30 +37,13 @@ struct collection_document::padding_use {
 };
 
 collection_document::collection_document(std::string folder, run_loop& loop, file_system& files)
-    : editable_document(loop),
+    : kept_document(loop),
       folder_(std::move(folder)),
       files_(files),
       padding_use_(std::make_shared<padding_use>()) {}
 
 collection_document::~collection_document() {
-    end_saving();
-    if (keeper_) keeper_->let_go(*this);
-}
-
-void collection_document::set_keeper(editable_document& keeper) {
-    keeper_ = &keeper;
-    keeper.keep_on_record(*this);
-    access_ = keeper.access_changed.connect([this] { access_changed.emit(); });
-}
-
-const failure& collection_document::read_only_reason() const {
-    static const failure none;
-    return keeper_ ? keeper_->read_only_reason() : none;
-}
-
-std::function<result<void>()> collection_document::edit_sync() {
-    if (keeper_) return keeper_->edit_sync();
-    return [] { return result<void>(); };
+    close();
 }
 
 void collection_document::take_up(loaded_collection read) {
@@ -71,18 +53,6 @@ void collection_document::take_up(loaded_collection read) {
     is_taken_up_ = true;
     parts_changed_ = false;
     note_saved_state();
-}
-
-result<void> collection_document::make(document_edit edit) {
-    if (keeper_) return keeper_->make(std::move(edit));
-    for (const auto& part : edit.parts) {
-        if (find(part.document) != this) return other_not_open();
-    }
-    if (auto done = change_others(edit.parts); !done) return done;
-    follow_others(edit.parts);
-    const document_edit back{edit.name, edit.scope, reversed(edit.parts), true};
-    made.emit(edit, back);
-    return {};
 }
 
 result<void> collection_document::change(const document_change& change) {
@@ -115,7 +85,7 @@ void collection_document::take_up_recovered(const std::vector<document_part>& pa
         (void)apply_collection_edit(record_, edit, edit_manner::lenient);
         note_change(changes_movie_parts(edit));
     }
-    if (keeper_) keeper_->note_taken_up();
+    note_taken_up_here();
 }
 
 bool collection_document::only_sets_values(const document_change& change) const {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "document/editable_document.h"
+#include "document/kept_document.h"
 #include "util/file_system.h"
 #include "util/result.h"
 #include "util/run_loop.h"
@@ -16,11 +16,10 @@ namespace vistels {
 
 class blank_vistel_movie;
 
-// An open collection: its record, and what of it the files hold. It has no journal of its own: its edits are
-// on record in that of its timeline, the keeper, on the volume before the collection's files are replaced.
-// What lasts only as long as the event is looked at (movie time, volume, the enlarged vistel) is saved along,
-// or by note_values(). Main thread.
-class collection_document : public editable_document {
+// An open collection: its record, and what of it the files hold. Its keeper is its timeline. What lasts only
+// as long as the event is looked at (movie time, volume, the enlarged vistel) is saved along, or by
+// note_values(). Main thread.
+class collection_document : public kept_document {
   public:
     // Empty, and not saved, until take_up().
     collection_document(std::string folder, run_loop& loop, file_system& files = machine_files());
@@ -28,20 +27,9 @@ class collection_document : public editable_document {
     ~collection_document() override;
 
     document_id id() const override { return {document_kind::collection, record_.uuid()}; }
-    // Without a keeper the edit is on record once it is saved.
-    result<void> make(document_edit edit) override;
     bool only_sets_values(const document_change& change) const override;
     std::optional<document_part> joined(const document_part& earlier,
                                         const document_part& later) const override;
-
-    // As its keeper is; without one it can be written.
-    bool is_read_only() const override { return keeper_ && keeper_->is_read_only(); }
-    const failure& read_only_reason() const override;
-    bool is_held_elsewhere() const override { return keeper_ && keeper_->is_held_elsewhere(); }
-    std::function<result<void>()> edit_sync() override;
-
-    // Its edits go on record in that journal from now on; `keeper` must outlive this.
-    void set_keeper(editable_document& keeper);
 
     const std::string& folder() const { return folder_; }
     const video_collection_ROOT& record() const { return record_; }
@@ -75,8 +63,6 @@ class collection_document : public editable_document {
 
     const std::string folder_;
     file_system& files_;
-    editable_document* keeper_ = nullptr;
-    connection access_;
     blank_vistel_movie* blank_ = nullptr;
     video_collection_ROOT record_;
     property_dictionary saved_record_;

@@ -9,12 +9,12 @@
 #include "app/event/offset_changes.h"
 #include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
+#include "app/settings/code_window_settings.h"
 #include "app/settings/settings.h"
 #include "app/settings/state_log.h"
 #include "app/settings/user_name.h"
 #include "app/vaults/mending.h"
-#include "logger/logger_Dict_funcs.h"
-#include "logger/logger_settings.h"
+#include "logger/code_window_change.h"
 #include "logger/press_engine.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
@@ -67,7 +67,7 @@ open_event::open_event(std::string folder, home_places places, run_loop& loop)
 struct open_event::what_was_read {
     double movie_time = 0;
     double top_speed = 0;
-    std::vector<markup_Button_Item> buttons;
+    press_settings presses;
     undo_history history;
 };
 
@@ -112,6 +112,7 @@ result<void> open_event::load() {
     read_->top_speed = load_playback_top_speed(places_).rate;
     application_volume_ = kept_application_volume_ = load_application_volume(places_);
     read_code_window();
+    read_->presses = load_press_settings(places_);
     read_->history = load_undo_history(places_, timeline_->timeline().uuid(), timeline_->opened_file());
     return {};
 }
@@ -131,6 +132,7 @@ void open_event::begin() {
     }
     timeline_->begin();
     collection_.begin();
+    code_window_->begin();
     if (has_new_numbers_ && !timeline_->is_read_only()) collection_.note_change(false);
 }
 
@@ -146,7 +148,16 @@ void open_event::begin_presses(what_was_read& read) {
     logger_->set_transport(playback_.get());
     presses_ = std::make_unique<tick_task>(playback_->ticks(), tick_step::presses, [this] { tick(); });
     logger_->set_earliest_time(playback_->first_time());
-    logger_->set_buttons(std::move(read.buttons), playback_->collection_time());
+    logger_->set_settings(read.presses);
+    logger_->set_selected_clips([this] {
+        std::vector<std::string> clips;
+        for (const auto& place : view_->selection().clips()) clips.push_back(place.clip->id());
+        return clips;
+    });
+    show_buttons();
+    buttons_ = code_window_->changed.connect([this] { show_buttons(); });
+    triggers_ = logger_->trigger_added.connect(
+        [this](const std::string& button, const trigger_event_ITEM&) { keep_trigger(button); });
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     made_again_ = logger_->made_again.connect([this](const std::string& button) {
         log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
@@ -185,6 +196,7 @@ void open_event::take_up_collection(loaded_collection read) {
 struct open_event::what_was_read_again {
     result<loaded_collection> collection = loaded_collection();
     undo_history history;
+    std::optional<code_window> buttons;  // none: they stay as they are
 };
 
 void open_event::prepare_to_write(bool take_over) {
@@ -192,6 +204,7 @@ void open_event::prepare_to_write(bool take_over) {
     auto again = std::make_unique<what_was_read_again>();
     if (has_collection_) again->collection = load_collection(folder_, places_.local_vistels());
     if (!again->collection) timeline_->forget_prepared();
+    if (auto loaded = load_code_window(code_window_->folder())) again->buttons = std::move(loaded).value();
     again->history = load_undo_history(places_, timeline_->timeline().uuid(), timeline_->prepared_file());
     again_ = std::move(again);
 }
@@ -200,8 +213,12 @@ result<void> open_event::write_prepared() {
     const auto again = std::exchange(again_, nullptr);
     if (again && !again->collection) return again->collection.error();
     const connection access = timeline_->access_changed.connect([&] { take_up_history(again->history); });
-    if (auto taken = timeline_->write_prepared(); !taken || !has_collection_) return taken;
+    if (auto taken = timeline_->write_prepared(); !taken) return taken;
     // What the other program saved meanwhile is not written over.
+    if (again && again->buttons) code_window_->take_up(std::move(*again->buttons), true);
+    code_window_->take_up_recovered(timeline_->recovered_others());
+    show_buttons();
+    if (!has_collection_) return {};
     take_up_collection(std::move(again->collection).value());
     collection_.take_up_recovered(timeline_->recovered_others());
     if (has_new_numbers_) collection_.note_change(false);
@@ -306,26 +323,52 @@ void open_event::feed_volume() {
 }
 
 // A code window that cannot be read is not written over; a general one stands in for it.
+code_window open_event::code_window_to_show(bool& is_kept) {
+    const std::string& folder = code_window_->folder();
+    is_kept = false;
+    if (has_button_dict(folder)) {
+        auto loaded = load_code_window(folder);
+        is_kept = loaded.ok();
+        if (loaded) return std::move(loaded).value();
+        messages_.push_back(general_code_window_is_shown(loaded.error()));
+        return {general_code_window(), {}, {}};
+    }
+    code_window general{general_code_window(), load_logger_settings(folder), load_logger_offsets(folder)};
+    if (!has_collection_) return general;
+    general.settings.linked_timeline_uuid = timeline_->timeline().uuid();
+    const auto saved = save_code_window(general, folder);
+    is_kept = saved.ok();
+    if (!saved) messages_.push_back(saved.error());
+    return general;
+}
+
+// A timeline's code window may lie beside it.
 void open_event::read_code_window() {
-    std::string logger_folder = logger_folder_of(folder_);
-    // A timeline's code window may lie beside it.
-    if (!has_collection_ && has_button_dict(folder_)) logger_folder = folder_;
-    button_dict buttons;
-    if (has_button_dict(logger_folder)) {
-        auto loaded = load_button_dict(logger_folder);
-        if (!loaded) messages_.push_back(general_code_window_is_shown(loaded.error()));
-        buttons = loaded ? std::move(loaded).value() : general_code_window();
-    } else {
-        buttons = general_code_window();
-    }
-    if (has_collection_ && !has_button_dict(logger_folder)) {
-        auto settings = load_logger_settings(logger_folder);
-        settings.linked_timeline_uuid = timeline_->timeline().uuid();
-        auto saved = save_button_dict(buttons, logger_folder);
-        if (saved) saved = save_logger_settings(settings, logger_folder);
-        if (!saved) messages_.push_back(saved.error());
-    }
-    read_->buttons = std::move(buttons.buttons);
+    const bool lies_beside = !has_collection_ && has_button_dict(folder_);
+    code_window_ =
+        std::make_unique<code_window_document>(lies_beside ? folder_ : logger_folder_of(folder_), loop_);
+    code_window_->wait_to_begin();
+    bool is_kept = false;
+    auto window = code_window_to_show(is_kept);
+    code_window_->take_up(std::move(window), is_kept);
+    code_window_->set_keeper(*timeline_);
+    code_window_->take_up_recovered(timeline_->recovered_others());
+}
+
+void open_event::show_buttons() {
+    logger_->set_buttons(code_window_->window().buttons.buttons, playback_->collection_time());
+}
+
+// The press has put it on the button; it goes on record as an edit of the code window.
+void open_event::keep_trigger(const std::string& button) {
+    const auto& all = logger_->buttons();
+    const auto changed =
+        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == button; });
+    if (changed == all.end()) return;
+    auto part = plan_button(code_window_->window(), *changed);
+    if (!part) return;
+    const button_record kept = *changed;
+    if (!timeline_->make({kept->name(), kept->uuid(), {std::move(*part)}})) code_window_->replace(kept);
 }
 
 // The engine is told the time as long as it has something to wait for.
@@ -428,28 +471,34 @@ void open_event::note_position() {
     timeline_->header().cursor_seconds = playback_->collection_time();
 }
 
+std::vector<editable_document*> open_event::documents() {
+    return {code_window_.get(), &collection_, timeline_.get()};
+}
+
 void open_event::open_saving() {
-    for (editable_document* one :
-         {static_cast<editable_document*>(timeline_.get()), static_cast<editable_document*>(&collection_)}) {
-        failure& own = one == &collection_ ? collection_problem_ : timeline_problem_;
-        const failure& other = one == &collection_ ? timeline_problem_ : collection_problem_;
+    problems_.assign(documents().size(), {});
+    std::size_t at = 0;
+    for (editable_document* one : documents()) {
         saves_.push_back(one->save_begins.connect([this] { note_position(); }));
-        saves_.push_back(one->saved.connect([this, &own, &other](const failure& problem) {
-            own = problem;
-            save_ended.emit(own ? own : other);
+        saves_.push_back(one->saved.connect([this, at](const failure& problem) {
+            problems_[at] = problem;
+            const auto any = std::find_if(problems_.begin(), problems_.end(),
+                                          [](const failure& found) { return static_cast<bool>(found); });
+            save_ended.emit(problem || any == problems_.end() ? problem : *any);
         }));
+        ++at;
     }
 }
 
 bool open_event::has_unsaved_edits() const {
-    return timeline_->has_unsaved_edits() || collection_.has_unsaved_edits();
+    return timeline_->has_unsaved_edits() || collection_.has_unsaved_edits() ||
+           code_window_->has_unsaved_edits();
 }
 
 void open_event::save_soon() {
     note_position();
     collection_.note_values();
-    collection_.save_soon();
-    timeline_->save_soon();
+    for (editable_document* one : documents()) one->save_soon();
 }
 
 result<void> open_event::save_all() {
@@ -458,7 +507,9 @@ result<void> open_event::save_all() {
     note_position();
     collection_.note_values();
     auto saved_collection = collection_.save_now();
-    return saved_timeline ? saved_collection : saved_timeline;
+    auto saved_buttons = code_window_->save_now();
+    if (!saved_timeline) return saved_timeline;
+    return saved_collection ? saved_buttons : saved_collection;
 }
 
 }  // namespace vistels

@@ -10,6 +10,7 @@
 #include "app/event/collection_changes.h"
 #include "app/event/undo_stack.h"
 #include "app/settings/places.h"
+#include "logger/code_window_document.h"
 #include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
@@ -47,6 +48,7 @@ class open_event {
     const std::string& folder() const { return folder_; }
     const video_collection_ROOT& collection() const { return collection_.record(); }
     collection_document& collection_file() { return collection_; }
+    code_window_document& code_window_file() { return *code_window_; }
     // False for a timeline that belongs to no collection.
     bool has_collection() const { return has_collection_; }
     // Both are the collection's, or else the timeline's.
@@ -106,14 +108,14 @@ class open_event {
     void set_enlarged(const std::string& vistel);
     std::string enlarged() const;
 
-    // Begins to save what is unsaved of timeline and collection, with the present movie time; `save_ended`
-    // tells.
+    // Begins to save what is unsaved of timeline, collection and code window, with the present movie time;
+    // `save_ended` tells.
     void save_soon();
     // The same, and waits for it.
     result<void> save_all();
     bool has_unsaved_edits() const;
-    // A save of the timeline or of the collection ended: no failure when nothing is wrong with either, or why
-    // one could not be saved (it is tried again).
+    // A save of one of the event's documents ended: no failure when nothing is wrong with any, or why one
+    // could not be saved (it is tried again).
     signal<const failure&> save_ended;
 
     // The collection record changed.
@@ -124,7 +126,10 @@ class open_event {
     result<void> load();
     void take_up_collection(loaded_collection read);
     result<void> read_timeline();
+    code_window code_window_to_show(bool& is_kept);
     void read_code_window();
+    void show_buttons();
+    void keep_trigger(const std::string& button);
     void link_collection();
     struct what_was_read;
     void begin_playback(const what_was_read& read);
@@ -139,6 +144,7 @@ class open_event {
     double movie_time_to_restore() const;
     void note_position();
     void open_saving();
+    std::vector<editable_document*> documents();  // each before what keeps it
     void follow_presses();
     void tick();
 
@@ -156,9 +162,9 @@ class open_event {
     struct what_was_read_again;
     std::unique_ptr<what_was_read_again> again_;  // until write_prepared()
     std::unique_ptr<timeline_document> timeline_;
-    collection_document collection_;  // after its keeper
-    failure timeline_problem_;        // of the last save; none: it succeeded
-    failure collection_problem_;
+    collection_document collection_;  // after its keeper, as the code window
+    std::unique_ptr<code_window_document> code_window_;
+    std::vector<failure> problems_;  // of the last save of each document; none: it succeeded
     std::unique_ptr<clip_view> view_;
     std::unique_ptr<synchronised_playback> playback_;
     // What playback was given.
@@ -174,6 +180,8 @@ class open_event {
     connection made_;
     connection fired_;
     connection made_again_;
+    connection triggers_;
+    connection buttons_;
 };
 
 }  // namespace vistels

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/event/timeline_links.h"
 
+#include <algorithm>
+
 #include "app/event/collection_changes.h"
 #include "app/settings/user_name.h"
+#include "logger/code_window_document.h"
 #include "util/file_system.h"
 #include "util/property_list.h"
 #include "video/blank_movie.h"
@@ -65,11 +68,29 @@ result<void> save_recovered_collection(timeline_document& timeline, const home_p
 
 }  // namespace
 
+result<void> save_recovered_buttons(timeline_document& timeline, run_loop& loop) {
+    const auto& parts = timeline.recovered_others();
+    const bool has_any = std::any_of(parts.begin(), parts.end(), [](const document_part& part) {
+        return part.document.kind == document_kind::code_window;
+    });
+    if (!has_any) return {};
+    code_window_document window(logger_folder_of(timeline.folder()), loop);
+    if (has_button_dict(window.folder())) {
+        auto loaded = load_code_window(window.folder());
+        if (!loaded) return loaded.error();
+        window.take_up(std::move(loaded).value(), true);
+    }
+    window.set_keeper(timeline);
+    window.take_up_recovered(parts);
+    return window.save_now();
+}
+
 result<std::unique_ptr<timeline_document>> open_linked_timeline(const std::string& folder,
                                                                 const home_places& places, run_loop& loop) {
     auto opened = timeline_document::open(folder, loop);
     if (!opened) return opened;
     if (!opened.value()->is_read_only() && !opened.value()->recovered_others().empty()) {
+        if (auto saved = save_recovered_buttons(*opened.value(), loop); !saved) return saved.error();
         if (auto saved = save_recovered_collection(*opened.value(), places, loop); !saved)
             return saved.error();
     }

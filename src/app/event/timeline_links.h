@@ -32,9 +32,13 @@ void link_timeline(timeline_document& timeline, const timeline_links& links);
 // By how many seconds all that the journal brought back moved the timeline's times.
 double seconds_recovered(const timeline_document& timeline);
 
+// What the journal brought back of the code window that lies beside the timeline is saved before the timeline
+// is, whose file makes the journal forget it.
+result<void> save_recovered_buttons(timeline_document& timeline, run_loop& loop);
+
 // Opens the timeline in `folder` (made when missing) to be changed without a window: edits go on record under
 // the user's name, and header and clips get what they get in a window. What the journal brings back of the
-// collection is made and saved first.
+// collection and of the code window is made and saved first.
 result<std::unique_ptr<timeline_document>> open_linked_timeline(const std::string& folder,
                                                                 const home_places& places, run_loop& loop);
 
