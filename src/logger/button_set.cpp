@@ -50,23 +50,51 @@ const markup_Button_Item& button_set::row_owner(const markup_Button_Item& button
     return *owner;
 }
 
-row_pointer button_set::row_of(const sxy_DATA_root& timeline, const markup_Button_Item& button) const {
+// `rows_named` hands each row of a name, in their order, to a function until that returns true.
+template <class Rows_named>
+row_pointer button_set::row_among(const sxy_DATA_root& timeline, const markup_Button_Item& button,
+                                  const Rows_named& rows_named) const {
     const markup_Button_Item& owner = row_owner(button);
     if (const std::string linked = owner.action_link_to(); !linked.empty()) {
         if (auto row = timeline.row(shared_text(linked))) return row;
     }
-    const std::string name = owner.name();
     const std::string category = owner.category();
-    row_pointer named;
+    row_pointer same, named;
     std::size_t same_names = 0;
-    for (const auto& row : timeline.rows()) {
-        if (row->name() != name) continue;
+    rows_named(owner.name(), [&](const row_pointer& row) {
         const std::string of_row = row->category();
-        if (of_row == category) return row;
-        ++same_names;
+        if (of_row == category) same = row;
         if (of_row.empty() || category.empty()) named = row;
-    }
+        ++same_names;
+        return same != nullptr;
+    });
+    if (same) return same;
     return same_names == 1 ? named : nullptr;
+}
+
+row_pointer button_set::row_of(const sxy_DATA_root& timeline, const markup_Button_Item& button) const {
+    return row_among(timeline, button, [&](const std::string& name, const auto& take) {
+        for (const auto& row : timeline.rows()) {
+            if (row->name() == name && take(row)) return;
+        }
+    });
+}
+
+std::vector<row_pointer> button_set::rows_of_all(const sxy_DATA_root& timeline) const {
+    std::unordered_map<std::string, std::vector<row_pointer>> by_name;
+    for (const auto& row : timeline.rows()) by_name[row->name()].push_back(row);
+    std::vector<row_pointer> rows;
+    rows.reserve(buttons_.size());
+    for (const auto& button : buttons_) {
+        rows.push_back(row_among(timeline, *button, [&](const std::string& name, const auto& take) {
+            const auto found = by_name.find(name);
+            if (found == by_name.end()) return;
+            for (const auto& row : found->second) {
+                if (take(row)) return;
+            }
+        }));
+    }
+    return rows;
 }
 
 }  // namespace vistels

@@ -34,12 +34,18 @@ class button_set {
     // the one with its name and category; else, when one row alone has the name and one of the two categories
     // is empty, that one. Null when it is still to be made.
     row_pointer row_of(const sxy_DATA_root& timeline, const markup_Button_Item& button) const;
+    // The same for all buttons at once, in their order.
+    std::vector<row_pointer> rows_of_all(const sxy_DATA_root& timeline) const;
 
   private:
     struct text_hash {
         using is_transparent = void;
         std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
     };
+
+    template <class Rows_named>
+    row_pointer row_among(const sxy_DATA_root& timeline, const markup_Button_Item& button,
+                          const Rows_named& rows_named) const;
 
     std::vector<button_record> buttons_;
     std::unordered_map<std::string, std::size_t, text_hash, std::equal_to<>> places_;

@@ -106,7 +106,7 @@ class press_recorder {
     void change_unsaved(const std::string& clip, std::function<void(sxy_CLIP&)> change);
     const sxy_CLIP* unsaved(const std::string& clip) const;
     qualifier_rows rows_without_qualifiers() const;
-    bool takes_no_qualifiers(const clip_place& place, const qualifier_rows& rows) const;
+    bool takes_no_qualifiers(const clip_place& place, std::optional<qualifier_rows>& rows) const;
     void follow_edit(const timeline_edit& edit);
     void tell_trouble(const failure& reason);
 

@@ -49,26 +49,29 @@ void name_anew(std::vector<clip_attribute_ITEM>& attributes) {
 
 // The rows of the buttons that take no qualifiers; a row that another button feeds as well is not among them.
 press_recorder::qualifier_rows press_recorder::rows_without_qualifiers() const {
+    const auto& all = buttons_.all();
     const auto blocks = [](const button_record& one) {
         return one->block_qualifiers() && one->makes_clips();
     };
     qualifier_rows blocked;
-    if (std::none_of(buttons_.all().begin(), buttons_.all().end(), blocks)) return blocked;
-    for (const auto& one : buttons_.all()) {
-        if (!blocks(one)) continue;
-        if (const auto row = buttons_.row_of(document_.timeline(), *one)) blocked.insert(row->uuid());
+    if (std::none_of(all.begin(), all.end(), blocks)) return blocked;
+    const auto rows = buttons_.rows_of_all(document_.timeline());
+    for (std::size_t n = 0; n < all.size(); ++n) {
+        if (rows[n] && blocks(all[n])) blocked.insert(rows[n]->uuid());
     }
-    for (const auto& one : buttons_.all()) {
-        if (blocked.empty()) break;
-        if (blocks(one) || !one->makes_clips()) continue;
-        if (const auto row = buttons_.row_of(document_.timeline(), *one)) blocked.erase(row->uuid());
+    for (std::size_t n = 0; n < all.size(); ++n) {
+        if (rows[n] && !blocks(all[n]) && all[n]->makes_clips()) blocked.erase(rows[n]->uuid());
     }
     return blocked;
 }
 
-bool press_recorder::takes_no_qualifiers(const clip_place& place, const qualifier_rows& rows) const {
-    const auto* made_by = buttons_.find(coded_.button_of(place.clip->id()));
-    return made_by ? (*made_by)->block_qualifiers() : rows.contains(place.row);
+// By its button where a press of this run made it, else by its row; the rows are looked up when the first is
+// asked for.
+bool press_recorder::takes_no_qualifiers(const clip_place& place, std::optional<qualifier_rows>& rows) const {
+    if (const auto* made_by = buttons_.find(coded_.button_of(place.clip->id())))
+        return (*made_by)->block_qualifiers();
+    if (!rows) rows = rows_without_qualifiers();
+    return rows->contains(place.row);
 }
 
 stamped_clips press_recorder::reach(double at) const {
@@ -82,12 +85,12 @@ stamped_clips press_recorder::reach(double at) const {
         const auto* made_by = buttons_.find(coded_.button_of(clip));
         if (!made_by || !(*made_by)->block_qualifiers()) running.push_back(clip);
     }
-    return find_stamped_clips({document_.timeline(), settings_, std::move(running), coded_.made(),
-                               [this, rows = rows_without_qualifiers()](const clip_place& place) {
-                                   return takes_no_qualifiers(place, rows);
-                               },
-                               [this](const sxy_ROW& row) { return longest_.of(row); }},
-                              at);
+    std::optional<qualifier_rows> rows;
+    return find_stamped_clips(
+        {document_.timeline(), settings_, std::move(running), coded_.made(),
+         [this, &rows](const clip_place& place) { return takes_no_qualifiers(place, rows); },
+         [this](const sxy_ROW& row) { return longest_.of(row); }},
+        at);
 }
 
 // Done to a clip that grows in memory alone, when the edit is on record.

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+//
+// Measures presses of the buttons of a code window on a long timeline.
+//   bench_code_window [--short] [--clips N] [--buttons N]
+// Each press and release is timed from the call to the edit being on record in the journal, by the wall
+// clock. Exits with 1 when a target is missed.
+
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "logger/press_engine.h"
+#include "support/measure.h"
+#include "support/temporary_folder.h"
+#include "timeline/files/timeline_document.h"
+#include "util/simulated_run_loop.h"
+#include "util/uuid.h"
+
+namespace {
+
+using namespace vistels;
+using bench::median;
+using bench::stop_with;
+
+constexpr double most_seconds = 0.002;  // of the 95th percentile
+constexpr double event_seconds = 6'000;
+
+double now() {
+    timespec at{};
+    clock_gettime(CLOCK_MONOTONIC, &at);
+    return static_cast<double>(at.tv_sec) + static_cast<double>(at.tv_nsec) * 1e-9;
+}
+
+double percentile(std::vector<double> values, double share) {
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
+}
+
+// Three of four make clips, one of eight of these takes no qualifiers; the rest are qualifiers.
+std::vector<button_record> buttons_of(std::size_t count) {
+    std::vector<button_record> all;
+    for (std::size_t n = 0; n < count; ++n) {
+        markup_Button_Item button;
+        button.set_uuid(new_uuid());
+        button.set_name("Button " + std::to_string(n));
+        button.set_category("Category " + std::to_string(n % 7));
+        button.set_type(n % 4 == 3 ? button_type::qualifier : button_type::clip);
+        button.set_secs_in(5);
+        button.set_secs_out(3);
+        button.set_block_qualifiers(n % 8 == 1);
+        all.emplace_back(std::move(button));
+    }
+    return all;
+}
+
+void fill(timeline_document& document, const std::vector<button_record>& buttons, std::size_t clips) {
+    timeline_edit edit{"fill", "", {}};
+    std::mt19937_64 random(3);
+    std::vector<shared_text> rows;
+    std::vector<bool> takes_none;
+    for (const auto& button : buttons) {
+        if (!button->is(button_type::clip)) continue;
+        sxy_ROW row;
+        row.set_uuid(shared_text(new_uuid()));
+        row.set_name(button->name());
+        row.set_category(button->category());
+        edit.operations.emplace_back(operation::insert_row{rows.size(), row});
+        rows.push_back(row.uuid());
+        takes_none.push_back(button->block_qualifiers());
+    }
+    for (std::size_t n = 0; n < clips; ++n) {
+        sxy_CLIP clip;
+        clip.set_id(new_uuid());
+        const double start = static_cast<double>(random() % 6'000'000) / 1e3;
+        clip.set_secs_start(start);
+        // Where no qualifiers are taken one is as long as half the event: searches have to reach back for it.
+        const bool is_long = n < rows.size() && takes_none[n];
+        clip.set_secs_end(start + (is_long ? event_seconds / 2 : 8));
+        edit.operations.emplace_back(operation::insert_clip{rows[n % rows.size()], clip});
+    }
+    if (auto applied = document.apply(std::move(edit)); !applied) stop_with(applied.message());
+    if (auto saved = document.save_now(); !saved) stop_with(saved.message());
+}
+
+bool tell(const char* what, const std::vector<double>& seconds, bool is_judged = true) {
+    const double found = percentile(seconds, 0.95);
+    const bool is_met = !is_judged || found <= most_seconds;
+    std::printf("%-40s median %7.1f us, 95th percentile %7.1f us, longest %7.1f us%s\n", what,
+                median(seconds) * 1e6, found * 1e6, percentile(seconds, 1) * 1e6, is_met ? "" : "  MISSED");
+    return is_met;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const bool is_short = bench::take_short(count, arguments);
+    std::size_t clips = is_short ? 5'000 : 100'000;
+    std::size_t buttons = 200;
+    for (int n = 1; n + 1 < count; n += 2) {
+        (std::string(arguments[n]) == "--buttons" ? buttons : clips) = std::stoul(arguments[n + 1]);
+    }
+    const testing::temporary_folder folder;
+    simulated_run_loop loop;
+    auto opened = timeline_document::open(folder.path(), loop);
+    if (!opened) stop_with(opened.message());
+    const auto all = buttons_of(buttons);
+    fill(*opened.value(), all, clips);
+    press_engine engine(*opened.value(), loop.time());
+    engine.set_buttons(all, 0);
+
+    std::vector<double> down, up, stamp, stamp_growing;
+    std::size_t qualifiers = 0;
+    const auto telling = opened.value()->changed.connect([&](const change_set& change) {
+        if ((change.kinds & change_set::qualifiers_changed) != 0) qualifiers += change.clips.size();
+    });
+    std::vector<double> stamped;
+    std::mt19937_64 random(5);
+    const auto timed = [](std::vector<double>& into, auto&& work) {
+        const double from = now();
+        work();
+        into.push_back(now() - from);
+    };
+    const std::size_t presses = is_short ? 200 : 4'000;
+    for (std::size_t n = 0; n < presses; ++n) {
+        const double at = static_cast<double>(random() % 6'000'000) / 1e3;
+        const auto& button = *all[random() % all.size()];
+        const std::string uuid = button.uuid();
+        if (button.is(button_type::clip)) {
+            timed(down, [&] { engine.press(uuid, at); });
+            const std::string label = all[3]->uuid();
+            if (!button.block_qualifiers()) timed(stamp_growing, [&] { engine.press(label, at + 1); });
+            engine.release(label, at + 1);
+            timed(up, [&] { engine.release(uuid, at + 2); });
+        } else {
+            const std::size_t before = qualifiers;
+            timed(stamp, [&] { engine.press(uuid, at); });
+            engine.release(uuid, at);
+            stamped.push_back(static_cast<double>(qualifiers - before));
+        }
+        loop.advance(0.02);
+    }
+    std::printf("%zu clips, %zu buttons, %zu presses; a qualifier while nothing grows goes on %.0f clips\n",
+                clips, buttons, presses, median(stamped));
+    bool all_met = tell("press of a clip button", down);
+    all_met = tell("release of a clip button", up) && all_met;
+    all_met = tell("press of a qualifier while a clip grows", stamp_growing) && all_met;
+    all_met = tell("the same while nothing grows", stamp, false) && all_met;
+    if (engine.unrecorded() != 0) stop_with("presses were not recorded");
+    return all_met || is_short ? 0 : 1;
+}
