@@ -355,6 +355,17 @@ void open_event::read_code_window() {
     code_window_->take_up_recovered(timeline_->recovered_others());
 }
 
+bool open_event::code_window_is_linked_elsewhere() const {
+    const std::string& linked = code_window_->window().settings.linked_timeline_uuid;
+    return !linked.empty() && linked != timeline_->timeline().uuid();
+}
+
+void open_event::link_code_window() {
+    logger_settings settings = code_window_->window().settings;
+    settings.linked_timeline_uuid = timeline_->timeline().uuid();
+    code_window_->set_settings(std::move(settings));
+}
+
 void open_event::show_buttons() {
     logger_->set_buttons(code_window_->window().buttons.buttons, playback_->collection_time());
 }

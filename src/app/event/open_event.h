@@ -49,6 +49,10 @@ class open_event {
     const video_collection_ROOT& collection() const { return collection_.record(); }
     collection_document& collection_file() { return collection_; }
     code_window_document& code_window_file() { return *code_window_; }
+    // The code window names another timeline than the event's, which it presses into all the same.
+    bool code_window_is_linked_elsewhere() const;
+    // From now on it names the event's.
+    void link_code_window();
     // False for a timeline that belongs to no collection.
     bool has_collection() const { return has_collection_; }
     // Both are the collection's, or else the timeline's.

@@ -87,11 +87,23 @@ void event_notices::tell_opening() {
     if (!event_) return;
     for (auto& message : messages_of_opening(report_of(*event_))) Q_EMIT told(message);
     tell_access();
+    tell_code_window();
     if (event_->alerts().empty()) return;
     alert_timer_ = loop_.start_timer(alert_delay_seconds, false, [this] {
         alert_timer_ = 0;
         tell_alerts();
     });
+}
+
+void event_notices::tell_code_window() {
+    if (access_.is_read_only() || !event_->code_window_is_linked_elsewhere()) return;
+    Q_EMIT told({user_message::tone::warning,
+                 tr("The code window of “%1” belongs to another timeline").arg(name()),
+                 tr("What you press goes into the timeline that is open here."),
+                 {},
+                 {{tr("Continue"), {}}, {tr("Link Here"), [this] {
+                                             if (event_) event_->link_code_window();
+                                         }}}});
 }
 
 void event_notices::tell_alerts() {

@@ -56,6 +56,7 @@ class event_notices : public QObject {
   private:
     void follow_event();
     void tell_access();
+    void tell_code_window();
     void tell_alerts();
     void tell_trouble(const failure& reason);
     void tell_made_again(const std::string& button);

@@ -48,6 +48,7 @@ void window_binder::show(open_event* event) {
             engine.tab(playback.collection_time_at(at));
             return true;
         },
+        [&engine, &playback](double at) { return engine.escape(playback.collection_time_at(at)); },
         [this](double) {
             for (event_binder* one : session_.binders().all()) one->let_go();
         },

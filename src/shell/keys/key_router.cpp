@@ -127,11 +127,15 @@ bool key_router::press(QKeyEvent& event) {
     std::vector<std::string> buttons = code_.buttons_for(event);
     if (event.isAutoRepeat()) return !buttons.empty();
     const double at = event_seconds(event.timestamp(), time_.seconds());
-    if (buttons.empty())
-        return event.key() == Qt::Key_Tab && !event.modifiers() && code_.tab && code_.tab(at);
+    if (buttons.empty()) return !event.modifiers() && takes_unbound(event.key(), at);
     held_.emplace(key, buttons);
     for (const auto& button : buttons) code_.press(button, at);
     return true;
+}
+
+bool key_router::takes_unbound(int key, double at) const {
+    if (key == Qt::Key_Tab) return code_.tab && code_.tab(at);
+    return key == Qt::Key_Escape && code_.escape && code_.escape(at);
 }
 
 // Some window systems send a held key as release and press over and over, both with one time stamp, and Qt

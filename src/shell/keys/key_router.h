@@ -25,6 +25,8 @@ struct code_keys {
     std::function<void(const std::string& button, double clock_seconds)> release;
     // The tab key: true when buttons went up by it; else it moves the focus as usual.
     std::function<bool(double clock_seconds)> tab;
+    // The Escape key: true when something was given up by it; else it does what it does elsewhere.
+    std::function<bool(double clock_seconds)> escape;
     // The window is no longer the active one.
     std::function<void(double clock_seconds)> window_left;
 };
@@ -58,6 +60,7 @@ class key_router final : public QObject {
     bool override_shortcut(QKeyEvent& event);
     void end_typing(QObject* watched) const;
     bool press(QKeyEvent& event);
+    bool takes_unbound(int key, double at) const;
     bool release(QKeyEvent& event);
     bool is_unmarked_repeat(const QKeyEvent& event) const;
     void finish_releases();

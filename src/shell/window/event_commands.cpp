@@ -43,7 +43,6 @@ void event_commands::connect_event() {
     on(command::save, [this] { session_.save(); });
     on(command::undo, [this] { steps_.undo(); });
     on(command::redo, [this] { steps_.redo(); });
-    on(command::release_buttons, [this] { session_.release_buttons(); });
 }
 
 void event_commands::connect_transport() {

@@ -30,6 +30,7 @@
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/side_bar/content_side_bar.h"
 #include "shell/window/closing_questions.h"
+#include "shell/window/code_commands.h"
 #include "shell/window/event_commands.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/filter_commands.h"
@@ -100,6 +101,7 @@ main_window::~main_window() {
     panes_.reset();
     opener_.reset();
     filter_commands_.reset();
+    code_commands_.reset();
     timeline_commands_.reset();
     event_commands_.reset();
     session_->close();
@@ -118,6 +120,7 @@ void main_window::make_commands() {
     for (QAction* one : commands_->actions()) actions_->add(one);
     event_commands_ = std::make_unique<event_commands>(*actions_, *session_, event_jobs_);
     timeline_commands_ = std::make_unique<timeline_commands>(*actions_, *session_);
+    code_commands_ = std::make_unique<code_commands>(*this, *actions_, *session_, places_);
     filter_commands_ = std::make_unique<filter_commands>(*actions_, *session_, places_);
     filter_commands_->fill(*menuBar()->findChild<QMenu*>(QStringLiteral("menu.Filter")));
     vaults_ = std::make_unique<vault_commands>(*this, *content_, places_, window_jobs_, [this] {

@@ -19,6 +19,7 @@ class QMenu;
 
 namespace vistels {
 
+class code_commands;
 class code_window_view;
 class collection_commands;
 class collection_pane;
@@ -65,6 +66,7 @@ class main_window : public QMainWindow {
     window_actions& actions() { return *actions_; }
     collection_commands& collection() { return *commands_; }
     filter_commands& filters() { return *filter_commands_; }
+    code_commands& coding() { return *code_commands_; }
     pane_host& panes() { return *panes_; }
     // The pane that commands act on, and the text of its filter.
     timeline_view& timeline();
@@ -145,6 +147,7 @@ class main_window : public QMainWindow {
     std::unique_ptr<event_commands> event_commands_;
     std::unique_ptr<timeline_commands> timeline_commands_;
     std::unique_ptr<filter_commands> filter_commands_;
+    std::unique_ptr<code_commands> code_commands_;
     std::unique_ptr<vault_commands> vaults_;
     std::unique_ptr<pane_host> panes_;
     QPointer<collection_pane> collection_;  // the panes that are laid out with others

@@ -16,6 +16,7 @@
 #include "shell/event/event_session.h"
 #include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
+#include "shell/window/code_commands.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/filter_commands.h"
 #include "shell/window/main_window.h"
@@ -217,6 +218,11 @@ void window_set::connect_window(main_window& window) {
     });
     connect(&one->filters(), &filter_commands::hides_chosen, this, [this](bool hides) {
         for (const auto& other : members_) other.window->filters().set_hides(hides);
+    });
+    connect(&one->coding(), &code_commands::settings_chosen, this, [this, one](const press_settings& chosen) {
+        for (const auto& other : members_) {
+            if (other.window.get() != one) other.window->coding().set_settings(chosen);
+        }
     });
     connect(&one->session(), &event_session::application_volume_chosen, this, [this, one](double volume) {
         for (const auto& other : members_) {

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/window/code_commands.h"
+
+#include <QAction>
+#include <QInputDialog>
+#include <utility>
+
+#include "app/event/open_event.h"
+#include "app/settings/code_window_settings.h"
+#include "logger/press_engine.h"
+#include "shell/event/event_notices.h"
+#include "shell/event/event_session.h"
+#include "shell/window/window_actions.h"
+
+namespace vistels {
+
+namespace {
+
+constexpr double longest_margin_seconds = 600;
+
+}  // namespace
+
+code_commands::code_commands(QWidget& window, window_actions& actions, event_session& session,
+                             home_places places)
+    : window_(window),
+      actions_(actions),
+      session_(session),
+      places_(std::move(places)),
+      settings_(load_press_settings(places_)) {
+    const auto on = [&](command which, auto does) {
+        connect(actions_[which], &QAction::triggered, this, does);
+    };
+    on(command::release_buttons, [this] { session_.release_buttons(); });
+    on(command::bring_qualifiers_inside, [this](bool checked) {
+        press_settings coming = settings_;
+        coming.bring_qualifiers_inside_clip = checked;
+        choose(coming);
+    });
+    on(command::margin_beside_clips, [this] { ask_margin(); });
+    on(command::dont_save_live_clips, [this](bool checked) {
+        press_settings coming = settings_;
+        coming.dont_save_live_clips = checked;
+        choose(coming);
+    });
+    show_settings();
+}
+
+void code_commands::set_settings(const press_settings& settings) {
+    settings_ = settings;
+    if (open_event* event = session_.shown_event()) event->logger().set_settings(settings);
+    show_settings();
+}
+
+void code_commands::choose(const press_settings& settings) {
+    set_settings(settings);
+    session_.notices().tell_not_remembered(save_press_settings(places_, settings));
+    Q_EMIT settings_chosen(settings);
+}
+
+void code_commands::ask_margin() {
+    auto* panel = new QInputDialog(&window_);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setObjectName(QStringLiteral("margin_beside_clips"));
+    panel->setWindowTitle(tr("Margin Beside Clips"));
+    panel->setLabelText(tr("A qualifier pressed this many seconds beside a clip is brought inside it:"));
+    panel->setInputMode(QInputDialog::DoubleInput);
+    panel->setDoubleDecimals(1);
+    panel->setDoubleRange(0, longest_margin_seconds);
+    panel->setDoubleValue(settings_.margin_padding_seconds);
+    connect(panel, &QInputDialog::doubleValueSelected, this, [this](double seconds) {
+        press_settings coming = settings_;
+        coming.margin_padding_seconds = seconds;
+        choose(coming);
+    });
+    panel->open();
+}
+
+void code_commands::show_settings() {
+    actions_[command::bring_qualifiers_inside]->setChecked(settings_.bring_qualifiers_inside_clip);
+    actions_[command::margin_beside_clips]->setEnabled(settings_.bring_qualifiers_inside_clip);
+    actions_[command::dont_save_live_clips]->setChecked(settings_.dont_save_live_clips);
+}
+
+}  // namespace vistels
