@@ -62,6 +62,50 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
     EXPECT_EQ(opened->timeline().header().linked_collection, opened->collection().uuid());
 }
 
+// A trigger that a press adds to a button is on record like a clip, and is taken back like one.
+TEST_F(event, triggers_that_presses_add_to_buttons_outlive_a_kill) {
+    const std::string file = path_join(logger_folder_of(folder), button_file_name);
+    const auto triggers = [](open_event& opened) { return clip_button(opened).triggers().size(); };
+    std::string target;
+    std::string source;
+    {
+        const auto opened = open();
+        code_window window = opened->code_window_file().window();
+        target = clip_button(*opened).uuid();
+        markup_Button_Item trigger;
+        trigger.set_uuid(source = "T");
+        trigger.set_name("Whistle");
+        trigger.set_type(button_type::trigger);
+        trigger.set_action_link_to(target);
+        window.buttons.buttons.emplace_back(std::move(trigger));
+        ASSERT_TRUE(save_button_dict(window.buttons, logger_folder_of(folder)));
+    }
+    temporary_folder killed;
+    {
+        const auto opened = open();
+        const std::string before = file_bytes(file);
+        opened->logger().press(source, 6.25);
+        opened->logger().release(source, 6.25);
+        EXPECT_EQ(triggers(*opened), 1U);
+        EXPECT_EQ(file_bytes(file), before);
+        fs::copy(vault, killed / "Cup.VVault", fs::copy_options::recursive);
+        EXPECT_TRUE(opened->undo().undo());
+        EXPECT_EQ(triggers(*opened), 0U);
+        EXPECT_TRUE(opened->undo().redo());
+        EXPECT_EQ(triggers(*opened), 1U);
+    }
+    EXPECT_EQ(triggers(*open()), 1U);  // saved
+    fs::remove_all(vault);
+    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+    {
+        const auto opened = open();
+        EXPECT_EQ(triggers(*opened), 1U);
+        EXPECT_EQ(opened->undo().next_undo()->name, "Whistle");
+    }
+    EXPECT_NE(file_bytes(file).find("6.25"), std::string::npos);
+    EXPECT_EQ(triggers(*open()), 1U);  // and once
+}
+
 TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
     const auto clip_count = [](open_event& opened) { return opened.timeline().timeline().clip_count(); };
     {
