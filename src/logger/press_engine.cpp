@@ -51,9 +51,8 @@ press_engine::press_engine(timeline_document& document, const clock& time)
       recorder_(document, time, buttons_,
                 {[this](const failure& reason) { trouble.emit(reason); },
                  [this](const std::string& name) { made_again.emit(name); },
-                 [this](const std::string& button, const trigger_event_ITEM& trigger) {
-                     add_trigger(button, trigger);
-                 }}) {}
+                 [this](const std::string& button, const trigger_event_ITEM& trigger,
+                        const markup_Button_Item& pressed) { add_trigger(button, trigger, pressed); }}) {}
 
 void press_engine::set_buttons(std::vector<button_record> buttons, double at) {
     button_set coming(std::move(buttons));
@@ -77,7 +76,8 @@ std::vector<std::string> press_engine::buttons_for_key(const key_stroke& key) co
     return uuids;
 }
 
-void press_engine::add_trigger(const std::string& uuid, const trigger_event_ITEM& trigger) {
+void press_engine::add_trigger(const std::string& uuid, const trigger_event_ITEM& trigger,
+                               const markup_Button_Item& pressed) {
     const auto* target = buttons_.find(uuid);
     if (!target) return;
     buttons_.replace(changed_button(*target, [&](markup_Button_Item& button) {
@@ -85,7 +85,7 @@ void press_engine::add_trigger(const std::string& uuid, const trigger_event_ITEM
         all.push_back(trigger);
         button.set_triggers(std::move(all));
     }));
-    trigger_added.emit(uuid, trigger);
+    trigger_added.emit(uuid, trigger, pressed);
 }
 
 void press_engine::shift_times(double seconds) {

@@ -144,9 +144,9 @@ class press_engine {
     signal<const button_fired&> fired;
     // A note is to be taken of the clip.
     signal<const std::string&> note_wanted;
-    // A press added the trigger to the button of that UUID, which buttons() holds with it by now: it is to be
-    // saved with the code window.
-    signal<const std::string&, const trigger_event_ITEM&> trigger_added;
+    // The press of the last button added the trigger to the button of that UUID, which buttons() holds with
+    // it by now: it is to be saved with the code window.
+    signal<const std::string&, const trigger_event_ITEM&, const markup_Button_Item&> trigger_added;
     // Why presses cannot be recorded, once when it begins (or the reason changes); an empty text when all
     // are.
     signal<const failure&> trouble;
@@ -185,7 +185,8 @@ class press_engine {
     void press_beside(const markup_Button_Item& button, double at, bool is_down);
     std::optional<press_action> action_of_press(const button_record& pressed, const button_state& state,
                                                 const press_manner& manner) const;
-    void add_trigger(const std::string& button, const trigger_event_ITEM& trigger);
+    void add_trigger(const std::string& button, const trigger_event_ITEM& trigger,
+                     const markup_Button_Item& pressed);
 
     timeline_document& document_;
     const clock& time_;

@@ -34,8 +34,10 @@ class press_recorder {
         std::function<void(const failure& reason)> trouble;
         // The clip of the button with that name got lost while it grew and was made again.
         std::function<void(const std::string& name)> made_again;
-        // A trigger comes to the button with that UUID.
-        std::function<void(const std::string& button, const trigger_event_ITEM& trigger)> add_trigger;
+        // The press of `pressed` adds a trigger to the button with that UUID.
+        std::function<void(const std::string& button, const trigger_event_ITEM& trigger,
+                           const markup_Button_Item& pressed)>
+            add_trigger;
     };
     // All must outlive it.
     press_recorder(timeline_document& document, const clock& time, const button_set& buttons, observer told);

@@ -141,7 +141,7 @@ void press_recorder::put_attribute(timeline_edit& edit, const stamped_qualifier&
     if (!clip) return;
     const auto all = clip->qualifiers();
     const auto found = std::find_if(all->begin(), all->end(),
-                                    [&](const qual_ITEM& item) { return item.has_uuid(on.qualifier); });
+                                    [&](const qual_ITEM& item) { return item.uuid() == on.qualifier; });
     if (found == all->end()) return;
     qual_ITEM changed = *found;
     auto attributes = changed.attributes();
@@ -188,7 +188,7 @@ result<press_outcome> press_recorder::add_attribute(const press_action& action) 
 
 result<press_outcome> press_recorder::add_trigger(const press_action& action) {
     if (const auto* target = buttons_.find(action.button->action_link_to())) {
-        observer_.add_trigger((*target)->uuid(), trigger_of(action, action.at));
+        observer_.add_trigger((*target)->uuid(), trigger_of(action, action.at), *action.button);
         return press_outcome{made_kind::trigger, {}, false, false};
     }
     const auto target = reach(action.at);

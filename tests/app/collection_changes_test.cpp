@@ -370,7 +370,7 @@ TEST_F(changes, a_refused_change_changes_nothing) {
     // And one of another collection, or of a document that is not open, is not made to this one.
     const auto other = collection_part(video_collection_ROOT(), {}, {});
     for (const document_id& id :
-         {document_id{document_kind::collection, "X"}, document_id{document_kind::code_window, ""}}) {
+         {document_id{document_kind::collection, "X"}, document_id{document_kind::composer, ""}}) {
         both.others = {{id, other.change, other.back}};
         EXPECT_FALSE(event->timeline().apply(both));
     }

@@ -122,7 +122,7 @@ TEST_F(undo, a_row_that_was_used_since_stays) {
 TEST_F(undo, a_clip_given_up_while_it_grows_is_no_step) {
     apply("Stars", change("A", "stars", 3));
     const std::string before = state();
-    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip("N", 5, 5)}}});
+    apply({"Shot", "b", {row("S"), operation::begin_clip{shared_text("S"), clip_of("N", 5, 5)}}});
     apply("Stamp", stamp("N", "Q"));
     apply({"Shot", "b", {operation::remove_clip{"N"}, operation::remove_row{shared_text("S")}}});
     EXPECT_EQ(state(), before);
@@ -135,7 +135,7 @@ TEST_F(undo, a_clip_given_up_while_it_grows_is_no_step) {
 // A press that moved its neighbours, made its row, and was merged or not: one step.
 TEST_F(undo, a_finished_clip_takes_what_its_edit_moved_back_with_it) {
     const std::string before = state();
-    apply({"Shot", "b", {operation::begin_clip{shared_text("R"), clip("N", 8, 8)}}});
+    apply({"Shot", "b", {operation::begin_clip{shared_text("R"), clip_of("N", 8, 8)}}});
     auto moved = change("A", "time_end", 8.0);
     apply({"Shot", "b", {operation::finish_clip{"N", 8.1, 12}, moved}});
     const std::string after = state();

@@ -88,8 +88,8 @@ TEST(timer_clip, has_its_clock_and_makes_its_row_one_of_timers) {
 TEST(trigger, goes_to_the_button_that_it_names_or_marks_clips) {
     coding code;
     std::string added;
-    const auto telling =
-        code.engine->trigger_added.connect([&](const std::string& button, const trigger_event_ITEM& one) {
+    const auto telling = code.engine->trigger_added.connect(
+        [&](const std::string& button, const trigger_event_ITEM& one, const markup_Button_Item&) {
             added += button + " " + one.trigger_Type.str() + " ";
             append_shortest(added, one.trigger_Time);
         });

@@ -201,6 +201,7 @@ TEST(key_moments, are_those_of_the_events) {
                      [&](const std::string&, double at) { pressed.push_back(at); },
                      [&](const std::string&, double at) { released.push_back(at); },
                      [](double) { return false; },
+                     [](double) { return false; },
                      {}});
     window.show();
     window.activateWindow();

@@ -143,6 +143,7 @@ struct keyboard : public ::testing::Test {
                          [this](const std::string& button, double) { said += "+" + button + " "; },
                          [this](const std::string& button, double) { said += "-" + button + " "; },
                          [](double) { return false; },
+                         [this](double) { return gives_up; },
                          {}});
         window.show();
         window.activateWindow();
@@ -155,8 +156,29 @@ struct keyboard : public ::testing::Test {
     QLineEdit field;
     QWidget other;
     std::string said;
+    bool gives_up = false;  // what Escape would
     key_router router;
 };
+
+// Escape is the code window's as long as there is something to give up.
+TEST_F(keyboard, escape_gives_up_what_was_begun_last) {
+    struct : QObject {
+        bool eventFilter(QObject*, QEvent* event) override {
+            arrived += event->type() == QEvent::KeyPress ? 1 : 0;
+            return false;
+        }
+        int arrived = 0;
+    } seen;
+    other.installEventFilter(&seen);
+    gives_up = true;
+    QKeyEvent taken(QEvent::KeyPress, Qt::Key_Escape, {});
+    QApplication::sendEvent(&other, &taken);
+    EXPECT_EQ(seen.arrived, 0);
+    gives_up = false;
+    QKeyEvent left(QEvent::KeyPress, Qt::Key_Escape, {});
+    QApplication::sendEvent(&other, &left);
+    EXPECT_EQ(seen.arrived, 1);
+}
 
 TEST_F(keyboard, bound_keys_press_and_release_and_win_over_shortcuts) {
     QTest::keyPress(&other, Qt::Key_A);

@@ -157,7 +157,9 @@ void open_event::begin_presses(what_was_read& read) {
     show_buttons();
     buttons_ = code_window_->changed.connect([this] { show_buttons(); });
     triggers_ = logger_->trigger_added.connect(
-        [this](const std::string& button, const trigger_event_ITEM&) { keep_trigger(button); });
+        [this](const std::string& button, const trigger_event_ITEM&, const markup_Button_Item& pressed) {
+            keep_trigger(button, pressed);
+        });
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     made_again_ = logger_->made_again.connect([this](const std::string& button) {
         log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
@@ -371,7 +373,7 @@ void open_event::show_buttons() {
 }
 
 // The press has put it on the button; it goes on record as an edit of the code window.
-void open_event::keep_trigger(const std::string& button) {
+void open_event::keep_trigger(const std::string& button, const markup_Button_Item& pressed) {
     const auto& all = logger_->buttons();
     const auto changed =
         std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == button; });
@@ -379,7 +381,7 @@ void open_event::keep_trigger(const std::string& button) {
     auto part = plan_button(code_window_->window(), *changed);
     if (!part) return;
     const button_record kept = *changed;
-    if (!timeline_->make({kept->name(), kept->uuid(), {std::move(*part)}})) code_window_->replace(kept);
+    if (!timeline_->make({pressed.name(), pressed.uuid(), {std::move(*part)}})) code_window_->replace(kept);
 }
 
 // The engine is told the time as long as it has something to wait for.

@@ -133,7 +133,7 @@ class open_event {
     code_window code_window_to_show(bool& is_kept);
     void read_code_window();
     void show_buttons();
-    void keep_trigger(const std::string& button);
+    void keep_trigger(const std::string& button, const markup_Button_Item& pressed);
     void link_collection();
     struct what_was_read;
     void begin_playback(const what_was_read& read);
