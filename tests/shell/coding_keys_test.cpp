@@ -6,8 +6,10 @@
 #include <QLineEdit>
 
 #include "shell/keys/event_stamp.h"
+#include "shell/keys/key_clashes.h"
 #include "shell/keys/key_router.h"
 #include "shell/panes/timeline/timeline_view.h"
+#include "shell/window/key_map.h"
 #include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "video/synchronised_playback.h"
@@ -179,6 +181,61 @@ TEST_F(coding_keys, undo_while_a_button_is_down_leaves_it_to_come_up) {
     EXPECT_TRUE(timeline().live_clips().empty());
     for (const auto& row : timeline().rows()) {
         for (const auto& clip : row->clips()) EXPECT_LE(clip->secs_start(), clip->secs_end());
+    }
+}
+
+TEST_F(coding_keys, f1_shows_the_keys_as_long_as_it_is_held) {
+    bind("Goal", "m");
+    bind("Foul", "a");
+    auto* keys = find<key_map>("key_map");
+    EXPECT_FALSE(keys->isVisible());
+    send(*window, QEvent::KeyPress, 67, Qt::Key_F1, "");
+    ASSERT_TRUE(keys->isVisible());
+    ASSERT_EQ(keys->lines().size(), 20U);
+    EXPECT_EQ(keys->lines()[0].key, "1");
+    EXPECT_EQ(keys->lines()[6].name, "Attack");
+    EXPECT_TRUE(keys->lines()[6].warning.contains("Foul"));
+    EXPECT_EQ(keys->lines()[7].name, "Foul");
+    EXPECT_TRUE(keys->lines()[8].warning.isEmpty());
+    // It repeats, and coding goes on.
+    for (int i = 0; i < 3; ++i) {
+        send(*window, QEvent::KeyRelease, 67, Qt::Key_F1, "", {}, true);
+        send(*window, QEvent::KeyPress, 67, Qt::Key_F1, "", {}, true);
+    }
+    send(*window, QEvent::KeyPress, 40, Qt::Key_D, "d");
+    EXPECT_EQ(down(), names{"Defence"});
+    EXPECT_TRUE(keys->isVisible());
+    send(*window, QEvent::KeyRelease, 40, Qt::Key_D, "d");
+    send(*window, QEvent::KeyRelease, 67, Qt::Key_F1, "");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !keys->isVisible(); }));
+}
+
+TEST(key_clashes, are_found_by_what_the_key_types_and_holds) {
+    using binding = button_key_binding;
+    const auto typed = [](const char* chars, bool shift = false) {
+        binding made;
+        made.chars_no_mod = chars;
+        made.shift = shift;
+        made.key_code = 7;  // of another keyboard
+        return made;
+    };
+    binding coded;
+    coded.key_code = 7;
+    struct row {
+        binding a, b;
+        bool clashes;
+    };
+    const row rows[] = {{typed("g"), typed("G"), true},
+                        {typed("g"), typed("h"), false},
+                        {typed("g"), typed("g", true), false},
+                        {typed("\xC3\x84"), typed("\xC3\xA4"), true},
+                        {coded, coded, true},
+                        {coded, typed("g"), false}};
+    for (const row& each : rows) {
+        const std::vector<bound_button> both = {{"1", "One", {}, each.a}, {"2", "Two", {}, each.b}};
+        const auto clashes = find_key_clashes(both, {});
+        EXPECT_EQ(clashes[0].buttons, each.clashes ? QStringList("Two") : QStringList());
+        EXPECT_EQ(clashes[1].buttons, each.clashes ? QStringList("One") : QStringList());
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "app/event/open_event.h"
 #include "logger/press_engine.h"
+#include "shell/keys/key_clashes.h"
 #include "shell/keys/key_strokes.h"
 #include "shell/kit/controls.h"
 #include "shell/kit/icons.h"
@@ -20,7 +21,7 @@ namespace vistels {
 
 namespace {
 
-// The buttons that take a key away from the menus, joined; empty when there are none.
+// The buttons that the key presses, joined; empty when there are none.
 QString buttons_on(const QKeySequence& keys, const press_engine& engine) {
     if (keys.count() != 1) return {};
     const QKeyCombination one = keys[0];
@@ -30,6 +31,11 @@ QString buttons_on(const QKeySequence& keys, const press_engine& engine) {
         if (const auto* button = engine.button(uuid)) names << QString::fromStdString(button->name());
     }
     return names.join(QStringLiteral(", "));
+}
+
+void warn(QTreeWidgetItem& line, const QString& words) {
+    line.setText(0, words);
+    line.setIcon(0, icon(QStringLiteral("warning"), theme::current().warning));
 }
 
 void add_group(QTreeWidget& list, const QString& title, const QList<QTreeWidgetItem*>& lines) {
@@ -45,23 +51,23 @@ QList<QTreeWidgetItem*> menu_lines(const window_actions& actions, const press_en
         for (const QKeySequence& keys : action->shortcuts()) {
             auto* line = new QTreeWidgetItem({action->toolTip(), keys.toString(QKeySequence::NativeText)});
             const QString taken = engine ? buttons_on(keys, *engine) : QString();
-            if (!taken.isEmpty()) {
-                line->setText(0, QObject::tr("%1: taken by the button “%2”").arg(action->toolTip(), taken));
-                line->setIcon(0, icon(QStringLiteral("warning"), theme::current().warning));
-            }
+            if (!taken.isEmpty())
+                warn(*line, QObject::tr("%1: taken by the button “%2”").arg(action->toolTip(), taken));
             lines << line;
         }
     }
     return lines;
 }
 
-QList<QTreeWidgetItem*> button_lines(const press_engine& engine) {
+QList<QTreeWidgetItem*> button_lines(const window_actions& actions, const press_engine& engine) {
+    const std::vector<bound_button> bound = bound_buttons(engine.buttons());
+    const std::vector<key_clash> clashes =
+        find_key_clashes(bound, {actions.all().begin(), actions.all().end()});
     QList<QTreeWidgetItem*> lines;
-    for (const auto& button : engine.buttons()) {
-        const auto binding = button->display().binding;
-        if (!binding) continue;
-        const QString keys = QString::fromStdString(binding_text(*binding));
-        lines << new QTreeWidgetItem({QString::fromStdString(button->name()), keys});
+    for (std::size_t i = 0; i < bound.size(); ++i) {
+        lines << new QTreeWidgetItem({bound[i].name, bound[i].key});
+        if (clashes[i])
+            warn(*lines.back(), QObject::tr("%1: %2").arg(bound[i].name, key_clash_words(clashes[i])));
     }
     return lines;
 }
@@ -81,7 +87,7 @@ keys_window::keys_window(const window_actions& actions, open_event* event, QWidg
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     const press_engine* engine = event ? &event->logger() : nullptr;
-    if (engine) add_group(*list, tr("Code window"), button_lines(*engine));
+    if (engine) add_group(*list, tr("Code window"), button_lines(actions, *engine));
     add_group(*list, tr("Menus"), menu_lines(actions, engine));
     auto* close = make_push_button(tr("Close"), QStringLiteral("first"), this);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);

@@ -9,7 +9,7 @@ class open_event;
 class window_actions;
 
 // What every key does: those of the menus, and the buttons of the code window in use, which win where both
-// want a key. Main thread.
+// want a key; what a key does besides is a warning on its line. Main thread.
 class keys_window : public QDialog {
     Q_OBJECT
   public:

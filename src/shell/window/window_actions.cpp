@@ -155,7 +155,8 @@ constexpr action_line action_lines[] = {
      true},
     {command::next_window, "Window", "next_window", "Next Window", "Ctrl+Tab",
      "Bring the next window to the front", false},
-    {command::keys, "Help", "keys", "Keys", "F1", "What the keys do", false},
+    {command::keys, "Help", "keys", "Keys", "Shift+F1",
+     "What the keys do; hold F1 to see those of the code window’s buttons", false},
     {command::about, "Help", "about", "About Vistels", "", "About this program", false, false, true},
 };
 

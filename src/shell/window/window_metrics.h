@@ -14,8 +14,11 @@ struct window_metrics {
     int inspector_greatest_width = 400;
     int least_window_width = 1024;
     int least_window_height = 640;
-    int overlay_below_width = 1500;  // the inspector lies over the edge in windows narrower than this
-    int small_window_width = 1200;   // the side bar too
+    int overlay_below_width = 1500;      // the inspector lies over the edge in windows narrower than this
+    int small_window_width = 1200;       // the side bar too
+    int key_map_column = 240;            // least width of its columns
+    int key_map_key = 32;                // least width of a key
+    double key_map_ground_share = 0.94;  // how much it covers what is below it
 };
 inline constexpr window_metrics window_sizes;
 
