@@ -2,18 +2,23 @@
 // The code window pane under real mouse and key events.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QScrollArea>
 #include <QTest>
+#include <QTouchEvent>
+#include <algorithm>
 
 #include "logger/press_engine.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/code_window/clip_list_popover.h"
 #include "shell/panes/code_window/code_window_canvas.h"
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/program/qt_run_loop.h"
 #include "support/temporary_folder.h"
+#include "util/clock.h"
 
 namespace vistels {
 namespace {
@@ -37,25 +42,34 @@ class recording_source final : public code_window_source {
         const auto found = states.find(button);
         return found == states.end() ? code_button_state{} : found->second;
     }
-    void press(const std::string& button, double clock_seconds) override {
+    void press(const std::string& button, double clock_seconds, const QPointF& place) override {
         (*log) += "+" + button;
         EXPECT_GT(clock_seconds, 0);
+        moment = clock_seconds;
+        pressed_at = place;
+        if (refuses) return;
         states[button].is_down = true;
         states[button].down_since = now;
         states_changed.emit();
     }
-    void release(const std::string& button, double) override {
+    void release(const std::string& button, double clock_seconds) override {
         (*log) += "-" + button;
+        moment = clock_seconds;
         states[button] = {};
         states_changed.emit();
     }
     double collection_time() const override { return now; }
+    clip_list clips_of(const std::string&) const override { return {}; }
+    std::vector<bound_button> bound_buttons() const override { return {}; }
 
     std::vector<code_button> all = {button_at("a", 8, 8), button_at("b", 114, 8), button_at("c", 8, 70),
                                     button_at("d", 114, 70, 100, 46)};
     std::map<std::string, code_button_state> states;
     std::shared_ptr<std::string> log = std::make_shared<std::string>();
     double now = 5;
+    double moment = 0;  // of the last press or release
+    QPointF pressed_at;
+    bool refuses = false;
 };
 
 class code_window_pane : public ::testing::Test {
@@ -106,7 +120,7 @@ TEST_F(code_window_pane, several_are_down_at_once_and_the_header_counts_them) {
     auto* header = view_.findChild<pane_header*>();
     EXPECT_EQ(header->fact(), QStringLiteral("4 buttons"));
     QTest::mousePress(button("a"), Qt::LeftButton);
-    source_->press("c", 1);  // by a key
+    source_->press("c", 1, {});  // by a key
     EXPECT_EQ(view_.canvas().down_count(), 2U);
     EXPECT_EQ(header->fact(), QStringLiteral("2 down"));
     source_->release("c", 1);
@@ -147,6 +161,133 @@ TEST_F(code_window_pane, what_the_mouse_holds_goes_up_when_the_pane_is_left_or_g
     view_.set_source(nullptr);
     EXPECT_EQ(*log_, "+a-a+b-b+d-d+c-c");
     EXPECT_TRUE(view_.canvas().buttons().empty());
+}
+
+TEST_F(code_window_pane, each_finger_holds_its_button_until_it_is_lifted) {
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    code_window_canvas* canvas = &view_.canvas();
+    const auto at = [&](const char* uuid) { return button(uuid)->geometry().center(); };
+    QTest::touchEvent(&view_, screen.get()).press(0, at("a"), canvas);
+    QTest::touchEvent(&view_, screen.get()).stationary(0).press(1, at("d"), canvas);
+    EXPECT_EQ(*log_, "+a+d");
+    EXPECT_EQ(canvas->down_count(), 2U);
+    QTest::touchEvent(&view_, screen.get()).move(0, at("c"), canvas).move(1, QPoint(500, 500), canvas);
+    EXPECT_EQ(*log_, "+a+d");
+    QTest::touchEvent(&view_, screen.get()).release(0, at("c"), canvas).stationary(1);
+    EXPECT_EQ(*log_, "+a+d-a");
+    // What the mouse holds, too, stays down.
+    QTest::mousePress(button("d"), Qt::LeftButton);
+    QTest::touchEvent(&view_, screen.get()).release(1, QPoint(500, 500), canvas);
+    EXPECT_EQ(*log_, "+a+d-a");
+    QTest::mouseRelease(button("d"), Qt::LeftButton);
+    EXPECT_EQ(*log_, "+a+d-a-d");
+}
+
+TEST_F(code_window_pane, a_touch_counts_from_its_own_moment) {
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    code_window_canvas& canvas = view_.canvas();
+    const auto send = [&](QEvent::Type type, QEventPoint::State state, double age) {
+        const QPointF at = canvas.mapToGlobal(button("b")->geometry().center());
+        QTouchEvent event(type, screen.get(), {}, {QEventPoint(3, state, at, at)});
+        const double happened = steady_clock().seconds() - age;
+        event.setTimestamp(static_cast<quint64>(happened * 1000));
+        QApplication::sendEvent(&canvas, &event);
+        EXPECT_NEAR(source_->moment, happened, 0.002);
+    };
+    send(QEvent::TouchBegin, QEventPoint::Pressed, 0.6);
+    send(QEvent::TouchEnd, QEventPoint::Released, 0.3);
+    EXPECT_EQ(*log_, "+b-b");
+    send(QEvent::TouchBegin, QEventPoint::Pressed, 0.2);
+    send(QEvent::TouchCancel, QEventPoint::Stationary, 0.1);
+    EXPECT_EQ(*log_, "+b-b+b-b");
+}
+
+// By Shift with a click, and by the right button; the next press may be of any kind.
+TEST_F(code_window_pane, a_button_is_held_down_until_its_next_press) {
+    QTest::mouseClick(button("a"), Qt::LeftButton, Qt::ShiftModifier);
+    QTest::mouseClick(button("b"), Qt::RightButton);
+    EXPECT_EQ(*log_, "+a+b");
+    view_.release_mouse();
+    source_->buttons_changed.emit();  // they are drawn anew
+    EXPECT_EQ(*log_, "+a+b");
+    QTest::mouseClick(button("a"), Qt::LeftButton);
+    EXPECT_EQ(*log_, "+a+b-a");
+    button("b")->click();
+    EXPECT_EQ(*log_, "+a+b-a-b");
+    // One that comes up another way is not held any more.
+    QTest::mouseClick(button("c"), Qt::RightButton);
+    source_->release("c", 1);
+    log_->clear();
+    QTest::mouseClick(button("c"), Qt::LeftButton);
+    EXPECT_EQ(*log_, "+c-c");
+    source_->refuses = true;
+    for (int i = 0; i < 2; ++i) QTest::mouseClick(button("d"), Qt::RightButton);
+    EXPECT_EQ(*log_, "+c-c+d+d");
+}
+
+TEST_F(code_window_pane, the_place_of_a_press_is_known_and_marked) {
+    source_->all[0].shows_ping = source_->all[1].shows_ping = true;
+    source_->all[1].fires_in_centre = true;
+    source_->buttons_changed.emit();
+    const QPoint at = QPoint(25, 42) + QPoint(1, 1) * code_window_button::margin();
+    const QPointF centre(0.5, 0.5);
+    QTest::mouseClick(button("a"), Qt::LeftButton, {}, at);
+    EXPECT_EQ(source_->pressed_at, QPointF(0.25, 0.75));
+    EXPECT_EQ(button("a")->ping(), QPointF(0.25, 0.75));
+    QTest::mouseClick(button("b"), Qt::LeftButton, {}, at);
+    EXPECT_EQ(source_->pressed_at, centre);
+    QTest::mouseClick(button("c"), Qt::LeftButton, {}, at);
+    EXPECT_FALSE(button("c")->ping());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !button("a")->ping(); }));
+    source_->press("a", 1, {});  // by a key
+    EXPECT_EQ(button("a")->ping(), centre);
+}
+
+class paint_counter final : public QObject {
+  public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) painted += watched->property("uuid").toString();
+        return false;
+    }
+    QString painted;
+};
+
+TEST_F(code_window_pane, times_are_those_asked_for_and_only_what_changes_is_painted) {
+    source_->all[1].shows_clock = source_->all[2].shows_clock = true;
+    source_->all[2].shows_down_time = true;
+    source_->buttons_changed.emit();
+    paint_counter counter;
+    for (const char* one : {"a", "b", "c", "d"}) {
+        button(one)->setProperty("uuid", QLatin1String(one));
+        button(one)->installEventFilter(&counter);
+        source_->now = 60;
+        if (*one != 'd') source_->press(one, 1, {});
+    }
+    struct row {
+        double now;
+        QString a, b, c, painted;
+    };
+    const row rows[] = {{72.35, "0:12.3", "0:01:12", "0:12.3", {}},
+                        {72.41, "0:12.4", "0:01:12", "0:12.4", "ac"},
+                        {72.44, "0:12.4", "0:01:12", "0:12.4", ""},
+                        {73.41, "0:13.4", "0:01:13", "0:13.4", "abc"}};
+    for (const row& each : rows) {
+        QApplication::processEvents();
+        counter.painted.clear();
+        source_->now = each.now;
+        view_.tick();
+        QApplication::processEvents();
+        EXPECT_EQ(button("a")->time_shown(), each.a);
+        EXPECT_EQ(button("b")->time_shown(), each.b);
+        EXPECT_EQ(button("c")->time_shown(), each.c);
+        EXPECT_TRUE(button("d")->time_shown().isEmpty());
+        std::sort(counter.painted.begin(), counter.painted.end());
+        if (!each.painted.isNull()) {
+            EXPECT_EQ(counter.painted, each.painted) << each.now;
+        }
+    }
+    source_->release("c", 1);
+    EXPECT_EQ(button("c")->time_shown(), QStringLiteral("0:01:13"));
 }
 
 TEST_F(code_window_pane, assistive_programs_find_and_press_buttons) {
@@ -228,7 +369,11 @@ TEST(code_window_engine, a_press_makes_its_clip_and_is_counted) {
     EXPECT_EQ(shot->button().key, QStringLiteral("H"));
     EXPECT_EQ(goal->button().marks, code_button::band::below);
 
+    QTest::mouseClick(goal, Qt::LeftButton);
+    EXPECT_TRUE(goal->state().found_none);
+    EXPECT_TRUE(goal->accessibleDescription().contains(QStringLiteral("no clip")));
     QTest::mousePress(shot, Qt::LeftButton);
+    EXPECT_FALSE(goal->state().found_none);
     EXPECT_TRUE(shot->state().is_live);
     ASSERT_EQ(timeline.timeline().live_clips().size(), 1U);
     playing.seconds = 24;
@@ -246,6 +391,66 @@ TEST(code_window_engine, a_press_makes_its_clip_and_is_counted) {
     EXPECT_EQ(row->clips()[0]->qualifiers()->size(), 1U);
     ASSERT_TRUE(timeline.apply(plan_delete_clips(timeline.timeline(), {row->clips()[0]->id()}, "", 0)));
     EXPECT_EQ(shot->state().count, 0U);
+    view.set_source(nullptr);
+}
+
+// A list takes no keys, follows its row, and goes with a press elsewhere.
+TEST(code_window_engine, a_lister_shows_the_clips_of_its_row_and_goes_to_the_one_chosen) {
+    const testing::temporary_folder folder;
+    qt_run_loop loop;
+    auto opened = timeline_document::open(folder / "timeline", loop);
+    ASSERT_TRUE(opened) << opened.message();
+    press_engine engine(*opened.value(), loop.time());
+    std::vector<markup_Button_Item> buttons(2);
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        buttons[i].set_uuid(i == 0 ? "shot" : "list");
+        buttons[i].set_name("Shot");
+        buttons[i].set_type(i == 0 ? button_type::clip : button_type::none);
+        logger_item_display_info display;
+        display.logger_rect = {8, 8 + 70.0 * static_cast<double>(i), 100, 56};
+        buttons[i].set_display(display);
+    }
+    buttons[1].set_lister(true);
+    buttons[1].set_lister_text("Shots so far");
+    engine.set_buttons({buttons.begin(), buttons.end()}, 0);
+    for (const double at : {10.0, 20.0, 30.0}) {
+        engine.press("shot", at);
+        engine.release("shot", at + 5);
+    }
+    standing_transport playing;
+    playing.seconds = 26;
+    code_window_view view;
+    view.set_source(source_of(engine, *opened.value(), playing));
+    view.resize(600, 400);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    double sought = 0;
+    const connection seeks = view.seek_asked.connect([&](double seconds) { sought = seconds; });
+    code_window_button* lister = view.canvas().button("list");
+
+    QTest::mousePress(lister, Qt::LeftButton);
+    auto* list = view.findChild<clip_list_popover*>();
+    ASSERT_TRUE(list && list->isVisible());
+    EXPECT_FALSE(QApplication::activePopupWidget());
+    EXPECT_TRUE(engine.is_down("list"));
+    QTest::mouseRelease(lister, Qt::LeftButton);
+    auto* lines = list->findChild<QAbstractItemView*>();
+    EXPECT_EQ(lines->model()->rowCount(), 3);
+    EXPECT_EQ(lines->currentIndex().row(), 1);
+    EXPECT_FALSE(list->geometry().intersects(QRect(lister->mapTo(&view, QPoint()), lister->size())));
+    engine.press("shot", 50);
+    engine.release("shot", 51);
+    EXPECT_EQ(lines->model()->rowCount(), 4);
+    QTest::mouseClick(lines->viewport(), Qt::LeftButton, {},
+                      lines->visualRect(lines->model()->index(2, 0)).center());
+    EXPECT_DOUBLE_EQ(sought, 30);
+    EXPECT_TRUE(list->isVisible());
+    QTest::mouseClick(view.canvas().button("shot"), Qt::LeftButton);
+    EXPECT_FALSE(list->isVisible());
+    engine.press("list", 60);  // by a key
+    EXPECT_TRUE(list->isVisible());
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_FALSE(list->isVisible());
     view.set_source(nullptr);
 }
 

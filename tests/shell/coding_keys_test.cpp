@@ -4,12 +4,15 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QToolButton>
+#include <QTreeWidget>
 
 #include "shell/keys/event_stamp.h"
 #include "shell/keys/key_clashes.h"
 #include "shell/keys/key_router.h"
 #include "shell/panes/timeline/timeline_view.h"
 #include "shell/window/key_map.h"
+#include "shell/window/keys_window.h"
 #include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "video/synchronised_playback.h"
@@ -208,6 +211,25 @@ TEST_F(coding_keys, f1_shows_the_keys_as_long_as_it_is_held) {
     send(*window, QEvent::KeyRelease, 40, Qt::Key_D, "d");
     send(*window, QEvent::KeyRelease, 67, Qt::Key_F1, "");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !keys->isVisible(); }));
+}
+
+// In the pane's header and in the list of keys.
+TEST_F(coding_keys, a_key_that_does_two_things_is_warned_of) {
+    auto* mark = find<QToolButton>("code_window.clashes");
+    EXPECT_TRUE(mark->isHidden());
+    const std::pair<const char*, const char*> cases[] = {
+        {"m", "instead of “Mute”"}, {"a", "also presses “Attack”"}, {" ", "instead of “Play or Pause”"}};
+    for (const auto& [key, words] : cases) {
+        bind("Goal", key);
+        EXPECT_TRUE(mark->isVisible()) << key;
+        EXPECT_TRUE(mark->toolTip().contains(words)) << key;
+        keys_window all(window->actions(), &event(), window.get());
+        const auto* list = all.findChild<QTreeWidget*>();
+        EXPECT_EQ(list->findItems(QString::fromUtf8(words), Qt::MatchContains | Qt::MatchRecursive).size(), 1)
+            << key;
+    }
+    bind("Goal", "g");
+    EXPECT_TRUE(mark->isHidden());
 }
 
 TEST(key_clashes, are_found_by_what_the_key_types_and_holds) {

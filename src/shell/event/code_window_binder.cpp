@@ -1,21 +1,72 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/event/code_window_binder.h"
 
+#include <QImageReader>
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "logger/logger_Dict_funcs.h"
+#include "logger/logger_settings.h"
+#include "logger/press_engine.h"
 #include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
 #include "shell/event/pane_tick.h"
 #include "shell/event/read_only_guard.h"
+#include "shell/kit/theme.h"
+#include "shell/panes/code_window/code_window_canvas.h"
 #include "shell/panes/code_window/code_window_view.h"
+#include "util/file_system.h"
+#include "util/run_loop.h"
+#include "util/wait_watch.h"
 
 namespace vistels {
 
-code_window_binder::code_window_binder(code_window_view& view, event_session& session)
-    : view_(view), session_(session) {}
+namespace {
 
-code_window_binder::~code_window_binder() = default;
+// A picture is kept no larger than a screen of twice the resolution shows it on its button.
+constexpr double picture_scale = 2;
+
+QImage read_picture(const std::string& path, const rectangle& place) {
+    const wait_note note("open", path);
+    QImageReader reader(QString::fromStdString(path));
+    const QSizeF most = QSizeF(place.width, place.height) * picture_scale;
+    const QSizeF whole = reader.size();
+    if (whole.width() > most.width() && whole.height() > most.height())
+        reader.setScaledSize(whole.scaled(most, Qt::KeepAspectRatioByExpanding).toSize());
+    return reader.read();
+}
+
+// Waits for the volume. A picture that cannot be read is as none.
+code_window_look read_code_window_look(const std::string& event_folder,
+                                       const std::vector<button_record>& buttons) {
+    const std::string folder = logger_folder_of(event_folder);
+    const logger_settings settings = load_logger_settings(folder);
+    code_window_look look;
+    if (settings.background_colour) look.ground = to_qt(*settings.background_colour);
+    look.scroll = {settings.scroller_offset_x, settings.scroller_offset_y};
+    for (const button_record& button : buttons) {
+        const logger_item_display_info display = button->display();
+        const std::string path = display.real_picture ? button_picture_path(*button, folder) : std::string();
+        if (path.empty()) continue;
+        QImage picture = read_picture(path, display.logger_rect);
+        if (!picture.isNull()) look.pictures[button->uuid()] = std::move(picture);
+    }
+    return look;
+}
+
+}  // namespace
+
+code_window_binder::code_window_binder(code_window_view& view, event_session& session)
+    : view_(view), session_(session) {
+    seek_asked_ = view_.seek_asked.connect([this](double seconds) { session_.player().seek(seconds); });
+}
+
+code_window_binder::~code_window_binder() {
+    if (!queue_) return;
+    const expected_waits closing("a code window goes, and what reads its pictures ends");
+    queue_->forget_waiting();
+    queue_.reset();
+}
 
 pane* code_window_binder::shown_in() {
     return &view_;
@@ -27,11 +78,17 @@ void code_window_binder::let_go() {
 
 void code_window_binder::show(open_event* event) {
     tick_.reset();
-    access_changed_.disconnect();
+    of_event_.clear();
+    guard_.drop();
     event_ = event;
-    if (!event) return view_.set_source(nullptr);
-    access_changed_ = event->timeline().access_changed.connect([this] { show_buttons(); });
+    if (!event) {
+        view_.set_source(nullptr);
+        return view_.set_look({});
+    }
+    of_event_.push_back(event->timeline().access_changed.connect([this] { show_buttons(); }));
+    of_event_.push_back(event->logger().buttons_changed.connect([this] { read_look(false); }));
     show_buttons();
+    read_look(true);
     view_.set_name(session_.name());
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
 }
@@ -44,6 +101,19 @@ void code_window_binder::show_buttons() {
         });
     }
     view_.set_source(std::move(buttons));
+}
+
+void code_window_binder::read_look(bool scrolls) {
+    if (!queue_) queue_ = std::make_unique<serial_queue>("code window");
+    queue_->forget_waiting();
+    auto arrive = guard_.guarded([this, scrolls](const code_window_look& look) {
+        view_.set_look(look);
+        if (scrolls) view_.scroll_to(look.scroll);
+    });
+    queue_->post([&loop = session_.loop(), arrive = std::move(arrive), folder = event_->folder(),
+                  buttons = event_->logger().buttons()] {
+        loop.post([arrive, look = read_code_window_look(folder, buttons)]() mutable { arrive(look); });
+    });
 }
 
 }  // namespace vistels

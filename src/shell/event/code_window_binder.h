@@ -2,8 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "shell/event/event_binder.h"
+#include "util/posted_work_guard.h"
+#include "util/serial_queue.h"
 #include "util/signal.h"
 
 namespace vistels {
@@ -13,7 +16,8 @@ class event_session;
 class pane_tick;
 
 // Shows the event's code window in a pane and presses its buttons; while the event can only be read every
-// press is refused and told. Main thread.
+// press is refused and told. How the code window looks, and the pictures of its buttons, are read on a queue
+// and shown when they are there. Main thread.
 class code_window_binder final : public event_binder {
   public:
     // View and session must outlive this.
@@ -28,12 +32,17 @@ class code_window_binder final : public event_binder {
 
   private:
     void show_buttons();
+    // `scrolls`: to where the code window was left.
+    void read_look(bool scrolls);
 
     code_window_view& view_;
     event_session& session_;
     open_event* event_ = nullptr;
     std::unique_ptr<pane_tick> tick_;
-    connection access_changed_;
+    connection seek_asked_;
+    std::vector<connection> of_event_;
+    posted_work_guard guard_;
+    std::unique_ptr<serial_queue> queue_;  // made when it is first wanted; after what its work uses
 };
 
 }  // namespace vistels

@@ -32,13 +32,15 @@ class refusing_source final : public code_window_source {
         state.is_blocked = true;
         return state;
     }
-    void press(const std::string& button, double) override {
+    void press(const std::string& button, double, const QPointF&) override {
         for (const auto& one : source_->buttons()) {
             if (one.uuid == button) return refused_(one.name);
         }
     }
     void release(const std::string&, double) override {}
     double collection_time() const override { return source_->collection_time(); }
+    clip_list clips_of(const std::string& button) const override { return source_->clips_of(button); }
+    std::vector<bound_button> bound_buttons() const override { return source_->bound_buttons(); }
 
   private:
     std::unique_ptr<code_window_source> source_;

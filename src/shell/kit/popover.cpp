@@ -9,7 +9,7 @@
 
 namespace vistels {
 
-popover::popover(QWidget* parent) : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint) {}
+popover::popover(QWidget* parent, Qt::WindowFlags flags) : QWidget(parent, flags) {}
 
 // Its corners are cut off, which needs no desktop that composes windows.
 void popover::resizeEvent(QResizeEvent*) {

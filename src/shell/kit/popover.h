@@ -5,11 +5,12 @@
 
 namespace vistels {
 
-// What comes up over the window and goes with the next press elsewhere, drawn from the theme. Main thread.
+// What comes up over the window and, as long as it is a popup of the window system's, goes with the next
+// press elsewhere; drawn from the theme. Main thread.
 class popover : public QWidget {
     Q_OBJECT
   public:
-    explicit popover(QWidget* parent);
+    explicit popover(QWidget* parent, Qt::WindowFlags flags = Qt::Popup | Qt::FramelessWindowHint);
 
   protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -172,6 +172,13 @@ QFont theme::font(type_step step) {
     return made;
 }
 
+QFont theme::font(type_step step, double pixels, const QString& family) {
+    QFont made = font(step);
+    if (pixels > 0) made.setPixelSize(std::max(least_pixels, static_cast<int>(std::lround(pixels))));
+    if (!family.isEmpty()) made.setFamily(family);
+    return made;
+}
+
 int theme::line_height(type_step step) {
     const double height = size_of(step).line * desktop_pixels() / reference_pixels;
     return std::max(static_cast<int>(std::lround(height)), QFontMetrics(font(step)).ascent() + 2);

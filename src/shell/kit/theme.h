@@ -80,6 +80,7 @@ struct theme_motion {
     int change = 160;
     int scroll = 180;
     int momentary = 120;  // how long a momentary press stays drawn as down
+    int ping = 600;       // how long the place of a press is marked
     int pulse = 1000;     // period of a live edge, between full and pulse_least
     double pulse_least = 0.6;
     int vistel_ring = 1000;
@@ -147,6 +148,8 @@ struct theme {
 
     // The desktop's font in one of the steps, never below 11 pixels.
     static QFont font(type_step step);
+    // The same in a size and a family that somebody chose; 0 and an empty text: as it is.
+    static QFont font(type_step step, double pixels, const QString& family = {});
     // The height of a line of text in this step.
     static int line_height(type_step step);
 

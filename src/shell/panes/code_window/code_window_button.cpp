@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 #include "shell/keys/event_stamp.h"
 #include "shell/kit/theme.h"
@@ -14,6 +15,10 @@
 
 namespace vistels {
 namespace {
+
+constexpr int mouse_holder = -1;
+constexpr int key_holder = -2;
+constexpr QPointF centre(0.5, 0.5);
 
 double moment_of(const QInputEvent& event) {
     return event_seconds(event.timestamp(), steady_clock().seconds());
@@ -32,13 +37,16 @@ code_window_button::code_window_button(code_button button, QWidget* parent)
     // By the Tab key only, so that a click leaves the keys where they are.
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
-    lingers_.setSingleShot(true);
-    connect(&lingers_, &QTimer::timeout, this, [this] { update(); });
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    for (QTimer* one : {&lingers_, &ping_time_}) {
+        one->setSingleShot(true);
+        connect(one, &QTimer::timeout, this, [this] { update(); });
+    }
     // What assistive programs ask for is a press and its release.
     connect(this, &QAbstractButton::clicked, this, [this] {
         const double now = steady_clock().seconds();
-        Q_EMIT went_down(now);
-        Q_EMIT went_up(now);
+        hold(key_holder, centre, now);
+        release(key_holder, now);
     });
     show_words();
 }
@@ -65,49 +73,128 @@ void code_window_button::show_words() {
         words += tr("\nBlocked for now by another button");
         description += tr(", blocked");
     }
-    if (state_.is_down) description += tr(", down");
+    if (state_.found_none) {
+        words += tr("\nThere was no clip to put it on");
+        description += tr(", no clip to put it on");
+    }
+    if (is_latched_) words += tr("\nHeld down until its next press");
+    if (state_.is_down) description += is_latched_ ? tr(", held down") : tr(", down");
     setToolTip(words);
     setAccessibleDescription(description);
 }
 
 void code_window_button::set_state(const code_button_state& state) {
     if (state == state_) return;
-    if (state.is_down && !state_.is_down) {
+    const bool goes_down = state.is_down && !state_.is_down;
+    if (goes_down) {
         since_down_.start();
         lingers_.stop();
+        if (!is_pressing_) show_ping(centre);
     }
     if (!state.is_down && state_.is_down) {
         const qint64 left = theme::current().motion.momentary - since_down_.elapsed();
         if (left > 0) lingers_.start(static_cast<int>(left));
+        is_latched_ = false;
     }
-    if (!state.is_down) time_.clear();
+    if (!state.is_down && !button_.shows_clock) time_.clear();
     state_ = state;
     show_words();
     update();
 }
 
 void code_window_button::set_now(double seconds) {
-    if (!state_.is_down) return;
-    const QString text = time_text(std::max(0.0, seconds - state_.down_since), time_form::run_time);
+    const bool shows_down_time = state_.is_down && (button_.shows_down_time || !button_.shows_clock);
+    if (!shows_down_time && !button_.shows_clock) return;
+    const QString text = shows_down_time
+                             ? time_text(std::max(0.0, seconds - state_.down_since), time_form::run_time)
+                             : time_text(seconds, time_form::ruler);
     if (text == time_) return;
     time_ = text;
     update();
 }
 
-void code_window_button::hold(double clock_seconds) {
-    if (is_held_) return;
-    is_held_ = true;
-    Q_EMIT went_down(clock_seconds);
+void code_window_button::set_picture(const QImage& picture) {
+    picture_ = picture;
+    update();
+}
+
+std::optional<QPointF> code_window_button::ping() const {
+    return ping_time_.isActive() ? std::optional(ping_place_) : std::nullopt;
+}
+
+void code_window_button::show_ping(const QPointF& place) {
+    if (!button_.shows_ping) return;
+    ping_place_ = place;
+    ping_time_.start(theme::current().motion.ping);
+    update();
+}
+
+QPointF code_window_button::place_of(const QPointF& at) const {
+    if (button_.fires_in_centre) return centre;
+    const QRectF face = QRectF(rect()).adjusted(margin(), margin(), -margin(), -margin());
+    return {std::clamp((at.x() - face.left()) / face.width(), 0.0, 1.0),
+            std::clamp((at.y() - face.top()) / face.height(), 0.0, 1.0)};
+}
+
+void code_window_button::press(const QPointF& place, double clock_seconds) {
+    is_pressing_ = true;
+    show_ping(place);
+    Q_EMIT went_down(clock_seconds, place);
+    is_pressing_ = false;
+}
+
+void code_window_button::hold(int holder, const QPointF& place, double clock_seconds) {
+    if (unlatch(clock_seconds)) return;
+    const bool is_first = holders_.empty();
+    if (holders_.insert(holder).second && is_first) press(place, clock_seconds);
+}
+
+void code_window_button::release(int holder, double clock_seconds) {
+    if (holders_.erase(holder) > 0 && holders_.empty() && !is_latched_) Q_EMIT went_up(clock_seconds);
+}
+
+void code_window_button::latch(const QPointF& place, double clock_seconds) {
+    if (unlatch(clock_seconds)) return;
+    if (holders_.empty()) press(place, clock_seconds);
+    set_latched(state_.is_down);  // not where the press was refused
+}
+
+// Whether this press was the one for which it stayed down.
+bool code_window_button::unlatch(double clock_seconds) {
+    if (!is_latched_) return false;
+    set_latched(false);
+    if (holders_.empty()) Q_EMIT went_up(clock_seconds);
+    return true;
+}
+
+void code_window_button::set_latched(bool latched) {
+    is_latched_ = latched;
+    show_words();
+    update();
+}
+
+void code_window_button::touch(int id, const QPointF& at, double clock_seconds) {
+    hold(id, place_of(at), clock_seconds);
+}
+
+void code_window_button::lift(int id, double clock_seconds) {
+    release(id, clock_seconds);
 }
 
 void code_window_button::let_go() {
-    if (!is_held_) return;
-    is_held_ = false;
+    if (std::exchange(holders_, {}).empty() || is_latched_) return;
     Q_EMIT went_up(steady_clock().seconds());
 }
 
 void code_window_button::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) hold(moment_of(*event));
+    const bool latches =
+        event->button() == Qt::RightButton ||
+        (event->button() == Qt::LeftButton && event->modifiers().testFlag(Qt::ShiftModifier));
+    if (latches) {
+        latch(place_of(event->position()), moment_of(*event));
+    } else if (event->button() == Qt::LeftButton) {
+        hold(mouse_holder, place_of(event->position()), moment_of(*event));
+    }
 }
 
 void code_window_button::mouseMoveEvent(QMouseEvent* event) {
@@ -115,14 +202,12 @@ void code_window_button::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void code_window_button::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !is_held_) return;
-    is_held_ = false;
-    Q_EMIT went_up(moment_of(*event));
+    if (event->button() == Qt::LeftButton) release(mouse_holder, moment_of(*event));
 }
 
 void code_window_button::keyPressEvent(QKeyEvent* event) {
     if (presses(*event)) {
-        if (!event->isAutoRepeat()) hold(moment_of(*event));
+        if (!event->isAutoRepeat()) hold(key_holder, centre, moment_of(*event));
     } else if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Left) {
         focusNextPrevChild(false);
     } else if (event->key() == Qt::Key_Down || event->key() == Qt::Key_Right) {
@@ -135,14 +220,13 @@ void code_window_button::keyPressEvent(QKeyEvent* event) {
 void code_window_button::keyReleaseEvent(QKeyEvent* event) {
     if (!presses(*event)) {
         event->ignore();
-    } else if (!event->isAutoRepeat() && is_held_) {
-        is_held_ = false;
-        Q_EMIT went_up(moment_of(*event));
+    } else if (!event->isAutoRepeat()) {
+        release(key_holder, moment_of(*event));
     }
 }
 
 void code_window_button::focusOutEvent(QFocusEvent* event) {
-    let_go();
+    release(key_holder, steady_clock().seconds());
     QAbstractButton::focusOutEvent(event);
 }
 
@@ -160,8 +244,16 @@ void code_window_button::leaveEvent(QEvent*) {
 
 void code_window_button::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    code_button_look shown{state_, time_, underMouse(), hasFocus(), isEnabled()};
+    code_button_look shown;
+    shown.state = state_;
     shown.state.is_down = looks_down();
+    shown.time = time_;
+    shown.picture = picture_.isNull() ? nullptr : &picture_;
+    shown.ping = ping();
+    shown.is_latched = is_latched_;
+    shown.is_hovered = underMouse();
+    shown.has_focus = hasFocus();
+    shown.is_enabled = isEnabled();
     paint_code_button(painter, theme::current(), button_,
                       QRectF(rect()).adjusted(margin(), margin(), -margin(), -margin()), shown);
 }

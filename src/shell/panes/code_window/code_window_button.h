@@ -4,45 +4,21 @@
 #include <QAbstractButton>
 #include <QColor>
 #include <QElapsedTimer>
-#include <QFont>
-#include <QRectF>
+#include <QImage>
 #include <QString>
 #include <QTimer>
 #include <optional>
-#include <string>
+#include <set>
+
+#include "shell/panes/code_window/code_window_face.h"
 
 namespace vistels {
 
-struct theme;
-
-// A button of a code window as it is drawn.
-struct code_button {
-    enum class band { none, left, below };  // clips have theirs at the left, qualifiers and attributes below
-
-    std::string uuid;
-    QString name;
-    QString what;  // "Clip", "Qualifier": for the tool tip
-    band marks = band::none;
-    QRectF place;  // on the code window's canvas
-    QColor colour;
-    std::optional<QColor> plain_ground;  // drawn as it is while the button is up, instead of the mixed colour
-    QString key;                         // on the key cap; empty: none
-    bool shows_name = true;
-};
-
-// What a button shows beside its face.
-struct code_button_state {
-    bool is_down = false;
-    bool is_live = false;     // a clip grows
-    bool is_blocked = false;  // presses have no effect for now
-    double down_since = 0;    // seconds on the collection's clock
-    std::uint32_t count = 0;  // of what it made; 0 is not shown
-    bool operator==(const code_button_state&) const = default;
-};
-
 // One button of a code window in run mode. It goes down at the press and up at the release, both with their
-// moment on the monotonic clock, and shows what it is told, whoever pressed it. A press shorter than a
-// moment stays drawn as down for that moment. Main thread.
+// moment on the monotonic clock, and shows what it is told, whoever pressed it. As long as anything holds it
+// (the mouse, the Return key, a finger) it is down. Shift with a click, or a right click, holds it down until
+// its next press, wherever the focus goes meanwhile. A press shorter than a moment stays drawn as down for
+// that moment. Main thread.
 class code_window_button final : public QAbstractButton {
     Q_OBJECT
   public:
@@ -56,7 +32,18 @@ class code_window_button final : public QAbstractButton {
     // The collection's time; repaints when what is shown changes.
     void set_now(double seconds);
     QString time_shown() const { return time_; }
-    // Releases when the mouse or a key holds it.
+    // Null: none.
+    void set_picture(const QImage& picture);
+    // Where a press is marked at the moment, in proportions of the face.
+    std::optional<QPointF> ping() const;
+
+    // A finger: `id` names it, `at` is where it is on this widget.
+    void touch(int id, const QPointF& at, double clock_seconds);
+    void lift(int id, double clock_seconds);
+    // It stays down until its next press.
+    bool is_latched() const { return is_latched_; }
+    void set_latched(bool latched);
+    // Releases when the mouse, a key or a finger holds it.
     void let_go();
 
     // Room round the face for the ring, and for fingers.
@@ -64,7 +51,8 @@ class code_window_button final : public QAbstractButton {
     QSize sizeHint() const override;
 
   Q_SIGNALS:
-    void went_down(double clock_seconds);
+    // `place` in proportions of the face, from its upper left corner.
+    void went_down(double clock_seconds, const QPointF& place);
     void went_up(double clock_seconds);
 
   protected:
@@ -80,38 +68,27 @@ class code_window_button final : public QAbstractButton {
     void leaveEvent(QEvent* event) override;
 
   private:
-    void hold(double clock_seconds);
+    QPointF place_of(const QPointF& at) const;
+    // What holds it: the mouse and the Return key have numbers below those of fingers.
+    void hold(int holder, const QPointF& place, double clock_seconds);
+    void release(int holder, double clock_seconds);
+    void latch(const QPointF& place, double clock_seconds);
+    bool unlatch(double clock_seconds);
+    void press(const QPointF& place, double clock_seconds);
+    void show_ping(const QPointF& place);
     void show_words();
 
     code_button button_;
     code_button_state state_;
-    bool is_held_ = false;
+    std::set<int> holders_;
+    bool is_latched_ = false;
+    bool is_pressing_ = false;  // a press by hand is being told
     QElapsedTimer since_down_;
     QTimer lingers_;
+    QPointF ping_place_;
+    QTimer ping_time_;
     QString time_;
+    QImage picture_;
 };
-
-// Where the words of a button stand on its face. The name is in its own type where that has room, else in the
-// smallest, on one line below the key or beside it, else on several; only what has no room that way is cut.
-struct code_button_layout {
-    QRectF cap;     // of the key; empty without one, at the upper right corner
-    QRectF corner;  // of the count, the time or the cross
-    bool has_corner = true;
-    QRectF name;  // the text stands at its lower left
-    QFont font;
-    QString text;  // the name, or what is left of it
-};
-code_button_layout code_button_layout_of(const code_button& button, const QRectF& face);
-
-// Draws the button's face in `face`, whatever widget it is on.
-struct code_button_look {
-    code_button_state state;
-    QString time;
-    bool is_hovered = false;
-    bool has_focus = false;
-    bool is_enabled = true;
-};
-void paint_code_button(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
-                       const code_button_look& shown);
 
 }  // namespace vistels

@@ -2,11 +2,16 @@
 #include "shell/panes/code_window/code_window_canvas.h"
 
 #include <QPainter>
+#include <QTouchEvent>
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
+#include "shell/keys/event_stamp.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_metrics.h"
+#include "util/clock.h"
 
 namespace vistels {
 
@@ -23,15 +28,23 @@ double code_window_scale(const std::vector<code_button>& buttons, double content
 code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("code_window_canvas"));
     setAccessibleName(tr("Code window"));
+    setAttribute(Qt::WA_AcceptTouchEvents);
 }
 
 void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
     let_go();  // what is held would never come up otherwise
+    std::set<std::string> latched;
+    for (const code_window_button* each : widgets_) {
+        if (each->is_latched()) latched.insert(each->button().uuid);
+    }
     qDeleteAll(widgets_);
     widgets_.clear();
     by_uuid_.clear();
     all_ = std::move(buttons);
-    for (const code_button& button : all_) add(button);
+    for (const code_button& button : all_) {
+        add(button);
+        if (latched.contains(button.uuid)) widgets_.back()->set_latched(true);
+    }
     // The Tab key goes along the rows as they are seen, not as they were made.
     std::vector<code_window_button*> seen = widgets_;
     std::stable_sort(seen.begin(), seen.end(), [](const auto* a, const auto* b) {
@@ -49,17 +62,34 @@ void code_window_canvas::add(const code_button& button) {
     auto* made = new code_window_button(button, this);
     const std::string uuid = button.uuid;
     connect(made, &code_window_button::went_down, this,
-            [this, uuid](double clock_seconds) { Q_EMIT went_down(uuid, clock_seconds); });
+            [this, uuid](double clock_seconds, const QPointF& place) {
+                Q_EMIT went_down(uuid, clock_seconds, place);
+            });
     connect(made, &code_window_button::went_up, this,
             [this, uuid](double clock_seconds) { Q_EMIT went_up(uuid, clock_seconds); });
     widgets_.push_back(made);
     by_uuid_[uuid] = made;
+    if (const auto picture = pictures_.find(uuid); picture != pictures_.end())
+        made->set_picture(picture->second);
     made->show();
 }
 
 code_window_button* code_window_canvas::button(const std::string& uuid) const {
     const auto found = by_uuid_.find(uuid);
     return found == by_uuid_.end() ? nullptr : found->second;
+}
+
+void code_window_canvas::set_ground(std::optional<QColor> ground) {
+    ground_ = std::move(ground);
+    update();
+}
+
+void code_window_canvas::set_pictures(std::map<std::string, QImage> pictures) {
+    pictures_ = std::move(pictures);
+    for (code_window_button* each : widgets_) {
+        const auto found = pictures_.find(each->button().uuid);
+        each->set_picture(found == pictures_.end() ? QImage() : found->second);
+    }
 }
 
 void code_window_canvas::set_state(const std::string& uuid, const code_button_state& state) {
@@ -71,6 +101,7 @@ void code_window_canvas::set_now(double collection_seconds) {
 }
 
 void code_window_canvas::let_go() {
+    fingers_.clear();
     for (code_window_button* each : widgets_) each->let_go();
 }
 
@@ -103,13 +134,66 @@ void code_window_canvas::fit_to(const QSize& pane) {
     resize((whole * scale_).toSize().expandedTo(pane));
 }
 
+bool code_window_canvas::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+            if (touch(*static_cast<QTouchEvent*>(event))) return true;
+            break;
+        case QEvent::TouchCancel:
+            lift_all(event_seconds(static_cast<QTouchEvent*>(event)->timestamp(), steady_clock().seconds()));
+            return true;
+        default:
+            break;
+    }
+    return QWidget::event(event);
+}
+
+// Fingers may come as one sequence or each as its own: what counts is the number of each. False: none of them
+// is on a button.
+bool code_window_canvas::touch(QTouchEvent& event) {
+    const double at = event_seconds(event.timestamp(), steady_clock().seconds());
+    bool is_ours = false;
+    for (const QEventPoint& finger : event.points()) {
+        if (finger.state() == QEventPoint::Pressed) {
+            is_ours = put_finger(finger, at) || is_ours;
+        } else {
+            is_ours = fingers_.contains(finger.id()) || is_ours;
+            if (finger.state() == QEventPoint::Released) lift_finger(finger.id(), at);
+        }
+    }
+    event.setAccepted(is_ours);
+    return is_ours;
+}
+
+bool code_window_canvas::put_finger(const QEventPoint& finger, double clock_seconds) {
+    const QPointF at = mapFromGlobal(finger.globalPosition());
+    auto* found = qobject_cast<code_window_button*>(childAt(at.toPoint()));
+    if (!found) return false;
+    lift_finger(finger.id(), clock_seconds);  // its end was not told
+    fingers_[finger.id()] = found->button().uuid;
+    found->touch(finger.id(), found->mapFrom(this, at), clock_seconds);
+    return true;
+}
+
+void code_window_canvas::lift_finger(int id, double clock_seconds) {
+    const auto held = fingers_.extract(id);
+    if (!held) return;
+    if (code_window_button* found = button(held.mapped())) found->lift(id, clock_seconds);
+}
+
+void code_window_canvas::lift_all(double clock_seconds) {
+    while (!fingers_.empty()) lift_finger(fingers_.begin()->first, clock_seconds);
+}
+
 void code_window_canvas::paintEvent(QPaintEvent*) {
     const theme& look = theme::current();
     QPainter painter(this);
-    painter.fillRect(rect(), look.pane);
+    painter.fillRect(rect(), ground_.value_or(look.pane));
     if (!all_.empty()) return;
     painter.setFont(theme::font(type_step::secondary));
-    painter.setPen(look.muted);
+    painter.setPen(ground_ ? legible_on(look.muted, *ground_) : look.muted);
     painter.drawText(rect(), Qt::AlignCenter, tr("No buttons"));
 }
 

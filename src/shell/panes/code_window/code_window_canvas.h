@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QColor>
+#include <QImage>
 #include <QWidget>
+#include <map>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "shell/panes/code_window/code_window_button.h"
+
+class QEventPoint;
+class QTouchEvent;
 
 namespace vistels {
 
@@ -14,13 +21,24 @@ namespace vistels {
 // no smaller than leaves each button large enough to be hit.
 double code_window_scale(const std::vector<code_button>& buttons, double content, double available);
 
-// The buttons of a code window on their canvas. Main thread.
+// How a code window looks apart from its buttons.
+struct code_window_look {
+    std::optional<QColor> ground;            // of the canvas; none: that of panes
+    QPointF scroll;                          // of the canvas, in its logical pixels
+    std::map<std::string, QImage> pictures;  // by button
+};
+
+// The buttons of a code window on their canvas. Each finger holds the button that it came down on until it is
+// lifted, wherever it is by then. Main thread.
 class code_window_canvas final : public QWidget {
     Q_OBJECT
   public:
     explicit code_window_canvas(QWidget* parent);
 
+    // Those that are there already stay held down where they are to be until their next press.
     void set_buttons(std::vector<code_button> buttons);
+    void set_ground(std::optional<QColor> ground);
+    void set_pictures(std::map<std::string, QImage> pictures);
     // Null when there is none of that UUID.
     code_window_button* button(const std::string& uuid) const;
     const std::vector<code_window_button*>& buttons() const { return widgets_; }
@@ -34,19 +52,28 @@ class code_window_canvas final : public QWidget {
     double scale() const { return scale_; }
 
   Q_SIGNALS:
-    void went_down(const std::string& uuid, double clock_seconds);
+    // `place` in proportions of the button, from its upper left corner.
+    void went_down(const std::string& uuid, double clock_seconds, const QPointF& place);
     void went_up(const std::string& uuid, double clock_seconds);
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
     void add(const code_button& button);
     QSizeF content() const;
+    bool touch(QTouchEvent& event);
+    bool put_finger(const QEventPoint& finger, double clock_seconds);
+    void lift_finger(int id, double clock_seconds);
+    void lift_all(double clock_seconds);
 
     std::vector<code_button> all_;
     std::vector<code_window_button*> widgets_;  // in the order of the code window
     std::unordered_map<std::string, code_window_button*> by_uuid_;
+    std::map<int, std::string> fingers_;  // by their numbers, the button that each holds
+    std::map<std::string, QImage> pictures_;
+    std::optional<QColor> ground_;
     QSize pane_;
     double scale_ = 1;
 };

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A press engine as a code window pane sees it.
+#include <algorithm>
+#include <cmath>
+#include <memory>
 #include <unordered_map>
 
 #include "logger/press_engine.h"
@@ -10,6 +13,8 @@
 
 namespace vistels {
 namespace {
+
+constexpr double greatest_name_size = 200;
 
 code_button::band band_of(const markup_Button_Item& button) {
     if (button.is(button_type::clip) || button.is(button_type::timer_clip)) return code_button::band::left;
@@ -23,12 +28,14 @@ class engine_source final : public code_window_source {
         : engine_(engine), timeline_(timeline), playing_(playing) {
         observed_.push_back(engine_.fired.connect([this](const button_fired& fired) {
             blocked_[fired.button] = fired.blocked && fired.is_down;
+            if (fired.is_down) found_none_ = fired.nothing_to_stamp ? fired.button : std::string();
             states_changed.emit();
         }));
         observed_.push_back(engine_.buttons_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(timeline_.changed.connect([this](const change_set& change) {
-            if ((change.kinds & (change_set::rows_changed | change_set::clips_changed)) != 0)
-                states_changed.emit();
+            if ((change.kinds & (change_set::rows_changed | change_set::clips_changed)) == 0) return;
+            rows_.clear();
+            states_changed.emit();
         }));
     }
 
@@ -51,17 +58,28 @@ class engine_source final : public code_window_source {
         }
         const auto blocked = blocked_.find(uuid);
         made.is_blocked = blocked != blocked_.end() && blocked->second;
-        if (makes_clips) made.count = clips_of(*button);
+        made.found_none = uuid == found_none_;
+        if (makes_clips) made.count = static_cast<std::uint32_t>(clips_of(uuid).size());
         return made;
     }
 
-    void press(const std::string& button, double clock_seconds) override {
+    void press(const std::string& button, double clock_seconds, const QPointF&) override {
         engine_.press(button, playing_.collection_time_at(clock_seconds));
     }
     void release(const std::string& button, double clock_seconds) override {
         engine_.release(button, playing_.collection_time_at(clock_seconds));
     }
     double collection_time() const override { return playing_.shown_time(); }
+
+    clip_list clips_of(const std::string& uuid) const override {
+        const markup_Button_Item* button = engine_.button(uuid);
+        const row_pointer row = button ? row_of(*button) : nullptr;
+        return row ? row->clips() : clip_list();
+    }
+
+    std::vector<bound_button> bound_buttons() const override {
+        return vistels::bound_buttons(engine_.buttons());
+    }
 
   private:
     static code_button face_of(const markup_Button_Item& button, std::size_t number) {
@@ -78,27 +96,56 @@ class engine_source final : public code_window_source {
         if (display.binding && display.show_keys) {
             made.key = QString::fromStdString(binding_text(*display.binding));
         }
-        made.shows_name = !display.hide_name;
+        made.fires_in_centre = button.center_fire();
+        made.lists_clips = button.lister();
+        made.list_title = QString::fromStdString(button.lister_text());
+        if (made.list_title.isEmpty()) made.list_title = made.name;
+        set_look(made, display);
         return made;
     }
 
-    // Of the row that the button's clips go to.
-    std::uint32_t clips_of(const markup_Button_Item& button) const {
-        row_pointer found;
-        for (const row_pointer& row : timeline_.timeline().rows()) {
-            if (row->name() != button.name()) continue;
-            if (!found) found = row;
-            if (row->category() != button.category()) continue;
-            found = row;
-            break;
+    static void set_look(code_button& made, const logger_item_display_info& display) {
+        made.shape = QString::fromStdString(display.button_shape);
+        if (display.mask_colour && display.mask_colour != display.button_colour)
+            made.made_colour = to_qt(*display.mask_colour);
+        made.opacity = std::isfinite(display.alpha) ? std::clamp(display.alpha, 0.0, 1.0) : 1;
+        made.shows_name = !display.hide_name;
+        made.fits_name = display.fit_name;
+        if (display.name_colour) made.name_colour = to_qt(*display.name_colour);
+        made.name_font = QString::fromStdString(display.name_font);
+        made.name_size = std::clamp(display.name_font_size.value_or(0), 0.0, greatest_name_size);
+        made.name_offset = {display.name_offset.x, display.name_offset.y};
+        made.key_offset = {display.keys_offset.x, display.keys_offset.y};
+        made.hides_down_state = display.hide_down_state;
+        made.shows_ping = display.show_pinger;
+        made.shows_clock = display.clock_time;
+        made.shows_down_time = display.down_time;
+    }
+
+    // The row that the button's clips go to. What is asked for is looked up once after each change of the
+    // timeline, however many buttons and rows there are.
+    row_pointer row_of(const markup_Button_Item& button) const {
+        if (rows_.empty()) {
+            for (const row_pointer& row : timeline_.timeline().rows()) {
+                rows_.emplace(key_of(row->name(), row->category()), row);
+                rows_.emplace(row->name(), row);
+            }
         }
-        return found ? static_cast<std::uint32_t>(found->clips().size()) : 0;
+        auto found = rows_.find(key_of(button.name(), button.category()));
+        if (found == rows_.end()) found = rows_.find(button.name());
+        return found == rows_.end() ? nullptr : found->second.lock();
+    }
+    static std::string key_of(const std::string& name, const std::string& category) {
+        return name + '\0' + category;
     }
 
     press_engine& engine_;
     timeline_document& timeline_;
     transport& playing_;
     std::unordered_map<std::string, bool> blocked_;
+    std::string found_none_;  // the button pressed last, when there was nothing to stamp
+    // By name, and by name with category; not held, or the next edit would have to copy them.
+    mutable std::unordered_map<std::string, std::weak_ptr<const sxy_ROW>> rows_;
     std::vector<connection> observed_;
 };
 

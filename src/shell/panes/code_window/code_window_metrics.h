@@ -13,6 +13,9 @@ struct code_window_metrics {
     int qualifier_band = 4;
     int key_cap = 18;
     int key_cap_small = 14;  // on a low button
+    int ping_radius = 12;
+    int list_width = 320;     // of the list of a row's clips
+    int list_most_lines = 8;  // that are seen at once
 };
 inline constexpr code_window_metrics code_window_sizes;
 

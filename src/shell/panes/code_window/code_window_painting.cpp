@@ -2,12 +2,13 @@
 // The face of a code window's button.
 #include <QPainter>
 #include <QPainterPath>
-#include <algorithm>
 
+#include "shell/kit/icons.h"
 #include "shell/kit/theme.h"
 #include "shell/kit/theme_time_text.h"
-#include "shell/panes/code_window/code_window_button.h"
+#include "shell/panes/code_window/code_window_face.h"
 #include "shell/panes/code_window/code_window_metrics.h"
+#include "shell/panes/code_window/code_window_shapes.h"
 
 namespace vistels {
 namespace {
@@ -16,26 +17,29 @@ struct face_colours {
     QColor ground;
     QColor edge;
     QColor ink;
+    QColor name;
     QColor quiet_ink;  // of the count
     QColor band;
 };
 
-face_colours colours_of(const theme& look, const code_button& button, const code_button_look& shown) {
+face_colours colours_while_down(const theme& look, const code_button& button) {
     face_colours made;
-    if (shown.state.is_down) {
-        made.ground = button.colour;
-        made.edge = look.clip_edge(button.colour);
-        made.ink = ink_on(look, button.colour);
-        made.quiet_ink = made.ink;
-        made.band = mix(look.clip_ink_dark, button.colour, look.down_band_share);
-        return made;
-    }
-    const double share = shown.is_hovered ? look.button_hover_share : look.button_up_share;
+    made.ground = button.colour;
+    made.edge = look.clip_edge(button.colour);
+    made.ink = ink_on(look, button.colour);
+    made.quiet_ink = made.ink;
+    made.band = button.made_colour.value_or(mix(look.clip_ink_dark, button.colour, look.down_band_share));
+    return made;
+}
+
+face_colours colours_while_up(const theme& look, const code_button& button, bool is_hovered) {
+    face_colours made;
+    const double share = is_hovered ? look.button_hover_share : look.button_up_share;
     made.ground = mix(button.colour, look.button_ground, share);
     made.edge = mix(button.colour, look.button_ground, look.edge_share);
     made.ink = look.text;
     made.quiet_ink = look.muted;
-    made.band = button.colour;
+    made.band = button.made_colour.value_or(button.colour);
     if (button.plain_ground) {
         made.ground = *button.plain_ground;
         made.edge = look.clip_edge(made.ground);
@@ -48,38 +52,85 @@ face_colours colours_of(const theme& look, const code_button& button, const code
     return made;
 }
 
-void paint_ring(QPainter& painter, const theme& look, const QRectF& face, const QColor& colour) {
+face_colours colours_of(const theme& look, const code_button& button, const code_button_look& shown) {
+    face_colours made = shown.state.is_down ? colours_while_down(look, button)
+                                            : colours_while_up(look, button, shown.is_hovered);
+    made.name = button.name_colour ? legible_on(*button.name_colour, made.ground) : made.ink;
+    return made;
+}
+
+void paint_ring(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
+                const QColor& colour) {
     const double away = look.metrics.playhead_gap + look.metrics.focus_ring / 2.0;
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(colour, look.metrics.focus_ring));
-    const double radius = look.metrics.radius_button + away;
-    painter.drawRoundedRect(face.adjusted(-away, -away, away, away), radius, radius);
+    painter.drawPath(code_button_outline(button.shape, face.adjusted(-away, -away, away, away),
+                                         look.metrics.radius_button + away));
+}
+
+// All of the face is covered and the picture keeps its proportions.
+void paint_picture(QPainter& painter, const QImage& picture, const QRectF& face) {
+    const QSizeF part = face.size().scaled(picture.size(), Qt::KeepAspectRatio);
+    const QRectF middle(QPointF((picture.width() - part.width()) / 2, (picture.height() - part.height()) / 2),
+                        part);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(face, picture, middle);
+}
+
+// What the button makes, by a band at its left or below; on a shape along that half of its outline.
+void paint_band(QPainter& painter, const code_button& button, const QRectF& face, const QPainterPath& outline,
+                const QColor& colour) {
+    if (button.marks == code_button::band::none) return;
+    const bool is_left = button.marks == code_button::band::left;
+    const int thick = is_left ? code_window_sizes.clip_band : code_window_sizes.qualifier_band;
+    QRectF band = face;
+    if (is_usual_outline(button.shape)) {
+        is_left ? band.setWidth(thick) : band.setTop(face.bottom() - thick);
+        return painter.fillRect(band, colour);
+    }
+    is_left ? band.setRight(face.center().x()) : band.setTop(face.center().y());
+    painter.setClipRect(band, Qt::IntersectClip);
+    painter.strokePath(outline, QPen(colour, 2 * thick));
+}
+
+void paint_hatch(QPainter& painter, const theme& look, const QRectF& face, const QColor& colour) {
+    painter.setPen(QPen(colour, look.metrics.hatch));
+    for (double x = face.left() - face.height(); x < face.right(); x += look.metrics.hatch * 2.8) {
+        painter.drawLine(QPointF(x, face.bottom()), QPointF(x + face.height(), face.top()));
+    }
+}
+
+// As that of the clip that grows on the timeline.
+void paint_live_edge(QPainter& painter, const theme& look, const QRectF& face) {
+    const int thick = look.metrics.live_edge;
+    const QRectF edge(face.right() - thick, face.top(), thick, face.height());
+    painter.fillRect(edge.adjusted(-look.metrics.line, 0, 0, 0), look.clip_ink_dark);
+    painter.fillRect(edge, look.live);
 }
 
 void paint_ground(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
-                  const face_colours& colours, bool is_blocked) {
+                  const face_colours& colours, const code_button_look& shown) {
     const theme_metrics& metrics = look.metrics;
-    QPainterPath shape;
-    shape.addRoundedRect(face, metrics.radius_button, metrics.radius_button);
+    const QPainterPath outline = code_button_outline(button.shape, face, metrics.radius_button);
     painter.save();
-    painter.setClipPath(shape);
-    painter.fillRect(face, is_blocked ? look.button_ground : colours.ground);
-    if (is_blocked) {
-        painter.setPen(QPen(colours.edge, metrics.hatch));
-        for (double x = face.left() - face.height(); x < face.right(); x += metrics.hatch * 2.8) {
-            painter.drawLine(QPointF(x, face.bottom()), QPointF(x + face.height(), face.top()));
-        }
-    }
-    QRectF band = face;
-    if (button.marks == code_button::band::left) band.setWidth(code_window_sizes.clip_band);
-    if (button.marks == code_button::band::below)
-        band.setTop(face.bottom() - code_window_sizes.qualifier_band);
-    if (button.marks != code_button::band::none) painter.fillRect(band, colours.band);
+    painter.setClipPath(outline);
+    painter.fillRect(face, shown.state.is_blocked ? look.button_ground : colours.ground);
+    if (shown.picture) paint_picture(painter, *shown.picture, face);
+    if (shown.state.is_blocked) paint_hatch(painter, look, face, colours.edge);
+    if (shown.picture && shown.state.is_down)
+        painter.strokePath(outline, QPen(colours.ground, 2 * code_window_sizes.clip_band));
+    if (shown.state.is_live) paint_live_edge(painter, look, face);
+    paint_band(painter, button, face, outline, colours.band);
     painter.restore();
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(colours.edge, metrics.line));
-    painter.drawRoundedRect(face.adjusted(0.5, 0.5, -0.5, -0.5), metrics.radius_button,
-                            metrics.radius_button);
+    painter.drawPath(
+        code_button_outline(button.shape, face.adjusted(0.5, 0.5, -0.5, -0.5), metrics.radius_button));
+    if (!shown.is_latched) return;
+    const double away = metrics.grid;
+    painter.setPen(QPen(colours.ink, metrics.line, Qt::DashLine));
+    painter.drawPath(
+        code_button_outline(button.shape, face.adjusted(away, away, -away, -away), metrics.radius_clip));
 }
 
 void paint_key_cap(QPainter& painter, const theme& look, const code_button& button, const QRectF& cap,
@@ -94,6 +145,16 @@ void paint_key_cap(QPainter& painter, const theme& look, const code_button& butt
     painter.drawText(cap, Qt::AlignCenter, button.key);
 }
 
+// Words on a picture stand on a ground of their own, as the name of a vistel does.
+void paint_label_ground(QPainter& painter, const theme& look, const QRectF& words) {
+    const int around = look.metrics.grid;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(look.video_label_ground);
+    painter.drawRoundedRect(words.adjusted(-around, 0, around, 0), look.metrics.radius_clip,
+                            look.metrics.radius_clip);
+    painter.setPen(look.video_label);
+}
+
 void paint_corner(QPainter& painter, const theme& look, const QRectF& place, const face_colours& colours,
                   const code_button_look& shown) {
     if (shown.state.is_blocked) {
@@ -104,42 +165,91 @@ void paint_corner(QPainter& painter, const theme& look, const QRectF& place, con
         painter.drawLine(cross.topRight(), cross.bottomLeft());
         return;
     }
-    const bool has_time = shown.state.is_down && !shown.time.isEmpty();
+    if (shown.state.found_none) {
+        const double side = look.metrics.icon;
+        const QRectF mark(place.left(), place.center().y() - side / 2, side, side);
+        const QPixmap warning =
+            icon_pixmap(QStringLiteral("warning"), shown.state.is_down ? colours.ink : look.warning,
+                        look.metrics.icon, painter.device()->devicePixelRatioF());
+        return painter.drawPixmap(mark, warning, QRectF(warning.rect()));
+    }
+    const bool has_time = !shown.time.isEmpty();
     if (!has_time && shown.state.count == 0) return;
+    const QString text = has_time ? shown.time : QString::number(shown.state.count);
+    const QFont font = theme::font(has_time ? type_step::secondary_strong : type_step::secondary);
     painter.setPen(has_time ? colours.ink : colours.quiet_ink);
-    draw_time_text(painter, place, Qt::AlignLeft, has_time ? shown.time : QString::number(shown.state.count),
-                   theme::font(has_time ? type_step::secondary_strong : type_step::secondary));
+    if (shown.picture) {
+        const QRectF ink(place.left(), place.top(), time_text_width(text, font), place.height());
+        paint_label_ground(painter, look, ink);
+    }
+    draw_time_text(painter, place, Qt::AlignLeft, text, font);
+}
+
+// Not over the time, where there is room for one of them alone.
+void paint_live_dot(QPainter& painter, const theme& look, const code_button_layout& words,
+                    const QString& time) {
+    const theme_metrics& metrics = look.metrics;
+    const QRectF dot(words.cap.left() - metrics.grid - metrics.live_dot,
+                     words.corner.center().y() - metrics.live_dot / 2.0, metrics.live_dot, metrics.live_dot);
+    const double taken = time_text_width(time, theme::font(type_step::secondary_strong));
+    if (words.has_corner && dot.left() < words.corner.left() + taken) return;
+    painter.setPen(QPen(look.clip_ink_dark, metrics.focus_ring));
+    painter.setBrush(look.live);
+    painter.drawEllipse(dot);
+}
+
+void paint_name(QPainter& painter, const theme& look, const code_button_layout& words,
+                const face_colours& colours, bool is_on_picture) {
+    const int flags = static_cast<int>(words.alignment) | Qt::TextWordWrap;
+    painter.setFont(words.font);
+    painter.setPen(colours.name);
+    if (is_on_picture) {
+        const QFontMetricsF sizes(words.font);
+        paint_label_ground(painter, look, sizes.boundingRect(words.name, flags, words.text));
+    }
+    painter.drawText(words.name, flags, words.text);
+}
+
+// A ring that is seen on every colour.
+void paint_ping(QPainter& painter, const theme& look, const QRectF& face, const QPointF& place) {
+    const QPointF at(face.left() + place.x() * face.width(), face.top() + place.y() * face.height());
+    const double radius = code_window_sizes.ping_radius;
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(look.clip_ink_dark, 2 * look.metrics.focus_ring));
+    painter.drawEllipse(at, radius, radius);
+    painter.setPen(QPen(look.clip_ink_light, look.metrics.focus_ring));
+    painter.drawEllipse(at, radius, radius);
+}
+
+code_button_look visible_look(const code_button& button, code_button_look shown) {
+    if (!button.hides_down_state) return shown;
+    shown.state.is_down = false;
+    shown.state.is_live = false;
+    shown.is_latched = false;
+    if (!button.shows_clock && !button.shows_down_time) shown.time.clear();
+    return shown;
 }
 
 }  // namespace
 
 void paint_code_button(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
-                       const code_button_look& shown) {
-    const theme_metrics& metrics = look.metrics;
+                       const code_button_look& asked) {
+    const code_button_look shown = visible_look(button, asked);
     const face_colours colours = colours_of(look, button, shown);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    if (!shown.is_enabled) painter.setOpacity(look.disabled_share);
-    paint_ground(painter, look, button, face, colours, shown.state.is_blocked);
-    if (shown.state.is_down) paint_ring(painter, look, face, look.selection);
-    if (shown.has_focus) paint_ring(painter, look, face, look.accent);
-
+    painter.setOpacity(button.opacity * (shown.is_enabled ? 1 : look.disabled_share));
+    paint_ground(painter, look, button, face, colours, shown);
     const code_button_layout words = code_button_layout_of(button, face);
     paint_key_cap(painter, look, button, words.cap, colours, shown.state.is_down);
-    if (words.has_corner || shown.state.is_blocked) paint_corner(painter, look, words.corner, colours, shown);
-    if (shown.state.is_live) {
-        const QRectF dot(words.cap.left() - metrics.grid - metrics.live_dot,
-                         words.corner.center().y() - metrics.live_dot / 2.0, metrics.live_dot,
-                         metrics.live_dot);
-        painter.setPen(QPen(look.clip_ink_dark, metrics.focus_ring));
-        painter.setBrush(look.live);
-        painter.drawEllipse(dot);
-    }
-    if (button.shows_name) {
-        painter.setFont(words.font);
-        painter.setPen(colours.ink);
-        painter.drawText(words.name, Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap, words.text);
-    }
+    if (words.has_corner || shown.state.is_blocked || shown.state.found_none)
+        paint_corner(painter, look, words.corner, colours, shown);
+    if (shown.state.is_live) paint_live_dot(painter, look, words, shown.time);
+    if (button.shows_name) paint_name(painter, look, words, colours, shown.picture != nullptr);
+    painter.setOpacity(1);
+    if (shown.state.is_down) paint_ring(painter, look, button, face, look.selection);
+    if (shown.has_focus) paint_ring(painter, look, button, face, look.accent);
+    if (shown.ping) paint_ping(painter, look, face, *shown.ping);
     painter.restore();
 }
 

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/panes/code_window/code_window_view.h"
 
+#include <QAction>
 #include <QEvent>
 #include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolButton>
 #include <algorithm>
+#include <utility>
 
+#include "shell/kit/icons.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
+#include "shell/panes/code_window/clip_list_popover.h"
 #include "shell/panes/code_window/code_window_canvas.h"
 #include "shell/panes/code_window/code_window_metrics.h"
 
@@ -23,28 +28,59 @@ constexpr double least_height_share = 0.8;
 code_window_view::code_window_view(QWidget* parent)
     : QWidget(parent),
       header_(new pane_header(QStringLiteral("code-window"), tr("Code window"), this)),
+      clashes_(new QToolButton(this)),
       area_(new QScrollArea(this)),
-      canvas_(new code_window_canvas(area_)) {
+      canvas_(new code_window_canvas(area_)),
+      list_(new clip_list_popover(this)) {
     setObjectName(QStringLiteral("code_window_view"));
     setAccessibleName(tr("Code window pane"));
+    const theme_metrics& metrics = theme::current().metrics;
+    clashes_->setObjectName(QStringLiteral("code_window.clashes"));
+    clashes_->setFocusPolicy(Qt::TabFocus);
+    clashes_->setFixedSize(metrics.icon_button, metrics.icon_button);
+    clashes_->hide();
+    header_->add_control(clashes_);
     area_->setObjectName(QStringLiteral("code_window_area"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setFocusPolicy(Qt::NoFocus);
     area_->setWidget(canvas_);
-    connect(canvas_, &code_window_canvas::went_down, this, [this](const std::string& button, double moment) {
-        if (source_) source_->press(button, moment);
-    });
+    connect_canvas();
+    // Colours that a button does not set itself come from the theme.
+    theme_changed_.push_back(theme::changed().connect([this] { show_buttons(); }));
+}
+
+void code_window_view::connect_canvas() {
+    connect(canvas_, &code_window_canvas::went_down, this,
+            [this](const std::string& button, double moment, const QPointF& place) {
+                if (!source_) return;
+                pressing_ = button;
+                source_->press(button, moment, place);
+                pressing_.clear();
+                const code_window_button* pressed = canvas_->button(button);
+                if (pressed && pressed->button().lists_clips) show_list(*pressed);
+            });
     connect(canvas_, &code_window_canvas::went_up, this, [this](const std::string& button, double moment) {
         if (source_) source_->release(button, moment);
     });
-    // Colours that a button does not set itself come from the theme.
-    theme_changed_.push_back(theme::changed().connect([this] { show_buttons(); }));
+    connect(list_, &clip_list_popover::chosen, this, [this](double seconds) { seek_asked.emit(seconds); });
+    for (QScrollBar* bar : {area_->horizontalScrollBar(), area_->verticalScrollBar()}) {
+        connect(bar, &QScrollBar::valueChanged, this, [this] {
+            if (!is_fitting_) scroll_.reset();
+        });
+    }
+    // What the keys do besides pressing buttons is what the window's keys window tells.
+    connect(clashes_, &QToolButton::clicked, this, [this] {
+        for (QAction* one : window()->actions()) {
+            if (one->objectName() == QLatin1String("keys")) one->trigger();
+        }
+    });
 }
 
 code_window_view::~code_window_view() {
     // A button that is held lets go when it is hidden, which must find no source any more.
     release_mouse();
     source_.reset();
+    delete list_;
 }
 
 void code_window_view::set_source(std::unique_ptr<code_window_source> source) {
@@ -64,17 +100,59 @@ void code_window_view::set_name(const QString& name) {
 
 void code_window_view::show_buttons() {
     canvas_->set_buttons(source_ ? source_->buttons() : std::vector<code_button>());
+    if (list_) list_->hide();
     fit();
     show_states();
+    show_key_clashes();
+}
+
+void code_window_view::set_look(code_window_look look) {
+    canvas_->set_ground(look.ground);
+    canvas_->set_pictures(std::move(look.pictures));
+}
+
+void code_window_view::scroll_to(const QPointF& place) {
+    scroll_ = place;
+    scroll();
+}
+
+void code_window_view::show_key_clashes() {
+    QStringList lines;
+    if (source_) {
+        const std::vector<bound_button> bound = source_->bound_buttons();
+        const std::vector<key_clash> clashes = find_key_clashes(bound, window()->actions());
+        for (std::size_t i = 0; i < bound.size(); ++i) {
+            if (clashes[i])
+                lines << tr("%1 (%2): %3").arg(bound[i].name, bound[i].key, key_clash_words(clashes[i]));
+        }
+    }
+    clashes_->setVisible(!lines.isEmpty());
+    clashes_->setIcon(icon(QStringLiteral("warning"), theme::current().warning));
+    clashes_->setToolTip(tr("Keys that do more than one thing:\n%1").arg(lines.join(QLatin1Char('\n'))));
+    clashes_->setAccessibleName(tr("Keys that do more than one thing: %1").arg(lines.size()));
+    clashes_->setAccessibleDescription(clashes_->toolTip());
+    header_->update();  // what it has room for
+}
+
+void code_window_view::show_list(const code_window_button& button) {
+    if (!list_ || !isVisible()) return;
+    const std::string& uuid = button.button().uuid;
+    list_->show_beside(button, uuid, button.button().list_title, source_->clips_of(uuid),
+                       source_->collection_time());
 }
 
 void code_window_view::show_states() {
     std::size_t down = 0;
     for (code_window_button* button : canvas_->buttons()) {
         if (!source_) break;
-        const code_button_state state = source_->state(button->button().uuid);
+        const code_button& shown = button->button();
+        const code_button_state state = source_->state(shown.uuid);
+        const bool goes_down = state.is_down && !button->state().is_down;
         button->set_state(state);
         if (state.is_down) ++down;
+        // By a key; what is pressed here shows its list in any case.
+        if (goes_down && shown.lists_clips && shown.uuid != pressing_) show_list(*button);
+        if (list_ && list_->shown_button() == shown.uuid) list_->set_clips(source_->clips_of(shown.uuid));
     }
     tick();
     header_->set_live(down > 0);
@@ -117,6 +195,7 @@ void code_window_view::changeEvent(QEvent* event) {
 // The scroll bar is there or not by this alone: were it the scroll area's choice, a canvas that fits the
 // width only without it would make it come and go for ever.
 void code_window_view::fit() {
+    is_fitting_ = true;
     QSize room = area_->size();
     const QSizeF whole = QSizeF(sizeHint()) - QSizeF(0, theme::current().metrics.pane_header_height);
     // Buttons that are a little too many to be seen at once are drawn a little smaller.
@@ -130,6 +209,27 @@ void code_window_view::fit() {
     if (scrolls)
         canvas_->fit_to({area_->width() - area_->verticalScrollBar()->sizeHint().width(), room.height()});
     area_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
+    is_fitting_ = false;
+    scroll();
+}
+
+// As far as there is anything to scroll.
+void code_window_view::scroll() {
+    if (!scroll_) return;
+    is_fitting_ = true;
+    area_->horizontalScrollBar()->setValue(static_cast<int>(scroll_->x() * canvas_->scale()));
+    area_->verticalScrollBar()->setValue(static_cast<int>(scroll_->y() * canvas_->scale()));
+    is_fitting_ = false;
+}
+
+void code_window_view::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    show_key_clashes();  // it is in its window now
+}
+
+void code_window_view::hideEvent(QHideEvent* event) {
+    if (list_) list_->hide();
+    QWidget::hideEvent(event);
 }
 
 void code_window_view::paintEvent(QPaintEvent*) {

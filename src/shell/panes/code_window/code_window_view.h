@@ -1,20 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointF>
+#include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "shell/keys/key_clashes.h"
 #include "shell/kit/pane.h"
-#include "shell/panes/code_window/code_window_button.h"
+#include "shell/panes/code_window/code_window_face.h"
+#include "timeline/records/clip_list.h"
 #include "util/signal.h"
 
 class QScrollArea;
+class QToolButton;
 
 namespace vistels {
 
+class clip_list_popover;
+class code_window_button;
 class code_window_canvas;
+struct code_window_look;
 class pane_header;
 class press_engine;
 class timeline_document;
@@ -27,10 +36,13 @@ class code_window_source {
 
     virtual std::vector<code_button> buttons() const = 0;
     virtual code_button_state state(const std::string& button) const = 0;
-    // At a moment of the monotonic clock.
-    virtual void press(const std::string& button, double clock_seconds) = 0;
+    // At a moment of the monotonic clock; `place` on the button in proportions, from its upper left corner.
+    virtual void press(const std::string& button, double clock_seconds, const QPointF& place) = 0;
     virtual void release(const std::string& button, double clock_seconds) = 0;
     virtual double collection_time() const = 0;
+    // Of the row that the button's clips go to.
+    virtual clip_list clips_of(const std::string& button) const = 0;
+    virtual std::vector<bound_button> bound_buttons() const = 0;
 
     signal<> buttons_changed;
     signal<> states_changed;
@@ -41,9 +53,10 @@ class code_window_source {
 std::unique_ptr<code_window_source> source_of(press_engine& engine, timeline_document& timeline,
                                               transport& playing);
 
-// The code window pane in run mode: it draws the buttons, presses them by mouse and shows what is down, from
-// whatever cause. The canvas is scaled down to the pane's width as far as buttons stay large enough to be
-// hit, and scrolled beyond that. Main thread.
+// The code window pane in run mode: it draws the buttons, presses them by mouse and fingers and shows what is
+// down, from whatever cause. A button that lists the clips of its row does so beside itself when it is
+// pressed. The canvas is scaled down to the pane's width as far as buttons stay large enough to be hit, and
+// scrolled beyond that. Main thread.
 class code_window_view final : public QWidget, public pane {
     Q_OBJECT
   public:
@@ -59,8 +72,17 @@ class code_window_view final : public QWidget, public pane {
     void set_name(const QString& name);
     // Brings running times up to date; called at every display tick.
     void tick();
-    // Releases what the mouse holds down.
+    // Releases what the mouse and fingers hold down.
     void release_mouse();
+    void set_look(code_window_look look);
+    // Until the user scrolls that place of the canvas is in the upper left corner, as far as there is
+    // anything to scroll.
+    void scroll_to(const QPointF& place);
+    // The window's actions are others; what a button's key takes from them is told in the header.
+    void show_key_clashes();
+
+    // The user chose a time in a button's list.
+    signal<double> seek_asked;
 
     // The size at which nothing is scaled or scrolled.
     QSize sizeHint() const override;
@@ -70,16 +92,26 @@ class code_window_view final : public QWidget, public pane {
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
   private:
+    void connect_canvas();
     void show_buttons();
     void show_states();
+    void show_list(const code_window_button& button);
     void fit();
+    void scroll();
 
     std::unique_ptr<code_window_source> source_;
     pane_header* header_;
+    QToolButton* clashes_;
     QScrollArea* area_;
     code_window_canvas* canvas_;
+    QPointer<clip_list_popover> list_;  // it belongs to the window while it is shown
+    std::string pressing_;              // the button whose press by hand is being told
+    std::optional<QPointF> scroll_;     // to be kept; none: the user's
+    bool is_fitting_ = false;
     std::vector<connection> connections_;
     std::vector<connection> theme_changed_;
 };
