@@ -232,9 +232,7 @@ void press_engine::tab(double at) {
 bool press_engine::escape(double at) {
     release_due(at);
     if (recorder_.has_waiting_attributes()) {
-        press_action forget;
-        forget.what = press_action::kind::forget_attributes;
-        (void)recorder_.record(std::move(forget));
+        give_up_attributes();
         return true;
     }
     const auto last = std::find_if(down_.rbegin(), down_.rend(),
@@ -262,9 +260,14 @@ void press_engine::playhead_jumped(double from, double to, bool is_loop_turn) {
     for (auto& state : down_) state.due_place += to - from;
     if (playhead_) playhead_->at = to;
     recorder_.end_running();
+    if (recorder_.has_waiting_attributes()) give_up_attributes();
+}
+
+void press_engine::give_up_attributes() {
     press_action forget;
     forget.what = press_action::kind::forget_attributes;
-    if (recorder_.has_waiting_attributes()) (void)recorder_.record(std::move(forget));
+    (void)recorder_.record(std::move(forget));
+    attributes_given_up.emit();
 }
 
 void press_engine::tick(double at) {
@@ -343,7 +346,8 @@ void press_engine::fire(button_fired event, const markup_Button_Item& button,
     // A clip that is not on the timeline while it grows gets its note when it is.
     const bool notes_late = button.note_down() && settings().dont_save_live_clips;
     const bool takes_note = is_down ? button.note_down() : button.note_up() || notes_late;
-    if (takes_note && !clip.empty() && document_.timeline().find_clip(clip)) note_wanted.emit(clip);
+    if (takes_note && !clip.empty() && document_.timeline().find_clip(clip))
+        note_wanted.emit(clip, button.uuid());
     if (!drops) press_beside(button, at, is_down);
     if (is_outermost) pressed_.clear();
 }

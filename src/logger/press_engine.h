@@ -109,6 +109,10 @@ class press_engine {
     row_pointer row_of(const markup_Button_Item& button) const {
         return buttons_.row_of(document_.timeline(), button);
     }
+    // The same for all buttons at once, in canvas order.
+    std::vector<row_pointer> rows_of_all() const { return buttons_.rows_of_all(document_.timeline()); }
+    // Attributes wait for the next qualifier that is stamped.
+    bool has_waiting_attributes() const { return recorder_.has_waiting_attributes(); }
 
     // `at` is seconds on the collection's clock in all that follow. False when the state did not change.
     bool press(std::string_view button, double at, const press_manner& manner = {});
@@ -133,7 +137,7 @@ class press_engine {
     // When the next auto-up is due if the collection's time runs on, in seconds on its clock.
     std::optional<double> next_auto_up() const;
     // Clips that grow and are not on the timeline yet, since live clips are not saved.
-    std::vector<clip_pointer> unsaved_growing() const { return recorder_.unsaved_growing(); }
+    std::vector<clip_place> unsaved_growing() const { return recorder_.unsaved_growing(); }
 
     // Presses and releases that are not on record yet.
     std::size_t unrecorded() const { return recorder_.waiting(); }
@@ -142,8 +146,10 @@ class press_engine {
 
     // Each change of state, in firing order, after its edit.
     signal<const button_fired&> fired;
-    // A note is to be taken of the clip.
-    signal<const std::string&> note_wanted;
+    // Attributes that waited for a qualifier were given up.
+    signal<> attributes_given_up;
+    // A note is to be taken of the clip that this button makes.
+    signal<const std::string& /*clip*/, const std::string& /*button*/> note_wanted;
     // The press of the last button added the trigger to the button of that UUID, which buttons() holds with
     // it by now: it is to be saved with the code window.
     signal<const std::string&, const trigger_event_ITEM&, const markup_Button_Item&> trigger_added;
@@ -183,6 +189,7 @@ class press_engine {
     void release_due(double at);
     void fire(button_fired event, const markup_Button_Item& button, std::optional<press_action> action);
     void press_beside(const markup_Button_Item& button, double at, bool is_down);
+    void give_up_attributes();
     std::optional<press_action> action_of_press(const button_record& pressed, const button_state& state,
                                                 const press_manner& manner) const;
     void add_trigger(const std::string& button, const trigger_event_ITEM& trigger,

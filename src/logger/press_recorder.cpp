@@ -92,10 +92,13 @@ void press_recorder::shift_times(double seconds) {
     coded_.shift(seconds);
 }
 
-std::vector<clip_pointer> press_recorder::unsaved_growing() const {
-    std::vector<clip_pointer> clips;
-    for (const auto& [clip, growing] : growing_) {
-        if (growing.unsaved) clips.push_back(std::make_shared<const sxy_CLIP>(*growing.unsaved));
+std::vector<clip_place> press_recorder::unsaved_growing() const {
+    std::vector<clip_place> clips;
+    for (const auto& [uuid, growing] : growing_) {
+        if (!growing.unsaved) continue;
+        auto clip = std::make_shared<const sxy_CLIP>(*growing.unsaved);
+        const auto row = clip->row_uuid_in_clip();
+        clips.push_back({std::move(clip), row, true});
     }
     return clips;
 }

@@ -61,7 +61,7 @@ class press_recorder {
     void shift_times(double seconds);
 
     // Clips that grow and are not put on record before they end.
-    std::vector<clip_pointer> unsaved_growing() const;
+    std::vector<clip_place> unsaved_growing() const;
 
     static constexpr double note_interval_seconds = 0.25;
     static constexpr double retry_interval_seconds = 1;

@@ -78,6 +78,7 @@ TEST_F(player, a_jump_ends_what_is_coded_and_a_step_does_not) {
         {"on", [&] { operated.jump(1); }, false},
         {"to the end", [&] { operated.to_end(); }, false},
         {"a clip is played", [&] { operated.play_clip("late"); }, false},
+        {"a pane seeks", [&] { operated.commands().seek(12); }, false},
     };
     for (const auto& one : cases) {
         opened->playback().seek(6);

@@ -162,8 +162,8 @@ TEST(renamer, moves_the_selected_clips_to_its_row_and_recolours_them) {
 TEST(press, asks_for_notes_and_tells_places) {
     coding code;
     std::vector<std::string> noted;
-    const auto listening =
-        code.engine->note_wanted.connect([&](const std::string& clip) { noted.push_back(clip); });
+    const auto listening = code.engine->note_wanted.connect(
+        [&](const std::string& clip, const std::string&) { noted.push_back(clip); });
     code.button('A').set_note_down(true);
     code.button('B').set_note_up(true);
     code.button('B').set_merge_clips(true);
@@ -199,7 +199,8 @@ TEST(press, of_live_clips_that_are_not_saved_is_on_record_when_it_has_ended) {
     code.button('A').set_secs_in(1);
     code.button('A').set_note_down(true);
     std::string noted;
-    const auto listening = code.engine->note_wanted.connect([&](const std::string& clip) { noted = clip; });
+    const auto listening =
+        code.engine->note_wanted.connect([&](const std::string& clip, const std::string&) { noted = clip; });
     const auto before = code.document->revision();
     code.run("5+A 6+Q 7+X 7.5+G");
     EXPECT_EQ(code.document->revision(), before) << "nothing is on record";

@@ -365,6 +365,35 @@ TEST_F(timeline_pane, a_growing_clip_is_shown_until_it_has_ended) {
     EXPECT_EQ(view_rows()[1].clips, 2U);
 }
 
+// As one that is put on record when it ends; on a timer row with its clock.
+TEST_F(timeline_pane, clocks_of_timer_rows_run_on_what_grows_and_on_what_has_ended) {
+    operation::change_row timer{shared_text("b"), {}, {}};
+    timer.set.set("timer_row", true);
+    ASSERT_TRUE(document_->apply({"made", "", {timer}}));
+    const timeline_state& state = view_.state();
+    const struct {
+        double playhead;
+        std::optional<double> clock;
+    } cases[] = {{20, std::nullopt}, {27.5, 2.5}, {35, 10}, {50, 10}};
+    for (const auto& one : cases) {
+        transport_.seconds = one.playhead;
+        view_.tick();
+        EXPECT_EQ(state.clock_of_row(view_rows()[1]), one.clock) << one.playhead;
+        EXPECT_EQ(state.clock_of_row(view_rows()[0]), std::nullopt);
+    }
+    sxy_CLIP growing = clip_of("b2", 44, 44);
+    growing.set_timer_counts_down(true);
+    growing.set_mins(1);
+    view_.set_unsaved_growing({{std::make_shared<const sxy_CLIP>(growing), shared_text("b"), true}});
+    ASSERT_EQ(view_rows()[1].live.size(), 1U);
+    EXPECT_EQ(state.clock_of_row(view_rows()[1]), 54);
+    // It stays as long as it grows, whatever else changes.
+    ASSERT_TRUE(document_->apply({"made", "", {operation::insert_row{2, row_of("c", "Save")}}}));
+    EXPECT_EQ(view_rows()[1].live.size(), 1U);
+    view_.set_unsaved_growing({});
+    EXPECT_TRUE(view_rows()[1].live.empty());
+}
+
 TEST_F(timeline_pane, arrows_walk_from_clip_to_clip) {
     QTest::keyClick(canvas_, Qt::Key_Down);
     EXPECT_EQ(selected(), clips{"a1"});

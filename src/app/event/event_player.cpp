@@ -21,7 +21,34 @@ constexpr double frame_without_pictures = 0.04;
 
 }  // namespace
 
-event_player::event_player() = default;
+// Playback of the event, but that a seek is the player's.
+class event_player::person_commands final : public transport {
+  public:
+    explicit person_commands(event_player& player) : player_(player) {}
+
+    double collection_time() const override { return playing() ? playing()->collection_time() : 0; }
+    double collection_time_at(double clock_seconds) const override {
+        return playing() ? playing()->collection_time_at(clock_seconds) : 0;
+    }
+    double shown_time() const override { return playing() ? playing()->shown_time() : 0; }
+    bool is_playing() const override { return playing() && playing()->is_playing(); }
+    double rate() const override { return playing() ? playing()->rate() : 1; }
+    void play() override {
+        if (playing()) playing()->play();
+    }
+    void pause() override {
+        if (playing()) playing()->pause();
+    }
+    void set_rate(double rate) override { player_.set_rate(rate); }
+    void seek(double collection_seconds) override { player_.seek(collection_seconds); }
+
+  private:
+    synchronised_playback* playing() const { return player_.event_ ? &player_.event_->playback() : nullptr; }
+
+    event_player& player_;
+};
+
+event_player::event_player() : commands_(std::make_unique<person_commands>(*this)) {}
 event_player::~event_player() = default;
 
 void event_player::set_event(open_event* event) {

@@ -8,6 +8,7 @@
 #include "util/display_tick.h"
 #include "util/result.h"
 #include "util/signal.h"
+#include "util/transport.h"
 
 namespace vistels {
 
@@ -31,6 +32,8 @@ class event_player {
     void pause();
     // Another press of a key that plays faster and faster in that direction.
     void shuttle(int direction);
+    // Of the event, for what plays it on a person's wish: a seek is one here. At rest at 0 without an event.
+    transport& commands() { return *commands_; }
     // Frames on or back; where there are none, as long as one usually stands.
     void step(int frames);
     void jump(double seconds);
@@ -87,6 +90,8 @@ class event_player {
         double end = 0;
     };
 
+    class person_commands;
+
     void tick();
     void move_to(double seconds, bool is_jump);
     void go_to(double seconds, bool is_loop_turn = false);
@@ -95,6 +100,7 @@ class event_player {
     const clip_selection& selection() const;
 
     open_event* event_ = nullptr;
+    const std::unique_ptr<transport> commands_;
     const clip_selection* followed_ = nullptr;  // null: the main view's
     std::unique_ptr<tick_task> task_;           // while the event plays
     connection state_;

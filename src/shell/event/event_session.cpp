@@ -104,7 +104,8 @@ std::string event_session::folder() const {
 QString event_session::fact() const {
     if (!event_) return {};
     const auto cameras = event_->collection().vistels().size();
-    const auto live = event_->timeline().timeline().live_clips().size();
+    const auto live =
+        event_->timeline().timeline().live_clips().size() + event_->logger().unsaved_growing().size();
     QString fact = cameras == 1 ? tr("1 camera") : tr("%1 cameras").arg(cameras);
     if (cameras == 0) fact = event_->has_collection() ? tr("No camera") : tr("No pictures");
     if (live > 0) return fact + (live == 1 ? tr(" · 1 live clip") : tr(" · %1 live clips").arg(live));

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <algorithm>
 
+#include "app/event/event_player.h"
 #include "app/event/open_event.h"
 #include "shell/kit/escape_key.h"
 #include "shell/panes/timeline/timeline_state.h"
@@ -12,7 +13,8 @@
 
 namespace vistels {
 
-filter_control::filter_control(timeline_view& timeline, run_loop& loop) : timeline_(timeline), loop_(loop) {
+filter_control::filter_control(timeline_view& timeline, event_player& player, run_loop& loop)
+    : timeline_(timeline), player_(player), loop_(loop) {
     connect(&timeline_, &timeline_view::hides_asked, this, &filter_control::choose_hides);
     connect(&timeline_, &timeline_view::play_passing_asked, this, &filter_control::play_all);
 }
@@ -26,7 +28,7 @@ void filter_control::set_event(open_event* event, clip_view* view) {
     event_ = event;
     filtering_ = event ? &view->filtering() : nullptr;
     if (event) {
-        list_ = std::make_unique<clip_playlist>(event->playback(), event->playback().ticks(), loop_.time());
+        list_ = std::make_unique<clip_playlist>(player_.commands(), event->playback().ticks(), loop_.time());
         connections_.push_back(list_->changed.connect([this] { follow_list(); }));
         connections_.push_back(filtering_->changed.connect([this](bool are_new) { follow(are_new); }));
     }

@@ -13,6 +13,7 @@
 
 namespace vistels {
 
+class event_player;
 class open_event;
 class timeline_view;
 
@@ -21,8 +22,8 @@ class timeline_view;
 class filter_control : public QObject {
     Q_OBJECT
   public:
-    // Both must outlive it.
-    filter_control(timeline_view& timeline, run_loop& loop);
+    // All must outlive it.
+    filter_control(timeline_view& timeline, event_player& player, run_loop& loop);
     ~filter_control() override;
 
     // Null: none is open. Both must outlive their use here; `view` is the one that the timeline shows.
@@ -64,6 +65,7 @@ class filter_control : public QObject {
     void follow_list();
 
     timeline_view& timeline_;
+    event_player& player_;
     run_loop& loop_;
     open_event* event_ = nullptr;
     clip_filtering* filtering_ = nullptr;  // of the view

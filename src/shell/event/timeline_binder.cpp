@@ -2,10 +2,12 @@
 #include "shell/event/timeline_binder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "app/event/event_reach.h"
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
+#include "logger/press_engine.h"
 #include "shell/event/binder_list.h"
 #include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
@@ -24,7 +26,7 @@ timeline_binder::timeline_binder(timeline_view& view, event_session& session, co
       session_(session),
       read_only_(new read_only_mark(&view)),
       text_(std::make_unique<filter_entry>(places, session.loop())),
-      filter_(std::make_unique<filter_control>(view, session.loop())) {
+      filter_(std::make_unique<filter_control>(view, session.player(), session.loop())) {
     view_.header().add_first_control(read_only_);
     view_.set_filter(text_.get());
     filter_->set_hides(load_filtered_out_clips(places).are_hidden);
@@ -67,17 +69,20 @@ void timeline_binder::connect_view() {
 void timeline_binder::show(open_event* event) {
     tick_.reset();
     reach_changed_.disconnect();
+    growing_changed_.disconnect();
     if (!event) filter_->set_event(nullptr, nullptr);
     if (shown_) session_.player().forget_selection(shown_->selection());
     event_ = event;
     shown_ = event ? take_view() : nullptr;
-    view_.set_timeline(shown_, event ? &event->playback() : nullptr);
+    view_.set_timeline(shown_, event ? &session_.player().commands() : nullptr);
     text_->set_source(event ? &shown_->filtering() : nullptr, event ? &event->timeline() : nullptr);
     shown_changed.emit();
     if (!event) return own_.reset();
     filter_->set_event(event, shown_);
     reach_changed_ = session_.reach()->changed.connect([this] { show_reach(); });
     show_reach();
+    growing_changed_ = event->logger().fired.connect([this](const button_fired&) { show_growing(); });
+    show_growing();
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
 }
 
@@ -99,6 +104,14 @@ void timeline_binder::lead_player() {
 
 void timeline_binder::show_reach() {
     view_.set_reach(session_.reach()->start(), session_.reach()->pictures_end());
+}
+
+// Those that are put on record when they end.
+void timeline_binder::show_growing() {
+    auto growing = event_->logger().unsaved_growing();
+    if (growing.empty() && !shows_growing_) return;
+    shows_growing_ = !growing.empty();
+    view_.set_unsaved_growing(std::move(growing));
 }
 
 void timeline_binder::play_selected() {

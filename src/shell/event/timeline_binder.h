@@ -48,6 +48,7 @@ class timeline_binder final : public QObject, public event_binder {
     clip_view* take_view();
     void lead_player();
     void show_reach();
+    void show_growing();
 
     timeline_view& view_;
     event_session& session_;
@@ -60,6 +61,8 @@ class timeline_binder final : public QObject, public event_binder {
     std::unique_ptr<pane_tick> tick_;
     std::vector<connection> lasting_;
     connection reach_changed_;
+    connection growing_changed_;
+    bool shows_growing_ = false;
 };
 
 }  // namespace vistels

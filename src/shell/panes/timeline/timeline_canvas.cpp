@@ -110,6 +110,7 @@ void timeline_canvas::follow_playhead() {
     const int to = static_cast<int>(std::max(x, painted_playhead_x_)) + edge + 1;
     update(QRect(from, timeline_sizes.ruler_height, to - from, height()));
     for (std::size_t index = 0; index < state_.rows().size(); ++index) {
+        if (state_.rows()[index].is_timer) update(row_place(index));
         for (const live_piece& piece : state_.rows()[index].live) {
             const int start = static_cast<int>(state_.scale().x_of(piece.clip->secs_start())) - edge;
             update(row_place(index).intersected(QRect(start, 0, to - start, height())));
@@ -155,6 +156,7 @@ void timeline_canvas::paint_rows(QPainter& painter, const QRect& dirty) {
     }
     timeline_painter& parts = painter_in_use();
     const double pulse = pulse_now();
+    parts.set_now(state_.playhead());
     for (std::size_t index = state_.rows().row_at(state_.first_y()); index < state_.rows().size(); ++index) {
         const QRect place = row_place(index);
         if (place.top() > dirty.bottom()) break;

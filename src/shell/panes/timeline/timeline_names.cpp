@@ -12,8 +12,11 @@
 #include <QToolTip>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cmath>
+#include <optional>
 
 #include "shell/kit/theme.h"
+#include "shell/kit/theme_time_text.h"
 #include "shell/panes/timeline/timeline_metrics.h"
 #include "shell/panes/timeline/timeline_state.h"
 
@@ -67,16 +70,32 @@ void paint_swatch(QPainter& painter, const theme& look, const timeline_row& row,
     painter.drawRoundedRect(box, radius, radius);
 }
 
+// The clock of a timer row; in the place of the number of clips, unless that tells what passes the filter.
+// Returns the left end.
+int paint_clock(QPainter& painter, const theme& look, double seconds, const QRect& place) {
+    const QFont font = theme::font(type_step::secondary_strong);
+    const QString text = time_text(seconds, time_form::run_time);
+    painter.setPen(look.text);
+    draw_time_text(painter, place, Qt::AlignRight, text, font);
+    return place.right() - static_cast<int>(std::ceil(time_text_width(text, font)));
+}
+
 void paint_name(QPainter& painter, const theme& look, const timeline_row& row, bool is_filtered,
-                const QRect& place) {
+                std::optional<double> clock, const QRect& place) {
     const theme_metrics& metrics = look.metrics;
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF swatch(place.left() + metrics.wide_padding,
                         place.top() + (place.height() - metrics.swatch) / 2.0, metrics.swatch,
                         metrics.swatch);
     paint_swatch(painter, look, row, swatch);
-    int right = paint_count(painter, look, row, is_filtered, place.adjusted(0, 0, -metrics.padding, 0)) -
+    const QRect facts = place.adjusted(0, 0, -metrics.padding, 0);
+    int right = facts.right();
+    if (is_filtered || !clock) right = paint_count(painter, look, row, is_filtered, facts) - metrics.padding;
+    if (clock) {
+        right = paint_clock(painter, look, *clock,
+                            QRect(QPoint(facts.left(), facts.top()), QPoint(right, facts.bottom()))) -
                 metrics.padding;
+    }
     if (!row.live.empty()) {
         right -= metrics.live_dot;
         painter.setPen(Qt::NoPen);
@@ -106,6 +125,15 @@ timeline_names::timeline_names(timeline_state& state, QWidget* parent) : QWidget
         update();
     }));
     connections_.push_back(state_.rows_scrolled.connect([this] { update(); }));
+    connections_.push_back(state_.playhead_moved.connect([this] {
+        for (const timeline_row& row : state_.rows()) {
+            if (row.is_timer) update(place_of(row));
+        }
+    }));
+}
+
+QRect timeline_names::place_of(const timeline_row& row) const {
+    return {0, timeline_sizes.ruler_height + row.top - state_.first_y(), width(), row.height};
 }
 
 void timeline_names::paintEvent(QPaintEvent*) {
@@ -116,13 +144,13 @@ void timeline_names::paintEvent(QPaintEvent*) {
     const QRect head(0, 0, width(), timeline_sizes.ruler_height);
     painter.setClipRect(rect().adjusted(0, timeline_sizes.ruler_height, 0, 0));
     for (const timeline_row& row : state_.rows()) {
-        const QRect place(0, timeline_sizes.ruler_height + row.top - state_.first_y(), width(), row.height);
+        const QRect place = place_of(row);
         if (place.bottom() < timeline_sizes.ruler_height) continue;
         if (place.top() > height()) break;
         if (is_chosen(row.uuid)) painter.fillRect(place, look.accent_ground);
         painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
         painter.save();
-        paint_name(painter, look, row, state_.is_filtered(), place);
+        paint_name(painter, look, row, state_.is_filtered(), state_.clock_of_row(row), place);
         painter.restore();
         if (hasFocus() && row.uuid == current_) {
             painter.setPen(QPen(look.accent, metrics.focus_ring));

@@ -11,6 +11,7 @@
 namespace vistels {
 
 class timeline_state;
+struct timeline_row;
 
 // The names of the rows left of the clips: swatch, name, a dot while a clip grows, the number of clips, and
 // while a filter is on how many of them pass. A
@@ -39,6 +40,7 @@ class timeline_names final : public QWidget {
     void focusOutEvent(QFocusEvent* event) override;
 
   private:
+    QRect place_of(const timeline_row& row) const;
     std::size_t row_at(int y) const;  // the number of rows where there is none
     bool is_chosen(const shared_text& row) const;
     void choose(std::vector<shared_text> rows);

@@ -27,6 +27,8 @@ class timeline_painter {
     const theme& look() const { return look_; }
     double device_pixel_ratio() const { return ratio_; }
 
+    // The time for which the clocks of timer clips are drawn.
+    void set_now(double collection_seconds) { now_ = collection_seconds; }
     // The clips of a row whose left end is at x = 0 of the scale. What lies outside `dirty` is left out.
     void paint_clips(QPainter& painter, const timeline_row& row, const timeline_scale& scale,
                      const QRect& place, const QRect& dirty);
@@ -91,6 +93,7 @@ class timeline_painter {
     const theme& look_;
     const double ratio_;
     QFont label_font_;
+    double now_ = 0;
     std::vector<timeline_bar> bars_;  // kept between calls for its memory
     narrow_bars narrow_;
     QImage narrow_picture_;

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 
+#include "logger/timer_clock.h"
 #include "shell/panes/timeline/timeline_metrics.h"
 #include "timeline/edits/row_compaction.h"
 #include "util/colour_text.h"
@@ -78,6 +80,7 @@ void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_ou
         if (!passes) extras |= timeline_row::is_filtered_out;
         row.extras.push_back(extras);
     }
+    row.is_timer = row.record->is_timer_row();
     row.clips = index;
     row.passing = passing;
     row.shown.assign(std::move(shown));
@@ -173,12 +176,30 @@ std::size_t timeline_rows::row_with(const shared_text& uuid) const {
 
 void timeline_rows::read_live(const sxy_DATA_root& timeline) {
     for (timeline_row& row : rows_) row.live.clear();
-    for (const clip_place& place : timeline.live_clips()) {
+    std::vector<clip_place> growing = timeline.live_clips();
+    growing.insert(growing.end(), unsaved_.begin(), unsaved_.end());
+    for (const clip_place& place : growing) {
         const std::size_t index = row_with(place.row);
         if (index == size()) continue;
         const auto colour = place.clip->col();
         rows_[index].live.push_back({place.clip, colour ? to_qt(*colour) : rows_[index].colour});
     }
+}
+
+void timeline_rows::set_unsaved(const sxy_DATA_root& timeline, std::vector<clip_place> growing) {
+    unsaved_ = std::move(growing);
+    read_live(timeline);
+}
+
+std::optional<double> clock_of(const timeline_row& row, const sxy_DATA_root& timeline, double at) {
+    if (!row.is_timer || !row.record) return std::nullopt;
+    if (!row.live.empty()) return timer_seconds(*row.record, *row.live.back().clip, true, at);
+    return timer_row_seconds(timeline, *row.record, at);
+}
+
+std::optional<double> clock_of(const timeline_row& row, const sxy_CLIP& clip, bool is_growing, double at) {
+    if (!row.is_timer || !row.record) return std::nullopt;
+    return timer_seconds(*row.record, clip, is_growing, at);
 }
 
 clip_pointer clip_of(const timeline_row& row, std::uint32_t index) {

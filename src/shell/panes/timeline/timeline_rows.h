@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QString>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "app/event/clip_view.h"
@@ -32,6 +33,7 @@ struct timeline_row {
     clip_track dimmed;                 // those that do not, unless they are hidden
     clip_track selected;               // those that are not hidden
     std::vector<live_piece> live;
+    bool is_timer = false;  // a clock is shown for it and on its clips
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
     int top = 0;  // pixels from the first row
@@ -58,6 +60,8 @@ class timeline_rows {
     bool take_verdicts(const clip_view& view);
     // What the change touched.
     void update(const clip_view& view, const change_set& change, const theme& look);
+    // Clips that grow without being on the timeline, by their rows.
+    void set_unsaved(const sxy_DATA_root& timeline, std::vector<clip_place> growing);
     // Rows in which other clips are selected.
     void take_selection(const clip_view& view, const clip_selection::rows& touched);
     void clear();
@@ -77,7 +81,12 @@ class timeline_rows {
 
     std::vector<timeline_row> rows_;
     rows_display display_;
+    std::vector<clip_place> unsaved_;
 };
+
+// What the clock of a timer row, and of one of its clips, shows at a time; nothing where there is none.
+std::optional<double> clock_of(const timeline_row& row, const sxy_DATA_root& timeline, double at);
+std::optional<double> clock_of(const timeline_row& row, const sxy_CLIP& clip, bool is_growing, double at);
 
 // The record of a clip of a row; null when the row has changed since.
 clip_pointer clip_of(const timeline_row& row, std::uint32_t index);

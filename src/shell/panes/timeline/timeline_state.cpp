@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "timeline/edits/clip_edits.h"
 #include "timeline/edits/clip_operations.h"
@@ -342,6 +343,16 @@ void timeline_state::take_change(const change_set& change) {
     grow_reach();
     rows_changed.emit();
     if (selected_count() != selected_before) selection_changed.emit();
+}
+
+void timeline_state::set_unsaved_growing(std::vector<clip_place> growing) {
+    if (!document_) return;
+    rows_.set_unsaved(document_->timeline(), std::move(growing));
+    rows_changed.emit();
+}
+
+std::optional<double> timeline_state::clock_of_row(const timeline_row& row) const {
+    return document_ ? clock_of(row, document_->timeline(), playhead_) : std::nullopt;
 }
 
 void timeline_state::read_rows() {

@@ -52,6 +52,10 @@ class timeline_state {
     bool is_filtered() const { return is_filtered_; }
     // Only while there is a timeline.
     const clip_verdicts& verdicts() const { return view_->verdicts(); }
+    // Clips that grow without being on the timeline.
+    void set_unsaved_growing(std::vector<clip_place> growing);
+    // What the row's clock shows now; nothing when it has none.
+    std::optional<double> clock_of_row(const timeline_row& row) const;
     // The filter judged anew. Reads only the rows in which that made a difference.
     void take_verdicts();
     int first_y() const { return first_y_; }  // pixels that are scrolled out above

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
+#include <utility>
 
 #include "app/event/clip_filtering.h"
 #include "shell/filter/filter_count.h"
@@ -171,6 +172,9 @@ void timeline_view::select_all() {
 }
 void timeline_view::select_passing() {
     state_->select_passing();
+}
+void timeline_view::set_unsaved_growing(std::vector<clip_place> growing) {
+    state_->set_unsaved_growing(std::move(growing));
 }
 void timeline_view::delete_selected() {
     state_->delete_selected();

@@ -29,6 +29,7 @@ class timeline_whole_event;
 class transport;
 class value_slider;
 struct change_set;
+struct clip_place;
 struct filter_standing;
 
 // The timeline pane: header with the zoom, row names, ruler, clips, playhead and the whole event below. It
@@ -69,6 +70,8 @@ class timeline_view final : public QWidget, public pane {
     // The rows chosen among the names: shown as one, or as they were before that.
     void compact_rows();
     void expand_rows();
+    // Clips that grow without being on the timeline.
+    void set_unsaved_growing(std::vector<clip_place> growing);
     // What the filter lets through. With `verdicts_changed` these are read anew.
     void show_filter(const filter_standing& standing, bool verdicts_changed);
     // Clips that are filtered out are left out instead of dimmed.
