@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QToolButton>
 #include <QTreeWidget>
 
@@ -33,6 +34,20 @@ class coding_keys : public testing::shown_event {
                      Qt::KeyboardModifiers held = {}, bool repeats = false) {
         QKeyEvent event(type, key, held, scan_code, 0, 0, QLatin1String(types), repeats);
         QApplication::sendEvent(&to, &event);
+    }
+    template <class Change>
+    void change(const std::string& name, Change how) {
+        auto buttons = event().logger().buttons();
+        for (auto& one : buttons) {
+            if (one->name() == name) one = changed_button(one, how);
+        }
+        event().logger().set_buttons(buttons, 0);
+    }
+    void open_and_see_note(const char* row, const char* note) {
+        ASSERT_TRUE(testing::open_and_wait(*window, folder));
+        const auto clips = timeline().row_named(row)->clips();
+        EXPECT_TRUE(std::any_of(clips.begin(), clips.end(),
+                                [&](const auto& clip) { return clip->note_text() == note; }));
     }
     // Gives the first button of that name another key.
     void bind(const std::string& name, const std::string& key) {
@@ -154,6 +169,40 @@ TEST_F(coding_keys, what_is_typed_into_a_field_is_text_and_what_was_held_before_
     QTest::keyClick(field, Qt::Key_Delete);
     EXPECT_EQ(field->text(), "");
     EXPECT_EQ(timeline().clip_count(), 2U);
+}
+
+// The key that asked for it is still held and repeats into it; the button stays down until it comes up.
+TEST_F(coding_keys, a_note_is_written_while_its_button_is_down) {
+    change("Attack", [](auto& button) { button.set_note_down(true); });
+    change("Goal", [](auto& button) { button.set_note_up(true); });
+    auto* field = find<QPlainTextEdit>("press_note.text");
+    send(*window, QEvent::KeyPress, 38, Qt::Key_A, "a");
+    ASSERT_TRUE(field->isVisible());
+    EXPECT_TRUE(field->hasFocus());
+    send(*field, QEvent::KeyPress, 38, Qt::Key_A, "a", {}, true);
+    for (const Qt::Key key : {Qt::Key_D, Qt::Key_L, Qt::Key_Space, Qt::Key_G}) QTest::keyClick(field, key);
+    EXPECT_EQ(field->toPlainText(), "dl g");
+    EXPECT_EQ(down(), names{"Attack"});
+    send(*field, QEvent::KeyRelease, 38, Qt::Key_A, "a");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return down().empty(); }));
+    EXPECT_TRUE(field->isVisible());
+    // A press by the mouse ends it; its own note takes the place of the first.
+    QTest::mouseClick(find<QWidget>(("code_button." + button("Goal")).c_str()), Qt::LeftButton);
+    const auto note_of = [this](const char* row) {
+        return timeline().row_named(row)->clips()[0]->note_text();
+    };
+    EXPECT_EQ(note_of("Attack"), "dl g");
+    EXPECT_TRUE(field->isVisible());
+    EXPECT_EQ(field->toPlainText(), "");
+    QTest::keyClicks(field, "far post");
+    QTest::keyClick(field, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(note_of("Goal"), "far post");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !field->isVisible(); }));
+    // What is typed when the event goes is kept.
+    QTest::keyClick(window.get(), Qt::Key_A);
+    QTest::keyClicks(field, "last");
+    window->session().close();
+    open_and_see_note("Attack", "last");
 }
 
 TEST_F(coding_keys, a_window_that_is_left_lets_all_come_up_once) {

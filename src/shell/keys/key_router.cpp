@@ -76,7 +76,8 @@ bool key_router::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::ShortcutOverride:
             return takes_keys_of(watched) && override_shortcut(*static_cast<QKeyEvent*>(event));
         case QEvent::KeyPress:
-            return takes_keys_of(watched) && press(*static_cast<QKeyEvent*>(event));
+            return (takes_keys_of(watched) || repeats_held(watched, *static_cast<QKeyEvent*>(event))) &&
+                   press(*static_cast<QKeyEvent*>(event));
         case QEvent::MouseButtonPress:
             end_typing(watched);
             return false;
@@ -93,6 +94,15 @@ bool key_router::takes_keys_of(QObject* watched) const {
     const auto* widget = static_cast<const QWidget*>(watched);
     if (widget->window() != window_ || QApplication::activePopupWidget()) return false;
     return window_->isActiveWindow() && !is_text_field(QApplication::focusWidget());
+}
+
+// A key that is held goes on repeating when its press has put the focus into a text field.
+bool key_router::repeats_held(QObject* watched, const QKeyEvent& event) const {
+    if (!watched->isWidgetType()) return false;
+    const std::uint64_t key = physical_key(event);
+    const bool is_pending = std::any_of(pending_.begin(), pending_.end(),
+                                        [key](const pending_release& one) { return one.key == key; });
+    return held_.contains(key) || (is_pending && is_unmarked_repeat(event));
 }
 
 void key_router::end_typing(QObject* watched) const {

@@ -57,6 +57,7 @@ class key_router final : public QObject {
     };
 
     bool takes_keys_of(QObject* watched) const;
+    bool repeats_held(QObject* watched, const QKeyEvent& event) const;
     bool override_shortcut(QKeyEvent& event);
     void end_typing(QObject* watched) const;
     bool press(QKeyEvent& event);

@@ -35,6 +35,7 @@
 #include "shell/window/event_opener.h"
 #include "shell/window/filter_commands.h"
 #include "shell/window/key_map.h"
+#include "shell/window/note_popover.h"
 #include "shell/window/pane_host.h"
 #include "shell/window/save_moments.h"
 #include "shell/window/saved_label.h"
@@ -136,6 +137,7 @@ void main_window::build() {
     setMinimumSize(window_sizes.least_window_width, window_sizes.least_window_height);
     session_->attach(std::make_unique<window_binder>(*this, *session_));
     new key_map(*this, *session_);
+    session_->attach(std::make_unique<note_binder>(*new note_popover(*this, session_->notices())));
     panes_ = std::make_unique<pane_host>(*session_, *commands_, places_);
     collection_ = &panes_->add<collection_pane>(pane_kind::collection);
     code_ = &panes_->add<code_window_view>(pane_kind::code_window);

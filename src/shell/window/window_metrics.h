@@ -18,6 +18,7 @@ struct window_metrics {
     int small_window_width = 1200;       // the side bar too
     int key_map_column = 240;            // least width of its columns
     int key_map_key = 32;                // least width of a key
+    int press_note_width = 280;          // of the note that a press asks for
     double key_map_ground_share = 0.94;  // how much it covers what is below it
 };
 inline constexpr window_metrics window_sizes;
