@@ -77,7 +77,7 @@ TEST(code_window_face, every_display_field_is_seen) {
     code_button_look live = down;
     live.state.is_live = true;
     code_button_look latched = down;
-    latched.is_latched = true;
+    latched.state.is_latched = true;
     button.hides_down_state = false;
     EXPECT_NE(painted(button, live), usual[1]);
     EXPECT_NE(painted(button, latched), usual[1]);
@@ -183,9 +183,15 @@ TEST_F(stored_code_window, its_ground_its_scroll_position_and_pictures_are_shown
     EXPECT_FALSE(is_the_picture(1));  // it is said to be a drawn shape
     const QImage canvas = view->canvas().grab().toImage();
     EXPECT_EQ(canvas.pixelColor(1, 1), to_qt(*settings.background_colour));
-    const auto* bar = view->findChild<QScrollArea*>()->verticalScrollBar();
+    auto* bar = view->findChild<QScrollArea*>()->verticalScrollBar();
     const int wanted = static_cast<int>(40 * view->canvas().scale());
     EXPECT_EQ(bar->value(), wanted);
+    // Where the user scrolls it to is kept, beside what else is there.
+    bar->setValue(wanted + 21);
+    window->session().close();
+    const logger_settings kept = load_logger_settings(logger);
+    EXPECT_NEAR(kept.scroller_offset_y, 40 + 21 / view->canvas().scale(), 2);
+    EXPECT_EQ(kept.background_colour, settings.background_colour);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "shell/event/code_window_binder.h"
 
 #include <QImageReader>
+#include <chrono>
 #include <utility>
 
 #include "app/event/open_event.h"
@@ -25,6 +26,7 @@ namespace {
 
 // A picture is kept no larger than a screen of twice the resolution shows it on its button.
 constexpr double picture_scale = 2;
+constexpr std::chrono::seconds scroll_kept_after(1);
 
 QImage read_picture(const std::string& path, const rectangle& place) {
     const wait_note note("open", path);
@@ -58,7 +60,14 @@ code_window_look read_code_window_look(const std::string& event_folder,
 
 code_window_binder::code_window_binder(code_window_view& view, event_session& session)
     : view_(view), session_(session) {
-    seek_asked_ = view_.seek_asked.connect([this](double seconds) { session_.player().seek(seconds); });
+    of_view_.push_back(view_.seek_asked.connect([this](double seconds) { session_.player().seek(seconds); }));
+    of_view_.push_back(view_.scrolled.connect([this](const QPointF& place) {
+        scrolled_to_ = place;
+        keeps_scroll_.start();
+    }));
+    keeps_scroll_.setSingleShot(true);
+    keeps_scroll_.setInterval(scroll_kept_after);
+    QObject::connect(&keeps_scroll_, &QTimer::timeout, &keeps_scroll_, [this] { keep_scroll(); });
 }
 
 code_window_binder::~code_window_binder() {
@@ -74,9 +83,11 @@ pane* code_window_binder::shown_in() {
 
 void code_window_binder::let_go() {
     view_.release_mouse();
+    keep_scroll();
 }
 
 void code_window_binder::show(open_event* event) {
+    keep_scroll();
     tick_.reset();
     of_event_.clear();
     guard_.drop();
@@ -91,6 +102,17 @@ void code_window_binder::show(open_event* event) {
     read_look(true);
     view_.set_name(session_.name());
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
+}
+
+// Where the code window was left is part of it, not an edit.
+void code_window_binder::keep_scroll() {
+    keeps_scroll_.stop();
+    const auto place = std::exchange(scrolled_to_, std::nullopt);
+    if (!event_ || !place || event_->timeline().is_read_only()) return;
+    logger_settings settings = event_->code_window_file().window().settings;
+    settings.scroller_offset_x = place->x();
+    settings.scroller_offset_y = place->y();
+    event_->code_window_file().set_settings(std::move(settings));
 }
 
 void code_window_binder::show_buttons() {

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QPointF>
+#include <QTimer>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "shell/event/event_binder.h"
@@ -17,7 +20,7 @@ class pane_tick;
 
 // Shows the event's code window in a pane and presses its buttons; while the event can only be read every
 // press is refused and told. How the code window looks, and the pictures of its buttons, are read on a queue
-// and shown when they are there. Main thread.
+// and shown when they are there. Where the user scrolls it to is kept with it. Main thread.
 class code_window_binder final : public event_binder {
   public:
     // View and session must outlive this.
@@ -32,6 +35,7 @@ class code_window_binder final : public event_binder {
 
   private:
     void show_buttons();
+    void keep_scroll();
     // `scrolls`: to where the code window was left.
     void read_look(bool scrolls);
 
@@ -39,7 +43,9 @@ class code_window_binder final : public event_binder {
     event_session& session_;
     open_event* event_ = nullptr;
     std::unique_ptr<pane_tick> tick_;
-    connection seek_asked_;
+    std::vector<connection> of_view_;
+    std::optional<QPointF> scrolled_to_;  // not kept yet
+    QTimer keeps_scroll_;
     std::vector<connection> of_event_;
     posted_work_guard guard_;
     std::unique_ptr<serial_queue> queue_;  // made when it is first wanted; after what its work uses

@@ -32,7 +32,7 @@ class refusing_source final : public code_window_source {
         state.is_blocked = true;
         return state;
     }
-    void press(const std::string& button, double, const QPointF&) override {
+    void press(const std::string& button, double, const QPointF&, bool) override {
         for (const auto& one : source_->buttons()) {
             if (one.uuid == button) return refused_(one.name);
         }

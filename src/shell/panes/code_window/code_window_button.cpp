@@ -77,8 +77,12 @@ void code_window_button::show_words() {
         words += tr("\nThere was no clip to put it on");
         description += tr(", no clip to put it on");
     }
-    if (is_latched_) words += tr("\nHeld down until its next press");
-    if (state_.is_down) description += is_latched_ ? tr(", held down") : tr(", down");
+    if (state_.is_latched) words += tr("\nHeld down until its next press");
+    if (state_.waits) {
+        words += tr("\nGoes to the next qualifier");
+        description += tr(", goes to the next qualifier");
+    }
+    if (state_.is_down) description += state_.is_latched ? tr(", held down") : tr(", down");
     setToolTip(words);
     setAccessibleDescription(description);
 }
@@ -94,7 +98,6 @@ void code_window_button::set_state(const code_button_state& state) {
     if (!state.is_down && state_.is_down) {
         const qint64 left = theme::current().motion.momentary - since_down_.elapsed();
         if (left > 0) lingers_.start(static_cast<int>(left));
-        is_latched_ = false;
     }
     if (!state.is_down && !button_.shows_clock) time_.clear();
     state_ = state;
@@ -136,41 +139,20 @@ QPointF code_window_button::place_of(const QPointF& at) const {
             std::clamp((at.y() - face.top()) / face.height(), 0.0, 1.0)};
 }
 
-void code_window_button::press(const QPointF& place, double clock_seconds) {
+void code_window_button::press(const QPointF& place, double clock_seconds, bool latches) {
     is_pressing_ = true;
     show_ping(place);
-    Q_EMIT went_down(clock_seconds, place);
+    Q_EMIT went_down(clock_seconds, place, latches);
     is_pressing_ = false;
 }
 
 void code_window_button::hold(int holder, const QPointF& place, double clock_seconds) {
-    if (unlatch(clock_seconds)) return;
     const bool is_first = holders_.empty();
-    if (holders_.insert(holder).second && is_first) press(place, clock_seconds);
+    if (holders_.insert(holder).second && is_first) press(place, clock_seconds, false);
 }
 
 void code_window_button::release(int holder, double clock_seconds) {
-    if (holders_.erase(holder) > 0 && holders_.empty() && !is_latched_) Q_EMIT went_up(clock_seconds);
-}
-
-void code_window_button::latch(const QPointF& place, double clock_seconds) {
-    if (unlatch(clock_seconds)) return;
-    if (holders_.empty()) press(place, clock_seconds);
-    set_latched(state_.is_down);  // not where the press was refused
-}
-
-// Whether this press was the one for which it stayed down.
-bool code_window_button::unlatch(double clock_seconds) {
-    if (!is_latched_) return false;
-    set_latched(false);
-    if (holders_.empty()) Q_EMIT went_up(clock_seconds);
-    return true;
-}
-
-void code_window_button::set_latched(bool latched) {
-    is_latched_ = latched;
-    show_words();
-    update();
+    if (holders_.erase(holder) > 0 && holders_.empty()) Q_EMIT went_up(clock_seconds);
 }
 
 void code_window_button::touch(int id, const QPointF& at, double clock_seconds) {
@@ -182,7 +164,7 @@ void code_window_button::lift(int id, double clock_seconds) {
 }
 
 void code_window_button::let_go() {
-    if (std::exchange(holders_, {}).empty() || is_latched_) return;
+    if (std::exchange(holders_, {}).empty()) return;
     Q_EMIT went_up(steady_clock().seconds());
 }
 
@@ -191,7 +173,7 @@ void code_window_button::mousePressEvent(QMouseEvent* event) {
         event->button() == Qt::RightButton ||
         (event->button() == Qt::LeftButton && event->modifiers().testFlag(Qt::ShiftModifier));
     if (latches) {
-        latch(place_of(event->position()), moment_of(*event));
+        press(place_of(event->position()), moment_of(*event), true);
     } else if (event->button() == Qt::LeftButton) {
         hold(mouse_holder, place_of(event->position()), moment_of(*event));
     }
@@ -250,7 +232,6 @@ void code_window_button::paintEvent(QPaintEvent*) {
     shown.time = time_;
     shown.picture = picture_.isNull() ? nullptr : &picture_;
     shown.ping = ping();
-    shown.is_latched = is_latched_;
     shown.is_hovered = underMouse();
     shown.has_focus = hasFocus();
     shown.is_enabled = isEnabled();

@@ -40,9 +40,6 @@ class code_window_button final : public QAbstractButton {
     // A finger: `id` names it, `at` is where it is on this widget.
     void touch(int id, const QPointF& at, double clock_seconds);
     void lift(int id, double clock_seconds);
-    // It stays down until its next press.
-    bool is_latched() const { return is_latched_; }
-    void set_latched(bool latched);
     // Releases when the mouse, a key or a finger holds it.
     void let_go();
 
@@ -51,8 +48,9 @@ class code_window_button final : public QAbstractButton {
     QSize sizeHint() const override;
 
   Q_SIGNALS:
-    // `place` in proportions of the face, from its upper left corner.
-    void went_down(double clock_seconds, const QPointF& place);
+    // `place` in proportions of the face, from its upper left corner. `latches`: it is to stay down until its
+    // next press, whatever holds it.
+    void went_down(double clock_seconds, const QPointF& place, bool latches);
     void went_up(double clock_seconds);
 
   protected:
@@ -72,16 +70,13 @@ class code_window_button final : public QAbstractButton {
     // What holds it: the mouse and the Return key have numbers below those of fingers.
     void hold(int holder, const QPointF& place, double clock_seconds);
     void release(int holder, double clock_seconds);
-    void latch(const QPointF& place, double clock_seconds);
-    bool unlatch(double clock_seconds);
-    void press(const QPointF& place, double clock_seconds);
+    void press(const QPointF& place, double clock_seconds, bool latches);
     void show_ping(const QPointF& place);
     void show_words();
 
     code_button button_;
     code_button_state state_;
     std::set<int> holders_;
-    bool is_latched_ = false;
     bool is_pressing_ = false;  // a press by hand is being told
     QElapsedTimer since_down_;
     QTimer lingers_;

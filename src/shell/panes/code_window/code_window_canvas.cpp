@@ -5,7 +5,6 @@
 #include <QTouchEvent>
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <utility>
 
 #include "shell/keys/event_stamp.h"
@@ -33,18 +32,11 @@ code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
 
 void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
     let_go();  // what is held would never come up otherwise
-    std::set<std::string> latched;
-    for (const code_window_button* each : widgets_) {
-        if (each->is_latched()) latched.insert(each->button().uuid);
-    }
     qDeleteAll(widgets_);
     widgets_.clear();
     by_uuid_.clear();
     all_ = std::move(buttons);
-    for (const code_button& button : all_) {
-        add(button);
-        if (latched.contains(button.uuid)) widgets_.back()->set_latched(true);
-    }
+    for (const code_button& button : all_) add(button);
     // The Tab key goes along the rows as they are seen, not as they were made.
     std::vector<code_window_button*> seen = widgets_;
     std::stable_sort(seen.begin(), seen.end(), [](const auto* a, const auto* b) {
@@ -62,8 +54,8 @@ void code_window_canvas::add(const code_button& button) {
     auto* made = new code_window_button(button, this);
     const std::string uuid = button.uuid;
     connect(made, &code_window_button::went_down, this,
-            [this, uuid](double clock_seconds, const QPointF& place) {
-                Q_EMIT went_down(uuid, clock_seconds, place);
+            [this, uuid](double clock_seconds, const QPointF& place, bool latches) {
+                Q_EMIT went_down(uuid, clock_seconds, place, latches);
             });
     connect(made, &code_window_button::went_up, this,
             [this, uuid](double clock_seconds) { Q_EMIT went_up(uuid, clock_seconds); });

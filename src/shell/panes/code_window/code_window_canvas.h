@@ -35,7 +35,6 @@ class code_window_canvas final : public QWidget {
   public:
     explicit code_window_canvas(QWidget* parent);
 
-    // Those that are there already stay held down where they are to be until their next press.
     void set_buttons(std::vector<code_button> buttons);
     void set_ground(std::optional<QColor> ground);
     void set_pictures(std::map<std::string, QImage> pictures);
@@ -53,7 +52,7 @@ class code_window_canvas final : public QWidget {
 
   Q_SIGNALS:
     // `place` in proportions of the button, from its upper left corner.
-    void went_down(const std::string& uuid, double clock_seconds, const QPointF& place);
+    void went_down(const std::string& uuid, double clock_seconds, const QPointF& place, bool latches);
     void went_up(const std::string& uuid, double clock_seconds);
 
   protected:

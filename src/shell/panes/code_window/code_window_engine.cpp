@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <set>
 #include <unordered_map>
+#include <utility>
 
 #include "logger/press_engine.h"
 #include "shell/kit/theme.h"
@@ -29,12 +31,18 @@ class engine_source final : public code_window_source {
         observed_.push_back(engine_.fired.connect([this](const button_fired& fired) {
             blocked_[fired.button] = fired.blocked && fired.is_down;
             if (fired.is_down) found_none_ = fired.nothing_to_stamp ? fired.button : std::string();
+            if (!engine_.has_waiting_attributes()) waiting_.clear();
+            if (fired.waits) waiting_.insert(fired.button);
             states_changed.emit();
         }));
-        observed_.push_back(engine_.buttons_changed.connect([this] { buttons_changed.emit(); }));
+        observed_.push_back(engine_.attributes_given_up.connect([this] { states_changed.emit(); }));
+        observed_.push_back(engine_.buttons_changed.connect([this] {
+            are_rows_known_ = false;
+            buttons_changed.emit();
+        }));
         observed_.push_back(timeline_.changed.connect([this](const change_set& change) {
             if ((change.kinds & (change_set::rows_changed | change_set::clips_changed)) == 0) return;
-            rows_.clear();
+            are_rows_known_ = false;
             states_changed.emit();
         }));
     }
@@ -50,21 +58,24 @@ class engine_source final : public code_window_source {
         code_button_state made;
         const markup_Button_Item* button = engine_.button(uuid);
         if (!button) return made;
-        const bool makes_clips = band_of(*button) == code_button::band::left;
         if (const auto down = engine_.down_since(uuid)) {
             made.is_down = true;
-            made.is_live = button->is(button_type::clip);
+            made.is_live = button->makes_clips();
+            made.is_latched = down->is_latched;
             made.down_since = down->since;
         }
         const auto blocked = blocked_.find(uuid);
         made.is_blocked = blocked != blocked_.end() && blocked->second;
         made.found_none = uuid == found_none_;
-        if (makes_clips) made.count = static_cast<std::uint32_t>(clips_of(uuid).size());
+        made.waits = engine_.has_waiting_attributes() && waiting_.contains(uuid);
+        if (band_of(*button) == code_button::band::left)
+            made.count = static_cast<std::uint32_t>(clips_of(uuid).size());
         return made;
     }
 
-    void press(const std::string& button, double clock_seconds, const QPointF&) override {
-        engine_.press(button, playing_.collection_time_at(clock_seconds));
+    void press(const std::string& button, double clock_seconds, const QPointF& place, bool latches) override {
+        engine_.press(button, playing_.collection_time_at(clock_seconds),
+                      {press_cause::press, latches, point{place.x(), place.y()}});
     }
     void release(const std::string& button, double clock_seconds) override {
         engine_.release(button, playing_.collection_time_at(clock_seconds));
@@ -72,8 +83,7 @@ class engine_source final : public code_window_source {
     double collection_time() const override { return playing_.shown_time(); }
 
     clip_list clips_of(const std::string& uuid) const override {
-        const markup_Button_Item* button = engine_.button(uuid);
-        const row_pointer row = button ? row_of(*button) : nullptr;
+        const row_pointer row = row_of(uuid);
         return row ? row->clips() : clip_list();
     }
 
@@ -122,30 +132,27 @@ class engine_source final : public code_window_source {
         made.shows_down_time = display.down_time;
     }
 
-    // The row that the button's clips go to. What is asked for is looked up once after each change of the
-    // timeline, however many buttons and rows there are.
-    row_pointer row_of(const markup_Button_Item& button) const {
-        if (rows_.empty()) {
-            for (const row_pointer& row : timeline_.timeline().rows()) {
-                rows_.emplace(key_of(row->name(), row->category()), row);
-                rows_.emplace(row->name(), row);
-            }
+    // The row that the button's clips go to. All are looked up once after each change of the timeline,
+    // however many buttons and rows there are.
+    row_pointer row_of(const std::string& uuid) const {
+        if (!std::exchange(are_rows_known_, true)) {
+            rows_.clear();
+            const std::vector<row_pointer> all = engine_.rows_of_all();
+            for (std::size_t i = 0; i < all.size(); ++i) rows_[engine_.buttons()[i]->uuid()] = all[i];
         }
-        auto found = rows_.find(key_of(button.name(), button.category()));
-        if (found == rows_.end()) found = rows_.find(button.name());
+        const auto found = rows_.find(uuid);
         return found == rows_.end() ? nullptr : found->second.lock();
-    }
-    static std::string key_of(const std::string& name, const std::string& category) {
-        return name + '\0' + category;
     }
 
     press_engine& engine_;
     timeline_document& timeline_;
     transport& playing_;
     std::unordered_map<std::string, bool> blocked_;
-    std::string found_none_;  // the button pressed last, when there was nothing to stamp
-    // By name, and by name with category; not held, or the next edit would have to copy them.
+    std::string found_none_;         // the button pressed last, when there was nothing to stamp
+    std::set<std::string> waiting_;  // whose attributes wait for a qualifier
+    // By button; not held, or the next edit would have to copy them.
     mutable std::unordered_map<std::string, std::weak_ptr<const sxy_ROW>> rows_;
+    mutable bool are_rows_known_ = false;
     std::vector<connection> observed_;
 };
 

@@ -53,8 +53,10 @@ struct code_button {
 struct code_button_state {
     bool is_down = false;
     bool is_live = false;     // a clip grows
+    bool is_latched = false;  // down until its next press
     bool is_blocked = false;  // presses have no effect for now
     bool found_none = false;  // of all presses its was the last, and there was nothing to stamp
+    bool waits = false;       // its attribute goes to the next qualifier
     double down_since = 0;    // seconds on the collection's clock
     std::uint32_t count = 0;  // of what it made; 0 is not shown
     bool operator==(const code_button_state&) const = default;
@@ -79,7 +81,6 @@ struct code_button_look {
     QString time;
     const QImage* picture = nullptr;
     std::optional<QPointF> ping;  // a press is marked there, in proportions of the face
-    bool is_latched = false;      // down until its next press
     bool is_hovered = false;
     bool has_focus = false;
     bool is_enabled = true;

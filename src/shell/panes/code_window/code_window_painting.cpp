@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The face of a code window's button.
+#include <QCoreApplication>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -126,7 +127,7 @@ void paint_ground(QPainter& painter, const theme& look, const code_button& butto
     painter.setPen(QPen(colours.edge, metrics.line));
     painter.drawPath(
         code_button_outline(button.shape, face.adjusted(0.5, 0.5, -0.5, -0.5), metrics.radius_button));
-    if (!shown.is_latched) return;
+    if (!shown.state.is_latched) return;
     const double away = metrics.grid;
     painter.setPen(QPen(colours.ink, metrics.line, Qt::DashLine));
     painter.drawPath(
@@ -172,6 +173,12 @@ void paint_corner(QPainter& painter, const theme& look, const QRectF& place, con
             icon_pixmap(QStringLiteral("warning"), shown.state.is_down ? colours.ink : look.warning,
                         look.metrics.icon, painter.device()->devicePixelRatioF());
         return painter.drawPixmap(mark, warning, QRectF(warning.rect()));
+    }
+    if (shown.state.waits) {
+        painter.setFont(theme::font(type_step::secondary_strong));
+        painter.setPen(colours.ink);
+        return painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                                QCoreApplication::translate("code_window_button", "Next…"));
     }
     const bool has_time = !shown.time.isEmpty();
     if (!has_time && shown.state.count == 0) return;
@@ -225,7 +232,7 @@ code_button_look visible_look(const code_button& button, code_button_look shown)
     if (!button.hides_down_state) return shown;
     shown.state.is_down = false;
     shown.state.is_live = false;
-    shown.is_latched = false;
+    shown.state.is_latched = false;
     if (!button.shows_clock && !button.shows_down_time) shown.time.clear();
     return shown;
 }
@@ -242,7 +249,7 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
     paint_ground(painter, look, button, face, colours, shown);
     const code_button_layout words = code_button_layout_of(button, face);
     paint_key_cap(painter, look, button, words.cap, colours, shown.state.is_down);
-    if (words.has_corner || shown.state.is_blocked || shown.state.found_none)
+    if (words.has_corner || shown.state.is_blocked || shown.state.found_none || shown.state.waits)
         paint_corner(painter, look, words.corner, colours, shown);
     if (shown.state.is_live) paint_live_dot(painter, look, words, shown.time);
     if (button.shows_name) paint_name(painter, look, words, colours, shown.picture != nullptr);

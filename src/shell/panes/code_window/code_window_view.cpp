@@ -51,10 +51,10 @@ code_window_view::code_window_view(QWidget* parent)
 
 void code_window_view::connect_canvas() {
     connect(canvas_, &code_window_canvas::went_down, this,
-            [this](const std::string& button, double moment, const QPointF& place) {
+            [this](const std::string& button, double moment, const QPointF& place, bool latches) {
                 if (!source_) return;
                 pressing_ = button;
-                source_->press(button, moment, place);
+                source_->press(button, moment, place, latches);
                 pressing_.clear();
                 const code_window_button* pressed = canvas_->button(button);
                 if (pressed && pressed->button().lists_clips) show_list(*pressed);
@@ -65,7 +65,7 @@ void code_window_view::connect_canvas() {
     connect(list_, &clip_list_popover::chosen, this, [this](double seconds) { seek_asked.emit(seconds); });
     for (QScrollBar* bar : {area_->horizontalScrollBar(), area_->verticalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, [this] {
-            if (!is_fitting_) scroll_.reset();
+            if (!is_fitting_) note_scroll();
         });
     }
     // What the keys do besides pressing buttons is what the window's keys window tells.
@@ -220,6 +220,12 @@ void code_window_view::scroll() {
     area_->horizontalScrollBar()->setValue(static_cast<int>(scroll_->x() * canvas_->scale()));
     area_->verticalScrollBar()->setValue(static_cast<int>(scroll_->y() * canvas_->scale()));
     is_fitting_ = false;
+}
+
+void code_window_view::note_scroll() {
+    scroll_ = QPointF(area_->horizontalScrollBar()->value(), area_->verticalScrollBar()->value()) /
+              canvas_->scale();
+    scrolled.emit(*scroll_);
 }
 
 void code_window_view::showEvent(QShowEvent* event) {

@@ -37,7 +37,9 @@ class code_window_source {
     virtual std::vector<code_button> buttons() const = 0;
     virtual code_button_state state(const std::string& button) const = 0;
     // At a moment of the monotonic clock; `place` on the button in proportions, from its upper left corner.
-    virtual void press(const std::string& button, double clock_seconds, const QPointF& place) = 0;
+    // `latches`: it stays down until its next press.
+    virtual void press(const std::string& button, double clock_seconds, const QPointF& place,
+                       bool latches) = 0;
     virtual void release(const std::string& button, double clock_seconds) = 0;
     virtual double collection_time() const = 0;
     // Of the row that the button's clips go to.
@@ -75,7 +77,7 @@ class code_window_view final : public QWidget, public pane {
     // Releases what the mouse and fingers hold down.
     void release_mouse();
     void set_look(code_window_look look);
-    // Until the user scrolls that place of the canvas is in the upper left corner, as far as there is
+    // Until the user scrolls, that place of the canvas is in the upper left corner, as far as there is
     // anything to scroll.
     void scroll_to(const QPointF& place);
     // The window's actions are others; what a button's key takes from them is told in the header.
@@ -83,6 +85,8 @@ class code_window_view final : public QWidget, public pane {
 
     // The user chose a time in a button's list.
     signal<double> seek_asked;
+    // The user scrolled: that place of the canvas is in the upper left corner.
+    signal<const QPointF&> scrolled;
 
     // The size at which nothing is scaled or scrolled.
     QSize sizeHint() const override;
@@ -102,6 +106,7 @@ class code_window_view final : public QWidget, public pane {
     void show_list(const code_window_button& button);
     void fit();
     void scroll();
+    void note_scroll();
 
     std::unique_ptr<code_window_source> source_;
     pane_header* header_;
@@ -110,7 +115,7 @@ class code_window_view final : public QWidget, public pane {
     code_window_canvas* canvas_;
     QPointer<clip_list_popover> list_;  // it belongs to the window while it is shown
     std::string pressing_;              // the button whose press by hand is being told
-    std::optional<QPointF> scroll_;     // to be kept; none: the user's
+    std::optional<QPointF> scroll_;     // to be kept, of the canvas in its logical pixels
     bool is_fitting_ = false;
     std::vector<connection> connections_;
     std::vector<connection> theme_changed_;
