@@ -36,6 +36,8 @@ note_popover::note_popover(QWidget& window, event_notices& notices)
     column->setSpacing(metrics.grid);
     column->addWidget(title_);
     column->addWidget(field_);
+    column->addWidget(make_label(tr("Ctrl+Return: done · Escape: as it was"), type_step::secondary,
+                                 QStringLiteral("muted"), this));
     hide();
 }
 
