@@ -17,7 +17,7 @@ struct button_key_binding {
     bool opt = false;
     bool ctr = false;
     bool function = false;
-    std::uint16_t key_code = 0;  // of the hardware; differs from machine to machine
+    std::uint16_t key_code = 0;  // of the hardware, as the kernel numbers keys (evdev); 0: none
     std::string chars_no_mod;    // what the key types without modifiers, UTF-8
     std::string chars;           // what it types with them
 

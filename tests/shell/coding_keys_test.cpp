@@ -49,8 +49,8 @@ class coding_keys : public testing::shown_event {
         EXPECT_TRUE(std::any_of(clips.begin(), clips.end(),
                                 [&](const auto& clip) { return clip->note_text() == note; }));
     }
-    // Gives the first button of that name another key.
-    void bind(const std::string& name, const std::string& key) {
+    // Gives the first button of that name another key: by what it types, or else by its code.
+    void bind(const std::string& name, const std::string& key, std::uint16_t code = 0) {
         auto buttons = event().logger().buttons();
         for (auto& one : buttons) {
             if (one->name() != name) continue;
@@ -58,6 +58,7 @@ class coding_keys : public testing::shown_event {
             ASSERT_TRUE(display.binding);
             display.binding->chars_no_mod = key;
             display.binding->chars = key;
+            display.binding->key_code = code;
             one = changed_button(one, [&](auto& changed) { changed.set_display(display); });
         }
         event().logger().set_buttons(buttons, 0);
@@ -116,6 +117,29 @@ TEST_F(coding_keys, a_release_is_the_keys_whatever_it_types_by_then) {
         send(*window, QEvent::KeyRelease, each.scan_code, each.key_by_then, each.types_by_then, each.held);
         EXPECT_EQ(down(), names{}) << each.button << " " << each.held;
         EXPECT_EQ(timeline().clip_count(), clips + 1);
+    }
+}
+
+// By the kernel's number, which window systems tell with 8 added.
+TEST_F(coding_keys, a_key_bound_by_its_code_counts_whatever_it_types) {
+    constexpr std::uint16_t a_key = 30;
+    bind("Goal", "", a_key);
+    struct row {
+        quint32 scan_code;
+        Qt::Key key;
+        const char* types;
+        names pressed;
+    };
+    const row rows[] = {{a_key + 8, Qt::Key_Y, "y", {"Goal"}},
+                        {a_key + 8, Qt::Key_unknown, "", {"Goal"}},
+                        {a_key, Qt::Key_Y, "y", {}},
+                        {a_key + 16, Qt::Key_Y, "y", {}},
+                        {0, Qt::Key_Y, "y", {}}};
+    for (const row& each : rows) {
+        send(*window, QEvent::KeyPress, each.scan_code, each.key, each.types);
+        EXPECT_EQ(down(), each.pressed) << each.scan_code << " " << each.types;
+        send(*window, QEvent::KeyRelease, each.scan_code, each.key, each.types);
+        EXPECT_EQ(down(), names{});
     }
 }
 

@@ -10,6 +10,15 @@ namespace {
 // Qt's codes of keys that type a character are that character; the others lie above.
 constexpr int first_key_without_character = 0x01000000;
 
+// The codes of X11 begin at 8, and what else Qt reads keys from (Wayland, the kernel itself) is given the
+// same ones. Smaller ones are no key's.
+constexpr quint32 first_native_code = 8;
+
+std::uint16_t key_code_of(quint32 native_code) {
+    if (native_code <= first_native_code || native_code - first_native_code > 0xFFFF) return 0;
+    return static_cast<std::uint16_t>(native_code - first_native_code);
+}
+
 }  // namespace
 
 key_stroke key_stroke_of(const QKeyEvent& event) {
@@ -19,7 +28,7 @@ key_stroke key_stroke_of(const QKeyEvent& event) {
     stroke.shift = held.testFlag(Qt::ShiftModifier);
     stroke.opt = held.testFlag(Qt::AltModifier);
     stroke.ctr = held.testFlag(Qt::ControlModifier);
-    stroke.key_code = static_cast<std::uint16_t>(event.nativeScanCode());
+    stroke.key_code = key_code_of(event.nativeScanCode());
     QString typed;
     if (event.key() > 0 && event.key() < first_key_without_character) {
         // Not the text of the event: with Control held that is a control character.
