@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # tests/<folder>/*.cpp    -> one GoogleTest program test_<folder>, linked to that folder's library
+# tests/input/*.cpp       -> test_input, linked to the shell: real keys and mouse, on an X server of its own
 # tests/cli/*_test.py     -> run with the path of vistels-cli in VISTELS_CLI
 # tests/structure/*_test.py -> run on the sources
 #
@@ -16,7 +17,12 @@ if(VISTELS_SANITIZE)
 endif()
 set(test_environment "LC_ALL=C.UTF-8")
 
+# vistels_folder_tests(NAME [FOLDER]): tests/NAME, of src/FOLDER or src/NAME.
 function(vistels_folder_tests name)
+    set(folder ${name})
+    if(ARGC GREATER 1)
+        set(folder ${ARGV1})
+    endif()
     file(GLOB sources CONFIGURE_DEPENDS "${test_root}/${name}/*.cpp")
     if(name STREQUAL "media" AND NOT VISTELS_MEDIA)
         list(FILTER sources INCLUDE REGEX "/(plain_[^/]*|[^/]*stub[^/]*)\\.cpp$")
@@ -35,13 +41,15 @@ function(vistels_folder_tests name)
     target_include_directories(${program} PRIVATE "${test_root}")
     target_compile_definitions(${program} PRIVATE VISTELS_GOLDEN_FOLDER="${test_root}/golden"
                                VISTELS_SOURCE_FOLDER="${CMAKE_SOURCE_DIR}")
-    target_link_libraries(${program} PRIVATE vistels_${name} GTest::gtest)
+    target_link_libraries(${program} PRIVATE vistels_${folder} GTest::gtest)
     if(NOT own_main)
         target_link_libraries(${program} PRIVATE GTest::gtest_main)
     endif()
-    if(name STREQUAL "shell")
+    if(folder STREQUAL "shell")
         find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
         target_link_libraries(${program} PRIVATE Qt6::Test)
+    endif()
+    if(name STREQUAL "shell")
         # Started through an environment that holds for listing the tests as well, not for running alone.
         set_target_properties(${program} PROPERTIES AUTOMOC ON
             CROSSCOMPILING_EMULATOR "${CMAKE_COMMAND};-E;env;QT_QPA_PLATFORM=offscreen")
@@ -57,6 +65,13 @@ foreach(folder IN LISTS folders)
         vistels_folder_tests(${folder})
     endif()
 endforeach()
+
+# With sanitizers tests/shell is enough: what these add is the way from the keyboard to the program.
+if(VISTELS_SHELL AND NOT VISTELS_SANITIZE)
+    pkg_check_modules(vistels_xcb REQUIRED IMPORTED_TARGET xcb xcb-xtest)
+    vistels_folder_tests(input shell)
+    target_link_libraries(test_input PRIVATE PkgConfig::vistels_xcb)
+endif()
 
 # vistels_script_tests(FOLDER variable=value...)
 function(vistels_script_tests folder)

@@ -18,6 +18,7 @@
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
 #include "support/open_and_wait.h"
+#include "support/patience.h"
 #include "support/small_movies.h"
 #include "support/temporary_folder.h"
 #include "video/video_coll_Files.h"
@@ -47,7 +48,7 @@ class shown_event : public ::testing::Test {
         window->resize(size);
         window->show();
         window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        ASSERT_TRUE(becomes_active(window.get()));
         ASSERT_TRUE(open_and_wait(*window, folder));
     }
     void TearDown() override {
