@@ -22,6 +22,7 @@ struct press_action {
         stamp,              // a qualifier
         attribute,          // of a qualifier
         forget_attributes,  // those that wait for one
+        jump,               // of the playhead: nothing waits or goes on after a clip's end any more
         trigger,
         rename,
     };

@@ -259,8 +259,11 @@ void press_engine::playhead_jumped(double from, double to, bool is_loop_turn) {
     }
     for (auto& state : down_) state.due_place += to - from;
     if (playhead_) playhead_->at = to;
-    recorder_.end_running();
-    if (recorder_.has_waiting_attributes()) give_up_attributes();
+    const bool attributes_waited = recorder_.has_waiting_attributes();
+    press_action jump;
+    jump.what = press_action::kind::jump;
+    (void)recorder_.record(std::move(jump));
+    if (attributes_waited) attributes_given_up.emit();
 }
 
 void press_engine::give_up_attributes() {

@@ -75,6 +75,19 @@ void press_recorder::tell_trouble(const failure& reason) {
     observer_.trouble(reason);
 }
 
+bool press_recorder::has_waiting_attributes() const {
+    bool has_some = !waiting_attributes_.empty();
+    for (const auto& action : waiting_) {
+        if (action.what == kind::attribute) {
+            has_some = has_some || action.button->stage() != attribute_stage::last;
+        } else if (action.what == kind::stamp || action.what == kind::forget_attributes ||
+                   action.what == kind::jump) {
+            has_some = false;
+        }
+    }
+    return has_some;
+}
+
 void press_recorder::shift_times(double seconds) {
     for (auto& action : waiting_) action.shift(seconds);
     for (auto& one : running_) {
@@ -124,6 +137,9 @@ result<press_outcome> press_recorder::make(const press_action& action) {
             return add_trigger(action);
         case kind::rename:
             return rename(action);
+        case kind::jump:
+            running_.clear();
+            [[fallthrough]];
         case kind::forget_attributes:
             waiting_attributes_.clear();
             break;

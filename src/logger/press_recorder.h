@@ -55,9 +55,8 @@ class press_recorder {
     // Called at every display tick: what waits is tried again, and while something is down the time is noted.
     void tick(double at, bool anything_down);
 
-    bool has_waiting_attributes() const { return !waiting_attributes_.empty(); }
-    // The playhead jumped: what its clips were followed by is not running any more.
-    void end_running() { running_.clear(); }
+    // Attributes will wait for a qualifier when all is on record that waits for that.
+    bool has_waiting_attributes() const;
     void shift_times(double seconds);
 
     // Clips that grow and are not put on record before they end.
