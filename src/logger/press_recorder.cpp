@@ -8,6 +8,13 @@
 
 namespace vistels {
 
+namespace {
+
+// A press is told after the tick of its moment, but not later than that.
+constexpr double latest_press_seconds = 10;
+
+}  // namespace
+
 press_recorder::press_recorder(timeline_document& document, const clock& time, const button_set& buttons,
                                observer told)
     : document_(document),
@@ -63,6 +70,9 @@ result<void> press_recorder::record_waiting() {
 void press_recorder::tick(double at, bool anything_down) {
     const double now = time_.seconds();
     if (!waiting_.empty() && now - last_retry_seconds_ >= retry_interval_seconds) (void)record_waiting();
+    if (waiting_.empty()) {
+        std::erase_if(running_, [&](const auto& one) { return one.until < at - latest_press_seconds; });
+    }
     if (!anything_down || now - last_note_seconds_ < note_interval_seconds) return;
     last_note_seconds_ = now;
     const auto noted = document_.note_time(at);
@@ -257,7 +267,7 @@ void press_recorder::note_finish(const press_action& action, const planned_finis
     for (auto& one : last_stamped_) {
         if (!document_.timeline().find_clip(one.clip) && !unsaved(one.clip)) one.clip = plan.clip;
     }
-    std::erase_if(running_, [&](const auto& one) { return one.until < action.at || one.clip == plan.clip; });
+    std::erase_if(running_, [&](const auto& one) { return one.clip == plan.clip; });
     if (pressed.span.end > action.at) running_.push_back({plan.clip, action.at, pressed.span.end});
 }
 

@@ -181,12 +181,22 @@ TEST(press, stamps_a_qualifier_where_it_belongs) {
     const auto blocks = of_a([](auto& a) { a.set_block_qualifiers(true); });
     const auto overlaps = of_a([](auto& a) { a.set_allow_overlapping_clips(true); });
     const setting inside = [](coding& code) { code.engine->set_settings({true, 2, false}); };
+    const setting up_later = [](coding& code) {
+        of_a([](auto& a) {
+            a.set_secs_in(6);
+            a.set_auto_up(true);
+            a.set_auto_up_duration(1);
+        })(code);
+        code.button('B').set_secs_out(2);
+    };
     const setting inside_blocked = [=](coding& code) { inside(code), blocks(code); };
     expect_all({
         {"growing clips", nullptr, "1+A 2+B 3+Q 4-A 5-B", "A 1-4(Q); B 2-5(Q)"},
         {"growing ones before those that hold the time", nullptr, "1+A 9-A 3+B 4+Q 5-B", "A 1-9; B 3-5(Q)"},
         {"a growing one that blocks", blocks, "1+A 2+B 3+Q 4-A 5-B", "A 1-4; B 2-5(Q)"},
         {"one whose lag still runs", lead_and_lag(0, 3), "1+A 2-A 3+Q 4+B 5+R 6-B", "A 1-5(Q,R); B 4-6(R)"},
+        {"also when another went up at a later time", up_later, "10+A 10.5j5 5+B 5.1-B 6 6.2+Q",
+         "A 4-11; B 5-7.1(Q)"},
         {"not any more after a jump", lead_and_lag(0, 3), "1+A 2-A 3j4 4+B 4.5+Q 6-B", "A 1-5; B 4-6(Q)"},
         {"nor when it is over", lead_and_lag(0, 3), "1+A 2-A 6+B 7+Q 8-B", "A 1-5; B 6-8(Q)"},
         {"the last started of each row", overlaps, "1+A 9-A 3+A 9-A 2+B 8-B 5+Q", "A 1-9 3-9(Q); B 2-8(Q)"},
