@@ -104,9 +104,16 @@ class editable_document {
     // Things that begin with one edit and end with another, such as a clip while its button is down, are a
     // step when they have ended.
     struct growing_things {
-        std::vector<std::string> begun;  // identifiers
+        struct beginning {
+            std::string thing;           // its identifier
+            change_pointer made_for_it;  // what takes back what was made for it; null: nothing
+        };
+        std::vector<beginning> begun;
         std::vector<std::string> ended;
-        change_pointer rest;  // where some began: what takes back the edit but for those; null: nothing
+        std::vector<std::string> given_up;  // they began with an earlier edit and are gone for good
+        // Where some began or were given up: what takes back all else of the edit; null: nothing.
+        change_pointer own;
+        bool is_plain() const { return begun.empty() && given_up.empty(); }
     };
     virtual growing_things growing(const document_change& done, const document_change& back) const;
 

@@ -18,9 +18,10 @@ std::shared_ptr<const std::vector<document_part>> shared(std::vector<document_pa
 
 // What of an edit begins or ends things that grow.
 struct undo_stack::growth {
-    std::vector<std::string> begun;
+    std::map<std::string, part_list> begun;  // with what takes back what was made for it
     std::vector<std::string> ended;
-    part_list rest;  // takes back the edit but for what began
+    std::vector<std::string> given_up;
+    part_list own;  // takes back the edit but for what began or was given up
 };
 
 undo_stack::undo_stack(editable_document& document, const run_loop& loop) : document_(document), loop_(loop) {
@@ -35,22 +36,17 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
     }
     if (inverse.parts.empty()) return;
     auto growing = growth_of(edit, inverse);
-    if (!growing.begun.empty()) {
-        if (!growing.rest.empty()) {
-            begun_[*std::min_element(growing.begun.begin(), growing.begun.end())] = std::move(growing.rest);
-        }
-        redo_.clear();
-        changed.emit();
-        return;
+    for (auto& [thing, made_for_it] : growing.begun) {
+        if (!made_for_it.empty()) begun_[thing] = std::move(made_for_it);
     }
-    // What grew was given up: nothing of it is left that could be taken back.
-    if (const auto dropped = growth_of(inverse, edit).begun; !dropped.empty()) {
-        for (const auto& one : dropped) begun_.erase(one);
+    for (const auto& one : growing.given_up) begun_.erase(one);
+    if (growing.own.empty() && growing.ended.empty()) {
+        if (!growing.begun.empty()) redo_.clear();
         forget_void_steps();
         changed.emit();
         return;
     }
-    part_list back = inverse.parts;
+    part_list back = std::move(growing.own);
     for (const auto& ended : growing.ended) {
         if (auto begun = begun_.extract(ended)) back = joined(std::move(begun.mapped()), back);
     }
@@ -71,19 +67,29 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
     changed.emit();
 }
 
-// What is left out of `rest` its end takes back.
+// What is left out of `own` the end of what began takes back.
 undo_stack::growth undo_stack::growth_of(const document_edit& edit, const document_edit& inverse) const {
     growth all;
-    for (const auto& part : edit.parts) {
-        const auto* document = document_.find(part.document);
-        const auto back = std::find_if(inverse.parts.begin(), inverse.parts.end(),
-                                       [&](const auto& one) { return one.document == part.document; });
-        if (!document || back == inverse.parts.end()) continue;
-        auto found = document->growing(*part.change, *back->change);
-        all.begun.insert(all.begun.end(), found.begun.begin(), found.begun.end());
+    for (const auto& back : inverse.parts) {
+        const auto* document = document_.find(back.document);
+        const auto part = std::find_if(edit.parts.begin(), edit.parts.end(),
+                                       [&](const auto& one) { return one.document == back.document; });
+        if (!document || part == edit.parts.end()) {
+            all.own.push_back(back);
+            continue;
+        }
+        auto found = document->growing(*part->change, *back.change);
         all.ended.insert(all.ended.end(), found.ended.begin(), found.ended.end());
-        if (!found.begun.empty() && found.rest) all.rest.push_back({part.document, found.rest, nullptr});
-        if (found.begun.empty()) all.rest.push_back(*back);
+        for (const auto& one : found.begun) {
+            part_list& made_for_it = all.begun[one.thing];
+            if (one.made_for_it) made_for_it.push_back({back.document, one.made_for_it, nullptr});
+        }
+        all.given_up.insert(all.given_up.end(), found.given_up.begin(), found.given_up.end());
+        if (found.is_plain()) {
+            all.own.push_back(back);
+        } else if (found.own) {
+            all.own.push_back({back.document, found.own, nullptr});
+        }
     }
     return all;
 }

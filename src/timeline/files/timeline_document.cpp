@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
+#include <map>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "document/document_failures.h"
@@ -34,6 +37,23 @@ change_pointer growing_clips(const timeline_snapshot& timeline) {
 file_content_mark mark_of(const known_file& known) {
     if (known.identity.inode == 0) return {};
     return {known.identity.size, known.hash};
+}
+
+using clips_in_rows = std::map<std::string, shared_text>;
+
+// Whether it takes back the beginning of one of the first or the giving up of one of the others.
+bool is_of_clips(const operation::any& any, const clips_in_rows& begun, const clips_in_rows& given_up) {
+    if (const auto* remove = std::get_if<operation::remove_clip>(&any)) return begun.contains(remove->clip);
+    const auto* begin = std::get_if<operation::begin_clip>(&any);
+    return begin && given_up.contains(begin->clip->id());
+}
+
+// The row that it makes, takes away or changes; empty for all else.
+shared_text row_of(const operation::any& any) {
+    if (const auto* insert = std::get_if<operation::insert_row>(&any)) return insert->row->uuid();
+    if (const auto* remove = std::get_if<operation::remove_row>(&any)) return remove->row;
+    if (const auto* change = std::get_if<operation::change_row>(&any)) return change->row;
+    return {};
 }
 
 // Who saved last; nothing when it cannot be told.
@@ -204,9 +224,66 @@ void timeline_document::finish_growing(const char* name) {
     if (auto applied = apply(std::move(edit)); !applied) messages_.push_back(applied.error());
 }
 
+// What the edits of apply_jointly() have done so far.
+struct timeline_document::joint_edit {
+    timeline_edit whole;
+    timeline_edit inverse;
+    change_set touched;
+    edit_stamp stamp;
+    std::vector<std::function<void()>> withdraws;
+
+    void withdraw() {
+        while (!withdraws.empty()) {
+            withdraws.back()();
+            withdraws.pop_back();
+        }
+    }
+};
+
+result<void> timeline_document::make_jointly(timeline_edit edit) {
+    complete_edit(edit, joint_->stamp);
+    const auto growing_before = timeline_.live_clips();
+    auto applied = apply_edit(timeline_, edit, joint_->touched);
+    if (!applied) return applied.error();
+    auto& back = applied.value().operations;
+    joint_->withdraws.emplace_back([this, inverse = applied.value(), growing_before] {
+        withdraw_edit(timeline_, inverse, growing_before);
+    });
+    auto& whole = joint_->whole;
+    if (edit.stamp) whole.stamp = edit.stamp;
+    std::move(edit.operations.begin(), edit.operations.end(), std::back_inserter(whole.operations));
+    std::move(edit.others.begin(), edit.others.end(), std::back_inserter(whole.others));
+    auto& inverse = joint_->inverse.operations;
+    inverse.insert(inverse.begin(), back.begin(), back.end());
+    return {};
+}
+
+result<void> timeline_document::apply_jointly(std::string name, std::string scope,
+                                              const std::function<result<void>()>& edits) {
+    joint_edit joint;
+    joint.whole.name = joint.inverse.name = std::move(name);
+    joint.whole.scope = joint.inverse.scope = std::move(scope);
+    joint.whole.is_complete = joint.inverse.is_complete = true;
+    joint.stamp = {author_, seconds_since_1970(), collection_number_};
+    joint_ = &joint;
+    auto done = edits();
+    joint_ = nullptr;
+    const timeline_edit& whole = joint.whole;
+    const auto nothing = []() -> result<void> { return {}; };
+    const auto stored = [&] { return write_edit(whole); };
+    const bool is_empty = whole.operations.empty() && whole.others.empty();
+    if (done && !is_empty) done = record({whole.name, whole.others, nothing, [] {}, stored});
+    if (!done) joint.withdraw();
+    if (!done || is_empty) return done;
+    joint.inverse.others = reversed(whole.others);
+    tell_of(std::move(joint.whole), std::move(joint.inverse), std::move(joint.touched));
+    return {};
+}
+
 result<void> timeline_document::apply(timeline_edit edit) {
-    complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
+    if (!joint_) complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
     if (!can_edit()) return read_only_reason();
+    if (joint_) return make_jointly(std::move(edit));
     change_set touched;
     timeline_edit inverse;
     const auto growing_before = timeline_.live_clips();
@@ -219,13 +296,17 @@ result<void> timeline_document::apply(timeline_edit edit) {
     const auto withdraw = [&] { withdraw_edit(timeline_, inverse, growing_before); };
     const auto stored = [&] { return write_edit(edit); };
     if (auto recorded = record({edit.name, edit.others, make, withdraw, stored}); !recorded) return recorded;
+    tell_of(std::move(edit), std::move(inverse), std::move(touched));
+    return {};
+}
+
+void timeline_document::tell_of(timeline_edit edit, timeline_edit inverse, change_set touched) {
     follow_shift(edit);
     touched.revision = revision();
     edited.emit(edit, inverse);
     const std::string own = timeline_.uuid();
     made.emit(document_edit_of(std::move(edit), own), document_edit_of(std::move(inverse), own));
     changed.emit(touched);
-    return {};
 }
 
 change_pointer timeline_document::still_possible(const change_pointer& change) const {
@@ -243,25 +324,49 @@ std::optional<document_part> timeline_document::joined(const document_part& earl
     return document_part{later.document, timeline_change_of(std::move(both)), nullptr};
 }
 
+// Of several edits in one a clip may begin and end together; what takes back either takes the clip away.
 timeline_document::growing_things timeline_document::growing(const document_change& done,
                                                              const document_change& back) const {
     growing_things found;
+    std::map<std::string, shared_text> begun;     // with their rows
+    std::map<std::string, shared_text> given_up;  // the same
+    std::unordered_set<shared_text> rows_with_others;
     for (const auto& any : operations_in(done)) {
         if (const auto* begin = std::get_if<operation::begin_clip>(&any))
-            found.begun.push_back(begin->clip->id());
-        if (const auto* finish = std::get_if<operation::finish_clip>(&any))
+            begun.emplace(begin->clip->id(), begin->row);
+        if (const auto* insert = std::get_if<operation::insert_clip>(&any))
+            rows_with_others.insert(insert->row);
+        if (const auto* finish = std::get_if<operation::finish_clip>(&any)) {
             found.ended.push_back(finish->clip);
+            if (const auto row = begun.extract(finish->clip)) rows_with_others.insert(row.mapped());
+        }
     }
-    if (found.begun.empty()) return found;
-    // The clips themselves are left out: their finish takes them back.
-    std::vector<operation::any> rest;
     for (const auto& any : operations_in(back)) {
-        const auto* remove = std::get_if<operation::remove_clip>(&any);
-        const bool is_begun =
-            remove && std::find(found.begun.begin(), found.begun.end(), remove->clip) != found.begun.end();
-        if (!is_begun) rest.push_back(any);
+        if (const auto* begin = std::get_if<operation::begin_clip>(&any))
+            given_up.emplace(begin->clip->id(), begin->row);
     }
-    if (!rest.empty()) found.rest = timeline_change_of(std::move(rest));
+    for (const auto& [clip, row] : given_up) found.given_up.push_back(clip);
+    if (begun.empty() && given_up.empty()) return found;
+    // The clips themselves are left out: the end of one that began takes it back.
+    std::unordered_map<shared_text, std::vector<operation::any>> of_row;
+    std::vector<operation::any> own;
+    for (const auto& any : operations_in(back)) {
+        if (is_of_clips(any, begun, given_up)) continue;
+        const shared_text row = row_of(any);
+        const auto is_there = [&](const auto& clips) {
+            return !rows_with_others.contains(row) &&
+                   std::any_of(clips.begin(), clips.end(),
+                               [&](const auto& one) { return one.second == row; });
+        };
+        if (!row.empty() && is_there(given_up)) continue;
+        (!row.empty() && is_there(begun) ? of_row[row] : own).push_back(any);
+    }
+    for (const auto& [clip, row] : begun) {
+        auto back_of_row = of_row.extract(row);
+        found.begun.push_back(
+            {clip, back_of_row ? timeline_change_of(std::move(back_of_row.mapped())) : nullptr});
+    }
+    if (!own.empty()) found.own = timeline_change_of(std::move(own));
     return found;
 }
 

@@ -59,6 +59,13 @@ class timeline_document : public recorded_document {
     // other documents opening does not bring back: see recovered().
     result<void> apply(timeline_edit edit);
 
+    // The edits that `edits` applies are one: each changes the timeline at once, so that the next is planned
+    // on it, and all go on record as one line and are told together when it returns. When it fails, or the
+    // whole cannot be put on record, all of them are taken back. What they change of other documents comes
+    // last.
+    result<void> apply_jointly(std::string name, std::string scope,
+                               const std::function<result<void>()>& edits);
+
     result<void> make(document_edit edit) override { return apply(timeline_edit_of(std::move(edit))); }
 
     // Notes the collection time while clips grow: the end that they get should the process die.
@@ -101,6 +108,9 @@ class timeline_document : public recorded_document {
     result<known_file> read_data(files_read& read, const failure& not_locked, std::vector<failure>& messages);
     result<void> read_header(files_read& read, std::vector<failure>& messages);
     void finish_growing(const char* name);
+    struct joint_edit;
+    result<void> make_jointly(timeline_edit edit);
+    void tell_of(timeline_edit edit, timeline_edit inverse, change_set touched);
     void follow_shift(const timeline_edit& edit);
     result<save_work> take_save() override;
     result<void> write_files(const revision_to_save& revision, conflicts_met& met);
@@ -121,6 +131,7 @@ class timeline_document : public recorded_document {
     std::vector<std::string> finished_clips_;
     std::optional<double> last_noted_seconds_;
     std::function<save_companion()> begin_companion_;
+    joint_edit* joint_ = nullptr;  // while apply_jointly() runs
     std::vector<std::pair<timeline_edit, timeline_edit>> recovered_;
 };
 
