@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,9 @@ struct button_fired {
     bool waits = false;             // its attribute goes to the next qualifier
     bool dropped = false;           // its clip was given up
     bool recorded = true;           // false: kept in memory, see press_engine::trouble
+    // The press or release with which it began, by its number in this run, and the button of that.
+    std::uint64_t round = 0;
+    std::string first_button;
 };
 
 }  // namespace vistels

@@ -18,6 +18,11 @@ const button_record* button_set::find(std::string_view uuid) const {
     return found == places_.end() ? nullptr : &buttons_[found->second];
 }
 
+std::optional<std::size_t> button_set::place_of(std::string_view uuid) const {
+    const auto found = places_.find(uuid);
+    return found == places_.end() ? std::nullopt : std::optional(found->second);
+}
+
 void button_set::replace(button_record button) {
     const auto found = places_.find(button->uuid());
     if (found != places_.end()) buttons_[found->second] = std::move(button);

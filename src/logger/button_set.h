@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,6 +22,8 @@ class button_set {
     const std::vector<button_record>& all() const { return buttons_; }
     // Null when there is none.
     const button_record* find(std::string_view uuid) const;
+    // Where it lies among all().
+    std::optional<std::size_t> place_of(std::string_view uuid) const;
     // Puts it in the place of the one with its UUID, if there is one.
     void replace(button_record button);
     // The one before (-1) or after (1) it among those of its category, by "sort_order" and then as they lie

@@ -36,12 +36,6 @@ void code_window_document::set_settings(logger_settings settings) {
     note_change();
 }
 
-void code_window_document::replace(const button_record& button) {
-    apply_button_changes(window_, {{button->uuid(), 0, button}});
-    note_change();
-    changed.emit();
-}
-
 result<void> code_window_document::change(const document_change& change) {
     apply_button_changes(window_, button_changes_in(change));
     return {};

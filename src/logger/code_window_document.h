@@ -34,8 +34,6 @@ class code_window_document : public kept_document {
 
     // Sets what is no edit: where the canvas is scrolled to, what timeline it is linked to.
     void set_settings(logger_settings settings);
-    // The button is changed for this run, and saved, without being on record: when the record failed.
-    void replace(const button_record& button);
 
     // The buttons changed.
     signal<> changed;

@@ -17,12 +17,41 @@ bool is_same(clip_span a, clip_span b) {
 
 }  // namespace
 
+coded_clips::knowledge& coded_clips::to_change(const std::string& clip) {
+    const auto found = known_.find(clip);
+    if (is_trial_)
+        earlier_.try_emplace(clip, found == known_.end() ? std::nullopt : std::optional(found->second));
+    return found == known_.end() ? known_[clip] : found->second;
+}
+
+void coded_clips::begin_trial() {
+    is_trial_ = true;
+    made_before_ = made_.size();
+}
+
+void coded_clips::end_trial() {
+    is_trial_ = false;
+    earlier_.clear();
+}
+
+void coded_clips::take_back_trial() {
+    made_.resize(made_before_);
+    for (auto& [clip, before] : earlier_) {
+        if (before) {
+            known_[clip] = std::move(*before);
+        } else {
+            known_.erase(clip);
+        }
+    }
+    end_trial();
+}
+
 void coded_clips::note_button(const std::string& clip, const std::string& button) {
-    known_[clip].button = button;
+    to_change(clip).button = button;
 }
 
 void coded_clips::note_held(const std::string& clip, clip_span span, clip_span held) {
-    auto& given = known_[clip].given;
+    auto& given = to_change(clip).given;
     const auto same = std::find_if(given.begin(), given.end(),
                                    [&](const given_span& one) { return is_same(one.span, span); });
     if (same != given.end()) {

@@ -29,6 +29,12 @@ class coded_clips {
     // Nothing when it has another span than presses gave it: it was changed by hand.
     std::optional<clip_span> held_time(const sxy_CLIP& clip) const;
 
+    // What is noted from begin_trial() on is kept by end_trial(), or was never so by take_back_trial(). No
+    // shift in between.
+    void begin_trial();
+    void end_trial();
+    void take_back_trial();
+
     // All times of the timeline moved.
     void shift(double seconds);
 
@@ -42,7 +48,13 @@ class coded_clips {
         std::vector<given_span> given;  // more than one: it was moved since, which may be taken back
     };
 
+    knowledge& to_change(const std::string& clip);
+
     std::unordered_map<std::string, knowledge> known_;
+    bool is_trial_ = false;
+    std::size_t made_before_ = 0;  // of a trial
+    std::unordered_map<std::string, std::optional<knowledge>>
+        earlier_;  // what a trial changed; none: not known
     std::vector<std::string> made_;
 };
 

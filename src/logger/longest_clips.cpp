@@ -21,13 +21,15 @@ double longest_clips::of(const sxy_ROW& row) const {
 void longest_clips::follow(const change_set& change) {
     if ((change.kinds | change_set::others_changed) == change_set::everything) return known_.clear();
     const auto& timeline = document_.timeline();
-    for (const auto& clip : change.clips) {
-        const auto place = timeline.find_clip(clip);
-        if (!place || place->is_live) continue;
-        const auto known = known_.find(place->row);
-        if (known == known_.end()) continue;
-        known->second = std::max(known->second, place->clip->secs_end() - place->clip->secs_start());
-    }
+    for (const auto& clip : change.clips) note(timeline, clip);
+}
+
+void longest_clips::note(const sxy_DATA_root& timeline, const std::string& clip) {
+    const auto place = timeline.find_clip(clip);
+    if (!place || place->is_live) return;
+    const auto known = known_.find(place->row);
+    if (known == known_.end()) return;
+    known->second = std::max(known->second, place->clip->secs_end() - place->clip->secs_start());
 }
 
 }  // namespace vistels

@@ -17,6 +17,9 @@ class longest_clips {
     // Seconds; looked through when it is asked for the first time.
     double of(const sxy_ROW& row) const;
 
+    // A clip that was put into its row just now, before the document tells of it.
+    void note(const sxy_DATA_root& timeline, const std::string& clip);
+
   private:
     void follow(const change_set& change);
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "logger/logger_item_display_info.h"
+#include "logger/markup_Button_Action_Link_ITEM.h"
 #include "timeline/records/trigger_event_ITEM.h"
 #include "util/colour_text.h"
 #include "util/property_value.h"
@@ -113,6 +114,7 @@ struct button_fields {
     button_formula formula;
     button_field field;
     std::vector<trigger_event_ITEM> trig_array;
+    std::vector<markup_Button_Action_Link_ITEM> action_links;
     logger_item_display_info display;
     property_dictionary stored;
     std::string made_up_uuid;  // the UUID, when it is one for this run only
@@ -229,6 +231,13 @@ class markup_Button_Item : record, button_fields {
     // When playback puts the button down or up, in the order in which they were added.
     std::vector<trigger_event_ITEM> triggers() const { return read(trig_array); }
     void set_triggers(std::vector<trigger_event_ITEM> all) { write(trig_array, std::move(all)); }
+    // What its going down or up does to other buttons, in this order.
+    std::vector<markup_Button_Action_Link_ITEM> action_links() const {
+        return read(button_fields::action_links);
+    }
+    void set_action_links(std::vector<markup_Button_Action_Link_ITEM> links) {
+        write(button_fields::action_links, std::move(links));
+    }
     logger_item_display_info display() const { return read(button_fields::display); }
     void set_display(logger_item_display_info display) { write(button_fields::display, std::move(display)); }
     // Whether a key presses it.

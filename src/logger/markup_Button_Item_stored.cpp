@@ -61,6 +61,16 @@ std::optional<std::vector<trigger_event_ITEM>> read_as(const property_value& val
     return all;
 }
 
+std::optional<std::vector<markup_Button_Action_Link_ITEM>> read_as(
+    const property_value& value, const std::vector<markup_Button_Action_Link_ITEM>&) {
+    if (!value.array()) return std::nullopt;
+    std::vector<markup_Button_Action_Link_ITEM> all;
+    for (const auto& one : *value.array()) {
+        if (auto link = read_action_link(one)) all.push_back(std::move(*link));
+    }
+    return all;
+}
+
 template <class Plain>
 property_value written(const Plain& value) {
     return property_value(value);
@@ -77,6 +87,11 @@ property_value written(const button_key_binding& value) {
 property_value written(const std::vector<trigger_event_ITEM>& triggers) {
     property_array all;
     for (const auto& trigger : triggers) all.emplace_back(write_trigger(trigger));
+    return all;
+}
+property_value written(const std::vector<markup_Button_Action_Link_ITEM>& links) {
+    property_array all;
+    for (const auto& link : links) all.emplace_back(write_action_link(link));
     return all;
 }
 // A value that is not set is a null, which takes the key away.
@@ -103,6 +118,15 @@ void keep_unknown(const property_value& before, const std::vector<trigger_event_
     if (!had || !now.array()) return;
     for (const auto& one : *had) {
         if (!read_trigger(one)) now.array()->push_back(one);
+    }
+}
+
+void keep_unknown(const property_value& before, const std::vector<markup_Button_Action_Link_ITEM>&,
+                  property_value& now) {
+    const auto* had = before.array();
+    if (!had || !now.array()) return;
+    for (const auto& one : *had) {
+        if (!read_action_link(one)) now.array()->push_back(one);
     }
 }
 
@@ -194,6 +218,7 @@ void visit_all(Fields& button, Visitor visit) {
     visit("multi formula output offset y", display.multi_formula_output_offset.y);
     visit("start_click_pt x", display.start_click_x);
     visit("start_click_pt y", display.start_click_y);
+    visit("button actions array", button.action_links);
 }
 
 std::vector<property_value> written_values(const button_fields& button) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,12 +35,21 @@ struct press_action {
     std::string time_of_day;
     std::optional<point> place;         // on the field of a Cartesian button, by its scales
     std::vector<std::string> selected;  // to be renamed
+    std::uint64_t round = 0;            // that it belongs to
 
     void shift(double seconds) {
         at += seconds;
         held.pressed += seconds;
         held.released += seconds;
     }
+};
+
+// What one press or release sets off, with what it does to other buttons: on record as one edit.
+struct press_round {
+    std::uint64_t number = 0;  // of this run, from 1
+    std::string name;          // of the button that it began with
+    std::string button;        // its UUID
+    std::vector<press_action> actions;
 };
 
 struct press_outcome {

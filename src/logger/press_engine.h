@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "logger/button_fired.h"
+#include "logger/button_looks.h"
 #include "logger/button_set.h"
+#include "logger/link_graph.h"
 #include "logger/press_recorder.h"
 #include "logger/press_settings.h"
+#include "logger/trigger_track.h"
 #include "timeline/files/timeline_document.h"
 #include "util/clock.h"
 #include "util/result.h"
@@ -70,16 +75,25 @@ struct press_manner {
 // A clip that was taken away by an edit while it grew stays away when its button goes up. One that is missing
 // without that is a loss: it is made again from what the press knows, and `made_again` tells.
 //
-// Each press and release is one edit, named after the button, with the button's UUID for scope; the two of a
-// clip are one step for undo. A press that cannot be put on record is kept in memory with all that follow it,
-// `trouble` tells, and the work is tried again in order: at each further press and once a second in tick().
-// The states change at once all the same.
+// Links. A press, a release, an auto-up, a trigger begins a round. A button that changes its state follows
+// its links in their order, each of them to its end before the next; a button that was pressed or released in
+// the round is not put down or up again by a link, nor is one that is in that state already. A link with a
+// condition is looked at when one of the buttons that have it to the same button comes into the state it
+// names, with the states of that moment. A blocked button changes its state without what it makes, for the
+// rest of the round: a clip that grew is given up. What links make of colours and order is of this run.
+//
+// Triggers of buttons put them down or up as the playhead passes them, at their own times.
+//
+// Each round is one edit, named after the button it began with, with that button's UUID for scope; the rounds
+// in which a clip begins and ends are one step for undo. A press that cannot be put on record is kept in
+// memory with all that follow it, `trouble` tells, and the work is tried again in order: at each further
+// press and once a second in tick(). The states change at once all the same.
 class press_engine {
   public:
     // Both must outlive the engine; so must what `set_transport` is given.
     press_engine(timeline_document& document, const clock& time);
     // Releases nothing: call release_all() before.
-    ~press_engine() = default;
+    ~press_engine();
     press_engine(const press_engine&) = delete;
     press_engine& operator=(const press_engine&) = delete;
 
@@ -94,6 +108,11 @@ class press_engine {
         selected_ = std::move(selected);
     }
 
+    // Where the code window is on record with the timeline: the part of an edit that makes the button that.
+    // Without it a trigger that a press adds is told by `trigger_added` alone.
+    using button_planner = std::function<std::optional<document_part>(const button_record& changed)>;
+    void set_button_planner(button_planner plan) { plan_button_ = std::move(plan); }
+
     // The timeline's times moved by that many seconds: what is down and what is not on record yet moves
     // along.
     void shift_times(double seconds);
@@ -105,6 +124,8 @@ class press_engine {
     const markup_Button_Item* button(std::string_view uuid) const;
     // The buttons that the key presses, in canvas order.
     std::vector<std::string> buttons_for_key(const key_stroke& key) const;
+    // What links, and presses on its field, have made of a button's look in this run.
+    const button_looks& looks() const { return looks_; }
     // The row that the button's clips go to; null when it is still to be made.
     row_pointer row_of(const markup_Button_Item& button) const {
         return buttons_.row_of(document_.timeline(), button);
@@ -127,15 +148,20 @@ class press_engine {
     // The playhead went from one time to another without playing or stepping; the turn of a loop ends clips
     // wherever it leads to.
     void playhead_jumped(double from, double to, bool is_loop_turn = false);
-    // Called at every display tick, playing or not: auto-ups, the time on record, what could not be recorded.
+    // Playback begins, goes on in another direction, or ends. Without it no trigger is passed.
+    void follow_playing(double at, bool runs_forwards);
+    // Called at every display tick, playing or not: auto-ups, triggers, the time on record, what could not be
+    // recorded.
     void tick(double at);
+    bool has_triggers() const { return triggers_.has_any(); }
 
     bool is_down(std::string_view button) const { return state_of(button) != nullptr; }
     std::optional<down_button> down_since(std::string_view button) const;
     // In the order in which they went down.
     std::vector<down_button> down_buttons() const;
-    // When the next auto-up is due if the collection's time runs on, in seconds on its clock.
-    std::optional<double> next_auto_up() const;
+    // When the next auto-up is due, or the next trigger passed, if the collection's time runs on, in seconds
+    // on its clock.
+    std::optional<double> next_due() const;
     // Clips that grow and are not on the timeline yet, since live clips are not saved.
     std::vector<clip_place> unsaved_growing() const { return recorder_.unsaved_growing(); }
 
@@ -150,9 +176,14 @@ class press_engine {
     signal<> attributes_given_up;
     // A note is to be taken of the clip that this button makes.
     signal<const std::string& /*clip*/, const std::string& /*button*/> note_wanted;
-    // The press of the last button added the trigger to the button of that UUID, which buttons() holds with
-    // it by now: it is to be saved with the code window.
-    signal<const std::string&, const trigger_event_ITEM&, const markup_Button_Item&> trigger_added;
+    // A press added a trigger to the button of that UUID, which buttons() holds with it by now, without an
+    // edit of the code window (see set_button_planner): it is to be saved with that.
+    signal<const std::string&> trigger_added;
+    // A link asks for the button to be in the middle of what is seen.
+    signal<const std::string&> center_wanted;
+    // A link was followed to its effect: from one button to another, of that kind.
+    signal<const std::string&, const std::string&, const link_kind&> link_fired;
+    signal<> looks_changed;
     // Why presses cannot be recorded, once when it begins (or the reason changes); an empty text when all
     // are.
     signal<const failure&> trouble;
@@ -184,16 +215,27 @@ class press_engine {
     bool take_over(button_state& state, double at, const press_manner& manner);
     void go_down(const button_record& pressed, double at, const press_manner& manner);
     void go_up(const std::string& button, double at, press_cause cause, bool drops = false);
+    void go_up_in_round(const button_record& released, double at, press_cause cause, bool drops);
     void set_due(button_state& state, const markup_Button_Item& button, double from);
     void follow_playhead(double at);
     void release_due(double at);
-    void fire(button_fired event, const markup_Button_Item& button, std::optional<press_action> action);
     void press_beside(const markup_Button_Item& button, double at, bool is_down);
     void give_up_attributes();
+    struct round;
+    void in_round(const markup_Button_Item& first, const std::function<void()>& act);
+    void finish_round();
+    void tell_of(const button_fired& event, const markup_Button_Item& button);
+    void note_state(const std::string& button, bool is_down);
+    void follow_links(const markup_Button_Item& button, bool is_down, double at);
+    void follow_link(const link_graph::link& link, const button_record& target, double at);
+    bool may_change(const std::string& button) const;
+    std::optional<document_part> plan_trigger(const std::string& button, const trigger_event_ITEM& trigger);
+    void take_triggers(bool is_recorded);
+    void pass_triggers(double at);
+    void note_trace(const markup_Button_Item& pressed, const press_manner& manner);
+    button_record worn(const button_record& button) const;
     std::optional<press_action> action_of_press(const button_record& pressed, const button_state& state,
                                                 const press_manner& manner) const;
-    void add_trigger(const std::string& button, const trigger_event_ITEM& trigger,
-                     const markup_Button_Item& pressed);
 
     timeline_document& document_;
     const clock& time_;
@@ -201,9 +243,19 @@ class press_engine {
     button_set buttons_;
     press_recorder recorder_;
     std::function<std::vector<std::string>()> selected_;
-    std::vector<button_state> down_;    // in the order in which they went down
-    std::vector<std::string> pressed_;  // in what the press under way sets off
-    std::optional<playhead> playhead_;  // at the last tick, or when the first button went down
+    button_planner plan_button_;
+    std::vector<button_state> down_;  // in the order in which they went down
+    link_graph graph_;
+    button_looks looks_;
+    trigger_track triggers_;
+    std::unique_ptr<round> round_;  // under way
+    std::uint64_t rounds_ = 0;
+    struct planned_trigger {
+        button_record button;  // with it
+        bool is_on_record = false;
+    };
+    std::vector<planned_trigger> planned_;  // of the round that is being recorded
+    std::optional<playhead> playhead_;      // at the last tick, or when the first button went down
 };
 
 }  // namespace vistels

@@ -36,28 +36,69 @@ void press_recorder::follow_edit(const timeline_edit& edit) {
     }
 }
 
-std::optional<press_outcome> press_recorder::record(press_action action) {
+// What grows in memory alone changes as a round goes on; a copy of it does not.
+struct press_recorder::state {
+    std::map<std::string, growing_clip> growing;
+    std::unordered_set<std::string> taken_away;
+    std::vector<running_clip> running;
+    std::vector<stamped_qualifier> last_stamped;
+    std::vector<clip_attribute_ITEM> waiting_attributes;
+};
+
+press_recorder::state press_recorder::keep_state() {
+    state kept{growing_, taken_away_, running_, last_stamped_, waiting_attributes_};
+    for (auto& [clip, growing] : kept.growing) {
+        if (growing.unsaved) growing.unsaved = std::make_shared<sxy_CLIP>(*growing.unsaved);
+    }
+    coded_.begin_trial();
+    return kept;
+}
+
+void press_recorder::put_back(state kept) {
+    growing_ = std::move(kept.growing);
+    taken_away_ = std::move(kept.taken_away);
+    running_ = std::move(kept.running);
+    last_stamped_ = std::move(kept.last_stamped);
+    waiting_attributes_ = std::move(kept.waiting_attributes);
+    coded_.take_back_trial();
+}
+
+std::optional<std::vector<press_outcome>> press_recorder::record(press_round round) {
     (void)record_waiting();
-    waiting_.push_back(std::move(action));
+    waiting_.push_back(std::move(round));
     if (waiting_.size() > 1) return std::nullopt;
     auto done = record_first();
     return done ? std::optional(std::move(done).value()) : std::nullopt;
 }
 
-// Takes the action off the list before its edit is signalled, so that an observer who looks sees it recorded.
-result<press_outcome> press_recorder::record_first() {
-    const press_action action = std::move(waiting_.front());
+// Takes the round off the list before its edit is signalled, so that an observer who looks sees it recorded.
+result<std::vector<press_outcome>> press_recorder::record_first() {
+    const press_round round = std::move(waiting_.front());
     waiting_.pop_front();
     last_retry_seconds_ = time_.seconds();
-    with_edit_.clear();
-    auto done = make(action);
-    if (!done) {
-        waiting_.push_front(action);
-        tell_trouble(done.error());
-    } else if (waiting_.empty()) {
-        tell_trouble({});
+    state before = keep_state();
+    std::vector<press_outcome> outcomes;
+    plans_triggers_ = false;
+    const auto made = document_.apply_jointly(round.name, round.button, [&]() -> result<void> {
+        for (const press_action& action : round.actions) {
+            with_edit_.clear();
+            auto one = make(action);
+            if (!one) return one.error();
+            outcomes.push_back(std::move(one).value());
+        }
+        return {};
+    });
+    if (plans_triggers_) observer_.triggers_planned(made.ok());
+    if (!made) {
+        put_back(std::move(before));
+        waiting_.push_front(round);
+        tell_trouble(made.error());
+        return made.error();
     }
-    return done;
+    coded_.end_trial();
+    if (waiting_.empty()) tell_trouble({});
+    for (const auto& name : std::exchange(lost_, {})) observer_.made_again(name);
+    return outcomes;
 }
 
 result<void> press_recorder::record_waiting() {
@@ -87,19 +128,23 @@ void press_recorder::tell_trouble(const failure& reason) {
 
 bool press_recorder::has_waiting_attributes() const {
     bool has_some = !waiting_attributes_.empty();
-    for (const auto& action : waiting_) {
-        if (action.what == kind::attribute) {
-            has_some = has_some || action.button->stage() != attribute_stage::last;
-        } else if (action.what == kind::stamp || action.what == kind::forget_attributes ||
-                   action.what == kind::jump) {
-            has_some = false;
+    for (const auto& round : waiting_) {
+        for (const auto& action : round.actions) {
+            if (action.what == kind::attribute) {
+                has_some = has_some || action.button->stage() != attribute_stage::last;
+            } else if (action.what == kind::stamp || action.what == kind::forget_attributes ||
+                       action.what == kind::jump) {
+                has_some = false;
+            }
         }
     }
     return has_some;
 }
 
 void press_recorder::shift_times(double seconds) {
-    for (auto& action : waiting_) action.shift(seconds);
+    for (auto& round : waiting_) {
+        for (auto& action : round.actions) action.shift(seconds);
+    }
     for (auto& one : running_) {
         one.from += seconds;
         one.until += seconds;
@@ -167,7 +212,7 @@ timeline_edit press_recorder::edit_of(const press_action& action) const {
 // Also what the edit brings along for clips that are in memory alone; an edit of nothing is none.
 result<void> press_recorder::apply(timeline_edit edit) {
     const auto brought_along = std::exchange(with_edit_, {});
-    if (!edit.operations.empty()) {
+    if (!edit.operations.empty() || !edit.others.empty()) {
         if (auto applied = document_.apply(std::move(edit)); !applied) return applied;
     }
     for (const auto& change : brought_along) change();
@@ -231,7 +276,7 @@ result<press_outcome> press_recorder::finish(const press_action& action) {
     auto edit = edit_of(action);
     bool is_lost = false;
     const auto place = place_of_growing(action, edit, is_lost);
-    const auto known = growing_.extract(action.clip);
+    growing_.erase(action.clip);
     if (!place) {
         taken_away_.erase(action.clip);
         return press_outcome{};
@@ -244,12 +289,9 @@ result<press_outcome> press_recorder::finish(const press_action& action) {
         [this](const sxy_CLIP& clip) { return coded_.held_time(clip); }, row ? longest_.of(*row) : 0);
     std::move(plan.operations.begin(), plan.operations.end(), std::back_inserter(edit.operations));
     const std::string name = edit.name;
-    if (auto applied = apply(std::move(edit)); !applied) {
-        if (known) growing_.emplace(action.clip, known.mapped());
-        return applied.error();
-    }
+    if (auto applied = apply(std::move(edit)); !applied) return applied.error();
     note_finish(action, plan, pressed);
-    if (is_lost) observer_.made_again(name);
+    if (is_lost) lost_.push_back(name);
     return press_outcome{made_kind::clip, plan.clip, false, false};
 }
 
@@ -257,6 +299,7 @@ void press_recorder::note_finish(const press_action& action, const planned_finis
                                  const pressed_span& pressed) {
     coded_.note_button(plan.clip, action.button->uuid());
     coded_.note_made(plan.clip);
+    longest_.note(document_.timeline(), plan.clip);
     if (plan.held) coded_.note_held(plan.clip, plan.span, *plan.held);
     for (const auto& neighbour : plan.moved) {
         // It was known before, or it would not have been moved.
@@ -289,10 +332,7 @@ result<press_outcome> press_recorder::drop(const press_action& action) {
     if (is_made_for_it && row && row->clips().empty() && in_row == 1) {
         edit.operations.emplace_back(operation::remove_row{place->row});
     }
-    if (auto applied = apply(std::move(edit)); !applied) {
-        if (known) growing_.emplace(action.clip, known.mapped());
-        return applied.error();
-    }
+    if (auto applied = apply(std::move(edit)); !applied) return applied.error();
     return press_outcome{};
 }
 

@@ -24,8 +24,8 @@
 
 namespace vistels {
 
-// Puts what presses make on record: each action is one edit of the timeline, planned when it is made. One
-// that cannot be put on record waits, with all that follow it, and is tried again in order. It knows which
+// Puts what presses make on record: each round is one edit of the timeline, planned when it is made. One that
+// cannot be put on record waits, with all that follow it, and is tried again in order. It knows which
 // clips grow, what presses of this run made, and which attributes wait for a qualifier. Main thread only.
 class press_recorder {
   public:
@@ -34,10 +34,11 @@ class press_recorder {
         std::function<void(const failure& reason)> trouble;
         // The clip of the button with that name got lost while it grew and was made again.
         std::function<void(const std::string& name)> made_again;
-        // The press of `pressed` adds a trigger to the button with that UUID.
-        std::function<void(const std::string& button, const trigger_event_ITEM& trigger,
-                           const markup_Button_Item& pressed)>
-            add_trigger;
+        // The trigger that is added to the button with that UUID: the part of the press's edit that does it,
+        // if the code window is on record. Told by `triggers_added` when it is, or was kept.
+        std::function<std::optional<document_part>(const std::string& button, const trigger_event_ITEM&)>
+            plan_trigger;
+        std::function<void(bool is_recorded)> triggers_planned;
     };
     // All must outlive it.
     press_recorder(timeline_document& document, const clock& time, const button_set& buttons, observer told);
@@ -48,8 +49,8 @@ class press_recorder {
     const press_settings& settings() const { return settings_; }
     void set_earliest_time(double collection_seconds) { earliest_seconds_ = collection_seconds; }
 
-    // After all that waits. Nothing: it waits, too.
-    std::optional<press_outcome> record(press_action action);
+    // After all that waits: what came of each action. Nothing: it waits, too.
+    std::optional<std::vector<press_outcome>> record(press_round round);
     result<void> record_waiting();
     std::size_t waiting() const { return waiting_.size(); }
     // Called at every display tick: what waits is tried again, and while something is down the time is noted.
@@ -81,9 +82,12 @@ class press_recorder {
         std::string clip;
         std::string qualifier;
     };
+    struct state;  // what a round that fails must find again
     using qualifier_rows = std::unordered_set<shared_text>;
 
-    result<press_outcome> record_first();
+    result<std::vector<press_outcome>> record_first();
+    state keep_state();
+    void put_back(state kept);
     result<press_outcome> make(const press_action& action);
     result<press_outcome> begin(const press_action& action);
     result<press_outcome> finish(const press_action& action);
@@ -117,7 +121,7 @@ class press_recorder {
     const observer observer_;
     press_settings settings_;
     double earliest_seconds_ = 0;
-    std::deque<press_action> waiting_;
+    std::deque<press_round> waiting_;
     failure trouble_;
     double last_note_seconds_ = -1e9;   // monotonic clock
     double last_retry_seconds_ = -1e9;  // monotonic clock
@@ -129,6 +133,8 @@ class press_recorder {
     std::vector<running_clip> running_;
     std::vector<stamped_qualifier> last_stamped_;
     std::vector<clip_attribute_ITEM> waiting_attributes_;
+    std::vector<std::string> lost_;  // names of buttons whose clips are made again by the round under way
+    bool plans_triggers_ = false;    // the round under way does
     // Changes of unsaved clips that an edit brings along, made when it is on record.
     std::vector<std::function<void()>> with_edit_;
     connection edited_;

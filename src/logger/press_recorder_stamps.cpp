@@ -30,6 +30,7 @@ qual_ITEM qualifier_of(const press_action& action, double time) {
     item.set_category(shared_text(action.button->category()));
     item.set_time(time);
     item.set_real_local_time(action.time_of_day);
+    item.set_created_on_event(static_cast<std::int64_t>(action.round));
     item.set_col(action.button->made_colour());
     if (action.place) item.set_pos(action.place);
     return item;
@@ -188,7 +189,11 @@ result<press_outcome> press_recorder::add_attribute(const press_action& action) 
 
 result<press_outcome> press_recorder::add_trigger(const press_action& action) {
     if (const auto* target = buttons_.find(action.button->action_link_to())) {
-        observer_.add_trigger((*target)->uuid(), trigger_of(action, action.at), *action.button);
+        auto edit = edit_of(action);
+        plans_triggers_ = true;
+        auto part = observer_.plan_trigger((*target)->uuid(), trigger_of(action, action.at));
+        if (part) edit.others.push_back(std::move(*part));
+        if (auto applied = apply(std::move(edit)); !applied) return applied.error();
         return press_outcome{made_kind::trigger, {}, false, false};
     }
     const auto target = reach(action.at);

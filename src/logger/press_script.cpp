@@ -75,12 +75,14 @@ result<std::vector<press_step>> read_press_script(const property_value& document
 double run_press_script(press_engine& engine, const std::vector<press_step>& steps,
                         simulated_run_loop& loop) {
     const double first = steps.empty() ? 0 : steps.front().at;
+    // Without pictures the clock itself is what runs.
+    engine.follow_playing(first, true);
     const auto tick_at = [&](double at) {
         if (at - first > loop.time().seconds()) loop.advance_to(at - first);
         engine.tick(at);
     };
     for (const auto& step : steps) {
-        for (auto due = engine.next_auto_up(); due && *due <= step.at; due = engine.next_auto_up()) {
+        for (auto due = engine.next_due(); due && *due <= step.at; due = engine.next_due()) {
             tick_at(*due);
         }
         tick_at(step.at);

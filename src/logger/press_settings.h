@@ -11,6 +11,8 @@ struct press_settings {
     double margin_padding_seconds = 5;
     // Clips that grow are not put on record before they have ended: a kill loses them.
     bool dont_save_live_clips = false;
+    // Triggers put no buttons down or up.
+    bool disable_triggers = false;
 
     bool operator==(const press_settings&) const = default;
 };

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "logger/coding.h"
 #include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
 #include "support/timeline_builder.h"
@@ -213,6 +214,37 @@ TEST_F(undo, a_group_is_one_step) {
     EXPECT_EQ(stack->undo_name(), "Import");
     EXPECT_TRUE(stack->undo());
     EXPECT_EQ(state(), before);
+}
+
+// A round is one step; a clip belongs to the one that ended it, with the row that was made for it.
+TEST(undo_of_links, is_one_step_for_what_one_press_set_off) {
+    testing::coding code;
+    undo_stack undo(*code.document, code.loop);
+    const auto link = [&](char from, const char* what, char to) {
+        auto all = code.button(from).action_links();
+        all.emplace_back().action_TYPE = what;
+        all.back().linked_button_UUID = std::string("id ") + to;
+        code.button(from).set_action_links(std::move(all));
+    };
+    link('A', "ON_DOWN_SET_UP", 'B');
+    link('A', "ON_DOWN_SET_DOWN", 'Q');
+    int edits = 0;
+    const auto counting =
+        code.document->edited.connect([&](const timeline_edit&, const timeline_edit&) { ++edits; });
+    code.run("1+B 2+A");
+    EXPECT_EQ(edits, 2);
+    EXPECT_EQ(code.clips(), "B 1-2; A; live A 2") << "the qualifier is on the clip that grows";
+    EXPECT_EQ(undo.undo_name(), "A");
+    code.run("3-A");
+    EXPECT_EQ(code.clips(), "B 1-2; A 2-3(Q)");
+    ASSERT_TRUE(undo.undo());
+    EXPECT_EQ(code.clips(), "B 1-2") << "with the row made for it";
+    ASSERT_TRUE(undo.undo());
+    EXPECT_EQ(code.clips(), "") << "what the press of A ended";
+    EXPECT_FALSE(undo.can_undo());
+    ASSERT_TRUE(undo.redo());
+    ASSERT_TRUE(undo.redo());
+    EXPECT_EQ(code.clips(), "B 1-2; A 2-3(Q)");
 }
 
 }  // namespace

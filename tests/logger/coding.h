@@ -80,7 +80,7 @@ struct coding {
         button_of("N", button_type::none),       button_of("X", button_type::attribute),
         button_of("T", button_type::timer_clip), button_of("G", button_type::trigger)};
     // "A+1 Q+2~ A-3!": down and up; ~ nothing to stamp; ? its attribute waits; x dropped; ! not recorded;
-    // (tab), (auto up), (link)
+    // (tab), (auto up), (link); # blocked
     std::string fired;
     connection reporting;
 
@@ -98,6 +98,7 @@ struct coding {
             if (!one.recorded) fired += '!';
             if (one.cause != press_cause::press)
                 fired += "(" + std::string(press_cause_text(one.cause)) + ")";
+            if (one.blocked) fired += '#';
         });
         set_buttons();
     }
@@ -109,7 +110,7 @@ struct coding {
     }
 
     // "1+A 2-A 3tab 4": at each time a press, a release, a tab or only a tick; "1*A" latches, "1esc", "5j2"
-    // the playhead jumps to 2, "5l2" a loop turns.
+    // the playhead jumps to 2, "5l2" a loop turns, "5p" it plays, "5s" it stops.
     void run(const std::string& script) {
         set_buttons();
         std::istringstream steps(script);
@@ -127,6 +128,7 @@ struct coding {
         if (sign == '*') engine->press("id " + rest, at, {press_cause::press, true, {}});
         if (sign == '-') engine->release("id " + rest, at);
         if (sign == 'j' || sign == 'l') engine->playhead_jumped(at, *number_from_text(rest), sign == 'l');
+        if (word == "p" || word == "s") engine->follow_playing(at, sign == 'p');
         if (word == "tab") engine->tab(at);
         if (word == "esc") engine->escape(at);
     }

@@ -277,7 +277,7 @@ TEST(press, goes_up_by_itself_by_tab_and_when_all_must) {
     no_tab(code);
     code.run("1+A 2+N");
     ASSERT_EQ(code.engine->down_buttons().size(), 2U);
-    EXPECT_EQ(code.engine->next_auto_up(), 61);
+    EXPECT_EQ(code.engine->next_due(), 61);
     code.engine->set_buttons({button_of("A", button_type::clip)}, 3);
     code.engine->release_all(4);
     EXPECT_EQ(code.fired, "A+1 N+2 N-3 A-4");

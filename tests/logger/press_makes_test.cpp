@@ -88,11 +88,11 @@ TEST(timer_clip, has_its_clock_and_makes_its_row_one_of_timers) {
 TEST(trigger, goes_to_the_button_that_it_names_or_marks_clips) {
     coding code;
     std::string added;
-    const auto telling = code.engine->trigger_added.connect(
-        [&](const std::string& button, const trigger_event_ITEM& one, const markup_Button_Item&) {
-            added += button + " " + one.trigger_Type.str() + " ";
-            append_shortest(added, one.trigger_Time);
-        });
+    const auto telling = code.engine->trigger_added.connect([&](const std::string& button) {
+        const auto one = code.engine->button(button)->triggers().back();
+        added += button + " " + one.trigger_Type.str() + " ";
+        append_shortest(added, one.trigger_Time);
+    });
     code.button('G').set_action_link_to("id A");
     code.run("3+G");
     EXPECT_EQ(added, "id A going down 3");

@@ -156,10 +156,9 @@ void open_event::begin_presses(what_was_read& read) {
     });
     show_buttons();
     buttons_ = code_window_->changed.connect([this] { show_buttons(); });
-    triggers_ = logger_->trigger_added.connect(
-        [this](const std::string& button, const trigger_event_ITEM&, const markup_Button_Item& pressed) {
-            keep_trigger(button, pressed);
-        });
+    logger_->set_button_planner(
+        [this](const button_record& changed) { return plan_button(code_window_->window(), changed); });
+    playing_ = playback_->state_changed.connect([this] { follow_playing(); });
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     made_again_ = logger_->made_again.connect([this](const std::string& button) {
         log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +
@@ -372,26 +371,23 @@ void open_event::show_buttons() {
     logger_->set_buttons(code_window_->window().buttons.buttons, playback_->collection_time());
 }
 
-// The press has put it on the button; it goes on record as an edit of the code window.
-void open_event::keep_trigger(const std::string& button, const markup_Button_Item& pressed) {
-    const auto& all = logger_->buttons();
-    const auto changed =
-        std::find_if(all.begin(), all.end(), [&](const auto& one) { return one->uuid() == button; });
-    if (changed == all.end()) return;
-    auto part = plan_button(code_window_->window(), *changed);
-    if (!part) return;
-    const button_record kept = *changed;
-    if (!timeline_->make({pressed.name(), pressed.uuid(), {std::move(*part)}})) code_window_->replace(kept);
-}
-
 // The engine is told the time as long as it has something to wait for.
 void open_event::follow_presses() {
     presses_->start();
 }
 
+bool open_event::passes_triggers() const {
+    return playback_->is_playing() && playback_->rate() > 0 && logger_->has_triggers();
+}
+
+void open_event::follow_playing() {
+    logger_->follow_playing(playback_->collection_time(), playback_->is_playing() && playback_->rate() > 0);
+    if (passes_triggers()) presses_->start();
+}
+
 void open_event::tick() {
     logger_->tick(playback_->collection_time());
-    if (logger_->down_buttons().empty() && logger_->unrecorded() == 0) presses_->stop();
+    if (logger_->down_buttons().empty() && logger_->unrecorded() == 0 && !passes_triggers()) presses_->stop();
 }
 
 bool open_event::runs_on_clock() const {

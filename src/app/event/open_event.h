@@ -133,7 +133,6 @@ class open_event {
     code_window code_window_to_show(bool& is_kept);
     void read_code_window();
     void show_buttons();
-    void keep_trigger(const std::string& button, const markup_Button_Item& pressed);
     void link_collection();
     struct what_was_read;
     void begin_playback(const what_was_read& read);
@@ -150,6 +149,8 @@ class open_event {
     void open_saving();
     std::vector<editable_document*> documents();  // each before what keeps it
     void follow_presses();
+    void follow_playing();
+    bool passes_triggers() const;
     void tick();
 
     const std::string folder_;
@@ -184,7 +185,7 @@ class open_event {
     connection made_;
     connection fired_;
     connection made_again_;
-    connection triggers_;
+    connection playing_;
     connection buttons_;
 };
 

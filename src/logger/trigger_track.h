@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "logger/markup_Button_Item.h"
+
+namespace vistels {
+
+// The triggers of a code window's buttons by their times, and up to which time the playhead has passed them.
+// Seconds on the collection's clock. One thread.
+class trigger_track {
+  public:
+    struct passing {
+        double at = 0;
+        std::string button;
+        bool goes_down = false;
+    };
+
+    // Those of other buttons from now on; what was passed stays passed.
+    void set_buttons(const std::vector<button_record>& buttons);
+
+    // The playhead runs forwards from `at`, whose triggers it passes, or goes on from there after a jump.
+    void begin(double at);
+    // It stands, runs backwards or is dragged: it passes none.
+    void stop() { from_.reset(); }
+    bool is_running() const { return from_.has_value(); }
+    bool has_any() const { return !all_.empty(); }
+    // What it passes on its way to `to`, in order of time, then as the buttons lie; each once.
+    std::vector<passing> pass(double to);
+    // The next one that it comes to.
+    std::optional<double> next() const;
+
+    void shift(double seconds);
+
+  private:
+    std::size_t first_from(double seconds, bool is_passed) const;
+
+    std::vector<passing> all_;  // by time
+    std::optional<double> from_;
+    bool is_from_passed_ = false;  // those at that very time
+};
+
+}  // namespace vistels
