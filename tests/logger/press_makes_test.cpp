@@ -72,17 +72,17 @@ TEST(timer_clip, has_its_clock_and_makes_its_row_one_of_timers) {
         double at;
         double shown;
     } moments[] = {{29, 100}, {30, 100}, {33, 103}, {36, 105}};
-    for (const auto& one : moments) EXPECT_EQ(timer_seconds(*row, *up, false, one.at), one.shown) << one.at;
-    EXPECT_EQ(timer_row_seconds(timeline, *row, 42), 107) << "the one that grows";
+    for (const auto& one : moments) EXPECT_EQ(timer_clocks(*row).of_clip(1, one.at), one.shown) << one.at;
+    EXPECT_EQ(timer_clocks(*row).of_growing(*timeline.live_clips()[0].clip, 42), 107);
     code.run("45-T");
-    EXPECT_EQ(timer_row_seconds(timeline, *timeline.row_named("T"), 9), std::nullopt);
-    EXPECT_EQ(timer_row_seconds(timeline, *timeline.row_named("T"), 12), 92);
-    EXPECT_EQ(timer_row_seconds(timeline, *timeline.row_named("T"), 25), 100) << "it stands between clips";
+    EXPECT_EQ(timer_clocks(*timeline.row_named("T")).of_row(9), std::nullopt);
+    EXPECT_EQ(timer_clocks(*timeline.row_named("T")).of_row(12), 92);
+    EXPECT_EQ(timer_clocks(*timeline.row_named("T")).of_row(25), 100) << "it stands between clips";
     timer.set_timer_is_cumulative(false);
     timer.set_timer_counts_down(true);
     code.run("50+T 60-T");
-    EXPECT_EQ(timer_row_seconds(timeline, *timeline.row_named("T"), 54), 86);
-    EXPECT_EQ(timer_row_seconds(timeline, *timeline.row_named("T"), 99), 80);
+    EXPECT_EQ(timer_clocks(*timeline.row_named("T")).of_row(54), 86);
+    EXPECT_EQ(timer_clocks(*timeline.row_named("T")).of_row(99), 80);
 }
 
 TEST(trigger, goes_to_the_button_that_it_names_or_marks_clips) {

@@ -110,12 +110,30 @@ void timeline_canvas::follow_playhead() {
     const int to = static_cast<int>(std::max(x, painted_playhead_x_)) + edge + 1;
     update(QRect(from, timeline_sizes.ruler_height, to - from, height()));
     for (std::size_t index = 0; index < state_.rows().size(); ++index) {
-        if (state_.rows()[index].is_timer) update(row_place(index));
+        if (state_.rows()[index].is_timer) update_clocks(index, x);
         for (const live_piece& piece : state_.rows()[index].live) {
             const int start = static_cast<int>(state_.scale().x_of(piece.clip->secs_start())) - edge;
             update(row_place(index).intersected(QRect(start, 0, to - start, height())));
         }
     }
+}
+
+// The clips between the two places of the playhead show another time on their clocks.
+void timeline_canvas::update_clocks(std::size_t index, double playhead_x) {
+    double left = std::min(playhead_x, painted_playhead_x_);
+    double right = std::max(playhead_x, painted_playhead_x_);
+    const timeline_row& row = state_.rows()[index];
+    const timeline_scale& scale = state_.scale();
+    for (const clip_track* track : {&row.shown, &row.dimmed}) {
+        for (const double x : {playhead_x, painted_playhead_x_}) {
+            const std::size_t at = track->at(scale.seconds_at(x), 0);
+            if (at == track->size()) continue;
+            left = std::min(left, scale.x_of((*track)[at].start));
+            right = std::max(right, scale.x_of((*track)[at].end));
+        }
+    }
+    const QRect place = row_place(index);
+    update(place.intersected(QRectF(left, place.top(), right - left + 1, place.height()).toAlignedRect()));
 }
 
 void timeline_canvas::paintEvent(QPaintEvent* event) {

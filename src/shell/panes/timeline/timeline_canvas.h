@@ -77,6 +77,7 @@ class timeline_canvas final : public QWidget {
     void show_cursor(const QPointF& point);
     void move_to_neighbour(int rows, int clips);
     void follow_playhead();
+    void update_clocks(std::size_t index, double playhead_x);
     void describe_selection();
     QString description(const hit& found) const;
 

@@ -233,8 +233,8 @@ void timeline_painter::paint_label(QPainter& painter, const timeline_row& row, c
     if (box.width() < timeline_sizes.clip_qualifier_from) return;
     const clip_pointer clip = clip_of(row, bar.index);
     if (!clip) return;
-    if (const auto clock = clock_of(row, *clip, false, now_)) {
-        const QString text = time_text(*clock, time_form::run_time);
+    if (row.is_timer) {
+        const QString text = time_text(row.clocks.of_clip(bar.index, now_), time_form::run_time);
         const QRectF place(x + metrics.grid, box.top(), time_text_width(text, label_font_), box.height());
         if (place.right() > right) return;
         painter.setPen(ink);
@@ -344,10 +344,10 @@ void timeline_painter::paint_live(QPainter& painter, const timeline_row& row, co
             QRect(box.right() + 1 - metrics.live_edge, box.top(), metrics.live_edge, box.height()), edge);
         if (box.width() < timeline_sizes.clip_qualifier_from) continue;
         painter.setPen(ink_on(look_, piece.colour));
-        draw_time_text(
-            painter, box.adjusted(timeline_sizes.clip_label_indent, 0, 0, 0), Qt::AlignLeft,
-            time_text(clock_of(row, *piece.clip, true, now).value_or(now - start), time_form::run_time),
-            label_font_);
+        draw_time_text(painter, box.adjusted(timeline_sizes.clip_label_indent, 0, 0, 0), Qt::AlignLeft,
+                       time_text(row.is_timer ? row.clocks.of_growing(*piece.clip, now) : now - start,
+                                 time_form::run_time),
+                       label_font_);
     }
 }
 

@@ -5,7 +5,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include "logger/timer_clock.h"
 #include "shell/panes/timeline/timeline_metrics.h"
 #include "timeline/edits/row_compaction.h"
 #include "util/colour_text.h"
@@ -81,6 +80,7 @@ void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_ou
         row.extras.push_back(extras);
     }
     row.is_timer = row.record->is_timer_row();
+    row.clocks = row.is_timer ? timer_clocks(*row.record) : timer_clocks();
     row.clips = index;
     row.passing = passing;
     row.shown.assign(std::move(shown));
@@ -191,15 +191,10 @@ void timeline_rows::set_unsaved(const sxy_DATA_root& timeline, std::vector<clip_
     read_live(timeline);
 }
 
-std::optional<double> clock_of(const timeline_row& row, const sxy_DATA_root& timeline, double at) {
-    if (!row.is_timer || !row.record) return std::nullopt;
-    if (!row.live.empty()) return timer_seconds(*row.record, *row.live.back().clip, true, at);
-    return timer_row_seconds(timeline, *row.record, at);
-}
-
-std::optional<double> clock_of(const timeline_row& row, const sxy_CLIP& clip, bool is_growing, double at) {
-    if (!row.is_timer || !row.record) return std::nullopt;
-    return timer_seconds(*row.record, clip, is_growing, at);
+std::optional<double> clock_of(const timeline_row& row, double at) {
+    if (!row.is_timer) return std::nullopt;
+    if (!row.live.empty()) return row.clocks.of_growing(*row.live.back().clip, at);
+    return row.clocks.of_row(at);
 }
 
 clip_pointer clip_of(const timeline_row& row, std::uint32_t index) {

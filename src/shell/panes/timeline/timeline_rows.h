@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/event/clip_view.h"
+#include "logger/timer_clock.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/timeline/timeline_tracks.h"
 #include "timeline/edits/timeline_edit.h"
@@ -34,6 +35,7 @@ struct timeline_row {
     clip_track selected;               // those that are not hidden
     std::vector<live_piece> live;
     bool is_timer = false;  // a clock is shown for it and on its clips
+    timer_clocks clocks;
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
     int top = 0;  // pixels from the first row
@@ -84,9 +86,8 @@ class timeline_rows {
     std::vector<clip_place> unsaved_;
 };
 
-// What the clock of a timer row, and of one of its clips, shows at a time; nothing where there is none.
-std::optional<double> clock_of(const timeline_row& row, const sxy_DATA_root& timeline, double at);
-std::optional<double> clock_of(const timeline_row& row, const sxy_CLIP& clip, bool is_growing, double at);
+// What the clock of a timer row shows at a time; nothing where there is none.
+std::optional<double> clock_of(const timeline_row& row, double at);
 
 // The record of a clip of a row; null when the row has changed since.
 clip_pointer clip_of(const timeline_row& row, std::uint32_t index);

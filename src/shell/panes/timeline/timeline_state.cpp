@@ -352,7 +352,7 @@ void timeline_state::set_unsaved_growing(std::vector<clip_place> growing) {
 }
 
 std::optional<double> timeline_state::clock_of_row(const timeline_row& row) const {
-    return document_ ? clock_of(row, document_->timeline(), playhead_) : std::nullopt;
+    return clock_of(row, playhead_);
 }
 
 void timeline_state::read_rows() {
