@@ -71,6 +71,26 @@ std::optional<document_part> plan_button(const code_window& window, const button
     return part;
 }
 
+std::optional<document_part> plan_trigger_shift(const code_window& window, double seconds) {
+    std::vector<button_change> now;
+    std::vector<button_change> before;
+    const auto& all = window.buttons.buttons;
+    for (std::size_t index = 0; index < all.size(); ++index) {
+        auto triggers = all[index]->triggers();
+        if (triggers.empty()) continue;
+        for (auto& one : triggers) one.trigger_Time += seconds;
+        before.push_back({all[index]->uuid(), index, all[index]});
+        now.push_back({all[index]->uuid(), index,
+                       changed_button(all[index], [&](auto& button) { button.set_triggers(triggers); })});
+    }
+    if (now.empty()) return std::nullopt;
+    document_part part;
+    part.document.kind = document_kind::code_window;
+    part.change = std::make_shared<const code_window_change>(std::move(now));
+    part.back = std::make_shared<const code_window_change>(std::move(before));
+    return part;
+}
+
 void apply_button_changes(code_window& window, const std::vector<button_change>& changes) {
     buttons& all = window.buttons.buttons;
     for (const auto& change : changes) {

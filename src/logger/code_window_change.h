@@ -38,6 +38,9 @@ std::vector<button_change> button_changes_in(const document_change& change);
 // is none.
 std::optional<document_part> plan_button(const code_window& window, const button_record& changed);
 
+// The same for all buttons with triggers, whose times move by that many seconds. Nothing when there are none.
+std::optional<document_part> plan_trigger_shift(const code_window& window, double seconds);
+
 // Makes the changes, one after another. A button that is not there any more is passed over; one that the file
 // knows without a UUID is found by its place.
 void apply_button_changes(code_window& window, const std::vector<button_change>& changes);

@@ -72,7 +72,7 @@ std::vector<operation::any> plan_renaming(const sxy_DATA_root& timeline, const m
         if (target != place->row) operations.emplace_back(operation::move_clip{clip, target});
         recoloured.push_back(clip);
     }
-    if (!changes.colour) return operations;
+    if (!chosen) return operations;
     auto colours = plan_clip_colour(timeline, recoloured, chosen);
     operations.insert(operations.end(), std::make_move_iterator(colours.operations.begin()),
                       std::make_move_iterator(colours.operations.end()));

@@ -53,7 +53,6 @@ std::optional<double> trigger_track::next() const {
 }
 
 void trigger_track::shift(double seconds) {
-    for (auto& one : all_) one.at += seconds;
     if (from_) *from_ += seconds;
 }
 

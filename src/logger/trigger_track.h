@@ -34,6 +34,7 @@ class trigger_track {
     // The next one that it comes to.
     std::optional<double> next() const;
 
+    // The clock was moved; the buttons come with other triggers then.
     void shift(double seconds);
 
   private:

@@ -11,6 +11,8 @@
 #include "app/event/timeline_links.h"
 #include "app/event/vistel_changes.h"
 #include "document/journal_lines.h"
+#include "logger/code_window_change.h"
+#include "logger/press_engine.h"
 #include "support/opened_event.h"
 #include "support/run_until.h"
 #include "support/stored_collection.h"
@@ -186,6 +188,26 @@ TEST_F(changes, a_drag_is_one_step_saved_once_and_can_be_cancelled) {
     EXPECT_EQ(state(), dragged);
     EXPECT_TRUE(event->undo().undo());
     EXPECT_EQ(state(), before);
+}
+
+// They lie on the collection's clock as clips do.
+TEST_F(changes, triggers_of_buttons_move_with_the_clips) {
+    const auto trigger = [this] { return event->logger().buttons()[0]->triggers().at(0).trigger_Time; };
+    const button_record with_trigger = changed_button(event->logger().buttons()[0], [](auto& button) {
+        button.set_triggers({{10, shared_text("going down"), {}}});
+    });
+    auto part = plan_button(event->code_window_file().window(), with_trigger);
+    ASSERT_TRUE(part && event->timeline().make({"Trigger", "", {*part}}));
+    const double clip_before = clip()->secs_start();
+    EXPECT_TRUE(event->set_offset("A", 4));
+    const double moved = clip()->secs_start() - clip_before;
+    ASSERT_NE(moved, 0);
+    EXPECT_NEAR(trigger(), 10 + moved, 1e-9);
+    be_killed();
+    reopen();
+    EXPECT_NEAR(trigger(), 10 + moved, 1e-9);
+    EXPECT_TRUE(event->undo().undo());
+    EXPECT_NEAR(trigger(), 10, 1e-9);
 }
 
 // The collection's file is the older one: the program died between the journal and the save of the last

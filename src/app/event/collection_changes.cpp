@@ -43,6 +43,7 @@ result<void> collection_changes::make(const collection_change& change) {
     timeline_edit whole{change.name, change.scope, {}};
     whole.others.push_back(collection_part(before, std::move(edit), difference(copy, before)));
     if (shifts) whole.operations.emplace_back(operation::shift_times{shift});
+    if (auto part = shifts && plan_shift_ ? plan_shift_(shift) : std::nullopt) whole.others.push_back(*part);
     whole.operations.insert(whole.operations.end(), change.operations.begin(), change.operations.end());
     return timeline_.apply(std::move(whole));
 }

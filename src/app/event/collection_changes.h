@@ -46,6 +46,9 @@ class collection_changes {
     collection_changes(const collection_changes&) = delete;
     collection_changes& operator=(const collection_changes&) = delete;
     void set_undo(undo_stack* undo) { undo_ = undo; }
+    // What else lies on the collection's clock: the part of an edit that moves it by that many seconds.
+    using shift_planner = std::function<std::optional<document_part>(double seconds)>;
+    void set_shift_planner(shift_planner plan) { plan_shift_ = std::move(plan); }
 
     // Makes the change; it is on record then. A refused one, of a timeline that cannot be written for
     // instance, leaves everything as it was. A change that changes nothing is none.
@@ -72,6 +75,7 @@ class collection_changes {
 
     collection_document& collection_;
     timeline_document& timeline_;
+    shift_planner plan_shift_;
     undo_stack* undo_ = nullptr;
     bool is_within_ = false;
     bool has_steps_within_ = false;

@@ -54,6 +54,7 @@ event_player::~event_player() = default;
 void event_player::set_event(open_event* event) {
     state_.disconnect();
     task_.reset();
+    if (event_) event_->logger().set_selected_clips({});
     play_until_.reset();
     plays_list_ = false;
     event_ = event;
@@ -62,6 +63,11 @@ void event_player::set_event(open_event* event) {
     task_ = std::make_unique<tick_task>(event_->playback().ticks(), tick_step::time, [this] { tick(); });
     state_ = event_->playback().state_changed.connect(
         [this] { task_->set_running(event_->playback().is_playing()); });
+    event_->logger().set_selected_clips([this] {
+        std::vector<std::string> clips;
+        for (const auto& place : selection().clips()) clips.push_back(place.clip->id());
+        return clips;
+    });
     follow_selection();
     apply_volume();
 }

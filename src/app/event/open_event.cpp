@@ -149,11 +149,6 @@ void open_event::begin_presses(what_was_read& read) {
     presses_ = std::make_unique<tick_task>(playback_->ticks(), tick_step::presses, [this] { tick(); });
     logger_->set_earliest_time(playback_->first_time());
     logger_->set_settings(read.presses);
-    logger_->set_selected_clips([this] {
-        std::vector<std::string> clips;
-        for (const auto& place : view_->selection().clips()) clips.push_back(place.clip->id());
-        return clips;
-    });
     show_buttons();
     buttons_ = code_window_->changed.connect([this] { show_buttons(); });
     logger_->set_button_planner(
@@ -169,6 +164,8 @@ void open_event::begin_presses(what_was_read& read) {
 void open_event::open_changes() {
     changes_ = std::make_unique<collection_changes>(collection_, *timeline_);
     changes_->set_undo(undo_.get());
+    changes_->set_shift_planner(
+        [this](double seconds) { return plan_trigger_shift(code_window_->window(), seconds); });
     made_ = changes_->made.connect([this](double shift) { follow_change(shift); });
 }
 
