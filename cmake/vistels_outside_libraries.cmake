@@ -28,7 +28,8 @@ endif()
 
 if(VISTELS_SHELL)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Svg)
-    vistels_link(shell Qt6::Core Qt6::DBus Qt6::Gui Qt6::Widgets Qt6::Svg)
+    pkg_check_modules(vistels_x REQUIRED IMPORTED_TARGET xcb)
+    vistels_link(shell Qt6::Core Qt6::DBus Qt6::Gui Qt6::Widgets Qt6::Svg PkgConfig::vistels_x)
     # util/signal.h has a member called emit.
     vistels_define(shell QT_NO_KEYWORDS)
     if(TARGET vistels_shell)

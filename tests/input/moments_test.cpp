@@ -33,7 +33,7 @@ class moments : public testing::shown_event {
         shown_event::SetUp();
         if (IsSkipped() || HasFatalFailure()) return;
         open();
-        event().logger().set_buttons({bound("Typed", "g", 0), bound("Coded", "", KEY_H)}, 0);
+        event().logger().set_buttons({bound("Typed", "g", 0), bound("Coded", "", KEY_H), shifted()}, 0);
         event().playback().set_least_range(0, 10'000);  // as slow as a machine may be
         // So that time runs evenly, and goes by no device's.
         window->session().player().set_muted(true);
@@ -52,6 +52,15 @@ class moments : public testing::shown_event {
         display.binding->key_code = code;
         button.set_display(std::move(display));
         return button_record(std::move(button));
+    }
+
+    // The key 1 with Shift, which types another character.
+    static button_record shifted() {
+        return changed_button(bound("Shifted", "1", 0), [](markup_Button_Item& button) {
+            logger_item_display_info display = button.display();
+            display.binding->shift = true;
+            button.set_display(std::move(display));
+        });
     }
 
     // The thread of the windows is busy for so long.
@@ -100,6 +109,16 @@ TEST_F(moments, of_keys_count_however_late_the_program_is) {
         expect_clip(name, pressed, released);
     }
     EXPECT_EQ(timeline().clip_count(), 3U);
+}
+
+TEST_F(moments, of_a_key_with_shift_are_those_of_what_it_types_without) {
+    server.key(KEY_LEFTSHIFT, true);
+    const moment pressed = server.key(KEY_1, true);
+    ASSERT_TRUE(comes_to({"Shifted"}));
+    server.key(KEY_LEFTSHIFT, false);
+    const moment released = server.key(KEY_1, false);
+    ASSERT_TRUE(comes_to({}));
+    expect_clip("Shifted", pressed, released);
 }
 
 TEST_F(moments, of_all_that_happened_while_the_program_was_late_count) {

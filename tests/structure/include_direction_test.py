@@ -47,6 +47,7 @@ MOST_SOURCES = 36
 # library: (includes that mean it, folders that may use it, whether headers that other folders include may as well)
 OUTSIDE = {
     "Qt": (re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|q[a-z]+\.h)$"), ["shell"], True),
+    "XCB": (re.compile(r"^xcb/"), ["shell"], False),
     "FFmpeg": (re.compile(r"^lib(av\w+|sw\w+|postproc)/"), ["media"], False),
     "GStreamer": (re.compile(r"^(gst|glib|glib-object|gio)([/.]|$)"), ["media"], False),
     "cairo": (re.compile(r"^(cairo|pango)"), ["demo"], True),

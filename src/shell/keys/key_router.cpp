@@ -74,11 +74,13 @@ bool key_router::eventFilter(QObject* watched, QEvent* event) {
             }
             return false;
         case QEvent::ShortcutOverride:
+            if (!is_unmarked_repeat(*static_cast<QKeyEvent*>(event))) finish_releases();
             return takes_keys_of(watched) && override_shortcut(*static_cast<QKeyEvent*>(event));
         case QEvent::KeyPress:
             return (takes_keys_of(watched) || repeats_held(watched, *static_cast<QKeyEvent*>(event))) &&
                    press(*static_cast<QKeyEvent*>(event));
         case QEvent::MouseButtonPress:
+            finish_releases();
             end_typing(watched);
             return false;
         case QEvent::KeyRelease:

@@ -3,6 +3,8 @@
 
 #include <QKeyEvent>
 
+#include "shell/keys/plain_characters.h"
+
 namespace vistels {
 
 namespace {
@@ -29,8 +31,12 @@ key_stroke key_stroke_of(const QKeyEvent& event) {
     stroke.opt = held.testFlag(Qt::AltModifier);
     stroke.ctr = held.testFlag(Qt::ControlModifier);
     stroke.key_code = key_code_of(event.nativeScanCode());
+    // Asked for at every key: what it types alone is learned so.
+    const QString plain = plain_character(event);
     QString typed;
-    if (event.key() > 0 && event.key() < first_key_without_character) {
+    if (stroke.shift && !plain.isEmpty()) {
+        typed = plain;
+    } else if (event.key() > 0 && event.key() < first_key_without_character) {
         // Not the text of the event: with Control held that is a control character.
         typed = QString(QChar(static_cast<char16_t>(event.key()))).toLower();
     } else if (!event.text().isEmpty() && event.text().at(0).isPrint()) {
