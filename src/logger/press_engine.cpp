@@ -105,19 +105,29 @@ bool press_engine::take_over(button_state& state, double at, const press_manner&
         go_up(std::string(state.down.button), at, manner.cause);
         return true;
     }
-    if (manner.cause == press_cause::press) state.held_by = manner.latches ? holder::latch : holder::hand;
-    state.down.is_latched = state.held_by == holder::latch;
+    if (manner.cause != press_cause::press) return false;
+    // What its timer alone held is the hand's from now on.
+    if (state.hands.empty() && state.due_at) {
+        state.due_at.reset();
+        state.is_taken_over = true;
+    }
+    state.held_by = manner.latches ? holder::latch : holder::hand;
+    state.down.is_latched = manner.latches;
+    if (!manner.latches &&
+        std::find(state.hands.begin(), state.hands.end(), manner.hand) == state.hands.end())
+        state.hands.push_back(manner.hand);
     return false;
 }
 
-bool press_engine::release(std::string_view uuid, double at, press_cause cause) {
+bool press_engine::release(std::string_view uuid, double at, press_cause cause, int hand) {
     release_due(at);
     auto* state = state_of(uuid);
     const auto* released = button(uuid);
     if (!state || !released) return false;
     if (cause == press_cause::press) {
-        if (state->held_by != holder::hand) return false;
-        if (released->auto_up()) {
+        if (state->held_by != holder::hand || std::erase(state->hands, hand) == 0) return false;
+        if (!state->hands.empty()) return false;
+        if (released->auto_up() && (!state->is_taken_over || released->delayed_up())) {
             if (state->due_at) return false;
             set_due(*state, *released, at);
             release_due(at);

@@ -37,6 +37,7 @@ struct press_manner {
     press_cause cause = press_cause::press;  // by hand, or what else puts it down
     bool latches = false;                    // it stays down until its next press
     std::optional<point> place;              // where on the button, in proportions from the upper left
+    int hand = 0;                            // by which hand: a key's, the mouse's
 };
 
 // The buttons of one code window and their states: turns presses into edits of the timeline. Main thread
@@ -44,10 +45,10 @@ struct press_manner {
 //
 // States. A press of a button that is down, or of none that there is, does nothing, but: one that is latched
 // goes up at its next press; one that something else than a hand put down is the hand's from then on and goes
-// up with it. A release by hand belongs to a press by hand. "auto up": the release counts for nothing; the
-// button goes up by itself "auto up duration" after the press, or with "delayed up" after the release. While
-// the collection's time runs towards that moment it decides, else as much real time; the time counted is the
-// due one.
+// up with it. A release by hand belongs to a press by that hand, and of several the last one counts. "auto
+// up": the release counts for nothing; the button goes up by itself "auto up duration" after the press, or
+// with "delayed up" after the release. While the collection's time runs towards that moment it decides, else
+// as much real time; the time counted is the due one.
 //
 // What a press makes, by the button's type:
 // - Clip: a clip grows from the press on the button's row (button_set::row_of; made when there is none). At
@@ -137,7 +138,7 @@ class press_engine {
 
     // `at` is seconds on the collection's clock in all that follow. False when the state did not change.
     bool press(std::string_view button, double at, const press_manner& manner = {});
-    bool release(std::string_view button, double at, press_cause cause = press_cause::press);
+    bool release(std::string_view button, double at, press_cause cause = press_cause::press, int hand = 0);
     // All go up, whatever their options: the window closes.
     void release_all(double at);
     // The tab key: all go up but those with "ignore tab".
@@ -201,6 +202,8 @@ class press_engine {
         down_button down;
         std::string clip;  // that grows; empty for types that make none
         holder held_by = holder::hand;
+        std::vector<int> hands;      // that hold it
+        bool is_taken_over = false;  // by a hand, from its timer
         bool jumped_back = false;
         std::optional<double> due_at;  // auto-up, the time that counts
         double due_place = 0;          // the collection's time at which it comes, if that runs on

@@ -260,6 +260,8 @@ TEST(press, goes_up_by_itself_by_tab_and_when_all_must) {
         {auto_up(2, false), "1+A 1.2-A 9", "A+1 A-3(auto up)"},
         {auto_up(2, false), "1+A 3+B 4-A 5-B", "A+1 A-3(auto up) B+3 B-5"},
         {auto_up(2, false), "1+A 5+A", "A+1 A-3(auto up) A+5"},
+        {auto_up(5, false), "1+A 1.2-A 3+A 9-A", "A+1 A-9"},
+        {auto_up(5, true), "1+A 2-A 3+A 8-A 20", "A+1 A-13(auto up)"},
         {auto_up(0, false), "1+A 2-A", "A+1 A-1(auto up)"},
         {auto_up(-1, false), "1+A", "A+1 A-1(auto up)"},
         {auto_up(2, true), "1+A 9-A 10-A 10.5 12", "A+1 A-11(auto up)"},

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTouchEvent>
 #include <algorithm>
@@ -44,6 +45,7 @@ class recording_source final : public code_window_source {
     }
     void press(const std::string& button, double clock_seconds, const QPointF& place, bool latches) override {
         (*log) += "+" + button + (latches ? "!" : "");
+        if (changes_buttons) buttons_changed.emit();
         EXPECT_GT(clock_seconds, 0);
         moment = clock_seconds;
         pressed_at = place;
@@ -69,6 +71,7 @@ class recording_source final : public code_window_source {
     double now = 5;
     double moment = 0;  // of the last press or release
     QPointF pressed_at;
+    bool changes_buttons = false;  // a press does, as one that adds a trigger
 };
 
 class code_window_pane : public ::testing::Test {
@@ -199,6 +202,36 @@ TEST_F(code_window_pane, a_touch_counts_from_its_own_moment) {
     send(QEvent::TouchBegin, QEventPoint::Pressed, 0.2);
     send(QEvent::TouchCancel, QEventPoint::Stationary, 0.1);
     EXPECT_EQ(*log_, "+b-b+b-b");
+}
+
+TEST_F(code_window_pane, other_looks_of_the_same_buttons_let_nothing_go) {
+    source_->changes_buttons = true;
+    QTest::mousePress(button("a"), Qt::LeftButton);
+    code_window_button* const held = button("a");
+    source_->all[0].name = QStringLiteral("Attack");
+    source_->press("b", 1, {}, false);
+    EXPECT_EQ(button("a"), held);
+    EXPECT_EQ(held->accessibleName(), QStringLiteral("Attack"));
+    EXPECT_EQ(*log_, "+a+b");
+    // One that goes lets go.
+    source_->all.erase(source_->all.begin());
+    source_->press("c", 1, {}, false);
+    EXPECT_EQ(*log_, "+a+b+c-a");
+    EXPECT_EQ(button("a"), nullptr);
+}
+
+TEST_F(code_window_pane, a_pane_of_another_size_is_not_scrolled_by_the_user) {
+    source_->all.push_back(button_at("e", 8, 2000));
+    source_->buttons_changed.emit();
+    view_.scroll_to({0, 1500});
+    int told = 0;
+    const connection scrolls = view_.scrolled.connect([&](const QPointF&) { ++told; });
+    for (const int height : {1200, 300}) {
+        view_.resize(260, height);
+        QApplication::processEvents();
+    }
+    EXPECT_EQ(told, 0);
+    EXPECT_EQ(view_.findChild<QScrollArea*>()->verticalScrollBar()->value(), 1500);
 }
 
 // By Shift with a click, and by the right button: what holds it then is not the hand.

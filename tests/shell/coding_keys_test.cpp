@@ -229,6 +229,62 @@ TEST_F(coding_keys, a_note_is_written_while_its_button_is_down) {
     open_and_see_note("Attack", "last");
 }
 
+// The Return key presses the button that has the focus, which goes into the note.
+TEST_F(coding_keys, a_note_of_a_button_pressed_by_return_leaves_it_down) {
+    change("Attack", [](auto& button) { button.set_note_down(true); });
+    auto* attack = find<QWidget>(("code_button." + button("Attack")).c_str());
+    auto* field = find<QPlainTextEdit>("press_note.text");
+    attack->setFocus();
+    send(*attack, QEvent::KeyPress, 36, Qt::Key_Return, "\r");
+    ASSERT_TRUE(field->hasFocus());
+    for (int i = 0; i < 3; ++i) {
+        send(*field, QEvent::KeyRelease, 36, Qt::Key_Return, "\r", {}, true);
+        send(*field, QEvent::KeyPress, 36, Qt::Key_Return, "\r", {}, true);
+    }
+    EXPECT_EQ(down(), names{"Attack"});
+    EXPECT_EQ(field->toPlainText(), "");
+    send(*field, QEvent::KeyRelease, 36, Qt::Key_Return, "\r");
+    EXPECT_EQ(down(), names{});
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(field->toPlainText(), "\n");
+}
+
+// What one hand holds the other does not let go.
+TEST_F(coding_keys, and_the_mouse_hold_one_button_each_for_itself) {
+    auto* attack = find<QWidget>(("code_button." + button("Attack")).c_str());
+    QTest::keyPress(window.get(), Qt::Key_A);
+    QTest::mouseClick(attack, Qt::LeftButton);
+    EXPECT_EQ(down(), names{"Attack"});
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    EXPECT_EQ(down(), names{});
+    // A key whose press has ended another way ends no other one.
+    QTest::keyPress(window.get(), Qt::Key_A);
+    event().logger().tab(event().playback().collection_time());
+    QTest::mousePress(attack, Qt::LeftButton);
+    QTest::keyRelease(window.get(), Qt::Key_A);
+    EXPECT_EQ(down(), names{"Attack"});
+    QTest::mouseRelease(attack, Qt::LeftButton);
+    EXPECT_EQ(down(), names{});
+}
+
+TEST_F(coding_keys, a_release_counts_before_what_comes_after_it) {
+    const auto release = [&] {
+        QKeyEvent event(QEvent::KeyRelease, Qt::Key_A, {}, 38, 0, 0, QStringLiteral("a"));
+        event.setTimestamp(static_cast<quint64>(steady_clock().seconds() * 1000));
+        QApplication::sendEvent(window.get(), &event);
+    };
+    send(*window, QEvent::KeyPress, 38, Qt::Key_A, "a");
+    release();
+    EXPECT_EQ(down(), names{"Attack"}) << "it may be half of a repeat";
+    QKeyEvent shortcut(QEvent::ShortcutOverride, Qt::Key_Home, {});
+    QApplication::sendEvent(window.get(), &shortcut);
+    EXPECT_EQ(down(), names{});
+    send(*window, QEvent::KeyPress, 38, Qt::Key_A, "a");
+    release();
+    QTest::mousePress(&window->timeline(), Qt::LeftButton);
+    EXPECT_EQ(down(), names{});
+}
+
 TEST_F(coding_keys, a_window_that_is_left_lets_all_come_up_once) {
     QTest::keyPress(window.get(), Qt::Key_A);
     QTest::keyPress(window.get(), Qt::Key_D);

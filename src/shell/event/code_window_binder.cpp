@@ -39,21 +39,28 @@ QImage read_picture(const std::string& path, const rectangle& place) {
 }
 
 // Waits for the volume. A picture that cannot be read is as none.
-code_window_look read_code_window_look(const std::string& event_folder,
-                                       const std::vector<button_record>& buttons) {
-    const std::string folder = logger_folder_of(event_folder);
-    const logger_settings settings = load_logger_settings(folder);
-    code_window_look look;
-    if (settings.background_colour) look.ground = to_qt(*settings.background_colour);
-    look.scroll = {settings.scroller_offset_x, settings.scroller_offset_y};
+std::map<std::string, QImage> read_pictures(const std::string& folder,
+                                            const std::vector<button_record>& buttons) {
+    std::map<std::string, QImage> pictures;
     for (const button_record& button : buttons) {
         const logger_item_display_info display = button->display();
         const std::string path = display.real_picture ? button_picture_path(*button, folder) : std::string();
         if (path.empty()) continue;
         QImage picture = read_picture(path, display.logger_rect);
-        if (!picture.isNull()) look.pictures[button->uuid()] = std::move(picture);
+        if (!picture.isNull()) pictures[button->uuid()] = std::move(picture);
     }
-    return look;
+    return pictures;
+}
+
+// What of the buttons their pictures go by.
+std::vector<std::string> picture_ids(const std::vector<button_record>& buttons) {
+    std::vector<std::string> ids;
+    for (const button_record& button : buttons) {
+        if (!button->display().real_picture) continue;
+        ids.push_back(button->uuid());
+        ids.push_back(button->picture_id());
+    }
+    return ids;
 }
 
 }  // namespace
@@ -94,12 +101,16 @@ void code_window_binder::show(open_event* event) {
     event_ = event;
     if (!event) {
         view_.set_source(nullptr);
-        return view_.set_look({});
+        view_.set_ground({});
+        return view_.set_pictures({});
     }
     of_event_.push_back(event->timeline().access_changed.connect([this] { show_buttons(); }));
-    of_event_.push_back(event->logger().buttons_changed.connect([this] { read_look(false); }));
+    of_event_.push_back(event->logger().buttons_changed.connect([this] { read_look(); }));
     show_buttons();
-    read_look(true);
+    pictures_read_.clear();
+    read_look();
+    const logger_settings& settings = event->code_window_file().window().settings;
+    view_.scroll_to({settings.scroller_offset_x, settings.scroller_offset_y});
     view_.set_name(session_.name());
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
 }
@@ -125,16 +136,20 @@ void code_window_binder::show_buttons() {
     view_.set_source(std::move(buttons));
 }
 
-void code_window_binder::read_look(bool scrolls) {
+void code_window_binder::read_look() {
+    const auto& ground = event_->code_window_file().window().settings.background_colour;
+    view_.set_ground(ground ? std::optional(to_qt(*ground)) : std::nullopt);
+    const auto& buttons = event_->logger().buttons();
+    std::vector<std::string> ids = picture_ids(buttons);
+    if (ids == pictures_read_) return;
+    pictures_read_ = std::move(ids);
     if (!queue_) queue_ = std::make_unique<serial_queue>("code window");
     queue_->forget_waiting();
-    auto arrive = guard_.guarded([this, scrolls](const code_window_look& look) {
-        view_.set_look(look);
-        if (scrolls) view_.scroll_to(look.scroll);
-    });
-    queue_->post([&loop = session_.loop(), arrive = std::move(arrive), folder = event_->folder(),
-                  buttons = event_->logger().buttons()] {
-        loop.post([arrive, look = read_code_window_look(folder, buttons)]() mutable { arrive(look); });
+    auto arrive = guard_.guarded(
+        [this](const std::map<std::string, QImage>& pictures) { view_.set_pictures(pictures); });
+    queue_->post([&loop = session_.loop(), arrive = std::move(arrive),
+                  folder = event_->code_window_file().folder(), buttons] {
+        loop.post([arrive, pictures = read_pictures(folder, buttons)]() mutable { arrive(pictures); });
     });
 }
 

@@ -19,8 +19,8 @@ class event_session;
 class pane_tick;
 
 // Shows the event's code window in a pane and presses its buttons; while the event can only be read every
-// press is refused and told. How the code window looks, and the pictures of its buttons, are read on a queue
-// and shown when they are there. Where the user scrolls it to is kept with it. Main thread.
+// press is refused and told. The pictures of its buttons are read on a queue and shown when they are there.
+// Where the user scrolls it to is kept with it. Main thread.
 class code_window_binder final : public event_binder {
   public:
     // View and session must outlive this.
@@ -36,8 +36,7 @@ class code_window_binder final : public event_binder {
   private:
     void show_buttons();
     void keep_scroll();
-    // `scrolls`: to where the code window was left.
-    void read_look(bool scrolls);
+    void read_look();
 
     code_window_view& view_;
     event_session& session_;
@@ -46,6 +45,7 @@ class code_window_binder final : public event_binder {
     std::vector<connection> of_view_;
     std::optional<QPointF> scrolled_to_;  // not kept yet
     QTimer keeps_scroll_;
+    std::vector<std::string> pictures_read_;  // what they go by
     std::vector<connection> of_event_;
     posted_work_guard guard_;
     std::unique_ptr<serial_queue> queue_;  // made when it is first wanted; after what its work uses

@@ -76,6 +76,7 @@ void event_notices::follow_event() {
         logger.made_again.connect([this](const std::string& button) { tell_made_again(button); }));
     connections_.push_back(
         event_->save_ended.connect([this](const failure& problem) { tell_save(problem); }));
+    connections_.push_back(timeline.access_changed.connect([this] { tell_code_window(); }));
     const auto tell_conflict = [this](const file_conflict& conflict) {
         Q_EMIT told(conflict_message(name(), conflict));
     };
@@ -96,13 +97,14 @@ void event_notices::tell_opening() {
 }
 
 void event_notices::tell_code_window() {
-    if (access_.is_read_only() || !event_->code_window_is_linked_elsewhere()) return;
+    if (event_->timeline().is_read_only() || !event_->code_window_is_linked_elsewhere()) return;
     Q_EMIT told({user_message::tone::warning,
                  tr("The code window of “%1” belongs to another timeline").arg(name()),
                  tr("What you press goes into the timeline that is open here."),
                  {},
-                 {{tr("Continue"), {}}, {tr("Link Here"), [this] {
-                                             if (event_) event_->link_code_window();
+                 {{tr("Continue"), {}}, {tr("Link Here"), [this, folder = event_->folder()] {
+                                             if (event_ && event_->folder() == folder)
+                                                 event_->link_code_window();
                                          }}}});
 }
 

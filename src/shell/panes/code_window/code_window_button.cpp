@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/panes/code_window/code_window_button.h"
 
+#include <QApplication>
 #include <QEnterEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -49,6 +50,14 @@ code_window_button::code_window_button(code_button button, QWidget* parent)
         release(key_holder, now);
     });
     show_words();
+}
+
+void code_window_button::set_button(code_button button) {
+    if (button == button_) return;
+    button_ = std::move(button);
+    setText(button_.name);
+    show_words();
+    update();
 }
 
 int code_window_button::margin() {
@@ -152,6 +161,7 @@ void code_window_button::hold(int holder, const QPointF& place, double clock_sec
 }
 
 void code_window_button::release(int holder, double clock_seconds) {
+    if (holder == key_holder) qApp->removeEventFilter(this);
     if (holders_.erase(holder) > 0 && holders_.empty()) Q_EMIT went_up(clock_seconds);
 }
 
@@ -207,9 +217,25 @@ void code_window_button::keyReleaseEvent(QKeyEvent* event) {
     }
 }
 
+// The press may put the focus elsewhere, for its note: the key is held until it comes up.
 void code_window_button::focusOutEvent(QFocusEvent* event) {
-    release(key_holder, steady_clock().seconds());
+    if (event->reason() == Qt::ActiveWindowFocusReason) {
+        release(key_holder, steady_clock().seconds());
+    } else if (holders_.contains(key_holder)) {
+        qApp->installEventFilter(this);
+    }
     QAbstractButton::focusOutEvent(event);
+}
+
+bool code_window_button::eventFilter(QObject* watched, QEvent* event) {
+    const bool is_key = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+    const auto* widget = qobject_cast<const QWidget*>(watched);
+    if (!is_key || !widget || widget->window() != window() || !presses(*static_cast<QKeyEvent*>(event)))
+        return false;
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (event->type() == QEvent::KeyRelease && !key.isAutoRepeat()) release(key_holder, moment_of(key));
+    if (!holders_.contains(key_holder)) qApp->removeEventFilter(this);
+    return true;
 }
 
 void code_window_button::hideEvent(QHideEvent* event) {

@@ -25,6 +25,8 @@ class code_window_button final : public QAbstractButton {
     code_window_button(code_button button, QWidget* parent);
 
     const code_button& button() const { return button_; }
+    // Another look of the same button: what holds it, holds it still.
+    void set_button(code_button button);
     const code_button_state& state() const { return state_; }
     void set_state(const code_button_state& state);
     // Drawn as down: is down, or was a moment ago.
@@ -61,6 +63,7 @@ class code_window_button final : public QAbstractButton {
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;

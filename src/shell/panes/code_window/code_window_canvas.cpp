@@ -30,13 +30,42 @@ code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_AcceptTouchEvents);
 }
 
+// What makes edits of the code window while buttons are held leaves them as they are.
+bool code_window_canvas::set_looks(const std::vector<code_button>& buttons) {
+    const auto is_same = [](const code_button& a, const code_button& b) {
+        return a.uuid == b.uuid && a.place == b.place;
+    };
+    if (!std::equal(all_.begin(), all_.end(), buttons.begin(), buttons.end(), is_same)) return false;
+    for (std::size_t i = 0; i < widgets_.size(); ++i) widgets_[i]->set_button(buttons[i]);
+    return true;
+}
+
 void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
-    let_go();  // what is held would never come up otherwise
-    qDeleteAll(widgets_);
+    if (set_looks(buttons)) {
+        all_ = std::move(buttons);
+        return;
+    }
+    auto before = std::exchange(by_uuid_, {});
     widgets_.clear();
-    by_uuid_.clear();
     all_ = std::move(buttons);
-    for (const code_button& button : all_) add(button);
+    for (const code_button& button : all_) {
+        const auto known = before.extract(button.uuid);
+        if (!known) {
+            add(button);
+            continue;
+        }
+        known.mapped()->set_button(button);
+        known.mapped()->raise();  // those that lie behind come later
+        widgets_.push_back(known.mapped());
+        by_uuid_[button.uuid] = known.mapped();
+    }
+    // One of them may be telling of its press.
+    for (const auto& [uuid, gone] : before) {
+        gone->let_go();
+        gone->hide();
+        gone->disconnect(this);
+        gone->deleteLater();
+    }
     // The Tab key goes along the rows as they are seen, not as they were made.
     std::vector<code_window_button*> seen = widgets_;
     std::stable_sort(seen.begin(), seen.end(), [](const auto* a, const auto* b) {
@@ -94,7 +123,9 @@ void code_window_canvas::set_now(double collection_seconds) {
 
 void code_window_canvas::let_go() {
     fingers_.clear();
-    for (code_window_button* each : widgets_) each->let_go();
+    // What comes up may change the buttons.
+    const std::vector<code_window_button*> all = widgets_;
+    for (code_window_button* each : all) each->let_go();
 }
 
 std::size_t code_window_canvas::down_count() const {

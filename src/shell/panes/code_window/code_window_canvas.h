@@ -21,13 +21,6 @@ namespace vistels {
 // no smaller than leaves each button large enough to be hit.
 double code_window_scale(const std::vector<code_button>& buttons, double content, double available);
 
-// How a code window looks apart from its buttons.
-struct code_window_look {
-    std::optional<QColor> ground;            // of the canvas; none: that of panes
-    QPointF scroll;                          // of the canvas, in its logical pixels
-    std::map<std::string, QImage> pictures;  // by button
-};
-
 // The buttons of a code window on their canvas. Each finger holds the button that it came down on until it is
 // lifted, wherever it is by then. Main thread.
 class code_window_canvas final : public QWidget {
@@ -60,6 +53,7 @@ class code_window_canvas final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    bool set_looks(const std::vector<code_button>& buttons);
     void add(const code_button& button);
     QSizeF content() const;
     bool touch(QTouchEvent& event);

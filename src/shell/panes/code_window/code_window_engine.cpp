@@ -17,6 +17,8 @@ namespace vistels {
 namespace {
 
 constexpr double greatest_name_size = 200;
+// Of keys it is the other one, so that neither lets go of what the other holds.
+constexpr int pointer_hand = 1;
 
 code_button::band band_of(const markup_Button_Item& button) {
     if (button.is(button_type::clip) || button.is(button_type::timer_clip)) return code_button::band::left;
@@ -75,10 +77,10 @@ class engine_source final : public code_window_source {
 
     void press(const std::string& button, double clock_seconds, const QPointF& place, bool latches) override {
         engine_.press(button, playing_.collection_time_at(clock_seconds),
-                      {press_cause::press, latches, point{place.x(), place.y()}});
+                      {press_cause::press, latches, point{place.x(), place.y()}, pointer_hand});
     }
     void release(const std::string& button, double clock_seconds) override {
-        engine_.release(button, playing_.collection_time_at(clock_seconds));
+        engine_.release(button, playing_.collection_time_at(clock_seconds), press_cause::press, pointer_hand);
     }
     double collection_time() const override { return playing_.shown_time(); }
 

@@ -47,6 +47,7 @@ struct code_button {
     bool fires_in_centre = false;  // every press counts as one in the middle
     bool lists_clips = false;
     QString list_title;
+    bool operator==(const code_button&) const = default;
 };
 
 // What a button shows beside its face.

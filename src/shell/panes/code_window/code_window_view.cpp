@@ -100,15 +100,18 @@ void code_window_view::set_name(const QString& name) {
 
 void code_window_view::show_buttons() {
     canvas_->set_buttons(source_ ? source_->buttons() : std::vector<code_button>());
-    if (list_) list_->hide();
+    if (list_ && !canvas_->button(list_->shown_button())) list_->hide();
     fit();
     show_states();
     show_key_clashes();
 }
 
-void code_window_view::set_look(code_window_look look) {
-    canvas_->set_ground(look.ground);
-    canvas_->set_pictures(std::move(look.pictures));
+void code_window_view::set_ground(std::optional<QColor> ground) {
+    canvas_->set_ground(std::move(ground));
+}
+
+void code_window_view::set_pictures(std::map<std::string, QImage> pictures) {
+    canvas_->set_pictures(std::move(pictures));
 }
 
 void code_window_view::scroll_to(const QPointF& place) {
@@ -182,6 +185,7 @@ QSize code_window_view::sizeHint() const {
 void code_window_view::resizeEvent(QResizeEvent*) {
     const int head = theme::current().metrics.pane_header_height;
     header_->setGeometry(0, 0, width(), head);
+    is_fitting_ = true;
     area_->setGeometry(0, head, width(), std::max(0, height() - head));
     fit();
 }

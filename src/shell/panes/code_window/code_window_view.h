@@ -23,7 +23,6 @@ namespace vistels {
 class clip_list_popover;
 class code_window_button;
 class code_window_canvas;
-struct code_window_look;
 class pane_header;
 class press_engine;
 class timeline_document;
@@ -76,7 +75,10 @@ class code_window_view final : public QWidget, public pane {
     void tick();
     // Releases what the mouse and fingers hold down.
     void release_mouse();
-    void set_look(code_window_look look);
+    // Of the canvas; none: that of panes.
+    void set_ground(std::optional<QColor> ground);
+    // By button.
+    void set_pictures(std::map<std::string, QImage> pictures);
     // Until the user scrolls, that place of the canvas is in the upper left corner, as far as there is
     // anything to scroll.
     void scroll_to(const QPointF& place);
