@@ -46,42 +46,11 @@ QString vault_words(const content_vault& vault) {
 
 }  // namespace
 
-vault_panel::vault_panel(const QString& name, const QString& title, const QString& words, QWidget* parent)
-    : QDialog(parent), content_(new QVBoxLayout), buttons_(new QHBoxLayout) {
-    const theme_metrics& metrics = theme::current().metrics;
-    setObjectName(name);
-    setWindowTitle(title);
-    setAccessibleDescription(words);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(metrics.group_gap, metrics.group_gap, metrics.group_gap, metrics.group_gap);
-    column->setSpacing(metrics.wide_padding);
-    column->addWidget(make_label(title, type_step::headline, {}, this));
-    auto* explanation = make_label(words, type_step::body, QStringLiteral("muted"), this);
-    explanation->setWordWrap(true);
-    column->addWidget(explanation);
-    content_->setSpacing(metrics.padding);
-    column->addLayout(content_, 1);
-    column->addSpacing(metrics.grid);
-    auto* row = static_cast<QHBoxLayout*>(buttons_);
-    row->setSpacing(metrics.padding);
-    row->addStretch(1);
-    column->addLayout(row);
-    setFixedWidth(metrics.filter_width);
-}
-
-QPushButton* vault_panel::add_button(const QString& name, const QString& words, const QString& kind) {
-    auto* button = make_push_button(words, kind, this);
-    button->setObjectName(objectName() + QLatin1Char('.') + name);
-    buttons_->addWidget(button);
-    return button;
-}
-
 create_vault_panel::create_vault_panel(const values& first, maker make, QWidget* parent)
-    : vault_panel(
-          QStringLiteral("create_vault"), tr("Create New Vault"),
-          tr("A vault is a folder that holds collections with their movies, timelines and code windows. "
-             "It may lie on any volume."),
-          parent),
+    : panel(QStringLiteral("create_vault"), tr("Create New Vault"),
+            tr("A vault is a folder that holds collections with their movies, timelines and code windows. "
+               "It may lie on any volume."),
+            parent),
       make_(std::move(make)) {
     build(first);
     follow_fields();
@@ -220,11 +189,10 @@ void create_vault_panel::reject() {
 
 new_collection_panel::new_collection_panel(const std::vector<std::string>& vaults, const std::string& focus,
                                            QWidget* parent)
-    : vault_panel(
-          QStringLiteral("new_collection"), tr("New Collection"),
-          tr("It begins without movies: Space starts the clock, and what is coded is kept. Movies that "
-             "are added later are brought into step with it by “Same Moment”."),
-          parent),
+    : panel(QStringLiteral("new_collection"), tr("New Collection"),
+            tr("It begins without movies: Space starts the clock, and what is coded is kept. Movies that "
+               "are added later are brought into step with it by “Same Moment”."),
+            parent),
       name_(new QLineEdit(this)),
       vault_(new QComboBox(this)) {
     name_->setObjectName(QStringLiteral("new_collection.name"));
@@ -263,9 +231,8 @@ std::string new_collection_panel::vault() const {
 }
 
 focus_vault_panel::focus_vault_panel(const std::vector<content_vault>& vaults, QWidget* parent)
-    : vault_panel(QStringLiteral("focus_vault"), tr("Choose the Focus Vault"),
-                  tr("New collections and everything else that is made is saved into the focus vault."),
-                  parent),
+    : panel(QStringLiteral("focus_vault"), tr("Choose the Focus Vault"),
+            tr("New collections and everything else that is made is saved into the focus vault."), parent),
       list_(new QListWidget(this)) {
     const theme& look = theme::current();
     list_->setObjectName(QStringLiteral("focus_vault.list"));
@@ -304,8 +271,8 @@ std::string focus_vault_panel::chosen() const {
 }
 
 vault_warning_panel::vault_warning_panel(int percent, bool shows_unavailable, QWidget* parent)
-    : vault_panel(QStringLiteral("vault_warning"), tr("Vault Warnings"),
-                  tr("A vault on a volume with little free space is marked in the side bar."), parent),
+    : panel(QStringLiteral("vault_warning"), tr("Vault Warnings"),
+            tr("A vault on a volume with little free space is marked in the side bar."), parent),
       percent_(new QSpinBox(this)),
       shows_unavailable_(new check_box(tr("&Show vaults that are not available"), this)) {
     percent_->setObjectName(QStringLiteral("vault_warning.percent"));

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QDialog>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "app/vaults/content_list.h"
+#include "shell/kit/panel.h"
 #include "util/result.h"
 
 class QCheckBox;
@@ -16,28 +16,12 @@ class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QSpinBox;
-class QVBoxLayout;
 
 namespace vistels {
 
-// A panel with a headline, content and a row of buttons. Main thread.
-class vault_panel : public QDialog {
-    Q_OBJECT
-  protected:
-    vault_panel(const QString& name, const QString& title, const QString& words, QWidget* parent);
-
-    QVBoxLayout& content() { return *content_; }
-    // The buttons from left to right; the one that does it stands right, before it the safe one.
-    QPushButton* add_button(const QString& name, const QString& words, const QString& kind);
-
-  private:
-    QVBoxLayout* content_;
-    QLayout* buttons_;
-};
-
 // Asks for what a new vault needs: name, parent folder, and whether new items go into it from then on. One
 // that exists already is replaced only when that is chosen then.
-class create_vault_panel final : public vault_panel {
+class create_vault_panel final : public panel {
     Q_OBJECT
   public:
     struct values {
@@ -87,7 +71,7 @@ class create_vault_panel final : public vault_panel {
 };
 
 // Asks for the name of a new collection without movies, and for the vault that it goes into.
-class new_collection_panel final : public vault_panel {
+class new_collection_panel final : public panel {
     Q_OBJECT
   public:
     // The vaults by their paths; `focus` is the one that is proposed.
@@ -102,7 +86,7 @@ class new_collection_panel final : public vault_panel {
 };
 
 // Panel for choosing the focus vault: all vaults with their free space; those that are away cannot be chosen.
-class focus_vault_panel final : public vault_panel {
+class focus_vault_panel final : public panel {
     Q_OBJECT
   public:
     focus_vault_panel(const std::vector<content_vault>& vaults, QWidget* parent);
@@ -116,7 +100,7 @@ class focus_vault_panel final : public vault_panel {
 };
 
 // From which share of free space on the side bar warns, and whether vaults that are away are listed.
-class vault_warning_panel final : public vault_panel {
+class vault_warning_panel final : public panel {
     Q_OBJECT
   public:
     vault_warning_panel(int percent, bool shows_unavailable, QWidget* parent);
