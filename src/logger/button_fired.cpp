@@ -15,6 +15,8 @@ std::string_view press_cause_text(press_cause cause) {
             return "trigger";
         case press_cause::tab:
             return "tab";
+        case press_cause::presser:
+            return "presser";
     }
     return "";
 }

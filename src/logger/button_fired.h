@@ -8,8 +8,8 @@
 namespace vistels {
 
 // Why a button changed its state.
-enum class press_cause { press, link, auto_up, trigger, tab };
-// "press", "link", "auto up", "trigger", "tab"
+enum class press_cause { press, link, auto_up, trigger, tab, presser };
+// "press", "link", "auto up", "trigger", "tab", "presser"
 std::string_view press_cause_text(press_cause cause);
 
 // What a change of state made.

@@ -124,9 +124,10 @@ bool press_engine::release(std::string_view uuid, double at, press_cause cause, 
     auto* state = state_of(uuid);
     const auto* released = button(uuid);
     if (!state || !released) return false;
-    if (cause == press_cause::press) {
-        if (state->held_by != holder::hand || std::erase(state->hands, hand) == 0) return false;
-        if (!state->hands.empty()) return false;
+    const bool is_by_hand = cause == press_cause::press;
+    if (is_by_hand || cause == press_cause::presser) {
+        if (state->held_by != (is_by_hand ? holder::hand : holder::presser)) return false;
+        if (is_by_hand && (std::erase(state->hands, hand) == 0 || !state->hands.empty())) return false;
         if (released->auto_up() && (!state->is_taken_over || released->delayed_up())) {
             if (state->due_at) return false;
             set_due(*state, *released, at);

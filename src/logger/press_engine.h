@@ -45,10 +45,11 @@ struct press_manner {
 //
 // States. A press of a button that is down, or of none that there is, does nothing, but: one that is latched
 // goes up at its next press; one that something else than a hand put down is the hand's from then on and goes
-// up with it. A release by hand belongs to a press by that hand, and of several the last one counts. "auto
-// up": the release counts for nothing; the button goes up by itself "auto up duration" after the press, or
-// with "delayed up" after the release. While the collection's time runs towards that moment it decides, else
-// as much real time; the time counted is the due one.
+// up with it. A release by hand belongs to a press by that hand, and of several the last one counts; one by
+// the automatic presser, for which the same rules hold, to a press of its own. "auto up": the release counts
+// for nothing; the button goes up by itself "auto up duration" after the press, or with "delayed up" after the
+// release. While the collection's time runs towards that moment it decides, else as much real time; the time
+// counted is the due one.
 //
 // What a press makes, by the button's type:
 // - Clip: a clip grows from the press on the button's row (button_set::row_of; made when there is none). At
@@ -197,7 +198,7 @@ class press_engine {
     static constexpr double retry_interval_seconds = press_recorder::retry_interval_seconds;
 
   private:
-    enum class holder { hand, latch, other };
+    enum class holder { hand, latch, presser, other };
     struct button_state {
         down_button down;
         std::string clip;  // that grows; empty for types that make none

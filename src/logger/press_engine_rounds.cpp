@@ -138,6 +138,7 @@ void press_engine::go_down(const button_record& pressed, double at, const press_
     state.down = {uuid, at, time_.seconds(), manner.latches};
     if (pressed->makes_clips() && !is_blocked) state.clip = new_uuid();
     if (manner.cause != press_cause::press) state.held_by = holder::other;
+    if (manner.cause == press_cause::presser) state.held_by = holder::presser;
     if (manner.latches) state.held_by = holder::latch;
     if (state.held_by == holder::hand) state.hands.push_back(manner.hand);
     if (pressed->auto_up() && !pressed->delayed_up()) set_due(state, *pressed, at);

@@ -25,7 +25,8 @@ struct reach_view {
 // The clips that a qualifier pressed at `at` is stamped on, none or more, and the time that it gets: `at`,
 // but for a qualifier that is brought inside a clip. In this order, until some are found:
 // - those that grow, with `running`;
-// - of each row the one that started last among those that hold the time;
+// - of each row the one that started last among those that hold the time (of several the one that ends
+//   last);
 // - with the setting, the one nearest to the time, when that is near enough;
 // - the one that was made last and is still there, when it ended at most `longest_way_back_seconds` before.
 // Clips that are blocked are passed over. Seconds on the collection's clock.

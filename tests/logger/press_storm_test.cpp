@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Ten thousand presses against a plain model of what they make.
+// Ten thousand presses of the automatic presser against a plain model of what they make.
 #include <limits>
 #include <map>
 #include <random>
@@ -9,6 +9,7 @@
 
 #include "logger/coding.h"
 #include "logger/overlap_rule.h"
+#include "logger/random_presses.h"
 
 namespace vistels {
 namespace {
@@ -211,7 +212,8 @@ class plain_model {
         for (auto& clip : clips_) {
             if (blocks(clip) || clip.start > at || clip.end <= at) continue;
             auto& of_row = last[clip.button];
-            if (!of_row || of_row->start < clip.start) of_row = &clip;
+            const auto order = [](const plain_clip& one) { return std::tie(one.start, one.end, one.id); };
+            if (!of_row || order(*of_row) < order(clip)) of_row = &clip;
         }
         for (const auto& [row, clip] : last) found.push_back(clip);
         if (!found.empty()) return found;
@@ -311,49 +313,62 @@ TEST(storm, of_presses_makes_what_a_plain_model_does) {
     const std::string names = "ABCDEFQRXY";
     code.set_buttons();
     plain_model model(clip_buttons);
-    std::mt19937 random(7);
-    const auto below = [&](unsigned count) { return random() % count; };
+    random_presses presser(1);
+    const auto below = [&](unsigned count) { return presser.below(count); };
     std::string begun;  // the clip of the last press
     const auto telling = code.engine->fired.connect([&](const button_fired& one) {
         if (one.is_down) begun = one.clip;
     });
     const double begun_at = code.loop.time().seconds();
-    // The collection's times are all apart, so that none is the end of one and the start of another.
     double at = 100;
-    for (int press = 0; press < 10'000; ++press) {
-        code.loop.advance(cycle_seconds);
-        at += cycle_seconds + 1e-5 * (press % 7);
+    const auto come_to = [&](double moment) {
+        at += moment - code.loop.time().seconds();
+        code.loop.advance_to(moment);
         code.engine->tick(at);
         model.tick(at);
+    };
+    const auto release = [&](const std::vector<std::string>& buttons) {
+        for (const auto& uuid : buttons) {
+            code.engine->release(uuid, at, press_cause::presser);
+            model.release(uuid.back(), at);
+        }
+    };
+    int presses = 0;
+    for (int cycle = 0; cycle < 10'000; ++cycle) {
+        const double cycle_at = code.loop.time().seconds() + cycle_seconds;
+        for (auto end = presser.next_end(); end && *end <= cycle_at; end = presser.next_end()) {
+            come_to(*end);
+            release(presser.take_ended(*end));
+        }
+        come_to(cycle_at);
+        // The collection's times are all apart, so that none is the end of one and the start of another.
+        at += 1e-5 * (cycle % 7);
         if (below(150) == 0) {
-            const double to = below(3) == 0 ? at - 1.5 - 1e-3 * press / 7
-                                            : 100 + 0.14 * static_cast<double>(below(4'000)) + 1e-4 * press;
+            const double to = below(3) == 0 ? at - 1.5 - 1e-3 * cycle / 7
+                                            : 100 + 0.14 * static_cast<double>(below(4'000)) + 1e-4 * cycle;
             code.engine->playhead_jumped(at, to);
             model.jump(at, to);
             at = to;
         }
-        // Often everything is up, so that every rule for qualifiers has its turn.
-        const bool lets_go = below(40) == 0;
+        // Often it is turned off and on, so that all come up and every rule for qualifiers has its turn.
+        if (below(40) == 0) release(presser.take_all());
+        std::vector<std::string> up;
         for (const char name : names) {
-            if (!lets_go || !model.is_down(name)) continue;
-            code.engine->release("id " + std::string(1, name), at);
-            model.release(name, at);
+            const std::string uuid = "id " + std::string(1, name);
+            ASSERT_EQ(code.engine->is_down(uuid), model.is_down(name)) << name << " in cycle " << cycle;
+            if (!model.is_down(name)) up.push_back(uuid);
         }
-        const char name = names[below(static_cast<unsigned>(names.size()))];
-        const std::string uuid = "id " + std::string(1, name);
-        ASSERT_EQ(code.engine->is_down(uuid), model.is_down(name)) << name << " at press " << press;
-        if (model.is_down(name)) {
-            code.engine->release(uuid, at);
-            model.release(name, at);
-        } else {
-            code.engine->press(uuid, at);
-            model.press(name, at, begun);
+        for (const auto& uuid : presser.begin_cycle(up, 1, cycle_at, cycle_seconds)) {
+            ASSERT_TRUE(code.engine->press(uuid, at, {press_cause::presser, false, {}}));
+            model.press(uuid.back(), at, begun);
+            ++presses;
         }
-        if (press % 1'000 == 500) code.document->save_soon();
-        if (press % 500 == 499) {
-            ASSERT_EQ(text_of(code.document->timeline()), model.text()) << "after press " << press;
+        if (cycle % 1'000 == 500) code.document->save_soon();
+        if (cycle % 500 == 499) {
+            ASSERT_EQ(text_of(code.document->timeline()), model.text()) << "after cycle " << cycle;
         }
     }
+    EXPECT_EQ(presses, 10'000) << "there is always a button to press";
     EXPECT_EQ(code.engine->unrecorded(), 0U);
     EXPECT_NEAR(code.loop.time().seconds() - begun_at, 200, 1) << "fifty a second";
     code.engine->release_all(at);
