@@ -436,6 +436,9 @@ TEST(settings, of_the_code_windows_are_each_in_a_file_of_their_own) {
         ASSERT_TRUE(safe_write(margin, stored));
         EXPECT_EQ(load_press_settings(places).margin_padding_seconds, 5);
     }
+    EXPECT_TRUE(save_test_press_settings(places, {false, 0, 1e9, false, false}));
+    const test_press_settings limits{false, 1, test_press_settings::most_seconds, false, false};
+    EXPECT_EQ(load_test_press_settings(places), limits);
 }
 
 }  // namespace

@@ -86,9 +86,12 @@ test_press_settings load_test_press_settings(const home_places& places) {
     const auto stored = read_settings(places, test_file);
     test_press_settings settings;
     settings.presses_buttons = stored.boolean(test_on_key).value_or(false);
-    settings.buttons_each_cycle = std::max<std::int64_t>(1, stored.integer(test_count_key).value_or(1));
+    settings.buttons_each_cycle = std::clamp<std::int64_t>(stored.integer(test_count_key).value_or(1), 1,
+                                                           test_press_settings::most_buttons);
     const auto seconds = stored.number(test_seconds_key);
-    if (seconds && std::isfinite(*seconds) && *seconds > 0) settings.seconds_between_cycles = *seconds;
+    if (seconds && std::isfinite(*seconds))
+        settings.seconds_between_cycles =
+            std::clamp(*seconds, test_press_settings::least_seconds, test_press_settings::most_seconds);
     settings.deletes_recent_clips = stored.boolean(test_delete_key).value_or(false);
     settings.copies_recent_clips_to_a_composer = stored.boolean(test_copy_key).value_or(false);
     return settings;

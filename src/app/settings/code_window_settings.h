@@ -33,13 +33,18 @@ result<void> save_disabled_triggers(const home_places& places, disabled_triggers
 // The automatic presser, which presses buttons at random.
 struct test_press_settings {
     bool presses_buttons = false;
-    std::int64_t buttons_each_cycle = 1;  // from 1 on
-    double seconds_between_cycles = 1;    // above 0
+    std::int64_t buttons_each_cycle = 1;  // from 1 to most_buttons
+    double seconds_between_cycles = 1;    // from least_seconds to most_seconds
     bool deletes_recent_clips = false;
-    bool copies_recent_clips_to_a_composer = false;
+    bool copies_recent_clips_to_a_composer = false;  // only kept
+
+    static constexpr int most_buttons = 1000;
+    static constexpr double least_seconds = 0.01;
+    static constexpr double most_seconds = 3600;
 
     bool operator==(const test_press_settings&) const = default;
 };
+// What is stored beyond the limits counts as the limit.
 test_press_settings load_test_press_settings(const home_places& places);
 result<void> save_test_press_settings(const home_places& places, const test_press_settings& settings);
 

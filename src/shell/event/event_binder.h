@@ -20,6 +20,8 @@ class event_binder {
     virtual bool is_complete() const { return true; }
     // Lets go of the buttons that a hand holds down by it.
     virtual void let_go() {}
+    // The event is about to be closed: nothing is begun on it any more.
+    virtual void end_work() {}
 };
 
 }  // namespace vistels

@@ -200,4 +200,15 @@ user_message refused_press_message(const QString& button, const QString& event) 
     return told;
 }
 
+user_message pressing_message(const QString& event, std::function<void()> stop) {
+    user_message told;
+    told.headline = QObject::tr("Buttons are being pressed automatically");
+    told.text =
+        QObject::tr("What they make goes into the timeline of “%1”, and can be taken back.").arg(event);
+    told.choices = {{QObject::tr("Stop"), std::move(stop)}};
+    told.key = QLatin1String(pressing_key);
+    told.comes_first = true;
+    return told;
+}
+
 }  // namespace vistels

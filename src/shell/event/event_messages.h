@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ inline constexpr const char* save_failed_key = "save failed";
 inline constexpr const char* read_only_key = "read only";
 inline constexpr const char* refused_press_key = "refused press";
 inline constexpr const char* refused_change_key = "refused change";
+inline constexpr const char* pressing_key = "automatic presser";
 
 // Shows the folder, or the folder of the file, in the desktop's file manager.
 void show_in_files(const std::string& path);
@@ -58,5 +60,8 @@ user_message unknown_kind_message(item_kind kind, const QString& name, const std
 
 // A button was pressed while the timeline can only be read.
 user_message refused_press_message(const QString& button, const QString& event);
+
+// Buttons are pressed at random. It lasts until that is over; `stop` ends it.
+user_message pressing_message(const QString& event, std::function<void()> stop);
 
 }  // namespace vistels

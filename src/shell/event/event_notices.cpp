@@ -184,6 +184,14 @@ void event_notices::refuse_press(const QString& button) {
     tell_anew(refused_press_message(button, name()));
 }
 
+void event_notices::tell_pressing(std::function<void()> stop) {
+    Q_EMIT told(pressing_message(name(), std::move(stop)));
+}
+
+void event_notices::tell_pressing_over() {
+    Q_EMIT state_over(QLatin1String(pressing_key));
+}
+
 void event_notices::refuse_change(const QString& reason) {
     access_.note_refusal();
     user_message message{user_message::tone::error, tr("This could not be changed"), reason, {}, {}};

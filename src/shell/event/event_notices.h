@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,9 @@ class event_notices : public QObject {
     void tell_save(const failure& problem);
     // A button was pressed while the event can only be read.
     void refuse_press(const QString& button);
+    // Buttons are pressed at random, which `stop` ends; and it is over.
+    void tell_pressing(std::function<void()> stop);
+    void tell_pressing_over();
     // An edit was refused.
     void refuse_change(const QString& reason);
 

@@ -40,6 +40,7 @@ void event_session::when_saved(std::function<void()> then) {
     saved_guard_.drop();
     if (!event_) return then();
     event_->playback().pause();
+    for (event_binder* one : binders_.all()) one->end_work();
     release_buttons();
     event_->save_soon();
     const auto is_done = [this] { return !event_->has_unsaved_edits() || event_->timeline().is_read_only(); };

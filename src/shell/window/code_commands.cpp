@@ -10,6 +10,8 @@
 #include "logger/press_engine.h"
 #include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
+#include "shell/event/presser_binder.h"
+#include "shell/window/presser_panel.h"
 #include "shell/window/window_actions.h"
 
 namespace vistels {
@@ -17,6 +19,13 @@ namespace vistels {
 namespace {
 
 constexpr double longest_margin_seconds = 600;
+
+presser_binder& add_presser(event_session& session) {
+    auto made = std::make_unique<presser_binder>(session);
+    presser_binder& added = *made;
+    session.attach(std::move(made));
+    return added;
+}
 
 }  // namespace
 
@@ -26,7 +35,10 @@ code_commands::code_commands(QWidget& window, window_actions& actions, event_ses
       actions_(actions),
       session_(session),
       places_(std::move(places)),
-      settings_(load_press_settings(places_)) {
+      settings_(load_press_settings(places_)),
+      presser_settings_(load_test_press_settings(places_)),
+      presser_(add_presser(session)),
+      pressing_ended_(presser_.ended.connect([this] { turn_presser_off(); })) {
     const auto on = [&](command which, auto does) {
         connect(actions_[which], &QAction::triggered, this, does);
     };
@@ -42,6 +54,7 @@ code_commands::code_commands(QWidget& window, window_actions& actions, event_ses
         coming.dont_save_live_clips = checked;
         choose(coming);
     });
+    on(command::press_automatically, [this] { ask_presser(); });
     show_settings();
 }
 
@@ -73,6 +86,52 @@ void code_commands::ask_margin() {
         choose(coming);
     });
     panel->open();
+}
+
+void code_commands::set_presser(const test_press_settings& settings, bool presses_there) {
+    take_presser(settings, !presses_there && presser_.is_on());
+}
+
+void code_commands::resume_pressing() {
+    take_presser(presser_settings_, true);
+}
+
+void code_commands::stop_pressing() {
+    if (presser_.is_on()) turn_presser_off();
+}
+
+void code_commands::turn_presser_off() {
+    test_press_settings off = presser_settings_;
+    off.presses_buttons = false;
+    choose_presser(off, false);
+}
+
+void code_commands::choose_presser(const test_press_settings& settings, bool presses_here) {
+    take_presser(settings, presses_here);
+    session_.notices().tell_not_remembered(save_test_press_settings(places_, settings));
+    Q_EMIT presser_chosen(settings, presses_here);
+}
+
+void code_commands::take_presser(const test_press_settings& settings, bool presses_here) {
+    presser_settings_ = settings;
+    test_press_settings here = settings;
+    here.presses_buttons = settings.presses_buttons && presses_here;
+    presser_.set_settings(here);
+}
+
+void code_commands::ask_presser() {
+    test_press_settings here = presser_settings_;
+    here.presses_buttons = presser_.is_on();
+    auto* asked = new presser_panel(here, &window_);
+    asked->setAttribute(Qt::WA_DeleteOnClose);
+    connect(asked, &QDialog::accepted, this, [this, asked] {
+        test_press_settings coming = asked->chosen();
+        const bool presses_here = coming.presses_buttons;
+        // What is not on here may be on in another window.
+        if (!presses_here && !presser_.is_on()) coming.presses_buttons = presser_settings_.presses_buttons;
+        choose_presser(coming, presses_here);
+    });
+    asked->open();
 }
 
 void code_commands::show_settings() {

@@ -224,6 +224,12 @@ void window_set::connect_window(main_window& window) {
             if (other.window.get() != one) other.window->coding().set_settings(chosen);
         }
     });
+    connect(&one->coding(), &code_commands::presser_chosen, this,
+            [this, one](const test_press_settings& chosen, bool presses_there) {
+                for (const auto& other : members_) {
+                    if (other.window.get() != one) other.window->coding().set_presser(chosen, presses_there);
+                }
+            });
     connect(&one->session(), &event_session::application_volume_chosen, this, [this, one](double volume) {
         for (const auto& other : members_) {
             if (other.window.get() != one) other.window->session().player().take_application_volume(volume);
@@ -239,6 +245,7 @@ void window_set::begin_to_open() {
     content_.refresh();
     if (!front()) return;
     for (auto& message : std::exchange(first_messages_, {})) front()->tell(std::move(message));
+    front()->coding().resume_pressing();
     open_next();
 }
 
@@ -406,6 +413,8 @@ void window_set::take_closing(main_window* window) {
     const auto found = std::find_if(members_.begin(), members_.end(),
                                     [&](const member& one) { return one.window.get() == window; });
     if (found == members_.end()) return;
+    // When all close at once it is remembered for the next start.
+    if (!ending_) window->coding().stop_pressing();
     window->disconnect(this);
     window->removeEventFilter(this);
     closed_.push_back(std::move(found->window));
