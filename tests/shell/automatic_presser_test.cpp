@@ -141,7 +141,9 @@ TEST_F(automatic_pressing, is_done_in_one_window_and_goes_on_at_the_next_start) 
     EXPECT_TRUE(is_told(front));
     EXPECT_TRUE(is_pressed(front));
     EXPECT_NE(messages(other).headline(), notice);
-    front->close();
+    // Which waits until all is saved: no more comes meanwhile.
+    front->actions()[command::close_window]->trigger();
+    EXPECT_NE(messages(front).headline(), notice);
     EXPECT_TRUE(comes_true([&] { return set->windows().size() == 1; }));
     EXPECT_FALSE(stored().presses_buttons) << "the window where it was on was closed alone";
     quit();
