@@ -141,7 +141,7 @@ void press_engine::go_down(const button_record& pressed, double at, const press_
     if (manner.cause == press_cause::presser) state.held_by = holder::presser;
     if (manner.latches) state.held_by = holder::latch;
     if (state.held_by == holder::hand) state.hands.push_back(manner.hand);
-    if (pressed->auto_up() && !pressed->delayed_up()) set_due(state, *pressed, at);
+    if (pressed->auto_up() && !pressed->delayed_up() && !manner.latches) set_due(state, *pressed, at);
     auto action = is_blocked ? std::nullopt : action_of_press(worn(pressed), state, manner);
     down_.push_back(std::move(state));
     note_state(uuid, true);
