@@ -58,6 +58,7 @@ struct press_engine::round {
     std::unordered_set<std::string> fired;
     std::unordered_set<std::string> blocked;
     bool pauses = false;
+    bool changes_looks = false;
 
     void add(button_fired event, const button_record& button, std::optional<press_action> action) {
         event.button = button->uuid();
@@ -104,6 +105,7 @@ void press_engine::finish_round() {
     std::optional<std::vector<press_outcome>> outcomes;
     if (!done->made.actions.empty()) outcomes = recorder_.record(std::move(done->made));
     if (transport_ && done->pauses) transport_->pause();
+    if (done->changes_looks) looks_changed.emit();
     for (auto& [event, button, action] : done->changes) {
         if (action && outcomes) {
             const press_outcome& one = (*outcomes)[*action];
@@ -236,7 +238,7 @@ void press_engine::note_trace(const markup_Button_Item& pressed, const press_man
     const auto place = place_on_face(pressed, manner.place);
     if (!field.Cartesian || field.Cartesian_Traces <= 0 || !place) return;
     looks_.add_trace(pressed.uuid(), *place, static_cast<std::size_t>(field.Cartesian_Traces));
-    looks_changed.emit();
+    round_->changes_looks = true;
 }
 
 // In what one press sets off each button changes once.
@@ -287,7 +289,7 @@ void press_engine::follow_link(const link_graph::link& link, const button_record
             looks_.clear_traces(uuid);
             break;
     }
-    looks_changed.emit();
+    round_->changes_looks = true;
 }
 
 void press_engine::press_beside(const markup_Button_Item& button, double at, bool is_down) {

@@ -419,15 +419,13 @@ TEST(settings, of_the_code_windows_are_each_in_a_file_of_their_own) {
     const temporary_folder home;
     const auto places = find_home_places(home.path());
     EXPECT_EQ(load_press_settings(places), press_settings());
-    const press_settings pressed{true, 2.5, true};
+    const press_settings pressed{true, 2.5, true, true};
     const test_press_settings tested{true, 3, 0.02, true, true};
     EXPECT_TRUE(save_press_settings(places, pressed));
     EXPECT_TRUE(save_test_press_settings(places, tested));
-    EXPECT_TRUE(save_disabled_triggers(places, {true}));
     EXPECT_TRUE(save_default_link_type(places, "ON_UP_SET_UP"));
     EXPECT_EQ(load_press_settings(places), pressed);
     EXPECT_EQ(load_test_press_settings(places), tested);
-    EXPECT_TRUE(load_disabled_triggers(places).are_stopped);
     EXPECT_EQ(load_default_link_type(places), "ON_UP_SET_UP");
     const auto margin = path_of(places, {"Logger", "margin padding seconds.plist"});
     for (const property_value& wrong : {property_value(-1.0), property_value("3"), property_value(true)}) {

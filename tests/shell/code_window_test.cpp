@@ -416,6 +416,50 @@ TEST(code_window_engine, a_press_makes_its_clip_and_is_counted) {
     view.set_source(nullptr);
 }
 
+// What links make of the buttons is seen, and goes with no press that is held.
+TEST(code_window_engine, links_change_looks_and_what_is_in_the_middle) {
+    const testing::temporary_folder folder;
+    qt_run_loop loop;
+    auto opened = timeline_document::open(folder / "timeline", loop);
+    ASSERT_TRUE(opened) << opened.message();
+    press_engine engine(*opened.value(), loop.time());
+    std::vector<markup_Button_Item> buttons(3);
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        buttons[i].set_uuid(std::string(1, static_cast<char>('a' + i)));
+        buttons[i].set_type(button_type::none);
+        logger_item_display_info display;
+        display.logger_rect = {8, i == 2 ? 1500.0 : 8 + 20.0 * static_cast<double>(i), 100, 56};
+        buttons[i].set_display(display);
+    }
+    const auto link = [&](const char* code, const char* to) {
+        auto all = buttons[0].action_links();
+        all.push_back({code, colour{1, 0, 0, 1}, to, "", "", {}});
+        buttons[0].set_action_links(all);
+    };
+    link("ON_DOWN_SET_BUTTON_COLOUR", "b");
+    link("ON_DOWN__SEND_TO_BACK", "b");
+    link("ON_UP_CENTER_ON", "c");
+    engine.set_buttons({buttons.begin(), buttons.end()}, 0);
+    standing_transport playing;
+    code_window_view view;
+    view.set_source(source_of(engine, *opened.value(), playing));
+    view.resize(300, 200);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    const auto on_top = [&] { return view.canvas().childAt(50, 40); };
+    EXPECT_EQ(on_top(), view.canvas().button("b"));
+    QTest::mousePress(view.canvas().button("a"), Qt::LeftButton);
+    EXPECT_EQ(view.canvas().button("b")->button().colour, QColor(255, 0, 0));
+    EXPECT_EQ(on_top(), view.canvas().button("a"));
+    EXPECT_TRUE(engine.is_down("a"));
+    QTest::mouseRelease(view.canvas().button("a"), Qt::LeftButton);
+    EXPECT_FALSE(engine.is_down("a"));
+    const auto* seen = view.findChild<QScrollArea*>();
+    const QPoint middle = view.canvas().button("c")->geometry().center();
+    EXPECT_TRUE(seen->viewport()->rect().contains(view.canvas().mapTo(seen->viewport(), middle)));
+    view.set_source(nullptr);
+}
+
 // A list takes no keys, follows its row, and goes with a press elsewhere.
 TEST(code_window_engine, a_lister_shows_the_clips_of_its_row_and_goes_to_the_one_chosen) {
     const testing::temporary_folder folder;

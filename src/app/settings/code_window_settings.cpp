@@ -49,6 +49,7 @@ press_settings load_press_settings(const home_places& places) {
     const auto margin = read_settings(places, margin_file).number(margin_key);
     if (margin && std::isfinite(*margin) && *margin >= 0) settings.margin_padding_seconds = *margin;
     settings.dont_save_live_clips = load_flag(places, live_file, live_key);
+    settings.disable_triggers = load_flag(places, triggers_file, triggers_key);
     return settings;
 }
 
@@ -61,6 +62,8 @@ result<void> save_press_settings(const home_places& places, const press_settings
         done = save(places, margin_file, margin_key, settings.margin_padding_seconds);
     if (done && settings.dont_save_live_clips != before.dont_save_live_clips)
         done = save(places, live_file, live_key, settings.dont_save_live_clips);
+    if (done && settings.disable_triggers != before.disable_triggers)
+        done = save(places, triggers_file, triggers_key, settings.disable_triggers);
     return done;
 }
 
@@ -72,14 +75,6 @@ std::string load_default_link_type(const home_places& places) {
 
 result<void> save_default_link_type(const home_places& places, const std::string& type) {
     return save(places, link_file, link_key, type);
-}
-
-disabled_triggers load_disabled_triggers(const home_places& places) {
-    return {load_flag(places, triggers_file, triggers_key)};
-}
-
-result<void> save_disabled_triggers(const home_places& places, disabled_triggers setting) {
-    return save(places, triggers_file, triggers_key, setting.are_stopped);
 }
 
 test_press_settings load_test_press_settings(const home_places& places) {

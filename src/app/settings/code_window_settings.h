@@ -23,13 +23,6 @@ result<void> save_press_settings(const home_places& places, const press_settings
 std::string load_default_link_type(const home_places& places);
 result<void> save_default_link_type(const home_places& places, const std::string& type);
 
-// Whether triggers are stopped.
-struct disabled_triggers {
-    bool are_stopped = false;
-};
-disabled_triggers load_disabled_triggers(const home_places& places);
-result<void> save_disabled_triggers(const home_places& places, disabled_triggers setting);
-
 // The automatic presser, which presses buttons at random.
 struct test_press_settings {
     bool presses_buttons = false;

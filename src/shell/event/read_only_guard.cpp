@@ -24,6 +24,8 @@ class refusing_source final : public code_window_source {
         : source_(std::move(source)), refused_(std::move(refused)) {
         observed_.push_back(source_->buttons_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(source_->states_changed.connect([this] { states_changed.emit(); }));
+        observed_.push_back(
+            source_->center_wanted.connect([this](const std::string& one) { center_wanted.emit(one); }));
     }
 
     std::vector<code_button> buttons() const override { return source_->buttons(); }

@@ -43,17 +43,17 @@ code_commands::code_commands(QWidget& window, window_actions& actions, event_ses
         connect(actions_[which], &QAction::triggered, this, does);
     };
     on(command::release_buttons, [this] { session_.release_buttons(); });
-    on(command::bring_qualifiers_inside, [this](bool checked) {
-        press_settings coming = settings_;
-        coming.bring_qualifiers_inside_clip = checked;
-        choose(coming);
-    });
+    const auto sets = [&](command which, bool press_settings::*flag) {
+        on(which, [this, flag](bool checked) {
+            press_settings coming = settings_;
+            coming.*flag = checked;
+            choose(coming);
+        });
+    };
+    sets(command::bring_qualifiers_inside, &press_settings::bring_qualifiers_inside_clip);
     on(command::margin_beside_clips, [this] { ask_margin(); });
-    on(command::dont_save_live_clips, [this](bool checked) {
-        press_settings coming = settings_;
-        coming.dont_save_live_clips = checked;
-        choose(coming);
-    });
+    sets(command::dont_save_live_clips, &press_settings::dont_save_live_clips);
+    sets(command::disable_triggers, &press_settings::disable_triggers);
     on(command::press_automatically, [this] { ask_presser(); });
     show_settings();
 }
@@ -138,6 +138,7 @@ void code_commands::show_settings() {
     actions_[command::bring_qualifiers_inside]->setChecked(settings_.bring_qualifiers_inside_clip);
     actions_[command::margin_beside_clips]->setEnabled(settings_.bring_qualifiers_inside_clip);
     actions_[command::dont_save_live_clips]->setChecked(settings_.dont_save_live_clips);
+    actions_[command::disable_triggers]->setChecked(settings_.disable_triggers);
 }
 
 }  // namespace vistels

@@ -97,6 +97,8 @@ constexpr action_line action_lines[] = {
     {command::dont_save_live_clips, "Code", "dont_save_live_clips", "Do Not Save Live Clips", "",
      "Clips are put on record when their buttons come up; what grows when the machine fails is lost", false,
      true},
+    {command::disable_triggers, "Code", "disable_triggers", "Disable Triggers", "",
+     "The playhead passes triggers of buttons without pressing them", false, true},
     {command::press_automatically, "Code", "press_automatically", "Press Buttons Automatically…", "",
      "Press buttons of the code window at random, to try it out", true, false, true},
     {command::zoom_in, "Timeline", "zoom_in", "Zoom In",

@@ -58,6 +58,7 @@ enum class command {
     bring_qualifiers_inside,
     margin_beside_clips,
     dont_save_live_clips,
+    disable_triggers,
     press_automatically,
     zoom_in,
     zoom_out,

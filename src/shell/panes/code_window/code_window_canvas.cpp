@@ -33,7 +33,7 @@ code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
 // What makes edits of the code window while buttons are held leaves them as they are.
 bool code_window_canvas::set_looks(const std::vector<code_button>& buttons) {
     const auto is_same = [](const code_button& a, const code_button& b) {
-        return a.uuid == b.uuid && a.place == b.place;
+        return a.uuid == b.uuid && a.place == b.place && a.depth == b.depth;
     };
     if (!std::equal(all_.begin(), all_.end(), buttons.begin(), buttons.end(), is_same)) return false;
     for (std::size_t i = 0; i < widgets_.size(); ++i) widgets_[i]->set_button(buttons[i]);
@@ -55,7 +55,6 @@ void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
             continue;
         }
         known.mapped()->set_button(button);
-        known.mapped()->raise();  // those that lie behind come later
         widgets_.push_back(known.mapped());
         by_uuid_[button.uuid] = known.mapped();
     }
@@ -66,6 +65,7 @@ void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
         gone->disconnect(this);
         gone->deleteLater();
     }
+    raise_by_depth();
     // The Tab key goes along the rows as they are seen, not as they were made.
     std::vector<code_window_button*> seen = widgets_;
     std::stable_sort(seen.begin(), seen.end(), [](const auto* a, const auto* b) {
@@ -77,6 +77,14 @@ void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
     for (std::size_t index = 1; index < seen.size(); ++index) setTabOrder(seen[index - 1], seen[index]);
     fit_to(pane_);
     update();
+}
+
+// Of the same depth in the order of the code window.
+void code_window_canvas::raise_by_depth() {
+    std::vector<code_window_button*> order = widgets_;
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto* a, const auto* b) { return a->button().depth < b->button().depth; });
+    for (code_window_button* each : order) each->raise();
 }
 
 void code_window_canvas::add(const code_button& button) {

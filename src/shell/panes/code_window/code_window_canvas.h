@@ -55,6 +55,7 @@ class code_window_canvas final : public QWidget {
   private:
     bool set_looks(const std::vector<code_button>& buttons);
     void add(const code_button& button);
+    void raise_by_depth();
     QSizeF content() const;
     bool touch(QTouchEvent& event);
     bool put_finger(const QEventPoint& finger, double clock_seconds);

@@ -37,6 +37,9 @@ class engine_source final : public code_window_source {
             if (fired.waits) waiting_.insert(fired.button);
             states_changed.emit();
         }));
+        observed_.push_back(engine_.looks_changed.connect([this] { buttons_changed.emit(); }));
+        observed_.push_back(
+            engine_.center_wanted.connect([this](const std::string& button) { center_wanted.emit(button); }));
         observed_.push_back(engine_.attributes_given_up.connect([this] { states_changed.emit(); }));
         observed_.push_back(engine_.buttons_changed.connect([this] {
             are_rows_known_ = false;
@@ -52,7 +55,10 @@ class engine_source final : public code_window_source {
     std::vector<code_button> buttons() const override {
         std::vector<code_button> made;
         made.reserve(engine_.buttons().size());
-        for (const button_record& each : engine_.buttons()) made.push_back(face_of(*each, made.size()));
+        for (const button_record& each : engine_.buttons()) {
+            made.push_back(face_of(*each, made.size()));
+            wear(made.back(), *each);
+        }
         return made;
     }
 
@@ -114,6 +120,17 @@ class engine_source final : public code_window_source {
         if (made.list_title.isEmpty()) made.list_title = made.name;
         set_look(made, display);
         return made;
+    }
+
+    // As links and presses have made it look in this run.
+    void wear(code_button& made, const markup_Button_Item& button) const {
+        const button_looks::look* look = engine_.looks().of(made.uuid);
+        if (!look) return;
+        if (look->button_colour) made.colour = to_qt(*look->button_colour);
+        if (look->mark_colour) made.made_colour = to_qt(*look->mark_colour);
+        made.depth = look->depth;
+        for (const point& trace : look->traces) made.traces.append({trace.x, trace.y});
+        made.traces_are_lines = button.field().trace_type.find("line") != std::string::npos;
     }
 
     static void set_look(code_button& made, const logger_item_display_info& display) {

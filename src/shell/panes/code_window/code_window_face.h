@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QList>
 #include <QPointF>
 #include <QRectF>
 #include <QString>
@@ -47,6 +48,9 @@ struct code_button {
     bool fires_in_centre = false;  // every press counts as one in the middle
     bool lists_clips = false;
     QString list_title;
+    int depth = 0;                  // above 0: in front of the others, below: behind them
+    QList<QPointF> traces;          // where its field was pressed, in proportions; the last one at the end
+    bool traces_are_lines = false;  // from one to the next
     bool operator==(const code_button&) const = default;
 };
 

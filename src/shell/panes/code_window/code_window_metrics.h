@@ -14,6 +14,7 @@ struct code_window_metrics {
     int key_cap = 18;
     int key_cap_small = 14;  // on a low button
     int ping_radius = 12;
+    int trace_radius = 3;
     int list_width = 320;     // of the list of a row's clips
     int list_most_lines = 8;  // that are seen at once
 };

@@ -217,6 +217,26 @@ void paint_name(QPainter& painter, const theme& look, const code_button_layout& 
     painter.drawText(words.name, flags, words.text);
 }
 
+// Where the field was pressed; the last one is the strongest.
+void paint_traces(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
+                  const QColor& colour) {
+    const auto place = [&](const QPointF& share) {
+        return QPointF(face.left() + share.x() * face.width(), face.top() + share.y() * face.height());
+    };
+    const double radius = code_window_sizes.trace_radius;
+    for (qsizetype i = 0; i < button.traces.size(); ++i) {
+        const bool is_last = i + 1 == button.traces.size();
+        QColor ink = colour;
+        ink.setAlphaF(is_last ? 1.0F : static_cast<float>(look.disabled_share));
+        painter.setPen(QPen(ink, look.metrics.focus_ring));
+        if (button.traces_are_lines && i > 0)
+            painter.drawLine(place(button.traces[i - 1]), place(button.traces[i]));
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ink);
+        painter.drawEllipse(place(button.traces[i]), radius, radius);
+    }
+}
+
 // A ring that is seen on every colour.
 void paint_ping(QPainter& painter, const theme& look, const QRectF& face, const QPointF& place) {
     const QPointF at(face.left() + place.x() * face.width(), face.top() + place.y() * face.height());
@@ -253,6 +273,7 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
         paint_corner(painter, look, words.corner, colours, shown);
     if (shown.state.is_live) paint_live_dot(painter, look, words, shown.time);
     if (button.shows_name) paint_name(painter, look, words, colours, shown.picture != nullptr);
+    paint_traces(painter, look, button, face, colours.ink);
     painter.setOpacity(1);
     if (shown.state.is_down) paint_ring(painter, look, button, face, look.selection);
     if (shown.has_focus) paint_ring(painter, look, button, face, look.accent);

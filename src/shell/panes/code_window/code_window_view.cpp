@@ -90,6 +90,8 @@ void code_window_view::set_source(std::unique_ptr<code_window_source> source) {
     if (source_) {
         connections_.push_back(source_->buttons_changed.connect([this] { show_buttons(); }));
         connections_.push_back(source_->states_changed.connect([this] { show_states(); }));
+        connections_.push_back(
+            source_->center_wanted.connect([this](const std::string& one) { center_on(one); }));
     }
     show_buttons();
 }
@@ -230,6 +232,16 @@ void code_window_view::note_scroll() {
     scroll_ = QPointF(area_->horizontalScrollBar()->value(), area_->verticalScrollBar()->value()) /
               canvas_->scale();
     scrolled.emit(*scroll_);
+}
+
+// As far as there is anything to scroll.
+void code_window_view::center_on(const std::string& button) {
+    const code_window_button* found = canvas_->button(button);
+    if (!found) return;
+    const QPoint middle = found->geometry().center();
+    const QSize seen = area_->viewport()->size();
+    scroll_ = QPointF(middle - QPoint(seen.width() / 2, seen.height() / 2)) / canvas_->scale();
+    scroll();
 }
 
 void code_window_view::showEvent(QShowEvent* event) {

@@ -47,6 +47,8 @@ class code_window_source {
 
     signal<> buttons_changed;
     signal<> states_changed;
+    // The button is to be in the middle of what is seen.
+    signal<const std::string&> center_wanted;
 };
 
 // The buttons of a press engine; `timeline` gives the counts, `playing` the times. All must outlive the
@@ -109,6 +111,7 @@ class code_window_view final : public QWidget, public pane {
     void fit();
     void scroll();
     void note_scroll();
+    void center_on(const std::string& button);
 
     std::unique_ptr<code_window_source> source_;
     pane_header* header_;
