@@ -47,9 +47,11 @@ void timeline_state::set_timeline(clip_view* view, transport* playing) {
     playing_ = playing;
     changed_.disconnect();
     selection_.disconnect();
+    last_end_.reset();
     first_y_ = 0;
     fits_ = true;
     if (view_) {
+        last_end_.emplace(*document_);
         changed_ = document_->changed.connect([this](const change_set& change) { take_change(change); });
         selection_ = view_->selection().changed.connect(
             [this](const clip_selection::rows& touched) { take_selection(touched); });
@@ -79,7 +81,7 @@ void timeline_state::set_reach(double start_seconds, double end_seconds) {
 
 // The reach holds what was given, all clips and the playhead.
 void timeline_state::grow_reach() {
-    const double last = document_ ? document_->timeline().last_end() : 0;
+    const double last = last_end_ ? last_end_->seconds() : 0;
     const double end = std::max({given_end_seconds_, last, playhead_});
     start_seconds_ = std::min(given_start_seconds_, playhead_);
     if (document_) {

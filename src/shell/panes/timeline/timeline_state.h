@@ -8,6 +8,7 @@
 #include "app/event/clip_view.h"
 #include "shell/panes/timeline/timeline_rows.h"
 #include "shell/panes/timeline/timeline_scale.h"
+#include "timeline/files/last_clip_end.h"
 #include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/signal.h"
@@ -130,6 +131,7 @@ class timeline_state {
 
     clip_view* view_ = nullptr;
     timeline_document* document_ = nullptr;  // of the view
+    std::optional<last_clip_end> last_end_;  // of the document
     transport* playing_ = nullptr;
     timeline_scale scale_;
     double width_ = 1;
