@@ -31,7 +31,7 @@ event_reach::event_reach(open_event& event)
 
 event_reach::range event_reach::read() const {
     const double pictures = event_.end_seconds();
-    const double last = std::max(pictures, event_.timeline().timeline().last_end());
+    const double last = std::max(pictures, event_.last_clip_end_seconds());
     if (!event_.runs_on_clock()) return {event_.start_seconds(), last, pictures};
     const double end = std::max(1.0, std::ceil(last / end_step_seconds)) * end_step_seconds;
     return {event_.start_seconds(), end, end};

@@ -119,6 +119,7 @@ result<void> open_event::load() {
 
 void open_event::begin() {
     const auto read = std::exchange(read_, nullptr);
+    last_end_ = std::make_unique<last_clip_end>(*timeline_);
     view_ = std::make_unique<clip_view>(*timeline_, loop_);
     {
         // Nothing is saved of a collection that is not whole yet.
@@ -406,7 +407,7 @@ double open_event::start_seconds() const {
 }
 
 double open_event::end_seconds() const {
-    if (runs_on_clock()) return std::max(timeline_->timeline().last_end(), playback_->collection_time());
+    if (runs_on_clock()) return std::max(last_clip_end_seconds(), playback_->collection_time());
     return playback_->last_time();
 }
 

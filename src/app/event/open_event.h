@@ -11,6 +11,7 @@
 #include "app/event/undo_stack.h"
 #include "app/settings/places.h"
 #include "logger/code_window_document.h"
+#include "timeline/files/last_clip_end.h"
 #include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/run_loop.h"
@@ -81,6 +82,8 @@ class open_event {
     // Seconds on the collection's clock between which there is a picture of any vistel, or before that a
     // clip; without movies, between which there are clips or the playhead stands.
     double start_seconds() const;
+    // When the last clip ends, at least 0; known without looking through all of them.
+    double last_clip_end_seconds() const { return last_end_->seconds(); }
     double end_seconds() const;
     // No vistel has a movie (yet), or there is no collection: the clock is all there is, started by playing
     // and running on beyond the last clip.
@@ -167,6 +170,7 @@ class open_event {
     struct what_was_read_again;
     std::unique_ptr<what_was_read_again> again_;  // until write_prepared()
     std::unique_ptr<timeline_document> timeline_;
+    std::unique_ptr<last_clip_end> last_end_;
     collection_document collection_;  // after its keeper, as the code window
     std::unique_ptr<code_window_document> code_window_;
     std::vector<failure> problems_;  // of the last save of each document; none: it succeeded
