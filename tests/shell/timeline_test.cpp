@@ -394,6 +394,22 @@ TEST_F(timeline_pane, clocks_of_timer_rows_run_on_what_grows_and_on_what_has_end
     EXPECT_TRUE(view_rows()[1].live.empty());
 }
 
+TEST_F(timeline_pane, triggers_on_clips_are_marked) {
+    const QImage before = canvas_->grab().toImage();
+    operation::change_clip change{"a1", {}, {}};
+    property_dictionary trigger;
+    trigger.add("trigger_time", 15.0);
+    trigger.add("trigger_colour", "1,0,0");
+    change.set.set("triggers", property_array{property_value(trigger)});
+    ASSERT_TRUE(document_->apply({"made", "", {change}}));
+    ASSERT_EQ(view_rows()[0].marks.size(), 1U);
+    EXPECT_EQ(view_rows()[0].marks[0].colour, QColor(255, 0, 0));
+    const QImage after = canvas_->grab().toImage();
+    const QPoint place(150, timeline_sizes.ruler_height + timeline_sizes.clip_inset + 2);
+    EXPECT_NE(after.pixelColor(place), before.pixelColor(place));
+    EXPECT_GT(after.pixelColor(place).red(), 2 * after.pixelColor(place).blue());
+}
+
 TEST_F(timeline_pane, arrows_walk_from_clip_to_clip) {
     QTest::keyClick(canvas_, Qt::Key_Down);
     EXPECT_EQ(selected(), clips{"a1"});

@@ -182,6 +182,7 @@ void timeline_canvas::paint_rows(QPainter& painter, const QRect& dirty) {
         const timeline_row& row = state_.rows()[index];
         painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
         parts.paint_clips(painter, row, state_.scale(), place, dirty);
+        parts.paint_marks(painter, row, state_.scale(), place, dirty);
         if (!row.live.empty())
             parts.paint_live(painter, row, state_.scale(), place, state_.playhead(), pulse);
     }

@@ -39,6 +39,8 @@ struct timeline_metrics {
     int clip_note_fold = 7;
     int clip_stars_from = 80;
     int clip_star = 9;
+    int trigger_mark = 9;
+    int trigger_mark_darker = 150;  // than the row, in per cent
 };
 inline constexpr timeline_metrics timeline_sizes;
 

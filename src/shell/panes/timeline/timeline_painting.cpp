@@ -351,6 +351,25 @@ void timeline_painter::paint_live(QPainter& painter, const timeline_row& row, co
     }
 }
 
+// A wedge at the upper edge of the clip, seen on every colour.
+void timeline_painter::paint_marks(QPainter& painter, const timeline_row& row, const timeline_scale& scale,
+                                   const QRect& place, const QRect& dirty) {
+    if (row.marks.empty()) return;
+    const double half = timeline_sizes.trigger_mark / 2.0;
+    const double top = place.top() + timeline_sizes.clip_inset;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(look_.clip_ink_light, look_.metrics.line));
+    for (const trigger_mark& mark : row.marks) {
+        const double x = place.left() + scale.x_of(mark.at);
+        if (x < dirty.left() - half || x > dirty.right() + half) continue;
+        painter.setBrush(mark.colour.darker(timeline_sizes.trigger_mark_darker));
+        painter.drawPolygon(QPolygonF(
+            {QPointF(x - half, top), QPointF(x + half, top), QPointF(x, top + timeline_sizes.trigger_mark)}));
+    }
+    painter.restore();
+}
+
 void timeline_painter::paint_ghost(QPainter& painter, const QColor& colour, const QRect& place) {
     const theme_metrics& metrics = look_.metrics;
     const QRect box =

@@ -35,6 +35,9 @@ class timeline_painter {
     // The growing clips, up to `now`; `pulse` (0 to 1) is the strength of their edge.
     void paint_live(QPainter& painter, const timeline_row& row, const timeline_scale& scale,
                     const QRect& place, double now, double pulse);
+    // The triggers on the clips.
+    void paint_marks(QPainter& painter, const timeline_row& row, const timeline_scale& scale,
+                     const QRect& place, const QRect& dirty);
     // A clip that is being dragged.
     void paint_ghost(QPainter& painter, const QColor& colour, const QRect& place);
 

@@ -52,6 +52,13 @@ std::vector<QColor> merged_colours(const sxy_ROW& record, const theme& look) {
     return colours;
 }
 
+void add_marks(const sxy_CLIP& clip, const QColor& usual, std::vector<trigger_mark>& to) {
+    for (const trigger_event_ITEM& one : clip.triggers()) {
+        const auto& colour = one.trigger_colour_24;
+        to.push_back({one.trigger_Time, colour ? to_qt(*colour) : usual});
+    }
+}
+
 void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_out) {
     if (!row.record) return;
     const clip_list& records = row.record->clips();
@@ -62,6 +69,7 @@ void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_ou
     row.palette.clear();
     row.extras.clear();
     row.extras.reserve(records.size());
+    row.marks.clear();
     row_palette palette(row.palette);
     std::uint32_t index = 0;
     std::uint32_t passing = 0;
@@ -75,6 +83,7 @@ void read_clips(timeline_row& row, const clip_view& view, bool hides_filtered_ou
         if (!hidden) (passes ? shown : dimmed).push_back(clip);
         if (!hidden && view.selection().contains(*record)) selected.push_back(clip);
         auto extras = static_cast<std::uint8_t>(std::clamp(record->stars(), 0, most_stars));
+        if (!hidden) add_marks(*record, row.colour, row.marks);
         if (!record->note_text().empty()) extras |= timeline_row::has_note;
         if (!passes) extras |= timeline_row::is_filtered_out;
         row.extras.push_back(extras);

@@ -22,6 +22,12 @@ struct live_piece {
     QColor colour;
 };
 
+// A trigger that was put on a clip.
+struct trigger_mark {
+    double at = 0;
+    QColor colour;
+};
+
 // One row as it is drawn; made from the record, and anew when that changes.
 struct timeline_row {
     shared_text uuid;
@@ -34,7 +40,8 @@ struct timeline_row {
     clip_track dimmed;                 // those that do not, unless they are hidden
     clip_track selected;               // those that are not hidden
     std::vector<live_piece> live;
-    bool is_timer = false;  // a clock is shown for it and on its clips
+    std::vector<trigger_mark> marks;  // of its clips
+    bool is_timer = false;            // a clock is shown for it and on its clips
     timer_clocks clocks;
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
