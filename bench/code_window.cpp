@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "logger/press_engine.h"
+#include "support/button_rows.h"
 #include "support/measure.h"
 #include "support/temporary_folder.h"
 #include "timeline/files/timeline_document.h"
@@ -61,17 +62,10 @@ std::vector<button_record> buttons_of(std::size_t count) {
 void fill(timeline_document& document, const std::vector<button_record>& buttons, std::size_t clips) {
     timeline_edit edit{"fill", "", {}};
     std::mt19937_64 random(3);
-    std::vector<shared_text> rows;
+    const std::vector<shared_text> rows = bench::add_rows(buttons, edit);
     std::vector<bool> takes_none;
     for (const auto& button : buttons) {
-        if (!button->is(button_type::clip)) continue;
-        sxy_ROW row;
-        row.set_uuid(shared_text(new_uuid()));
-        row.set_name(button->name());
-        row.set_category(button->category());
-        edit.operations.emplace_back(operation::insert_row{rows.size(), row});
-        rows.push_back(row.uuid());
-        takes_none.push_back(button->block_qualifiers());
+        if (button->is(button_type::clip)) takes_none.push_back(button->block_qualifiers());
     }
     for (std::size_t n = 0; n < clips; ++n) {
         sxy_CLIP clip;

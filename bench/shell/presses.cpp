@@ -26,6 +26,7 @@
 #include "shell/program/qt_run_loop.h"
 #include "shell/window/event_opener.h"
 #include "shell/window/main_window.h"
+#include "support/button_rows.h"
 #include "support/measure.h"
 #include "support/small_movies.h"
 #include "support/temporary_folder.h"
@@ -92,16 +93,7 @@ void fill(const std::string& folder, const std::vector<button_record>& buttons, 
     timeline_document& document = *opened.value();
     timeline_edit edit{"fill", "", {}};
     std::mt19937_64 random(3);
-    std::vector<shared_text> rows;
-    for (const auto& button : buttons) {
-        if (!button->is(button_type::clip)) continue;
-        sxy_ROW row;
-        row.set_uuid(shared_text(new_uuid()));
-        row.set_name(button->name());
-        row.set_category(button->category());
-        edit.operations.emplace_back(operation::insert_row{rows.size(), row});
-        rows.push_back(row.uuid());
-    }
+    const std::vector<shared_text> rows = bench::add_rows(buttons, edit);
     for (std::size_t n = 0; n < clips; ++n) {
         sxy_CLIP clip;
         clip.set_id(new_uuid());

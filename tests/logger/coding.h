@@ -28,6 +28,24 @@ inline markup_Button_Item button_of(const std::string& name, button_type type) {
     return button;
 }
 
+// What a clip button does, with its times in seconds; auto_up 0: it goes up by hand.
+struct clip_rules {
+    double in, out;
+    bool overlaps, merges, blocks;
+    double auto_up;
+};
+inline markup_Button_Item clip_button_of(const std::string& name, const clip_rules& rules) {
+    markup_Button_Item button = button_of(name, button_type::clip);
+    button.set_secs_in(rules.in);
+    button.set_secs_out(rules.out);
+    button.set_allow_overlapping_clips(rules.overlaps);
+    button.set_merge_clips(rules.merges);
+    button.set_block_qualifiers(rules.blocks);
+    button.set_auto_up(rules.auto_up > 0);
+    button.set_auto_up_duration(rules.auto_up);
+    return button;
+}
+
 // "Q,R[X]": the qualifiers of a clip with their attributes.
 inline std::string qualifiers_text(const sxy_CLIP& clip) {
     std::string names;

@@ -294,15 +294,8 @@ TEST(storm, of_presses_makes_what_a_plain_model_does) {
     coding code;
     code.buttons.clear();
     for (const auto& one : clip_buttons) {
-        auto& button =
-            code.buttons.emplace_back(testing::button_of(std::string(1, one.name), button_type::clip));
-        button.set_secs_in(one.in);
-        button.set_secs_out(one.out);
-        button.set_allow_overlapping_clips(one.overlaps);
-        button.set_merge_clips(one.merges);
-        button.set_block_qualifiers(one.blocks);
-        button.set_auto_up(one.auto_up > 0);
-        button.set_auto_up_duration(one.auto_up);
+        code.buttons.push_back(testing::clip_button_of(
+            std::string(1, one.name), {one.in, one.out, one.overlaps, one.merges, one.blocks, one.auto_up}));
     }
     for (const char* name : {"Q", "R"})
         code.buttons.push_back(testing::button_of(name, button_type::qualifier));

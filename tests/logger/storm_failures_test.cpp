@@ -23,24 +23,14 @@ constexpr double press_seconds = 0.02;
 std::vector<button_record> storm_buttons() {
     struct row {
         const char* name;
-        double in, out;
-        bool overlaps, merges, blocks;
-        double auto_up;
+        testing::clip_rules rules;
     };
-    const row clips[] = {{"A", 5, 3, true, false, false, 0},   {"B", 0.5, 0.1, false, false, false, 0},
-                         {"C", 2, 2, true, false, true, 0},    {"D", 0.3, 0.3, false, true, false, 0},
-                         {"E", 1, 0, false, false, true, 0.7}, {"F", 0, 0.2, false, false, false, 0.25}};
+    const row clips[] = {{"A", {5, 3, true, false, false, 0}},   {"B", {0.5, 0.1, false, false, false, 0}},
+                         {"C", {2, 2, true, false, true, 0}},    {"D", {0.3, 0.3, false, true, false, 0}},
+                         {"E", {1, 0, false, false, true, 0.7}}, {"F", {0, 0.2, false, false, false, 0.25}}};
     std::vector<button_record> all;
     for (const row& one : clips) {
-        auto button = button_of(one.name, button_type::clip);
-        button.set_secs_in(one.in);
-        button.set_secs_out(one.out);
-        button.set_allow_overlapping_clips(one.overlaps);
-        button.set_merge_clips(one.merges);
-        button.set_block_qualifiers(one.blocks);
-        button.set_auto_up(one.auto_up > 0);
-        button.set_auto_up_duration(one.auto_up);
-        all.emplace_back(std::move(button));
+        all.emplace_back(testing::clip_button_of(one.name, one.rules));
     }
     for (const char* name : {"Q", "R"}) all.emplace_back(button_of(name, button_type::qualifier));
     for (const char* name : {"X", "Y"}) {
