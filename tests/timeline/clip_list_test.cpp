@@ -24,7 +24,7 @@ bool before(const clip_pointer& a, const clip_pointer& b) {
 clip_pointer new_clip(std::mt19937& random, int starts) {
     static int count = 0;
     const double start = static_cast<double>(random() % static_cast<unsigned>(starts));
-    const double end = start + static_cast<double>(random() % 3);
+    const double end = start + static_cast<double>(random() % (random() % 50 == 0 ? 3'000 : 3));
     return std::make_shared<sxy_CLIP>(testing::clip_of("clip " + std::to_string(++count), start, end));
 }
 
@@ -48,6 +48,11 @@ void expect_same(const clip_list& list, const model& expected, std::mt19937& ran
         const auto first = std::find_if(expected.begin(), expected.end(),
                                         [&](const auto& one) { return one->secs_start() >= seconds; });
         ASSERT_EQ(list.first_starting_at(seconds), static_cast<std::size_t>(first - expected.begin()));
+        const auto from = static_cast<std::ptrdiff_t>(random() % (expected.size() + 1));
+        const auto last = std::find_if(expected.begin() + from, expected.end(),
+                                       [&](const auto& one) { return one->secs_end() >= seconds; });
+        ASSERT_EQ(list.first_ending_at(seconds, static_cast<std::size_t>(from)),
+                  static_cast<std::size_t>(last - expected.begin()));
     }
     const sxy_CLIP stranger = testing::clip_of("nobody", 3, 4);
     ASSERT_EQ(list.position(stranger), list.size());

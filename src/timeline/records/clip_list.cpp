@@ -61,7 +61,9 @@ struct clip_list::key {
 
 struct clip_list::leaf : node {
     leaf() : node(0) {}
-    leaf(const leaf& other) : node(0), starts(other.starts), clips(other.clips) { count = other.count; }
+    leaf(const leaf& other) : node(0), starts(other.starts), ends(other.ends), clips(other.clips) {
+        count = other.count;
+    }
     leaf& operator=(const leaf&) = delete;
 
     key key_at(std::size_t index) const { return {starts[index], clips[index].get()}; }
@@ -74,14 +76,21 @@ struct clip_list::leaf : node {
         return at;
     }
 
+    double last_end() const { return *std::max_element(ends.begin(), ends.begin() + count); }
+
     std::array<double, leaf_capacity> starts{};
+    std::array<double, leaf_capacity> ends{};
     std::array<clip_pointer, leaf_capacity> clips;
 };
 
 struct clip_list::branch : node {
     explicit branch(std::uint16_t height) : node(height) {}
     branch(const branch& other)
-        : node(other.level), sizes(other.sizes), firsts(other.firsts), children(other.children) {
+        : node(other.level),
+          sizes(other.sizes),
+          firsts(other.firsts),
+          last_ends(other.last_ends),
+          children(other.children) {
         count = other.count;
     }
     branch& operator=(const branch&) = delete;
@@ -109,15 +118,19 @@ struct clip_list::branch : node {
         if (below->level == 0) {
             sizes[child] = below->count;
             firsts[child] = static_cast<const leaf*>(below)->key_at(0);
+            last_ends[child] = static_cast<const leaf*>(below)->last_end();
         } else {
             const auto* lower = static_cast<const branch*>(below);
             sizes[child] = static_cast<std::uint32_t>(lower->clips_before(lower->count));
             firsts[child] = lower->firsts[0];
+            last_ends[child] =
+                *std::max_element(lower->last_ends.begin(), lower->last_ends.begin() + lower->count);
         }
     }
     void add_child(std::size_t at, node_pointer child) {
         shift_up(sizes, at, count);
         shift_up(firsts, at, count);
+        shift_up(last_ends, at, count);
         shift_up(children, at, count);
         children[at] = std::move(child);
         ++count;
@@ -126,12 +139,14 @@ struct clip_list::branch : node {
     void remove_child(std::size_t at) {
         shift_down(sizes, at, count);
         shift_down(firsts, at, count);
+        shift_down(last_ends, at, count);
         shift_down(children, at, count);
         --count;
     }
 
     std::array<std::uint32_t, branch_capacity> sizes{};  // clips below each child
     std::array<key, branch_capacity> firsts;             // the first clip below each child
+    std::array<double, branch_capacity> last_ends{};     // of all clips below each child
     std::array<node_pointer, branch_capacity> children;
 };
 
@@ -234,6 +249,31 @@ std::size_t clip_list::first_starting_at(double seconds) const {
     return before + static_cast<std::size_t>(std::lower_bound(starts, starts + at->count, seconds) - starts);
 }
 
+// As a place among the clips below `root`, or their number.
+std::size_t clip_list::first_below(const node& root, double seconds, std::size_t index) {
+    if (root.level == 0) {
+        const auto& here = static_cast<const leaf&>(root);
+        while (index < here.count && here.ends[index] < seconds) ++index;
+        return std::min<std::size_t>(index, here.count);
+    }
+    const auto& above = static_cast<const branch&>(root);
+    std::size_t before = 0;
+    for (std::size_t child = 0; child < above.count; ++child) {
+        const std::size_t size = above.sizes[child];
+        if (index < before + size && above.last_ends[child] >= seconds) {
+            const std::size_t from = index > before ? index - before : 0;
+            const std::size_t found = first_below(*above.children[child].get(), seconds, from);
+            if (found < size) return before + found;
+        }
+        before += size;
+    }
+    return before;
+}
+
+std::size_t clip_list::first_ending_at(double seconds, std::size_t index) const {
+    return root_ ? first_below(*root_.get(), seconds, index) : 0;
+}
+
 // Returns what a split puts behind the leaf. A full leaf to which a clip is appended is left full, since
 // clips mostly come in order.
 clip_list::node_pointer clip_list::insert_in_leaf(leaf& own, const key& place, clip_pointer& clip,
@@ -247,6 +287,7 @@ clip_list::node_pointer clip_list::insert_in_leaf(leaf& own, const key& place, c
         behind = node_pointer(right);
         const std::size_t kept = at == leaf_capacity ? leaf_capacity : leaf_capacity / 2;
         move_items(own.starts, kept, own.count, right->starts, 0);
+        move_items(own.ends, kept, own.count, right->ends, 0);
         move_items(own.clips, kept, own.count, right->clips, 0);
         right->count = static_cast<std::uint16_t>(own.count - kept);
         own.count = static_cast<std::uint16_t>(kept);
@@ -256,8 +297,10 @@ clip_list::node_pointer clip_list::insert_in_leaf(leaf& own, const key& place, c
         }
     }
     shift_up(into->starts, at, into->count);
+    shift_up(into->ends, at, into->count);
     shift_up(into->clips, at, into->count);
     into->starts[at] = place.start;
+    into->ends[at] = clip->secs_end();
     into->clips[at] = std::move(clip);
     ++into->count;
     return behind;
@@ -281,6 +324,7 @@ clip_list::node_pointer clip_list::insert_below(node_pointer& root, const key& p
         const std::size_t kept = child + 1 == branch_capacity ? branch_capacity - 1 : branch_capacity / 2;
         move_items(own.sizes, kept, own.count, right->sizes, 0);
         move_items(own.firsts, kept, own.count, right->firsts, 0);
+        move_items(own.last_ends, kept, own.count, right->last_ends, 0);
         move_items(own.children, kept, own.count, right->children, 0);
         right->count = static_cast<std::uint16_t>(own.count - kept);
         own.count = static_cast<std::uint16_t>(kept);
@@ -325,10 +369,10 @@ void clip_list::merge_child(branch& own, std::size_t child) {
     node* into = own.children[left].get();
     node* from = own.children[left + 1].get();
     if (of_leaves) {
-        join(static_cast<leaf&>(*into), static_cast<leaf&>(*from), &leaf::starts, &leaf::clips);
+        join(static_cast<leaf&>(*into), static_cast<leaf&>(*from), &leaf::starts, &leaf::ends, &leaf::clips);
     } else {
         join(static_cast<branch&>(*into), static_cast<branch&>(*from), &branch::sizes, &branch::firsts,
-             &branch::children);
+             &branch::last_ends, &branch::children);
     }
     own.remove_child(left + 1);
     own.refresh(left);
@@ -339,6 +383,7 @@ void clip_list::remove_below(node_pointer& root, std::size_t index) {
     if (root->level == 0) {
         auto& own = *static_cast<leaf*>(root.get());
         shift_down(own.starts, index, own.count);
+        shift_down(own.ends, index, own.count);
         shift_down(own.clips, index, own.count);
         --own.count;
         return;
@@ -398,6 +443,7 @@ std::vector<clip_list::node_pointer> clip_list::leaves_of(std::vector<clip_point
         leaves.emplace_back(one);
         for (const std::size_t to = clips.size() * part / parts; from < to; ++from) {
             one->starts[one->count] = starts[from];
+            one->ends[one->count] = clips[from]->secs_end();
             one->clips[one->count++] = std::move(clips[from]);
         }
     }

@@ -18,8 +18,8 @@ namespace vistels {
 // share their chunks; changing one copies only the chunks between it and the change that others share. Copies
 // may be used on different threads at once.
 //
-// The start of each clip stands beside it, so that a search does not look at the clips it passes: a clip that
-// is in a list keeps its times and its UUID.
+// The times of each clip stand beside it, and the last end of all clips in a chunk beside that, so that a
+// search does not look at the clips it passes: a clip that is in a list keeps its times and its UUID.
 class clip_list {
   public:
     class iterator;
@@ -41,6 +41,9 @@ class clip_list {
     const clip_pointer* find(const sxy_CLIP& clip) const;
     // The first clip that starts at or after `seconds`, or size().
     std::size_t first_starting_at(double seconds) const;
+    // The first clip from `index` on that ends at or after `seconds`, or size(). However long a clip is, it
+    // costs no look at those that it passes over.
+    std::size_t first_ending_at(double seconds, std::size_t index = 0) const;
 
     // Returns where it was put.
     std::size_t insert(clip_pointer clip);
@@ -93,6 +96,7 @@ class clip_list {
     static void merge_child(branch& own, std::size_t child);
     static std::vector<node_pointer> leaves_of(std::vector<clip_pointer> clips,
                                                const std::vector<double>& starts);
+    static std::size_t first_below(const node& root, double seconds, std::size_t index);
     static std::vector<node_pointer> branches_of(std::vector<node_pointer> children);
 
     node_pointer root_;  // null: empty
