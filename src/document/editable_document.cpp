@@ -87,12 +87,14 @@ void editable_document::follow_others(const std::vector<document_part>& parts) {
 
 void editable_document::keep_on_record(editable_document& other) {
     auto kept = std::make_unique<kept_document>(kept_document{&other, 0, {}});
-    kept->saved = other.saved.connect([this](const failure& problem) { follow_kept(problem); });
+    kept->saved =
+        other.saved.connect([this, one = kept.get()](const failure& problem) { follow_kept(*one, problem); });
     kept_.push_back(std::move(kept));
 }
 
 void editable_document::let_go(editable_document& other) {
-    leaves_edits_ = leaves_edits_ || (other.has_unsaved_edits() && !other.is_read_only());
+    const bool leaves_any = other.saved_revision() < other.revision_on_record();
+    leaves_edits_ = leaves_edits_ || (leaves_any && !other.is_read_only());
     std::erase_if(kept_, [&](const auto& kept) { return kept->document == &other; });
     if (running_ && !running_->is_writing) write_when_ready();
 }
@@ -100,6 +102,11 @@ void editable_document::let_go(editable_document& other) {
 void editable_document::note_edit() {
     ++revision_;
     schedule_save();
+}
+
+void editable_document::note_edit_on_record() {
+    note_edit();
+    revision_on_record_ = revision_;
 }
 
 void editable_document::begin() {
@@ -140,7 +147,7 @@ void editable_document::begin_save() {
     auto work = take_save();
     if (work) save->work = std::move(work).value();
     running_ = save;
-    for (auto& kept : kept_) kept->needed = kept->document->revision();
+    for (auto& kept : kept_) kept->needed = kept->document->revision_on_record();
     if (work) return write_when_ready();
     save->is_writing = true;
     save->outcome = work.error();
@@ -151,7 +158,7 @@ void editable_document::begin_save() {
 
 void editable_document::write_when_ready() {
     for (const auto& kept : kept_) {
-        if (kept->document->saved_revision() >= kept->needed) continue;
+        if (!kept->is_waited_for()) continue;
         kept->document->save_soon();
         return;
     }
@@ -169,9 +176,10 @@ void editable_document::write_when_ready() {
 }
 
 // A save of a document on record here ended.
-void editable_document::follow_kept(const failure& problem) {
+void editable_document::follow_kept(const kept_document& one, const failure& problem) {
     if (!running_ || running_->is_writing) return;
     if (!problem) return write_when_ready();
+    if (!one.is_waited_for()) return;
     running_->outcome = problem;
     (void)end_save();
 }
@@ -199,7 +207,8 @@ result<void> editable_document::save_now() {
         if (is_read_only()) return read_only_reason();
         if (!running_) break;
         for (const auto& kept : kept_) {
-            if (running_ && !running_->is_writing) (void)kept->document->save_now();
+            if (!running_ || running_->is_writing) break;
+            if (kept->is_waited_for()) (void)kept->document->save_now();
         }
         if (!running_) continue;
         finish_writing();

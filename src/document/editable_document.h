@@ -34,8 +34,9 @@ file_conflict stranger_met(const std::string& path, const std::string& kept);
 // are called, and all signals come, on the main thread.
 //
 // A document may keep the edits of others on record in its journal (keep_on_record). It is then saved only
-// after what these hold by then is saved, since what its files hold its journal forgets; as long as one of
-// them cannot be saved it is not saved either, and says why.
+// after those edits are saved, since what its files hold its journal forgets; as long as one of these
+// documents cannot be saved it is not saved either, and says why. What else is to be saved of them is not
+// waited for.
 class editable_document {
   public:
     virtual ~editable_document();
@@ -62,6 +63,8 @@ class editable_document {
     std::uint64_t revision() const { return revision_; }
     std::uint64_t saved_revision() const { return saved_revision_; }
     bool has_unsaved_edits() const { return revision_ != saved_revision_; }
+    // That of the last edit that another document's journal holds.
+    std::uint64_t revision_on_record() const { return revision_on_record_; }
 
     // What there was to tell the user: what was brought back, conflicts, in the order in which it happened.
     const std::vector<failure>& messages() const { return messages_; }
@@ -85,8 +88,8 @@ class editable_document {
     result<void> sync_edits() { return edit_sync()(); }
 
     // Edits of `other` are on record in this document's journal, from now on until let_go(), which must come
-    // before either is destroyed. One that is let go with unsaved edits leaves them to the journal: then this
-    // document is not saved any more.
+    // before either is destroyed. One that is let go with such edits unsaved leaves them to the journal: then
+    // this document is not saved any more.
     void keep_on_record(editable_document& other);
     void let_go(editable_document& other);
     // What the journal brought back of the documents of that kind they have taken up, to be saved before this
@@ -155,6 +158,8 @@ class editable_document {
 
     // An edit was made, or something else that is to be saved: it will be in a while.
     void note_edit();
+    // The same of one that the journal of another document holds.
+    void note_edit_on_record();
     // What is there is what the files hold.
     void note_saved_state() { saved_revision_ = revision_; }
     // It is not saved for the reason of an edit, but with the next one, or when asked for.
@@ -186,17 +191,19 @@ class editable_document {
         editable_document* document;
         std::uint64_t needed;  // the revision that has to be saved before the save that waits
         connection saved;
+        bool is_waited_for() const { return document->saved_revision() < needed; }
     };
 
     bool is_held_back() const { return leaves_edits_ || !held_back_for_.empty(); }
     serial_queue& save_queue();
     void begin_save();
     void write_when_ready();
-    void follow_kept(const failure& problem);
+    void follow_kept(const kept_document& one, const failure& problem);
     result<void> end_save();
 
     bool is_begun_ = true;
     std::uint64_t revision_ = 0;
+    std::uint64_t revision_on_record_ = 0;
     std::uint64_t saved_revision_ = 0;
     std::vector<file_conflict> conflicts_;
     double first_unsaved_seconds_ = 0;

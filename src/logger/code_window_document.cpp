@@ -25,7 +25,7 @@ void code_window_document::take_up_recovered(const std::vector<document_part>& p
     for (const auto& part : parts) {
         if (part.document.kind != document_kind::code_window) continue;
         apply_button_changes(window_, button_changes_in(*part.change));
-        note_change();
+        if (is_kept_) note_edit_on_record();
     }
     note_taken_up_here();
 }
@@ -33,7 +33,7 @@ void code_window_document::take_up_recovered(const std::vector<document_part>& p
 void code_window_document::set_settings(logger_settings settings) {
     if (settings == window_.settings) return;
     window_.settings = std::move(settings);
-    note_change();
+    if (is_kept_) note_edit();
 }
 
 result<void> code_window_document::change(const document_change& change) {
@@ -42,12 +42,8 @@ result<void> code_window_document::change(const document_change& change) {
 }
 
 void code_window_document::follow(const document_change&) {
-    note_change();
+    if (is_kept_) note_edit_on_record();
     changed.emit();
-}
-
-void code_window_document::note_change() {
-    if (is_kept_) note_edit();
 }
 
 result<editable_document::save_work> code_window_document::take_save() {

@@ -43,7 +43,6 @@ class code_window_document : public kept_document {
     bool may_save() override { return is_kept_ && !is_read_only(); }
     result<void> change(const document_change& change) override;
     void follow(const document_change& change) override;
-    void note_change();
 
     const std::string folder_;
     file_system& files_;

@@ -65,7 +65,7 @@ result<void> collection_document::change(const document_change& change) {
 }
 
 void collection_document::follow(const document_change& change) {
-    note_change(changes_movie_parts(collection_edit_in(change)));
+    note_change_on_record(changes_movie_parts(collection_edit_in(change)));
 }
 
 // Padding movies that no part named were deleted; doing a change again needs them again.
@@ -83,7 +83,7 @@ void collection_document::take_up_recovered(const std::vector<document_part>& pa
         const auto edit = collection_edit_in(*part.change);
         if (changes_movie_parts(edit)) (void)make_padding_again(edit);
         (void)apply_collection_edit(record_, edit, edit_manner::lenient);
-        note_change(changes_movie_parts(edit));
+        note_change_on_record(changes_movie_parts(edit));
     }
     note_taken_up_here();
 }
@@ -107,9 +107,19 @@ void collection_document::expect_parts() {
 
 void collection_document::note_change(bool parts) {
     if (!is_taken_up_) return;
-    parts_changed_ = parts_changed_ || parts;
-    if (parts) parts_are_expected_ = false;
+    note_parts(parts);
     note_edit();
+}
+
+void collection_document::note_change_on_record(bool parts) {
+    if (!is_taken_up_) return;
+    note_parts(parts);
+    note_edit_on_record();
+}
+
+void collection_document::note_parts(bool change) {
+    parts_changed_ = parts_changed_ || change;
+    if (change) parts_are_expected_ = false;
 }
 
 void collection_document::note_values() {

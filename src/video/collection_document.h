@@ -46,8 +46,8 @@ class collection_document : public kept_document {
     // Movie parts are about to change: padding movies that are in no use now may come into use. They are kept
     // until the parts have changed.
     void expect_parts();
-    // The record was changed in another way than by make(). Padding movies that are in no use are deleted
-    // once a change of movie parts is saved.
+    // The record was changed in another way than by make(), which is on record nowhere. Padding movies that
+    // are in no use are deleted once a change of movie parts is saved.
     void note_change(bool parts);
     // Where values differ from those that were saved, the next save writes them.
     void note_values();
@@ -59,6 +59,8 @@ class collection_document : public kept_document {
     bool may_save() override;
     result<void> change(const document_change& change) override;
     void follow(const document_change& change) override;
+    void note_change_on_record(bool parts);
+    void note_parts(bool change);
     result<void> make_padding_again(const collection_edit& edit) const;
 
     const std::string folder_;

@@ -106,6 +106,25 @@ TEST_F(event, triggers_that_presses_add_to_buttons_outlive_a_kill) {
     EXPECT_EQ(triggers(*open()), 1U);  // and once
 }
 
+// Only what the journal holds of the code window is saved before the timeline.
+TEST_F(event, where_the_canvas_is_scrolled_to_does_not_keep_the_timeline_from_being_saved) {
+    const auto opened = open();
+    const std::string logger = logger_folder_of(folder);
+    fs::rename(logger, logger + " away");
+    put_file(logger, "no folder can be made here");
+    auto settings = opened->code_window_file().window().settings;
+    settings.scroller_offset_y = 40;
+    opened->code_window_file().set_settings(settings);
+    code(*opened, 5, 7);
+    const auto saved = opened->timeline().save_now();
+    EXPECT_TRUE(saved) << saved.message();
+    EXPECT_FALSE(opened->save_all()) << "it is not saved yet";
+    fs::remove(logger);
+    fs::rename(logger + " away", logger);
+    EXPECT_TRUE(opened->save_all());
+    EXPECT_EQ(load_logger_settings(logger).scroller_offset_y, 40);
+}
+
 TEST_F(event, what_was_done_can_be_taken_back_after_closing_and_after_a_kill) {
     const auto clip_count = [](open_event& opened) { return opened.timeline().timeline().clip_count(); };
     {

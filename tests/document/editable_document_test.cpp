@@ -30,6 +30,7 @@ class listed_document : public editable_document {
         return [] { return result<void>(); };
     }
     void edit() { note_edit(); }
+    void edit_on_record() { note_edit_on_record(); }
     bool fails = false;
 
   private:
@@ -80,7 +81,7 @@ TEST_F(documents, a_keeper_is_saved_after_what_is_on_record_with_it) {
     for (const bool waits : {true, false}) {
         written.clear();
         keeper.edit();
-        kept->edit();
+        kept->edit_on_record();
         if (waits) {
             EXPECT_TRUE(keeper.save_now());
         } else {
@@ -98,7 +99,7 @@ TEST_F(documents, a_keeper_is_saved_after_what_is_on_record_with_it) {
 
 TEST_F(documents, what_is_on_record_alone_keeps_the_keeper_from_being_saved) {
     keeper.edit();
-    kept->edit();
+    kept->edit_on_record();
     kept->fails = true;
     EXPECT_EQ(keeper.save_now().message(), "kept1 failed");
     EXPECT_EQ(told.back(), "kept1 failed");
@@ -109,13 +110,43 @@ TEST_F(documents, what_is_on_record_alone_keeps_the_keeper_from_being_saved) {
     EXPECT_EQ(told.back(), "");
     EXPECT_EQ(written, (std::vector<std::string>{"kept1", "keeper1"}));
     // One that goes unsaved leaves its edits to the journal for good.
-    kept->edit();
+    kept->edit_on_record();
     keeper.edit();
     keeper.let_go(*kept);
     kept.reset();
     EXPECT_FALSE(keeper.save_now());
     loop.advance(60);
     EXPECT_EQ(written.size(), 2U);
+}
+
+// What else is to be saved of a document is its own business, also while another one is waited for.
+TEST_F(documents, what_the_journal_does_not_hold_is_not_waited_for) {
+    listed_document other(loop, "other", written);
+    keeper.keep_on_record(other);
+    kept->fails = true;
+    for (const bool waits : {true, false}) {
+        written.clear();
+        kept->edit();
+        other.edit_on_record();
+        keeper.edit();
+        if (waits) {
+            EXPECT_TRUE(keeper.save_now());
+        } else {
+            kept->save_soon();
+            keeper.save_soon();
+            EXPECT_TRUE(comes_later([this] { return !keeper.has_unsaved_edits(); }));
+        }
+        const std::string count = waits ? "1" : "2";
+        EXPECT_EQ(written, (std::vector<std::string>{"other" + count, "keeper" + count}));
+    }
+    EXPECT_TRUE(kept->has_unsaved_edits());
+    EXPECT_TRUE(std::all_of(told.begin(), told.end(), [](const auto& one) { return one.empty(); }));
+    // Nor does it keep the journal when it goes.
+    keeper.let_go(other);
+    keeper.let_go(*kept);
+    kept.reset();
+    keeper.edit();
+    EXPECT_TRUE(keeper.save_now());
 }
 
 // The times of a file's saves: a second after the last edit, ten after the first.
