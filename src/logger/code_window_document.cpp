@@ -22,6 +22,7 @@ void code_window_document::take_up(code_window read, bool is_kept) {
 }
 
 void code_window_document::take_up_recovered(const std::vector<document_part>& parts) {
+    if (!is_kept_ && has_button_dict(folder_)) return;
     for (const auto& part : parts) {
         if (part.document.kind != document_kind::code_window) continue;
         apply_button_changes(window_, button_changes_in(*part.change));

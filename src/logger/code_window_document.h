@@ -29,7 +29,8 @@ class code_window_document : public kept_document {
     // As it was read from its files just now. With `is_kept` it is saved when it changes; one that only
     // stands in, since there is none or it cannot be read, is not.
     void take_up(code_window read, bool is_kept);
-    // Makes what the keeper's journal brought back; it is to be saved then.
+    // Makes what the keeper's journal brought back; it is to be saved then. Where the buttons that it belongs
+    // to cannot be read the journal keeps it, and the keeper is not saved before they can.
     void take_up_recovered(const std::vector<document_part>& parts);
 
     // Sets what is no edit: where the canvas is scrolled to, what timeline it is linked to.

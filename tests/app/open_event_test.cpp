@@ -104,6 +104,21 @@ TEST_F(event, triggers_that_presses_add_to_buttons_outlive_a_kill) {
     }
     EXPECT_NE(file_bytes(file).find("6.25"), std::string::npos);
     EXPECT_EQ(triggers(*open()), 1U);  // and once
+    // Where the buttons cannot be read the journal keeps it until they can.
+    fs::remove_all(vault);
+    fs::copy(killed / "Cup.VVault", vault, fs::copy_options::recursive);
+    const std::string whole = file_bytes(file);
+    put_file(file, "<plist>");
+    {
+        const auto opened = open();
+        code(*opened, 8, 9);
+        EXPECT_FALSE(opened->save_all());
+    }
+    put_file(file, whole);
+    const auto opened = open();
+    EXPECT_EQ(triggers(*opened), 1U);
+    EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+    EXPECT_TRUE(opened->save_all());
 }
 
 // Only what the journal holds of the code window is saved before the timeline.
