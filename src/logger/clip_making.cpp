@@ -63,6 +63,10 @@ pressed_span span_of_press(const markup_Button_Item& button, held_press press, d
         }
     }
     pressed_span made{{start, held.end + out}, held};
+    // With 0 in the place of negative ones it is no shorter than what was held.
+    if (made.span.end - made.span.start < std::min(held.end - held.start, shortest_clip_seconds)) {
+        made.span = {start + std::min(in, 0.0), held.end + std::max(out, 0.0)};
+    }
     made.span.start = std::max(made.span.start, std::min(earliest, held.start));
     made.span.end = std::max(made.span.start, made.span.end);
     return made;

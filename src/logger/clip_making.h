@@ -24,8 +24,10 @@ struct held_press {
     bool jumped_back = false;
 };
 // The time held and the clip that it makes, widened by "secs in" and "secs out" (not that of a timer clip,
-// whose clock runs from press to release). The start is not before `earliest`, nor after the end; an earliest
-// time later than the press itself does not count.
+// whose clock runs from press to release). Negative ones make it shorter, but where together they would leave
+// less of it than shortest_clip_seconds, or than was held, they count as 0: nothing that was pressed is cut
+// away. The start is not before `earliest`, nor after the end; an earliest time later than the press itself
+// does not count.
 struct pressed_span {
     clip_span span;
     clip_span held;
