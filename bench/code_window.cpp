@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Measures presses of the buttons of a code window on a long timeline.
+// Measures presses of the buttons of a code window on a long timeline, on a row with one clip as long as all
+// others together, and where a press merges a row of clips that touch.
 //   bench_code_window [--short] [--clips N] [--buttons N]
 // Each press and release is timed from the call to the edit being on record in the journal, by the wall
 // clock. Exits with 1 when a target is missed.
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "logger/press_engine.h"
@@ -89,6 +91,85 @@ bool tell(const char* what, const std::vector<double>& seconds, bool is_judged =
     return is_met;
 }
 
+void fill_row(timeline_document& document, const markup_Button_Item& button,
+              const std::vector<std::pair<double, double>>& spans) {
+    timeline_edit edit{"fill", "", {}};
+    sxy_ROW row;
+    row.set_uuid(shared_text(new_uuid()));
+    row.set_name(button.name());
+    row.set_category(button.category());
+    edit.operations.emplace_back(operation::insert_row{0, row});
+    for (const auto& [start, end] : spans) {
+        sxy_CLIP clip;
+        clip.set_id(new_uuid());
+        clip.set_secs_start(start);
+        clip.set_secs_end(end);
+        edit.operations.emplace_back(operation::insert_clip{row.uuid(), clip});
+    }
+    if (auto applied = document.apply(std::move(edit)); !applied) stop_with(applied.message());
+    if (auto saved = document.save_now(); !saved) stop_with(saved.message());
+}
+
+// Runs `work` with an engine on a timeline with the one row.
+template <class Work>
+void with_row(bool merges, const std::vector<std::pair<double, double>>& spans, Work work) {
+    const testing::temporary_folder folder;
+    simulated_run_loop loop;
+    auto opened = timeline_document::open(folder.path(), loop);
+    if (!opened) stop_with(opened.message());
+    auto all = buttons_of(4);
+    all[0] = changed_button(all[0], [&](markup_Button_Item& button) { button.set_merge_clips(merges); });
+    fill_row(*opened.value(), *all[0], spans);
+    press_engine engine(*opened.value(), loop.time());
+    engine.set_buttons(all, 0);
+    work(engine, all[0]->uuid(), all[3]->uuid(), loop);
+    if (engine.unrecorded() != 0) stop_with("presses were not recorded");
+}
+
+bool tell_of_a_long_clip(bool is_short) {
+    const std::size_t clips = is_short ? 5'000 : 100'000;
+    std::vector<std::pair<double, double>> spans{{0, 0.3 * static_cast<double>(clips)}};
+    for (std::size_t n = 0; n < clips; ++n) {
+        const double start = 10 + 0.25 * static_cast<double>(n);
+        spans.emplace_back(start, start + 0.2);
+    }
+    std::vector<double> up, stamp;
+    with_row(false, spans, [&](auto& engine, const auto& button, const auto& label, auto& loop) {
+        for (std::size_t n = 0; n < 200; ++n) {
+            const double at = 0.26 * static_cast<double>(clips) + 10 * static_cast<double>(n % 50);
+            engine.press(button, at);
+            double from = now();
+            engine.release(button, at + 1);
+            up.push_back(now() - from);
+            from = now();
+            engine.press(label, at + 5);
+            stamp.push_back(now() - from);
+            engine.release(label, at + 5);
+            loop.advance(0.02);
+        }
+    });
+    std::printf("a row of %zu clips and one of %.0f seconds\n", clips, spans.front().second);
+    const bool is_met = tell("release of a clip button", up);
+    return tell("press of a qualifier while nothing grows", stamp) && is_met;
+}
+
+void tell_of_merging(std::size_t clips) {
+    std::vector<std::pair<double, double>> spans;
+    for (std::size_t n = 0; n < clips; ++n) {
+        const auto start = static_cast<double>(n);
+        spans.emplace_back(start, start + 1);
+    }
+    with_row(true, spans, [&](auto& engine, const auto& button, const auto&, auto&) {
+        const auto at = static_cast<double>(clips);
+        engine.press(button, at);
+        const double from = now();
+        engine.release(button, at + 2);
+        const double seconds = now() - from;
+        std::printf("release that merges %zu clips in a row: %.1f ms, %.1f us a clip\n", clips, seconds * 1e3,
+                    seconds * 1e6 / at);
+    });
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -145,5 +226,7 @@ int main(int count, char** arguments) {
     all_met = tell("press of a qualifier while a clip grows", stamp_growing) && all_met;
     all_met = tell("the same while nothing grows", stamp, false) && all_met;
     if (engine.unrecorded() != 0) stop_with("presses were not recorded");
+    all_met = tell_of_a_long_clip(is_short) && all_met;
+    for (const std::size_t merged : {1'000, 10'000}) tell_of_merging(is_short ? merged / 10 : merged);
     return all_met || is_short ? 0 : 1;
 }

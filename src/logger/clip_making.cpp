@@ -22,16 +22,21 @@ double widening(double seconds) {
 
 // All clips that overlap or touch the span, and those that the union with them does, in row order; `span`
 // becomes the union.
-std::vector<clip_pointer> clips_joined(const sxy_ROW& row, clip_span& span, double longest) {
+std::vector<clip_pointer> clips_joined(const sxy_ROW& row, clip_span& span) {
+    const auto& clips = row.clips();
+    // Of those that reach up to the span the first in the row starts earliest; when there is none that starts
+    // before it, all others that are met start within it or where it grows to.
+    std::size_t first = clips.first_ending_at(span.start);
+    while (first < clips.size() && clips[first]->secs_start() < span.start) {
+        span.start = clips[first]->secs_start();
+        first = clips.first_ending_at(span.start);
+    }
     std::vector<clip_pointer> met;
-    std::size_t before = 0;
-    do {
-        before = met.size();
-        met = clips_meeting(row, span, longest);
-        for (const auto& clip : met) {
-            span = {std::min(span.start, clip->secs_start()), std::max(span.end, clip->secs_end())};
-        }
-    } while (met.size() != before);
+    for (auto clip = clips.begin() + static_cast<std::ptrdiff_t>(first);
+         clip != clips.end() && (*clip)->secs_start() <= span.end; ++clip) {
+        span.end = std::max(span.end, (*clip)->secs_end());
+        met.push_back(*clip);
+    }
     return met;
 }
 
@@ -101,12 +106,12 @@ sxy_CLIP new_clip_of_button(const markup_Button_Item& button, const std::string&
 
 planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& growing,
                            const markup_Button_Item& button, const pressed_span& pressed,
-                           const held_time_of& held_time, double longest) {
+                           const held_time_of& held_time) {
     const auto row = timeline.row(growing.row);
     planned_finish plan{{}, growing.clip->id(), pressed.span, pressed.held, {}};
     if (row && button.merge_clips()) {
         clip_span joined = pressed.span;
-        const auto met = clips_joined(*row, joined, longest);
+        const auto met = clips_joined(*row, joined);
         std::vector<std::string> ids;
         for (const auto& clip : met) ids.push_back(clip->id());
         auto merged =
@@ -119,7 +124,7 @@ planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& grow
                     {}};
         }
     } else if (row && !button.allow_overlapping_clips()) {
-        auto placed = place_on_row(*row, pressed.span, pressed.held, held_time, longest);
+        auto placed = place_on_row(*row, pressed.span, pressed.held, held_time);
         plan.span = placed.span;
         plan.moved = std::move(placed.moved);
     }

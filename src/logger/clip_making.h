@@ -49,9 +49,8 @@ struct planned_finish {
     std::optional<clip_span> held;  // nothing: a clip was merged of which it is not known
     std::vector<moved_clip> moved;  // neighbours
 };
-// `longest`: see clips_meeting.
 planned_finish plan_finish(const sxy_DATA_root& timeline, const clip_place& growing,
                            const markup_Button_Item& button, const pressed_span& pressed,
-                           const held_time_of& held_time, double longest);
+                           const held_time_of& held_time);
 
 }  // namespace vistels

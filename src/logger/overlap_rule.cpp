@@ -56,23 +56,23 @@ void share_time(coded_span& earlier, coded_span& later) {
     later.span.start = joint + half_gap;
 }
 
-std::vector<clip_pointer> clips_meeting(const sxy_ROW& row, clip_span span, double longest) {
+std::vector<clip_pointer> clips_meeting(const sxy_ROW& row, clip_span span) {
     std::vector<clip_pointer> met;
     const auto& clips = row.clips();
-    for (std::size_t index = clips.first_starting_at(span.start - longest); index < clips.size(); ++index) {
+    for (std::size_t index = clips.first_ending_at(span.start); index < clips.size();
+         index = clips.first_ending_at(span.start, index + 1)) {
         const auto& clip = clips[index];
-        const auto other = span_of(*clip);
-        if (other.start > span.end) break;
-        if (other.end >= span.start) met.push_back(clip);
+        if (clip->secs_start() > span.end) break;
+        met.push_back(clip);
     }
     return met;
 }
 
-placed_clip place_on_row(const sxy_ROW& row, clip_span wanted, clip_span held, const held_time_of& held_time,
-                         double longest) {
+placed_clip place_on_row(const sxy_ROW& row, clip_span wanted, clip_span held,
+                         const held_time_of& held_time) {
     placed_clip placed{wanted, {}};
     coded_span own{wanted, held};
-    for (const auto& clip : clips_meeting(row, wanted, longest)) {
+    for (const auto& clip : clips_meeting(row, wanted)) {
         const auto span = span_of(*clip);
         if (span.end <= own.span.start || own.span.end <= span.start) continue;
         if (lies_within(span, own.span) || lies_within(own.span, span)) continue;

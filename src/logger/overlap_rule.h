@@ -28,9 +28,8 @@ struct coded_span {
 void share_time(coded_span& earlier, coded_span& later);
 inline constexpr double shortest_clip_seconds = 0.1;
 
-// The clips of the row that overlap or touch the span, in row order. `longest` is not less than the length of
-// the row's longest clip.
-std::vector<clip_pointer> clips_meeting(const sxy_ROW& row, clip_span span, double longest);
+// The clips of the row that overlap or touch the span, in row order.
+std::vector<clip_pointer> clips_meeting(const sxy_ROW& row, clip_span span);
 
 struct moved_clip {
     clip_pointer clip;  // as it was
@@ -45,7 +44,6 @@ using held_time_of = std::function<std::optional<clip_span>(const sxy_CLIP&)>;
 // Where on the row a new clip goes that wants `wanted`, its button having been held over `held`. It shares
 // the time with the clips that it overlaps, one after another from the earliest; where one of the two lies
 // within the other both stay.
-placed_clip place_on_row(const sxy_ROW& row, clip_span wanted, clip_span held, const held_time_of& held_time,
-                         double longest);
+placed_clip place_on_row(const sxy_ROW& row, clip_span wanted, clip_span held, const held_time_of& held_time);
 
 }  // namespace vistels

@@ -21,7 +21,6 @@ press_recorder::press_recorder(timeline_document& document, const clock& time, c
       time_(time),
       buttons_(buttons),
       observer_(std::move(told)),
-      longest_(document),
       edited_(document.edited.connect(
           [this](const timeline_edit& edit, const timeline_edit&) { follow_edit(edit); })) {}
 
@@ -281,12 +280,9 @@ result<press_outcome> press_recorder::finish(const press_action& action) {
         taken_away_.erase(action.clip);
         return press_outcome{};
     }
-    const auto& timeline = document_.timeline();
-    const auto row = timeline.row(place->row);
     const auto pressed = span_of_press(*action.button, action.held, earliest_seconds_);
-    auto plan = plan_finish(
-        timeline, *place, *action.button, pressed,
-        [this](const sxy_CLIP& clip) { return coded_.held_time(clip); }, row ? longest_.of(*row) : 0);
+    auto plan = plan_finish(document_.timeline(), *place, *action.button, pressed,
+                            [this](const sxy_CLIP& clip) { return coded_.held_time(clip); });
     std::move(plan.operations.begin(), plan.operations.end(), std::back_inserter(edit.operations));
     const std::string name = edit.name;
     if (auto applied = apply(std::move(edit)); !applied) return applied.error();
@@ -299,7 +295,6 @@ void press_recorder::note_finish(const press_action& action, const planned_finis
                                  const pressed_span& pressed) {
     coded_.note_button(plan.clip, action.button->uuid());
     coded_.note_made(plan.clip);
-    longest_.note(document_.timeline(), plan.clip);
     if (plan.held) coded_.note_held(plan.clip, plan.span, *plan.held);
     for (const auto& neighbour : plan.moved) {
         // It was known before, or it would not have been moved.

@@ -13,7 +13,6 @@
 
 #include "logger/button_set.h"
 #include "logger/coded_clips.h"
-#include "logger/longest_clips.h"
 #include "logger/press_action.h"
 #include "logger/press_settings.h"
 #include "logger/qualifier_reach.h"
@@ -129,7 +128,6 @@ class press_recorder {
     std::map<std::string, growing_clip> growing_;
     std::unordered_set<std::string> taken_away_;  // growing clips, by edits
     coded_clips coded_;
-    longest_clips longest_;
     std::vector<running_clip> running_;
     std::vector<stamped_qualifier> last_stamped_;
     std::vector<clip_attribute_ITEM> waiting_attributes_;

@@ -89,8 +89,7 @@ stamped_clips press_recorder::reach(double at) const {
     std::optional<qualifier_rows> rows;
     return find_stamped_clips(
         {document_.timeline(), settings_, std::move(running), coded_.made(),
-         [this, &rows](const clip_place& place) { return takes_no_qualifiers(place, rows); },
-         [this](const sxy_ROW& row) { return longest_.of(row); }},
+         [this, &rows](const clip_place& place) { return takes_no_qualifiers(place, rows); }},
         at);
 }
 

@@ -34,13 +34,14 @@ clip_pointer last_started_at(const reach_view& view, const sxy_ROW& row, double 
          index < clips.size() && clips[index]->secs_start() <= at; ++index) {
         if (holds(clips[index])) return clips[index];
     }
-    const double first = at - view.longest_in(row);
-    for (std::size_t index = clips.first_starting_at(at); index > 0; --index) {
-        const auto& clip = clips[index - 1];
-        if (clip->secs_start() < first) break;
-        if (holds(clip)) return clip;
+    clip_pointer last;
+    for (std::size_t index = clips.first_ending_at(at); index < clips.size();
+         index = clips.first_ending_at(at, index + 1)) {
+        const auto& clip = clips[index];
+        if (clip->secs_start() >= at) break;
+        if (holds(clip)) last = clip;
     }
-    return nullptr;
+    return last;
 }
 
 std::vector<std::string> clips_holding(const reach_view& view, double at) {
@@ -65,8 +66,8 @@ class nearest_clip {
     void look_through(const sxy_ROW& row) {
         const double margin = view_.settings.margin_padding_seconds;
         const auto& clips = row.clips();
-        const std::size_t next = clips.first_starting_at(at_ - view_.longest_in(row) - margin);
-        for (std::size_t index = next; index < clips.size(); ++index) {
+        for (std::size_t index = clips.first_ending_at(at_ - margin); index < clips.size();
+             index = clips.first_ending_at(at_ - margin, index + 1)) {
             const auto& clip = clips[index];
             const double to_start = clip->secs_start() - at_;
             if (to_start > margin || to_start >= way) break;

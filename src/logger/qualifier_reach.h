@@ -19,7 +19,6 @@ struct reach_view {
     // Those that presses of this run made, the last at the end.
     const std::vector<std::string>& made;
     std::function<bool(const clip_place&)> is_blocked;  // takes no qualifiers
-    std::function<double(const sxy_ROW&)> longest_in;   // see longest_clips
 };
 
 // The clips that a qualifier pressed at `at` is stamped on, none or more, and the time that it gets: `at`,

@@ -387,6 +387,36 @@ TEST(press, merging_keeps_what_was_coded_on_the_clips_that_it_meets) {
     EXPECT_EQ(kept->group(), "G");
 }
 
+// Clips that begin before the press, one within another, and what they lead to on both sides.
+TEST(press, merging_joins_all_that_its_clip_leads_to) {
+    struct merge_case {
+        std::vector<clip_span> there;
+        const char* clips;
+    };
+    const merge_case cases[] = {
+        {{{0, 2}, {2, 4}, {4, 10}, {14, 15}, {15, 20}, {20.5, 21}}, "A 0-20 20.5-21 30-31"},
+        {{{0, 11}, {1, 2}, {3, 4}, {5, 5}}, "A 0-11 30-31"},
+        {{{0, 6}, {1, 5}, {5.5, 10}}, "A 0-14 30-31"},
+        {{{0, 1}, {9, 25}, {24, 26}}, "A 0-1 9-26 30-31"},
+        {{{9, 9}, {15, 15}}, "A 9-9 10-14 15-15 30-31"},
+    };
+    for (const auto& one : cases) {
+        coding code;
+        code.buttons[0].set_merge_clips(true);
+        code.run("30+A 31-A");
+        const auto row = code.document->timeline().row_named("A")->uuid();
+        timeline_edit edit{"Clips", "", {}};
+        for (const auto& span : one.there) {
+            const auto id = "there " + std::to_string(edit.operations.size());
+            edit.operations.emplace_back(
+                operation::insert_clip{row, testing::clip_of(id, span.start, span.end)});
+        }
+        ASSERT_TRUE(code.document->apply(std::move(edit)));
+        code.run("10+A 14-A");
+        EXPECT_EQ(code.clips(), one.clips);
+    }
+}
+
 TEST(press, that_a_kill_broke_off_made_its_clip_up_to_the_last_noted_time) {
     coding code;
     code.run("50+A 60 61-A");

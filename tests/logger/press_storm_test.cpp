@@ -413,9 +413,9 @@ TEST(overlap_rule, takes_no_time_that_was_held) {
         const auto index_of = [](const sxy_CLIP& clip) { return std::stoul(clip.id()); };
         for (std::size_t n = 0; n < presses.size(); ++n) {
             auto& press = presses[n];
-            const auto placed = place_on_row(
-                row, press.span, *press.held,
-                [&](const sxy_CLIP& clip) { return presses[index_of(clip)].held; }, 20);
+            const auto placed = place_on_row(row, press.span, *press.held, [&](const sxy_CLIP& clip) {
+                return presses[index_of(clip)].held;
+            });
             for (const auto& moved : placed.moved) {
                 presses[index_of(*moved.clip)].span = moved.span;
                 auto changed = std::make_shared<sxy_CLIP>(*moved.clip);
