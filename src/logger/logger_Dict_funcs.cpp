@@ -19,6 +19,10 @@ constexpr const char* version_key = "version markup";
 constexpr const char* buttons_key = "array objects";
 constexpr const char* count_key = "number of markups";
 
+std::int64_t version_of(const property_dictionary& document) {
+    return document.integer(version_key).value_or(button_dict().version_markup);
+}
+
 }  // namespace
 
 std::string logger_folder_of(const std::string& folder) {
@@ -31,7 +35,8 @@ bool has_button_dict(const std::string& logger_folder) {
 
 button_dict read_button_dict(const property_dictionary& document) {
     button_dict all;
-    all.version_markup = document.integer(version_key).value_or(all.version_markup);
+    all.version_markup = version_of(document);
+    all.kept = document;
     std::set<std::string> uuids;
     if (const auto* array = document.array(buttons_key)) {
         for (std::size_t index = 0; index < array->size(); ++index) {
@@ -44,22 +49,22 @@ button_dict read_button_dict(const property_dictionary& document) {
             if (!uuids.insert(button.uuid()).second) button.set_made_up_uuid(new_uuid());
             all.buttons.emplace_back(std::move(button));
         }
+        all.kept.remove(buttons_key);
     }
-    all.kept = document;
-    all.kept.remove(buttons_key);
     return all;
 }
 
 property_dictionary write_button_dict(const button_dict& all) {
     property_dictionary document = all.kept;
-    document.set(version_key, all.version_markup);
+    const bool has_version = document.contains(version_key) && version_of(document) == all.version_markup;
+    if (!has_version) document.set(version_key, all.version_markup);
     property_array buttons;
     for (const auto& button : all.buttons) buttons.emplace_back(write_button(*button));
     for (const auto& other : all.others) {
         const auto index = std::min(other.index, buttons.size());
         buttons.insert(buttons.begin() + static_cast<std::ptrdiff_t>(index), other.value);
     }
-    document.set(buttons_key, std::move(buttons));
+    if (!buttons.empty() || !document.contains(buttons_key)) document.set(buttons_key, std::move(buttons));
     return document;
 }
 

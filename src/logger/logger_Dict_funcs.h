@@ -32,7 +32,9 @@ struct button_dict {
     std::int64_t version_markup = 1;
     std::vector<button_record> buttons;  // in canvas order, the last drawn on top
     std::vector<other_element> others;   // by index
-    property_dictionary kept;            // the document as read, without the list
+    // The document as read, without the list; what stands in its place and is none stays until there are
+    // buttons.
+    property_dictionary kept;
 
     bool operator==(const button_dict&) const = default;
 };

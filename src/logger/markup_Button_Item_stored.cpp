@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // The stored form of a button: one list of its keys, in the stored order, reads, writes and compares.
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -113,21 +115,75 @@ void keep_unknown(const property_value& before, const std::optional<button_key_b
         if (!is_key_binding_key(entry.key)) has->set(entry.key, entry.value);
     }
 }
-void keep_unknown(const property_value& before, const std::vector<trigger_event_ITEM>&, property_value& now) {
+// Elements that are none of the kind stay where they stood.
+void keep_others(const property_array& had, property_array& now,
+                 const std::function<bool(const property_value&)>& is_of_the_kind) {
+    for (std::size_t at = 0; at < had.size(); ++at) {
+        if (is_of_the_kind(had[at])) continue;
+        now.insert(now.begin() + static_cast<std::ptrdiff_t>(std::min(at, now.size())), had[at]);
+    }
+}
+
+// The triggers of `had` that `now` has, in the order of `now`: each the one that it says the same as, else,
+// where none came or went, the one in its place; null for a new one.
+std::vector<const property_dictionary*> triggers_before(const property_array& had,
+                                                        const std::vector<trigger_event_ITEM>& now) {
+    std::vector<std::pair<trigger_event_ITEM, const property_dictionary*>> all;
+    for (const auto& one : had) {
+        if (const auto read = read_trigger(one)) all.emplace_back(*read, one.dictionary());
+    }
+    std::vector<const property_dictionary*> found;
+    std::size_t next = 0;
+    for (const auto& trigger : now) {
+        const auto from = all.begin() + static_cast<std::ptrdiff_t>(next);
+        const auto same =
+            std::find_if(from, all.end(), [&](const auto& one) { return one.first == trigger; });
+        if (same != all.end()) {
+            found.push_back(same->second);
+            next = static_cast<std::size_t>(same - all.begin()) + 1;
+        } else if (all.size() == now.size() && next == found.size()) {
+            found.push_back(all[next++].second);
+        } else {
+            found.push_back(nullptr);
+        }
+    }
+    return found;
+}
+
+// What the trigger says, in the dictionary that it was read from.
+property_dictionary with_trigger(property_dictionary stored, const trigger_event_ITEM& trigger) {
+    const auto before = read_trigger(stored);
+    const auto old = before ? write_trigger(*before) : property_dictionary();
+    const auto now = write_trigger(trigger);
+    for (const auto& entry : old) {
+        if (!now.contains(entry.key)) stored.remove(entry.key);
+    }
+    for (const auto& entry : now) {
+        const auto* same = old.find(entry.key);
+        if (!same || !(*same == entry.value)) stored.set(entry.key, entry.value);
+    }
+    return stored;
+}
+
+void keep_unknown(const property_value& before, const std::vector<trigger_event_ITEM>& triggers,
+                  property_value& now) {
     const auto* had = before.array();
     if (!had || !now.array()) return;
-    for (const auto& one : *had) {
-        if (!read_trigger(one)) now.array()->push_back(one);
+    property_array all;
+    const auto earlier = triggers_before(*had, triggers);
+    for (std::size_t at = 0; at < triggers.size(); ++at) {
+        all.emplace_back(earlier[at] ? with_trigger(*earlier[at], triggers[at])
+                                     : write_trigger(triggers[at]));
     }
+    keep_others(*had, all, [](const property_value& one) { return read_trigger(one).has_value(); });
+    now = std::move(all);
 }
 
 void keep_unknown(const property_value& before, const std::vector<markup_Button_Action_Link_ITEM>&,
                   property_value& now) {
     const auto* had = before.array();
     if (!had || !now.array()) return;
-    for (const auto& one : *had) {
-        if (!read_action_link(one)) now.array()->push_back(one);
-    }
+    keep_others(*had, *now.array(), [](const property_value& one) { return one.dictionary() != nullptr; });
 }
 
 // Hands every stored key with its field to `visit`, in the stored order.
@@ -227,7 +283,8 @@ std::vector<property_value> written_values(const button_fields& button) {
     return values;
 }
 
-button_fields read_fields(const property_dictionary& stored) {
+// Also scales that do not count, without the first of them.
+button_fields read_all_keys(const property_dictionary& stored) {
     button_fields button;
     visit_all(button, [&](const char* key, auto& field) {
         const auto* value = stored.find(key);
@@ -235,6 +292,11 @@ button_fields read_fields(const property_dictionary& stored) {
         if (auto read = read_as(*value, field)) field = std::move(*read);
     });
     if (button.delayed_up) button.auto_up = true;
+    return button;
+}
+
+button_fields read_fields(const property_dictionary& stored) {
+    auto button = read_all_keys(stored);
     if (!button.field.scale_start_X) {
         const button_field unscaled{button.field.Cartesian, button.field.Cartesian_Traces,
                                     std::move(button.field.trace_type), std::nullopt};
@@ -282,7 +344,8 @@ property_dictionary write_button(const markup_Button_Item& button) {
     const button_fields fields = button.fields();
     property_dictionary stored = fields.stored;
     // What would be read from it again: only what differs is written, so that the rest keeps its form.
-    const auto unchanged = written_values(read_fields(stored));
+    const auto unchanged =
+        written_values(fields.field.scale_start_X ? read_all_keys(stored) : read_fields(stored));
     std::size_t at = 0;
     visit_all(fields, [&](const char* key, const auto& field) {
         const property_value& before = unchanged[at];

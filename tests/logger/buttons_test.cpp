@@ -109,17 +109,48 @@ TEST(button, every_key_is_written_from_its_field_and_only_when_it_is_not_at_its_
 
 TEST(button, what_a_changed_value_holds_beside_is_kept) {
     auto button = read_button(from_json(
-        R"({"uuid":"U","bindings":{"key code":5,"shift":true,"odd":1},"triggers":[7,{"trigger_time":2}]})"));
+        R"({"uuid":"U","bindings":{"key code":5,"shift":true,"odd":1},"triggers":[7,{"trigger_time":2,"own":"x"},
+        {"trigger_time":2,"own":"y"},[],{"trigger_time":5,"trigger_type":"going up"}]})"));
     auto display = button.display();
     display.binding->key_code = 6;
     display.binding->shift = false;
     button.set_display(display);
     auto triggers = button.triggers();
-    ASSERT_EQ(triggers.size(), 1U);
+    ASSERT_EQ(triggers.size(), 3U);
     triggers.push_back({3, shared_text("going up"), {}});
     button.set_triggers(triggers);
     EXPECT_EQ(write_button(button), from_json(R"({"uuid":"U","bindings":{"key code":6,"odd":1},
-        "triggers":[{"trigger_time":2.0},{"trigger_time":3.0,"trigger_type":"going up"},7]})"));
+        "triggers":[7,{"trigger_time":2,"own":"x"},{"trigger_time":2,"own":"y"},[],
+        {"trigger_time":5,"trigger_type":"going up"},{"trigger_time":3.0,"trigger_type":"going up"}]})"));
+    // One that goes takes its own keys along, one that changes keeps them.
+    triggers.pop_back();
+    triggers.erase(triggers.begin());
+    triggers[0].trigger_Type = shared_text("going up");
+    button.set_triggers(triggers);
+    EXPECT_EQ(*write_button(button).array("triggers"),
+              *from_json(R"({"t":[7,{"trigger_time":2.0,"trigger_type":"going up"},
+                  {"trigger_time":5,"trigger_type":"going up"},[]]})")
+                   .array("t"));
+    button = read_button(write_button(button));
+    triggers[1].trigger_Time = 6;
+    button.set_triggers(triggers);
+    EXPECT_EQ(*write_button(button).array("triggers"),
+              *from_json(R"({"t":[7,{"trigger_time":2.0,"trigger_type":"going up"},
+                  {"trigger_time":6.0,"trigger_type":"going up"},[]]})")
+                   .array("t"));
+}
+
+TEST(button, a_scale_that_does_not_count_does_not_come_back_with_the_first) {
+    const auto stored = from_json(R"({"uuid":"U","cartesian_scale_end_X":50,"cartesian_scale_end_Y":7})");
+    auto button = read_button(stored);
+    auto field = button.field();
+    field.Cartesian = true;
+    button.set_field(field);
+    EXPECT_EQ(write_button(button).number("cartesian_scale_end_X"), 50);
+    field.scale_start_X = 0;
+    field.scale_end_Y = 9;
+    button.set_field(field);
+    EXPECT_EQ(read_button(write_button(button)).field(), field);
 }
 
 TEST(button, stages_and_pictures_that_are_none_do_no_harm) {
@@ -218,6 +249,15 @@ TEST(code_window, a_file_that_cannot_be_read_is_named) {
     const auto others = from_json(R"({"version markup":1,"array objects":[1,"x"]})");
     EXPECT_TRUE(read_button_dict(others).buttons.empty());
     EXPECT_EQ(write_button_dict(read_button_dict(others)), others);
+    // What is of another kind than it should be stays, until there is something to put in its place.
+    const auto odd = from_json(R"({"version markup":"3","array objects":{"own":1}})");
+    auto all = read_button_dict(odd);
+    EXPECT_EQ(write_button_dict(all), odd);
+    all.version_markup = 2;
+    all.buttons.emplace_back(read_button(from_json(R"({"uuid":"U"})")));
+    EXPECT_EQ(write_button_dict(all), from_json(R"({"version markup":2,"array objects":[{"uuid":"U"}]})"));
+    all.buttons.clear();
+    EXPECT_TRUE(write_button_dict(read_button_dict(write_button_dict(all))).contains("array objects"));
 }
 
 TEST(code_window, settings_keep_what_they_do_not_know) {
