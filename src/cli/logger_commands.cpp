@@ -31,8 +31,10 @@ result<command_outcome> resave(const std::string& folder, const std::string& to)
     const auto lock = vault_lock::take_around(to);
     if (!lock) return lock.error();
     const std::string from = logger_folder_of(folder);
-    const auto loaded = load_code_window(from);
+    std::vector<failure> damaged;
+    const auto loaded = load_code_window(from, &damaged);
     if (!loaded) return loaded.error();
+    if (!damaged.empty()) return damaged.front();
     const bool lies_below = from != folder && !has_button_dict(to);
     const std::string into = lies_below ? path_join(to, logger_folder_name) : to;
     if (auto saved = save_code_window(loaded.value(), into); !saved) return saved.error();

@@ -50,10 +50,10 @@ void code_window_document::follow(const document_change&) {
 result<editable_document::save_work> code_window_document::take_save() {
     const auto copy = std::make_shared<const code_window>(window_);
     const auto write = [copy, saved = saved_, sync = edit_sync(), folder = folder_,
-                        &files = files_](std::vector<file_conflict>&) -> result<void> {
+                        &files = files_](std::vector<file_conflict>& met) -> result<void> {
         // What is on record is there before the files that replace it.
         if (auto synced = sync(); !synced) return synced;
-        return save_code_window(*copy, folder, saved.get(), files);
+        return save_code_window(*copy, folder, saved.get(), files, &met);
     };
     const auto over = [this, copy](const result<void>& outcome) {
         if (outcome) saved_ = copy;

@@ -77,14 +77,15 @@ result<button_dict> load_button_dict(const std::string& logger_folder) {
     return read_button_dict(*document);
 }
 
-result<void> save_button_dict(const button_dict& all, const std::string& logger_folder, file_system& files) {
+result<void> save_button_dict(const button_dict& all, const std::string& logger_folder, file_system& files,
+                              std::vector<file_conflict>* met) {
     if (auto made = make_folders(logger_folder, files); !made) return made;
     auto saved = safe_write(path_join(logger_folder, button_file_name), write_button_dict(all), files);
     if (!saved) return saved;
     const std::string path = path_join(logger_folder, logger_file_name);
-    auto marker = read_dictionary_or_empty(path);
+    auto marker = read_code_window_file(path, nullptr);
     marker.set(count_key, static_cast<std::int64_t>(all.buttons.size()));
-    return safe_write(path, marker, files);
+    return save_code_window_file(path, marker, files, met);
 }
 
 std::string button_picture_path(const markup_Button_Item& button, const std::string& logger_folder) {

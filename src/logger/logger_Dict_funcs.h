@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "logger/code_window_files.h"
 #include "logger/markup_Button_Item.h"
 #include "util/colour_text.h"
 #include "util/file_system.h"
@@ -51,9 +52,11 @@ property_dictionary write_button_dict(const button_dict& all);
 
 // A missing or damaged file is an error that names it.
 result<button_dict> load_button_dict(const std::string& logger_folder);
-// Writes "button dict.plist" and the count in "logger.plist"; the folder is made when missing.
+// Writes "button dict.plist" and the count in "logger.plist", see save_code_window_file; the folder is made
+// when missing.
 result<void> save_button_dict(const button_dict& all, const std::string& logger_folder,
-                              file_system& files = machine_files());
+                              file_system& files = machine_files(),
+                              std::vector<file_conflict>* met = nullptr);
 
 // Where the button's picture lies; empty when it has none, or one whose identifier is no name for a file.
 std::string button_picture_path(const markup_Button_Item& button, const std::string& logger_folder);

@@ -9,6 +9,10 @@ namespace vistels {
 inline constexpr failure_of<> file_holds_no_code_window{"file holds no code window",
                                                         "it does not hold a code window"};
 
+// Of a file beside the buttons; the cause names it.
+inline constexpr failure_of<a_cause> code_window_file_is_not_used{
+    "code window file is not used", "%1 The code window is shown without what it holds."};
+
 // What is wrong with a script of presses.
 inline constexpr failure_of<a_path> script_has_no_events{"script has no events",
                                                          "\"%1\" holds no \"events\"."};

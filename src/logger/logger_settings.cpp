@@ -4,9 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "util/property_list.h"
-#include "util/safe_write.h"
-
 namespace vistels {
 
 namespace {
@@ -20,12 +17,6 @@ constexpr const char* mode_key = "remember markup mode";
 
 double finite_or_zero(std::optional<double> number) {
     return number && std::isfinite(*number) ? *number : 0;
-}
-
-result<void> save(const property_dictionary& stored, const std::string& folder, const char* name,
-                  file_system& files) {
-    if (auto made = make_folders(folder, files); !made) return made;
-    return safe_write(path_join(folder, name), stored, files);
 }
 
 }  // namespace
@@ -60,13 +51,15 @@ property_dictionary write_logger_settings(const logger_settings& settings) {
     return stored;
 }
 
-logger_settings load_logger_settings(const std::string& logger_folder) {
-    return read_logger_settings(read_dictionary_or_empty(path_join(logger_folder, logger_info_file_name)));
+logger_settings load_logger_settings(const std::string& logger_folder, std::vector<failure>* messages) {
+    return read_logger_settings(
+        read_code_window_file(path_join(logger_folder, logger_info_file_name), messages));
 }
 
 result<void> save_logger_settings(const logger_settings& settings, const std::string& logger_folder,
-                                  file_system& files) {
-    return save(write_logger_settings(settings), logger_folder, logger_info_file_name, files);
+                                  file_system& files, std::vector<file_conflict>* met) {
+    return save_code_window_file(path_join(logger_folder, logger_info_file_name),
+                                 write_logger_settings(settings), files, met);
 }
 
 std::string logger_offsets::source_object() const {
@@ -74,13 +67,14 @@ std::string logger_offsets::source_object() const {
     return sync ? sync->text_or_empty("source object - markup") : std::string();
 }
 
-logger_offsets load_logger_offsets(const std::string& logger_folder) {
-    return {read_dictionary_or_empty(path_join(logger_folder, logger_offsets_file_name))};
+logger_offsets load_logger_offsets(const std::string& logger_folder, std::vector<failure>* messages) {
+    return {read_code_window_file(path_join(logger_folder, logger_offsets_file_name), messages)};
 }
 
 result<void> save_logger_offsets(const logger_offsets& offsets, const std::string& logger_folder,
-                                 file_system& files) {
-    return save(offsets.kept, logger_folder, logger_offsets_file_name, files);
+                                 file_system& files, std::vector<file_conflict>* met) {
+    return save_code_window_file(path_join(logger_folder, logger_offsets_file_name), offsets.kept, files,
+                                 met);
 }
 
 }  // namespace vistels

@@ -3,7 +3,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "logger/code_window_files.h"
 #include "util/colour_text.h"
 #include "util/file_system.h"
 #include "util/property_value.h"
@@ -32,11 +34,13 @@ logger_settings read_logger_settings(const property_dictionary& stored);
 // What was read, with what has changed since; a value that is at its default now is left out.
 property_dictionary write_logger_settings(const logger_settings& settings);
 
-// A missing or unreadable file gives the defaults.
-logger_settings load_logger_settings(const std::string& logger_folder);
-// The folder is made when missing.
+// A missing file gives the defaults, and so does a damaged one, see read_code_window_file.
+logger_settings load_logger_settings(const std::string& logger_folder,
+                                     std::vector<failure>* messages = nullptr);
+// See save_code_window_file.
 result<void> save_logger_settings(const logger_settings& settings, const std::string& logger_folder,
-                                  file_system& files = machine_files());
+                                  file_system& files = machine_files(),
+                                  std::vector<file_conflict>* met = nullptr);
 
 // What "logger offsets.plist" holds: how the times of another source of the buttons fit those of the
 // collection. Kept as it was read.
@@ -47,8 +51,10 @@ struct logger_offsets {
     std::string source_object() const;
     bool operator==(const logger_offsets&) const = default;
 };
-logger_offsets load_logger_offsets(const std::string& logger_folder);
+logger_offsets load_logger_offsets(const std::string& logger_folder,
+                                   std::vector<failure>* messages = nullptr);
 result<void> save_logger_offsets(const logger_offsets& offsets, const std::string& logger_folder,
-                                 file_system& files = machine_files());
+                                 file_system& files = machine_files(),
+                                 std::vector<file_conflict>* met = nullptr);
 
 }  // namespace vistels

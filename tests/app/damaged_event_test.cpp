@@ -10,6 +10,7 @@
 #include "app/settings/settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/vaults/home_vault.h"
+#include "logger/code_window_change.h"
 #include "support/opened_event.h"
 #include "support/run_until.h"
 #include "support/stored_event.h"
@@ -23,6 +24,7 @@ namespace vistels {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::clip_button;
 using testing::code;
 using testing::comes_about;
 using testing::file_bytes;
@@ -112,6 +114,42 @@ TEST_F(damaged_event, a_damaged_code_window_is_replaced_for_the_time_being_only)
     const auto opened = open(folder);
     ASSERT_TRUE(opened);
     EXPECT_EQ(opened.value()->timeline().timeline().clip_count(), 1 + std::size(damages));
+}
+
+// What a damaged file beside the buttons held is neither lost without a word nor written over.
+TEST_F(damaged_event, a_damaged_file_beside_the_buttons_is_told_and_kept_when_it_is_replaced) {
+    for (const char* name : {"logger info.plist", "logger offsets.plist", "logger.plist"}) {
+        for (const char* damage : damages) {
+            const std::string path = folder + "/Logger/" + name;
+            put_file(path, damage);
+            std::string kept = path;
+            {
+                const auto opened = open(folder);
+                ASSERT_TRUE(opened) << opened.message();
+                EXPECT_TRUE(tells(*opened.value(), path)) << name << " " << damage;
+                auto& window = opened.value()->code_window_file();
+                auto settings = window.window().settings;
+                settings.scroller_offset_x += 5;
+                window.set_settings(settings);
+                auto changed = clip_button(*opened.value());
+                changed.set_secs_in(changed.secs_in() + 1);
+                auto part = plan_button(window.window(), changed);
+                ASSERT_TRUE(part);
+                ASSERT_TRUE(window.make({"", "", {*part}}));
+                EXPECT_TRUE(opened.value()->save_all());
+                for (const auto& one : window.conflicts()) {
+                    if (one.path == path) kept = one.kept_as;
+                }
+            }
+            const bool is_replaced = name != std::string("logger offsets.plist");
+            EXPECT_EQ(kept != path, is_replaced) << name << " " << damage;
+            EXPECT_EQ(file_bytes(kept), damage) << name;
+            fs::remove(kept);
+            const auto again = open(folder);
+            ASSERT_TRUE(again);
+            EXPECT_FALSE(tells(*again.value(), path)) << name;
+        }
+    }
 }
 
 TEST_F(damaged_event, a_vistel_that_is_broken_or_gone_keeps_its_place_and_the_other_opens) {

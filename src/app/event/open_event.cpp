@@ -326,16 +326,19 @@ code_window open_event::code_window_to_show(bool& is_kept) {
     const std::string& folder = code_window_->folder();
     is_kept = false;
     if (has_button_dict(folder)) {
-        auto loaded = load_code_window(folder);
+        auto loaded = load_code_window(folder, &messages_);
         is_kept = loaded.ok();
         if (loaded) return std::move(loaded).value();
         messages_.push_back(general_code_window_is_shown(loaded.error()));
         return {general_code_window(), {}, {}};
     }
-    code_window general{general_code_window(), load_logger_settings(folder), load_logger_offsets(folder)};
+    code_window general{general_code_window(), load_logger_settings(folder, &messages_),
+                        load_logger_offsets(folder, &messages_)};
     if (!has_collection_) return general;
     general.settings.linked_timeline_uuid = timeline_->timeline().uuid();
-    const auto saved = save_code_window(general, folder);
+    std::vector<file_conflict> met;
+    const auto saved = save_code_window(general, folder, nullptr, machine_files(), &met);
+    for (const auto& one : met) messages_.push_back(one.told);
     is_kept = saved.ok();
     if (!saved) messages_.push_back(saved.error());
     return general;
