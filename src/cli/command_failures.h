@@ -39,7 +39,7 @@ inline constexpr failure_of<a_path> journal_may_hold_edits{
     "\"%1\" may hold unsaved edits of the timeline there; open that timeline first."};
 inline constexpr failure_of<a_path, a_cause> timeline_has_a_fault{"timeline has a fault", "\"%1\": %2"};
 
-// Scripts of presses. Those that begin small are said of one event.
+// Lists of numbers
 inline constexpr failure_of<a_text> text_is_no_number{"text is no number", "\"%1\" is no number."};
 
 }  // namespace vistels

@@ -25,7 +25,7 @@ struct logger_item_display_info {
 
     std::optional<colour> name_colour;
     std::string name_font;
-    std::optional<double> name_font_size;  // points
+    std::optional<double> name_font_size;  // pixels of the canvas
     bool hide_name = false;
     bool fit_name = false;
     bool show_keys = false;  // the key binding is drawn
@@ -33,7 +33,7 @@ struct logger_item_display_info {
     bool down_time = false;  // the time since the button went down is drawn
 
     std::string formula_output_font;
-    std::optional<double> formula_output_font_size;  // points
+    std::optional<double> formula_output_font_size;  // pixels of the canvas
     colour formula_output_colour{1, 1, 1, 1};
 
     // How far what is written on the button is moved from its usual place, in logical pixels.
