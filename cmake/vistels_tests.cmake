@@ -61,9 +61,7 @@ endfunction()
 
 get_property(folders GLOBAL PROPERTY vistels_folders)
 foreach(folder IN LISTS folders)
-    if(NOT folder STREQUAL "cli")
-        vistels_folder_tests(${folder})
-    endif()
+    vistels_folder_tests(${folder})
 endforeach()
 
 # With sanitizers tests/shell is enough: what these add is the way from the keyboard to the program.

@@ -68,30 +68,45 @@ struct press_values {
     std::string folder, timeline, script;
 };
 
-result<command_outcome> press(const press_values& values, const home_places& places) {
-    const std::string logger_folder = logger_folder_of(values.folder);
-    auto loaded = load_button_dict(logger_folder);
+struct script_to_press {
+    button_dict buttons;
+    std::vector<press_step> steps;
+};
+
+result<script_to_press> read_script(const press_values& values) {
+    auto loaded = load_button_dict(logger_folder_of(values.folder));
     if (!loaded) return loaded.error();
     const auto bytes = read_file(values.script);
     if (!bytes) return bytes.error();
     const auto script = read_json(bytes.value(), values.script);
     if (!script) return script.error();
-    const auto steps = read_press_script(script.value(), loaded.value().buttons, values.script);
+    auto steps = read_press_script(script.value(), loaded.value().buttons, values.script);
     if (!steps) return steps.error();
+    return script_to_press{std::move(loaded).value(), std::move(steps).value()};
+}
+
+result<command_outcome> press(const press_values& values, const home_places& places) {
+    // Where it is wrong no timeline is made.
+    if (const auto wanted = read_script(values); !wanted) return wanted.error();
     // The timeline's own timers stand still: between two events may be years, and it is saved in the end.
     simulated_run_loop standing;
     simulated_run_loop loop;
     auto opened = open_linked_timeline(values.timeline, places, standing);
     if (!opened) return opened.error();
     auto& document = *opened.value();
+    // Only now are the buttons what they are: opening may have given them triggers that a kill left behind.
+    const auto pressed = read_script(values);
+    if (!pressed) return pressed.error();
+    button_dict buttons = pressed.value().buttons;
     press_engine engine(document, loop.time());
     engine.set_settings(load_press_settings(places));
-    engine.set_buttons(loaded.value().buttons, 0);
+    engine.set_earliest_time(first_seconds(document, places));
+    engine.set_buttons(buttons.buttons, 0);
 
     property_array fired;
     auto reporting =
         engine.fired.connect([&fired](const button_fired& one) { fired.emplace_back(fired_entry(one)); });
-    const double ended_at = run_press_script(engine, steps.value(), loop);
+    const double ended_at = run_press_script(engine, pressed.value().steps, loop);
     reporting.disconnect();
     property_array down;
     for (const auto& one : engine.down_buttons()) down.emplace_back(one.button);
@@ -100,9 +115,10 @@ result<command_outcome> press(const press_values& values, const home_places& pla
     if (auto recorded = engine.record_waiting(); !recorded) return recorded.error();
     if (auto saved = document.save_now(); !saved) return saved.error();
     // Triggers that presses added.
-    if (engine.buttons() != loaded.value().buttons) {
-        loaded.value().buttons = engine.buttons();
-        if (auto saved = save_button_dict(loaded.value(), logger_folder); !saved) return saved.error();
+    if (engine.buttons() != buttons.buttons) {
+        buttons.buttons = engine.buttons();
+        if (auto saved = save_button_dict(buttons, logger_folder_of(values.folder)); !saved)
+            return saved.error();
     }
     property_dictionary printed;
     printed.add("fired", std::move(fired));

@@ -297,7 +297,7 @@ double open_event::movie_time_to_restore() const {
 // Only what changed: to be given the same again would interrupt what is heard.
 void open_event::feed_playback() {
     // What was coded before the first camera, on the clock alone, can be reached, too.
-    const double first = first_clip_seconds();
+    const double first = first_clip_seconds(timeline_->timeline());
     const double last = runs_on_clock() ? longest_event_seconds : 0;
     const auto before = std::exchange(fed_range_, {first, last});
     const bool range_changes = before != fed_range_;
@@ -395,18 +395,8 @@ bool open_event::runs_on_clock() const {
     return !has_collection_ || !has_movies(collection_.record());
 }
 
-// At most 0.
-double open_event::first_clip_seconds() const {
-    double first = 0;
-    for (const auto& row : timeline_->timeline().rows()) {
-        const auto& clips = row->clips();
-        if (clips.size() > 0) first = std::min(first, clips[0]->secs_start());
-    }
-    return first;
-}
-
 double open_event::start_seconds() const {
-    return runs_on_clock() ? first_clip_seconds() : playback_->first_time();
+    return runs_on_clock() ? first_clip_seconds(timeline_->timeline()) : playback_->first_time();
 }
 
 double open_event::end_seconds() const {

@@ -146,7 +146,6 @@ class open_event {
     void follow_change(double shift);
     void feed_playback();
     void feed_volume();
-    double first_clip_seconds() const;
     double movie_time_to_restore() const;
     void note_position();
     void open_saving();

@@ -11,6 +11,7 @@
 #include "video/blank_movie.h"
 #include "video/collection_document.h"
 #include "video/video_coll_LOAD.h"
+#include "video/video_coll_Offsets.h"
 
 namespace vistels {
 
@@ -35,6 +36,28 @@ void complete_header(timeline_header& header, const std::string& timeline_uuid, 
 void link_timeline(timeline_document& timeline, const timeline_links& links) {
     complete_header(timeline.header(), timeline.timeline().uuid(), links);
     timeline.set_collection_number(links.number);
+}
+
+double first_clip_seconds(const sxy_DATA_root& timeline) {
+    double first = 0;
+    for (const auto& row : timeline.rows()) {
+        if (!row->clips().empty()) first = std::min(first, row->clips()[0]->secs_start());
+    }
+    return first;
+}
+
+double first_seconds(const timeline_document& timeline, const home_places& places) {
+    double first = first_clip_seconds(timeline.timeline());
+    if (!file_exists(path_join(timeline.folder(), collection_file_name))) return first;
+    const auto loaded = load_collection(timeline.folder(), places.local_vistels());
+    if (!loaded) return first;
+    const auto vistels = loaded.value().collection.vistels();
+    const auto items = offsets_of(loaded.value().collection);
+    for (const auto& vistel : vistels) {
+        if (vistel->is_inserted_picture()) continue;
+        first = std::min(first, -lead_for_clips(items, {vistel->number(), vistel->manual_start_offset()}));
+    }
+    return first;
 }
 
 double seconds_recovered(const timeline_document& timeline) {

@@ -29,6 +29,12 @@ void complete_header(timeline_header& header, const std::string& timeline_uuid, 
 // The same for an open timeline, whose clips get the collection's number from now on.
 void link_timeline(timeline_document& timeline, const timeline_links& links);
 
+// When the first clip starts, at most 0.
+double first_clip_seconds(const sxy_DATA_root& timeline);
+// From when on there is anything to be seen, for presses without a window: the start of the earliest camera
+// of the collection whose record lies beside the timeline, of the first clip, or 0.
+double first_seconds(const timeline_document& timeline, const home_places& places);
+
 // By how many seconds all that the journal brought back moved the timeline's times.
 double seconds_recovered(const timeline_document& timeline);
 
