@@ -157,6 +157,7 @@ TEST_F(code_window_pane, what_the_mouse_holds_goes_up_when_the_pane_is_left_or_g
     EXPECT_EQ(*log_, "+a-a+b-b");
     view_.show();
     QTest::mousePress(button("d"), Qt::LeftButton);
+    source_->all.pop_back();
     source_->buttons_changed.emit();
     EXPECT_EQ(*log_, "+a-a+b-b+d-d");
     QTest::mousePress(button("c"), Qt::LeftButton);

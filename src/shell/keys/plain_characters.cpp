@@ -65,6 +65,13 @@ QString typed_by(const QKeyEvent& event) {
     return QString(QChar(static_cast<char16_t>(event.key()))).toLower();
 }
 
+// Null where the window system is not X.
+xcb_connection_t* x_server() {
+    if (QGuiApplication::platformName() != QLatin1String("xcb")) return nullptr;
+    const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return native ? native->connection() : nullptr;
+}
+
 }  // namespace
 
 QString plain_character(const QKeyEvent& event) {
@@ -72,15 +79,17 @@ QString plain_character(const QKeyEvent& event) {
     static QHash<quint32, QString> seen;
     const quint32 key = event.nativeScanCode();
     if (key == 0) return {};
-    const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (native && !layout.is_read()) layout.read(native->connection());
-    QString plain = native ? layout.plain(key, event.nativeModifiers()).toLower() : seen.value(key);
+    xcb_connection_t* const server = x_server();
+    if (server && !layout.is_read()) layout.read(server);
+    QString plain = server ? layout.plain(key, event.nativeModifiers()).toLower() : QString();
+    const bool is_told = !plain.isEmpty();
+    if (!is_told) plain = seen.value(key);
     const bool is_plain = (event.modifiers() & ~(Qt::KeypadModifier | Qt::ControlModifier | Qt::AltModifier |
                                                  Qt::MetaModifier)) == Qt::NoModifier;
     const QString typed = is_plain ? typed_by(event) : QString();
     if (typed.isEmpty() || typed == plain) return plain;
     // Another layout is in use since it was read.
-    if (native) layout.read(native->connection());
+    if (server && is_told) layout.read(server);
     return seen[key] = typed;
 }
 
