@@ -47,9 +47,9 @@ struct press_manner {
 // goes up at its next press; one that something else than a hand put down is the hand's from then on and goes
 // up with it. A release by hand belongs to a press by that hand, and of several the last one counts; one by
 // the automatic presser, for which the same rules hold, to a press of its own. "auto up": the release counts
-// for nothing; the button goes up by itself "auto up duration" after the press, or with "delayed up" after the
-// release. While the collection's time runs towards that moment it decides, else as much real time; the time
-// counted is the due one.
+// for nothing; the button goes up by itself "auto up duration" after the press, or with "delayed up" after
+// the release. While the collection's time runs towards that moment it decides, else as much real time; the
+// time counted is the due one.
 //
 // What a press makes, by the button's type:
 // - Clip: a clip grows from the press on the button's row (button_set::row_of; made when there is none). At

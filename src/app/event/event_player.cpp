@@ -151,8 +151,7 @@ void event_player::to_start() {
 }
 
 void event_player::to_end() {
-    if (event_)
-        seek(event_->runs_on_clock() ? event_->last_clip_end_seconds() : event_->end_seconds());
+    if (event_) seek(event_->runs_on_clock() ? event_->last_clip_end_seconds() : event_->end_seconds());
 }
 
 void event_player::set_rate(double rate) {
