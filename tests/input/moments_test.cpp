@@ -58,6 +58,7 @@ class moments : public testing::shown_event {
     static button_record shifted() {
         return changed_button(bound("Shifted", "1", 0), [](markup_Button_Item& button) {
             logger_item_display_info display = button.display();
+            display.logger_rect.y = 80;
             display.binding->shift = true;
             button.set_display(std::move(display));
         });
