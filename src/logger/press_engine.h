@@ -167,6 +167,8 @@ class press_engine {
     // Clips that grow and are not on the timeline yet, since live clips are not saved.
     std::vector<clip_place> unsaved_growing() const { return recorder_.unsaved_growing(); }
 
+    // What was pressed or released is being put on record: `fired` tells of it right after.
+    bool is_recording() const { return is_recording_; }
     // Presses and releases that are not on record yet.
     std::size_t unrecorded() const { return recorder_.waiting(); }
     // Tries to record them now.
@@ -254,6 +256,7 @@ class press_engine {
     trigger_track triggers_;
     std::unique_ptr<round> round_;  // under way
     std::uint64_t rounds_ = 0;
+    bool is_recording_ = false;
     struct planned_trigger {
         button_record button;  // with it
         bool is_on_record = false;

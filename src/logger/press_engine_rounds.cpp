@@ -103,7 +103,9 @@ void press_engine::in_round(const markup_Button_Item& first, const std::function
 void press_engine::finish_round() {
     const auto done = std::exchange(round_, nullptr);
     std::optional<std::vector<press_outcome>> outcomes;
+    is_recording_ = true;
     if (!done->made.actions.empty()) outcomes = recorder_.record(std::move(done->made));
+    is_recording_ = false;
     if (transport_ && done->pauses) transport_->pause();
     if (done->changes_looks) looks_changed.emit();
     for (auto& [event, button, action] : done->changes) {

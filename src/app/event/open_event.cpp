@@ -335,7 +335,8 @@ code_window open_event::code_window_to_show(bool& is_kept) {
     code_window general{general_code_window(), load_logger_settings(folder, &messages_),
                         load_logger_offsets(folder, &messages_)};
     if (!has_collection_) return general;
-    general.settings.linked_timeline_uuid = timeline_->timeline().uuid();
+    if (general.settings.linked_timeline_uuid.empty())
+        general.settings.linked_timeline_uuid = timeline_->timeline().uuid();
     std::vector<file_conflict> met;
     const auto saved = save_code_window(general, folder, nullptr, machine_files(), &met);
     for (const auto& one : met) messages_.push_back(one.told);

@@ -48,7 +48,7 @@ class engine_source final : public code_window_source {
         observed_.push_back(timeline_.changed.connect([this](const change_set& change) {
             if ((change.kinds & (change_set::rows_changed | change_set::clips_changed)) == 0) return;
             are_rows_known_ = false;
-            states_changed.emit();
+            if (!engine_.is_recording()) states_changed.emit();
         }));
     }
 
