@@ -19,10 +19,13 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 }  // namespace
 
 void press_engine::set_buttons(std::vector<button_record> buttons, double at) {
+    if (!recorder_.is_recording()) come_to(at);
     button_set coming(std::move(buttons));
+    puts_down_ = false;
     for (const auto& down : down_buttons()) {
         if (!coming.find(down.button)) go_up(down.button, at, press_cause::press);
     }
+    puts_down_ = true;
     buttons_ = std::move(coming);
     graph_ = link_graph(buttons_.all());
     for (const auto& down : down_buttons()) note_state(down.button, true);
@@ -76,7 +79,7 @@ std::vector<down_button> press_engine::down_buttons() const {
 }
 
 std::optional<double> press_engine::next_due() const {
-    std::optional<double> next = settings().disable_triggers ? std::nullopt : triggers_.next();
+    std::optional<double> next = follows_triggers() ? triggers_.next() : std::nullopt;
     for (const auto& state : down_) {
         if (state.due_at && (!next || state.due_place < *next)) next = state.due_place;
     }
@@ -84,18 +87,31 @@ std::optional<double> press_engine::next_due() const {
 }
 
 void press_engine::set_due(button_state& state, const markup_Button_Item& button, double from) {
-    state.due_place = from + std::max(0.0, button.auto_up_duration());
-    state.due_at = state.due_place;
+    const double duration = std::max(0.0, button.auto_up_duration());
+    state.due_at = from + duration;
+    state.due_place = reached(from) + duration;
+}
+
+// What is told of a moment before a jump may come after the jump.
+double press_engine::reached(double at) const {
+    return transport_ ? std::min(at, transport_->collection_time()) : at;
+}
+
+// What the playhead brings about on its way there.
+void press_engine::come_to(double at) {
+    const double now = reached(at);
+    pass_triggers(now);
+    release_due(now);
 }
 
 bool press_engine::press(std::string_view uuid, double at, const press_manner& manner) {
-    release_due(at);
+    come_to(at);
     const auto* found = buttons_.find(uuid);
     if (!found) return false;
     if (auto* state = state_of(uuid)) return take_over(*state, at, manner);
     const button_record pressed = *found;  // an observer may set other buttons
     in_round(*pressed, [&] { go_down(pressed, at, manner); });
-    release_due(at);
+    release_due(reached(at));
     return true;
 }
 
@@ -120,7 +136,7 @@ bool press_engine::take_over(button_state& state, double at, const press_manner&
 }
 
 bool press_engine::release(std::string_view uuid, double at, press_cause cause, int hand) {
-    release_due(at);
+    come_to(at);
     auto* state = state_of(uuid);
     const auto* released = button(uuid);
     if (!state || !released) return false;
@@ -131,7 +147,7 @@ bool press_engine::release(std::string_view uuid, double at, press_cause cause, 
         if (released->auto_up() && (!state->is_taken_over || released->delayed_up())) {
             if (state->due_at) return false;
             set_due(*state, *released, at);
-            release_due(at);
+            release_due(reached(at));
             return !is_down(uuid);
         }
     }
@@ -140,12 +156,14 @@ bool press_engine::release(std::string_view uuid, double at, press_cause cause, 
 }
 
 void press_engine::release_all(double at) {
-    release_due(at);
+    come_to(at);
+    puts_down_ = false;
     for (const auto& down : down_buttons()) go_up(down.button, at, press_cause::press);
+    puts_down_ = true;
 }
 
 void press_engine::tab(double at) {
-    release_due(at);
+    come_to(at);
     for (const auto& down : down_buttons()) {
         const auto* released = button(down.button);
         if (released && !released->ignore_tab()) go_up(down.button, at, press_cause::tab);
@@ -153,7 +171,7 @@ void press_engine::tab(double at) {
 }
 
 bool press_engine::escape(double at) {
-    release_due(at);
+    come_to(at);
     if (recorder_.has_waiting_attributes()) {
         give_up_attributes();
         return true;
@@ -166,25 +184,27 @@ bool press_engine::escape(double at) {
 }
 
 void press_engine::playhead_jumped(double from, double to, bool is_loop_turn) {
-    const bool passes = triggers_.is_running();
     pass_triggers(from);
     release_due(from);
-    for (const auto& down : down_buttons()) {
-        auto* state = state_of(down.button);
-        const auto* held = button(down.button);
-        if (!state || !held || state->clip.empty()) continue;
-        const double start = span_of_press(*held, {down.since, down.since}, -infinity).span.start;
+    triggers_.jump(to);
+    for (auto& state : down_) state.due_place += to - from;
+    if (playhead_) playhead_->at = to;
+    jumps_to_ = to;
+    for (const button_state& was : std::vector(down_)) {
+        auto* state = state_of(was.down.button);
+        const auto* held = button(was.down.button);
+        // One that a link put down again grows from where the playhead is now.
+        if (!state || !held || state->clip.empty() || state->clip != was.clip) continue;
+        const double start = span_of_press(*held, {was.down.since, was.down.since}, -infinity).span.start;
         const bool is_out = is_loop_turn || to < start || to > from;
         if (is_out) {
-            go_up(down.button, state->due_at.value_or(from),
+            go_up(was.down.button, state->due_at.value_or(from),
                   state->due_at ? press_cause::auto_up : press_cause::press);
         } else {
             state->jumped_back = true;
         }
     }
-    for (auto& state : down_) state.due_place += to - from;
-    if (playhead_) playhead_->at = to;
-    if (passes) triggers_.begin(to);
+    jumps_to_.reset();
     const bool attributes_waited = recorder_.has_waiting_attributes();
     press_round jump;
     jump.actions.emplace_back().what = press_action::kind::jump;
@@ -201,8 +221,7 @@ void press_engine::give_up_attributes() {
 
 void press_engine::tick(double at) {
     follow_playhead(at);
-    pass_triggers(at);
-    release_due(at);
+    come_to(at);
     recorder_.tick(at, !down_.empty());
 }
 

@@ -48,8 +48,8 @@ struct press_manner {
 // up with it. A release by hand belongs to a press by that hand, and of several the last one counts; one by
 // the automatic presser, for which the same rules hold, to a press of its own. "auto up": the release counts
 // for nothing; the button goes up by itself "auto up duration" after the press, or with "delayed up" after
-// the release. While the collection's time runs towards that moment it decides, else as much real time; the
-// time counted is the due one.
+// the release (at once, where a link or a trigger puts it down). While the collection's time runs towards
+// that moment it decides, else as much real time; the time counted is the due one.
 //
 // What a press makes, by the button's type:
 // - Clip: a clip grows from the press on the button's row (button_set::row_of; made when there is none). At
@@ -99,7 +99,8 @@ class press_engine {
     press_engine(const press_engine&) = delete;
     press_engine& operator=(const press_engine&) = delete;
 
-    // Paused by the buttons that pause the movies. Null for none.
+    // Paused by the buttons that pause the movies, and asked for the time that the playhead has come to. Null
+    // for none.
     void set_transport(transport* playing) { transport_ = playing; }
     // Clips do not start before it (the default is 0).
     void set_earliest_time(double collection_seconds) { recorder_.set_earliest_time(collection_seconds); }
@@ -119,7 +120,8 @@ class press_engine {
     // along.
     void shift_times(double seconds);
 
-    // Other buttons from now on; those that are down and are not among them go up at `at` first.
+    // Other buttons from now on; those that are down and are not among them go up at `at` first, and no link
+    // of theirs puts another one down. Triggers before `at` are passed by then.
     void set_buttons(std::vector<button_record> buttons, double at);
     const std::vector<button_record>& buttons() const { return buttons_.all(); }
     // Null when there is none.
@@ -140,7 +142,7 @@ class press_engine {
     // `at` is seconds on the collection's clock in all that follow. False when the state did not change.
     bool press(std::string_view button, double at, const press_manner& manner = {});
     bool release(std::string_view button, double at, press_cause cause = press_cause::press, int hand = 0);
-    // All go up, whatever their options: the window closes.
+    // All go up, whatever their options, and no link puts another one down: the window closes.
     void release_all(double at);
     // The tab key: all go up but those with "ignore tab".
     void tab(double at);
@@ -225,6 +227,9 @@ class press_engine {
     void set_due(button_state& state, const markup_Button_Item& button, double from);
     void follow_playhead(double at);
     void release_due(double at);
+    void come_to(double at);
+    double reached(double at) const;
+    bool follows_triggers() const;
     void press_beside(const markup_Button_Item& button, double at, bool is_down);
     void give_up_attributes();
     struct round;
@@ -257,6 +262,8 @@ class press_engine {
     std::unique_ptr<round> round_;  // under way
     std::uint64_t rounds_ = 0;
     bool is_recording_ = false;
+    bool puts_down_ = true;           // links do
+    std::optional<double> jumps_to_;  // while the playhead's jump is followed
     struct planned_trigger {
         button_record button;  // with it
         bool is_on_record = false;

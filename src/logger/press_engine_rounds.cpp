@@ -134,8 +134,10 @@ void press_engine::note_state(const std::string& button, bool is_down) {
     if (const auto place = buttons_.place_of(button)) graph_.note_state(*place, is_down);
 }
 
-void press_engine::go_down(const button_record& pressed, double at, const press_manner& manner) {
-    if (down_.empty()) playhead_ = playhead{at, time_.seconds()};
+// What a jump of the playhead sets off begins behind the jump.
+void press_engine::go_down(const button_record& pressed, double told_at, const press_manner& manner) {
+    const double at = jumps_to_.value_or(told_at);
+    if (down_.empty()) playhead_ = playhead{reached(at), time_.seconds()};
     const std::string uuid = pressed->uuid();
     const bool is_blocked = round_->blocked.contains(uuid);
     button_state state;
@@ -145,7 +147,9 @@ void press_engine::go_down(const button_record& pressed, double at, const press_
     if (manner.cause == press_cause::presser) state.held_by = holder::presser;
     if (manner.latches) state.held_by = holder::latch;
     if (state.held_by == holder::hand) state.hands.push_back(manner.hand);
-    if (pressed->auto_up() && !pressed->delayed_up() && !manner.latches) set_due(state, *pressed, at);
+    // What puts down without ever releasing counts as released at once.
+    const bool is_timed = pressed->auto_up() && (!pressed->delayed_up() || state.held_by == holder::other);
+    if (is_timed && !manner.latches) set_due(state, *pressed, at);
     auto action = is_blocked ? std::nullopt : action_of_press(worn(pressed), state, manner);
     down_.push_back(std::move(state));
     note_state(uuid, true);
@@ -158,8 +162,8 @@ void press_engine::go_down(const button_record& pressed, double at, const press_
     event.blocked = is_blocked;
     round_->fired.insert(uuid);
     round_->add(std::move(event), pressed, std::move(action));
-    follow_links(*pressed, true, at);
-    press_beside(*pressed, at, true);
+    follow_links(*pressed, true, told_at);
+    press_beside(*pressed, told_at, true);
 }
 
 std::optional<press_action> press_engine::action_of_press(const button_record& pressed,
@@ -268,6 +272,7 @@ void press_engine::follow_link(const link_graph::link& link, const button_record
         case link_effect::set_down:
         case link_effect::toggle:
             if (link.kind->effect == (is_down_now ? link_effect::set_down : link_effect::set_up)) return;
+            if (!is_down_now && !puts_down_) return;
             if (!is_down_now) return go_down(target, at, {press_cause::link, false, std::nullopt});
             return go_up_in_round(target, at, press_cause::link, false);
         case link_effect::block:
@@ -305,7 +310,7 @@ void press_engine::press_beside(const markup_Button_Item& button, double at, boo
         const std::string uuid = pressed->uuid();
         if (!may_change(uuid) || this->is_down(uuid)) continue;
         go_down(pressed, at, {press_cause::link, false, std::nullopt});
-        if (this->is_down(uuid)) go_up_in_round(pressed, at, press_cause::link, false);
+        if (this->is_down(uuid)) go_up_in_round(pressed, jumps_to_.value_or(at), press_cause::link, false);
     }
 }
 
@@ -346,10 +351,15 @@ void press_engine::follow_playing(double at, bool runs_forwards) {
     }
 }
 
+// Where the timeline can only be read they would be on record much later.
+bool press_engine::follows_triggers() const {
+    return !settings().disable_triggers && !document_.is_read_only();
+}
+
 // Each at its own time, and auto-ups that are due before it first.
 void press_engine::pass_triggers(double at) {
     for (const auto& one : triggers_.pass(at)) {
-        if (settings().disable_triggers) continue;
+        if (!follows_triggers()) continue;
         release_due(one.at);
         const auto* found = buttons_.find(one.button);
         if (!found || is_down(one.button) == one.goes_down) continue;

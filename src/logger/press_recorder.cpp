@@ -78,6 +78,7 @@ result<std::vector<press_outcome>> press_recorder::record_first() {
     state before = keep_state();
     std::vector<press_outcome> outcomes;
     plans_triggers_ = false;
+    is_recording_ = true;
     const auto made = document_.apply_jointly(round.name, round.button, [&]() -> result<void> {
         for (const press_action& action : round.actions) {
             with_edit_.clear();
@@ -87,9 +88,11 @@ result<std::vector<press_outcome>> press_recorder::record_first() {
         }
         return {};
     });
+    is_recording_ = false;
     if (plans_triggers_) observer_.triggers_planned(made.ok());
     if (!made) {
         put_back(std::move(before));
+        lost_.clear();
         waiting_.push_front(round);
         tell_trouble(made.error());
         return made.error();

@@ -52,6 +52,8 @@ class press_recorder {
     std::optional<std::vector<press_outcome>> record(press_round round);
     result<void> record_waiting();
     std::size_t waiting() const { return waiting_.size(); }
+    // A round is under way: none may be recorded before it is done.
+    bool is_recording() const { return is_recording_; }
     // Called at every display tick: what waits is tried again, and while something is down the time is noted.
     void tick(double at, bool anything_down);
 
@@ -133,6 +135,7 @@ class press_recorder {
     std::vector<clip_attribute_ITEM> waiting_attributes_;
     std::vector<std::string> lost_;  // names of buttons whose clips are made again by the round under way
     bool plans_triggers_ = false;    // the round under way does
+    bool is_recording_ = false;
     // Changes of unsaved clips that an edit brings along, made when it is on record.
     std::vector<std::function<void()>> with_edit_;
     connection edited_;

@@ -27,7 +27,18 @@ void trigger_track::set_buttons(const std::vector<button_record>& buttons) {
 
 void trigger_track::begin(double at) {
     from_ = at;
-    is_from_passed_ = false;
+    is_from_passed_ = stopped_at_ == at;
+    stopped_at_.reset();
+}
+
+void trigger_track::stop() {
+    if (from_ && is_from_passed_) stopped_at_ = from_;
+    from_.reset();
+}
+
+void trigger_track::jump(double to) {
+    stopped_at_.reset();
+    if (from_) begin(to);
 }
 
 std::size_t trigger_track::first_from(double seconds, bool is_passed) const {
@@ -38,7 +49,7 @@ std::size_t trigger_track::first_from(double seconds, bool is_passed) const {
 }
 
 std::vector<trigger_track::passing> trigger_track::pass(double to) {
-    if (!from_ || to < *from_) return {};
+    if (!from_ || to <= *from_) return {};
     const auto first = static_cast<std::ptrdiff_t>(first_from(*from_, is_from_passed_));
     const auto last = static_cast<std::ptrdiff_t>(first_from(to, true));
     from_ = to;
@@ -54,6 +65,7 @@ std::optional<double> trigger_track::next() const {
 
 void trigger_track::shift(double seconds) {
     if (from_) *from_ += seconds;
+    if (stopped_at_) *stopped_at_ += seconds;
 }
 
 }  // namespace vistels

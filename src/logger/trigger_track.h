@@ -23,10 +23,12 @@ class trigger_track {
     // Those of other buttons from now on; what was passed stays passed.
     void set_buttons(const std::vector<button_record>& buttons);
 
-    // The playhead runs forwards from `at`, whose triggers it passes, or goes on from there after a jump.
+    // The playhead runs forwards from `at`, whose triggers it passes unless it stopped there behind them.
     void begin(double at);
     // It stands, runs backwards or is dragged: it passes none.
-    void stop() { from_.reset(); }
+    void stop();
+    // It goes on from there without passing what lies between.
+    void jump(double to);
     bool is_running() const { return from_.has_value(); }
     bool has_any() const { return !all_.empty(); }
     // What it passes on its way to `to`, in order of time, then as the buttons lie; each once.
@@ -42,7 +44,8 @@ class trigger_track {
 
     std::vector<passing> all_;  // by time
     std::optional<double> from_;
-    bool is_from_passed_ = false;  // those at that very time
+    bool is_from_passed_ = false;       // those at that very time
+    std::optional<double> stopped_at_;  // behind its triggers
 };
 
 }  // namespace vistels

@@ -52,6 +52,28 @@ class player : public ::testing::Test {
     event_player operated;
 };
 
+TEST_F(player, a_jump_while_playing_passes_no_triggers_on_its_way) {
+    markup_Button_Item button;
+    button.set_uuid("goal");
+    button.set_type(button_type::clip);
+    button.set_triggers({{8, shared_text("going down"), {}}, {12, shared_text("going up"), {}}});
+    opened->logger().set_buttons({button}, 0);
+    std::string fired;
+    const connection told =
+        opened->logger().fired.connect([&](const button_fired& one) { fired += one.is_down ? '+' : '-'; });
+    operated.play_or_pause();
+    loop.advance(1);
+    operated.seek(opened->end_seconds());
+    loop.advance(1);
+    EXPECT_EQ(fired, "");
+    operated.seek(7);
+    operated.play_or_pause();
+    loop.advance(2);
+    EXPECT_EQ(fired, "+");
+    operated.seek(20);
+    EXPECT_EQ(fired, "+-") << "the jump ends the clip";
+}
+
 // Whether a button that went down at 5 is down after it, with the end of its clip when it is not.
 TEST_F(player, a_jump_ends_what_is_coded_and_a_step_does_not) {
     const auto& all = opened->logger().buttons();

@@ -222,6 +222,19 @@ TEST_F(event, a_second_opening_cannot_write) {
         EXPECT_FALSE(second->messages().empty());
         second->playback().seek(9);
         EXPECT_FALSE(second->set_offset("A", 4));
+        // Nor do triggers press anything, to be on record when it can.
+        second->set_silenced(true);
+        second->logger().set_buttons(
+            {changed_button(second->logger().buttons()[0],
+                            [](auto& one) {
+                                one.set_triggers({{9.5, shared_text("going down"), {}}});
+                            })},
+            9);
+        second->playback().play();
+        loop.advance(1);
+        EXPECT_GT(second->playback().collection_time(), 9.5);
+        EXPECT_TRUE(second->logger().down_buttons().empty());
+        EXPECT_EQ(second->logger().unrecorded(), 0U);
     }
     EXPECT_EQ(file_bytes(folder + "/video group.plist"), record);
     EXPECT_FALSE(first->timeline().is_read_only());

@@ -131,11 +131,55 @@ TEST(links, of_an_auto_up_and_of_buttons_beside) {
     code.button('A').set_auto_up_duration(2);
     code.run("1+N 4");
     EXPECT_EQ(code.fired, "N+1 A+1(link) A-3(auto up) N-3(link)");
+    // Nobody releases it.
+    coding delayed;
+    add_links(delayed, {{'N', "ON_DOWN_SET_DOWN", 'A'}});
+    delayed.button('A').set_auto_up(true);
+    delayed.button('A').set_delayed_up(true);
+    delayed.button('A').set_auto_up_duration(2);
+    delayed.run("1+N 2-N 60");
+    EXPECT_EQ(delayed.fired, "N+1 A+1(link) N-2 A-3(auto up)");
     coding beside;
     add_links(beside, {{'A', "ON_DOWN_SET_DOWN", 'B'}});
     beside.button('A').set_next_down(true);
     beside.run("1+A");
     EXPECT_EQ(beside.fired, "A+1 B+1(link)") << "once a round";
+}
+
+std::vector<button_record> but_for(const coding& code, const std::string& names) {
+    std::vector<button_record> kept;
+    for (const auto& one : code.buttons) {
+        if (names.find(one.name()) == std::string::npos) kept.emplace_back(one);
+    }
+    return kept;
+}
+
+TEST(links, begin_behind_a_jump_and_put_nothing_down_at_the_end) {
+    coding jump;
+    add_links(jump, {{'A', "ON_UP_SET_DOWN", 'B'}});
+    jump.run("10+A 20j5 7+B 8-B 9");
+    EXPECT_EQ(jump.fired, "A+10 A-20 B+5(link) B-8");
+    EXPECT_EQ(jump.clips(), "A 10-20; B 5-8");
+    coding loop;
+    add_links(loop, {{'A', "ON_UP_SET_DOWN", 'B'}, {'B', "ON_UP_SET_DOWN", 'A'}});
+    loop.run("10+A 20l5 30l5");
+    EXPECT_EQ(loop.fired, "A+10 A-20 B+5(link) B-30 A+5(link)");
+    EXPECT_EQ(loop.clips(), "A 10-20; B 5-30; live A 5");
+    loop.engine->release_all(32);
+    EXPECT_TRUE(loop.engine->down_buttons().empty());
+    EXPECT_EQ(loop.clips(), "A 5-32 10-20; B 5-30");
+    coding timed;
+    add_links(timed, {{'A', "ON_UP_SET_DOWN", 'B'}});
+    timed.button('B').set_auto_up(true);
+    timed.button('B').set_auto_up_duration(3);
+    timed.run("10+A 20j5 9");
+    EXPECT_EQ(timed.fired, "A+10 A-20 B+5(link) B-8(auto up)");
+    coding gone;
+    add_links(gone, {{'A', "ON_UP_SET_DOWN", 'B'}, {'A', "ON_UP_SET_DOWN", 'N'}});
+    gone.run("1+A 2");
+    gone.engine->set_buttons(but_for(gone, "AB"), 3);
+    EXPECT_EQ(gone.fired, "A+1 A-3");
+    EXPECT_TRUE(gone.engine->down_buttons().empty());
 }
 
 TEST(links, set_looks_of_this_run) {
@@ -190,10 +234,80 @@ TEST(links, of_a_round_are_on_record_together_or_wait_together) {
     EXPECT_EQ(code.clips(), "A 1-2 3-4; B 3-4(Q,R)");
 }
 
-TEST(triggers, put_buttons_down_and_up_as_the_playhead_passes) {
-    const auto trigger = [](double at, const char* type) {
-        return trigger_event_ITEM{at, shared_text(type), {}};
+trigger_event_ITEM trigger(double at, const char* type) {
+    return {at, shared_text(type), {}};
+}
+
+struct playhead_at final : transport {
+    double seconds = 0;
+    double collection_time() const override { return seconds; }
+    double collection_time_at(double) const override { return seconds; }
+    bool is_playing() const override { return true; }
+    double rate() const override { return 1; }
+    void play() override {}
+    void pause() override {}
+    void set_rate(double) override {}
+    void seek(double) override {}
+};
+
+TEST(triggers, come_in_order_with_presses_between_two_ticks) {
+    const struct {
+        const char* what;
+        char button;
+        trigger_event_ITEM trigger;
+        char pressed;
+        double at;
+        const char* fired;
+    } cases[] = {
+        {"before the press", 'B', trigger(10.001, "going up"), 'B', 10.005, "B+10.005"},
+        {"and what the press does to it is later", 'B', trigger(10.001, "going down"), 'A', 10.005,
+         "B+10.001(trigger) A+10.005 B-10.005(link)"},
+        {"behind the press", 'B', trigger(10.006, "going down"), 'A', 10.005, "A+10.005 B+10.006(trigger)"},
+        {"one that a press adds is passed", 'N', trigger(30, "going down"), 'G', 10.005, "G+10.005"},
+        {"also where the press is from before the tick", 'N', trigger(30, "going down"), 'G', 9.995,
+         "G+9.995"},
     };
+    for (const auto& one : cases) {
+        coding code;
+        add_links(code, {{'A', "ON_DOWN_SET_UP", 'B'}});
+        code.button('G').set_action_link_to("id B");
+        code.button(one.button).set_triggers({one.trigger});
+        code.set_buttons();
+        code.loop.advance_to(10);
+        code.engine->follow_playing(9, true);
+        code.engine->tick(10);
+        code.engine->press(std::string("id ") + one.pressed, one.at);
+        code.engine->tick(10.016);
+        EXPECT_EQ(code.fired, one.fired) << one.what;
+    }
+    coding late;
+    late.set_buttons();
+    late.engine->follow_playing(0, true);
+    late.loop.advance_to(60);
+    late.button('B').set_triggers({trigger(10, "going down")});
+    late.engine->set_buttons(but_for(late, ""), 60);
+    late.engine->press("id N", 61);
+    EXPECT_EQ(late.fired, "N+61") << "nothing from before there was one";
+    // Pressed before a loop turned, told after it.
+    coding turned;
+    turned.button('B').set_triggers({trigger(7, "going down")});
+    turned.button('A').set_auto_up(true);
+    turned.button('A').set_auto_up_duration(3);
+    turned.set_buttons();
+    playhead_at playing;
+    turned.engine->set_transport(&playing);
+    turned.engine->follow_playing(playing.seconds = 9, true);
+    turned.engine->tick(playing.seconds = 10);
+    playing.seconds = 5;
+    turned.engine->playhead_jumped(10.01, 5, true);
+    turned.engine->press("id A", 10.005);
+    turned.engine->tick(playing.seconds = 6);
+    EXPECT_EQ(turned.fired, "A+10.005");
+    turned.engine->tick(playing.seconds = 9);
+    EXPECT_EQ(turned.fired, "A+10.005 B+7(trigger) A-13.005(auto up)");
+}
+
+TEST(triggers, put_buttons_down_and_up_as_the_playhead_passes) {
     const struct {
         const char* what;
         std::vector<std::pair<char, trigger_event_ITEM>> triggers;
@@ -210,6 +324,14 @@ TEST(triggers, put_buttons_down_and_up_as_the_playhead_passes) {
          {{'A', trigger(1, "going down")}},
          "1p 2-A 3s 3p 4",
          "A+1(trigger)"},
+        {"and not again when it goes on from there",
+         {{'N', trigger(2, "going down")}, {'N', trigger(2, "going up")}},
+         "1p 2 2s 2p 3s",
+         "N+2(trigger) N-2(trigger)"},
+        {"but when it came back to there",
+         {{'N', trigger(2, "going down")}, {'N', trigger(2, "going up")}},
+         "1p 2s 2j1 1j2 2p 3s",
+         "N+2(trigger) N-2(trigger) N+2(trigger) N-2(trigger)"},
         {"not while it stands", {{'A', trigger(2, "going down")}}, "1 3", ""},
         {"nor by a jump over it", {{'A', trigger(4, "going down")}}, "1p 3j8 9", ""},
         {"but behind a jump", {{'A', trigger(9, "going down")}}, "1p 3j8 10", "A+9(trigger)"},

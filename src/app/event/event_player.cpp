@@ -138,12 +138,8 @@ void event_player::move_to(double seconds, bool is_jump) {
     sought.emit();
 }
 
-// What is being coded ends, or goes on, with the jump.
 void event_player::go_to(double seconds, bool is_loop_turn) {
-    synchronised_playback& playback = event_->playback();
-    const double from = playback.collection_time();
-    playback.seek(seconds);
-    event_->logger().playhead_jumped(from, playback.collection_time(), is_loop_turn);
+    event_->jump(seconds, is_loop_turn);
 }
 
 void event_player::to_start() {

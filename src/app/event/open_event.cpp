@@ -371,6 +371,7 @@ void open_event::link_code_window() {
 
 void open_event::show_buttons() {
     logger_->set_buttons(code_window_->window().buttons.buttons, playback_->collection_time());
+    if (passes_triggers()) presses_->start();
 }
 
 // The engine is told the time as long as it has something to wait for.
@@ -382,7 +383,18 @@ bool open_event::passes_triggers() const {
     return playback_->is_playing() && playback_->rate() > 0 && logger_->has_triggers();
 }
 
+// A seek that ends playing does so behind the jump.
+void open_event::jump(double seconds, bool is_loop_turn) {
+    const double from = playback_->collection_time();
+    is_jumping_ = true;
+    playback_->seek(seconds);
+    is_jumping_ = false;
+    logger_->playhead_jumped(from, playback_->collection_time(), is_loop_turn);
+    follow_playing();
+}
+
 void open_event::follow_playing() {
+    if (is_jumping_) return;
     logger_->follow_playing(playback_->collection_time(), playback_->is_playing() && playback_->rate() > 0);
     if (passes_triggers()) presses_->start();
 }

@@ -89,6 +89,10 @@ class open_event {
     // and running on beyond the last clip.
     bool runs_on_clock() const;
 
+    // The playhead goes there without playing what lies between; what is being coded ends, or goes on, with
+    // it. A seek of playback() itself is a step: it ends nothing.
+    void jump(double collection_seconds, bool is_loop_turn = false);
+
     // Why a vistel, or the movie part at the present time, cannot be shown; none when all is well.
     failure problem(const std::string& vistel) const;
 
@@ -163,6 +167,7 @@ class open_event {
     double application_volume_ = 1;
     double kept_application_volume_ = 1;
     bool is_silenced_ = false;
+    bool is_jumping_ = false;
     std::vector<failure> messages_;
     std::vector<failure> alerts_;
     std::unique_ptr<what_was_read> read_;  // until begin()

@@ -48,7 +48,11 @@ class x_layout {
     // `state`: the server's modifiers, of which two bits say which layout is in use.
     QString plain(std::uint32_t key, std::uint32_t state) const {
         if (key < first_ || for_each_key_ == 0) return {};
-        std::size_t column = 2 * std::size_t((state >> 13U) & 3U);
+        // Of a third and fourth layout the server does not tell here: those columns have further levels of
+        // the first.
+        const std::size_t group = (state >> 13U) & 3U;
+        if (group > 1) return {};
+        std::size_t column = 2 * group;
         if (column >= for_each_key_) column = 0;
         const std::size_t place = (key - first_) * for_each_key_ + column;
         return place < symbols_.size() ? character_of(symbols_[place]) : QString();
