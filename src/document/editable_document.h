@@ -107,16 +107,20 @@ class editable_document {
     // Things that begin with one edit and end with another, such as a clip while its button is down, are a
     // step when they have ended.
     struct growing_things {
-        struct beginning {
-            std::string thing;           // its identifier
-            change_pointer made_for_it;  // what takes back what was made for it; null: nothing
+        bool begins = false;    // some began
+        bool gives_up = false;  // some that began with an earlier edit are gone for good
+        // What takes back what was made in a place for those that began there. The first that ends there has
+        // it in its step, which is the last of the place to be taken back.
+        struct preparation {
+            std::string place;  // its identifier
+            change_pointer back;
         };
-        std::vector<beginning> begun;
-        std::vector<std::string> ended;
-        std::vector<std::string> given_up;  // they began with an earlier edit and are gone for good
+        std::vector<preparation> prepared;
+        std::vector<std::string> cleared;  // places that went with what was given up
+        std::vector<std::string> ended;    // the places of those that ended
         // Where some began or were given up: what takes back all else of the edit; null: nothing.
         change_pointer own;
-        bool is_plain() const { return begun.empty() && given_up.empty(); }
+        bool is_plain() const { return !begins && !gives_up; }
     };
     virtual growing_things growing(const document_change& done, const document_change& back) const;
 

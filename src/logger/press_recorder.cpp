@@ -39,8 +39,8 @@ void press_recorder::follow_edit(const timeline_edit& edit) {
 struct press_recorder::state {
     std::map<std::string, growing_clip> growing;
     std::unordered_set<std::string> taken_away;
-    std::vector<running_clip> running;
-    std::vector<stamped_qualifier> last_stamped;
+    copied_on_change<std::vector<running_clip>> running;
+    copied_on_change<std::vector<stamped_qualifier>> last_stamped;
     std::vector<clip_attribute_ITEM> waiting_attributes;
 };
 
@@ -113,9 +113,9 @@ result<void> press_recorder::record_waiting() {
 void press_recorder::tick(double at, bool anything_down) {
     const double now = time_.seconds();
     if (!waiting_.empty() && now - last_retry_seconds_ >= retry_interval_seconds) (void)record_waiting();
-    if (waiting_.empty()) {
-        std::erase_if(running_, [&](const auto& one) { return one.until < at - latest_press_seconds; });
-    }
+    const auto is_over = [&](const running_clip& one) { return one.until < at - latest_press_seconds; };
+    if (waiting_.empty() && std::any_of(running_->begin(), running_->end(), is_over))
+        std::erase_if(running_.change(), is_over);
     if (!anything_down || now - last_note_seconds_ < note_interval_seconds) return;
     last_note_seconds_ = now;
     const auto noted = document_.note_time(at);
@@ -147,7 +147,7 @@ void press_recorder::shift_times(double seconds) {
     for (auto& round : waiting_) {
         for (auto& action : round.actions) action.shift(seconds);
     }
-    for (auto& one : running_) {
+    for (auto& one : running_.change()) {
         one.from += seconds;
         one.until += seconds;
     }
@@ -195,7 +195,7 @@ result<press_outcome> press_recorder::make(const press_action& action) {
         case kind::rename:
             return rename(action);
         case kind::jump:
-            running_.clear();
+            running_.set({});
             [[fallthrough]];
         case kind::forget_attributes:
             waiting_attributes_.clear();
@@ -305,14 +305,22 @@ void press_recorder::note_finish(const press_action& action, const planned_finis
             coded_.note_held(neighbour.clip->id(), neighbour.span, *held);
     }
     // Qualifiers of clips that were merged are on the one that stayed.
-    for (auto& one : last_stamped_) {
-        if (!document_.timeline().find_clip(one.clip) && !unsaved(one.clip)) one.clip = plan.clip;
+    const auto is_gone = [&](const stamped_qualifier& one) {
+        return !document_.timeline().find_clip(one.clip) && !unsaved(one.clip);
+    };
+    if (std::any_of(last_stamped_->begin(), last_stamped_->end(), is_gone)) {
+        for (auto& one : last_stamped_.change()) {
+            if (is_gone(one)) one.clip = plan.clip;
+        }
     }
-    std::erase_if(running_, [&](const auto& one) { return one.clip == plan.clip; });
-    if (pressed.span.end > action.at) running_.push_back({plan.clip, action.at, pressed.span.end});
+    std::erase_if(running_.change(), [&](const running_clip& one) {
+        return one.clip == plan.clip || one.until < action.at - latest_press_seconds;
+    });
+    if (pressed.span.end > action.at) running_.change().push_back({plan.clip, action.at, pressed.span.end});
 }
 
-// The row goes with it that was made for it, when nothing else came there.
+// The row goes with it that was made for it, when nothing else came there; else it is another's that grows
+// there.
 result<press_outcome> press_recorder::drop(const press_action& action) {
     const auto known = growing_.extract(action.clip);
     const auto place = document_.timeline().find_clip(action.clip);
@@ -329,6 +337,13 @@ result<press_outcome> press_recorder::drop(const press_action& action) {
         std::count_if(growing.begin(), growing.end(), [&](const auto& one) { return one.row == place->row; });
     if (is_made_for_it && row && row->clips().empty() && in_row == 1) {
         edit.operations.emplace_back(operation::remove_row{place->row});
+    } else if (is_made_for_it) {
+        for (const auto& one : growing) {
+            const auto other = growing_.find(one.clip->id());
+            if (one.row != place->row || other == growing_.end()) continue;
+            other->second.row_made = place->row;
+            break;
+        }
     }
     if (auto applied = apply(std::move(edit)); !applied) return applied.error();
     return press_outcome{};

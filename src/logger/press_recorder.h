@@ -18,6 +18,7 @@
 #include "logger/qualifier_reach.h"
 #include "timeline/files/timeline_document.h"
 #include "util/clock.h"
+#include "util/copied_on_change.h"
 #include "util/result.h"
 #include "util/signal.h"
 
@@ -130,8 +131,8 @@ class press_recorder {
     std::map<std::string, growing_clip> growing_;
     std::unordered_set<std::string> taken_away_;  // growing clips, by edits
     coded_clips coded_;
-    std::vector<running_clip> running_;
-    std::vector<stamped_qualifier> last_stamped_;
+    copied_on_change<std::vector<running_clip>> running_;
+    copied_on_change<std::vector<stamped_qualifier>> last_stamped_;
     std::vector<clip_attribute_ITEM> waiting_attributes_;
     std::vector<std::string> lost_;  // names of buttons whose clips are made again by the round under way
     bool plans_triggers_ = false;    // the round under way does

@@ -77,7 +77,7 @@ bool press_recorder::takes_no_qualifiers(const clip_place& place, std::optional<
 
 stamped_clips press_recorder::reach(double at) const {
     std::vector<std::string> running;
-    for (const auto& one : running_) {
+    for (const auto& one : *running_) {
         if (one.from <= at && at <= one.until && document_.timeline().find_clip(one.clip))
             running.push_back(one.clip);
     }
@@ -129,7 +129,7 @@ result<press_outcome> press_recorder::stamp(const press_action& action) {
         stamped.push_back({clip, item.uuid()});
     }
     if (auto applied = apply(std::move(edit)); !applied) return applied.error();
-    last_stamped_ = std::move(stamped);
+    last_stamped_.set(std::move(stamped));
     waiting_attributes_.clear();
     return press_outcome{made_kind::qualifier, target.clips.back(), false, false};
 }
@@ -167,14 +167,14 @@ result<press_outcome> press_recorder::add_attribute(const press_action& action) 
     press_outcome outcome;
     if (stage != attribute_stage::next) {
         auto edit = edit_of(action);
-        for (const auto& on : last_stamped_) {
+        for (const auto& on : *last_stamped_) {
             std::vector<clip_attribute_ITEM> one{attribute};
             name_anew(one);
             put_attribute(edit, on, one.front());
         }
         if (!edit.operations.empty() || !with_edit_.empty()) {
             outcome.made = made_kind::attribute;
-            outcome.clip = last_stamped_.back().clip;
+            outcome.clip = last_stamped_->back().clip;
         }
         if (auto applied = apply(std::move(edit)); !applied) return applied.error();
     }

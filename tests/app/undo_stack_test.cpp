@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "logger/coding.h"
 #include "support/opened_timeline.h"
 #include "support/temporary_folder.h"
@@ -118,6 +120,46 @@ TEST_F(undo, a_row_that_was_used_since_stays) {
     EXPECT_FALSE(has("N"));
     EXPECT_TRUE(document->timeline().row(shared_text("S")));
     EXPECT_EQ(document->timeline().live_clips().size(), 1U);
+}
+
+// Presses of buttons that share a row, alone and by links, in any order of beginning, ending and giving up.
+TEST(undo_of_presses, leaves_nothing_and_does_all_again) {
+    std::mt19937 random(5);
+    const auto below = [&](std::size_t count) { return random() % count; };
+    const std::vector<const char*> kinds{"ON_DOWN_SET_DOWN", "ON_UP_SET_UP",     "ON_DOWN_TOGGLE",
+                                         "ON_UP_TOGGLE",     "ON_ALL_UP_SET_UP", "ON_DOWN_BLOCK"};
+    const std::string names = "ABQRNXTG";
+    for (int round = 0; round < 60; ++round) {
+        testing::coding code;
+        undo_stack stack(*code.document, code.loop);
+        for (int n = 0; n < 8; ++n) {
+            auto& from = code.button(names[below(names.size())]);
+            auto links = from.action_links();
+            links.emplace_back();
+            links.back().action_TYPE = kinds[below(kinds.size())];
+            links.back().linked_button_UUID = std::string("id ") + names[below(names.size())];
+            from.set_action_links(std::move(links));
+        }
+        code.button('A').set_next_down(below(2) > 0);
+        if (below(2) > 0) code.button('B').set_action_link_to("id A");
+        if (below(4) == 0) code.button('T').set_action_link_to("id A");
+        code.set_buttons();
+        double at = 1;
+        for (int n = 0; n < 12; ++n) {
+            at += 0.02 * static_cast<double>(below(100));
+            code.loop.advance_to(at);
+            code.engine->tick(at);
+            const std::string button = std::string("id ") + names[below(names.size())];
+            below(2) > 0 ? code.engine->press(button, at) : code.engine->release(button, at);
+            if (below(9) == 0) code.engine->escape(at);
+        }
+        code.engine->release_all(at);
+        const std::string all = code.clips();
+        while (stack.can_undo()) ASSERT_TRUE(stack.undo());
+        EXPECT_EQ(code.clips(), "") << round << ": " << code.fired;
+        while (stack.can_redo()) ASSERT_TRUE(stack.redo());
+        EXPECT_EQ(code.clips(), all) << round << ": " << code.fired;
+    }
 }
 
 TEST_F(undo, a_clip_given_up_while_it_grows_is_no_step) {

@@ -110,24 +110,24 @@ property_dictionary write_undo_history(const undo_history& history) {
     property_dictionary stored;
     stored.add("undo", std::move(undo));
     stored.add("redo", std::move(redo));
-    property_array begun;
-    for (const auto& [clip, parts] : history.begun) {
+    property_array prepared;
+    for (const auto& [place, parts] : history.prepared) {
         property_dictionary one;
-        one.add("clip", clip);
+        one.add("place", place);
         one.add("operations", *write_parts("", "", parts).array("operations"));
-        begun.emplace_back(std::move(one));
+        prepared.emplace_back(std::move(one));
     }
-    if (!begun.empty()) stored.add("begun", std::move(begun));
+    if (!prepared.empty()) stored.add("prepared", std::move(prepared));
     return stored;
 }
 
 undo_history read_undo_history(const property_dictionary& stored) {
     undo_history history{read_steps(stored, "undo"), read_steps(stored, "redo"), {}};
-    if (const auto* begun = stored.array("begun")) {
-        for (const auto& value : *begun) {
+    if (const auto* prepared = stored.array("prepared")) {
+        for (const auto& value : *prepared) {
             const auto* one = value.dictionary();
             const auto edit = one ? read_edit(*one) : step_cannot_be_read();
-            if (edit) history.begun[one->text_or_empty("clip")] = parts_in(edit.value());
+            if (edit) history.prepared[one->text_or_empty("place")] = parts_in(edit.value());
         }
     }
     return history;

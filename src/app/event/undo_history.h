@@ -28,8 +28,9 @@ struct undo_step {
 struct undo_history {
     std::vector<undo_step> undo;
     std::vector<undo_step> redo;
-    // What else the edits did that began what still grows (made the rows of clips), by its identifier.
-    std::map<std::string, std::vector<document_part>> begun;
+    // What takes back what was made for things that still grow (the rows of clips), by the place: see
+    // editable_document::growing_things.
+    std::map<std::string, std::vector<document_part>> prepared;
 };
 
 property_dictionary write_undo_history(const undo_history& history);

@@ -18,9 +18,10 @@ std::shared_ptr<const std::vector<document_part>> shared(std::vector<document_pa
 
 // What of an edit begins or ends things that grow.
 struct undo_stack::growth {
-    std::map<std::string, part_list> begun;  // with what takes back what was made for it
+    bool begins = false;
+    std::map<std::string, part_list> prepared;  // by place
+    std::vector<std::string> cleared;
     std::vector<std::string> ended;
-    std::vector<std::string> given_up;
     part_list own;  // takes back the edit but for what began or was given up
 };
 
@@ -36,19 +37,18 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
     }
     if (inverse.parts.empty()) return;
     auto growing = growth_of(edit, inverse);
-    for (auto& [thing, made_for_it] : growing.begun) {
-        if (!made_for_it.empty()) begun_[thing] = std::move(made_for_it);
-    }
-    for (const auto& one : growing.given_up) begun_.erase(one);
+    for (const auto& place : growing.cleared) prepared_.erase(place);
+    for (auto& [place, made_there] : growing.prepared)
+        prepared_[place] = joined(std::move(prepared_[place]), made_there);
     if (growing.own.empty() && growing.ended.empty()) {
-        if (!growing.begun.empty()) redo_.clear();
+        if (growing.begins) redo_.clear();
         forget_void_steps();
         changed.emit();
         return;
     }
     part_list back = std::move(growing.own);
     for (const auto& ended : growing.ended) {
-        if (auto begun = begun_.extract(ended)) back = joined(std::move(begun.mapped()), back);
+        if (auto made_there = prepared_.extract(ended)) back = joined(std::move(made_there.mapped()), back);
     }
     const double now = loop_.time().seconds();
     if (joins_last(edit, now)) {
@@ -80,11 +80,10 @@ undo_stack::growth undo_stack::growth_of(const document_edit& edit, const docume
         }
         auto found = document->growing(*part->change, *back.change);
         all.ended.insert(all.ended.end(), found.ended.begin(), found.ended.end());
-        for (const auto& one : found.begun) {
-            part_list& made_for_it = all.begun[one.thing];
-            if (one.made_for_it) made_for_it.push_back({back.document, one.made_for_it, nullptr});
-        }
-        all.given_up.insert(all.given_up.end(), found.given_up.begin(), found.given_up.end());
+        all.begins = all.begins || found.begins;
+        for (const auto& one : found.prepared)
+            all.prepared[one.place].push_back({back.document, one.back, nullptr});
+        all.cleared.insert(all.cleared.end(), found.cleared.begin(), found.cleared.end());
         if (found.is_plain()) {
             all.own.push_back(back);
         } else if (found.own) {
@@ -173,7 +172,7 @@ void undo_stack::forget_void_steps() {
 void undo_stack::restore(undo_history history) {
     undo_ = std::move(history.undo);
     redo_ = std::move(history.redo);
-    begun_ = std::move(history.begun);
+    prepared_ = std::move(history.prepared);
     forget_void_steps();
     changed.emit();
 }
@@ -201,7 +200,7 @@ void undo_stack::forget_redo() {
 void undo_stack::clear() {
     undo_.clear();
     redo_.clear();
-    begun_.clear();
+    prepared_.clear();
     changed.emit();
 }
 

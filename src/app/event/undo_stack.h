@@ -52,7 +52,7 @@ class undo_stack {
     void forget_redo();
 
     // The steps as they are now, at little cost; kept when the timeline is saved.
-    undo_history history() const { return {undo_, redo_, begun_}; }
+    undo_history history() const { return {undo_, redo_, prepared_}; }
     // Takes over steps that were kept. The timeline must be in the state to which they belong.
     void restore(undo_history history);
     // Adds an edit that was done before this stack was connected.
@@ -84,8 +84,8 @@ class undo_stack {
     const run_loop& loop_;
     std::vector<step> undo_;
     std::vector<step> redo_;
-    std::map<std::string, part_list> begun_;  // see undo_history
-    std::optional<document_edit> moved_;      // the inverse that comes while a step is taken back
+    std::map<std::string, part_list> prepared_;  // see undo_history
+    std::optional<document_edit> moved_;         // the inverse that comes while a step is taken back
     bool is_moving_ = false;
     int group_depth_ = 0;
     bool group_has_step_ = false;

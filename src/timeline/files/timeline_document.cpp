@@ -324,12 +324,23 @@ std::optional<document_part> timeline_document::joined(const document_part& earl
     return document_part{later.document, timeline_change_of(std::move(both)), nullptr};
 }
 
+// The row of a clip that just ended; where it was joined with another, as what takes that back says.
+std::string timeline_document::row_of_ended(const std::string& clip,
+                                            const std::vector<operation::any>& back) const {
+    if (const auto place = timeline_.find_clip(clip)) return place->row.str();
+    for (const auto& any : back) {
+        const auto* insert = std::get_if<operation::insert_clip>(&any);
+        if (insert && insert->clip->id() == clip) return insert->row.str();
+    }
+    return {};
+}
+
 // Of several edits in one a clip may begin and end together; what takes back either takes the clip away.
 timeline_document::growing_things timeline_document::growing(const document_change& done,
                                                              const document_change& back) const {
     growing_things found;
-    std::map<std::string, shared_text> begun;     // with their rows
-    std::map<std::string, shared_text> given_up;  // the same
+    clips_in_rows begun;
+    clips_in_rows given_up;
     std::unordered_set<shared_text> rows_with_others;
     for (const auto& any : operations_in(done)) {
         if (const auto* begin = std::get_if<operation::begin_clip>(&any))
@@ -337,7 +348,7 @@ timeline_document::growing_things timeline_document::growing(const document_chan
         if (const auto* insert = std::get_if<operation::insert_clip>(&any))
             rows_with_others.insert(insert->row);
         if (const auto* finish = std::get_if<operation::finish_clip>(&any)) {
-            found.ended.push_back(finish->clip);
+            found.ended.push_back(row_of_ended(finish->clip, operations_in(back)));
             if (const auto row = begun.extract(finish->clip)) rows_with_others.insert(row.mapped());
         }
     }
@@ -345,27 +356,36 @@ timeline_document::growing_things timeline_document::growing(const document_chan
         if (const auto* begin = std::get_if<operation::begin_clip>(&any))
             given_up.emplace(begin->clip->id(), begin->row);
     }
-    for (const auto& [clip, row] : given_up) found.given_up.push_back(clip);
-    if (begun.empty() && given_up.empty()) return found;
+    found.begins = !begun.empty();
+    found.gives_up = !given_up.empty();
+    if (found.is_plain()) return found;
+    clips_in_rows came_and_went;
+    for (const auto& one : begun) {
+        if (given_up.contains(one.first)) came_and_went.insert(one);
+    }
+    for (const auto& [clip, row] : came_and_went) {
+        begun.erase(clip);
+        given_up.erase(clip);
+    }
     // The clips themselves are left out: the end of one that began takes it back.
     std::unordered_map<shared_text, std::vector<operation::any>> of_row;
     std::vector<operation::any> own;
     for (const auto& any : operations_in(back)) {
-        if (is_of_clips(any, begun, given_up)) continue;
+        if (is_of_clips(any, begun, given_up) || is_of_clips(any, came_and_went, came_and_went)) continue;
         const shared_text row = row_of(any);
         const auto is_there = [&](const auto& clips) {
             return !rows_with_others.contains(row) &&
                    std::any_of(clips.begin(), clips.end(),
                                [&](const auto& one) { return one.second == row; });
         };
-        if (!row.empty() && is_there(given_up)) continue;
+        if (!row.empty() && is_there(given_up)) {
+            if (std::holds_alternative<operation::insert_row>(any)) found.cleared.push_back(row.str());
+            continue;
+        }
         (!row.empty() && is_there(begun) ? of_row[row] : own).push_back(any);
     }
-    for (const auto& [clip, row] : begun) {
-        auto back_of_row = of_row.extract(row);
-        found.begun.push_back(
-            {clip, back_of_row ? timeline_change_of(std::move(back_of_row.mapped())) : nullptr});
-    }
+    for (auto& [row, back_there] : of_row)
+        found.prepared.push_back({row.str(), timeline_change_of(std::move(back_there))});
     if (!own.empty()) found.own = timeline_change_of(std::move(own));
     return found;
 }

@@ -108,6 +108,7 @@ class timeline_document : public recorded_document {
     result<known_file> read_data(files_read& read, const failure& not_locked, std::vector<failure>& messages);
     result<void> read_header(files_read& read, std::vector<failure>& messages);
     void finish_growing(const char* name);
+    std::string row_of_ended(const std::string& clip, const std::vector<operation::any>& back) const;
     struct joint_edit;
     result<void> make_jointly(timeline_edit edit);
     void tell_of(timeline_edit edit, timeline_edit inverse, change_set touched);
