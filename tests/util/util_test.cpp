@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
 #include <atomic>
+#include <set>
 #include <thread>
 
 #include "util/colour_text.h"
@@ -13,6 +18,7 @@
 #include "util/shared_text.h"
 #include "util/signal.h"
 #include "util/simulated_run_loop.h"
+#include "util/uuid.h"
 
 namespace vistels {
 namespace {
@@ -205,6 +211,32 @@ TEST(signal, observers_may_come_and_go_while_it_is_emitted) {
     EXPECT_EQ(heard, (std::vector<std::string>{"first 1"}));
     emitted.emit(2);
     EXPECT_EQ(heard, (std::vector<std::string>{"first 1", "first 2", "late 2"}));
+}
+
+TEST(uuids, are_random_and_never_twice_in_threads_and_in_what_is_forked_off) {
+    std::set<std::string> all;
+    const auto add = [&](const std::string& one) {
+        EXPECT_TRUE(all.insert(one).second) << one;
+        EXPECT_EQ(one.size(), 36U);
+        EXPECT_TRUE(one[14] == '4' && std::string("89AB").find(one[19]) != std::string::npos) << one;
+    };
+    for (int n = 0; n < 100; ++n) add(new_uuid());
+    std::string of_thread;
+    std::thread([&] { of_thread = new_uuid(); }).join();
+    add(of_thread);
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        const std::string one = new_uuid();
+        ::_exit(::write(ends[1], one.data(), one.size()) == 36 ? 0 : 1);
+    }
+    std::string of_child(36, ' ');
+    EXPECT_EQ(::read(ends[0], of_child.data(), of_child.size()), 36);
+    ::waitpid(child, nullptr, 0);
+    for (const int end : ends) ::close(end);
+    add(of_child);
+    add(new_uuid());
 }
 
 TEST(run_loops, run_timers_at_their_times_and_posted_work_from_other_threads) {
