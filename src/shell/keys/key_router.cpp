@@ -32,8 +32,8 @@ std::uint64_t physical_key(const QKeyEvent& event) {
 }
 
 // Longer than the two halves of a repeat are apart, shorter than anyone notices; the release counts from its
-// own time stamp all the same.
-constexpr int pending_milliseconds = 12;
+// own time stamp all the same. With what a timer takes longer, which is up to a millisecond, 12.
+constexpr int pending_milliseconds = 11;
 
 bool is_arrow(const QKeyEvent& event) {
     return event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
