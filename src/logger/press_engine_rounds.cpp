@@ -343,7 +343,7 @@ void press_engine::take_triggers(bool is_recorded) {
 }
 
 void press_engine::follow_playing(double at, bool runs_forwards) {
-    pass_triggers(at);
+    if (runs_forwards || triggers_.is_before(at)) pass_triggers(at);
     if (!runs_forwards) {
         triggers_.stop();
     } else if (!triggers_.is_running()) {

@@ -49,7 +49,7 @@ std::size_t trigger_track::first_from(double seconds, bool is_passed) const {
 }
 
 std::vector<trigger_track::passing> trigger_track::pass(double to) {
-    if (!from_ || to <= *from_) return {};
+    if (!from_ || to < *from_) return {};
     const auto first = static_cast<std::ptrdiff_t>(first_from(*from_, is_from_passed_));
     const auto last = static_cast<std::ptrdiff_t>(first_from(to, true));
     from_ = to;

@@ -31,6 +31,8 @@ class trigger_track {
     void jump(double to);
     bool is_running() const { return from_.has_value(); }
     bool has_any() const { return !all_.empty(); }
+    // It has run on to `at`, and has not passed all up to there yet.
+    bool is_before(double at) const { return from_ && *from_ < at; }
     // What it passes on its way to `to`, in order of time, then as the buttons lie; each once.
     std::vector<passing> pass(double to);
     // The next one that it comes to.
