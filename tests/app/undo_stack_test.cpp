@@ -134,11 +134,8 @@ TEST(undo_of_presses, leaves_nothing_and_does_all_again) {
         undo_stack stack(*code.document, code.loop);
         for (int n = 0; n < 8; ++n) {
             auto& from = code.button(names[below(names.size())]);
-            auto links = from.action_links();
-            links.emplace_back();
-            links.back().action_TYPE = kinds[below(kinds.size())];
-            links.back().linked_button_UUID = std::string("id ") + names[below(names.size())];
-            from.set_action_links(std::move(links));
+            const char* const kind = kinds[below(kinds.size())];
+            testing::add_link(from, kind, std::string(1, names[below(names.size())]));
         }
         code.button('A').set_next_down(below(2) > 0);
         if (below(2) > 0) code.button('B').set_action_link_to("id A");

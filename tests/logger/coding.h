@@ -46,6 +46,19 @@ inline markup_Button_Item clip_button_of(const std::string& name, const clip_rul
     return button;
 }
 
+inline void add_link(markup_Button_Item& from, const char* code, const std::string& to) {
+    auto all = from.action_links();
+    all.emplace_back();
+    all.back().action_TYPE = code;
+    all.back().linked_button_UUID = "id " + to;
+    from.set_action_links(std::move(all));
+}
+inline void add_trigger(markup_Button_Item& button, double at, const char* type) {
+    auto all = button.triggers();
+    all.push_back({at, shared_text(type), {}});
+    button.set_triggers(std::move(all));
+}
+
 // "Q,R[X]": the qualifiers of a clip with their attributes.
 inline std::string qualifiers_text(const sxy_CLIP& clip) {
     std::string names;

@@ -18,14 +18,7 @@ struct one_link {
 };
 
 void add_links(coding& code, const std::vector<one_link>& links) {
-    for (const auto& one : links) {
-        auto all = code.button(one.from).action_links();
-        markup_Button_Action_Link_ITEM link;
-        link.action_TYPE = one.code;
-        link.linked_button_UUID = std::string("id ") + one.to;
-        all.push_back(link);
-        code.button(one.from).set_action_links(std::move(all));
-    }
+    for (const auto& one : links) testing::add_link(code.button(one.from), one.code, std::string(1, one.to));
 }
 
 TEST(links, fire_in_their_order_and_each_button_once_in_a_round) {
@@ -340,11 +333,8 @@ TEST(triggers, put_buttons_down_and_up_as_the_playhead_passes) {
     };
     for (const auto& one : cases) {
         coding code;
-        for (const auto& [name, added] : one.triggers) {
-            auto all = code.button(name).triggers();
-            all.push_back(added);
-            code.button(name).set_triggers(all);
-        }
+        for (const auto& [name, added] : one.triggers)
+            testing::add_trigger(code.button(name), added.trigger_Time, added.trigger_Type.str().c_str());
         code.run(one.script);
         EXPECT_EQ(code.fired, one.fired) << one.what;
     }

@@ -20,7 +20,27 @@ using testing::without_rounding;
 constexpr int presses = 400;
 constexpr double press_seconds = 0.02;
 
-std::vector<button_record> storm_buttons() {
+// With links and triggers in every second storm.
+void link_some(std::vector<markup_Button_Item>& buttons) {
+    const auto button = [&](char name) -> markup_Button_Item& {
+        return *std::find_if(buttons.begin(), buttons.end(),
+                             [&](const auto& one) { return one.name() == std::string(1, name); });
+    };
+    const struct {
+        char from;
+        const char* code;
+        const char* to;
+    } links[] = {
+        {'A', "ON_DOWN_SET_DOWN", "Q"},     {'A', "ON_UP_SET_UP", "Q"},         {'B', "ON_DOWN_SET_UP", "A"},
+        {'C', "ON_DOWN_BLOCK", "E"},        {'C', "ON_DOWN_TOGGLE", "E"},       {'D', "ON_UP_SET_DOWN", "F"},
+        {'E', "ON_ALL_DOWN_SET_DOWN", "R"}, {'F', "ON_ALL_DOWN_SET_DOWN", "R"}, {'F', "ON_UP_BLOCK", "B"},
+        {'F', "ON_UP_TOGGLE", "B"},         {'R', "ON_UP_SET_DOWN", "X"},       {'X', "ON_DOWN_TOGGLE", "Y"}};
+    for (const auto& one : links) testing::add_link(button(one.from), one.code, one.to);
+    for (int n = 0; n < 40; ++n)
+        testing::add_trigger(button("BFAQC"[n % 5]), 18 + 0.3 * n, n % 3 != 0 ? "going down" : "going up");
+}
+
+std::vector<button_record> storm_buttons(bool is_linked) {
     struct row {
         const char* name;
         testing::clip_rules rules;
@@ -28,17 +48,15 @@ std::vector<button_record> storm_buttons() {
     const row clips[] = {{"A", {5, 3, true, false, false, 0}},   {"B", {0.5, 0.1, false, false, false, 0}},
                          {"C", {2, 2, true, false, true, 0}},    {"D", {0.3, 0.3, false, true, false, 0}},
                          {"E", {1, 0, false, false, true, 0.7}}, {"F", {0, 0.2, false, false, false, 0.25}}};
-    std::vector<button_record> all;
-    for (const row& one : clips) {
-        all.emplace_back(testing::clip_button_of(one.name, one.rules));
-    }
-    for (const char* name : {"Q", "R"}) all.emplace_back(button_of(name, button_type::qualifier));
+    std::vector<markup_Button_Item> all;
+    for (const row& one : clips) all.push_back(testing::clip_button_of(one.name, one.rules));
+    for (const char* name : {"Q", "R"}) all.push_back(button_of(name, button_type::qualifier));
     for (const char* name : {"X", "Y"}) {
-        auto attribute = button_of(name, button_type::attribute);
+        auto& attribute = all.emplace_back(button_of(name, button_type::attribute));
         attribute.set_stage(*name == 'X' ? attribute_stage::last : attribute_stage::next);
-        all.emplace_back(std::move(attribute));
     }
-    return all;
+    if (is_linked) link_some(all);
+    return {all.begin(), all.end()};
 }
 
 // Row, start and qualifiers with their times.
@@ -88,7 +106,8 @@ class storm {
         if (!opened) std::abort();
         document_ = std::move(opened).value();
         engine_ = std::make_unique<press_engine>(*document_, loop_.time());
-        engine_->set_buttons(storm_buttons(), 0);
+        engine_->set_buttons(storm_buttons(seed % 2 == 1), 0);
+        engine_->follow_playing(at_, true);
     }
 
     timeline_document& document() { return *document_; }
@@ -109,6 +128,7 @@ class storm {
             if (below(40) == 0) document_->save_soon();
             if (below(80) == 0) (void)document_->save_now();
         }
+        engine_->follow_playing(at_, false);
         engine_->release_all(at_);
     }
     // There is room now, and time for what waits to be tried again.
