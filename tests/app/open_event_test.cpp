@@ -54,6 +54,9 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
         opened->playback().seek(12.25);
         EXPECT_TRUE(opened->set_offset("A", 2));
     }
+    const std::string log = file_bytes(home / "Home Folder.VVault/System/vistels presses.txt");
+    EXPECT_NE(log.find(" down at 5\n"), std::string::npos) << log;
+    EXPECT_NE(log.find(" up at 7: clip\n"), std::string::npos) << log;
     const auto opened = open();
     EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
     EXPECT_EQ(opened->playback().collection_time(), 10.25);  // on its frame of "B"

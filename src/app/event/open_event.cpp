@@ -155,6 +155,7 @@ void open_event::begin_presses(what_was_read& read) {
     logger_->set_button_planner(
         [this](const button_record& changed) { return plan_button(code_window_->window(), changed); });
     playing_ = playback_->state_changed.connect([this] { follow_playing(); });
+    press_log_ = std::make_unique<press_log>(*logger_, places_, name(), loop_);
     fired_ = logger_->fired.connect([this](const button_fired&) { follow_presses(); });
     made_again_ = logger_->made_again.connect([this](const std::string& button) {
         log_line(places_, "The clip of \"" + button + "\" was missing when its button went up in \"" +

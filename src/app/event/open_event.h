@@ -8,6 +8,7 @@
 
 #include "app/event/clip_view.h"
 #include "app/event/collection_changes.h"
+#include "app/event/press_log.h"
 #include "app/event/undo_stack.h"
 #include "app/settings/places.h"
 #include "logger/code_window_document.h"
@@ -185,6 +186,7 @@ class open_event {
     std::vector<playback_vistel> fed_vistels_;
     std::string fed_sound_;
     std::unique_ptr<press_engine> logger_;
+    std::unique_ptr<press_log> press_log_;
     std::unique_ptr<undo_stack> undo_;
     const std::shared_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
