@@ -26,6 +26,11 @@ inline constexpr failure_of<> script_event_does_nothing{
     "script event does nothing", "has no \"down\", \"up\", \"tab\" or \"end\" under \"do\"."};
 inline constexpr failure_of<a_text> script_event_has_no_button{"script event has no button",
                                                                "names a button that is not there: \"%1\"."};
+inline constexpr failure_of<a_text, a_cause> script_line_is_wrong{"script line is wrong", "Line %1 %2"};
+inline constexpr failure_of<> script_line_has_no_time{"script line has no time",
+                                                      "does not begin with a time in seconds."};
+inline constexpr failure_of<> script_line_does_nothing{
+    "script line does nothing", "does not end with \"down\", \"up\", \"tab\" or \"end\"."};
 inline constexpr failure_of<> script_events_do_not_ascend{
     "script events do not ascend", "comes before the one before it; the times must ascend."};
 

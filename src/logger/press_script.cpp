@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "logger/logger_failures.h"
+#include "util/text_forms.h"
 
 namespace vistels {
 
@@ -52,7 +54,68 @@ result<press_step> read_step(const property_value& value, const std::vector<butt
     return step;
 }
 
+// Without what surrounds it.
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// "12.5 Goal down"
+result<press_step> read_line(std::string_view line, const std::vector<button_record>& buttons) {
+    const auto time_end = std::min(line.find_first_of(" \t"), line.size());
+    const auto what_begin = line.find_last_of(" \t");
+    const auto at = number_from_text(line.substr(0, time_end));
+    if (!at || !std::isfinite(*at)) return script_line_has_no_time();
+    if (std::abs(*at) > most_seconds) return script_event_is_too_late();
+    const auto what = what_begin == std::string_view::npos
+                          ? std::nullopt
+                          : kind_named(std::string(line.substr(what_begin + 1)));
+    if (!what) return script_line_does_nothing();
+    press_step step{*at, *what, {}};
+    const std::string named(trimmed(line.substr(time_end, what_begin + 1 - time_end)));
+    const bool has_button = *what == press_step::kind::down || *what == press_step::kind::up;
+    if (!has_button) return step;
+    const auto* button = find_button(buttons, named);
+    if (!button) return script_event_has_no_button(named);
+    step.button = button->uuid();
+    return step;
+}
+
 }  // namespace
+
+result<std::vector<press_step>> read_press_lines(const std::string& text,
+                                                 const std::vector<button_record>& buttons) {
+    std::vector<press_step> steps;
+    std::size_t number = 0;
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const auto end = std::min(text.find('\n', begin), text.size());
+        const auto line = trimmed(std::string_view(text).substr(begin, end - begin));
+        begin = end + 1;
+        ++number;
+        if (line.empty()) continue;
+        auto step = read_line(line, buttons);
+        if (!step) return script_line_is_wrong(number, step.error());
+        if (!steps.empty() && step.value().at < steps.back().at)
+            return script_line_is_wrong(number, script_events_do_not_ascend());
+        steps.push_back(std::move(step).value());
+    }
+    return steps;
+}
+
+std::string press_lines(const std::vector<button_record>& buttons, double first) {
+    constexpr double held_seconds = 2;
+    constexpr double apart_seconds = 5;
+    std::string text;
+    for (const auto& button : buttons) {
+        for (const bool is_down : {true, false}) {
+            append_shortest(text, is_down ? first : first + held_seconds);
+            text += " " + button->name() + (is_down ? " down\n" : " up\n");
+        }
+        first += apart_seconds;
+    }
+    return text;
+}
 
 result<std::vector<press_step>> read_press_script(const property_value& document,
                                                   const std::vector<button_record>& buttons,

@@ -27,6 +27,13 @@ result<std::vector<press_step>> read_press_script(const property_value& document
                                                   const std::vector<button_record>& buttons,
                                                   const std::string& path);
 
+// The same from lines as a person writes them: "12.5 Goal down", "14 Goal up", "15 tab", "20 end", the time
+// in seconds; empty lines are passed over. A failure names the line.
+result<std::vector<press_step>> read_press_lines(const std::string& text,
+                                                 const std::vector<button_record>& buttons);
+// A script that presses each of the buttons for two seconds, one after the other from `first` on.
+std::string press_lines(const std::vector<button_record>& buttons, double first);
+
 // Runs the steps, up to the end or the first that says so, on the loop's clock, which stands at the first
 // step's time when it begins; the engine goes by that clock. Buttons go up by themselves when their time has
 // come. Returns when it ended, on the collection's clock.

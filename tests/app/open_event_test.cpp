@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/vaults/home_vault.h"
 
+#include "app/event/dry_run.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -182,6 +184,41 @@ TEST_F(event, the_history_of_another_file_is_not_used) {
     auto bytes = file_bytes(folder + "/chron data.plist");
     put_file(folder + "/chron data.plist", bytes + "\n");
     EXPECT_FALSE(open()->undo().can_undo());
+}
+
+TEST_F(event, a_dry_run_tells_what_presses_would_set_off_and_changes_nothing) {
+    const auto opened = open();
+    code(*opened, 4, 6);
+    markup_Button_Item second = clip_button(*opened);
+    second.set_uuid("second");
+    second.set_name("Corner kick");
+    const auto& first = clip_button(*opened);
+    dry_run wanted;
+    wanted.timeline = opened->timeline().snapshot();
+    wanted.buttons = {
+        changed_button(opened->logger().buttons()[0],
+                       [](auto& one) {
+                           one.set_action_links({{"ON_DOWN_SET_DOWN", {}, "second", "", "", {}}});
+                       }),
+        second};
+    const auto steps = read_press_lines(
+        " 5  " + first.name() + " down \n\n6.5\t" + first.name() + " up\n7 tab", wanted.buttons);
+    ASSERT_TRUE(steps) << steps.message();
+    wanted.steps = steps.value();
+    const auto outcome = run_dry(wanted, home / "dry");
+    ASSERT_TRUE(outcome) << outcome.message();
+    std::string told;
+    for (const auto& one : outcome.value()) told += fired_text(one) + "\n";
+    EXPECT_EQ(told, first.name() + " down at 5\nCorner kick down at 5 (link)\n" + first.name() +
+                        " up at 6.5: clip\nCorner kick up at 7 (tab): clip\n");
+    EXPECT_EQ(opened->timeline().timeline().clip_count(), 1U);
+    EXPECT_TRUE(fs::is_empty(home / "dry"));
+    const auto is_wrong = [&](const char* line) { return read_press_lines(line, wanted.buttons).message(); };
+    EXPECT_EQ(is_wrong("1 tab\nGoal down"), "Line 2 does not begin with a time in seconds.");
+    EXPECT_EQ(is_wrong("1"), "Line 1 does not end with \"down\", \"up\", \"tab\" or \"end\".");
+    EXPECT_EQ(is_wrong("1 Corner down"), "Line 1 names a button that is not there: \"Corner\".");
+    EXPECT_EQ(is_wrong("2 tab\n1 tab"), "Line 2 comes before the one before it; the times must ascend.");
+    EXPECT_EQ(press_lines({second}, 3), "3 Corner kick down\n5 Corner kick up\n");
 }
 
 TEST_F(event, closing_releases_what_is_down) {

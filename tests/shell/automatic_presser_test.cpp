@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QDoubleSpinBox>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QSpinBox>
@@ -119,6 +120,31 @@ TEST_F(automatic_pressing, is_told_as_long_as_it_lasts_and_stopped_from_there) {
     choose(window, false);
     EXPECT_NE(messages(window).headline(), notice);
     EXPECT_FALSE(stored().presses_buttons);
+    quit();
+}
+
+TEST_F(automatic_pressing, is_tried_out_before_by_a_script_that_changes_nothing) {
+    start({in_vault("First half")});
+    main_window* window = set->front();
+    const auto clips = window->session().shown_event()->timeline().timeline().clip_count();
+    window->actions()[command::dry_run]->trigger();
+    const QPointer<QDialog> tried = window->findChild<QDialog*>(QStringLiteral("dry_run"));
+    ASSERT_TRUE(tried);
+    auto* script = tried->findChild<QPlainTextEdit*>(QStringLiteral("dry_run.script"));
+    auto* outcome = tried->findChild<QPlainTextEdit*>(QStringLiteral("dry_run.outcome"));
+    const auto press = [&](const char* name) {
+        QTest::mouseClick(tried->findChild<QPushButton*>(QString::fromLatin1(name)), Qt::LeftButton);
+    };
+    press("dry_run.run");
+    EXPECT_TRUE(comes_true([&] { return outcome->toPlainText().contains(QStringLiteral(": clip")); }))
+        << outcome->toPlainText().toStdString();
+    script->appendPlainText(QStringLiteral("later"));
+    press("dry_run.run");
+    EXPECT_EQ(outcome->toPlainText(), QStringLiteral("Line 4 does not begin with a time in seconds."));
+    EXPECT_EQ(window->session().shown_event()->timeline().timeline().clip_count(), clips);
+    EXPECT_TRUE(engine(window).down_buttons().empty());
+    press("dry_run.close");
+    EXPECT_TRUE(comes_true([&] { return !tried; }));
     quit();
 }
 

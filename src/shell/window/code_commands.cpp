@@ -3,6 +3,9 @@
 
 #include <QAction>
 #include <QInputDialog>
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "app/event/open_event.h"
@@ -11,14 +14,17 @@
 #include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
 #include "shell/event/presser_binder.h"
+#include "shell/window/dry_run_panel.h"
 #include "shell/window/presser_panel.h"
 #include "shell/window/window_actions.h"
+#include "video/synchronised_playback.h"
 
 namespace vistels {
 
 namespace {
 
 constexpr double longest_margin_seconds = 600;
+constexpr std::size_t most_buttons_in_script = 12;
 
 presser_binder& add_presser(event_session& session) {
     auto made = std::make_unique<presser_binder>(session);
@@ -55,6 +61,7 @@ code_commands::code_commands(QWidget& window, window_actions& actions, event_ses
     sets(command::dont_save_live_clips, &press_settings::dont_save_live_clips);
     sets(command::disable_triggers, &press_settings::disable_triggers);
     on(command::press_automatically, [this] { ask_presser(); });
+    on(command::dry_run, [this] { ask_dry_run(); });
     show_settings();
 }
 
@@ -132,6 +139,34 @@ void code_commands::ask_presser() {
         choose_presser(coming, presses_here);
     });
     asked->open();
+}
+
+// The script that is there at first presses all buttons with links, or else the first button.
+void code_commands::ask_dry_run() {
+    open_event* const event = session_.shown_event();
+    if (!event) return;
+    const auto& buttons = event->logger().buttons();
+    std::vector<button_record> first;
+    std::copy_if(buttons.begin(), buttons.end(), std::back_inserter(first),
+                 [](const auto& one) { return !one->action_links().empty(); });
+    if (first.empty() && !buttons.empty()) first.push_back(buttons.front());
+    first.resize(std::min(first.size(), most_buttons_in_script));
+    const double now = std::floor(event->playback().collection_time());
+    const auto wanted = [this] {
+        dry_run run;
+        open_event* const open = session_.shown_event();
+        if (!open) return run;
+        run.timeline = open->timeline().snapshot();
+        run.buttons = open->logger().buttons();
+        run.settings = settings_;
+        run.earliest_seconds = open->playback().first_time();
+        return run;
+    };
+    if (!dry_runs_) dry_runs_ = std::make_unique<serial_queue>("dry runs");
+    auto* panel = new dry_run_panel(wanted, press_lines(first, now), {}, places_.temporary_folder(),
+                                    session_.loop(), *dry_runs_, &window_);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->open();
 }
 
 void code_commands::show_settings() {

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
 
 #include "app/settings/code_window_settings.h"
 #include "app/settings/places.h"
 #include "logger/press_settings.h"
+#include "util/serial_queue.h"
 #include "util/signal.h"
 
 class QWidget;
@@ -44,6 +46,7 @@ class code_commands : public QObject {
     void choose(const press_settings& settings);
     void ask_margin();
     void ask_presser();
+    void ask_dry_run();
     void turn_presser_off();
     void choose_presser(const test_press_settings& settings, bool presses_here);
     void take_presser(const test_press_settings& settings, bool presses_here);
@@ -57,6 +60,7 @@ class code_commands : public QObject {
     test_press_settings presser_settings_;  // on: in some window
     presser_binder& presser_;
     connection pressing_ended_;
+    std::unique_ptr<serial_queue> dry_runs_;  // made when the first is wanted
 };
 
 }  // namespace vistels

@@ -101,6 +101,8 @@ constexpr action_line action_lines[] = {
      "The playhead passes triggers of buttons without pressing them", false, true},
     {command::press_automatically, "Code", "press_automatically", "Press Buttons Automatically…", "",
      "Press buttons of the code window at random, to try it out", true, false, true},
+    {command::dry_run, "Code", "dry_run", "Dry Run…", "", "Try out on a copy what presses of buttons set off",
+     true},
     {command::zoom_in, "Timeline", "zoom_in", "Zoom In",
      "Ctrl++ Ctrl+=", "Show less of the timeline, larger"},
     {command::zoom_out, "Timeline", "zoom_out", "Zoom Out", "Ctrl+-", "Show more of the timeline"},

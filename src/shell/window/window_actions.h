@@ -60,6 +60,7 @@ enum class command {
     dont_save_live_clips,
     disable_triggers,
     press_automatically,
+    dry_run,
     zoom_in,
     zoom_out,
     zoom_fit,
