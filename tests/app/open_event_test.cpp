@@ -7,7 +7,10 @@
 
 #include <filesystem>
 
+#include "app/event/button_outputs.h"
+#include "logger/code_window_change.h"
 #include "support/opened_event.h"
+#include "support/run_until.h"
 #include "support/stored_event.h"
 #include "support/temporary_folder.h"
 #include "util/safe_write.h"
@@ -65,6 +68,27 @@ TEST_F(event, what_is_coded_is_there_after_reopening) {
     EXPECT_EQ(opened->start_seconds(), -2);
     EXPECT_NE(opened->logger().button(button), nullptr);  // the same code window
     EXPECT_EQ(opened->timeline().header().linked_collection, opened->collection().uuid());
+}
+
+TEST_F(event, buttons_show_what_their_formulas_count) {
+    const auto opened = open();
+    const std::string uuid = clip_button(*opened).uuid();
+    const auto shows = [&](const std::string& text) {
+        return testing::comes_about(loop, [&] { return opened->outputs().text_of(uuid) == text; });
+    };
+    const button_record counting = changed_button(*opened->logger().buttons().begin(), [](auto& button) {
+        button.set_formula({"[RN]\"" + button.name() + "\"", "last time", "count", "", false, {}});
+    });
+    ASSERT_EQ(counting->uuid(), uuid);
+    auto part = plan_button(opened->code_window_file().window(), counting);
+    ASSERT_TRUE(part && opened->timeline().make({"Formula", "", {*part}}));
+    EXPECT_EQ(opened->outputs().text_of(uuid), "last time") << "before it is counted";
+    EXPECT_TRUE(shows("0"));
+    code(*opened, 5, 7);
+    code(*opened, 8, 9);
+    EXPECT_TRUE(shows("2"));
+    ASSERT_TRUE(opened->undo().undo());
+    EXPECT_TRUE(shows("1"));
 }
 
 // A trigger that a press adds to a button is on record like a clip, and is taken back like one.

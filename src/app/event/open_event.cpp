@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/event/open_event.h"
+#include "app/event/button_outputs.h"
 
 #include <algorithm>
 #include <iterator>
@@ -146,6 +147,7 @@ void open_event::begin_playback(const what_was_read& read) {
 
 void open_event::begin_presses(what_was_read& read) {
     logger_ = std::make_unique<press_engine>(*timeline_, loop_.time());
+    outputs_ = std::make_unique<button_outputs>(*timeline_, loop_);
     logger_->set_transport(playback_.get());
     presses_ = std::make_unique<tick_task>(playback_->ticks(), tick_step::presses, [this] { tick(); });
     logger_->set_earliest_time(playback_->first_time());
@@ -373,6 +375,7 @@ void open_event::link_code_window() {
 void open_event::show_buttons() {
     logger_->set_buttons(code_window_->window().buttons.buttons, playback_->collection_time());
     if (passes_triggers()) presses_->start();
+    outputs_->set_buttons(logger_->buttons());
 }
 
 // The engine is told the time as long as it has something to wait for.

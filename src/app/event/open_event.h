@@ -23,6 +23,7 @@
 namespace vistels {
 
 class blank_vistel_movie;
+class button_outputs;
 class press_engine;
 
 // One open collection with everything that belongs to it: its record, its timeline, its code window, the
@@ -62,6 +63,8 @@ class open_event {
     std::string uuid() const;
     timeline_document& timeline() { return *timeline_; }
     press_engine& logger() { return *logger_; }
+    // What the formulas of its buttons say.
+    button_outputs& outputs() { return *outputs_; }
     synchronised_playback& playback() { return *playback_; }
     undo_stack& undo() { return *undo_; }
     // The timeline's main view: which clips pass, which are selected.
@@ -187,6 +190,7 @@ class open_event {
     std::string fed_sound_;
     std::unique_ptr<press_engine> logger_;
     std::unique_ptr<press_log> press_log_;
+    std::unique_ptr<button_outputs> outputs_;
     std::unique_ptr<undo_stack> undo_;
     const std::shared_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;

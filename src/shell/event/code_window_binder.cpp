@@ -127,7 +127,7 @@ void code_window_binder::keep_scroll() {
 }
 
 void code_window_binder::show_buttons() {
-    auto buttons = source_of(event_->logger(), event_->timeline(), event_->playback());
+    auto buttons = source_of(event_->logger(), event_->timeline(), event_->playback(), &event_->outputs());
     if (event_->timeline().is_read_only()) {
         buttons = refusing(std::move(buttons), [&notices = session_.notices()](const QString& button) {
             notices.refuse_press(button);

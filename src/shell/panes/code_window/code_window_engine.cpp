@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "app/event/button_outputs.h"
 #include "logger/press_engine.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_view.h"
@@ -28,8 +29,10 @@ code_button::band band_of(const markup_Button_Item& button) {
 
 class engine_source final : public code_window_source {
   public:
-    engine_source(press_engine& engine, timeline_document& timeline, transport& playing)
-        : engine_(engine), timeline_(timeline), playing_(playing) {
+    engine_source(press_engine& engine, timeline_document& timeline, transport& playing,
+                  button_outputs* outputs)
+        : engine_(engine), timeline_(timeline), playing_(playing), outputs_(outputs) {
+        if (outputs_) observed_.push_back(outputs_->changed.connect([this] { states_changed.emit(); }));
         observed_.push_back(engine_.fired.connect([this](const button_fired& fired) {
             blocked_[fired.button] = fired.blocked && fired.is_down;
             if (fired.is_down) found_none_ = fired.nothing_to_stamp ? fired.button : std::string();
@@ -75,6 +78,7 @@ class engine_source final : public code_window_source {
         const auto blocked = blocked_.find(uuid);
         made.is_blocked = blocked != blocked_.end() && blocked->second;
         made.found_none = uuid == found_none_;
+        if (outputs_) made.output = QString::fromStdString(outputs_->text_of(uuid));
         made.waits = engine_.has_waiting_attributes() && waiting_.contains(uuid);
         if (band_of(*button) == code_button::band::left)
             made.count = static_cast<std::uint32_t>(clips_of(uuid).size());
@@ -149,6 +153,10 @@ class engine_source final : public code_window_source {
         made.shows_ping = display.show_pinger;
         made.shows_clock = display.clock_time;
         made.shows_down_time = display.down_time;
+        made.output_font = QString::fromStdString(display.formula_output_font);
+        made.output_size = std::clamp(display.formula_output_font_size.value_or(0), 0.0, greatest_name_size);
+        made.output_colour = to_qt(display.formula_output_colour);
+        made.output_offset = {display.filter_output_offset.x, display.filter_output_offset.y};
     }
 
     // The row that the button's clips go to. All are looked up once after each change of the timeline,
@@ -166,6 +174,7 @@ class engine_source final : public code_window_source {
     press_engine& engine_;
     timeline_document& timeline_;
     transport& playing_;
+    button_outputs* outputs_;
     std::unordered_map<std::string, bool> blocked_;
     std::string found_none_;         // the button pressed last, when there was nothing to stamp
     std::set<std::string> waiting_;  // whose attributes wait for a qualifier
@@ -178,8 +187,8 @@ class engine_source final : public code_window_source {
 }  // namespace
 
 std::unique_ptr<code_window_source> source_of(press_engine& engine, timeline_document& timeline,
-                                              transport& playing) {
-    return std::make_unique<engine_source>(engine, timeline, playing);
+                                              transport& playing, button_outputs* outputs) {
+    return std::make_unique<engine_source>(engine, timeline, playing, outputs);
 }
 
 }  // namespace vistels

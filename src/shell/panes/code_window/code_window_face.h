@@ -40,6 +40,11 @@ struct code_button {
     QPointF name_offset;   // from its usual place
     QString key;           // on the key cap; empty: none
     QPointF key_offset;
+    // Of what its formula says: as of the name.
+    QString output_font;
+    double output_size = 0;
+    QColor output_colour;
+    QPointF output_offset;
     bool hides_down_state = false;
     bool shows_ping = false;   // a ring where it was pressed
     bool shows_clock = false;  // the collection's time
@@ -64,6 +69,7 @@ struct code_button_state {
     bool waits = false;       // its attribute goes to the next qualifier
     double down_since = 0;    // seconds on the collection's clock
     std::uint32_t count = 0;  // of what it made; 0 is not shown
+    QString output;           // what its formula says
     bool operator==(const code_button_state&) const = default;
 };
 

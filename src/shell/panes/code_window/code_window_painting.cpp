@@ -237,6 +237,28 @@ void paint_traces(QPainter& painter, const theme& look, const code_button& butto
     }
 }
 
+// At the lower right, unless it is moved.
+void paint_output(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
+                  const face_colours& colours, const code_button_look& shown) {
+    if (shown.state.output.isEmpty()) return;
+    const QFont usual = theme::font(type_step::title);
+    const double size = button.output_size > 0 ? button.output_size : usual.pixelSize();
+    const QFont font = theme::font(type_step::title, size, button.output_font);
+    const int around = code_window_sizes.button_text_indent;
+    const QRectF place =
+        face.adjusted(around, around / 2.0, -around, -around / 2.0).translated(button.output_offset);
+    const Qt::Alignment where = Qt::AlignRight | Qt::AlignBottom;
+    if (shown.picture) {
+        const QRectF ink =
+            QFontMetricsF(font).boundingRect(place, static_cast<int>(where), shown.state.output);
+        paint_label_ground(painter, look, ink);
+    }
+    painter.setFont(font);
+    painter.setPen(button.output_colour.isValid() ? legible_on(button.output_colour, colours.ground)
+                                                  : colours.ink);
+    painter.drawText(place, where, shown.state.output);
+}
+
 // A ring that is seen on every colour.
 void paint_ping(QPainter& painter, const theme& look, const QRectF& face, const QPointF& place) {
     const QPointF at(face.left() + place.x() * face.width(), face.top() + place.y() * face.height());
@@ -273,6 +295,7 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
         paint_corner(painter, look, words.corner, colours, shown);
     if (shown.state.is_live) paint_live_dot(painter, look, words, shown.time);
     if (button.shows_name) paint_name(painter, look, words, colours, shown.picture != nullptr);
+    paint_output(painter, look, button, face, colours, shown);
     paint_traces(painter, look, button, face, colours.ink);
     painter.setOpacity(1);
     if (shown.state.is_down) paint_ring(painter, look, button, face, look.selection);

@@ -20,6 +20,7 @@ class QToolButton;
 
 namespace vistels {
 
+class button_outputs;
 class clip_list_popover;
 class code_window_button;
 class code_window_canvas;
@@ -51,10 +52,10 @@ class code_window_source {
     signal<const std::string&> center_wanted;
 };
 
-// The buttons of a press engine; `timeline` gives the counts, `playing` the times. All must outlive the
-// source.
+// The buttons of a press engine; `timeline` gives the counts, `playing` the times, `outputs` (null: none)
+// what their formulas say. All must outlive the source.
 std::unique_ptr<code_window_source> source_of(press_engine& engine, timeline_document& timeline,
-                                              transport& playing);
+                                              transport& playing, button_outputs* outputs = nullptr);
 
 // The code window pane in run mode: it draws the buttons, presses them by mouse and fingers and shows what is
 // down, from whatever cause. A button that lists the clips of its row does so beside itself when it is
