@@ -17,6 +17,7 @@
 #include "shell/panes/code_window/clip_list_popover.h"
 #include "shell/panes/code_window/code_window_canvas.h"
 #include "shell/panes/code_window/code_window_view.h"
+#include "shell/panes/code_window/link_words.h"
 #include "shell/program/qt_run_loop.h"
 #include "support/temporary_folder.h"
 #include "util/clock.h"
@@ -63,6 +64,8 @@ class recording_source final : public code_window_source {
     double collection_time() const override { return now; }
     clip_list clips_of(const std::string&) const override { return {}; }
     std::vector<bound_button> bound_buttons() const override { return {}; }
+    std::vector<code_link> links() const override { return {}; }
+    QStringList link_problems() const override { return {}; }
 
     std::vector<code_button> all = {button_at("a", 8, 8), button_at("b", 114, 8), button_at("c", 8, 70),
                                     button_at("d", 114, 70, 100, 46)};
@@ -459,6 +462,31 @@ TEST(code_window_engine, links_change_looks_and_what_is_in_the_middle) {
     const QPoint middle = view.canvas().button("c")->geometry().center();
     EXPECT_TRUE(seen->viewport()->rect().contains(view.canvas().mapTo(seen->viewport(), middle)));
     view.set_source(nullptr);
+}
+
+TEST(link_words, say_what_links_do_and_what_is_wrong_with_them) {
+    const auto linked = [](const char* name, std::vector<std::pair<const char*, const char*>> links) {
+        markup_Button_Item button;
+        button.set_uuid(name);
+        button.set_name(name);
+        auto all = button.action_links();
+        for (const auto& [code, to] : links) all.push_back({code, std::nullopt, to, to, "", {}});
+        button.set_action_links(all);
+        return button_record(std::move(button));
+    };
+    const std::vector<button_record> buttons = {
+        linked("Attack", {{"ON_DOWN_SET_UP", "Defence"}, {"ON_ALL_DOWN_SET_DOWN", "Alarm"}}),
+        linked("Defence", {{"ON_DOWN_SET_UP", "Attack"}, {"ON_ALL_DOWN_SET_DOWN", "Alarm"}}),
+        linked("Alarm", {{"ON_UP_SET_DOWN", "Gone"}, {"PRIVATE_LINK_TO", "Gone"}})};
+    const auto words = link_words(buttons);
+    EXPECT_EQ(words[0][0], QStringLiteral("When “Attack” goes down, “Defence” goes up."));
+    EXPECT_TRUE(words[0].contains(QStringLiteral("When “Defence” goes down, this goes up.")));
+    EXPECT_EQ(words[2],
+              QStringList(QStringLiteral("When “Attack”, “Defence” are all down, this goes down.")));
+    EXPECT_EQ(link_problems(buttons),
+              QStringList(
+                  {QStringLiteral("“Alarm”: a link (Up > Down) leads to “Gone”, which is not there any more"),
+                   QStringLiteral("“Attack”, “Defence” set each other off in a circle: each changes once")}));
 }
 
 // A list takes no keys, follows its row, and goes with a press elsewhere.

@@ -25,6 +25,9 @@ class refusing_source final : public code_window_source {
         observed_.push_back(source_->buttons_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(source_->states_changed.connect([this] { states_changed.emit(); }));
         observed_.push_back(
+            source_->link_fired.connect([this](const std::string& from, const std::string& to,
+                                               const link_kind& kind) { link_fired.emit(from, to, kind); }));
+        observed_.push_back(
             source_->center_wanted.connect([this](const std::string& one) { center_wanted.emit(one); }));
     }
 
@@ -43,6 +46,8 @@ class refusing_source final : public code_window_source {
     double collection_time() const override { return source_->collection_time(); }
     clip_list clips_of(const std::string& button) const override { return source_->clips_of(button); }
     std::vector<bound_button> bound_buttons() const override { return source_->bound_buttons(); }
+    std::vector<code_link> links() const override { return source_->links(); }
+    QStringList link_problems() const override { return source_->link_problems(); }
 
   private:
     std::unique_ptr<code_window_source> source_;

@@ -92,6 +92,8 @@ void code_window_button::show_words() {
         description += tr(", goes to the next qualifier");
     }
     if (state_.is_down) description += state_.is_latched ? tr(", held down") : tr(", down");
+    if (!button_.link_words.isEmpty())
+        words += QLatin1Char('\n') + button_.link_words.join(QLatin1Char('\n'));
     setToolTip(words);
     setAccessibleDescription(description);
 }

@@ -11,6 +11,7 @@
 #include "logger/press_engine.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_view.h"
+#include "shell/panes/code_window/link_words.h"
 #include "timeline/files/timeline_document.h"
 #include "util/transport.h"
 
@@ -43,6 +44,9 @@ class engine_source final : public code_window_source {
         observed_.push_back(engine_.looks_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(
             engine_.center_wanted.connect([this](const std::string& button) { center_wanted.emit(button); }));
+        observed_.push_back(
+            engine_.link_fired.connect([this](const std::string& from, const std::string& to,
+                                              const link_kind& kind) { link_fired.emit(from, to, kind); }));
         observed_.push_back(engine_.attributes_given_up.connect([this] { states_changed.emit(); }));
         observed_.push_back(engine_.buttons_changed.connect([this] {
             are_rows_known_ = false;
@@ -58,8 +62,10 @@ class engine_source final : public code_window_source {
     std::vector<code_button> buttons() const override {
         std::vector<code_button> made;
         made.reserve(engine_.buttons().size());
+        const std::vector<QStringList> words = link_words(engine_.buttons());
         for (const button_record& each : engine_.buttons()) {
             made.push_back(face_of(*each, made.size()));
+            made.back().link_words = words[made.size() - 1];
             wear(made.back(), *each);
         }
         return made;
@@ -102,6 +108,19 @@ class engine_source final : public code_window_source {
     std::vector<bound_button> bound_buttons() const override {
         return vistels::bound_buttons(engine_.buttons());
     }
+
+    std::vector<code_link> links() const override {
+        std::vector<code_link> all;
+        for (const button_record& from : engine_.buttons()) {
+            for (const auto& link : from->action_links()) {
+                const auto* kind = link_kind_of(link.action_TYPE);
+                if (kind && engine_.button(link.linked_button_UUID))
+                    all.push_back({from->uuid(), link.linked_button_UUID, kind});
+            }
+        }
+        return all;
+    }
+    QStringList link_problems() const override { return vistels::link_problems(engine_.buttons()); }
 
   private:
     static code_button face_of(const markup_Button_Item& button, std::size_t number) {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "shell/kit/controls.h"
 #include "shell/kit/icons.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
@@ -29,6 +30,7 @@ code_window_view::code_window_view(QWidget* parent)
     : QWidget(parent),
       header_(new pane_header(QStringLiteral("code-window"), tr("Code window"), this)),
       clashes_(new QToolButton(this)),
+      shows_links_(new icon_button(QStringLiteral("link"), tr("Show the links of the buttons"), this)),
       area_(new QScrollArea(this)),
       canvas_(new code_window_canvas(area_)),
       list_(new clip_list_popover(this)) {
@@ -40,10 +42,20 @@ code_window_view::code_window_view(QWidget* parent)
     clashes_->setFixedSize(metrics.icon_button, metrics.icon_button);
     clashes_->hide();
     header_->add_control(clashes_);
+    shows_links_->setObjectName(QStringLiteral("code_window.links"));
+    shows_links_->setCheckable(true);
+    header_->add_control(shows_links_);
+    connect(shows_links_, &QAbstractButton::toggled, this, &code_window_view::set_shows_links);
     area_->setObjectName(QStringLiteral("code_window_area"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setFocusPolicy(Qt::NoFocus);
     area_->setWidget(canvas_);
+    arrows_ = new link_arrows(canvas_, [this](const std::string& uuid) {
+        const code_window_button* one = canvas_->button(uuid);
+        return one ? QRectF(one->geometry()) : QRectF();
+    });
+    arrows_->hide();
+    canvas_->installEventFilter(this);
     connect_canvas();
     // Colours that a button does not set itself come from the theme.
     theme_changed_.push_back(theme::changed().connect([this] { show_buttons(); }));
@@ -91,6 +103,9 @@ void code_window_view::set_source(std::unique_ptr<code_window_source> source) {
         connections_.push_back(source_->buttons_changed.connect([this] { show_buttons(); }));
         connections_.push_back(source_->states_changed.connect([this] { show_states(); }));
         connections_.push_back(
+            source_->link_fired.connect([this](const std::string& from, const std::string& to,
+                                               const link_kind& kind) { arrows_->run(from, to, kind); }));
+        connections_.push_back(
             source_->center_wanted.connect([this](const std::string& one) { center_on(one); }));
     }
     show_buttons();
@@ -105,6 +120,7 @@ void code_window_view::show_buttons() {
     if (list_ && !canvas_->button(list_->shown_button())) list_->hide();
     fit();
     show_states();
+    show_links();
     show_key_clashes();
 }
 
@@ -137,6 +153,31 @@ void code_window_view::show_key_clashes() {
     clashes_->setAccessibleName(tr("Keys that do more than one thing: %1").arg(lines.size()));
     clashes_->setAccessibleDescription(clashes_->toolTip());
     header_->update();  // what it has room for
+}
+
+void code_window_view::set_shows_links(bool shows) {
+    shows_links_->setChecked(shows);
+    arrows_->setVisible(shows);
+    show_links();
+}
+
+// Over the buttons, wherever they are by now.
+void code_window_view::show_links() {
+    const std::vector<code_link> links = source_ ? source_->links() : std::vector<code_link>();
+    const QStringList problems = source_ ? source_->link_problems() : QStringList();
+    shows_links_->setVisible(!links.empty() || !problems.isEmpty());
+    shows_links_->set_tip(
+        problems.isEmpty() ? tr("Show the links of the buttons")
+                           : tr("Show the links of the buttons\n%1").arg(problems.join(QLatin1Char('\n'))));
+    header_->update();
+    arrows_->set_links(arrows_->isVisibleTo(canvas_) ? links : std::vector<code_link>());
+    arrows_->setGeometry(canvas_->rect());
+    arrows_->raise();
+}
+
+bool code_window_view::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == canvas_ && event->type() == QEvent::Resize) arrows_->setGeometry(canvas_->rect());
+    return QWidget::eventFilter(watched, event);
 }
 
 void code_window_view::show_list(const code_window_button& button) {

@@ -12,6 +12,7 @@
 #include "shell/keys/key_clashes.h"
 #include "shell/kit/pane.h"
 #include "shell/panes/code_window/code_window_face.h"
+#include "shell/panes/code_window/link_arrows.h"
 #include "timeline/records/clip_list.h"
 #include "util/signal.h"
 
@@ -23,6 +24,7 @@ namespace vistels {
 class button_outputs;
 class clip_list_popover;
 class code_window_button;
+class icon_button;
 class code_window_canvas;
 class pane_header;
 class press_engine;
@@ -45,11 +47,16 @@ class code_window_source {
     // Of the row that the button's clips go to.
     virtual clip_list clips_of(const std::string& button) const = 0;
     virtual std::vector<bound_button> bound_buttons() const = 0;
+    virtual std::vector<code_link> links() const = 0;
+    // What is wrong with them.
+    virtual QStringList link_problems() const = 0;
 
     signal<> buttons_changed;
     signal<> states_changed;
     // The button is to be in the middle of what is seen.
     signal<const std::string&> center_wanted;
+    // A link was followed: from one button to another.
+    signal<const std::string&, const std::string&, const link_kind&> link_fired;
 };
 
 // The buttons of a press engine; `timeline` gives the counts, `playing` the times, `outputs` (null: none)
@@ -87,6 +94,8 @@ class code_window_view final : public QWidget, public pane {
     void scroll_to(const QPointF& place);
     // The window's actions are others; what a button's key takes from them is told in the header.
     void show_key_clashes();
+    // The links of the buttons as arrows over them.
+    void set_shows_links(bool shows);
 
     // The user chose a time in a button's list.
     signal<double> seek_asked;
@@ -103,6 +112,7 @@ class code_window_view final : public QWidget, public pane {
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void connect_canvas();
@@ -112,11 +122,14 @@ class code_window_view final : public QWidget, public pane {
     void fit();
     void scroll();
     void note_scroll();
+    void show_links();
     void center_on(const std::string& button);
 
     std::unique_ptr<code_window_source> source_;
     pane_header* header_;
     QToolButton* clashes_;
+    icon_button* shows_links_;
+    link_arrows* arrows_;
     QScrollArea* area_;
     code_window_canvas* canvas_;
     QPointer<clip_list_popover> list_;  // it belongs to the window while it is shown
