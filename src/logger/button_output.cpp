@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
+#include <utility>
 
 #include "formula/word_matching.h"
 
@@ -108,54 +110,63 @@ formula_tallies::formula_tallies(const std::vector<std::string>& formulas) {
     }
 }
 
-// Both lists are in the same order, so that clips that are the same come in it.
-std::vector<bool> formula_tallies::judge_clips(formula& by, const sxy_ROW& row, const clip_list* before,
-                                               const std::vector<bool>* passed) {
-    std::vector<bool> passes;
-    const auto clips = row.clips();
-    passes.reserve(clips.size());
-    auto old = before ? before->begin() : clips.end();
-    const auto old_end = before ? before->end() : clips.end();
-    std::size_t place = 0;
-    for (const clip_pointer& clip : clips) {
-        while (before && old != old_end && *old != clip && clip_before(**old, *clip)) {
+// What of a row all formulas look at, and where each of its clips stood before.
+struct formula_tallies::row_clips {
+    static constexpr std::size_t is_new = std::numeric_limits<std::size_t>::max();
+    struct place {
+        const sxy_CLIP* clip = nullptr;
+        double start = 0;
+        double seconds = 0;
+        std::size_t before = is_new;
+    };
+
+    // Both lists are in the same order, so that clips that are the same come in it.
+    row_clips(const clip_list& now, const clip_list& earlier) {
+        all.reserve(now.size());
+        auto old = earlier.begin();
+        std::size_t index = 0;
+        for (const clip_pointer& clip : now) {
+            for (; old != earlier.end() && *old != clip && clip_before(**old, *clip); ++old) ++index;
+            const bool is_known = old != earlier.end() && *old == clip;
+            const double start = clip->secs_start();
+            all.push_back({clip.get(), start, clip->secs_end() - start, is_known ? index : is_new});
+            if (!is_known) continue;
             ++old;
-            ++place;
-        }
-        if (before && old != old_end && *old == clip) {
-            passes.push_back((*passed)[place]);
-            ++old;
-            ++place;
-        } else {
-            passes.push_back(by.filter.judge(*clip, &row));
+            ++index;
         }
     }
-    return passes;
+
+    std::vector<place> all;
+};
+
+void formula_tallies::judge(formula& by, const row_clips& clips, const std::vector<bool>* passed,
+                            judged_row& to) {
+    std::vector<bool> passes;
+    passes.reserve(clips.all.size());
+    clip_tally tally;
+    if (names_row(by.parsed, to.row->name(), to.row->category())) tally.of = clips.all.size();
+    for (const auto& [clip, start, seconds, before] : clips.all) {
+        const bool is_known = passed && before != row_clips::is_new;
+        const bool does_pass = is_known ? (*passed)[before] : by.filter.judge(*clip, to.row.get());
+        passes.push_back(does_pass);
+        if (!does_pass) continue;
+        if (tally.passing++ == 0) tally.first = start;
+        tally.seconds += seconds;
+    }
+    to.passes.push_back(std::move(passes));
+    to.tallies.push_back(tally);
 }
 
-formula_tallies::judged_row formula_tallies::judge(const row_pointer& row, const judged_row* before) {
-    judged_row made;
-    made.row = row;
-    const std::string name = row->name();
-    const std::string category = row->category();
-    const bool is_renamed = before && (before->row->name() != name || before->row->category() != category);
-    const auto earlier = before ? before->row->clips() : clip_list();
-    const auto clips = row->clips();
+std::optional<formula_tallies::judged_row> formula_tallies::judge(const row_pointer& row,
+                                                                  const judged_row* before, job& work) {
+    const bool is_renamed =
+        before && (before->row->name() != row->name() || before->row->category() != row->category());
+    const row_clips clips(row->clips(), before ? before->row->clips() : clip_list());
+    judged_row made{row, {}, {}};
     for (std::size_t n = 0; n < formulas_.size(); ++n) {
-        formula& by = formulas_[n];
-        clip_tally tally;
-        if (names_row(by.parsed, name, category)) tally.of = clips.size();
-        const bool reuses = before && !(is_renamed && by.filter.looks_at_rows());
-        made.passes.push_back(
-            judge_clips(by, *row, reuses ? &earlier : nullptr, reuses ? &before->passes[n] : nullptr));
-        std::size_t place = 0;
-        for (const clip_pointer& clip : clips) {
-            if (!made.passes[n][place++]) continue;
-            ++tally.passing;
-            tally.seconds += clip->secs_end() - clip->secs_start();
-            if (!tally.first) tally.first = clip->secs_start();
-        }
-        made.tallies.push_back(tally);
+        if (work.is_cancelled()) return std::nullopt;
+        const bool reuses = before && !(is_renamed && formulas_[n].filter.looks_at_rows());
+        judge(formulas_[n], clips, reuses ? &before->passes[n] : nullptr, made);
     }
     return made;
 }
@@ -165,16 +176,19 @@ std::optional<std::vector<std::optional<clip_tally>>> formula_tallies::count(
     std::unordered_map<shared_text, judged_row> now;
     std::vector<clip_tally> sums(formulas_.size());
     for (const auto& row : rows) {
-        if (work.is_cancelled()) {
+        auto known = rows_.extract(row->uuid());
+        std::optional<judged_row> judged;
+        if (!known || known.mapped().row != row)
+            judged = judge(row, known ? &known.mapped() : nullptr, work);
+        else if (!work.is_cancelled())
+            judged = std::move(known.mapped());
+        if (!judged) {
+            if (known) rows_.insert(std::move(known));
             rows_.merge(now);
             return std::nullopt;
         }
-        auto known = rows_.extract(row->uuid());
-        const bool is_same = known && known.mapped().row == row;
-        judged_row judged =
-            is_same ? std::move(known.mapped()) : judge(row, known ? &known.mapped() : nullptr);
-        for (std::size_t n = 0; n < sums.size(); ++n) add(sums[n], judged.tallies[n]);
-        now.emplace(row->uuid(), std::move(judged));
+        for (std::size_t n = 0; n < sums.size(); ++n) add(sums[n], judged->tallies[n]);
+        now.emplace(row->uuid(), std::move(*judged));
     }
     rows_ = std::move(now);
     std::vector<std::optional<clip_tally>> counted;

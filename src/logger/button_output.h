@@ -38,7 +38,7 @@ class formula_tallies {
     explicit formula_tallies(const std::vector<std::string>& formulas);
 
     // One for each formula, in their order; nothing for one with a syntax error. Nothing at all when `work`
-    // was cancelled.
+    // was cancelled. `rows` are those of a snapshot, which no edit changes.
     std::optional<std::vector<std::optional<clip_tally>>> count(const std::vector<row_pointer>& rows,
                                                                 job& work);
 
@@ -53,9 +53,9 @@ class formula_tallies {
         std::vector<clip_tally> tallies;        // by formula
     };
 
-    judged_row judge(const row_pointer& row, const judged_row* before);
-    std::vector<bool> judge_clips(formula& by, const sxy_ROW& row, const clip_list* before,
-                                  const std::vector<bool>* passed);
+    struct row_clips;
+    std::optional<judged_row> judge(const row_pointer& row, const judged_row* before, job& work);
+    void judge(formula& by, const row_clips& clips, const std::vector<bool>* passed, judged_row& to);
 
     std::vector<formula> formulas_;
     std::unordered_map<shared_text, judged_row> rows_;

@@ -47,8 +47,20 @@ void code_window_document::follow(const document_change&) {
     changed.emit();
 }
 
+code_window code_window_document::with_outputs() const {
+    code_window shown = window_;
+    for (button_record& button : shown.buttons.buttons) {
+        button_formula formula = button->formula();
+        const auto now = formula.filter.empty() || !shown_ ? std::nullopt : shown_(button->uuid());
+        if (!now || *now == formula.output_string) continue;
+        formula.output_string = *now;
+        button = changed_button(button, [&](markup_Button_Item& one) { one.set_formula(formula); });
+    }
+    return shown;
+}
+
 result<editable_document::save_work> code_window_document::take_save() {
-    const auto copy = std::make_shared<const code_window>(window_);
+    const auto copy = std::make_shared<const code_window>(with_outputs());
     const auto write = [copy, saved = saved_, sync = edit_sync(), folder = folder_,
                         &files = files_](std::vector<file_conflict>& met) -> result<void> {
         // What is on record is there before the files that replace it.

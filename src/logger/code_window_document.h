@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "document/kept_document.h"
@@ -36,6 +39,11 @@ class code_window_document : public kept_document {
     // Sets what is no edit: where the canvas is scrolled to, what timeline it is linked to.
     void set_settings(logger_settings settings);
 
+    // What the button shows of its formula now, nothing for one that shows none: saved with the buttons
+    // whenever these are, and no edit.
+    using output_reader = std::function<std::optional<std::string>(const std::string& button)>;
+    void set_output_reader(output_reader shown) { shown_ = std::move(shown); }
+
     // The buttons changed.
     signal<> changed;
 
@@ -45,10 +53,13 @@ class code_window_document : public kept_document {
     result<void> change(const document_change& change) override;
     void follow(const document_change& change) override;
 
+    code_window with_outputs() const;
+
     const std::string folder_;
     file_system& files_;
     code_window window_;
     std::shared_ptr<const code_window> saved_;  // as its files hold it
+    output_reader shown_;
     bool is_kept_ = false;
 };
 

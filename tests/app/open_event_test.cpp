@@ -89,6 +89,43 @@ TEST_F(event, buttons_show_what_their_formulas_count) {
     EXPECT_TRUE(shows("2"));
     ASSERT_TRUE(opened->undo().undo());
     EXPECT_TRUE(shows("1"));
+    // It goes into the file with the buttons when these are saved, and is no reason to save them.
+    const auto saved_output = [&] {
+        auto read = load_code_window(opened->code_window_file().folder());
+        return read ? read.value().buttons.buttons[0]->formula().output_string : read.message();
+    };
+    ASSERT_TRUE(opened->save_all());
+    EXPECT_EQ(saved_output(), "1");
+    code(*opened, 12, 14);
+    EXPECT_TRUE(shows("2"));
+    EXPECT_FALSE(opened->code_window_file().has_unsaved_edits());
+    auto wrong = counting->formula();
+    wrong.filter = "[RN](";
+    part = plan_button(opened->code_window_file().window(),
+                       changed_button(counting, [&](auto& button) { button.set_formula(wrong); }));
+    ASSERT_TRUE(part && opened->timeline().make({"Formula", "", {*part}}));
+    EXPECT_TRUE(shows(""));
+    EXPECT_EQ(opened->outputs().text_of("no such button"), std::nullopt);
+}
+
+// However far the count is when the event closes, or the formulas become others.
+TEST_F(event, closes_while_formulas_are_counted) {
+    auto opened = open();
+    for (int i = 0; i < 20; ++i) code(*opened, i, i + 0.5);
+    const button_record counting = changed_button(*opened->logger().buttons().begin(), [](auto& button) {
+        button.set_formula({"[RN]\"" + button.name() + "\"", "", "count", "", false, {}});
+    });
+    for (const char* filter : {"[RN]\"*\"", "[RN]\"x\"|[QN]\"y\"", "[RC]\"*\""}) {
+        auto part =
+            plan_button(opened->code_window_file().window(), changed_button(counting, [&](auto& button) {
+                            auto formula = button.formula();
+                            formula.filter = filter;
+                            button.set_formula(formula);
+                        }));
+        ASSERT_TRUE(part && opened->timeline().make({"Formula", "", {*part}}));
+    }
+    opened.reset();
+    loop.advance(1);  // what was counted comes to nobody
 }
 
 // A trigger that a press adds to a button is on record like a clip, and is taken back like one.

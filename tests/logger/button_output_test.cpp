@@ -67,7 +67,7 @@ class tallies : public ::testing::Test {
     }
     std::vector<std::optional<clip_tally>> counted(formula_tallies& by) {
         job work;
-        return by.count(document->timeline().rows(), work).value();
+        return by.count(document->snapshot().rows, work).value();
     }
 
     testing::temporary_folder folder;
@@ -135,7 +135,7 @@ TEST_F(tallies, stay_right_whatever_changes) {
     // A cancelled count loses nothing.
     job cancelled;
     cancelled.cancel();
-    EXPECT_FALSE(kept.count(document->timeline().rows(), cancelled));
+    EXPECT_FALSE(kept.count(document->snapshot().rows, cancelled));
     formula_tallies anew(formulas);
     EXPECT_EQ(counted(kept), counted(anew));
 }

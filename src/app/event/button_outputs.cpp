@@ -47,9 +47,9 @@ void button_outputs::set_buttons(const std::vector<button_record>& buttons) {
     changed.emit();
 }
 
-std::string button_outputs::text_of(const std::string& button) const {
+std::optional<std::string> button_outputs::text_of(const std::string& button) const {
     const auto found = outputs_.find(button);
-    return found == outputs_.end() ? std::string() : found->second.text;
+    return found == outputs_.end() ? std::nullopt : std::optional(found->second.text);
 }
 
 // One count at a time: what changed meanwhile is counted after it.

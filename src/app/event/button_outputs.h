@@ -30,8 +30,8 @@ class button_outputs {
 
     // The buttons from now on.
     void set_buttons(const std::vector<button_record>& buttons);
-    // What the button shows; empty for one without a formula, or whose formula is wrong.
-    std::string text_of(const std::string& button) const;
+    // What the button shows; empty where its formula is wrong. Nothing for one without a formula.
+    std::optional<std::string> text_of(const std::string& button) const;
 
     // Some button shows something else.
     signal<> changed;

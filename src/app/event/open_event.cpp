@@ -153,6 +153,7 @@ void open_event::begin_presses(what_was_read& read) {
     logger_->set_earliest_time(playback_->first_time());
     logger_->set_settings(read.presses);
     show_buttons();
+    code_window_->set_output_reader([this](const std::string& button) { return outputs_->text_of(button); });
     buttons_ = code_window_->changed.connect([this] { show_buttons(); });
     logger_->set_button_planner(
         [this](const button_record& changed) { return plan_button(code_window_->window(), changed); });

@@ -84,7 +84,7 @@ class engine_source final : public code_window_source {
         const auto blocked = blocked_.find(uuid);
         made.is_blocked = blocked != blocked_.end() && blocked->second;
         made.found_none = uuid == found_none_;
-        if (outputs_) made.output = QString::fromStdString(outputs_->text_of(uuid));
+        if (outputs_) made.output = QString::fromStdString(outputs_->text_of(uuid).value_or(""));
         made.waits = engine_.has_waiting_attributes() && waiting_.contains(uuid);
         if (band_of(*button) == code_button::band::left)
             made.count = static_cast<std::uint32_t>(clips_of(uuid).size());
