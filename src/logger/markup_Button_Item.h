@@ -41,8 +41,11 @@ std::string_view attribute_stage_text(attribute_stage stage);
 // "Next Qualifier"; "unknown stage type" for a text that is none of the three.
 std::string_view attribute_stage_name(std::string_view stored);
 
-// The type of a trigger that a button adds when it names none.
-inline constexpr const char* default_trigger_type = "going down";
+// The types of triggers that do something.
+inline constexpr const char* going_down_trigger = "going down";
+inline constexpr const char* going_up_trigger = "going up";
+// That of one which a button adds when it names none.
+inline constexpr const char* default_trigger_type = going_down_trigger;
 
 // The field drawn on a button: where on it a press was is noted with what it makes.
 struct button_field {
@@ -230,10 +233,18 @@ class markup_Button_Item : record, button_fields {
     void set_field(button_field field) { write(button_fields::field, std::move(field)); }
     // When playback puts the button down or up, in the order in which they were added.
     std::vector<trigger_event_ITEM> triggers() const { return read(trig_array); }
+    bool has_triggers() const {
+        const record_guard guard(lk);
+        return !trig_array.empty();
+    }
     void set_triggers(std::vector<trigger_event_ITEM> all) { write(trig_array, std::move(all)); }
     // What its going down or up does to other buttons, in this order.
     std::vector<markup_Button_Action_Link_ITEM> action_links() const {
         return read(button_fields::action_links);
+    }
+    bool has_action_links() const {
+        const record_guard guard(lk);
+        return !button_fields::action_links.empty();
     }
     void set_action_links(std::vector<markup_Button_Action_Link_ITEM> links) {
         write(button_fields::action_links, std::move(links));

@@ -5,6 +5,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QEnterEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -12,6 +13,7 @@
 #include <algorithm>
 
 #include "logger/press_engine.h"
+#include "shell/kit/controls.h"
 #include "shell/kit/pane_header.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/clip_list_popover.h"
@@ -64,11 +66,16 @@ class recording_source final : public code_window_source {
     double collection_time() const override { return now; }
     clip_list clips_of(const std::string&) const override { return {}; }
     std::vector<bound_button> bound_buttons() const override { return {}; }
-    std::vector<code_link> links() const override { return {}; }
+    bool has_links() const override { return !linked.empty(); }
+    std::vector<code_link> links() const override { return linked; }
+    QStringList link_words(const std::string& button) const override {
+        return {QStringLiteral("of ") + QString::fromStdString(button)};
+    }
     QStringList link_problems() const override { return {}; }
 
     std::vector<code_button> all = {button_at("a", 8, 8), button_at("b", 114, 8), button_at("c", 8, 70),
                                     button_at("d", 114, 70, 100, 46)};
+    std::vector<code_link> linked;
     std::map<std::string, code_button_state> states;
     std::shared_ptr<std::string> log = std::make_shared<std::string>();
     double now = 5;
@@ -131,6 +138,75 @@ TEST_F(code_window_pane, several_are_down_at_once_and_the_header_counts_them) {
     source_->release("c", 1);
     QTest::mouseRelease(button("a"), Qt::LeftButton);
     EXPECT_EQ(header->fact(), QStringLiteral("4 buttons"));
+}
+
+std::string drawn(const link_arrows& arrows) {
+    std::string all;
+    for (const code_link& one : arrows.drawn_links()) all += one.from + one.to + " ";
+    return all;
+}
+
+TEST_F(code_window_pane, links_are_shown_of_all_or_of_the_button_pointed_at) {
+    const auto& kinds = link_kinds();
+    const link_kind& down = *link_kind_of("ON_DOWN_SET_DOWN");
+    auto* choice = view_.findChild<icon_button*>(QStringLiteral("code_window.links"));
+    EXPECT_TRUE(choice->isHidden());
+    source_->linked = {{"a", "b", &down}, {"b", "c", &kinds.front()}, {"c", "a", &kinds.back()}};
+    source_->links_changed.emit();
+    EXPECT_FALSE(choice->isHidden());
+    const auto point_at = [&](const char* uuid, QEvent::Type type) {
+        QEvent leave(QEvent::Leave);
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
+        QApplication::sendEvent(button(uuid), type == QEvent::Enter ? &enter : &leave);
+    };
+    link_arrows& arrows = view_.arrows();
+    if (QWidget* focused = QApplication::focusWidget()) focused->clearFocus();
+    EXPECT_FALSE(arrows.isVisible());
+    source_->link_fired.emit("a", "b", down);
+    EXPECT_EQ(arrows.running(), 0U) << "nothing runs that is not shown";
+
+    view_.set_links_shown(links_shown::all);
+    EXPECT_TRUE(arrows.isVisible());
+    EXPECT_EQ(drawn(arrows), "ab bc ca ");
+    EXPECT_EQ(arrows.geometry(), view_.canvas().rect());
+    EXPECT_NE(view_.childAt(button("a")->mapTo(&view_, QPoint(20, 20))), &arrows) << "it takes no presses";
+    view_.set_links_shown(links_shown::of_current);
+    EXPECT_EQ(drawn(arrows), "");
+    point_at("b", QEvent::Enter);
+    EXPECT_EQ(drawn(arrows), "ab bc ");
+    EXPECT_TRUE(button("b")->toolTip().contains(QStringLiteral("of b")));
+    EXPECT_TRUE(button("b")->accessibleDescription().contains(QStringLiteral("of b")));
+    // One that goes while it is pointed at is not the current one any more.
+    const code_button gone = source_->all[1];
+    source_->all.erase(source_->all.begin() + 1);
+    source_->buttons_changed.emit();
+    EXPECT_EQ(arrows.current(), "");
+    source_->all.insert(source_->all.begin() + 1, gone);
+    source_->buttons_changed.emit();
+
+    view_.set_links_shown(links_shown::all);
+    point_at("c", QEvent::Enter);
+    EXPECT_EQ(arrows.current(), "c");
+    point_at("c", QEvent::Leave);
+    EXPECT_EQ(arrows.current(), "");
+    EXPECT_EQ(drawn(arrows), "ab bc ca ");
+    source_->link_fired.emit("a", "b", down);
+    source_->link_fired.emit("a", "c", down);
+    EXPECT_EQ(arrows.running(), 1U) << "there is no link from a to c";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return arrows.running() == 0; }));
+
+    EXPECT_FALSE(button("c")->looks_blocked());
+    source_->link_fired.emit("b", "c", *link_kind_of("ON_DOWN_BLOCK"));
+    EXPECT_TRUE(button("c")->looks_blocked());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !button("c")->looks_blocked(); }));
+
+    std::vector<code_link> many(link_arrows::most_drawn + 1, {"a", "b", &down});
+    source_->linked = many;
+    source_->links_changed.emit();
+    EXPECT_EQ(drawn(arrows), "") << "too many to tell apart";
+    source_->linked.clear();
+    source_->links_changed.emit();
+    EXPECT_TRUE(choice->isHidden());
 }
 
 TEST_F(code_window_pane, the_gap_belongs_to_the_nearest_button) {
@@ -478,15 +554,43 @@ TEST(link_words, say_what_links_do_and_what_is_wrong_with_them) {
         linked("Attack", {{"ON_DOWN_SET_UP", "Defence"}, {"ON_ALL_DOWN_SET_DOWN", "Alarm"}}),
         linked("Defence", {{"ON_DOWN_SET_UP", "Attack"}, {"ON_ALL_DOWN_SET_DOWN", "Alarm"}}),
         linked("Alarm", {{"ON_UP_SET_DOWN", "Gone"}, {"PRIVATE_LINK_TO", "Gone"}})};
-    const auto words = link_words(buttons);
-    EXPECT_EQ(words[0][0], QStringLiteral("When “Attack” goes down, “Defence” goes up."));
-    EXPECT_TRUE(words[0].contains(QStringLiteral("When “Defence” goes down, this goes up.")));
-    EXPECT_EQ(words[2],
+    const link_graph graph(buttons);
+    EXPECT_EQ(link_words(buttons, graph, 0),
+              QStringList({QStringLiteral("When “Attack” goes down, “Defence” goes up."),
+                           QStringLiteral("When “Attack”, “Defence” are all down, “Alarm” goes down."),
+                           QStringLiteral("When “Defence” goes down, this goes up.")}));
+    EXPECT_EQ(link_words(buttons, graph, 2),
               QStringList(QStringLiteral("When “Attack”, “Defence” are all down, this goes down.")));
-    EXPECT_EQ(link_problems(buttons),
-              QStringList(
-                  {QStringLiteral("“Alarm”: a link (Up > Down) leads to “Gone”, which is not there any more"),
-                   QStringLiteral("“Attack”, “Defence” set each other off in a circle: each changes once")}));
+    // That two put each other up is no circle: neither's going up sets anything off.
+    EXPECT_EQ(link_problems(buttons, graph),
+              QStringList(QStringLiteral(
+                  "“Alarm”: a link (Up > Down) leads to “Gone”, which is not there any more")));
+
+    const std::vector<button_record> round = {
+        linked("A", {{"ON_DOWN_SET_DOWN", "B"}}), linked("B", {{"ON_DOWN_TOGGLE", "C"}}),
+        linked("C", {{"ON_UP_SET_DOWN", "A"}}), linked("D", {{"ON_DOWN_SET_DOWN", "A"}})};
+    EXPECT_EQ(link_problems(round, link_graph(round)),
+              QStringList(QStringLiteral("“A”, “B”, “C” set each other off in a circle: each changes once")));
+
+    // However many there are, what is said can be read, and soon.
+    std::vector<button_record> many;
+    for (int from = 0; from < 200; ++from) {
+        markup_Button_Item button;
+        button.set_uuid("b" + std::to_string(from));
+        button.set_name("Button " + std::to_string(from));
+        std::vector<markup_Button_Action_Link_ITEM> all;
+        for (int to = 0; to < 200; ++to)
+            all.push_back({"ON_ANY_UP_SET_UP", std::nullopt, "b" + std::to_string(to), "", "", {}});
+        button.set_action_links(all);
+        many.emplace_back(std::move(button));
+    }
+    const link_graph all_to_all(many);
+    const QStringList told = link_words(many, all_to_all, 7);
+    EXPECT_EQ(told.size(), 9);
+    EXPECT_EQ(told.back(), QStringLiteral("and 193 more"));
+    EXPECT_EQ(told[0], QStringLiteral("When any of “Button 0”, “Button 1”, “Button 2”, “Button 3”, “Button "
+                                      "4”, “Button 5”, and 194 more is up, “Button 0” goes up."));
+    EXPECT_EQ(link_problems(many, all_to_all).size(), 1);
 }
 
 // A list takes no keys, follows its row, and goes with a press elsewhere.

@@ -24,6 +24,7 @@ class refusing_source final : public code_window_source {
         : source_(std::move(source)), refused_(std::move(refused)) {
         observed_.push_back(source_->buttons_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(source_->states_changed.connect([this] { states_changed.emit(); }));
+        observed_.push_back(source_->links_changed.connect([this] { links_changed.emit(); }));
         observed_.push_back(
             source_->link_fired.connect([this](const std::string& from, const std::string& to,
                                                const link_kind& kind) { link_fired.emit(from, to, kind); }));
@@ -46,7 +47,9 @@ class refusing_source final : public code_window_source {
     double collection_time() const override { return source_->collection_time(); }
     clip_list clips_of(const std::string& button) const override { return source_->clips_of(button); }
     std::vector<bound_button> bound_buttons() const override { return source_->bound_buttons(); }
+    bool has_links() const override { return source_->has_links(); }
     std::vector<code_link> links() const override { return source_->links(); }
+    QStringList link_words(const std::string& button) const override { return source_->link_words(button); }
     QStringList link_problems() const override { return source_->link_problems(); }
 
   private:

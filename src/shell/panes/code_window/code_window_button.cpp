@@ -39,7 +39,7 @@ code_window_button::code_window_button(code_button button, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setContextMenuPolicy(Qt::PreventContextMenu);
-    for (QTimer* one : {&lingers_, &ping_time_}) {
+    for (QTimer* one : {&lingers_, &ping_time_, &blocked_time_}) {
         one->setSingleShot(true);
         connect(one, &QTimer::timeout, this, [this] { update(); });
     }
@@ -92,8 +92,10 @@ void code_window_button::show_words() {
         description += tr(", goes to the next qualifier");
     }
     if (state_.is_down) description += state_.is_latched ? tr(", held down") : tr(", down");
-    if (!button_.link_words.isEmpty())
-        words += QLatin1Char('\n') + button_.link_words.join(QLatin1Char('\n'));
+    if (!link_words_.isEmpty()) {
+        words += QLatin1Char('\n') + link_words_.join(QLatin1Char('\n'));
+        description += QStringLiteral(". ") + link_words_.join(QLatin1Char(' '));
+    }
     setToolTip(words);
     setAccessibleDescription(description);
 }
@@ -129,6 +131,17 @@ void code_window_button::set_now(double seconds) {
 
 void code_window_button::set_picture(const QImage& picture) {
     picture_ = picture;
+    update();
+}
+
+void code_window_button::set_link_words(const QStringList& words) {
+    if (words == link_words_) return;
+    link_words_ = words;
+    show_words();
+}
+
+void code_window_button::show_blocked() {
+    blocked_time_.start(theme::current().motion.ping);
     update();
 }
 
@@ -219,6 +232,11 @@ void code_window_button::keyReleaseEvent(QKeyEvent* event) {
     }
 }
 
+void code_window_button::focusInEvent(QFocusEvent* event) {
+    QAbstractButton::focusInEvent(event);
+    Q_EMIT attention_changed();
+}
+
 // The press may put the focus elsewhere, for its note: the key is held until it comes up.
 void code_window_button::focusOutEvent(QFocusEvent* event) {
     if (event->reason() == Qt::ActiveWindowFocusReason) {
@@ -227,6 +245,7 @@ void code_window_button::focusOutEvent(QFocusEvent* event) {
         qApp->installEventFilter(this);
     }
     QAbstractButton::focusOutEvent(event);
+    Q_EMIT attention_changed();
 }
 
 bool code_window_button::eventFilter(QObject* watched, QEvent* event) {
@@ -247,9 +266,11 @@ void code_window_button::hideEvent(QHideEvent* event) {
 
 void code_window_button::enterEvent(QEnterEvent*) {
     update();
+    Q_EMIT attention_changed();
 }
 void code_window_button::leaveEvent(QEvent*) {
     update();
+    Q_EMIT attention_changed();
 }
 
 void code_window_button::paintEvent(QPaintEvent*) {
@@ -257,6 +278,7 @@ void code_window_button::paintEvent(QPaintEvent*) {
     code_button_look shown;
     shown.state = state_;
     shown.state.is_down = looks_down();
+    shown.state.is_blocked = looks_blocked();
     shown.time = time_;
     shown.picture = picture_.isNull() ? nullptr : &picture_;
     shown.ping = ping();

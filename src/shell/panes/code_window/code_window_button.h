@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <optional>
 #include <set>
@@ -36,6 +37,11 @@ class code_window_button final : public QAbstractButton {
     QString time_shown() const { return time_; }
     // Null: none.
     void set_picture(const QImage& picture);
+    // What its links do, in plain words.
+    void set_link_words(const QStringList& words);
+    // A link blocked it just now: it is drawn so for a moment, whatever its state.
+    void show_blocked();
+    bool looks_blocked() const { return state_.is_blocked || blocked_time_.isActive(); }
     // Where a press is marked at the moment, in proportions of the face.
     std::optional<QPointF> ping() const;
 
@@ -54,6 +60,8 @@ class code_window_button final : public QAbstractButton {
     // next press, whatever holds it.
     void went_down(double clock_seconds, const QPointF& place, bool latches);
     void went_up(double clock_seconds);
+    // The pointer, or the focus by a key, came to it or left it.
+    void attention_changed();
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -62,6 +70,7 @@ class code_window_button final : public QAbstractButton {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
@@ -85,6 +94,8 @@ class code_window_button final : public QAbstractButton {
     QTimer lingers_;
     QPointF ping_place_;
     QTimer ping_time_;
+    QTimer blocked_time_;
+    QStringList link_words_;
     QString time_;
     QImage picture_;
 };

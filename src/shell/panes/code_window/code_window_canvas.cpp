@@ -65,6 +65,7 @@ void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
         gone->disconnect(this);
         gone->deleteLater();
     }
+    find_current();
     raise_by_depth();
     // The Tab key goes along the rows as they are seen, not as they were made.
     std::vector<code_window_button*> seen = widgets_;
@@ -77,6 +78,17 @@ void code_window_canvas::set_buttons(std::vector<code_button> buttons) {
     for (std::size_t index = 1; index < seen.size(); ++index) setTabOrder(seen[index - 1], seen[index]);
     fit_to(pane_);
     update();
+}
+
+void code_window_canvas::find_current() {
+    code_window_button* found = nullptr;
+    for (code_window_button* each : widgets_) {
+        if (each->underMouse()) found = each;
+        if (!found && each->hasFocus()) found = each;
+    }
+    if (found == current_) return;
+    current_ = found;
+    Q_EMIT current_changed();
 }
 
 // Of the same depth in the order of the code window.
@@ -96,6 +108,7 @@ void code_window_canvas::add(const code_button& button) {
             });
     connect(made, &code_window_button::went_up, this,
             [this, uuid](double clock_seconds) { Q_EMIT went_up(uuid, clock_seconds); });
+    connect(made, &code_window_button::attention_changed, this, &code_window_canvas::find_current);
     widgets_.push_back(made);
     by_uuid_[uuid] = made;
     if (const auto picture = pictures_.find(uuid); picture != pictures_.end())

@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPointer>
 #include <QWidget>
 #include <map>
 #include <optional>
@@ -38,6 +39,8 @@ class code_window_canvas final : public QWidget {
     void set_now(double collection_seconds);
     void let_go();
     std::size_t down_count() const;
+    // The button under the pointer, else the one with the focus; null: neither is there.
+    code_window_button* current() const { return current_; }
 
     // Lays out for a pane of that size; the canvas takes the size that it needs, at least the pane's.
     void fit_to(const QSize& pane);
@@ -47,6 +50,7 @@ class code_window_canvas final : public QWidget {
     // `place` in proportions of the button, from its upper left corner.
     void went_down(const std::string& uuid, double clock_seconds, const QPointF& place, bool latches);
     void went_up(const std::string& uuid, double clock_seconds);
+    void current_changed();
 
   protected:
     bool event(QEvent* event) override;
@@ -57,6 +61,7 @@ class code_window_canvas final : public QWidget {
     void add(const code_button& button);
     void raise_by_depth();
     QSizeF content() const;
+    void find_current();
     bool touch(QTouchEvent& event);
     bool put_finger(const QEventPoint& finger, double clock_seconds);
     void lift_finger(int id, double clock_seconds);
@@ -65,6 +70,7 @@ class code_window_canvas final : public QWidget {
     std::vector<code_button> all_;
     std::vector<code_window_button*> widgets_;  // in the order of the code window
     std::unordered_map<std::string, code_window_button*> by_uuid_;
+    QPointer<code_window_button> current_;
     std::map<int, std::string> fingers_;  // by their numbers, the button that each holds
     std::map<std::string, QImage> pictures_;
     std::optional<QColor> ground_;

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <utility>
 
 #include "app/event/button_outputs.h"
+#include "logger/link_graph.h"
 #include "logger/press_engine.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_view.h"
@@ -33,6 +35,7 @@ class engine_source final : public code_window_source {
     engine_source(press_engine& engine, timeline_document& timeline, transport& playing,
                   button_outputs* outputs)
         : engine_(engine), timeline_(timeline), playing_(playing), outputs_(outputs) {
+        take_links();
         if (outputs_) observed_.push_back(outputs_->changed.connect([this] { states_changed.emit(); }));
         observed_.push_back(engine_.fired.connect([this](const button_fired& fired) {
             blocked_[fired.button] = fired.blocked && fired.is_down;
@@ -51,6 +54,7 @@ class engine_source final : public code_window_source {
         observed_.push_back(engine_.buttons_changed.connect([this] {
             are_rows_known_ = false;
             buttons_changed.emit();
+            if (take_links()) links_changed.emit();
         }));
         observed_.push_back(timeline_.changed.connect([this](const change_set& change) {
             if ((change.kinds & (change_set::rows_changed | change_set::clips_changed)) == 0) return;
@@ -62,10 +66,8 @@ class engine_source final : public code_window_source {
     std::vector<code_button> buttons() const override {
         std::vector<code_button> made;
         made.reserve(engine_.buttons().size());
-        const std::vector<QStringList> words = link_words(engine_.buttons());
         for (const button_record& each : engine_.buttons()) {
             made.push_back(face_of(*each, made.size()));
-            made.back().link_words = words[made.size() - 1];
             wear(made.back(), *each);
         }
         return made;
@@ -109,20 +111,47 @@ class engine_source final : public code_window_source {
         return vistels::bound_buttons(engine_.buttons());
     }
 
+    bool has_links() const override {
+        const auto& all = engine_.buttons();
+        return std::any_of(all.begin(), all.end(),
+                           [](const button_record& one) { return one->has_action_links(); });
+    }
     std::vector<code_link> links() const override {
+        const std::vector<button_record>& buttons = engine_.buttons();
         std::vector<code_link> all;
-        for (const button_record& from : engine_.buttons()) {
-            for (const auto& link : from->action_links()) {
-                const auto* kind = link_kind_of(link.action_TYPE);
-                if (kind && engine_.button(link.linked_button_UUID))
-                    all.push_back({from->uuid(), link.linked_button_UUID, kind});
-            }
+        for (std::size_t i = 0; i < buttons.size(); ++i) {
+            for (const auto& link : graph().links_of(i))
+                all.push_back({buttons[i]->uuid(), buttons[link.target]->uuid(), link.kind});
         }
         return all;
     }
-    QStringList link_problems() const override { return vistels::link_problems(engine_.buttons()); }
+    QStringList link_words(const std::string& button) const override {
+        const std::vector<button_record>& buttons = engine_.buttons();
+        for (std::size_t i = 0; i < buttons.size() && has_links(); ++i) {
+            if (buttons[i]->uuid() == button) return vistels::link_words(buttons, graph(), i);
+        }
+        return {};
+    }
+    QStringList link_problems() const override { return vistels::link_problems(engine_.buttons(), graph()); }
 
   private:
+    // Whether they are others than before, or lead to others; most edits of a code window leave them alone.
+    bool take_links() {
+        const auto is_alike = [](const button_record& a, const button_record& b) {
+            return a.pointer() == b.pointer() || (a->uuid() == b->uuid() && a->name() == b->name() &&
+                                                  a->action_links() == b->action_links());
+        };
+        const auto& now = engine_.buttons();
+        const bool is_other = !std::equal(linked_.begin(), linked_.end(), now.begin(), now.end(), is_alike);
+        linked_ = now;
+        if (is_other) graph_.reset();
+        return is_other;
+    }
+    const link_graph& graph() const {
+        if (!graph_) graph_.emplace(engine_.buttons());
+        return *graph_;
+    }
+
     static code_button face_of(const markup_Button_Item& button, std::size_t number) {
         const logger_item_display_info display = button.display();
         const rectangle& place = display.logger_rect;
@@ -194,6 +223,8 @@ class engine_source final : public code_window_source {
     timeline_document& timeline_;
     transport& playing_;
     button_outputs* outputs_;
+    std::vector<button_record> linked_;
+    mutable std::optional<link_graph> graph_;  // theirs, when it is wanted
     std::unordered_map<std::string, bool> blocked_;
     std::string found_none_;         // the button pressed last, when there was nothing to stamp
     std::set<std::string> waiting_;  // whose attributes wait for a qualifier

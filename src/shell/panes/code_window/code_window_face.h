@@ -8,7 +8,6 @@
 #include <QPointF>
 #include <QRectF>
 #include <QString>
-#include <QStringList>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -54,7 +53,6 @@ struct code_button {
     bool fires_in_centre = false;  // every press counts as one in the middle
     bool lists_clips = false;
     QString list_title;
-    QStringList link_words;         // what it sets off, and what sets it off
     int depth = 0;                  // above 0: in front of the others, below: behind them
     QList<QPointF> traces;          // where its field was pressed, in proportions; the last one at the end
     bool traces_are_lines = false;  // from one to the next

@@ -16,8 +16,8 @@ struct code_window_metrics {
     int ping_radius = 12;
     int trace_radius = 3;
     int link_width = 2;
-    int link_head = 12;
-    int link_sign = 18;
+    int link_head = 11;
+    int link_sign = 16;
     int link_run = 5;         // radius of what runs along it
     int list_width = 320;     // of the list of a row's clips
     int list_most_lines = 8;  // that are seen at once

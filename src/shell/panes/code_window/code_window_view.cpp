@@ -2,7 +2,9 @@
 #include "shell/panes/code_window/code_window_view.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -30,7 +32,8 @@ code_window_view::code_window_view(QWidget* parent)
     : QWidget(parent),
       header_(new pane_header(QStringLiteral("code-window"), tr("Code window"), this)),
       clashes_(new QToolButton(this)),
-      shows_links_(new icon_button(QStringLiteral("link"), tr("Show the links of the buttons"), this)),
+      links_(new icon_button(QStringLiteral("link"), tr("Links of the buttons"), this)),
+      which_links_(new QActionGroup(this)),
       area_(new QScrollArea(this)),
       canvas_(new code_window_canvas(area_)),
       list_(new clip_list_popover(this)) {
@@ -42,20 +45,11 @@ code_window_view::code_window_view(QWidget* parent)
     clashes_->setFixedSize(metrics.icon_button, metrics.icon_button);
     clashes_->hide();
     header_->add_control(clashes_);
-    shows_links_->setObjectName(QStringLiteral("code_window.links"));
-    shows_links_->setCheckable(true);
-    header_->add_control(shows_links_);
-    connect(shows_links_, &QAbstractButton::toggled, this, &code_window_view::set_shows_links);
     area_->setObjectName(QStringLiteral("code_window_area"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setFocusPolicy(Qt::NoFocus);
     area_->setWidget(canvas_);
-    arrows_ = new link_arrows(canvas_, [this](const std::string& uuid) {
-        const code_window_button* one = canvas_->button(uuid);
-        return one ? QRectF(one->geometry()) : QRectF();
-    });
-    arrows_->hide();
-    canvas_->installEventFilter(this);
+    build_links();
     connect_canvas();
     // Colours that a button does not set itself come from the theme.
     theme_changed_.push_back(theme::changed().connect([this] { show_buttons(); }));
@@ -102,13 +96,15 @@ void code_window_view::set_source(std::unique_ptr<code_window_source> source) {
     if (source_) {
         connections_.push_back(source_->buttons_changed.connect([this] { show_buttons(); }));
         connections_.push_back(source_->states_changed.connect([this] { show_states(); }));
+        connections_.push_back(source_->links_changed.connect([this] { show_links(); }));
         connections_.push_back(
             source_->link_fired.connect([this](const std::string& from, const std::string& to,
-                                               const link_kind& kind) { arrows_->run(from, to, kind); }));
+                                               const link_kind& kind) { follow_link(from, to, kind); }));
         connections_.push_back(
             source_->center_wanted.connect([this](const std::string& one) { center_on(one); }));
     }
     show_buttons();
+    show_links();
 }
 
 void code_window_view::set_name(const QString& name) {
@@ -120,7 +116,8 @@ void code_window_view::show_buttons() {
     if (list_ && !canvas_->button(list_->shown_button())) list_->hide();
     fit();
     show_states();
-    show_links();
+    arrows_->raise();
+    arrows_->update();  // where the buttons are by now
     show_key_clashes();
 }
 
@@ -155,24 +152,72 @@ void code_window_view::show_key_clashes() {
     header_->update();  // what it has room for
 }
 
-void code_window_view::set_shows_links(bool shows) {
-    shows_links_->setChecked(shows);
-    arrows_->setVisible(shows);
+// Of which links there are few words: the choice is a menu, and the button is lit while any are shown.
+void code_window_view::build_links() {
+    links_->setObjectName(QStringLiteral("code_window.links"));
+    links_->setCheckable(true);
+    links_->hide();
+    header_->add_control(links_);
+    arrows_ = new link_arrows(canvas_, [this](const std::string& uuid) {
+        const code_window_button* one = canvas_->button(uuid);
+        const int margin = code_window_button::margin();
+        return one ? QRectF(one->geometry()).adjusted(margin, margin, -margin, -margin) : QRectF();
+    });
+    arrows_->hide();
+    canvas_->installEventFilter(this);
+    auto* menu = new QMenu(links_);
+    const QString lines[] = {tr("No Links"), tr("Links of the Button Pointed At"), tr("All Links")};
+    for (int which = 0; which < 3; ++which) {
+        QAction* line = menu->addAction(lines[which]);
+        line->setCheckable(true);
+        line->setChecked(which == 0);
+        which_links_->addAction(line);
+        connect(line, &QAction::triggered, this,
+                [this, which] { set_links_shown(static_cast<links_shown>(which)); });
+    }
+    connect(links_, &QAbstractButton::clicked, this, [this, menu] {
+        links_->setChecked(links_shown_ != links_shown::none);
+        menu->popup(links_->mapToGlobal(QPoint(0, links_->height())));
+    });
+    connect(canvas_, &code_window_canvas::current_changed, this, &code_window_view::show_current);
+}
+
+void code_window_view::set_links_shown(links_shown shown) {
+    links_shown_ = shown;
+    which_links_->actions()[static_cast<qsizetype>(shown)]->setChecked(true);
+    links_->setChecked(shown != links_shown::none);
+    arrows_->set_shown(shown);
     show_links();
 }
 
-// Over the buttons, wherever they are by now.
+// Made only for arrows that are seen: there may be very many.
 void code_window_view::show_links() {
-    const std::vector<code_link> links = source_ ? source_->links() : std::vector<code_link>();
-    const QStringList problems = source_ ? source_->link_problems() : QStringList();
-    shows_links_->setVisible(!links.empty() || !problems.isEmpty());
-    shows_links_->set_tip(
-        problems.isEmpty() ? tr("Show the links of the buttons")
-                           : tr("Show the links of the buttons\n%1").arg(problems.join(QLatin1Char('\n'))));
+    const bool has_any = source_ && source_->has_links();
+    const QStringList problems = has_any ? source_->link_problems() : QStringList();
+    links_->setVisible(has_any);
+    links_->set_icon(problems.isEmpty() ? QStringLiteral("link") : QStringLiteral("warning"));
+    links_->set_tip(problems.isEmpty()
+                        ? tr("Links of the buttons")
+                        : tr("Links of the buttons. To look at:\n%1").arg(problems.join(QLatin1Char('\n'))));
     header_->update();
-    arrows_->set_links(arrows_->isVisibleTo(canvas_) ? links : std::vector<code_link>());
+    const bool is_seen = has_any && links_shown_ != links_shown::none;
+    arrows_->set_links(is_seen ? source_->links() : std::vector<code_link>());
     arrows_->setGeometry(canvas_->rect());
     arrows_->raise();
+    show_current();
+}
+
+// What the button does with others is told where it is pointed at.
+void code_window_view::show_current() {
+    code_window_button* current = canvas_->current();
+    if (current && source_) current->set_link_words(source_->link_words(current->button().uuid));
+    arrows_->set_current(current ? current->button().uuid : std::string());
+}
+
+void code_window_view::follow_link(const std::string& from, const std::string& to, const link_kind& kind) {
+    arrows_->run(from, to, kind);
+    code_window_button* target = canvas_->button(to);
+    if (target && kind.effect == link_effect::block) target->show_blocked();
 }
 
 bool code_window_view::eventFilter(QObject* watched, QEvent* event) {

@@ -16,6 +16,7 @@
 #include "timeline/records/clip_list.h"
 #include "util/signal.h"
 
+class QActionGroup;
 class QScrollArea;
 class QToolButton;
 
@@ -47,12 +48,15 @@ class code_window_source {
     // Of the row that the button's clips go to.
     virtual clip_list clips_of(const std::string& button) const = 0;
     virtual std::vector<bound_button> bound_buttons() const = 0;
+    virtual bool has_links() const = 0;
     virtual std::vector<code_link> links() const = 0;
-    // What is wrong with them.
+    // What those of the button do, in plain words; what is wrong with any.
+    virtual QStringList link_words(const std::string& button) const = 0;
     virtual QStringList link_problems() const = 0;
 
     signal<> buttons_changed;
     signal<> states_changed;
+    signal<> links_changed;
     // The button is to be in the middle of what is seen.
     signal<const std::string&> center_wanted;
     // A link was followed: from one button to another.
@@ -94,8 +98,9 @@ class code_window_view final : public QWidget, public pane {
     void scroll_to(const QPointF& place);
     // The window's actions are others; what a button's key takes from them is told in the header.
     void show_key_clashes();
-    // The links of the buttons as arrows over them.
-    void set_shows_links(bool shows);
+    // Which of the buttons' links are drawn over them. The user chooses by the header's button, too.
+    void set_links_shown(links_shown shown);
+    links_shown shown_links() const { return links_shown_; }
 
     // The user chose a time in a button's list.
     signal<double> seek_asked;
@@ -105,6 +110,7 @@ class code_window_view final : public QWidget, public pane {
     // The size at which nothing is scaled or scrolled.
     QSize sizeHint() const override;
     code_window_canvas& canvas() { return *canvas_; }
+    link_arrows& arrows() { return *arrows_; }
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -122,13 +128,18 @@ class code_window_view final : public QWidget, public pane {
     void fit();
     void scroll();
     void note_scroll();
+    void build_links();
     void show_links();
+    void show_current();
+    void follow_link(const std::string& from, const std::string& to, const link_kind& kind);
     void center_on(const std::string& button);
 
     std::unique_ptr<code_window_source> source_;
     pane_header* header_;
     QToolButton* clashes_;
-    icon_button* shows_links_;
+    icon_button* links_;
+    QActionGroup* which_links_;
+    links_shown links_shown_ = links_shown::none;
     link_arrows* arrows_;
     QScrollArea* area_;
     code_window_canvas* canvas_;

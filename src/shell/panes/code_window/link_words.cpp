@@ -3,11 +3,15 @@
 
 #include <QCoreApplication>
 #include <algorithm>
-#include <unordered_map>
+#include <string>
+#include <unordered_set>
 
 namespace vistels {
 
 namespace {
+
+constexpr std::size_t most_lines = 8;
+constexpr std::size_t most_names = 6;
 
 QString words(const char* text) {
     return QCoreApplication::translate("link_words", text);
@@ -17,8 +21,21 @@ QString name_of(const markup_Button_Item& button) {
     return QString::fromStdString(button.name());
 }
 
-QString quoted(const QStringList& names) {
-    return QStringLiteral("“%1”").arg(names.join(QStringLiteral("”, “")));
+// "and 12 more", where there are more than can be read.
+template <class Line>
+QStringList first_of(std::size_t count, std::size_t most, Line line) {
+    QStringList all;
+    for (std::size_t i = 0; i < std::min(count, most); ++i) all << line(i);
+    if (count > most) all << words("and %1 more").arg(count - most);
+    return all;
+}
+
+using button_places = std::vector<std::size_t>;
+
+// "“A”, “B”, and 3 more"
+QString quoted(const std::vector<button_record>& buttons, const button_places& which) {
+    const auto name = [&](std::size_t i) { return QStringLiteral("“%1”").arg(name_of(*buttons[which[i]])); };
+    return first_of(which.size(), most_names, name).join(QStringLiteral(", "));
 }
 
 // "goes up"
@@ -49,128 +66,152 @@ QString effect_words(link_effect effect) {
 }
 
 // "“Attack” goes down", "“A”, “B” are all down"
-QString moment_words(link_moment moment, const QStringList& sources) {
+QString moment_words(link_moment moment, const QString& sources) {
     switch (moment) {
         case link_moment::down:
-            return words("%1 goes down").arg(quoted(sources));
+            return words("%1 goes down").arg(sources);
         case link_moment::up:
-            return words("%1 goes up").arg(quoted(sources));
+            return words("%1 goes up").arg(sources);
         case link_moment::all_down:
-            return words("%1 are all down").arg(quoted(sources));
+            return words("%1 are all down").arg(sources);
         case link_moment::all_up:
-            return words("%1 are all up").arg(quoted(sources));
+            return words("%1 are all up").arg(sources);
         case link_moment::any_up:
-            return words("any of %1 is up").arg(quoted(sources));
+            return words("any of %1 is up").arg(sources);
     }
     return {};
 }
 
-using places = std::unordered_map<std::string, std::size_t>;
-
-places places_of(const std::vector<button_record>& buttons) {
-    places all;
-    for (std::size_t i = 0; i < buttons.size(); ++i) all.emplace(buttons[i]->uuid(), i);
+// The buttons that have this kind of link to the target.
+button_places sources_of(const std::vector<button_record>& buttons, const link_graph& graph,
+                         const link_graph::link& like) {
+    button_places all;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        const auto& links = graph.links_of(i);
+        if (std::any_of(links.begin(), links.end(),
+                        [&](const auto& one) { return one.kind == like.kind && one.target == like.target; }))
+            all.push_back(i);
+    }
     return all;
 }
 
-// The names of the buttons that have this kind of link to the target.
-QStringList sources_of(const std::vector<button_record>& buttons, const link_kind& kind,
-                       const std::string& target) {
-    QStringList names;
-    for (const button_record& button : buttons) {
-        const auto links = button->action_links();
-        if (std::any_of(links.begin(), links.end(), [&](const auto& one) {
-                return one.linked_button_UUID == target && link_kind_of(one.action_TYPE) == &kind;
-            }))
-            names << name_of(*button);
-    }
-    return names;
-}
-
-// Follows the links that change states, and notes each button from which a way leads back to itself.
+// Circles of links in which a change of state leads to itself: the groups of states from each of which there
+// is a way to every other.
 class circle_finder {
   public:
-    explicit circle_finder(const std::vector<button_record>& buttons)
-        : buttons_(buttons), all_(places_of(buttons)) {}
+    circle_finder(std::size_t buttons, const link_graph& graph)
+        : graph_(graph), seen_(2 * buttons, 0), lowest_(2 * buttons, 0), is_on_way_(2 * buttons, false) {}
 
-    QStringList circles() {
-        QStringList found;
-        state_.assign(buttons_.size(), state::unseen);
-        for (std::size_t i = 0; i < buttons_.size(); ++i) {
-            if (state_[i] == state::unseen) follow(i, found);
+    // The buttons of each.
+    std::vector<button_places> circles() {
+        for (std::size_t state = 0; state < seen_.size(); ++state) {
+            if (seen_[state] == 0) follow(state);
         }
-        return found;
+        return std::move(found_);
     }
 
   private:
-    enum class state { unseen, on_the_way, done };
-
-    void follow(std::size_t place, QStringList& found) {
-        state_[place] = state::on_the_way;
-        way_.push_back(place);
-        for (const auto& link : buttons_[place]->action_links()) {
-            const auto* kind = link_kind_of(link.action_TYPE);
-            const auto target = all_.find(link.linked_button_UUID);
-            if (!kind || !kind->sets_state() || target == all_.end() || target->second == place) continue;
-            if (state_[target->second] == state::unseen)
-                follow(target->second, found);
-            else if (state_[target->second] == state::on_the_way)
-                note(target->second, found);
+    // A button going up is the state 2n, going down 2n + 1.
+    template <class Visit>
+    void leads_to(std::size_t state, Visit visit) const {
+        for (const auto& link : graph_.links_of(state / 2)) {
+            if (!link.kind->sets_state() || link.kind->acts_on_down() != (state % 2 == 1)) continue;
+            if (link.kind->effect != link_effect::set_down) visit(2 * link.target);
+            if (link.kind->effect != link_effect::set_up) visit(2 * link.target + 1);
         }
-        way_.pop_back();
-        state_[place] = state::done;
     }
 
-    void note(std::size_t from, QStringList& found) {
-        QStringList names;
-        for (auto at = std::find(way_.begin(), way_.end(), from); at != way_.end(); ++at)
-            names << name_of(*buttons_[*at]);
-        found << words("%1 set each other off in a circle: each changes once").arg(quoted(names));
+    void follow(std::size_t state) {
+        seen_[state] = lowest_[state] = ++count_;
+        way_.push_back(state);
+        is_on_way_[state] = true;
+        leads_to(state, [&](std::size_t next) {
+            if (seen_[next] == 0) follow(next);
+            if (is_on_way_[next]) lowest_[state] = std::min(lowest_[state], lowest_[next]);
+        });
+        if (lowest_[state] == seen_[state]) take_group(state);
     }
 
-    const std::vector<button_record>& buttons_;
-    const places all_;
-    std::vector<state> state_;
+    void take_group(std::size_t first) {
+        button_places buttons;
+        std::size_t state = 0;
+        do {
+            state = way_.back();
+            way_.pop_back();
+            is_on_way_[state] = false;
+            buttons.push_back(state / 2);
+        } while (state != first);
+        std::sort(buttons.begin(), buttons.end());
+        buttons.erase(std::unique(buttons.begin(), buttons.end()), buttons.end());
+        const bool is_new = std::find(found_.begin(), found_.end(), buttons) == found_.end();
+        if (buttons.size() > 1 && is_new) found_.push_back(std::move(buttons));
+    }
+
+    const link_graph& graph_;
+    std::vector<std::size_t> seen_;  // in which order, from 1; 0: not yet
+    std::vector<std::size_t> lowest_;
+    std::vector<bool> is_on_way_;
     std::vector<std::size_t> way_;
+    std::size_t count_ = 0;
+    std::vector<button_places> found_;
 };
 
-}  // namespace
+// A link that is told, and where it comes from.
+struct told_link {
+    std::size_t from = 0;
+    const link_graph::link* link = nullptr;
+};
 
-std::vector<QStringList> link_words(const std::vector<button_record>& buttons) {
-    std::vector<QStringList> all(buttons.size());
-    const places where = places_of(buttons);
-    for (std::size_t i = 0; i < buttons.size(); ++i) {
-        for (const auto& link : buttons[i]->action_links()) {
-            const auto* kind = link_kind_of(link.action_TYPE);
-            const auto target = where.find(link.linked_button_UUID);
-            if (!kind || target == where.end()) continue;
-            const QString effect = effect_words(kind->effect);
-            const QStringList sources = kind->has_condition()
-                                            ? sources_of(buttons, *kind, link.linked_button_UUID)
-                                            : QStringList(name_of(*buttons[i]));
-            const QString moment = moment_words(kind->moment, sources);
-            const QString of_target = name_of(*buttons[target->second]);
-            all[i] << words("When %1, “%2” %3.").arg(moment, of_target, effect);
-            if (target->second == i) continue;
-            const QString incoming = words("When %1, this %2.").arg(moment, effect);
-            if (!all[target->second].contains(incoming)) all[target->second] << incoming;
+// Those of the button, then those to it; of several that one sentence tells the first.
+std::vector<told_link> told_links(std::size_t buttons, const link_graph& graph, std::size_t button) {
+    std::vector<told_link> all;
+    for (const auto& link : graph.links_of(button)) all.push_back({button, &link});
+    std::unordered_set<const link_kind*> conditions;
+    for (std::size_t from = 0; from < buttons; ++from) {
+        if (from == button) continue;
+        for (const auto& link : graph.links_of(from)) {
+            if (link.target != button) continue;
+            if (!link.kind->has_condition() || conditions.insert(link.kind).second)
+                all.push_back({from, &link});
         }
     }
     return all;
 }
 
-QStringList link_problems(const std::vector<button_record>& buttons) {
+}  // namespace
+
+QStringList link_words(const std::vector<button_record>& buttons, const link_graph& graph,
+                       std::size_t button) {
+    const auto told = told_links(buttons.size(), graph, button);
+    return first_of(told.size(), most_lines, [&](std::size_t i) {
+        const auto& [from, link] = told[i];
+        const auto sources =
+            link->kind->has_condition() ? sources_of(buttons, graph, *link) : button_places{from};
+        const QString target =
+            from == button ? QStringLiteral("“%1”").arg(name_of(*buttons[link->target])) : words("this");
+        return words("When %1, %2 %3.")
+            .arg(moment_words(link->kind->moment, quoted(buttons, sources)), target,
+                 effect_words(link->kind->effect));
+    });
+}
+
+QStringList link_problems(const std::vector<button_record>& buttons, const link_graph& graph) {
+    std::unordered_set<std::string> known;
+    for (const button_record& button : buttons) known.insert(button->uuid());
     QStringList found;
-    const places where = places_of(buttons);
     for (const button_record& button : buttons) {
         for (const auto& link : button->action_links()) {
-            if (where.contains(link.linked_button_UUID) || !link_kind_of(link.action_TYPE)) continue;
+            if (known.contains(link.linked_button_UUID) || !link_kind_of(link.action_TYPE)) continue;
             found << words("“%1”: a link (%2) leads to “%3”, which is not there any more")
                          .arg(name_of(*button), QString::fromUtf8(link_text(link.action_TYPE).data()),
                               QString::fromStdString(link.linked_button_name));
         }
     }
-    return found + circle_finder(buttons).circles();
+    for (const button_places& circle : circle_finder(buttons.size(), graph).circles()) {
+        found << words("%1 set each other off in a circle: each changes once").arg(quoted(buttons, circle));
+    }
+    return first_of(static_cast<std::size_t>(found.size()), most_lines,
+                    [&](std::size_t i) { return found[static_cast<qsizetype>(i)]; });
 }
 
 QString link_sign(const link_kind& kind) {
