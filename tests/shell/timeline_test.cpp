@@ -394,6 +394,37 @@ TEST_F(timeline_pane, clocks_of_timer_rows_run_on_what_grows_and_on_what_has_end
     EXPECT_TRUE(view_rows()[1].live.empty());
 }
 
+TEST_F(timeline_pane, triggers_of_buttons_are_marked_in_their_rows_or_on_the_ruler) {
+    const QImage before = canvas_->grab().toImage();
+    const QColor red(255, 0, 0);
+    view_.state().set_triggers({{shared_text("b"), "Cross", 15, trigger_effect::goes_up, red},
+                                {shared_text(), "Press", 20, trigger_effect::goes_down, red},
+                                {shared_text("none"), "Gone", 10, trigger_effect::goes_down, red},
+                                {shared_text("b"), "Cross", 12, trigger_effect::none, {}}});
+    ASSERT_EQ(view_rows()[1].triggers.size(), 2U);
+    EXPECT_EQ(view_rows()[1].triggers[0].at, 12);
+    EXPECT_EQ(view_rows()[1].triggers[1].at, 15);
+    EXPECT_TRUE(view_rows()[0].triggers.empty());
+    ASSERT_EQ(view_rows().ruler_triggers().size(), 2U);
+    EXPECT_EQ(view_rows().ruler_triggers()[0].button, QStringLiteral("Gone"));
+    const QImage after = canvas_->grab().toImage();
+    const auto is_marked = [&](int x, int y) {
+        return after.pixelColor(x, y) != before.pixelColor(x, y) &&
+               after.pixelColor(x, y).red() > 2 * after.pixelColor(x, y).blue();
+    };
+    const int bottom = timeline_sizes.ruler_height + view_rows()[1].top + view_rows()[1].height;
+    EXPECT_TRUE(is_marked(152, bottom - 4)) << "a wedge at the bottom: it goes up";
+    EXPECT_FALSE(is_marked(152, bottom - view_rows()[1].height + 3));
+    EXPECT_TRUE(is_marked(201, timeline_sizes.ruler_height - timeline_sizes.major_tick_length + 1));
+    // They stay when rows are read anew, and come to a row that is made for them.
+    ASSERT_TRUE(document_->apply({"made", "", {operation::insert_row{2, row_of("none", "Gone")}}}));
+    EXPECT_EQ(view_rows()[1].triggers.size(), 2U);
+    EXPECT_EQ(view_rows()[2].triggers.size(), 1U);
+    EXPECT_EQ(view_rows().ruler_triggers().size(), 1U);
+    view_.state().set_triggers({});
+    EXPECT_TRUE(view_rows()[1].triggers.empty());
+}
+
 TEST_F(timeline_pane, triggers_on_clips_are_marked) {
     const QImage before = canvas_->grab().toImage();
     operation::change_clip change{"a1", {}, {}};

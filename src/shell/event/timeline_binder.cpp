@@ -21,6 +21,33 @@
 
 namespace vistels {
 
+namespace {
+
+trigger_effect effect_of(const trigger_event_ITEM& trigger) {
+    const std::string_view type = trigger.trigger_Type.str();
+    if (type == going_down_trigger) return trigger_effect::goes_down;
+    return type == going_up_trigger ? trigger_effect::goes_up : trigger_effect::none;
+}
+
+std::vector<button_trigger> triggers_of(const press_engine& logger) {
+    const std::vector<row_pointer> rows = logger.rows_of_all();
+    std::vector<button_trigger> all;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const markup_Button_Item& button = *logger.buttons()[i];
+        if (!button.has_triggers()) continue;
+        const auto look = button.display().button_colour;
+        for (const trigger_event_ITEM& trigger : button.triggers()) {
+            const auto& colour = trigger.trigger_colour_24 ? trigger.trigger_colour_24 : look;
+            all.push_back({rows[i] ? rows[i]->uuid() : shared_text(), QString::fromStdString(button.name()),
+                           trigger.trigger_Time, effect_of(trigger),
+                           colour ? std::optional(to_qt(*colour)) : std::nullopt});
+        }
+    }
+    return all;
+}
+
+}  // namespace
+
 timeline_binder::timeline_binder(timeline_view& view, event_session& session, const home_places& places)
     : view_(view),
       session_(session),
@@ -70,6 +97,8 @@ void timeline_binder::show(open_event* event) {
     tick_.reset();
     reach_changed_.disconnect();
     growing_changed_.disconnect();
+    buttons_changed_.disconnect();
+    rows_changed_.disconnect();
     if (!event) filter_->set_event(nullptr, nullptr);
     if (shown_) session_.player().forget_selection(shown_->selection());
     event_ = event;
@@ -83,6 +112,11 @@ void timeline_binder::show(open_event* event) {
     show_reach();
     growing_changed_ = event->logger().fired.connect([this](const button_fired&) { show_growing(); });
     show_growing();
+    buttons_changed_ = event->logger().buttons_changed.connect([this] { show_triggers(); });
+    rows_changed_ = event->timeline().changed.connect([this](const change_set& change) {
+        if ((change.kinds & change_set::rows_changed) != 0) show_triggers();
+    });
+    show_triggers();
     tick_ = std::make_unique<pane_tick>(*event, session_.player(), [this] { view_.tick(); });
 }
 
@@ -112,6 +146,18 @@ void timeline_binder::show_growing() {
     if (growing.empty() && !shows_growing_) return;
     shows_growing_ = !growing.empty();
     view_.set_unsaved_growing(std::move(growing));
+}
+
+// Of the buttons, where their clips go.
+void timeline_binder::show_triggers() {
+    press_engine& logger = event_->logger();
+    const auto has_any = [](const button_record& one) { return one->has_triggers(); };
+    const std::vector<button_record>& buttons = logger.buttons();
+    std::vector<button_trigger> all;
+    if (std::any_of(buttons.begin(), buttons.end(), has_any)) all = triggers_of(logger);
+    if (all.empty() && !shows_triggers_) return;
+    shows_triggers_ = !all.empty();
+    view_.state().set_triggers(std::move(all));
 }
 
 void timeline_binder::play_selected() {

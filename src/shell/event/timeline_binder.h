@@ -49,6 +49,7 @@ class timeline_binder final : public QObject, public event_binder {
     void lead_player();
     void show_reach();
     void show_growing();
+    void show_triggers();
 
     timeline_view& view_;
     event_session& session_;
@@ -62,7 +63,10 @@ class timeline_binder final : public QObject, public event_binder {
     std::vector<connection> lasting_;
     connection reach_changed_;
     connection growing_changed_;
+    connection buttons_changed_;
+    connection rows_changed_;
     bool shows_growing_ = false;
+    bool shows_triggers_ = false;
 };
 
 }  // namespace vistels

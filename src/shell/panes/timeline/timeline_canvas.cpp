@@ -149,7 +149,13 @@ void timeline_canvas::paintEvent(QPaintEvent* event) {
     painter.setClipRegion(event->region());
     const QRect flag = state_.has_timeline() ? flag_place() : QRect();
     const QRect ruler(0, 0, width(), timeline_sizes.ruler_height);
-    if (dirty.intersects(ruler)) parts.paint_ruler(painter, state_.scale(), ruler, flag);
+    if (dirty.intersects(ruler)) {
+        parts.paint_ruler(painter, state_.scale(), ruler, flag);
+        const QRect below(0, ruler.bottom() - timeline_sizes.major_tick_length, width(),
+                          timeline_sizes.major_tick_length);
+        parts.paint_triggers(painter, state_.rows().ruler_triggers(), look.muted, state_.scale(), below,
+                             dirty);
+    }
     if (state_.has_timeline()) {
         if (x >= -metrics.playhead_width && x <= width() + metrics.playhead_width) {
             parts.paint_playhead(painter, x, flag.bottom(), height());
@@ -183,6 +189,8 @@ void timeline_canvas::paint_rows(QPainter& painter, const QRect& dirty) {
         painter.fillRect(QRect(0, place.bottom(), width(), metrics.line), look.line);
         parts.paint_clips(painter, row, state_.scale(), place, dirty);
         parts.paint_marks(painter, row, state_.scale(), place, dirty);
+        if (!row.triggers.empty())
+            parts.paint_triggers(painter, row.triggers, row.colour, state_.scale(), place, dirty);
         if (!row.live.empty())
             parts.paint_live(painter, row, state_.scale(), place, state_.playhead(), pulse);
     }

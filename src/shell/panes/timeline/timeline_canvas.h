@@ -80,6 +80,7 @@ class timeline_canvas final : public QWidget {
     void update_clocks(std::size_t index, double playhead_x);
     void describe_selection();
     QString description(const hit& found) const;
+    QString triggers_at(const QPoint& point) const;
 
     timeline_state& state_;
     std::unique_ptr<timeline_painter> painter_;

@@ -27,7 +27,9 @@ bool timeline_canvas::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         const hit found = hit_at(help->pos());
-        if (found.clip) {
+        if (const QString told = triggers_at(help->pos()); !told.isEmpty()) {
+            QToolTip::showText(help->globalPos(), told, this);
+        } else if (found.clip) {
             QToolTip::showText(help->globalPos(), description(found), this, clip_place(found));
         } else {
             QToolTip::hideText();
@@ -35,6 +37,25 @@ bool timeline_canvas::event(QEvent* event) {
         return true;
     }
     return QWidget::event(event);
+}
+
+// What those of buttons do that are drawn there.
+QString timeline_canvas::triggers_at(const QPoint& point) const {
+    const hit found = hit_at(point);
+    const bool is_ruler = found.what == hit::part::ruler;
+    if (!is_ruler && found.row >= state_.rows().size()) return {};
+    const double near = timeline_sizes.trigger_mark / 2.0;
+    QStringList told;
+    for (const button_trigger& one :
+         is_ruler ? state_.rows().ruler_triggers() : state_.rows()[found.row].triggers) {
+        if (std::abs(state_.scale().x_of(one.at) - point.x()) > near) continue;
+        const QString at = time_text(one.at, time_form::clock);
+        const QString words = one.effect == trigger_effect::goes_down ? tr("%1: “%2” goes down")
+                              : one.effect == trigger_effect::goes_up ? tr("%1: “%2” goes up")
+                                                                      : tr("%1: “%2”, does nothing");
+        told << words.arg(at, one.button.toHtmlEscaped());
+    }
+    return told.join(QStringLiteral("<br>"));
 }
 
 QString timeline_canvas::description(const hit& found) const {

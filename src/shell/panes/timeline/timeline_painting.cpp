@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "shell/kit/icons.h"
@@ -366,6 +367,40 @@ void timeline_painter::paint_marks(QPainter& painter, const timeline_row& row, c
         painter.setBrush(mark.colour.darker(timeline_sizes.trigger_mark_darker));
         painter.drawPolygon(QPolygonF(
             {QPointF(x - half, top), QPointF(x + half, top), QPointF(x, top + timeline_sizes.trigger_mark)}));
+    }
+    painter.restore();
+}
+
+void timeline_painter::paint_triggers(QPainter& painter, const std::vector<button_trigger>& triggers,
+                                      const QColor& usual, const timeline_scale& scale, const QRect& place,
+                                      const QRect& dirty) {
+    const double half = timeline_sizes.trigger_mark / 2.0;
+    const auto left = std::lower_bound(triggers.begin(), triggers.end(),
+                                       scale.seconds_at(dirty.left() - place.left() - half),
+                                       [](const auto& one, double at) { return one.at < at; });
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    double last_x = -std::numeric_limits<double>::infinity();
+    trigger_effect last = trigger_effect::none;
+    for (auto one = left; one != triggers.end(); ++one) {
+        const double x = place.left() + to_pixel(scale.x_of(one->at)) + look_.metrics.line / 2.0;
+        if (x > dirty.right() + half) break;
+        // Of those that lie on each other one is seen.
+        if (x == last_x && one->effect == last) continue;
+        last_x = x;
+        last = one->effect;
+        const QColor colour = one->colour.value_or(usual);
+        painter.setPen(QPen(look_.selection_gap, 3.0 * look_.metrics.line));
+        painter.drawLine(QPointF(x, place.top()), QPointF(x, place.bottom()));
+        painter.setPen(QPen(colour, look_.metrics.line));
+        painter.drawLine(QPointF(x, place.top()), QPointF(x, place.bottom()));
+        if (one->effect == trigger_effect::none) continue;
+        const bool is_down = one->effect == trigger_effect::goes_down;
+        const double base = is_down ? place.top() : place.bottom();
+        const double tip = base + (is_down ? 1 : -1) * timeline_sizes.trigger_mark;
+        painter.setPen(QPen(look_.selection_gap, look_.metrics.line));
+        painter.setBrush(colour);
+        painter.drawPolygon(QPolygonF({QPointF(x - half, base), QPointF(x + half, base), QPointF(x, tip)}));
     }
     painter.restore();
 }

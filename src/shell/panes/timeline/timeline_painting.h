@@ -38,6 +38,10 @@ class timeline_painter {
     // The triggers on the clips.
     void paint_marks(QPainter& painter, const timeline_row& row, const timeline_scale& scale,
                      const QRect& place, const QRect& dirty);
+    // Triggers of buttons, in a row or on the ruler, on a line from its upper to its lower edge: a wedge at
+    // the top points down where the button goes down, one at the bottom up where it goes up.
+    void paint_triggers(QPainter& painter, const std::vector<button_trigger>& triggers, const QColor& usual,
+                        const timeline_scale& scale, const QRect& place, const QRect& dirty);
     // A clip that is being dragged.
     void paint_ghost(QPainter& painter, const QColor& colour, const QRect& place);
 

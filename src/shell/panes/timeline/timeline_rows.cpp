@@ -133,6 +133,7 @@ void timeline_rows::read(const clip_view& view, const theme& look, rows_display 
         rows_.push_back(std::move(row));
     }
     read_live(timeline);
+    place_triggers();
 }
 
 void timeline_rows::update(const clip_view& view, const change_set& change, const theme& look) {
@@ -167,6 +168,8 @@ bool timeline_rows::take_verdicts(const clip_view& view) {
 
 void timeline_rows::clear() {
     rows_.clear();
+    triggers_.clear();
+    ruler_triggers_.clear();
 }
 
 std::size_t timeline_rows::row_at(int y) const {
@@ -198,6 +201,22 @@ void timeline_rows::read_live(const sxy_DATA_root& timeline) {
 void timeline_rows::set_unsaved(const sxy_DATA_root& timeline, std::vector<clip_place> growing) {
     unsaved_ = std::move(growing);
     read_live(timeline);
+}
+
+void timeline_rows::set_triggers(std::vector<button_trigger> all) {
+    triggers_ = std::move(all);
+    std::stable_sort(triggers_.begin(), triggers_.end(),
+                     [](const auto& a, const auto& b) { return a.at < b.at; });
+    place_triggers();
+}
+
+void timeline_rows::place_triggers() {
+    ruler_triggers_.clear();
+    for (timeline_row& row : rows_) row.triggers.clear();
+    for (const button_trigger& one : triggers_) {
+        const std::size_t index = one.row.str().empty() ? size() : row_with(one.row);
+        (index == size() ? ruler_triggers_ : rows_[index].triggers).push_back(one);
+    }
 }
 
 std::optional<double> clock_of(const timeline_row& row, double at) {

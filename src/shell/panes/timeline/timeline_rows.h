@@ -28,6 +28,18 @@ struct trigger_mark {
     QColor colour;
 };
 
+// What the playhead does to a button where it passes a trigger of it.
+enum class trigger_effect { goes_down, goes_up, none };
+
+// A trigger of a button.
+struct button_trigger {
+    shared_text row;  // that its clips go to; empty: there is none
+    QString button;
+    double at = 0;
+    trigger_effect effect = trigger_effect::none;
+    std::optional<QColor> colour;  // none: that of the row
+};
+
 // One row as it is drawn; made from the record, and anew when that changes.
 struct timeline_row {
     shared_text uuid;
@@ -40,8 +52,9 @@ struct timeline_row {
     clip_track dimmed;                 // those that do not, unless they are hidden
     clip_track selected;               // those that are not hidden
     std::vector<live_piece> live;
-    std::vector<trigger_mark> marks;  // of its clips
-    bool is_timer = false;            // a clock is shown for it and on its clips
+    std::vector<trigger_mark> marks;       // of its clips
+    std::vector<button_trigger> triggers;  // of the buttons whose clips it gets, in order of time
+    bool is_timer = false;                 // a clock is shown for it and on its clips
     timer_clocks clocks;
     std::uint32_t clips = 0;
     std::uint32_t passing = 0;
@@ -71,6 +84,9 @@ class timeline_rows {
     void update(const clip_view& view, const change_set& change, const theme& look);
     // Clips that grow without being on the timeline, by their rows.
     void set_unsaved(const sxy_DATA_root& timeline, std::vector<clip_place> growing);
+    // Triggers of buttons: each is shown in its row, those without one that is shown on the ruler.
+    void set_triggers(std::vector<button_trigger> all);
+    const std::vector<button_trigger>& ruler_triggers() const { return ruler_triggers_; }
     // Rows in which other clips are selected.
     void take_selection(const clip_view& view, const clip_selection::rows& touched);
     void clear();
@@ -87,10 +103,13 @@ class timeline_rows {
 
   private:
     void read_live(const sxy_DATA_root& timeline);
+    void place_triggers();
 
     std::vector<timeline_row> rows_;
     rows_display display_;
     std::vector<clip_place> unsaved_;
+    std::vector<button_trigger> triggers_;  // of all
+    std::vector<button_trigger> ruler_triggers_;
 };
 
 // What the clock of a timer row shows at a time; nothing where there is none.

@@ -353,6 +353,12 @@ void timeline_state::set_unsaved_growing(std::vector<clip_place> growing) {
     rows_changed.emit();
 }
 
+void timeline_state::set_triggers(std::vector<button_trigger> all) {
+    if (!document_) return;
+    rows_.set_triggers(std::move(all));
+    rows_changed.emit();
+}
+
 std::optional<double> timeline_state::clock_of_row(const timeline_row& row) const {
     return clock_of(row, playhead_);
 }

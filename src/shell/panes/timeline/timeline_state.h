@@ -55,6 +55,8 @@ class timeline_state {
     const clip_verdicts& verdicts() const { return view_->verdicts(); }
     // Clips that grow without being on the timeline.
     void set_unsaved_growing(std::vector<clip_place> growing);
+    // Of the buttons of the code window.
+    void set_triggers(std::vector<button_trigger> all);
     // What the row's clock shows now; nothing when it has none.
     std::optional<double> clock_of_row(const timeline_row& row) const;
     // The filter judged anew. Reads only the rows in which that made a difference.
