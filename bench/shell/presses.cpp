@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Measures presses of keys in the window, offscreen, at 1600x1000, with a long timeline:
-//   bench_shell_presses [--short] [--clips N] [--buttons N]
+//   bench_shell_presses [--short] [--links] [--clips N] [--buttons N]
 // Keys go down and up at random places of the event, standing still and playing. Each is timed from the key
 // event to the moment at which its edit is on record and told to all, for a release without the time that
 // tells it from a repeat, and to the moment at which timeline and code window are painted with it; by the
-// wall clock. Exits with 1 when a target is missed.
+// wall clock. Then the same for a button that puts fifty others down and up, while twenty show what formulas
+// say of all clips; with --links that alone. Exits with 1 when a target is missed.
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -15,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "app/event/button_outputs.h"
 #include "app/event/event_player.h"
 #include "app/event/open_event.h"
 #include "app/start/start_up.h"
@@ -46,6 +48,8 @@ constexpr double most_to_paint = 0.016;
 constexpr double repeat_seconds = 0.012;  // what a release waits to be told from a repeat
 constexpr int event_milliseconds = 6'000'000;
 constexpr quint32 first_native_code = 8;
+constexpr std::size_t linked_buttons = 50;
+constexpr std::size_t formula_buttons = 20;
 constexpr std::size_t kinds = 4;  // three of four buttons make clips, the rest are qualifiers
 
 double percentile(std::vector<double> values, double share) {
@@ -82,6 +86,32 @@ std::vector<button_record> buttons_of(std::size_t count) {
         display.binding->key_code = static_cast<std::uint16_t>(n + 1);
         button.set_display(std::move(display));
         all.emplace_back(std::move(button));
+    }
+    return all;
+}
+
+// The first one is linked to those after it, so that they follow it down and up; of all every so many'th has
+// a formula.
+std::vector<button_record> linked(std::vector<button_record> all) {
+    const char* const types[] = {"count", "duration", "percentage", "first time"};
+    const std::size_t every = std::max<std::size_t>(1, all.size() / formula_buttons);
+    std::vector<markup_Button_Action_Link_ITEM> links;
+    for (const char* code : {"ON_DOWN_SET_DOWN", "ON_UP_SET_UP"}) {
+        for (std::size_t n = 1; n <= std::min(linked_buttons, all.size() - 1); ++n)
+            links.push_back({code, std::nullopt, all[n]->uuid(), all[n]->name(), all[n]->category(), {}});
+    }
+    for (std::size_t n = 0; n < all.size(); ++n) {
+        all[n] = changed_button(all[n], [&](markup_Button_Item& button) {
+            if (n == 0) button.set_action_links(links);
+            if (n % every != 0) return;
+            const std::string row = "[RN]\"Button " + std::to_string(n + n % kinds / (kinds - 1)) + "\"";
+            button.set_formula({n % (2 * every) == 0 ? row : row + "|[QN]\"Button 3\"",
+                                "",
+                                types[n / every % 4],
+                                "",
+                                false,
+                                {}});
+        });
     }
     return all;
 }
@@ -175,6 +205,31 @@ class pressed_window {
         return all_met;
     }
 
+    bool measure_links(bool plays, std::size_t presses) {
+        times down, up;
+        const auto all = linked(buttons_);
+        event().logger().set_buttons(all, 0);
+        event().outputs().set_buttons(all);
+        go_on_for(1);
+        if (plays) event().playback().play();
+        for (std::size_t n = 0; n < presses; ++n) {
+            event().playback().seek(static_cast<double>(random_() % event_milliseconds) / 1e3);
+            go_on_for(0.1);
+            send(QEvent::KeyPress, 0, down);
+            go_on_for(0.05);
+            if (event().logger().down_buttons().size() <= linked_buttons)
+                stop_with("Links were not followed");
+            send(QEvent::KeyRelease, 0, up);
+        }
+        event().playback().pause();
+        std::printf("%zu links, %zu formulas; %s\n", linked_buttons, formula_buttons,
+                    plays ? "playing" : "standing still");
+        bool all_met = tell("press: on record", down.to_record, most_to_paint);
+        all_met = tell("  painted", down.to_paint, most_to_paint) && all_met;
+        all_met = tell("release, less 12 ms: on record", up.to_record, most_to_paint) && all_met;
+        return tell("  painted", up.to_paint, most_to_paint) && all_met;
+    }
+
   private:
     open_event& event() { return *window_.session().shown_event(); }
     double now() const { return loop_.time().seconds(); }
@@ -239,6 +294,8 @@ int main(int count, char** arguments) {
     const bool is_short = bench::take_short(count, arguments);
     std::size_t clips = is_short ? 2'000 : 100'000;
     std::size_t buttons = 200;
+    const bool is_links_alone = count > 1 && std::string(arguments[1]) == "--links";
+    if (is_links_alone) ++arguments, --count;
     for (int n = 1; n + 1 < count; n += 2) {
         (std::string(arguments[n]) == "--buttons" ? buttons : clips) = std::stoul(arguments[n + 1]);
     }
@@ -259,7 +316,9 @@ int main(int count, char** arguments) {
     std::printf("%zu clips, %zu buttons\n", clips, buttons);
     pressed_window shown(places, collection, std::move(all));
     const std::size_t presses = is_short ? 3 : 200;
-    bool all_met = shown.measure(false, presses);
-    all_met = shown.measure(true, presses) && all_met;
+    bool all_met = is_links_alone || shown.measure(false, presses);
+    all_met = (is_links_alone || shown.measure(true, presses)) && all_met;
+    all_met = shown.measure_links(false, presses / 2 + 1) && all_met;
+    all_met = shown.measure_links(true, presses / 2 + 1) && all_met;
     return is_short || all_met ? 0 : 1;
 }

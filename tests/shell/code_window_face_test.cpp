@@ -39,6 +39,43 @@ QImage painted(const code_button& button, const code_button_look& shown) {
     return image;
 }
 
+// In the corner, in the place of the count, as long as nothing else is there; where it is put and as it is
+// set else.
+TEST(code_window_face, outputs_of_formulas_are_seen) {
+    code_button button = clip_button("Shot");
+    button.key = QStringLiteral("G");
+    code_button_look counted;
+    counted.state.count = 3;
+    code_button_look told = counted;
+    told.state.output = QStringLiteral("38%");
+    const QImage usual = painted(button, told);
+    EXPECT_NE(usual, painted(button, counted));
+    code_button_look alone = told;
+    alone.state.count = 0;
+    EXPECT_EQ(usual, painted(button, alone));
+    code_button_look timed = told;
+    timed.time = QStringLiteral("0:12.0");
+    code_button_look time_alone = timed;
+    time_alone.state.output.clear();
+    EXPECT_EQ(painted(button, timed), painted(button, time_alone));
+    using change_of = void (*)(code_button&);
+    const change_of changes[] = {[](code_button& one) { one.output_size = 20; },
+                                 [](code_button& one) { one.output_colour = QColor(0, 255, 0); },
+                                 [](code_button& one) {
+                                     one.output_offset = {30, 14};
+                                 }};
+    for (const auto& change : changes) {
+        code_button changed = button;
+        change(changed);
+        EXPECT_NE(painted(changed, told), usual);
+        EXPECT_EQ(painted(changed, counted), painted(button, counted));
+    }
+    // Moved away it leaves the corner to what else is there.
+    button.output_offset = {30, 14};
+    EXPECT_NE(painted(button, told), painted(button, alone));
+    EXPECT_NE(painted(button, timed), painted(button, time_alone));
+}
+
 // Each field of how a button is drawn is seen, while it is up or while it is down.
 TEST(code_window_face, every_display_field_is_seen) {
     using change_of = void (*)(code_button&);

@@ -24,6 +24,8 @@ class refusing_source final : public code_window_source {
         : source_(std::move(source)), refused_(std::move(refused)) {
         observed_.push_back(source_->buttons_changed.connect([this] { buttons_changed.emit(); }));
         observed_.push_back(source_->states_changed.connect([this] { states_changed.emit(); }));
+        observed_.push_back(
+            source_->state_changed.connect([this](const std::string& one) { state_changed.emit(one); }));
         observed_.push_back(source_->links_changed.connect([this] { links_changed.emit(); }));
         observed_.push_back(
             source_->link_fired.connect([this](const std::string& from, const std::string& to,

@@ -55,6 +55,7 @@ code_window_button::code_window_button(code_button button, QWidget* parent)
 void code_window_button::set_button(code_button button) {
     if (button == button_) return;
     button_ = std::move(button);
+    words_.reset();
     setText(button_.name);
     show_words();
     update();
@@ -264,6 +265,17 @@ void code_window_button::hideEvent(QHideEvent* event) {
     QAbstractButton::hideEvent(event);
 }
 
+void code_window_button::resizeEvent(QResizeEvent* event) {
+    words_.reset();
+    QAbstractButton::resizeEvent(event);
+}
+
+// Other fonts, with the theme or without.
+void code_window_button::changeEvent(QEvent* event) {
+    words_.reset();
+    QAbstractButton::changeEvent(event);
+}
+
 void code_window_button::enterEvent(QEnterEvent*) {
     update();
     Q_EMIT attention_changed();
@@ -285,8 +297,10 @@ void code_window_button::paintEvent(QPaintEvent*) {
     shown.is_hovered = underMouse();
     shown.has_focus = hasFocus();
     shown.is_enabled = isEnabled();
-    paint_code_button(painter, theme::current(), button_,
-                      QRectF(rect()).adjusted(margin(), margin(), -margin(), -margin()), shown);
+    const QRectF face = QRectF(rect()).adjusted(margin(), margin(), -margin(), -margin());
+    if (!words_) words_ = code_button_layout_of(button_, face);
+    shown.words = &*words_;
+    paint_code_button(painter, theme::current(), button_, face, shown);
 }
 
 }  // namespace vistels

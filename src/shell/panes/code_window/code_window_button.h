@@ -74,6 +74,8 @@ class code_window_button final : public QAbstractButton {
     void focusOutEvent(QFocusEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
@@ -98,6 +100,7 @@ class code_window_button final : public QAbstractButton {
     QStringList link_words_;
     QString time_;
     QImage picture_;
+    std::optional<code_button_layout> words_;  // none: to be laid out
 };
 
 }  // namespace vistels

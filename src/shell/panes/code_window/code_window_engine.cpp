@@ -39,9 +39,13 @@ class engine_source final : public code_window_source {
         if (outputs_) observed_.push_back(outputs_->changed.connect([this] { states_changed.emit(); }));
         observed_.push_back(engine_.fired.connect([this](const button_fired& fired) {
             blocked_[fired.button] = fired.blocked && fired.is_down;
+            const bool others_change = !found_none_.empty() || !waiting_.empty();
             if (fired.is_down) found_none_ = fired.nothing_to_stamp ? fired.button : std::string();
             if (!engine_.has_waiting_attributes()) waiting_.clear();
             if (fired.waits) waiting_.insert(fired.button);
+            // All that a round made is there when the first of its changes is told.
+            const bool is_further = std::exchange(round_, fired.round) == fired.round;
+            if (is_further && !others_change) return state_changed.emit(fired.button);
             states_changed.emit();
         }));
         observed_.push_back(engine_.looks_changed.connect([this] { buttons_changed.emit(); }));
@@ -68,6 +72,7 @@ class engine_source final : public code_window_source {
         made.reserve(engine_.buttons().size());
         for (const button_record& each : engine_.buttons()) {
             made.push_back(face_of(*each, made.size()));
+            made.back().has_output = outputs_ && outputs_->text_of(made.back().uuid);
             wear(made.back(), *each);
         }
         return made;
@@ -226,8 +231,9 @@ class engine_source final : public code_window_source {
     std::vector<button_record> linked_;
     mutable std::optional<link_graph> graph_;  // theirs, when it is wanted
     std::unordered_map<std::string, bool> blocked_;
-    std::string found_none_;         // the button pressed last, when there was nothing to stamp
-    std::set<std::string> waiting_;  // whose attributes wait for a qualifier
+    std::optional<std::uint64_t> round_;  // that was told of last
+    std::string found_none_;              // the button pressed last, when there was nothing to stamp
+    std::set<std::string> waiting_;       // whose attributes wait for a qualifier
     // By button; not held, or the next edit would have to copy them.
     mutable std::unordered_map<std::string, std::weak_ptr<const sxy_ROW>> rows_;
     mutable bool are_rows_known_ = false;

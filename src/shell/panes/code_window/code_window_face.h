@@ -45,6 +45,7 @@ struct code_button {
     double output_size = 0;
     QColor output_colour;
     QPointF output_offset;
+    bool has_output = false;
     bool hides_down_state = false;
     bool shows_ping = false;   // a ring where it was pressed
     bool shows_clock = false;  // the collection's time
@@ -95,6 +96,7 @@ struct code_button_look {
     bool is_hovered = false;
     bool has_focus = false;
     bool is_enabled = true;
+    const code_button_layout* words = nullptr;  // of the face; null: they are laid out for it
 };
 void paint_code_button(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
                        const code_button_look& shown);

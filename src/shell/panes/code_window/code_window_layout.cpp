@@ -115,7 +115,7 @@ code_button_layout code_button_layout_of(const code_button& button, const QRectF
     const auto is_tight = [&] { return tries.back().ink_top(room.bottom()) < cap_bottom + least_gap; };
     if (is_tight()) room.setBottom(room.bottom() + metrics.grid);
     const bool is_low = is_tight();
-    const bool keeps_corner = is_low && (button.shows_clock || button.shows_down_time);
+    const bool keeps_corner = is_low && (button.shows_clock || button.shows_down_time || button.has_output);
     if (is_low) {
         made.cap = cap_in(button, face, code_window_sizes.key_cap_small, metrics.grid / 2);
         room.setTop(face.top() + metrics.grid / 2.0);

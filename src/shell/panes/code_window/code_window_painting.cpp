@@ -237,26 +237,34 @@ void paint_traces(QPainter& painter, const theme& look, const code_button& butto
     }
 }
 
-// At the lower right, unless it is moved.
+// In the corner, in the place of the count and while nothing else is there, unless it is moved.
+bool output_is_in_corner(const code_button& button) {
+    return button.output_offset.isNull();
+}
+
 void paint_output(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
-                  const face_colours& colours, const code_button_look& shown) {
-    if (shown.state.output.isEmpty()) return;
-    const QFont usual = theme::font(type_step::title);
-    const double size = button.output_size > 0 ? button.output_size : usual.pixelSize();
-    const QFont font = theme::font(type_step::title, size, button.output_font);
-    const int around = code_window_sizes.button_text_indent;
-    const QRectF place =
-        face.adjusted(around, around / 2.0, -around, -around / 2.0).translated(button.output_offset);
-    const Qt::Alignment where = Qt::AlignRight | Qt::AlignBottom;
-    if (shown.picture) {
-        const QRectF ink =
-            QFontMetricsF(font).boundingRect(place, static_cast<int>(where), shown.state.output);
-        paint_label_ground(painter, look, ink);
-    }
+                  const code_button_layout& words, const face_colours& colours,
+                  const code_button_look& shown) {
+    const code_button_state& state = shown.state;
+    if (state.output.isEmpty()) return;
+    const bool is_taken = state.is_blocked || state.found_none || state.waits || !shown.time.isEmpty();
+    if (output_is_in_corner(button) && is_taken) return;
+    const QFont usual = theme::font(type_step::secondary_strong);
+    const double scale = button.place.width() > 0 ? face.width() / button.place.width() : 1;
+    const double size = button.output_size > 0 ? button.output_size * scale : usual.pixelSize();
+    const QFont font = theme::font(type_step::secondary_strong, size, button.output_font);
+    const QFontMetricsF sizes(font);
+    // Larger than the corner it grows downwards.
+    const QRectF corner = words.corner.translated(button.output_offset * scale);
+    const QRectF place(corner.left(), corner.top(), face.right() - words.corner.left(),
+                       std::max(corner.height(), sizes.height()));
+    const Qt::Alignment where = Qt::AlignLeft | Qt::AlignVCenter;
+    if (shown.picture)
+        paint_label_ground(painter, look, sizes.boundingRect(place, static_cast<int>(where), state.output));
     painter.setFont(font);
     painter.setPen(button.output_colour.isValid() ? legible_on(button.output_colour, colours.ground)
                                                   : colours.ink);
-    painter.drawText(place, where, shown.state.output);
+    painter.drawText(place, where, state.output);
 }
 
 // A ring that is seen on every colour.
@@ -289,13 +297,15 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(button.opacity * (shown.is_enabled ? 1 : look.disabled_share));
     paint_ground(painter, look, button, face, colours, shown);
-    const code_button_layout words = code_button_layout_of(button, face);
+    const code_button_layout words = shown.words ? *shown.words : code_button_layout_of(button, face);
+    code_button_look in_corner = shown;
+    if (!shown.state.output.isEmpty() && output_is_in_corner(button)) in_corner.state.count = 0;
     paint_key_cap(painter, look, button, words.cap, colours, shown.state.is_down);
     if (words.has_corner || shown.state.is_blocked || shown.state.found_none || shown.state.waits)
-        paint_corner(painter, look, words.corner, colours, shown);
+        paint_corner(painter, look, words.corner, colours, in_corner);
     if (shown.state.is_live) paint_live_dot(painter, look, words, shown.time);
     if (button.shows_name) paint_name(painter, look, words, colours, shown.picture != nullptr);
-    paint_output(painter, look, button, face, colours, shown);
+    paint_output(painter, look, button, face, words, colours, shown);
     paint_traces(painter, look, button, face, colours.ink);
     painter.setOpacity(1);
     if (shown.state.is_down) paint_ring(painter, look, button, face, look.selection);

@@ -96,6 +96,13 @@ void code_window_view::set_source(std::unique_ptr<code_window_source> source) {
     if (source_) {
         connections_.push_back(source_->buttons_changed.connect([this] { show_buttons(); }));
         connections_.push_back(source_->states_changed.connect([this] { show_states(); }));
+        connections_.push_back(source_->state_changed.connect([this](const std::string& one) {
+            code_window_button* button = canvas_->button(one);
+            if (!button) return;
+            show_state(*button);
+            button->set_now(source_->collection_time());
+            show_down_count();
+        }));
         connections_.push_back(source_->links_changed.connect([this] { show_links(); }));
         connections_.push_back(
             source_->link_fired.connect([this](const std::string& from, const std::string& to,
@@ -233,19 +240,25 @@ void code_window_view::show_list(const code_window_button& button) {
 }
 
 void code_window_view::show_states() {
-    std::size_t down = 0;
     for (code_window_button* button : canvas_->buttons()) {
-        if (!source_) break;
-        const code_button& shown = button->button();
-        const code_button_state state = source_->state(shown.uuid);
-        const bool goes_down = state.is_down && !button->state().is_down;
-        button->set_state(state);
-        if (state.is_down) ++down;
-        // By a key; what is pressed here shows its list in any case.
-        if (goes_down && shown.lists_clips && shown.uuid != pressing_) show_list(*button);
-        if (list_ && list_->shown_button() == shown.uuid) list_->set_clips(source_->clips_of(shown.uuid));
+        if (source_) show_state(*button);
     }
     tick();
+    show_down_count();
+}
+
+void code_window_view::show_state(code_window_button& button) {
+    const code_button& shown = button.button();
+    const code_button_state state = source_->state(shown.uuid);
+    const bool goes_down = state.is_down && !button.state().is_down;
+    button.set_state(state);
+    // By a key; what is pressed here shows its list in any case.
+    if (goes_down && shown.lists_clips && shown.uuid != pressing_) show_list(button);
+    if (list_ && list_->shown_button() == shown.uuid) list_->set_clips(source_->clips_of(shown.uuid));
+}
+
+void code_window_view::show_down_count() {
+    const std::size_t down = source_ ? canvas_->down_count() : 0;
     header_->set_live(down > 0);
     header_->set_fact(down > 0 ? tr("%1 down").arg(down) : tr("%1 buttons").arg(canvas_->buttons().size()));
 }

@@ -56,6 +56,8 @@ class code_window_source {
 
     signal<> buttons_changed;
     signal<> states_changed;
+    // Of that button alone, beside what was told already.
+    signal<const std::string&> state_changed;
     signal<> links_changed;
     // The button is to be in the middle of what is seen.
     signal<const std::string&> center_wanted;
@@ -124,6 +126,8 @@ class code_window_view final : public QWidget, public pane {
     void connect_canvas();
     void show_buttons();
     void show_states();
+    void show_state(code_window_button& button);
+    void show_down_count();
     void show_list(const code_window_button& button);
     void fit();
     void scroll();

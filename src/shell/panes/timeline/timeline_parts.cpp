@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "shell/kit/controls.h"
@@ -13,6 +14,13 @@
 #include "shell/panes/timeline/timeline_state.h"
 
 namespace vistels {
+
+namespace {
+
+constexpr std::chrono::milliseconds most_behind(100);
+
+}  // namespace
+
 timeline_whole_event::timeline_whole_event(timeline_state& state, QWidget* parent)
     : QWidget(parent), state_(state) {
     setObjectName(QStringLiteral("timeline_whole_event"));
@@ -28,7 +36,14 @@ timeline_whole_event::timeline_whole_event(timeline_state& state, QWidget* paren
         clips_ = QPixmap();
         update();
     };
-    connections_.push_back(state_.rows_changed.connect(anew));
+    // All clips are drawn for it: a press does not wait for that.
+    makes_anew_.setSingleShot(true);
+    makes_anew_.setInterval(most_behind);
+    connect(&makes_anew_, &QTimer::timeout, this, anew);
+    connections_.push_back(state_.rows_changed.connect([this, anew] {
+        if (clips_.isNull() || state_.rows().empty()) return anew();
+        if (!makes_anew_.isActive()) makes_anew_.start();
+    }));
 }
 
 QRect timeline_whole_event::strip() const {

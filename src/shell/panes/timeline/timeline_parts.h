@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPixmap>
+#include <QTimer>
 #include <QWidget>
 #include <optional>
 #include <vector>
@@ -39,6 +40,7 @@ class timeline_whole_event final : public QWidget {
 
     timeline_state& state_;
     QPixmap clips_;                       // null: to be painted
+    QTimer makes_anew_;                   // while what is shown is a little behind
     int painted_x_ = -1;                  // of the playhead
     std::optional<double> grip_seconds_;  // from the first second shown to the pointer
     std::vector<connection> connections_;
