@@ -22,7 +22,8 @@ constexpr std::chrono::milliseconds frame(16);
 constexpr std::size_t most_runs = 200;  // at once
 constexpr double head_angle = 25;       // degrees on each side
 constexpr double bend_share = 0.12;     // of the way between the buttons
-constexpr double most_bend = 40;        // pixels, of the first between two buttons
+constexpr double least_bend = 12;       // pixels, of the first between two buttons
+constexpr double most_bend = 40;
 
 // Where the line from the middle of a face leaves it.
 QPointF edge_of(const QRectF& face, const QPointF& towards) {
@@ -168,16 +169,19 @@ void link_arrows::move(run_mark& one) {
     update_round(size.translated(one.at));
 }
 
-// To one side of the straight line, so that the links back take the other.
+// To one side of the straight line, so that the links back take the other; where that would leave the canvas
+// further to the other side.
 link_arrows::curve link_arrows::curve_of(std::size_t link) const {
     const QRectF from = place_of_(links_[link].from);
     const QRectF to = place_of_(links_[link].to);
     const QLineF straight(from.center(), to.center());
-    QLineF aside = straight.normalVector().unitVector();
-    const double bend = std::min(most_bend, bend_share * straight.length()) * bends_[link];
+    const QLineF normal = straight.normalVector().unitVector();
+    const QPointF aside =
+        std::clamp(bend_share * straight.length(), least_bend, most_bend) * (normal.p2() - normal.p1());
     // The curve goes half as far aside as its control point.
-    const QPointF control = straight.center() + 2 * bend * (aside.p2() - aside.p1());
-    return {inside(from, edge_of(from, control), code_window_sizes.link_sign), control,
+    QPointF control = straight.center() + 2 * bends_[link] * aside;
+    if (!QRectF(rect()).contains(control)) control = straight.center() - (2 * bends_[link] + 1) * aside;
+    return {inside(from, edge_of(from, control), code_window_sizes.link_sign / 2.0), control,
             inside(to, edge_of(to, control), code_window_sizes.link_head / 2.0)};
 }
 

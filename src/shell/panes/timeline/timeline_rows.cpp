@@ -107,6 +107,16 @@ bool has_other_verdicts(const timeline_row& row, const clip_verdicts& verdicts) 
     return false;
 }
 
+// Clips that grow are none of a row's clips yet.
+bool is_of_growing_alone(const change_set& change, const sxy_DATA_root& timeline) {
+    if ((change.kinds & change_set::clips_changed) != 0) return false;
+    if ((change.kinds & change_set::qualifiers_changed) == 0) return true;
+    return std::all_of(change.clips.begin(), change.clips.end(), [&](const std::string& uuid) {
+        const auto place = timeline.find_clip(uuid);
+        return place && place->is_live;
+    });
+}
+
 }  // namespace
 
 void timeline_rows::read(const clip_view& view, const theme& look, rows_display display) {
@@ -141,10 +151,12 @@ void timeline_rows::update(const clip_view& view, const change_set& change, cons
         read(view, look, display_);
         return;
     }
+    const bool keeps_clips = is_of_growing_alone(change, view.timeline());
     for (const shared_text& uuid : change.rows) {
         const std::size_t index = row_with(uuid);
         if (index == size()) continue;
         rows_[index].record = view.timeline().row(uuid);
+        if (keeps_clips) continue;
         read_clips(rows_[index], view, display_.hides_filtered_out);
     }
     read_live(view.timeline());
