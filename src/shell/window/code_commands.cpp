@@ -14,6 +14,7 @@
 #include "shell/event/event_notices.h"
 #include "shell/event/event_session.h"
 #include "shell/event/presser_binder.h"
+#include "shell/panes/code_window/link_words.h"
 #include "shell/window/dry_run_panel.h"
 #include "shell/window/presser_panel.h"
 #include "shell/window/window_actions.h"
@@ -163,8 +164,9 @@ void code_commands::ask_dry_run() {
         return run;
     };
     if (!dry_runs_) dry_runs_ = std::make_unique<serial_queue>("dry runs");
-    auto* panel = new dry_run_panel(wanted, press_lines(first, now), {}, places_.temporary_folder(),
-                                    session_.loop(), *dry_runs_, &window_);
+    auto* panel =
+        new dry_run_panel(wanted, press_lines(first, now), link_problems(buttons, link_graph(buttons)),
+                          places_.temporary_folder(), session_.loop(), *dry_runs_, &window_);
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->open();
 }
