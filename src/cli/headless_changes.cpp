@@ -7,6 +7,8 @@
 #include "app/event/timeline_links.h"
 #include "app/vaults/mending.h"
 #include "cli/command_failures.h"
+#include "logger/code_window_change.h"
+#include "logger/logger_Dict_funcs.h"
 #include "timeline/files/timeline_form.h"
 #include "util/file_system.h"
 #include "video/video_coll_LOAD.h"
@@ -48,12 +50,29 @@ result<void> headless_changes::open(const std::string& folder, const home_places
     collection_->set_keeper(*timeline_);
     collection_->take_up_recovered(timeline_->recovered_others());
     changes_ = std::make_unique<collection_changes>(*collection_, *timeline_);
+    open_buttons();
     made_ = changes_->made.connect([this](double shift) {
         is_made_ = true;
         collection_->record().set_movie_time(collection_->record().movie_time() + shift);
         timeline_->header().cursor_seconds += shift;
     });
     return {};
+}
+
+// The triggers of buttons move with the clips.
+void headless_changes::open_buttons() {
+    const std::string logger_folder = logger_folder_of(folder_);
+    if (!has_button_dict(logger_folder)) return;
+    auto read = load_code_window(logger_folder);
+    if (!read) {
+        std::cerr << read.message() << '\n';
+        return;
+    }
+    buttons_ = std::make_unique<code_window_document>(logger_folder, loop_);
+    buttons_->take_up(std::move(read).value(), true);
+    buttons_->set_keeper(*timeline_);
+    changes_->set_shift_planner(
+        [this](double seconds) { return plan_trigger_shift(buttons_->window(), seconds); });
 }
 
 result<void> headless_changes::load(const home_places& places) {
@@ -69,6 +88,9 @@ result<void> headless_changes::make(const collection_change& change) {
     if (!timeline_) return make_alone(change);
     if (auto made = changes_->make(change); !made) return made;
     if (auto saved = collection_->save_now(); !saved) return saved;
+    if (buttons_) {
+        if (auto saved = buttons_->save_now(); !saved) return saved;
+    }
     return timeline_->save_now();
 }
 

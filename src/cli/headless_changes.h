@@ -7,6 +7,7 @@
 #include "app/event/collection_changes.h"
 #include "app/settings/places.h"
 #include "document/writer_lock.h"
+#include "logger/code_window_document.h"
 #include "timeline/files/timeline_document.h"
 #include "util/result.h"
 #include "util/simulated_run_loop.h"
@@ -31,6 +32,7 @@ class headless_changes {
 
   private:
     result<void> load(const home_places& places);
+    void open_buttons();
     result<void> make_alone(const collection_change& change);
 
     bool is_made_ = false;
@@ -38,7 +40,8 @@ class headless_changes {
     simulated_run_loop loop_;
     std::unique_ptr<writer_lock> lock_;                // of a collection without a timeline
     std::unique_ptr<timeline_document> timeline_;      // null: there is none
-    std::unique_ptr<collection_document> collection_;  // after its keeper
+    std::unique_ptr<collection_document> collection_;  // after its keeper, as the code window
+    std::unique_ptr<code_window_document> buttons_;    // null: there are none, or none that can be read
     std::unique_ptr<blank_vistel_movie> blank_movie_;
     std::unique_ptr<collection_changes> changes_;
     connection made_;

@@ -90,15 +90,26 @@ class StoredCollection(CommandTest):
         stamped = {"qualifiers_array": [{"uuid": "Q", "name": "q", "time": 21.5}]}
         self.write(self.collection / "chron data.plist",
                    timeline(row("Shot", clip("K", 20.0, 25.0, qualifiers=stamped))))
+        buttons = self.collection / "Logger" / "button dict.plist"
+        buttons.parent.mkdir()
+        whistle = {"uuid": "W", "name": "Whistle",
+                   "triggers": [{"trigger_time": 30.0, "trigger_type": "going down"}]}
+        self.write(buttons, {"version markup": 1, "array objects": [whistle]})
+
+        def trigger():
+            stored = plistlib.loads(buttons.read_bytes())
+            return stored["array objects"][0]["triggers"][0]["trigger_time"]
+
         shown = self.printed("collection", "offset", self.collection, "A", "4")
         self.assertEqual([one["lead_clips"] for one in shown["vistels"]], [0, 4])
         self.assertEqual(shown["movie_time"], 8.5)
+        self.assertEqual(trigger(), 26)
         stored = self.printed("timeline", "show", self.collection)["rows"][0]["clips"][0]
         self.assertEqual((stored["time_start"], stored["time_end"]), (16, 21))
         self.assertEqual(stored["qualifiers"]["qualifiers_array"][0]["time"], 17.5)
         self.printed("collection", "offset", self.collection, "A", "-4")
         stored = self.printed("timeline", "show", self.collection)["rows"][0]["clips"][0]
-        self.assertEqual(stored["time_start"], 20)
+        self.assertEqual((stored["time_start"], trigger()), (20, 30))
 
     def test_clips_stay_with_a_collection_that_cannot_be_saved(self):
         self.store(item("A", 5), item("B", 6))
