@@ -55,8 +55,8 @@ std::string time_output(double seconds, const button_formula& shown) {
     }
     std::string made = (seconds < 0 && units > 0 ? "-" : "") + std::string(text);
     if (decimals > 0) {
-        std::snprintf(text, sizeof text, ".%0*lld", decimals, units % static_cast<long long>(scale));
-        made += text;
+        const std::string rest = std::to_string(units % static_cast<long long>(scale));
+        made += '.' + std::string(static_cast<std::size_t>(decimals) - rest.size(), '0') + rest;
     }
     return shown.remove_prefix_0s ? without_leading_zeros(made) : made;
 }

@@ -78,6 +78,7 @@ result<std::vector<press_outcome>> press_recorder::record_first() {
     state before = keep_state();
     std::vector<press_outcome> outcomes;
     plans_triggers_ = false;
+    begun_at_.reset();
     is_recording_ = true;
     const auto made = document_.apply_jointly(round.name, round.button, [&]() -> result<void> {
         for (const press_action& action : round.actions) {
@@ -98,6 +99,11 @@ result<std::vector<press_outcome>> press_recorder::record_first() {
         return made.error();
     }
     coded_.end_trial();
+    // The time noted before may belong to another place: a clip that ends at once must not get it.
+    if (begun_at_) {
+        (void)document_.note_time(*begun_at_);
+        last_note_seconds_ = time_.seconds();
+    }
     if (waiting_.empty()) tell_trouble({});
     for (const auto& name : std::exchange(lost_, {})) observer_.made_again(name);
     return outcomes;
@@ -252,9 +258,7 @@ result<press_outcome> press_recorder::begin(const press_action& action) {
     edit.operations.emplace_back(operation::begin_clip{row->uuid(), clip});
     if (auto applied = apply(std::move(edit)); !applied) return applied.error();
     growing_[action.clip] = {makes_row ? std::optional(row->uuid()) : std::nullopt, nullptr};
-    // The time noted before may belong to another place: a clip that ends at once must not get it.
-    (void)document_.note_time(action.at);
-    last_note_seconds_ = time_.seconds();
+    begun_at_ = action.at;
     return begun;
 }
 

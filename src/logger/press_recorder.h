@@ -137,6 +137,7 @@ class press_recorder {
     std::vector<std::string> lost_;  // names of buttons whose clips are made again by the round under way
     bool plans_triggers_ = false;    // the round under way does
     bool is_recording_ = false;
+    std::optional<double> begun_at_;  // when the last clip began that the round under way begins
     // Changes of unsaved clips that an edit brings along, made when it is on record.
     std::vector<std::function<void()>> with_edit_;
     connection edited_;

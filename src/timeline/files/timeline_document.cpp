@@ -15,6 +15,7 @@
 #include "timeline/files/timeline_file_failures.h"
 #include "timeline/files/timeline_form.h"
 #include "timeline/files/timeline_recovery.h"
+#include "timeline/form/unique_appender.h"
 #include "util/clock.h"
 #include "util/file_failures.h"
 #include "util/property_list.h"
@@ -226,44 +227,68 @@ void timeline_document::finish_growing(const char* name) {
 
 // What the edits of apply_jointly() have done so far.
 struct timeline_document::joint_edit {
+    struct made_edit {
+        timeline_edit inverse;
+        std::vector<clip_place> growing_before;
+        change_set touched;
+    };
     timeline_edit whole;
-    timeline_edit inverse;
-    change_set touched;
     edit_stamp stamp;
-    std::vector<std::function<void()>> withdraws;
+    std::vector<made_edit> made;
 
-    void withdraw() {
-        while (!withdraws.empty()) {
-            withdraws.back()();
-            withdraws.pop_back();
+    void withdraw(sxy_DATA_root& timeline) {
+        for (; !made.empty(); made.pop_back())
+            withdraw_edit(timeline, made.back().inverse, std::move(made.back().growing_before));
+    }
+    timeline_edit take_inverse() {
+        timeline_edit inverse{whole.name, whole.scope, {}};
+        inverse.is_complete = true;
+        for (auto one = made.rbegin(); one != made.rend(); ++one) {
+            auto& back = one->inverse.operations;
+            std::move(back.begin(), back.end(), std::back_inserter(inverse.operations));
         }
+        inverse.others = reversed(whole.others);
+        return inverse;
+    }
+    change_set touched() const {
+        change_set all;
+        std::size_t rows = 0;
+        std::size_t clips = 0;
+        for (const auto& one : made) {
+            all.kinds |= one.touched.kinds;
+            rows += one.touched.rows.size();
+            clips += one.touched.clips.size();
+        }
+        unique_appender<shared_text> add_row(all.rows, rows);
+        unique_appender<std::string> add_clip(all.clips, clips);
+        for (const auto& one : made) {
+            for (const auto& row : one.touched.rows) add_row.add(row);
+            for (const auto& clip : one.touched.clips) add_clip.add(clip);
+        }
+        return all;
     }
 };
 
 result<void> timeline_document::make_jointly(timeline_edit edit) {
     complete_edit(edit, joint_->stamp);
-    const auto growing_before = timeline_.live_clips();
-    auto applied = apply_edit(timeline_, edit, joint_->touched);
+    joint_edit::made_edit coming{{}, timeline_.live_clips(), {}};
+    auto applied = apply_edit(timeline_, edit, coming.touched);
     if (!applied) return applied.error();
-    auto& back = applied.value().operations;
-    joint_->withdraws.emplace_back([this, inverse = applied.value(), growing_before] {
-        withdraw_edit(timeline_, inverse, growing_before);
-    });
+    coming.inverse = std::move(applied).value();
+    joint_->made.push_back(std::move(coming));
     auto& whole = joint_->whole;
     if (edit.stamp) whole.stamp = edit.stamp;
     std::move(edit.operations.begin(), edit.operations.end(), std::back_inserter(whole.operations));
     std::move(edit.others.begin(), edit.others.end(), std::back_inserter(whole.others));
-    auto& inverse = joint_->inverse.operations;
-    inverse.insert(inverse.begin(), back.begin(), back.end());
     return {};
 }
 
 result<void> timeline_document::apply_jointly(std::string name, std::string scope,
                                               const std::function<result<void>()>& edits) {
     joint_edit joint;
-    joint.whole.name = joint.inverse.name = std::move(name);
-    joint.whole.scope = joint.inverse.scope = std::move(scope);
-    joint.whole.is_complete = joint.inverse.is_complete = true;
+    joint.whole.name = std::move(name);
+    joint.whole.scope = std::move(scope);
+    joint.whole.is_complete = true;
     joint.stamp = {author_, seconds_since_1970(), collection_number_};
     joint_ = &joint;
     auto done = edits();
@@ -273,10 +298,10 @@ result<void> timeline_document::apply_jointly(std::string name, std::string scop
     const auto stored = [&] { return write_edit(whole); };
     const bool is_empty = whole.operations.empty() && whole.others.empty();
     if (done && !is_empty) done = record({whole.name, whole.others, nothing, [] {}, stored});
-    if (!done) joint.withdraw();
+    if (!done) joint.withdraw(timeline_);
     if (!done || is_empty) return done;
-    joint.inverse.others = reversed(whole.others);
-    tell_of(std::move(joint.whole), std::move(joint.inverse), std::move(joint.touched));
+    auto inverse = joint.take_inverse();
+    tell_of(std::move(joint.whole), std::move(inverse), joint.touched());
     return {};
 }
 
