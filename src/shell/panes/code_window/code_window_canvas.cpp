@@ -30,6 +30,11 @@ code_window_canvas::code_window_canvas(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_AcceptTouchEvents);
 }
 
+// Buttons that go lose the focus and let go, which must not find what is gone already.
+code_window_canvas::~code_window_canvas() {
+    for (code_window_button* each : widgets_) each->disconnect(this);
+}
+
 // What makes edits of the code window while buttons are held leaves them as they are.
 bool code_window_canvas::set_looks(const std::vector<code_button>& buttons) {
     const auto is_same = [](const code_button& a, const code_button& b) {

@@ -28,6 +28,7 @@ class code_window_canvas final : public QWidget {
     Q_OBJECT
   public:
     explicit code_window_canvas(QWidget* parent);
+    ~code_window_canvas() override;
 
     void set_buttons(std::vector<code_button> buttons);
     void set_ground(std::optional<QColor> ground);

@@ -83,9 +83,10 @@ void code_window_view::connect_canvas() {
 }
 
 code_window_view::~code_window_view() {
-    // A button that is held lets go when it is hidden, which must find no source any more.
+    // A button that is held lets go when it is hidden, which must find no source and no pane any more.
     release_mouse();
     source_.reset();
+    canvas_->disconnect(this);
     delete list_;
 }
 
