@@ -105,6 +105,7 @@ TEST_F(event, buttons_show_what_their_formulas_count) {
                        changed_button(counting, [&](auto& button) { button.set_formula(wrong); }));
     ASSERT_TRUE(part && opened->timeline().make({"Formula", "", {*part}}));
     EXPECT_TRUE(shows(""));
+    EXPECT_TRUE(opened->outputs().problem_of(uuid)) << "and why is told";
     EXPECT_EQ(opened->outputs().text_of("no such button"), std::nullopt);
 }
 

@@ -53,6 +53,9 @@ TEST(code_window_face, outputs_of_formulas_are_seen) {
     code_button_look alone = told;
     alone.state.count = 0;
     EXPECT_EQ(usual, painted(button, alone));
+    code_button_look wrong = counted;
+    wrong.state.output_problem = QStringLiteral("nothing follows (");
+    EXPECT_NE(painted(button, wrong), painted(button, counted));
     code_button_look timed = told;
     timed.time = QStringLiteral("0:12.0");
     code_button_look time_alone = timed;

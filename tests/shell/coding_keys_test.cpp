@@ -8,9 +8,12 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include "logger/code_window_change.h"
+#include "logger/press_engine.h"
 #include "shell/keys/event_stamp.h"
 #include "shell/keys/key_clashes.h"
 #include "shell/keys/key_router.h"
+#include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
 #include "shell/window/key_map.h"
 #include "shell/window/keys_window.h"
@@ -77,6 +80,30 @@ TEST_F(coding_keys, keys_without_a_button_still_play_while_one_is_down) {
     QTest::keyRelease(window.get(), Qt::Key_A);
     EXPECT_EQ(down(), names{});
     EXPECT_EQ(timeline().clip_count(), 1U);
+}
+
+TEST_F(coding_keys, a_press_that_adds_a_trigger_shows_it_on_the_timeline) {
+    auto& file = event().code_window_file();
+    const std::string attack = event().logger().buttons()[0]->uuid();
+    for (const auto& one : event().logger().buttons()) {
+        if (one->name() != "Goal") continue;
+        const auto part = plan_button(file.window(), changed_button(one, [&](auto& button) {
+                                          button.set_type(button_type::trigger);
+                                          button.set_action_link_to(attack);
+                                      }));
+        ASSERT_TRUE(part && event().timeline().make({"Trigger", "", {*part}}));
+        break;
+    }
+    const auto& shown = window->findChild<timeline_view*>()->state().rows();
+    ASSERT_TRUE(shown.ruler_triggers().empty());
+    event().jump(3);
+    QTest::keyClick(window.get(), Qt::Key_G);
+    ASSERT_EQ(shown.ruler_triggers().size(), 1U) << "it has no row yet";
+    EXPECT_NEAR(shown.ruler_triggers()[0].at, 3, 0.5);
+    ASSERT_TRUE(event().undo().undo());
+    EXPECT_TRUE(shown.ruler_triggers().empty());
+    ASSERT_TRUE(event().undo().redo());
+    EXPECT_EQ(shown.ruler_triggers().size(), 1U);
 }
 
 TEST_F(coding_keys, several_are_down_at_once_and_come_up_one_by_one) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "formula/parser_ROOT.h"
+
 namespace vistels {
 
 // One that is on its way.
@@ -36,7 +38,9 @@ void button_outputs::set_buttons(const std::vector<button_record>& buttons) {
         const auto known = before.find(button->uuid());
         const bool is_same = known != before.end() && known->second.shown == shown;
         std::string text = is_same ? known->second.text : shown.output_string;
-        outputs_[button->uuid()] = {place, std::move(shown), std::move(text)};
+        failure problem =
+            is_same ? known->second.problem : parser_ROOT::for_filter(shown.filter).parser_Errors();
+        outputs_[button->uuid()] = {place, std::move(shown), std::move(text), std::move(problem)};
     }
     if (formulas_ != formulas_before) {
         if (running_) running_->work.cancel();
@@ -50,6 +54,11 @@ void button_outputs::set_buttons(const std::vector<button_record>& buttons) {
 std::optional<std::string> button_outputs::text_of(const std::string& button) const {
     const auto found = outputs_.find(button);
     return found == outputs_.end() ? std::nullopt : std::optional(found->second.text);
+}
+
+failure button_outputs::problem_of(const std::string& button) const {
+    const auto found = outputs_.find(button);
+    return found == outputs_.end() ? failure() : found->second.problem;
 }
 
 // One count at a time: what changed meanwhile is counted after it.

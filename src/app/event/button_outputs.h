@@ -9,6 +9,7 @@
 
 #include "logger/button_output.h"
 #include "timeline/files/timeline_document.h"
+#include "util/failure.h"
 #include "util/job.h"
 #include "util/posted_work_guard.h"
 #include "util/run_loop.h"
@@ -32,6 +33,8 @@ class button_outputs {
     void set_buttons(const std::vector<button_record>& buttons);
     // What the button shows; empty where its formula is wrong. Nothing for one without a formula.
     std::optional<std::string> text_of(const std::string& button) const;
+    // What is wrong with its formula; none when nothing is.
+    failure problem_of(const std::string& button) const;
 
     // Some button shows something else.
     signal<> changed;
@@ -41,6 +44,7 @@ class button_outputs {
         std::size_t formula = 0;  // among those that are counted
         button_formula shown;
         std::string text;
+        failure problem;
     };
     struct count;
 

@@ -92,6 +92,10 @@ void code_window_button::show_words() {
         words += tr("\nGoes to the next qualifier");
         description += tr(", goes to the next qualifier");
     }
+    if (!state_.output_problem.isEmpty()) {
+        words += tr("\nIts formula cannot be counted: %1").arg(state_.output_problem);
+        description += tr(", its formula cannot be counted: %1").arg(state_.output_problem);
+    }
     if (state_.is_down) description += state_.is_latched ? tr(", held down") : tr(", down");
     if (!link_words_.isEmpty()) {
         words += QLatin1Char('\n') + link_words_.join(QLatin1Char('\n'));

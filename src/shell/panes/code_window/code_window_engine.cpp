@@ -11,6 +11,7 @@
 #include "app/event/button_outputs.h"
 #include "logger/link_graph.h"
 #include "logger/press_engine.h"
+#include "shell/kit/failure_words.h"
 #include "shell/kit/theme.h"
 #include "shell/panes/code_window/code_window_view.h"
 #include "shell/panes/code_window/link_words.h"
@@ -91,7 +92,10 @@ class engine_source final : public code_window_source {
         const auto blocked = blocked_.find(uuid);
         made.is_blocked = blocked != blocked_.end() && blocked->second;
         made.found_none = uuid == found_none_;
-        if (outputs_) made.output = QString::fromStdString(outputs_->text_of(uuid).value_or(""));
+        if (outputs_) {
+            made.output = QString::fromStdString(outputs_->text_of(uuid).value_or(""));
+            made.output_problem = words_of(outputs_->problem_of(uuid));
+        }
         made.waits = engine_.has_waiting_attributes() && waiting_.contains(uuid);
         if (band_of(*button) == code_button::band::left)
             made.count = static_cast<std::uint32_t>(clips_of(uuid).size());

@@ -71,6 +71,7 @@ struct code_button_state {
     double down_since = 0;    // seconds on the collection's clock
     std::uint32_t count = 0;  // of what it made; 0 is not shown
     QString output;           // what its formula says
+    QString output_problem;   // why that says nothing; empty: it does
     bool operator==(const code_button_state&) const = default;
 };
 

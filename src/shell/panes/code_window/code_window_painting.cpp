@@ -242,11 +242,17 @@ bool output_is_in_corner(const code_button& button) {
     return button.output_offset.isNull();
 }
 
+// A formula that is wrong has a mark in the place of what it would say; the tool tip tells the reason.
+QString output_shown(const code_button_state& state) {
+    return state.output_problem.isEmpty() ? state.output : QStringLiteral("!");
+}
+
 void paint_output(QPainter& painter, const theme& look, const code_button& button, const QRectF& face,
                   const code_button_layout& words, const face_colours& colours,
                   const code_button_look& shown) {
     const code_button_state& state = shown.state;
-    if (state.output.isEmpty()) return;
+    const QString output = output_shown(state);
+    if (output.isEmpty()) return;
     const bool is_taken = state.is_blocked || state.found_none || state.waits || !shown.time.isEmpty();
     if (output_is_in_corner(button) && is_taken) return;
     const QFont usual = theme::font(type_step::secondary_strong);
@@ -260,11 +266,11 @@ void paint_output(QPainter& painter, const theme& look, const code_button& butto
                        std::max(corner.height(), sizes.height()));
     const Qt::Alignment where = Qt::AlignLeft | Qt::AlignVCenter;
     if (shown.picture)
-        paint_label_ground(painter, look, sizes.boundingRect(place, static_cast<int>(where), state.output));
+        paint_label_ground(painter, look, sizes.boundingRect(place, static_cast<int>(where), output));
     painter.setFont(font);
     painter.setPen(button.output_colour.isValid() ? legible_on(button.output_colour, colours.ground)
                                                   : colours.ink);
-    painter.drawText(place, where, state.output);
+    painter.drawText(place, where, output);
 }
 
 // A ring that is seen on every colour.
@@ -299,7 +305,7 @@ void paint_code_button(QPainter& painter, const theme& look, const code_button& 
     paint_ground(painter, look, button, face, colours, shown);
     const code_button_layout words = shown.words ? *shown.words : code_button_layout_of(button, face);
     code_button_look in_corner = shown;
-    if (!shown.state.output.isEmpty() && output_is_in_corner(button)) in_corner.state.count = 0;
+    if (!output_shown(shown.state).isEmpty() && output_is_in_corner(button)) in_corner.state.count = 0;
     paint_key_cap(painter, look, button, words.cap, colours, shown.state.is_down);
     if (words.has_corner || shown.state.is_blocked || shown.state.found_none || shown.state.waits)
         paint_corner(painter, look, words.corner, colours, in_corner);
