@@ -2,7 +2,9 @@
 #include "shell/kit/theme_time_text.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
+#include <QRawFont>
 #include <QStringList>
 #include <algorithm>
 #include <cmath>
@@ -11,23 +13,32 @@
 namespace vistels {
 namespace {
 
-double digit_width(const QFontMetricsF& metrics) {
-    double widest = 0;
-    for (char digit = '0'; digit <= '9'; ++digit) {
-        widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
-    }
-    return widest;
-}
-
-double cell_width(QChar letter, double digit, const QFontMetricsF& metrics) {
-    return letter.isDigit() ? digit : metrics.horizontalAdvance(letter);
-}
-
-double width_in(const QString& text, const QFontMetricsF& metrics) {
-    const double digit = digit_width(metrics);
+// A text as it is drawn: every digit in the same room. It is not shaped, which takes most of what drawing a
+// text does: figures stand one by one.
+struct laid_out_time {
+    QGlyphRun run;  // from 0, 0, at the left end of the baseline
     double width = 0;
-    for (const QChar letter : text) width += cell_width(letter, digit, metrics);
-    return width;
+};
+
+laid_out_time lay_out(const QString& text, const QFont& font) {
+    const QRawFont raw = QRawFont::fromFont(font);
+    const QList<quint32> digits = raw.glyphIndexesForString(QStringLiteral("0123456789"));
+    double widest = 0;
+    for (const QPointF& advance : raw.advancesForGlyphIndexes(digits)) widest = std::max(widest, advance.x());
+    const QList<quint32> glyphs = raw.glyphIndexesForString(text);
+    const QList<QPointF> advances = raw.advancesForGlyphIndexes(glyphs);
+    laid_out_time made;
+    QList<QPointF> positions;
+    for (qsizetype i = 0; i < glyphs.size(); ++i) {
+        const double own = advances[i].x();
+        const double room = digits.contains(glyphs[i]) ? widest : own;
+        positions.append({made.width + (room - own) / 2, 0});
+        made.width += room;
+    }
+    made.run.setRawFont(raw);
+    made.run.setGlyphIndexes(glyphs);
+    made.run.setPositions(positions);
+    return made;
 }
 
 QString two_digits(long long number) {
@@ -86,25 +97,21 @@ double time_from_text(const QString& text) {
 }
 
 double time_text_width(const QString& text, const QFont& font) {
-    return width_in(text, QFontMetricsF(font));
+    return lay_out(text, font).width;
 }
 
 void draw_time_text(QPainter& painter, const QRectF& place, Qt::Alignment alignment, const QString& text,
                     const QFont& font) {
-    const QFontMetricsF metrics(font, painter.device());
-    const double digit = digit_width(metrics);
-    const double width = width_in(text, metrics);
+    const laid_out_time made = lay_out(text, font);
     double x = place.left();
-    if ((alignment & Qt::AlignRight) != 0) x = place.right() - width;
-    if ((alignment & Qt::AlignHCenter) != 0) x = place.center().x() - width / 2;
+    if ((alignment & Qt::AlignRight) != 0) x = place.right() - made.width;
+    if ((alignment & Qt::AlignHCenter) != 0) x = place.center().x() - made.width / 2;
+    const QFontMetricsF metrics(font, painter.device());
     const double baseline = place.center().y() + (metrics.ascent() - metrics.descent()) / 2;
+    if (!made.run.glyphIndexes().contains(0)) return painter.drawGlyphRun({x, baseline}, made.run);
+    // Letters that the font does not have come from another one.
     painter.setFont(font);
-    for (const QChar letter : text) {
-        const double cell = cell_width(letter, digit, metrics);
-        painter.drawText(QPointF(x + (cell - metrics.horizontalAdvance(letter)) / 2, baseline),
-                         QString(letter));
-        x += cell;
-    }
+    painter.drawText(QPointF(x, baseline), text);
 }
 
 }  // namespace vistels
