@@ -77,6 +77,18 @@ void timeline_whole_event::resizeEvent(QResizeEvent*) {
     clips_ = QPixmap();
 }
 
+// Bars of rows whose clips are the same are not made again: that takes as long as there are clips.
+const std::vector<timeline_bar>& timeline_whole_event::bars_of(const timeline_row& row, std::size_t index,
+                                                               const timeline_scale& scale) {
+    row_bars& known = bars_[index];
+    if (known.shown != row.shown.version() || known.dimmed != row.dimmed.version()) {
+        known = {row.shown.version(), row.dimmed.version(), {}};
+        for (const clip_track* track : {&row.dimmed, &row.shown})
+            track->add_bars(scale, strip().width(), {}, known.bars);
+    }
+    return known.bars;
+}
+
 // All rows as lines one or two pixels high; kept until a clip changes.
 void timeline_whole_event::paint_clips() {
     const theme& look = theme::current();
@@ -92,20 +104,18 @@ void timeline_whole_event::paint_clips() {
     const int rows = static_cast<int>(state_.rows().size());
     const int high = std::clamp(place.height() / rows - 1, 1, 2);
     const double room = place.height() - 2.0 * high;
-    std::vector<timeline_bar> bars;
-    int number = 0;
+    if (scale != bars_scale_) bars_.clear();
+    bars_scale_ = scale;
+    bars_.resize(state_.rows().size());
+    std::size_t index = 0;
     for (const timeline_row& row : state_.rows()) {
-        const int y = high + static_cast<int>(room * number++ / rows);
-        for (const clip_track* track : {&row.dimmed, &row.shown}) {
-            bars.clear();
-            track->add_bars(scale, place.width(), {}, bars);
-            for (const timeline_bar& bar : bars) {
-                const QColor& colour = row.palette[bar.colour];
-                const QColor seen = bar.dimmed ? mix(colour, look.pane, look.filtered_out_share) : colour;
-                const int left = static_cast<int>(std::lround(bar.left));
-                const int right = std::max(left + 1, static_cast<int>(std::lround(bar.right)));
-                painter.fillRect(QRect(left, y, right - left, high), seen);
-            }
+        const int y = high + static_cast<int>(room * static_cast<double>(index) / rows);
+        for (const timeline_bar& bar : bars_of(row, index++, scale)) {
+            const QColor& colour = row.palette[bar.colour];
+            const QColor seen = bar.dimmed ? mix(colour, look.pane, look.filtered_out_share) : colour;
+            const int left = static_cast<int>(std::lround(bar.left));
+            const int right = std::max(left + 1, static_cast<int>(std::lround(bar.right)));
+            painter.fillRect(QRect(left, y, right - left, high), seen);
         }
     }
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <limits>
 
 namespace vistels {
@@ -88,6 +89,8 @@ class bar_maker {
 }  // namespace
 
 void clip_track::assign(std::vector<track_clip> clips) {
+    static std::atomic<std::uint64_t> versions{0};
+    version_ = ++versions;
     clips_ = std::move(clips);
     latest_end_.clear();
     latest_end_.reserve(clips_.size());

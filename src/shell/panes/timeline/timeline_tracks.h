@@ -41,6 +41,8 @@ class clip_track {
   public:
     void assign(std::vector<track_clip> clips);
 
+    // Another one after each assign(): what was made of the clips is current as long as it is the same.
+    std::uint64_t version() const { return version_; }
     std::size_t size() const { return clips_.size(); }
     const track_clip& operator[](std::size_t position) const { return clips_[position]; }
 
@@ -65,6 +67,7 @@ class clip_track {
     };
     static constexpr std::size_t block_size = 64;
 
+    std::uint64_t version_ = 0;
     std::vector<track_clip> clips_;
     std::vector<double> latest_end_;  // of all clips up to the one at the same position
     std::vector<block> blocks_;
