@@ -425,6 +425,63 @@ TEST_F(timeline_pane, triggers_of_buttons_are_marked_in_their_rows_or_on_the_rul
     EXPECT_TRUE(view_rows()[1].triggers.empty());
 }
 
+// What one draws by: all clips of all rows with their colours and marks.
+std::vector<std::string> drawn(const timeline_rows& rows) {
+    std::vector<std::string> made;
+    for (const timeline_row& row : rows) {
+        made.push_back(row.name.toStdString() + " " + std::to_string(row.clips) + " " +
+                       std::to_string(row.passing) + " " + std::to_string(row.marks.size()));
+        for (const clip_track* track : {&row.shown, &row.dimmed, &row.selected}) {
+            for (std::size_t i = 0; i < track->size(); ++i) {
+                const track_clip& clip = (*track)[i];
+                made.push_back(std::to_string(clip.start) + "-" + std::to_string(clip.end) + " " +
+                               std::to_string(clip.index) + " " + std::to_string(row.extras[clip.index]) +
+                               row.palette[clip.colour].name().toStdString() +
+                               (clip.dimmed ? " dimmed" : ""));
+            }
+            made.emplace_back("|");
+        }
+    }
+    return made;
+}
+
+TEST_F(timeline_pane, rows_that_took_every_change_are_as_read_anew) {
+    std::mt19937 random(3);
+    const auto up_to = [&](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
+    std::vector<std::string> there{"a1", "a2", "a3", "b1"};
+    for (int step = 0; step < 400; ++step) {
+        timeline_edit edit{"made", "", {}};
+        const int what = up_to(9);
+        const std::size_t one = static_cast<std::size_t>(up_to(static_cast<int>(there.size()) - 1));
+        if (what < 4 || there.size() < 3) {
+            there.push_back("n" + std::to_string(step));
+            const double start = up_to(500);
+            sxy_CLIP clip = clip_of(there.back(), start, start + up_to(40) + 1);
+            edit.operations.push_back(operation::insert_clip{shared_text(up_to(1) ? "a" : "b"), clip});
+        } else if (what == 4) {
+            edit.operations.push_back(operation::remove_clip{there[one]});
+            there.erase(there.begin() + static_cast<std::ptrdiff_t>(one));
+        } else if (what == 5) {
+            operation::change_clip change{there[one], {}, {}};
+            change.set.set("color", colour_text({up_to(4) / 4.0, 0.5, 0.25}, 2));
+            edit.operations.push_back(change);
+        } else if (what == 6) {
+            const std::string name = "r" + std::to_string(step);
+            edit.operations.push_back(operation::insert_row{static_cast<std::size_t>(up_to(1)),
+                                                            row_of(name.c_str(), name.c_str())});
+        } else if (what == 7) {
+            shown_->selection().toggle(there[one]);
+        } else if (what == 8) {
+            edit.operations.push_back(operation::insert_qualifier{
+                there[one], 0, qualifier_of(("q" + std::to_string(step)).c_str(), "Marek")});
+        }
+        ASSERT_TRUE(edit.operations.empty() || document_->apply(edit)) << step;
+        timeline_rows fresh;
+        fresh.read(*shown_, theme::current(), {});
+        ASSERT_EQ(drawn(view_rows()), drawn(fresh)) << step;
+    }
+}
+
 TEST_F(timeline_pane, triggers_on_clips_are_marked) {
     const QImage before = canvas_->grab().toImage();
     operation::change_clip change{"a1", {}, {}};

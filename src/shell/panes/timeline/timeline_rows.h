@@ -61,6 +61,7 @@ struct timeline_row {
     int top = 0;  // pixels from the first row
     int height = 0;
     row_pointer record;
+    clip_list read;  // what the above was made of
 
     static constexpr std::uint8_t has_note = 0x80;
     static constexpr std::uint8_t is_filtered_out = 0x40;
@@ -102,6 +103,7 @@ class timeline_rows {
     std::size_t row_with(const shared_text& uuid) const;
 
   private:
+    void read_rows(const clip_view& view, const theme& look, std::vector<timeline_row> before);
     void read_live(const sxy_DATA_root& timeline);
     void place_triggers();
 
