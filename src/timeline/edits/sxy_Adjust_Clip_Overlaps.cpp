@@ -46,7 +46,7 @@ std::optional<clip_overlap> overlap_with(clip_span reference, clip_span other) {
 
 std::optional<overlapping_clip> first_overlap(const sxy_ROW& row, const sxy_CLIP& reference) {
     for (const auto& clip : row.clips()) {
-        if (clip->id() == reference.id()) continue;
+        if (clip->short_id() == reference.short_id()) continue;
         if (const auto test = overlap_with(span_of(reference), span_of(*clip))) return {{*test, clip}};
     }
     return std::nullopt;

@@ -211,7 +211,7 @@ const clip_pointer* clip_list::find(const sxy_CLIP& clip) const {
     const std::size_t index = here->lower_bound(place);
     if (index == here->count) return nullptr;
     const auto& found = here->clips[index];
-    return found.get() == &clip || found->id() == clip.id() ? &found : nullptr;
+    return found.get() == &clip || found->short_id() == clip.short_id() ? &found : nullptr;
 }
 
 std::size_t clip_list::position(const sxy_CLIP& clip) const {
@@ -228,7 +228,7 @@ std::size_t clip_list::position(const sxy_CLIP& clip) const {
     const std::size_t index = before + static_cast<const leaf*>(at)->lower_bound(place);
     if (index == size_) return size_;
     const auto& found = (*this)[index];
-    return found.get() == &clip || found->id() == clip.id() ? index : size_;
+    return found.get() == &clip || found->short_id() == clip.short_id() ? index : size_;
 }
 
 std::size_t clip_list::first_starting_at(double seconds) const {

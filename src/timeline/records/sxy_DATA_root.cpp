@@ -144,8 +144,11 @@ sxy_ROW& sxy_DATA_root::editable(std::size_t index) {
 }
 
 std::size_t sxy_DATA_root::live_index(std::string_view uuid) const {
-    const auto found = std::find_if(live_.begin(), live_.end(),
-                                    [&](const clip_place& place) { return place.clip->id() == uuid; });
+    if (live_.empty()) return 0;
+    const compact_text wanted(uuid);
+    const auto found = std::find_if(live_.begin(), live_.end(), [&](const clip_place& place) {
+        return place.clip->short_id() == wanted;
+    });
     return static_cast<std::size_t>(found - live_.begin());
 }
 
