@@ -13,7 +13,7 @@ constexpr double ticks_a_second = 60;
 }  // namespace
 
 playback_tally::playback_tally(const std::vector<playback_vistel>& vistels, synchronised_playback& playback)
-    : playback_(playback) {
+    : playback_(playback), fixes_before_(playback.corrections()) {
     for (const auto& vistel : vistels) {
         if (vistel.parts.empty()) continue;
         const auto& last = vistel.parts.back();
@@ -34,9 +34,6 @@ void playback_tally::look() {
         last = std::max(last.value_or(at), at);
     }
     if (first) largest_difference_ = std::max(largest_difference_, *last - *first);
-    const bool is_fixed = !playback_.correction_note().empty();
-    if (is_fixed && !was_fixed_) ++fixes_;
-    was_fixed_ = is_fixed;
 }
 
 // A vistel that has not begun, or has ended, stands still and is in step with nobody.
@@ -74,7 +71,7 @@ void playback_tally::add_to(property_dictionary& printed) const {
     printed.add("frames", std::move(frames));
     printed.add("dropped", std::move(dropped));
     printed.add("largest_difference", largest_difference_);
-    printed.add("fixes", fixes_);
+    printed.add("fixes", playback_.corrections() - fixes_before_);
 }
 
 }  // namespace vistels

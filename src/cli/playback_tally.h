@@ -41,8 +41,7 @@ class playback_tally {
     synchronised_playback& playback_;
     std::vector<count> counts_;
     double largest_difference_ = 0;
-    std::int64_t fixes_ = 0;
-    bool was_fixed_ = false;
+    const int fixes_before_;
     connection pictures_changed_;
 };
 

@@ -38,6 +38,13 @@ picture_pointer playback_frame_cache::at_or_before(std::int64_t stamp) const {
     return after == frames_.begin() ? nullptr : std::prev(after)->second;
 }
 
+picture_pointer playback_frame_cache::near(std::int64_t stamp, std::int64_t from, std::int64_t until) const {
+    const auto after = frames_.upper_bound(stamp);
+    if (after != frames_.begin() && std::prev(after)->second->until_stamp > from)
+        return std::prev(after)->second;
+    return after != frames_.end() && after->first <= until ? after->second : nullptr;
+}
+
 playback_frame_cache::run playback_frame_cache::run_at(std::int64_t stamp) const {
     const auto found = standing_at(stamp);
     if (found == frames_.end()) return {stamp, stamp, 0, 0, false};

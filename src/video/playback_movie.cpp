@@ -243,6 +243,22 @@ playback_movie::progress playback_movie::fetch(const playback_demand& demand, st
     return read_one(demand.rate > 0 ? stamp : needed_from);
 }
 
+// Reads on from the key frame until a frame is near enough.
+playback_movie::progress playback_movie::fetch_near(const playback_demand& demand, std::int64_t stamp) {
+    if (frame_near(demand.seconds, demand.tolerance)) return progress::nothing_to_do;
+    const std::int64_t from = reader_->stamp_at(demand.seconds - demand.tolerance);
+    progress made = progress::nothing_to_do;
+    if (reader_->should_seek(stamp)) {
+        made = seek(stamp, from);
+    } else if (reader_->next_stamp()) {
+        made = read_one(from);
+    } else {
+        made = fetch(demand, stamp);
+    }
+    const bool has_come = made == progress::worked && frame_near(demand.seconds, demand.tolerance);
+    return has_come ? progress::wanted_frame_came : made;
+}
+
 playback_movie::progress playback_movie::fetch_ahead(const playback_frame_cache::run& held) {
     if (!make_room(false)) return progress::nothing_to_do;
     if (reader_->should_seek(held.until)) return seek(held.until, held.until);
@@ -278,6 +294,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         standing = cache_.at(stamp);
         if (standing) held = cache_.run_at(stamp);
     }
+    if (!standing && demand.tolerance > 0) return fetch_near(demand, stamp);
     const bool needs_ahead = held.frames_after < targets_.ahead && !held.reaches_end;
     const bool needs_behind = held.frames_before < targets_.behind && held.from > 0;
     choose_decoded(demand, !standing, stamp, !needs_ahead && !needs_behind);
@@ -316,6 +333,11 @@ picture_pointer playback_movie::frame_at(double seconds) const {
 picture_pointer playback_movie::frame_before(double seconds) const {
     const std::lock_guard lock(mutex_);
     return cache_.at_or_before(stamp_at(seconds));
+}
+
+picture_pointer playback_movie::frame_near(double seconds, double tolerance) const {
+    const std::lock_guard lock(mutex_);
+    return cache_.near(stamp_at(seconds), stamp_at(seconds - tolerance), stamp_at(seconds + tolerance));
 }
 
 picture_pointer playback_movie::frame_preceding(const picture& shown) const {

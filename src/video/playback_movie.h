@@ -20,7 +20,8 @@ struct playback_demand {
     int direction = 0;   // of the last step while standing still: 1, -1 or 0
     int width = 0;       // of the pictures; 0: the movie's own size
     int height = 0;
-    bool alone = false;      // the very frame will do, no other is going to be asked for soon
+    bool alone = false;    // the very frame will do, no other is going to be asked for soon
+    double tolerance = 0;  // seconds before and after by which the frame may be another; no more is read then
     std::size_t memory = 0;  // bytes that this movie's pictures may take; the wanted one comes in any case
 };
 
@@ -56,6 +57,8 @@ class playback_movie {
     picture_pointer frame_at(double seconds) const;
     // The latest frame held that is not later than that, for showing while the right one is being read.
     picture_pointer frame_before(double seconds) const;
+    // A frame that stands within so many seconds of that; null when none is held.
+    picture_pointer frame_near(double seconds, double tolerance) const;
     // The frame that precedes `shown`, when it is held.
     picture_pointer frame_preceding(const picture& shown) const;
     // Why the movie cannot be shown; none when it can.
@@ -74,6 +77,7 @@ class playback_movie {
     progress open();
     progress fail(failure reason);
     progress fetch(const playback_demand& demand, std::int64_t stamp);
+    progress fetch_near(const playback_demand& demand, std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
     progress fetch_behind(const playback_frame_cache::run& held);
     progress seek(std::int64_t stamp, std::int64_t needed_from);

@@ -14,9 +14,10 @@ constexpr double before_all_seconds = -111111111.0;
 constexpr double lag_threshold_seconds = 5.0;
 constexpr double correction_pause_seconds = 1.0;
 constexpr double seek_timescale = 30000;
+constexpr double shortest_clip_seconds = 0.001;
 
 bool takes_part(const lagging_vistel& vistel) {
-    return !vistel.has_overlay && vistel.number <= largest_camera_number;
+    return !vistel.has_overlay && !vistel.is_away && vistel.number <= largest_camera_number;
 }
 
 double at_timescale(double seconds) {
@@ -60,6 +61,18 @@ std::vector<lag_move> advance_lagging_players(std::vector<lagging_vistel>& viste
         moves.push_back({i, at_timescale(at_timescale(*vistel.seconds) + at_timescale(lag))});
     }
     return moves;
+}
+
+double fraction_within(double fraction) {
+    return fraction > 0 ? std::min(fraction, 1.0) : 0;
+}
+
+double fraction_at(double start, double end, double seconds) {
+    return fraction_within((seconds - start) / std::max(end - start, shortest_clip_seconds));
+}
+
+double seconds_still_to_play(double start, double end, double fraction) {
+    return (end - start) * (1 - fraction_within(fraction));
 }
 
 }  // namespace vistels

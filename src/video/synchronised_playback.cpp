@@ -171,6 +171,7 @@ void synchronised_playback::set_top_speed(double stored) {
 void synchronised_playback::play() {
     if (is_playing() || !clock_.can_move()) return;
     direction_ = 0;
+    tolerance_ = 0;
     snap_to_frame_ = false;
     clock_.play();
     start_timer();
@@ -212,15 +213,19 @@ void synchronised_playback::take_arrivals() {
     show(shown_time());
 }
 
-// What a vistel shows at a time of its own time line; true when that is something else than before.
-bool synchronised_playback::show(entry& vistel, double seconds) {
-    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_,
-                        !is_in_front_ && !is_playing());
-    auto seen = vistel.player->look(seconds);
+// What a vistel shows as of now, or where it is sought alone; true when that is something else than before.
+bool synchronised_playback::show(entry& vistel, double now) {
+    const double at = vistel.seeks ? vistel.seeks->wish.collection_seconds : now;
+    const double tolerance = vistel.seeks ? vistel.seeks->wish.tolerance : is_playing() ? 0 : tolerance_;
+    const double seconds = at + vistel.vistel.lead;
+    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_, !is_in_front_ && !is_playing(),
+                        tolerance);
+    auto seen = vistel.player->look(seconds, tolerance);
     const bool is_news = seen.state != vistel.state || seen.problem != vistel.problem;
     vistel.state = seen.state;
+    vistel.is_near = seen.is_near;
     vistel.problem = std::move(seen.problem);
-    if (seen.state == vistel_state::waiting) {
+    if (seen.state == vistel_state::waiting && !seen.is_near) {
         // Better the last picture than none; while playing, better a late one than one that stands still.
         const double away = std::abs(seen.frame_seconds - seconds);
         const bool is_nearer = vistel.shown ? away < std::abs(vistel.shown_seconds - seconds)
@@ -237,12 +242,15 @@ bool synchronised_playback::show(entry& vistel, double seconds) {
 void synchronised_playback::show(double now) {
     shown_time_ = now;
     bool changed = false;
+    std::vector<std::function<void()>> sought;
     for (auto& vistel : vistels_) {
         if (is_followed(vistel)) {
-            changed = show(vistel, now + vistel.vistel.lead) || changed;
+            changed = show(vistel, now) || changed;
+            if (auto done = end_own_seek(vistel)) sought.push_back(std::move(done));
         } else {
             vistel.player->rest();
             vistel.shown.reset();
+            vistel.seeks.reset();
             vistel.returns = true;
             if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
         }
@@ -253,6 +261,7 @@ void synchronised_playback::show(double now) {
         state_changed.emit();
     }
     if (changed) pictures_changed.emit();
+    for (const auto& done : sought) done();
     settle();
 }
 

@@ -29,6 +29,13 @@ struct playback_vistel {
     bool operator==(const playback_vistel&) const = default;
 };
 
+// Where to go.
+struct seek_wish {
+    double collection_seconds = 0;
+    double tolerance = 0;  // seconds before and after that time within which a frame will do
+    std::string source;    // who asks
+};
+
 // Plays the vistels of a collection in step: one clock, and at each tick every vistel's frame at its movie
 // time. Collection time runs from minus the largest lead to the end of the vistel that lasts longest; playing
 // stops there. Everything happens on the main thread, driven by a timer of the run loop, and nothing waits
@@ -74,6 +81,17 @@ class synchronised_playback final : public transport {
     // `done` is called once every vistel shows its frame at that time, or cannot; not at all when another
     // seek or step comes first.
     void seek(double collection_seconds, std::function<void()> done);
+    // The same; with a tolerance what is nearest at hand is shown, and stays as long as nothing else is asked
+    // for.
+    void seek(const seek_wish& wish, std::function<void()> done);
+    // Brings one vistel alone to a time: what it was to show before is given up, and it is asked for the
+    // frames of the clock again once a frame near enough is there. `done` is called then; not at all when
+    // another seek comes first.
+    void seek_vistel(const std::string& uuid, const seek_wish& wish, std::function<void()> done = nullptr);
+    // What is still being sought is not told any more; playback stays where the clock stands.
+    void cancel_seeks();
+    // Who asked for the seek that a vistel is at; empty: it is at none of its own.
+    std::string seek_source(const std::string& uuid) const;
     // One frame on (1) or back (-1), of the enlarged vistel or the first; playing stops.
     void step(int direction, std::function<void()> done = nullptr);
 
@@ -95,17 +113,24 @@ class synchronised_playback final : public transport {
     double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;
     failure problem(const std::string& uuid) const;
-    // Whether every vistel that is seen shows its very frame, or cannot show any.
+    // Whether every vistel that is seen shows its very frame, or one within the tolerance of the last seek,
+    // or cannot show any.
     bool is_settled() const;
     // Whether it takes part in the ticks: while the collection's time moves, and half a second longer.
     bool timer_runs() const { return task_.is_running(); }
-    // What the last correction of lagging vistels had to say.
+    // What the last correction of lagging vistels had to say, and how many moved some vistel.
     const std::string& correction_note() const { return correction_note_; }
+    int corrections() const { return corrections_; }
 
     signal<> pictures_changed;  // what some vistel shows, or with none the time that was sought
     signal<> state_changed;     // playing or not, rate, range, a vistel's state
 
   private:
+    // Of one vistel alone, by which it goes instead of the clock until a frame is there.
+    struct own_seek {
+        seek_wish wish;
+        std::function<void()> done;
+    };
     struct entry {
         playback_vistel vistel;
         std::unique_ptr<vistel_player> player;
@@ -115,6 +140,8 @@ class synchronised_playback final : public transport {
         int height = 0;
         vistel_state state = vistel_state::waiting;
         failure problem;
+        bool is_near = false;  // what is shown is within the tolerance of what was asked for
+        std::optional<own_seek> seeks;
         std::optional<double> last_correction_seconds;
         bool is_seen = true;
         bool returns = false;  // it was out of sight and has shown nothing since
@@ -133,11 +160,13 @@ class synchronised_playback final : public transport {
     void timer_tick();
     void take_arrivals();
     void show(double now);
-    bool show(entry& vistel, double seconds);
+    bool show(entry& vistel, double now);
+    std::function<void()> end_own_seek(entry& vistel);
+    bool is_answering_now(const entry& vistel) const;
     void correct_lags();
     void update_sound(double now);
     void settle();
-    void move_to(double seconds, int direction, bool snap, std::function<void()> done);
+    void move_to(double seconds, int direction, bool snap, std::function<void()> done, double tolerance = 0);
 
     run_loop& loop_;
     const std::shared_ptr<frame_budget> budget_;
@@ -156,9 +185,11 @@ class synchronised_playback final : public transport {
     double top_reverse_ = top_reverse_rate;
     int direction_ = 0;           // of the last step
     bool snap_to_frame_ = false;  // stand at the frame's own time once it is known
+    double tolerance_ = 0;        // of the last seek
     std::function<void()> done_;
     playback_timer_record timer_record_;
     std::string correction_note_;
+    int corrections_ = 0;
     playback_sound sound_;
     double last_follow_seconds_ = 0;  // machine time
     std::shared_ptr<arrival_link> arrivals_;

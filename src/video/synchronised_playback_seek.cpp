@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "video/synchronised_playback.h"
@@ -16,10 +17,51 @@ constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
 }  // namespace
 
 void synchronised_playback::seek(double collection_seconds, std::function<void()> done) {
-    move_to(collection_seconds, 0, false, std::move(done));
+    seek(seek_wish{collection_seconds, 0, {}}, std::move(done));
 }
 
-void synchronised_playback::move_to(double seconds, int direction, bool snap, std::function<void()> done) {
+void synchronised_playback::seek(const seek_wish& wish, std::function<void()> done) {
+    move_to(wish.collection_seconds, 0, false, std::move(done), wish.tolerance);
+}
+
+void synchronised_playback::seek_vistel(const std::string& uuid, const seek_wish& wish,
+                                        std::function<void()> done) {
+    entry* const found = find(uuid);
+    if (found == nullptr || !std::isfinite(wish.collection_seconds)) return;
+    found->seeks = own_seek{wish, std::move(done)};
+    start_timer();
+    tick();
+}
+
+void synchronised_playback::cancel_seeks() {
+    done_ = nullptr;
+    tolerance_ = 0;
+    for (auto& vistel : vistels_) vistel.seeks.reset();
+    tick();
+}
+
+std::string synchronised_playback::seek_source(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr || !found->seeks ? std::string() : found->seeks->wish.source;
+}
+
+// Once a frame that is near enough is shown, or none will come, the vistel goes by the clock again. Gives
+// back whom to tell.
+std::function<void()> synchronised_playback::end_own_seek(entry& vistel) {
+    if (!vistel.seeks || (vistel.state == vistel_state::waiting && !vistel.is_near)) return nullptr;
+    auto ended = std::move(vistel.seeks->done);
+    vistel.seeks.reset();
+    // What stands there now need not be what the clock asks for.
+    if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
+    vistel.is_near = false;
+    start_timer();
+    return ended ? std::move(ended) : [] {};
+}
+
+void synchronised_playback::move_to(double seconds, int direction, bool snap, std::function<void()> done,
+                                    double tolerance) {
+    for (auto& vistel : vistels_) vistel.seeks.reset();
+    tolerance_ = std::max(tolerance, 0.0);
     clock_.seek(seconds);
     direction_ = direction;
     snap_to_frame_ = snap;
@@ -66,20 +108,34 @@ void synchronised_playback::settle() {
 
 bool synchronised_playback::is_settled() const {
     return std::none_of(vistels_.begin(), vistels_.end(), [this](const entry& vistel) {
-        return vistel.state == vistel_state::waiting && is_followed(vistel);
+        return vistel.state == vistel_state::waiting && !vistel.is_near && is_followed(vistel);
     });
 }
 
-// A vistel that lags is asked for the time that the others are at.
+// Whether the vistel has a picture for this time, and gets on with it.
+bool synchronised_playback::is_answering_now(const entry& vistel) const {
+    return is_followed(vistel) && vistel.state != vistel_state::blank &&
+           vistel.state != vistel_state::unreadable && !is_over(vistel.vistel.uuid);
+}
+
+// A vistel that lags is sought on its own to where the leader is: a frame near enough is shown as soon as it
+// can be had, and only then the very one of the clock. Playing backwards, who lags has the later time.
 void synchronised_playback::correct_lags() {
+    const double forwards = clock_.rate() < 0 ? -1 : 1;
     std::vector<lagging_vistel> looked_at;
     for (const auto& vistel : vistels_) {
         lagging_vistel made;
         made.number = vistel.vistel.number;
         made.has_overlay = vistel.player->is_still();
-        made.is_playing = vistel.state == vistel_state::waiting;
+        made.is_away = !is_answering_now(vistel);
+        made.is_playing = true;
         made.last_correction_seconds = vistel.last_correction_seconds;
-        if (vistel.shown) made.seconds = vistel.shown_seconds - vistel.vistel.lead;
+        // A frame that is the right one stands at the clock's time, however long ago it began.
+        if (vistel.state == vistel_state::showing && !vistel.seeks) {
+            made.seconds = forwards * shown_time_;
+        } else if (vistel.shown) {
+            made.seconds = forwards * (vistel.shown_seconds - vistel.vistel.lead);
+        }
         looked_at.push_back(made);
     }
     const auto moves = advance_lagging_players(looked_at, loop_.time().seconds());
@@ -87,10 +143,11 @@ void synchronised_playback::correct_lags() {
         vistels_[i].last_correction_seconds = looked_at[i].last_correction_seconds;
     }
     for (const auto& move : moves) {
-        entry& late = vistels_[move.vistel];
-        late.player->want(move.to_seconds + late.vistel.lead, clock_.rate(), 0);
+        const seek_wish wish{forwards * move.to_seconds, lag_move_tolerance_seconds, lag_move_source};
+        vistels_[move.vistel].seeks = own_seek{wish, nullptr};
     }
     correction_note_ = moves.empty() ? "" : time_fix_note;
+    if (!moves.empty()) ++corrections_;
 }
 
 }  // namespace vistels

@@ -76,13 +76,14 @@ void vistel_player::set_size(int width, int height) {
     demand_.height = height;
 }
 
-void vistel_player::want(double seconds, double rate, int direction, bool alone) {
+void vistel_player::want(double seconds, double rate, int direction, bool alone, double tolerance) {
     if (parts_.empty()) return;
     const std::lock_guard lock(mutex_);
     wanted_seconds_ = seconds;
     demand_.rate = rate;
     demand_.direction = direction;
     demand_.alone = alone;
+    demand_.tolerance = tolerance;
     resting_ = false;
     post_work();
 }
@@ -166,7 +167,8 @@ std::vector<vistel_player::near_part> vistel_player::near_parts(double seconds,
     const int middle = here.part >= 0 ? here.part : part_at_or_after(seconds);
     const bool backwards = demand.rate < 0 || (demand.rate == 0 && demand.direction < 0);
     const auto add = [&](int index, bool comes_after) {
-        if (demand.alone || index < 0 || index >= static_cast<int>(parts_.size())) return;
+        if (demand.alone || demand.tolerance > 0 || index < 0 || index >= static_cast<int>(parts_.size()))
+            return;
         const playback_part& part = parts_[static_cast<std::size_t>(index)];
         const double away = comes_after ? part.start - seconds : seconds - (part.start + part.duration);
         if (away > soon) return;
@@ -230,10 +232,10 @@ bool vistel_player::is_at_rest() const {
     return demand_.rate == 0;
 }
 
-vistel_player::view vistel_player::look(double seconds) const {
-    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, no_movie_parts()};
+vistel_player::view vistel_player::look(double seconds, double tolerance) const {
+    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, no_movie_parts(), false};
     const place here = place_of(seconds);
-    if (here.part < 0) return {vistel_state::blank, nullptr, seconds, seconds, {}};
+    if (here.part < 0) return {vistel_state::blank, nullptr, seconds, seconds, {}, false};
     const playback_movie& movie = *movies_[static_cast<std::size_t>(here.part)];
     const double start = parts_[static_cast<std::size_t>(here.part)].start;
     view seen;
@@ -248,6 +250,10 @@ vistel_player::view vistel_player::look(double seconds) const {
     if (seen.frame && !(seen.frame->sparse && is_at_rest())) {
         is_missed_ = false;
         seen.state = vistel_state::showing;
+    } else if (const auto near = tolerance > 0 ? movie.frame_near(here.seconds, tolerance) : nullptr) {
+        is_missed_ = false;
+        seen.is_near = true;
+        seen.frame = near;
     } else if (!seen.frame) {
         seen.frame = movie.frame_before(here.seconds);
     }

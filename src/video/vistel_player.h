@@ -43,6 +43,7 @@ class vistel_player {
         double frame_seconds = 0;  // the frame's time on the vistel's own time line
         double until_seconds = 0;  // ... and the next one's, or the part's end
         failure problem;           // when unreadable
+        bool is_near = false;      // the frame stands within the tolerance that was asked for
     };
 
     // `on_arrival` is called on the queue when a frame that was asked for has come, or cannot come. The
@@ -53,16 +54,16 @@ class vistel_player {
     ~vistel_player();
 
     // Asks for the frame at a time of the vistel's own time line, and for those that playing at `rate` (0:
-    // standing still, having last stepped in `direction`) will need; `alone`: the very frame will do. Takes
-    // the place of what was asked before.
-    void want(double seconds, double rate, int direction, bool alone = false);
+    // standing still, having last stepped in `direction`) will need; `alone`: the very frame will do. With a
+    // tolerance, in seconds, one as near as that will do. Takes the place of what was asked before.
+    void want(double seconds, double rate, int direction, bool alone = false, double tolerance = 0);
     // Nothing is asked for until the next want(): lets go of the pictures.
     void rest();
     // The pictures' size; 0, 0: the movie's own. Takes effect with the next want().
     void set_size(int width, int height);
 
-    // What stands at a time.
-    view look(double seconds) const;
+    // What stands at a time, or as near to it as the tolerance allows.
+    view look(double seconds, double tolerance = 0) const;
     // The time of the frame before that one, when it is held.
     std::optional<double> preceding(double seconds) const;
     // How long a frame stands on average.

@@ -149,6 +149,15 @@ TEST_F(player, a_clip_is_played_from_its_start_to_its_end) {
         operated.pause();
         EXPECT_EQ(opened->playback().rate(), 1);
     }
+    // A part of it, and how far it is.
+    EXPECT_EQ(operated.clip_fraction(), std::nullopt);
+    operated.play_clip("late", 0.5);
+    EXPECT_DOUBLE_EQ(now(), 11.5);
+    loop.advance(0.75);
+    EXPECT_NEAR(*operated.clip_fraction(), 0.75, 0.01);
+    loop.advance(2);
+    EXPECT_NEAR(now(), 13, a_tick);
+    EXPECT_EQ(operated.clip_fraction(), std::nullopt);
     select({"early", "late"});
     operated.play_clip();
     EXPECT_DOUBLE_EQ(now(), 2);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "util/simulated_run_loop.h"
 #include "video/collection_clock.h"
 #include "video/playback_frame_cache.h"
@@ -52,6 +54,10 @@ TEST(playback_rules, those_that_lag_are_moved_to_the_leader) {
     auto overlay = at(100);
     overlay.has_overlay = true;
     EXPECT_EQ(moved({overlay, at(1), at(2)}), list{});
+    auto away = at(100);
+    away.is_away = true;
+    EXPECT_EQ(moved({at(1), away, at(7)}), (list{7.0}));
+    EXPECT_EQ(moved({away, at(2)}), list{});
     auto unknown = at(0);
     unknown.seconds.reset();
     EXPECT_EQ(moved({at(10), unknown}), list{});
@@ -65,6 +71,22 @@ TEST(playback_rules, a_vistel_is_looked_at_once_a_second) {
     EXPECT_EQ(advance_lagging_players(vistels, 50).size(), 1U);
     EXPECT_EQ(advance_lagging_players(vistels, 50.9).size(), 0U);
     EXPECT_EQ(advance_lagging_players(vistels, 51).size(), 1U);
+}
+
+TEST(playback_rules, a_clip_that_is_played_stands_at_a_fraction_of_it) {
+    const double cases[][5] = {
+        // start, end, seconds, fraction, still to play
+        {10, 14, 11, 0.25, 3}, {10, 14, 9, 0, 4},  {10, 14, 15, 1, 0},
+        {10, 10, 10, 0, 0},    {10, 10, 11, 1, 0}, {10, 10.0001, 10.0005, 0.5, 0.00005},
+    };
+    for (const auto& [start, end, seconds, fraction, left] : cases) {
+        EXPECT_NEAR(fraction_at(start, end, seconds), fraction, 1e-9) << seconds;
+        EXPECT_NEAR(seconds_still_to_play(start, end, fraction), left, 1e-9) << seconds;
+    }
+    EXPECT_EQ(fraction_within(-0.1), 0);
+    EXPECT_EQ(fraction_within(1.1), 1);
+    EXPECT_EQ(fraction_within(std::nan("")), 0);
+    EXPECT_EQ(seconds_still_to_play(2, 4, 7), 0);
 }
 
 TEST(collection_clock, runs_by_rate_within_its_range) {

@@ -14,8 +14,10 @@
 
 #include "media/packet_index.h"
 #include "support/coded_movie.h"
+#include "support/run_until.h"
 #include "support/temporary_folder.h"
 #include "util/plain_run_loop.h"
+#include "util/simulated_run_loop.h"
 #include "util/wait_watch.h"
 
 namespace vistels {
@@ -107,10 +109,13 @@ TEST_F(playback, seeks_are_exact_by_the_offset_rule) {
     EXPECT_EQ(shown("b"), 37);
 }
 
-// Holds whoever opens a movie, as a volume does that has gone.
+// Holds whoever opens a movie, as a volume does that has gone; or whoever makes another call on a file.
 class held_volume : public wait_watch {
   public:
-    held_volume() { listen(this); }
+    explicit held_volume(std::string_view call = "open movie", std::string file = {})
+        : call_(call), file_(std::move(file)) {
+        listen(this);
+    }
     ~held_volume() override {
         release();
         listen(nullptr);
@@ -124,7 +129,7 @@ class held_volume : public wait_watch {
 
   private:
     void begins(const wait_note& note) override {
-        if (note.call() != std::string_view("open movie")) return;
+        if (note.call() != call_ || (!file_.empty() && note.subject() != file_)) return;
         std::unique_lock lock(mutex_);
         holding_ = true;
         change_.wait_for(lock, std::chrono::duration<double>(wait_seconds), [this] { return released_; });
@@ -132,6 +137,8 @@ class held_volume : public wait_watch {
     }
     void ended(const wait_note&, double) override {}
 
+    const std::string_view call_;
+    const std::string file_;
     std::mutex mutex_;
     std::condition_variable change_;
     bool released_ = false;
@@ -250,6 +257,110 @@ TEST_F(playback, what_is_out_of_sight_is_not_read) {
     ASSERT_TRUE(wait_for([&] { return !played_.is_playing() && played_.is_settled(); }));
     EXPECT_EQ(shown("b"), 29);
     EXPECT_EQ(shown("a"), 119);
+}
+
+TEST_F(playback, a_seek_with_tolerance_takes_what_is_near) {
+    struct {
+        double seconds, tolerance;
+        int frame;  // of the first vistel; key frames are 20 frames apart
+    } const cases[] = {{2.3, 1, 60}, {2.3, 0.2, 63}, {1.2, 0.15, 33}, {2.3, 0, 69}};
+    for (const auto& c : cases) {
+        synchronised_playback fresh(loop_);
+        fresh.set_volume(0);
+        fresh.set_vistels({{"a", 0.0, {{folder_ / "long.mp4", 0, 4}}}});
+        fresh.set_view_size("a", 160, 120);
+        int done = 0;
+        fresh.seek({c.seconds, c.tolerance, "test"}, [&] { ++done; });
+        ASSERT_TRUE(wait_for([&] { return done == 1; }));
+        const int frame = read_frame_number(*fresh.picture("a"));
+        EXPECT_LE(frame, c.seconds * 30 + 0.01) << c.tolerance;
+        EXPECT_GE(frame, (c.seconds - c.tolerance) * 30 - 1.01) << c.tolerance;
+        if (c.tolerance == 1 || c.tolerance == 0) {
+            EXPECT_EQ(frame, c.frame);
+        }
+        EXPECT_TRUE(fresh.is_settled());
+        // Exactly, when that is asked for.
+        fresh.seek(c.seconds, [&] { ++done; });
+        ASSERT_TRUE(wait_for([&] { return done == 2; }));
+        EXPECT_EQ(read_frame_number(*fresh.picture("a")), static_cast<int>(c.seconds * 30 + 0.01));
+    }
+}
+
+TEST_F(playback, one_vistel_is_sought_alone_and_comes_back_to_the_clock) {
+    set_both();
+    seek(1);
+    std::vector<int> seen;
+    const auto kept = played_.pictures_changed.connect([&] { seen.push_back(shown("b")); });
+    bool done = false;
+    played_.seek_vistel("b", {2.2, 0, "test"}, [&] { done = true; });
+    EXPECT_EQ(played_.seek_source("b"), "test");
+    ASSERT_TRUE(wait_for([&] { return done; }));
+    EXPECT_EQ(shown("b"), 81);
+    EXPECT_EQ(played_.seek_source("b"), "");
+    EXPECT_FALSE(played_.is_settled());
+    ASSERT_TRUE(wait_for([&] { return played_.is_settled(); }));
+    EXPECT_EQ(shown("b"), 45);
+    EXPECT_EQ(shown("a"), 30);
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), 81), 1);
+    // A seek of all takes its place, and is told in turn; what is cancelled is not.
+    done = false;
+    played_.seek_vistel("b", {3, 0, "test"}, [&] { done = true; });
+    seek(0.5);
+    EXPECT_EQ(shown("b"), 30);
+    played_.seek(2, [&] { done = true; });
+    played_.cancel_seeks();
+    ASSERT_TRUE(wait_for([&] { return played_.is_settled() && shown("b") == 75; }));
+    EXPECT_FALSE(done);
+}
+
+// The second vistel's volume answers no more while the first plays on for six seconds.
+TEST_F(playback, a_vistel_that_lags_is_brought_near_the_leader_before_anything_else) {
+    const std::string slow = folder_ / "slow.mp4";
+    const std::string quick = folder_ / "quick.mp4";
+    ASSERT_TRUE(write_small_coded_movie(slow, 300, 30).ok());
+    ASSERT_TRUE(write_small_coded_movie(quick, 300, 30).ok());
+    for (const double rate : {1.0, -1.0}) {
+        simulated_run_loop loop;
+        synchronised_playback played(loop);
+        played.set_volume(0);
+        const auto frame_of = [&](const char* uuid) {
+            return played.picture(uuid) ? read_frame_number(*played.picture(uuid)) : -1;
+        };
+        const auto wait_until = [&](const std::function<bool()>& done) { return comes_about(loop, done); };
+        // The last one is over, or has not begun, and is in nobody's way.
+        played.set_vistels({{"quick", 0, {{quick, 0, 10}}, 1},
+                            {"slow", 0.5, {{slow, 0, 10}}, 2},
+                            {"over", rate > 0 ? 9.5 : -9.5, {{quick, 0, 10}}, 3}});
+        for (const char* uuid : {"quick", "slow", "over"}) played.set_view_size(uuid, 160, 120);
+        played.set_rate(rate);
+        played.seek(rate > 0 ? 1 : 9);
+        ASSERT_TRUE(wait_until([&] { return played.is_settled(); }));
+        played.play();
+        held_volume volume("read movie", slow);
+        std::vector<int> seen;
+        // The slow one has some frames left, and then none.
+        for (int tick = 0; tick < 60 * 6.5; ++tick) {
+            loop.advance(1.0 / 60);
+            ASSERT_TRUE(wait_until([&] { return played.state("quick") == vistel_state::showing; }));
+            if (played.corrections() > 0) break;
+        }
+        ASSERT_EQ(played.corrections(), 1);
+        EXPECT_EQ(played.correction_note(), time_fix_note);
+        EXPECT_EQ(played.seek_source("slow"), lag_move_source);
+        EXPECT_EQ(played.seek_source("over"), "");
+        const double now = played.shown_time();
+        const auto kept = played.pictures_changed.connect([&] { seen.push_back(frame_of("slow")); });
+        loop.advance(1.0 / 60);  // the next tick leaves it to the correction
+        EXPECT_EQ(played.seek_source("slow"), lag_move_source);
+        volume.release();
+        ASSERT_TRUE(wait_until([&] { return played.seek_source("slow").empty(); }));
+        const double frame = (now + 0.5) * 30;
+        EXPECT_NEAR(frame_of("slow"), frame, 31);
+        EXPECT_EQ(frame_of("slow") % 30, 0) << frame_of("slow");  // the key frame, which comes first
+        loop.advance(1.0 / 60);
+        ASSERT_TRUE(wait_until([&] { return played.is_settled(); }));
+        EXPECT_NEAR(frame_of("slow"), (played.shown_time() + 0.5) * 30, 1.01);
+    }
 }
 
 TEST_F(playback, goes_away_in_the_middle_of_work) {

@@ -55,7 +55,7 @@ void event_player::set_event(open_event* event) {
     state_.disconnect();
     task_.reset();
     if (event_) event_->logger().set_selected_clips({});
-    play_until_.reset();
+    played_.reset();
     plays_list_ = false;
     event_ = event;
     followed_ = nullptr;
@@ -79,8 +79,8 @@ void event_player::tick() {
     if (looping_) {
         const double to = looped(seconds, playback.rate(), loop_.start, loop_.end);
         if (to != seconds) go_to(to, true);
-    } else if (play_until_ && seconds >= *play_until_) {
-        play_until_.reset();
+    } else if (played_ && seconds_still_to_play(played_->start, played_->end, *clip_fraction()) <= 0) {
+        played_.reset();
         playback.pause();
     }
 }
@@ -88,7 +88,7 @@ void event_player::tick() {
 void event_player::play_or_pause() {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    play_until_.reset();
+    played_.reset();
     if (playback.is_playing()) return playback.pause();
     if (playback.rate() < 0) playback.set_rate(1);
     // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
@@ -106,7 +106,7 @@ void event_player::pause() {
 void event_player::shuttle(int direction) {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    play_until_.reset();
+    played_.reset();
     playback.set_rate(next_shuttle_rate(playback.rate(), playback.is_playing(), direction, fastest_shuttle));
     playback.play();
 }
@@ -127,7 +127,7 @@ void event_player::seek(double seconds) {
 }
 
 void event_player::move_to(double seconds, bool is_jump) {
-    play_until_.reset();
+    played_.reset();
     const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
     const double within = std::clamp(seconds, event_->start_seconds(), end);
     if (is_jump) {
@@ -181,7 +181,12 @@ void event_player::follow_selection() {
     loop_.end = one ? chosen.front().clip->secs_end() : event_->end_seconds();
 }
 
-void event_player::play_clip(const std::string& clip) {
+std::optional<double> event_player::clip_fraction() const {
+    if (!event_ || !played_) return std::nullopt;
+    return fraction_at(played_->start, played_->end, event_->playback().collection_time());
+}
+
+void event_player::play_clip(const std::string& clip, double from) {
     if (!event_) return;
     const sxy_DATA_root& timeline = event_->timeline().timeline();
     const auto chosen = clip.empty() ? selection().clips() : std::vector<clip_place>();
@@ -189,9 +194,9 @@ void event_player::play_clip(const std::string& clip) {
                        : chosen.empty() ? std::nullopt
                                         : std::optional(chosen.front());
     if (!place) return;
-    const double end = place->clip->secs_end();
-    seek(place->clip->secs_start());
-    play_until_ = end;
+    const stretch played{place->clip->secs_start(), place->clip->secs_end()};
+    seek(played.end - seconds_still_to_play(played.start, played.end, from));
+    played_ = played;
     if (event_->playback().rate() < 0) event_->playback().set_rate(1);
     event_->playback().play();
 }

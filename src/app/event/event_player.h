@@ -53,8 +53,11 @@ class event_player {
     void follow_selection(const clip_selection& selection);
     void forget_selection(const clip_selection& gone);
     // Plays a clip forwards from its start and stops at its end; another command of a person ends that.
-    // Without a name: the first that is selected. Nothing when there is no such clip.
-    void play_clip(const std::string& clip = {});
+    // Without a name: the first that is selected. Nothing when there is no such clip. `from`: the fraction of
+    // it, 0 to 1, that is left out.
+    void play_clip(const std::string& clip = {}, double from = 0);
+    // Where the clip that is played stands, as a fraction of it; nothing when none is.
+    std::optional<double> clip_fraction() const;
     // While clips are played one after another neither loop nor end of a clip counts.
     void set_plays_list(bool plays) { plays_list_ = plays; }
 
@@ -105,8 +108,8 @@ class event_player {
     std::unique_ptr<tick_task> task_;           // while the event plays
     connection state_;
     bool looping_ = false;
-    stretch loop_;                      // what is played again and again
-    std::optional<double> play_until_;  // the end of the clip that is played
+    stretch loop_;                   // what is played again and again
+    std::optional<stretch> played_;  // the clip that is played
     bool plays_list_ = false;
     bool muted_ = false;
     bool heard_ = true;
