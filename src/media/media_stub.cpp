@@ -10,6 +10,7 @@
 #include "media/packet_index.h"
 #include "media/sound_output.h"
 #include "media/sound_reader.h"
+#include "media/sound_speed.h"
 
 namespace vistels {
 
@@ -32,6 +33,7 @@ struct growing_movie::implementation {};
 struct movie_writer::implementation {};
 struct sound_reader::implementation {};
 struct sound_output::implementation {};
+struct sound_speed::implementation {};
 
 result<movie_information> probe_movie(const std::string& path) {
     return without_media(path);
@@ -134,6 +136,17 @@ result<std::unique_ptr<sound_reader>> sound_reader::open(const std::string& path
 }
 result<void> sound_reader::read(double, float*, std::size_t) {
     return without_media();
+}
+
+sound_speed::~sound_speed() = default;
+result<std::unique_ptr<sound_speed>> sound_speed::open(double, bool) {
+    return without_media();
+}
+result<void> sound_speed::add(const float*, std::size_t) {
+    return without_media();
+}
+std::size_t sound_speed::take(float*, std::size_t) {
+    return 0;
 }
 
 sound_output::~sound_output() = default;

@@ -27,6 +27,8 @@ inline constexpr failure_of<a_path, a_cause> sound_could_not_be_read{"sound coul
                                                                      "Could not read the sound of “%1”: %2"};
 inline constexpr failure_of<a_path> sound_could_not_be_moved_in{"sound could not be moved in",
                                                                 "Could not move in the sound of “%1”"};
+inline constexpr failure_of<a_cause> sound_speed_could_not_be_changed{
+    "sound speed could not be changed", "Could not change the speed of the sound: %1"};
 // The library's own words.
 inline constexpr failure_of<a_text> movie_library_refuses{"movie library refuses", "%1"};
 inline constexpr failure_of<> movie_is_no_file{"movie is no file", "it is not a file"};

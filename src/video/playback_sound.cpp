@@ -11,6 +11,7 @@
 
 #include "media/sound_output.h"
 #include "media/sound_reader.h"
+#include "media/sound_speed.h"
 #include "util/serial_queue.h"
 
 namespace vistels {
@@ -21,6 +22,7 @@ constexpr double added_ahead_seconds = 0.2;
 constexpr std::size_t frames_at_once = 1920;  // 40 ms
 constexpr auto feeding_pause = std::chrono::milliseconds(15);
 constexpr double largest_drift_seconds = 0.25;  // beyond, sound starts afresh
+constexpr int most_reads = 64;                  // for one piece of sound of another speed
 
 }  // namespace
 
@@ -28,6 +30,7 @@ struct playback_sound::implementation {
     mutable std::mutex mutex;
     std::condition_variable changed;
     std::vector<playback_part> parts;  // guarded by mutex, like all down to `ending`
+    pitch_algorithm pitch = pitch_algorithm::varispeed;
     double volume = 1;
     double seconds = 0;  // where playback is
     double rate = 0;
@@ -42,6 +45,8 @@ struct playback_sound::implementation {
     double set_volume = -1;
     double from_seconds = 0;  // the vistel's time of the first sound since the last flush
     double fed_rate = 0;
+    std::unique_ptr<sound_speed> speed;  // null at rate 1
+    double read_until = 0;               // of the vistel's time; where the next read begins
     bool running = false;
     std::map<std::string, std::unique_ptr<sound_reader>> readers;  // null: has no sound
     std::vector<float> read_samples;
@@ -56,12 +61,11 @@ struct playback_sound::implementation {
     }
     void feed();
     bool feed_once(std::unique_lock<std::mutex>& lock);
-    void begin(double at, double at_rate);
+    void begin(double at, double at_rate, pitch_algorithm at_pitch);
     void add_some(const std::vector<playback_part>& from);
+    result<void> read_and_change(const std::vector<playback_part>& from);
     void read_from(const std::vector<playback_part>& from, double at, std::size_t frames);
-    bool can_sound() const {
-        return rate > 0 && rate <= fastest_rate && volume > 0 && !parts.empty() && !output_failed;
-    }
+    bool can_sound() const { return sounds_at(rate) && volume > 0 && !parts.empty() && !output_failed; }
 };
 
 // Feeds the device while there is something to hear.
@@ -82,6 +86,7 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
     const double at = seconds;
     const double at_rate = rate;
     const double at_volume = volume;
+    const pitch_algorithm at_pitch = pitch;
     bool afresh = std::exchange(restart, false) || !running || fed_rate != at_rate;
     if (heard && std::abs(*heard - at) > largest_drift_seconds) afresh = true;
     const auto from = parts;
@@ -95,7 +100,7 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
     if (output) {
         if (set_volume != at_volume) output->set_volume(at_volume);
         set_volume = at_volume;
-        if (afresh) begin(at, at_rate);
+        if (afresh) begin(at, at_rate, at_pitch);
         added = output->added_seconds() - output->heard_seconds() < added_ahead_seconds;
         if (added) add_some(from);
         if (output->heard_seconds() > 0) now = from_seconds + output->heard_seconds() * fed_rate;
@@ -106,29 +111,39 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
     return added;
 }
 
-void playback_sound::implementation::begin(double at, double at_rate) {
+void playback_sound::implementation::begin(double at, double at_rate, pitch_algorithm at_pitch) {
     output->flush();
-    from_seconds = at;
+    from_seconds = read_until = at;
     fed_rate = at_rate;
     running = true;
+    speed.reset();
+    if (at_rate == 1) return;
+    auto opened = sound_speed::open(at_rate, at_pitch == pitch_algorithm::time_domain);
+    if (opened.ok()) speed = std::move(opened).value();
 }
 
+// Silence where the speed cannot be changed: sound at the wrong one would be no help.
 void playback_sound::implementation::add_some(const std::vector<playback_part>& from) {
-    const double at = from_seconds + output->added_seconds() * fed_rate;
-    const auto needed = static_cast<std::size_t>(std::ceil(frames_at_once * fed_rate)) + 1;
-    read_from(from, at, needed);
-    made_samples.resize(frames_at_once * sound_channels);
-    for (std::size_t i = 0; i < frames_at_once; ++i) {
-        const double place = static_cast<double>(i) * fed_rate;
-        const auto before = static_cast<std::size_t>(place);
-        const auto part = static_cast<float>(place - static_cast<double>(before));
-        for (std::size_t channel = 0; channel < sound_channels; ++channel) {
-            const float a = read_samples[before * sound_channels + channel];
-            const float b = read_samples[std::min(before + 1, needed - 1) * sound_channels + channel];
-            made_samples[i * sound_channels + channel] = a + (b - a) * part;
-        }
+    made_samples.assign(frames_at_once * sound_channels, 0.0F);
+    if (fed_rate == 1) {
+        read_from(from, read_until, frames_at_once);
+        made_samples.swap(read_samples);
+        read_until += static_cast<double>(frames_at_once) / sound_samples_per_second;
+    } else if (speed && !read_and_change(from).ok()) {
+        speed.reset();
     }
     if (!output->add(made_samples.data(), frames_at_once).ok()) output.reset();
+}
+
+result<void> playback_sound::implementation::read_and_change(const std::vector<playback_part>& from) {
+    std::size_t made = speed->take(made_samples.data(), frames_at_once);
+    for (int reads = 0; made < frames_at_once && reads < most_reads; ++reads) {
+        read_from(from, read_until, frames_at_once);
+        read_until += static_cast<double>(frames_at_once) / sound_samples_per_second;
+        if (auto added = speed->add(read_samples.data(), frames_at_once); !added.ok()) return added;
+        made += speed->take(made_samples.data() + made * sound_channels, frames_at_once - made);
+    }
+    return {};
 }
 
 // The vistel's sound from a time on; silence in gaps and where it cannot be read.
@@ -156,6 +171,13 @@ void playback_sound::set_parts(std::vector<playback_part> parts) {
     its_->parts = std::move(parts);
     its_->restart = true;
     its_->heard.reset();
+}
+
+void playback_sound::set_pitch(pitch_algorithm pitch) {
+    const std::lock_guard lock(its_->mutex);
+    if (its_->pitch == pitch) return;
+    its_->pitch = pitch;
+    its_->restart = true;
 }
 
 void playback_sound::set_volume(double volume) {

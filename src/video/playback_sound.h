@@ -5,21 +5,26 @@
 #include <optional>
 #include <vector>
 
+#include "video/pitch_algorithm.h"
 #include "video/vistel_player.h"
 
 namespace vistels {
 
-// Sounds one vistel along with playback. Speeds other than 1 change the pitch; backwards, and forwards beyond
-// `fastest_rate`, it is silent. Main thread only; files and the device are handled on a queue of its own.
+// Sounds one vistel along with playback, forwards from `slowest_rate` to `fastest_rate`, and is silent
+// otherwise. Main thread only; files and the device are handled on a queue of its own.
 class playback_sound {
   public:
-    static constexpr double fastest_rate = 2;
+    static constexpr double slowest_rate = 0.25;
+    static constexpr double fastest_rate = 4;
+    static bool sounds_at(double rate) { return rate >= slowest_rate && rate <= fastest_rate; }
 
     playback_sound();
     ~playback_sound();
 
     // Whose sound is heard; empty: none.
     void set_parts(std::vector<playback_part> parts);
+    // What becomes of the pitch at rates other than 1; varispeed from the beginning.
+    void set_pitch(pitch_algorithm pitch);
     void set_volume(double volume);  // 0 to 1; at 0 the device rests
 
     // Playback is at `seconds` of the vistel's own time line and moves at `rate`; 0: it stands still.

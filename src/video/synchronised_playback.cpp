@@ -161,6 +161,11 @@ void synchronised_playback::set_volume(double volume) {
     sound_.set_volume(volume_);
 }
 
+void synchronised_playback::set_pitch(pitch_algorithm pitch) {
+    pitch_ = pitch;
+    sound_.set_pitch(pitch);
+}
+
 void synchronised_playback::set_top_speed(double stored) {
     const double top = clamped_top_speed(stored);
     if (top > 0) top_forward_ = top;

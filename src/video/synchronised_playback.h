@@ -66,8 +66,13 @@ class synchronised_playback final : public transport {
     void set_sound_vistel(const std::string& uuid);
     void set_volume(double volume);  // 0 to 1
     double volume() const { return volume_; }
+    // What becomes of the sound's pitch at other rates than 1.
+    void set_pitch(pitch_algorithm pitch);
+    pitch_algorithm pitch() const { return pitch_; }
     // A positive top speed bounds playing forwards, a negative one playing backwards.
     void set_top_speed(double stored);
+    // The fastest that playing in that direction (1 or -1) can be, as a positive number.
+    double top_speed(int direction) const { return direction < 0 ? -top_reverse_ : top_forward_; }
 
     double collection_time() const override { return clock_.time(); }
     double shown_time() const override { return is_playing() ? shown_time_ : clock_.time(); }
@@ -181,6 +186,7 @@ class synchronised_playback final : public transport {
     std::string enlarged_;
     std::string sound_vistel_;
     double volume_ = 1;
+    pitch_algorithm pitch_ = pitch_algorithm::varispeed;
     double top_forward_ = top_forward_rate;
     double top_reverse_ = top_reverse_rate;
     int direction_ = 0;           // of the last step

@@ -207,10 +207,20 @@ TEST_F(player, a_loop_goes_round_the_one_selected_clip_or_the_event) {
 
 TEST_F(player, rates_and_places_stay_within_the_event) {
     operated.seek(5);
-    for (const double rate : {1.0, 2.0, 4.0, 8.0, 8.0}) {
+    opened->playback().set_top_speed(-3);
+    for (const double rate : {1.0, 2.0, 4.0, 8.0, 16.0}) {
         operated.shuttle(1);
         EXPECT_EQ(opened->playback().rate(), rate);
     }
+    for (const double rate : {-1.0, -2.0, -3.0, -3.0}) {
+        operated.shuttle(-1);
+        EXPECT_EQ(opened->playback().rate(), rate);
+    }
+    for (const double rate : {-0.5, -0.25, -0.1, -0.1}) {
+        operated.play_slower(-1);
+        EXPECT_EQ(opened->playback().rate(), rate);
+    }
+    operated.shuttle(1);
     operated.shuttle(-1);
     EXPECT_EQ(opened->playback().rate(), -1);
     operated.play_or_pause();

@@ -2,6 +2,9 @@
 // What paths stand for, what the side bar lists, and how fast a shuttle goes.
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "app/event/shuttle.h"
 #include "app/start/open_requests.h"
 #include "app/start/start_up.h"
@@ -143,6 +146,27 @@ TEST(shuttle, goes_faster_at_each_press_and_turns_at_once) {
     for (const auto& one : cases) {
         EXPECT_EQ(next_shuttle_rate(one.rate, one.playing, one.direction, 8), one.next) << one.rate;
     }
+    // On to the top speed, whatever it is, and no further.
+    const double tops[] = {64, 5, 0.5};
+    const std::vector<double> rates[] = {{1, 2, 4, 8, 16, 32, 64, 64}, {1, 2, 4, 5, 5}, {0.5, 0.5}};
+    for (std::size_t i = 0; i < std::size(tops); ++i) {
+        for (const int direction : {1, -1}) {
+            double rate = direction;
+            bool plays = false;
+            for (const double next : rates[i]) {
+                rate = next_shuttle_rate(rate, std::exchange(plays, true), direction, tops[i]);
+                EXPECT_EQ(rate, direction * next);
+            }
+        }
+    }
+    const line slow[] = {{1, false, 1, 0.5},      {8, true, 1, 0.5},      {0.5, true, 1, 0.25},
+                         {0.25, true, 1, 0.1},    {0.1, true, 1, 0.1},    {0.25, true, -1, -0.5},
+                         {-0.5, true, -1, -0.25}, {0.25, false, -1, -0.5}};
+    for (const auto& one : slow) {
+        EXPECT_EQ(next_slow_rate(one.rate, one.playing, one.direction, 64), one.next) << one.rate;
+    }
+    EXPECT_EQ(next_shuttle_rate(0.1, true, 1, 64), 1);
+    EXPECT_EQ(next_slow_rate(1, true, 1, 0.3), 0.3);
     EXPECT_EQ(looped(20, 1, 10, 20), 10);
     EXPECT_EQ(looped(10, -1, 10, 20), 20);
     EXPECT_EQ(looped(15, 1, 10, 20), 15);

@@ -15,7 +15,6 @@ namespace vistels {
 namespace {
 
 constexpr double volume_step = 0.1;
-constexpr double fastest_shuttle = 8;
 // A step where there are no frames.
 constexpr double frame_without_pictures = 0.04;
 
@@ -107,7 +106,17 @@ void event_player::shuttle(int direction) {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
     played_.reset();
-    playback.set_rate(next_shuttle_rate(playback.rate(), playback.is_playing(), direction, fastest_shuttle));
+    playback.set_rate(
+        next_shuttle_rate(playback.rate(), playback.is_playing(), direction, playback.top_speed(direction)));
+    playback.play();
+}
+
+void event_player::play_slower(int direction) {
+    if (!event_) return;
+    synchronised_playback& playback = event_->playback();
+    played_.reset();
+    playback.set_rate(
+        next_slow_rate(playback.rate(), playback.is_playing(), direction, playback.top_speed(direction)));
     playback.play();
 }
 

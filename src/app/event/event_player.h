@@ -34,6 +34,8 @@ class event_player {
     void shuttle(int direction);
     // Of the event, for what plays it on a person's wish: a seek is one here. At rest at 0 without an event.
     transport& commands() { return *commands_; }
+    // The same, slower and slower.
+    void play_slower(int direction);
     // Frames on or back; where there are none, as long as one usually stands.
     void step(int frames);
     void jump(double seconds);

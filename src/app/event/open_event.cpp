@@ -68,6 +68,7 @@ open_event::open_event(std::string folder, home_places places, run_loop& loop)
 struct open_event::what_was_read {
     double movie_time = 0;
     double top_speed = 0;
+    pitch_algorithm pitch = pitch_algorithm::varispeed;
     press_settings presses;
     undo_history history;
 };
@@ -111,6 +112,7 @@ result<void> open_event::load() {
     if (has_collection_) link_collection();
     link_timeline(*timeline_, has_collection_ ? links_to(collection_.record()) : links_of_folder(folder_));
     read_->top_speed = load_playback_top_speed(places_).rate;
+    read_->pitch = load_pitch_algorithm(places_);
     application_volume_ = kept_application_volume_ = load_application_volume(places_);
     read_code_window();
     read_->presses = load_press_settings(places_);
@@ -141,6 +143,7 @@ void open_event::begin() {
 void open_event::begin_playback(const what_was_read& read) {
     playback_ = std::make_unique<synchronised_playback>(loop_);
     playback_->set_top_speed(read.top_speed);
+    playback_->set_pitch(read.pitch);
     feed_playback();
     playback_->seek(read.movie_time);
 }
@@ -450,6 +453,11 @@ void open_event::set_application_volume(double volume) {
 void open_event::take_application_volume(double volume) {
     set_application_volume(volume);
     kept_application_volume_ = application_volume_;
+}
+
+result<void> open_event::choose_pitch(pitch_algorithm pitch) {
+    playback_->set_pitch(pitch);
+    return save_pitch_algorithm(places_, pitch);
 }
 
 void open_event::set_silenced(bool silenced) {

@@ -111,6 +111,8 @@ class open_event {
     void set_silenced(bool silenced);
     // Saves the volumes that were set since they were saved last; the collection's in the background.
     result<void> keep_volumes();
+    // Sounds by that algorithm and saves it for all events.
+    result<void> choose_pitch(pitch_algorithm pitch);
     // The application's volume was set, and is kept, elsewhere.
     void take_application_volume(double volume);
     // Tries again to change an event that another program had open, see recorded_document::try_to_write().

@@ -8,6 +8,7 @@
 #include "app/settings/settings_file.h"
 #include "util/property_value.h"
 #include "util/result.h"
+#include "video/pitch_algorithm.h"
 
 namespace vistels {
 
@@ -20,7 +21,6 @@ struct playback_top_speed {
 playback_top_speed load_playback_top_speed(const home_places& places);
 result<void> save_playback_top_speed(const home_places& places, playback_top_speed speed);
 
-enum class pitch_algorithm { varispeed, time_domain };
 const char* pitch_algorithm_text(pitch_algorithm algorithm);
 pitch_algorithm load_pitch_algorithm(const home_places& places);
 result<void> save_pitch_algorithm(const home_places& places, pitch_algorithm algorithm);

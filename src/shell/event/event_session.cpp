@@ -125,6 +125,18 @@ void event_session::keep_volumes() {
     Q_EMIT application_volume_chosen(event_->application_volume());
 }
 
+void event_session::choose_pitch(pitch_algorithm pitch) {
+    if (!event_) return;
+    notices_.tell(event_->choose_pitch(pitch));
+    Q_EMIT pitch_chosen(pitch);
+}
+
+void event_session::take_pitch(pitch_algorithm pitch) {
+    if (!event_) return;
+    event_->playback().set_pitch(pitch);
+    Q_EMIT facts_changed();
+}
+
 void event_session::set_sound_vistel(const std::string& vistel) {
     if (event_) notices_.tell(event_->set_sound_vistel(vistel));
 }

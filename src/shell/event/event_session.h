@@ -62,6 +62,10 @@ class event_session : public QObject {
     picture_wishes* pictures() { return pictures_.get(); }
 
     void keep_volumes();
+    // What becomes of the sound's pitch at other rates, for all events; one that was chosen and saved
+    // elsewhere.
+    void choose_pitch(pitch_algorithm pitch);
+    void take_pitch(pitch_algorithm pitch);
     void set_sound_vistel(const std::string& vistel);
     void save();
     // Begins to save what is unsaved and does not wait for it.
@@ -74,6 +78,7 @@ class event_session : public QObject {
     // What the undo menu, the saved label or the side bar's line show changed.
     void facts_changed();
     void application_volume_chosen(double volume);
+    void pitch_chosen(pitch_algorithm pitch);
 
   private:
     void connect_event();

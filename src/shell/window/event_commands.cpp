@@ -54,6 +54,8 @@ void event_commands::connect_transport() {
     on(command::shuttle_back, [&player] { player.shuttle(-1); });
     on(command::pause, [&player] { player.pause(); });
     on(command::shuttle_on, [&player] { player.shuttle(1); });
+    on(command::slower_back, [&player] { player.play_slower(-1); });
+    on(command::slower_on, [&player] { player.play_slower(1); });
     on(command::frame_back, [&player] { player.step(-1); });
     on(command::frame_on, [&player] { player.step(1); });
     on(command::second_back, [&player] { player.jump(-second); });
@@ -71,6 +73,9 @@ void event_commands::connect_transport() {
     };
     on(command::louder, [change_volume] { change_volume(1); });
     on(command::softer, [change_volume] { change_volume(-1); });
+    on(command::keep_pitch, [this](bool keeps) {
+        session_.choose_pitch(keeps ? pitch_algorithm::time_domain : pitch_algorithm::varispeed);
+    });
     on(command::volumes, [this] {
         if (auto* shown = session_.binders().current<collection_binder>()) shown->view().bar().show_volumes();
     });
@@ -91,6 +96,8 @@ void event_commands::show_state() {
         words_with(tr("Redo"), can_redo ? event->undo().redo_name() : std::string()));
     actions_[command::loop]->setChecked(session_.player().is_looping());
     actions_[command::mute]->setChecked(session_.player().is_muted());
+    actions_[command::keep_pitch]->setChecked(event &&
+                                              event->playback().pitch() == pitch_algorithm::time_domain);
 }
 
 }  // namespace vistels

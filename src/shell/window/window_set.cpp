@@ -235,6 +235,11 @@ void window_set::connect_window(main_window& window) {
             if (other.window.get() != one) other.window->session().player().take_application_volume(volume);
         }
     });
+    connect(&one->session(), &event_session::pitch_chosen, this, [this, one](pitch_algorithm pitch) {
+        for (const auto& other : members_) {
+            if (other.window.get() != one) other.window->session().take_pitch(pitch);
+        }
+    });
     connect(one, &main_window::closing, this, [this, one] { take_closing(one); });
     one->installEventFilter(this);
 }
