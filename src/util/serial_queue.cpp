@@ -9,6 +9,13 @@
 
 namespace vistels {
 
+namespace {
+
+// The queue of this thread went away in its own last piece of work.
+thread_local bool is_gone = false;
+
+}  // namespace
+
 serial_queue::serial_queue(std::string name) : name_(std::move(name)), thread_([this] { run(); }) {}
 
 serial_queue::~serial_queue() {
@@ -17,6 +24,11 @@ serial_queue::~serial_queue() {
         ending_ = true;
     }
     wake_.notify_all();
+    if (thread_.get_id() == std::this_thread::get_id()) {
+        is_gone = true;
+        thread_.detach();
+        return;
+    }
     const wait_note note("end of a queue", name_);
     thread_.join();
 }
@@ -54,6 +66,7 @@ void serial_queue::run() {
         lock.unlock();
         work();
         work = nullptr;  // what the work held is let go here, not under the lock
+        if (is_gone) return;
         lock.lock();
         working_ = false;
         if (waiting_.empty()) idle_.notify_all();

@@ -11,7 +11,7 @@
 namespace vistels {
 
 // Runs pieces of work one after another on a thread of its own, in the order posted.
-// Any thread may post; destruction waits for what was posted.
+// Any thread may post; destruction waits for what was posted, but in the last piece of work itself.
 class serial_queue {
   public:
     // `name` is shown by debuggers (at most 15 characters are kept).

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "video/playback_movie.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "media/movie_failures.h"
+#include "util/wait_watch.h"
+#include "video/collection_failures.h"
 
 namespace vistels {
 
@@ -44,7 +48,44 @@ int direction_of(const playback_demand& demand) {
 playback_movie::playback_movie(std::string path, std::shared_ptr<picture_pool> pool)
     : path_(std::move(path)), pool_(std::move(pool)) {}
 
+file_stand file_stand::of(const std::string& path) {
+    const wait_note note("stat", path);
+    struct stat about {};
+    if (stat(path.c_str(), &about) != 0) return {};
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    return {true, about.st_dev, about.st_ino, about.st_size,
+            about.st_mtim.tv_sec * nanoseconds + about.st_mtim.tv_nsec};
+}
+
+bool file_stand::goes_on_from(const file_stand& before) const {
+    if (*this == before) return true;
+    return is_there && before.is_there && device == before.device && number == before.number &&
+           bytes > before.bytes;
+}
+
+void playback_movie::check_file() {
+    const bool failed = static_cast<bool>(problem());
+    if (!reader_ && !failed) return;
+    const file_stand now = file_stand::of(path_);
+    if (failed) {
+        if (now.is_there && (now != opened_ || failed_in_reading_)) forget_problem();
+    } else if (!now.is_there) {
+        fail(movie_is_gone(path_));
+        opened_ = now;
+        const std::lock_guard lock(mutex_);
+        cache_.clear();
+    } else if (!now.goes_on_from(opened_)) {
+        close();
+    }
+}
+
+void playback_movie::forget_problem() {
+    const std::lock_guard lock(mutex_);
+    problem_ = {};
+}
+
 playback_movie::progress playback_movie::fail(failure reason) {
+    failed_in_reading_ = reader_ != nullptr;
     reader_.reset();
     const std::lock_guard lock(mutex_);
     problem_ = std::move(reason);
@@ -52,6 +93,7 @@ playback_movie::progress playback_movie::fail(failure reason) {
 }
 
 playback_movie::progress playback_movie::open() {
+    opened_ = file_stand::of(path_);
     auto opened = frame_reader::open(path_, 1, pool_);
     if (!opened.ok()) return fail(opened.error());
     reader_ = std::move(opened).value();

@@ -31,10 +31,24 @@ struct playback_needs {
     std::size_t wanted = 0;  // to have at hand what the demand will ask for
 };
 
+// What tells a file from another that takes its place.
+struct file_stand {
+    bool is_there = false;
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    std::int64_t bytes = 0;
+    std::int64_t changed = 0;  // nanoseconds
+
+    bool operator==(const file_stand&) const = default;
+    static file_stand of(const std::string& path);
+    // Whether this is what it was, or has only grown.
+    bool goes_on_from(const file_stand& before) const;
+};
+
 // Reads one movie for playback: fetches the frame that is wanted, then those that will be wanted next, within
 // the memory that the demand names. When decoding cannot keep up it passes over frames that no other needs,
-// then all but key frames. work(), keep(), is_open(), needs() and close() are called on the vistel's queue,
-// everything else on any thread.
+// then all but key frames. work(), keep(), check_file(), is_open(), needs() and close() are called on the
+// vistel's queue, everything else on any thread.
 class playback_movie {
   public:
     enum class progress { nothing_to_do, worked, wanted_frame_came, failed };
@@ -52,6 +66,10 @@ class playback_movie {
     void keep(const playback_demand& demand);
     // Lets go of the file and the frames.
     void close();
+    // Looks whether the file is the one that was opened. One that is gone cannot be shown; one that another
+    // has taken the place of, or that was cut off, is opened anew, and so is one that could not be shown
+    // before.
+    void check_file();
 
     // The frame that stands at a time; null when it is not there (yet).
     picture_pointer frame_at(double seconds) const;
@@ -76,6 +94,7 @@ class playback_movie {
     std::int64_t stamp_at(double seconds) const;
     progress open();
     progress fail(failure reason);
+    void forget_problem();
     progress fetch(const playback_demand& demand, std::int64_t stamp);
     progress fetch_near(const playback_demand& demand, std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
@@ -95,6 +114,8 @@ class playback_movie {
     const std::shared_ptr<picture_pool> pool_;
 
     // Of the queue.
+    file_stand opened_;  // what was opened, or could not be
+    bool failed_in_reading_ = false;
     std::unique_ptr<frame_reader> reader_;
     bool reader_has_current_ = false;
     int width_ = 0;

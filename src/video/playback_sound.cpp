@@ -19,7 +19,8 @@ namespace vistels {
 namespace {
 
 constexpr double added_ahead_seconds = 0.2;
-constexpr std::size_t frames_at_once = 1920;  // 40 ms
+constexpr std::size_t frames_at_once = 1920;                   // 40 ms
+constexpr auto longest_wait = std::chrono::milliseconds(500);  // for a read, when all else ends
 constexpr auto feeding_pause = std::chrono::milliseconds(15);
 constexpr double largest_drift_seconds = 0.25;  // beyond, sound starts afresh
 constexpr int most_reads = 64;                  // for one piece of sound of another speed
@@ -38,6 +39,7 @@ struct playback_sound::implementation {
     bool feeding = false;
     bool ending = false;
     std::optional<double> heard;
+    std::optional<std::chrono::steady_clock::time_point> reads_since;
 
     // Of the queue.
     std::unique_ptr<sound_output> output;
@@ -54,7 +56,8 @@ struct playback_sound::implementation {
 
     serial_queue queue{"sound"};
 
-    ~implementation() {
+    ~implementation() { end(); }
+    void end() {
         const std::lock_guard lock(mutex);
         ending = true;
         changed.notify_all();
@@ -90,6 +93,7 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
     bool afresh = std::exchange(restart, false) || !running || fed_rate != at_rate;
     if (heard && std::abs(*heard - at) > largest_drift_seconds) afresh = true;
     const auto from = parts;
+    reads_since = std::chrono::steady_clock::now();
     lock.unlock();
     if (!output) {
         auto opened = sound_output::open();
@@ -106,6 +110,7 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
         if (output->heard_seconds() > 0) now = from_seconds + output->heard_seconds() * fed_rate;
     }
     lock.lock();
+    reads_since.reset();
     if (!output) output_failed = true;
     if (!restart) heard = now;
     return added;
@@ -163,8 +168,17 @@ void playback_sound::implementation::read_from(const std::vector<playback_part>&
     }
 }
 
-playback_sound::playback_sound() : its_(std::make_unique<implementation>()) {}
-playback_sound::~playback_sound() = default;
+playback_sound::playback_sound() : its_(std::make_shared<implementation>()) {}
+
+playback_sound::~playback_sound() {
+    its_->end();
+    std::unique_lock lock(its_->mutex);
+    const auto since = its_->reads_since;
+    lock.unlock();
+    if (since && std::chrono::steady_clock::now() - *since > longest_wait) {
+        its_->queue.post([held = its_] {});  // its last owner
+    }
+}
 
 void playback_sound::set_parts(std::vector<playback_part> parts) {
     const std::lock_guard lock(its_->mutex);

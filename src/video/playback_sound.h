@@ -19,6 +19,7 @@ class playback_sound {
     static bool sounds_at(double rate) { return rate >= slowest_rate && rate <= fastest_rate; }
 
     playback_sound();
+    // Does not wait for a file that does not answer; what reads it goes away by itself then.
     ~playback_sound();
 
     // Whose sound is heard; empty: none.
@@ -38,7 +39,7 @@ class playback_sound {
 
   private:
     struct implementation;
-    std::unique_ptr<implementation> its_;
+    std::shared_ptr<implementation> its_;
 };
 
 }  // namespace vistels

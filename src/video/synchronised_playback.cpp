@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <mutex>
 #include <utility>
+
+#include "video/collection_failures.h"
 
 namespace vistels {
 
@@ -18,28 +21,44 @@ constexpr double late_frame_seconds = 1;
 
 // What the vistels' queues hold on to, so that news which comes late finds nobody instead of somebody gone.
 struct synchronised_playback::arrival_link {
-    synchronised_playback* playback;     // main thread only
+    synchronised_playback* playback;  // main thread only
+    std::mutex mutex;
+    run_loop* loop = nullptr;            // guarded by mutex; null: gone with the playback
     std::atomic<bool> is_posted{false};  // one visit to the main thread serves all news until then
 };
 
-synchronised_playback::synchronised_playback(run_loop& loop, std::shared_ptr<frame_budget> budget)
+synchronised_playback::synchronised_playback(run_loop& loop, std::shared_ptr<frame_budget> budget,
+                                             const clock* patience)
     : loop_(loop),
+      patience_(patience == nullptr ? machine_clock_ : *patience),
       budget_(std::move(budget)),
       clock_(loop.time()),
       ticks_(loop),
       task_(ticks_, tick_step::players, [this] { timer_tick(); }),
       arrivals_(std::make_shared<arrival_link>()) {
     arrivals_->playback = this;
+    arrivals_->loop = &loop_;
 }
 
 synchronised_playback::~synchronised_playback() {
     arrivals_->playback = nullptr;
+    {
+        const std::lock_guard lock(arrivals_->mutex);
+        arrivals_->loop = nullptr;
+    }
+    if (watch_timer_ != 0) loop_.stop_timer(watch_timer_);
+    for (auto& vistel : vistels_) {
+        vistel.watch.look(vistel.player->progress(), patience_.seconds());
+        if (vistel.watch.is_slow()) vistel_player::leave(std::move(vistel.player));
+    }
 }
 
 std::unique_ptr<vistel_player> synchronised_playback::make_player(const playback_vistel& vistel) {
-    const auto tell = [link = arrivals_, &loop = loop_] {
+    const auto tell = [link = arrivals_] {
         if (link->is_posted.exchange(true)) return;
-        loop.post([link] {
+        const std::lock_guard lock(link->mutex);
+        if (link->loop == nullptr) return;
+        link->loop->post([link] {
             link->is_posted = false;
             if (link->playback != nullptr) link->playback->take_arrivals();
         });
@@ -59,7 +78,7 @@ void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
         }
         made.back().vistel = std::move(vistel);
     }
-    for (auto& gone : vistels_) retire(std::move(gone.player));
+    for (auto& gone : vistels_) retire(gone);
     vistels_ = std::move(made);
     update_range();
     set_sound_vistel(sound_vistel_);
@@ -68,11 +87,15 @@ void synchronised_playback::set_vistels(std::vector<playback_vistel> vistels) {
 }
 
 // A read that its queue is at may take long on a volume that is slow, or gone.
-void synchronised_playback::retire(std::unique_ptr<vistel_player> player) {
-    if (!player) return;
-    player->rest();
+void synchronised_playback::retire(entry& gone) {
+    if (!gone.player) return;
+    if (gone.watch.is_slow()) {
+        vistel_player::leave(std::move(gone.player));
+        return;
+    }
+    gone.player->rest();
     if (!retired_) retired_ = std::make_unique<serial_queue>("vistels gone");
-    retired_->post([gone = std::shared_ptr<vistel_player>(std::move(player))] {});
+    retired_->post([player = std::shared_ptr<vistel_player>(std::move(gone.player))] {});
 }
 
 void synchronised_playback::update_range() {
@@ -118,6 +141,7 @@ void synchronised_playback::set_lead(const std::string& uuid, double lead) {
     entry* const found = find(uuid);
     if (found == nullptr || !std::isfinite(lead)) return;
     found->vistel.lead = lead;
+    found->is_from_before = true;
     update_range();
     sound_.restart();
     tick();
@@ -226,6 +250,11 @@ bool synchronised_playback::show(entry& vistel, double now) {
     vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_, !is_in_front_ && !is_playing(),
                         tolerance);
     auto seen = vistel.player->look(seconds, tolerance);
+    if (!vistel.watch.answers()) {
+        seen = {};
+        seen.state = vistel_state::unreadable;
+        seen.problem = movie_does_not_answer(vistel.vistel.parts.front().path);
+    }
     const bool is_news = seen.state != vistel.state || seen.problem != vistel.problem;
     vistel.state = seen.state;
     vistel.is_near = seen.is_near;
@@ -238,6 +267,7 @@ bool synchronised_playback::show(entry& vistel, double now) {
         if (!is_playing() || !seen.frame || !is_nearer) return is_news;
     }
     vistel.returns = false;
+    vistel.is_from_before = false;
     const bool is_same = vistel.shown == seen.frame;
     vistel.shown = std::move(seen.frame);
     vistel.shown_seconds = seen.frame_seconds;
@@ -260,6 +290,7 @@ void synchronised_playback::show(double now) {
             if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
         }
     }
+    need_watch();
     update_sound(clock_.time());
     if (is_playing() && !clock_.can_move()) {
         clock_.pause();

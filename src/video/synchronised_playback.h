@@ -12,6 +12,7 @@
 #include "util/serial_queue.h"
 #include "util/signal.h"
 #include "util/transport.h"
+#include "video/answer_watch.h"
 #include "video/collection_clock.h"
 #include "video/playback_rules.h"
 #include "video/playback_sound.h"
@@ -38,13 +39,17 @@ struct seek_wish {
 
 // Plays the vistels of a collection in step: one clock, and at each tick every vistel's frame at its movie
 // time. Collection time runs from minus the largest lead to the end of the vistel that lasts longest; playing
-// stops there. Everything happens on the main thread, driven by a timer of the run loop, and nothing waits
-// for a file.
+// stops there. A vistel whose movie does not answer for 5 seconds is unreadable until it does; it is tried
+// anew every 10 seconds, and nobody waits for it. Everything happens on the main thread, driven by a timer of
+// the run loop, and nothing waits for a file.
 class synchronised_playback final : public transport {
   public:
-    // `loop` outlives the playback. The pictures are kept within `budget`.
+    // `loop` outlives the playback. The pictures are kept within `budget`. How long movies take to answer
+    // goes by `patience`, which outlives the playback, too; null: by the machine's clock, whatever that of
+    // the loop is.
     explicit synchronised_playback(run_loop& loop,
-                                   std::shared_ptr<frame_budget> budget = frame_budget::of_program());
+                                   std::shared_ptr<frame_budget> budget = frame_budget::of_program(),
+                                   const clock* patience = nullptr);
     ~synchronised_playback() override;
 
     // Vistels that were there before with the same movies go on undisturbed.
@@ -121,6 +126,8 @@ class synchronised_playback final : public transport {
     // Whether every vistel that is seen shows its very frame, or one within the tolerance of the last seek,
     // or cannot show any.
     bool is_settled() const;
+    // Whether a vistel's queue is at work.
+    bool is_reading(const std::string& uuid) const;
     // Whether it takes part in the ticks: while the collection's time moves, and half a second longer.
     bool timer_runs() const { return task_.is_running(); }
     // What the last correction of lagging vistels had to say, and how many moved some vistel.
@@ -148,6 +155,10 @@ class synchronised_playback final : public transport {
         bool is_near = false;  // what is shown is within the tolerance of what was asked for
         std::optional<own_seek> seeks;
         std::optional<double> last_correction_seconds;
+        answer_watch watch;
+        double files_checked = 0;                        // machine time
+        std::vector<std::weak_ptr<vistel_player>> left;  // those that hang
+        bool is_from_before = false;  // what is shown was asked for before the last jump: no position
         bool is_seen = true;
         bool returns = false;  // it was out of sight and has shown nothing since
     };
@@ -159,7 +170,11 @@ class synchronised_playback final : public transport {
     const entry* first_movie() const;  // null when there are pictures alone
     bool is_followed(const entry& vistel) const;
     std::unique_ptr<vistel_player> make_player(const playback_vistel& vistel);
-    void retire(std::unique_ptr<vistel_player> player);
+    void retire(entry& gone);
+    void need_watch();
+    void look_after_vistels();
+    bool look_after(entry& vistel);
+    void try_anew(entry& vistel);
     void update_range();
     void start_timer();
     void timer_tick();
@@ -174,6 +189,8 @@ class synchronised_playback final : public transport {
     void move_to(double seconds, int direction, bool snap, std::function<void()> done, double tolerance = 0);
 
     run_loop& loop_;
+    const steady_clock machine_clock_;
+    const clock& patience_;
     const std::shared_ptr<frame_budget> budget_;
     collection_clock clock_;
     display_tick ticks_;
@@ -197,7 +214,8 @@ class synchronised_playback final : public transport {
     std::string correction_note_;
     int corrections_ = 0;
     playback_sound sound_;
-    double last_follow_seconds_ = 0;  // machine time
+    double last_follow_seconds_ = 0;      // machine time
+    run_loop::timer_id watch_timer_ = 0;  // while vistels are looked after
     std::shared_ptr<arrival_link> arrivals_;
     // Waits in the place of the main thread until players that are gone have ended their work; made when it
     // is first needed.

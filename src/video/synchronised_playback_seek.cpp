@@ -60,7 +60,10 @@ std::function<void()> synchronised_playback::end_own_seek(entry& vistel) {
 
 void synchronised_playback::move_to(double seconds, int direction, bool snap, std::function<void()> done,
                                     double tolerance) {
-    for (auto& vistel : vistels_) vistel.seeks.reset();
+    for (auto& vistel : vistels_) {
+        vistel.seeks.reset();
+        vistel.is_from_before = true;
+    }
     tolerance_ = std::max(tolerance, 0.0);
     clock_.seek(seconds);
     direction_ = direction;
@@ -133,7 +136,7 @@ void synchronised_playback::correct_lags() {
         // A frame that is the right one stands at the clock's time, however long ago it began.
         if (vistel.state == vistel_state::showing && !vistel.seeks) {
             made.seconds = forwards * shown_time_;
-        } else if (vistel.shown) {
+        } else if (vistel.shown && !vistel.is_from_before) {
             made.seconds = forwards * (vistel.shown_seconds - vistel.vistel.lead);
         }
         looked_at.push_back(made);

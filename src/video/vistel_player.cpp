@@ -88,6 +88,28 @@ void vistel_player::want(double seconds, double rate, int direction, bool alone,
     post_work();
 }
 
+void vistel_player::check_files() {
+    const std::lock_guard lock(mutex_);
+    checks_files_ = true;
+    post_work();
+}
+
+work_progress vistel_player::progress() const {
+    const std::uint64_t stages = stages_;
+    return {stages / 2, stages % 2 != 0};
+}
+
+std::weak_ptr<vistel_player> vistel_player::leave(std::unique_ptr<vistel_player> player) {
+    const std::shared_ptr<vistel_player> held(std::move(player));
+    held->share_.disconnect();
+    {
+        const std::lock_guard lock(held->mutex_);
+        held->ending_ = true;
+    }
+    held->queue_.post([held] {});
+    return held;
+}
+
 void vistel_player::rest() {
     const std::lock_guard lock(mutex_);
     if (resting_ && demand_number_ > 0) return;
@@ -114,6 +136,7 @@ void vistel_player::work() {
         playback_demand demand;
         std::uint64_t number = 0;
         bool resting = false;
+        bool checks = false;
         {
             const std::lock_guard lock(mutex_);
             if (ending_) return;
@@ -121,13 +144,19 @@ void vistel_player::work() {
             demand = demand_;
             number = demand_number_;
             resting = resting_;
+            checks = std::exchange(checks_files_, false);
         }
+        ++stages_;
         auto made = playback_movie::progress::nothing_to_do;
+        for (const auto& movie : movies_) {
+            if (checks) movie->check_file();
+        }
         if (resting) {
             let_go();
         } else {
             made = work_once(seconds, demand);
         }
+        ++stages_;
         const bool is_news =
             made == playback_movie::progress::wanted_frame_came || made == playback_movie::progress::failed;
         if (has_missed_frame(seconds) || is_news) on_arrival_();

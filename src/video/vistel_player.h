@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "util/serial_queue.h"
+#include "video/answer_watch.h"
 #include "video/frame_budget.h"
 #include "video/playback_movie.h"
 
@@ -57,10 +58,18 @@ class vistel_player {
     // standing still, having last stepped in `direction`) will need; `alone`: the very frame will do. With a
     // tolerance, in seconds, one as near as that will do. Takes the place of what was asked before.
     void want(double seconds, double rate, int direction, bool alone = false, double tolerance = 0);
+    // Has the queue look whether the movies are still the files that were opened.
+    void check_files();
     // Nothing is asked for until the next want(): lets go of the pictures.
     void rest();
     // The pictures' size; 0, 0: the movie's own. Takes effect with the next want().
     void set_size(int width, int height);
+
+    // How far the queue's work has come.
+    work_progress progress() const;
+    // Does not wait for the piece of work that the queue is at: the player goes away by itself when that
+    // ends, which calls `on_arrival` no more than once. What is given back expires then.
+    static std::weak_ptr<vistel_player> leave(std::unique_ptr<vistel_player> player);
 
     // What stands at a time, or as near to it as the tolerance allows.
     view look(double seconds, double tolerance = 0) const;
@@ -113,6 +122,8 @@ class vistel_player {
     bool resting_ = true;
     bool working_ = false;
     bool ending_ = false;
+    bool checks_files_ = false;
+    std::atomic<std::uint64_t> stages_{0};  // begun and ended pieces of work
 
     serial_queue queue_{"vistel"};  // last, so that its work ends before anything else goes
 };
