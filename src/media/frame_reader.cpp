@@ -198,6 +198,16 @@ bool frame_reader::should_seek(std::int64_t stamp) const {
     return key != nullptr && key->timestamp > its.pending_stamp + its.first_stamp;
 }
 
+std::optional<std::int64_t> frame_reader::key_stamp(std::int64_t stamp) const {
+    const implementation& its = *its_;
+    const std::int64_t reorder = its.pictures->context().has_b_frames * its.frame_ticks();
+    const int entry =
+        av_index_search_timestamp(its.stream, stamp + its.first_stamp - reorder, AVSEEK_FLAG_BACKWARD);
+    const AVIndexEntry* key = entry < 0 ? nullptr : avformat_index_get_entry(its.stream, entry);
+    if (key == nullptr) return std::nullopt;
+    return std::max<std::int64_t>(0, key->timestamp - its.first_stamp);
+}
+
 result<void> frame_reader::seek(std::int64_t stamp, std::int64_t needed_from) {
     implementation& its = *its_;
     const std::int64_t wanted = std::max<std::int64_t>(stamp, 0);

@@ -51,6 +51,9 @@ class frame_reader {
     bool is_certain() const;
     // Whether a seek gets nearer to `stamp` than reading on does.
     bool should_seek(std::int64_t stamp) const;
+    // About where the last key frame lies that is not after `stamp`, not later than it does; nothing when the
+    // file has no index.
+    std::optional<std::int64_t> key_stamp(std::int64_t stamp) const;
     // Reads the next frame, false at the end. It is not scaled before paint() asks for it.
     result<bool> advance();
     // The time stamp of the frame that advance() reads next; nothing at the end.

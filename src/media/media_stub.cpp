@@ -81,6 +81,9 @@ result<picture_pointer> frame_reader::next(int, int) {
 result<void> frame_reader::seek(std::int64_t, std::int64_t) {
     return without_media();
 }
+std::optional<std::int64_t> frame_reader::key_stamp(std::int64_t) const {
+    return std::nullopt;
+}
 bool frame_reader::should_seek(std::int64_t) const {
     return false;
 }

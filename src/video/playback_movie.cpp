@@ -288,6 +288,11 @@ playback_movie::progress playback_movie::fetch(const playback_demand& demand, st
 // Reads on from the key frame until a frame is near enough.
 playback_movie::progress playback_movie::fetch_near(const playback_demand& demand, std::int64_t stamp) {
     if (frame_near(demand.seconds, demand.tolerance)) return progress::nothing_to_do;
+    if (demand.tolerance >= key_frames_will_do) {
+        const progress read = fetch_from_key(stamp);
+        const bool is_there = read == progress::worked && frame_near(demand.seconds, demand.tolerance);
+        return is_there ? progress::wanted_frame_came : read;
+    }
     const std::int64_t from = reader_->stamp_at(demand.seconds - demand.tolerance);
     progress made = progress::nothing_to_do;
     if (reader_->should_seek(stamp)) {
@@ -299,6 +304,25 @@ playback_movie::progress playback_movie::fetch_near(const playback_demand& deman
     }
     const bool has_come = made == progress::worked && frame_near(demand.seconds, demand.tolerance);
     return has_come ? progress::wanted_frame_came : made;
+}
+
+// Goes to the key frame before, unless the reader is between the two, and takes the next frame there.
+playback_movie::progress playback_movie::fetch_from_key(std::int64_t stamp) {
+    const auto key = reader_->key_stamp(stamp);
+    const auto next = reader_->next_stamp();
+    if (key && next && *next >= *key && *next <= stamp && reader_->is_certain()) {
+        const std::lock_guard lock(mutex_);
+        near_to_ = stamp;
+        near_from_ = *key;
+        const auto held = cache_.at_or_before(stamp);
+        if (held && held->stamp >= near_from_) return progress::worked;
+    } else {
+        if (const progress made = seek(stamp, 0); made == progress::failed) return made;
+        const std::lock_guard lock(mutex_);
+        near_to_ = stamp;
+        near_from_ = *reader_->next_stamp();
+    }
+    return read_one(near_from_);
 }
 
 playback_movie::progress playback_movie::fetch_ahead(const playback_frame_cache::run& held) {
@@ -379,6 +403,11 @@ picture_pointer playback_movie::frame_before(double seconds) const {
 
 picture_pointer playback_movie::frame_near(double seconds, double tolerance) const {
     const std::lock_guard lock(mutex_);
+    if (tolerance >= key_frames_will_do) {
+        const std::int64_t stamp = stamp_at(seconds);
+        auto before = near_to_ == stamp ? cache_.at_or_before(stamp) : nullptr;
+        return before && before->stamp >= near_from_ ? before : nullptr;
+    }
     return cache_.near(stamp_at(seconds), stamp_at(seconds - tolerance), stamp_at(seconds + tolerance));
 }
 

@@ -13,6 +13,9 @@
 
 namespace vistels {
 
+// As a tolerance: the key frame before the wanted frame will do, or any between the two.
+inline constexpr double key_frames_will_do = 1e9;
+
 // What playback wants of one movie.
 struct playback_demand {
     double seconds = 0;  // from the movie's first frame
@@ -97,6 +100,7 @@ class playback_movie {
     void forget_problem();
     progress fetch(const playback_demand& demand, std::int64_t stamp);
     progress fetch_near(const playback_demand& demand, std::int64_t stamp);
+    progress fetch_from_key(std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
     progress fetch_behind(const playback_frame_cache::run& held);
     progress seek(std::int64_t stamp, std::int64_t needed_from);
@@ -133,6 +137,8 @@ class playback_movie {
 
     mutable std::mutex mutex_;
     playback_frame_cache cache_;   // guarded by mutex_, changed on the queue only
+    std::int64_t near_to_ = -1;    // guarded by mutex_; for that one a frame from near_from_ on will do
+    std::int64_t near_from_ = 0;   // guarded by mutex_
     failure problem_;              // guarded by mutex_
     double seconds_per_tick_ = 0;  // guarded by mutex_; 0: not open yet
     double frame_seconds_ = 0.04;  // guarded by mutex_

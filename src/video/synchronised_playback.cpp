@@ -46,7 +46,7 @@ synchronised_playback::~synchronised_playback() {
         const std::lock_guard lock(arrivals_->mutex);
         arrivals_->loop = nullptr;
     }
-    if (watch_timer_ != 0) loop_.stop_timer(watch_timer_);
+    for (const auto timer : {watch_timer_, rest_timer_}) loop_.stop_timer(timer);
     for (auto& vistel : vistels_) {
         vistel.watch.look(vistel.player->progress(), patience_.seconds());
         if (vistel.watch.is_slow()) vistel_player::leave(std::move(vistel.player));
@@ -201,6 +201,8 @@ void synchronised_playback::play() {
     if (is_playing() || !clock_.can_move()) return;
     direction_ = 0;
     tolerance_ = 0;
+    stop_stepping();
+    if (rest_timer_ != 0) loop_.stop_timer(std::exchange(rest_timer_, 0));
     snap_to_frame_ = false;
     clock_.play();
     start_timer();

@@ -102,8 +102,12 @@ class synchronised_playback final : public transport {
     void cancel_seeks();
     // Who asked for the seek that a vistel is at; empty: it is at none of its own.
     std::string seek_source(const std::string& uuid) const;
-    // One frame on (1) or back (-1), of the enlarged vistel or the first; playing stops.
-    void step(int direction, std::function<void()> done = nullptr);
+    // So many frames on (more than 0) or back (less), of the enlarged vistel or the first; playing stops. Of
+    // several each is passed in turn, and more that are asked for meanwhile are added.
+    void step(int frames, std::function<void()> done = nullptr);
+    // For a hand that drags: the key frame before that time is shown at once, and the very frame when the
+    // hand has rested for a moment. The same as a seek while playing.
+    void scrub(double collection_seconds);
 
     double first_time() const { return clock_.first(); }
     double last_time() const { return clock_.last(); }
@@ -185,6 +189,9 @@ class synchronised_playback final : public transport {
     bool is_answering_now(const entry& vistel) const;
     void correct_lags();
     void update_sound(double now);
+    void step_once(int direction);
+    void go_on_stepping();
+    void stop_stepping();
     void settle();
     void move_to(double seconds, int direction, bool snap, std::function<void()> done, double tolerance = 0);
 
@@ -206,9 +213,12 @@ class synchronised_playback final : public transport {
     pitch_algorithm pitch_ = pitch_algorithm::varispeed;
     double top_forward_ = top_forward_rate;
     double top_reverse_ = top_reverse_rate;
-    int direction_ = 0;           // of the last step
-    bool snap_to_frame_ = false;  // stand at the frame's own time once it is known
-    double tolerance_ = 0;        // of the last seek
+    int direction_ = 0;   // of the last step
+    int steps_left_ = 0;  // less than 0: back
+    std::function<void()> steps_done_;
+    run_loop::timer_id rest_timer_ = 0;  // until a hand that drags has rested
+    bool snap_to_frame_ = false;         // stand at the frame's own time once it is known
+    double tolerance_ = 0;               // of the last seek
     std::function<void()> done_;
     playback_timer_record timer_record_;
     std::string correction_note_;

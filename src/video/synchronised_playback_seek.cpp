@@ -13,6 +13,7 @@ namespace {
 
 // Enough to come before a frame by the tolerance with which frames are found.
 constexpr double before_frame_seconds = 2 * frame_tolerance_seconds;
+constexpr double hand_rests_seconds = 0.15;
 
 }  // namespace
 
@@ -21,6 +22,7 @@ void synchronised_playback::seek(double collection_seconds, std::function<void()
 }
 
 void synchronised_playback::seek(const seek_wish& wish, std::function<void()> done) {
+    stop_stepping();
     move_to(wish.collection_seconds, 0, false, std::move(done), wish.tolerance);
 }
 
@@ -34,6 +36,7 @@ void synchronised_playback::seek_vistel(const std::string& uuid, const seek_wish
 }
 
 void synchronised_playback::cancel_seeks() {
+    stop_stepping();
     done_ = nullptr;
     tolerance_ = 0;
     for (auto& vistel : vistels_) vistel.seeks.reset();
@@ -64,6 +67,7 @@ void synchronised_playback::move_to(double seconds, int direction, bool snap, st
         vistel.seeks.reset();
         vistel.is_from_before = true;
     }
+    if (rest_timer_ != 0) loop_.stop_timer(std::exchange(rest_timer_, 0));
     tolerance_ = std::max(tolerance, 0.0);
     clock_.seek(seconds);
     direction_ = direction;
@@ -76,23 +80,56 @@ void synchronised_playback::move_to(double seconds, int direction, bool snap, st
     if (vistels_.empty()) pictures_changed.emit();
 }
 
-void synchronised_playback::step(int direction, std::function<void()> done) {
+void synchronised_playback::scrub(double collection_seconds) {
+    if (is_playing()) return seek(collection_seconds, nullptr);
+    stop_stepping();
+    move_to(collection_seconds, 0, false, nullptr, key_frames_will_do);
+    rest_timer_ = loop_.start_timer(hand_rests_seconds, false, [this] {
+        rest_timer_ = 0;
+        seek(clock_.time(), nullptr);
+    });
+}
+
+void synchronised_playback::step(int frames, std::function<void()> done) {
     if (is_playing()) pause();
+    const bool goes_on = frames > 0 ? steps_left_ > 0 : steps_left_ < 0;
+    steps_left_ = goes_on ? steps_left_ + frames : frames;
+    steps_done_ = std::move(done);
+    if (!goes_on && frames != 0) go_on_stepping();
+}
+
+void synchronised_playback::stop_stepping() {
+    steps_left_ = 0;
+    steps_done_ = nullptr;
+}
+
+void synchronised_playback::go_on_stepping() {
+    if (steps_left_ == 0) {
+        if (const auto done = std::exchange(steps_done_, nullptr)) done();
+        return;
+    }
+    const int direction = steps_left_ > 0 ? 1 : -1;
+    steps_left_ -= direction;
+    step_once(direction);
+}
+
+void synchronised_playback::step_once(int direction) {
+    const auto done = [this] { go_on_stepping(); };
     const entry* const by = stepped();
-    if (by == nullptr || direction == 0) return;
+    if (by == nullptr) return stop_stepping();
     const double lead = by->vistel.lead;
     const double seconds = clock_.time() + lead;
     const auto seen = by->player->look(seconds);
     const bool is_known = seen.state == vistel_state::showing;
     const double usual = by->player->frame_seconds(seconds);
     if (direction > 0) {
-        move_to((is_known ? seen.until_seconds : seconds + usual) - lead, 1, false, std::move(done));
+        move_to((is_known ? seen.until_seconds : seconds + usual) - lead, 1, false, done);
         return;
     }
     const auto before = is_known ? by->player->preceding(seconds) : std::nullopt;
     double to = seconds - usual;
     if (is_known) to = before ? *before : seen.frame_seconds - before_frame_seconds;
-    move_to(to - lead, -1, !before, std::move(done));
+    move_to(to - lead, -1, !before, done);
 }
 
 void synchronised_playback::settle() {

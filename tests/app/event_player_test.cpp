@@ -5,6 +5,7 @@
 
 #include "app/event/open_event.h"
 #include "app/settings/settings.h"
+#include "app/settings/step_settings.h"
 #include "app/vaults/home_vault.h"
 #include "logger/press_engine.h"
 #include "support/stored_event.h"
@@ -158,6 +159,27 @@ TEST_F(player, a_clip_is_played_from_its_start_to_its_end) {
     loop.advance(2);
     EXPECT_NEAR(now(), 13, a_tick);
     EXPECT_EQ(operated.clip_fraction(), std::nullopt);
+    // With a lead-in, and a halt at each pause point.
+    step_settings steps;
+    steps.lead_in_seconds = 1.5;
+    ASSERT_TRUE(save_step_settings(find_home_places(home.path()), steps));
+    auto halting = clip_of("halting", 6, 9);
+    halting.set_pause_items({{7, false}, {8, false}});
+    ASSERT_TRUE(
+        opened->timeline().apply({"clip", "", {operation::insert_clip{shared_text("row"), halting}}}));
+    operated.play_clip("halting");
+    EXPECT_DOUBLE_EQ(now(), 4.5);
+    for (const double halt : {7.0, 8.0, 9.0}) {
+        loop.advance(4);
+        EXPECT_FALSE(plays());
+        EXPECT_NEAR(now(), halt, halt == 9 ? a_tick : 1e-9);
+        operated.play_or_pause();
+        EXPECT_TRUE(plays());
+    }
+    loop.advance(1);
+    EXPECT_TRUE(plays());  // it was over
+    operated.pause();
+    ASSERT_TRUE(save_step_settings(find_home_places(home.path()), {}));
     select({"early", "late"});
     operated.play_clip();
     EXPECT_DOUBLE_EQ(now(), 2);

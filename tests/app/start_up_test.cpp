@@ -12,6 +12,7 @@
 
 #include "app/settings/code_window_settings.h"
 #include "app/settings/settings.h"
+#include "app/settings/step_settings.h"
 #include "app/settings/vault_preferences.h"
 #include "app/start/last_focus.h"
 #include "app/start/settings_in_force.h"
@@ -408,6 +409,9 @@ TEST(settings, what_is_saved_is_in_force) {
     EXPECT_TRUE(save_view_offsets(places, {-12.5}));
     EXPECT_EQ(load_playback_top_speed(places).rate, 64);
     EXPECT_EQ(load_pitch_algorithm(places), pitch_algorithm::time_domain);
+    EXPECT_EQ(load_step_settings(places), step_settings());
+    EXPECT_TRUE(save_step_settings(places, {3, 999, -1}));
+    EXPECT_EQ(load_step_settings(places), (step_settings{3, 250, 0}));
     EXPECT_EQ(load_application_volume(places), 0.5);
     EXPECT_EQ(load_default_formula_operator(places), '|');
     EXPECT_EQ(load_minimum_free_space(places).percent, 25);

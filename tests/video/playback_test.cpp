@@ -193,6 +193,48 @@ TEST_F(playback, steps_frame_by_frame_over_groups_of_pictures) {
     EXPECT_EQ(shown("b"), 14);
 }
 
+TEST_F(playback, steps_of_several_frames_add_up) {
+    set_both();
+    seek(1);
+    for (const auto& [frames, shown_after] : {std::pair{7, 37}, {-12, 25}, {30, 55}, {-1, 54}, {-999, -1}}) {
+        step(frames);
+        EXPECT_EQ(shown("a"), shown_after) << frames;
+    }
+    EXPECT_EQ(played_.collection_time(), played_.first_time());
+    seek(1);
+    bool done = false;
+    played_.step(6);
+    played_.step(9, [&] { done = true; });  // while the first are on their way, or after them
+    ASSERT_TRUE(wait_for([&] { return done; }));
+    EXPECT_EQ(shown("a"), 45);
+    // A seek ends them.
+    played_.step(50);
+    seek(0.5);
+    EXPECT_EQ(shown("a"), 15);
+    EXPECT_NEAR(played_.collection_time(), 0.5, 1e-9);
+}
+
+TEST_F(playback, a_dragging_hand_sees_key_frames_at_once_and_the_very_frame_when_it_rests) {
+    simulated_run_loop loop;
+    synchronised_playback played(loop);
+    played.set_volume(0);
+    played.set_vistels({{"a", 0.0, {{folder_ / "long.mp4", 0, 4}}}});
+    played.set_view_size("a", 160, 120);
+    const auto frame = [&] { return played.picture("a") ? read_frame_number(*played.picture("a")) : -1; };
+    // Key frames lie 20 frames apart.
+    const std::pair<double, int> ways[] = {{2.3, 60}, {1.2, 20}, {3.9, 100}, {3.4, 100}, {0.1, 0}};
+    for (const auto& [seconds, key] : ways) {
+        played.scrub(seconds);
+        EXPECT_EQ(played.collection_time(), seconds);
+        ASSERT_TRUE(comes_about(loop, [&] { return played.is_settled(); }));
+        EXPECT_EQ(frame(), key) << seconds;
+    }
+    played.scrub(2.5);
+    ASSERT_TRUE(comes_about(loop, [&] { return played.is_settled() && frame() == 60; }));
+    loop.advance(0.2);
+    ASSERT_TRUE(comes_about(loop, [&] { return played.is_settled() && frame() == 75; }));
+}
+
 TEST_F(playback, plays_on_and_back_to_the_end_and_stops) {
     set_both();
     for (const double rate : {8.0, -8.0}) {

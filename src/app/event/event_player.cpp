@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/event/open_event.h"
 #include "app/event/shuttle.h"
+#include "app/settings/step_settings.h"
 #include "logger/press_engine.h"
 #include "timeline/edits/clip_edits.h"
 #include "video/synchronised_playback.h"
@@ -78,6 +80,8 @@ void event_player::tick() {
     if (looping_) {
         const double to = looped(seconds, playback.rate(), loop_.start, loop_.end);
         if (to != seconds) go_to(to, true);
+    } else if (played_ && halt_at_pause_point(seconds)) {
+        playback.pause();
     } else if (played_ && seconds_still_to_play(played_->start, played_->end, *clip_fraction()) <= 0) {
         played_.reset();
         playback.pause();
@@ -87,7 +91,7 @@ void event_player::tick() {
 void event_player::play_or_pause() {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    played_.reset();
+    if (!std::exchange(halts_, false)) played_.reset();
     if (playback.is_playing()) return playback.pause();
     if (playback.rate() < 0) playback.set_rate(1);
     // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
@@ -125,6 +129,22 @@ void event_player::step(int frames) {
     if (!event_->runs_on_clock()) return event_->playback().step(frames);
     pause();
     move_to(event_->playback().collection_time() + frames * frame_without_pictures, false);
+}
+
+void event_player::step_several(int direction) {
+    if (!event_) return;
+    const step_settings steps = load_step_settings(event_->places());
+    step(direction > 0 ? steps.frames_on : -steps.frames_back);
+}
+
+void event_player::scrub(double seconds) {
+    if (!event_ || event_->runs_on_clock()) return seek(seconds);
+    played_.reset();
+    synchronised_playback& playback = event_->playback();
+    const double from = playback.collection_time();
+    playback.scrub(std::clamp(seconds, event_->start_seconds(), event_->end_seconds()));
+    event_->logger().playhead_jumped(from, playback.collection_time(), false);
+    sought.emit();
 }
 
 void event_player::jump(double seconds) {
@@ -195,6 +215,21 @@ std::optional<double> event_player::clip_fraction() const {
     return fraction_at(played_->start, played_->end, event_->playback().collection_time());
 }
 
+// Whether the clip that is played has come to a pause point since the last one. What is edited meanwhile
+// counts.
+bool event_player::halt_at_pause_point(double seconds) {
+    const auto place = event_->timeline().timeline().find_clip(played_clip_);
+    if (!place) return false;
+    for (const auto& point : place->clip->pause_items()) {
+        if (point.seconds <= passed_ || point.seconds > seconds) continue;
+        passed_ = point.seconds;
+        halts_ = true;
+        event_->playback().seek(point.seconds);
+        return true;
+    }
+    return false;
+}
+
 void event_player::play_clip(const std::string& clip, double from) {
     if (!event_) return;
     const sxy_DATA_root& timeline = event_->timeline().timeline();
@@ -204,8 +239,13 @@ void event_player::play_clip(const std::string& clip, double from) {
                                         : std::optional(chosen.front());
     if (!place) return;
     const stretch played{place->clip->secs_start(), place->clip->secs_end()};
-    seek(played.end - seconds_still_to_play(played.start, played.end, from));
+    const double lead_in = from > 0 ? 0 : load_step_settings(event_->places()).lead_in_seconds;
+    const double at = played.end - seconds_still_to_play(played.start, played.end, from);
+    seek(at - lead_in);
     played_ = played;
+    played_clip_ = place->clip->id();
+    passed_ = at;
+    halts_ = false;
     if (event_->playback().rate() < 0) event_->playback().set_rate(1);
     event_->playback().play();
 }

@@ -38,9 +38,13 @@ class event_player {
     void play_slower(int direction);
     // Frames on or back; where there are none, as long as one usually stands.
     void step(int frames);
+    // As many frames as the settings say, in that direction (1 or -1).
+    void step_several(int direction);
     void jump(double seconds);
     // Brought within the event.
     void seek(double seconds);
+    // The same for a hand that drags, see synchronised_playback::scrub(). A seek is its end.
+    void scrub(double seconds);
     void to_start();
     void to_end();
     void set_rate(double rate);
@@ -54,9 +58,10 @@ class event_player {
     // those of the event's main view.
     void follow_selection(const clip_selection& selection);
     void forget_selection(const clip_selection& gone);
-    // Plays a clip forwards from its start and stops at its end; another command of a person ends that.
-    // Without a name: the first that is selected. Nothing when there is no such clip. `from`: the fraction of
-    // it, 0 to 1, that is left out.
+    // Plays a clip forwards from its start, or as long before it as the lead-in of the settings says, and
+    // stops at its end; another command of a person ends that. It halts at each pause point, and plays on
+    // from there when it is to play. Without a name: the first that is selected. Nothing when there is no
+    // such clip. `from`: the fraction of it, 0 to 1, that is left out.
     void play_clip(const std::string& clip = {}, double from = 0);
     // Where the clip that is played stands, as a fraction of it; nothing when none is.
     std::optional<double> clip_fraction() const;
@@ -100,6 +105,7 @@ class event_player {
     void tick();
     void move_to(double seconds, bool is_jump);
     void go_to(double seconds, bool is_loop_turn = false);
+    bool halt_at_pause_point(double seconds);
     void apply_volume();
 
     const clip_selection& selection() const;
@@ -112,6 +118,9 @@ class event_player {
     bool looping_ = false;
     stretch loop_;                   // what is played again and again
     std::optional<stretch> played_;  // the clip that is played
+    std::string played_clip_;
+    double passed_ = 0;   // pause points up to here have been
+    bool halts_ = false;  // at one of them
     bool plays_list_ = false;
     bool muted_ = false;
     bool heard_ = true;

@@ -48,6 +48,7 @@ class open_event {
     open_event(const open_event&) = delete;
     open_event& operator=(const open_event&) = delete;
 
+    const home_places& places() const { return places_; }
     const std::string& folder() const { return folder_; }
     const video_collection_ROOT& collection() const { return collection_.record(); }
     collection_document& collection_file() { return collection_; }

@@ -9,6 +9,7 @@
 #include "app/settings/formula_colours.h"
 #include "app/settings/search_patterns.h"
 #include "app/settings/settings_failures.h"
+#include "app/settings/step_settings.h"
 #include "app/settings/user_name.h"
 
 namespace vistels {
@@ -152,7 +153,7 @@ const std::vector<settings_file>& application_settings_files() {
         std::vector<settings_file> all{top_speed_place.file,  pitch_place.file,        volume_place.file,
                                        operator_place.file,   filtered_out_place.file, number_name_place.file,
                                        local_data_place.file, view_offsets_place.file, user_name_file,
-                                       formula_colours_file,  search_patterns_file};
+                                       formula_colours_file,  search_patterns_file,    step_settings_file};
         const auto& of_code_windows = code_window_settings_files();
         all.insert(all.end(), of_code_windows.begin(), of_code_windows.end());
         return all;

@@ -49,7 +49,8 @@ void collection_binder::connect_transport() {
        [&player](double volume) { player.set_application_volume(volume); });
     on(&transport_bar::volume_chosen, [this] { session_.keep_volumes(); });
     on(&transport_bar::mute_asked, [&player](bool mutes) { player.set_muted(mutes); });
-    on(&transport_bar::seek_asked, [&player](double seconds, bool) { player.seek(seconds); });
+    on(&transport_bar::seek_asked,
+       [&player](double seconds, bool ended) { ended ? player.seek(seconds) : player.scrub(seconds); });
     lasting_.push_back(player.volumes_changed.connect([this] { show_volume(); }));
     lasting_.push_back(player.looping_changed.connect([this] { show_playing(); }));
     lasting_.push_back(player.enlarged_changed.connect(

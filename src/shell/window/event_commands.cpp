@@ -10,6 +10,7 @@
 #include "shell/kit/failure_words.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/transport_bar.h"
+#include "shell/window/steps_panel.h"
 #include "shell/window/window_actions.h"
 
 namespace vistels {
@@ -58,6 +59,9 @@ void event_commands::connect_transport() {
     on(command::slower_on, [&player] { player.play_slower(1); });
     on(command::frame_back, [&player] { player.step(-1); });
     on(command::frame_on, [&player] { player.step(1); });
+    on(command::frames_back, [&player] { player.step_several(-1); });
+    on(command::frames_on, [&player] { player.step_several(1); });
+    on(command::steps, [this] { ask_steps(); });
     on(command::second_back, [&player] { player.jump(-second); });
     on(command::second_on, [&player] { player.jump(second); });
     on(command::to_start, [&player] { player.to_start(); });
@@ -81,6 +85,18 @@ void event_commands::connect_transport() {
     });
     on(command::all_vistels, [&player] { player.enlarge({}); });
     on(command::next_vistel, [&player] { player.enlarge_next(); });
+}
+
+void event_commands::ask_steps() {
+    const open_event* const event = session_.shown_event();
+    if (!event) return;
+    auto* asked =
+        new steps_panel(load_step_settings(event->places()), qobject_cast<QWidget*>(actions_.parent()));
+    asked->setAttribute(Qt::WA_DeleteOnClose);
+    connect(asked, &QDialog::accepted, this, [this, asked, places = event->places()] {
+        session_.notices().tell_not_remembered(save_step_settings(places, asked->chosen()));
+    });
+    asked->open();
 }
 
 void event_commands::show_state() {

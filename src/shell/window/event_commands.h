@@ -23,6 +23,7 @@ class event_commands : public QObject {
   private:
     void connect_event();
     void connect_transport();
+    void ask_steps();
     void show_state();
 
     window_actions& actions_;
