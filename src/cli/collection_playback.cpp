@@ -8,8 +8,8 @@
 
 #include "cli/command_failures.h"
 #include "cli/headless_playback.h"
-#include "cli/playback_tally.h"
 #include "media/picture.h"
+#include "video/playback_tally.h"
 
 namespace vistels {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/playback_tally.h"
+#include "video/playback_tally.h"
 
 #include <algorithm>
 #include <cmath>
