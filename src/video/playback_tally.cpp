@@ -61,15 +61,30 @@ void playback_tally::look_at(count& vistel) {
     vistel.last_seconds = shown ? seconds : std::nullopt;
 }
 
+std::vector<vistel_health> playback_tally::health() const {
+    std::vector<vistel_health> all;
+    for (const auto& vistel : counts_) {
+        all.push_back({vistel.uuid, vistel.frames, vistel.dropped, playback_.decode_milliseconds(vistel.uuid),
+                       playback_.difference(vistel.uuid)});
+    }
+    return all;
+}
+
 void playback_tally::add_to(property_dictionary& printed) const {
     property_dictionary frames;
     property_dictionary dropped;
-    for (const auto& vistel : counts_) {
+    property_dictionary decoding;
+    property_dictionary differences;
+    for (const auto& vistel : health()) {
         frames.add(vistel.uuid, vistel.frames);
         dropped.add(vistel.uuid, vistel.dropped);
+        decoding.add(vistel.uuid, vistel.decode_milliseconds);
+        differences.add(vistel.uuid, vistel.difference);
     }
     printed.add("frames", std::move(frames));
     printed.add("dropped", std::move(dropped));
+    printed.add("decode_milliseconds", std::move(decoding));
+    printed.add("difference", std::move(differences));
     printed.add("largest_difference", largest_difference_);
     printed.add("fixes", playback_.corrections() - fixes_before_);
 }

@@ -12,14 +12,26 @@
 
 namespace vistels {
 
+// How a vistel fares in playback.
+struct vistel_health {
+    std::string uuid;
+    std::int64_t frames = 0;         // shown
+    std::int64_t dropped = 0;        // beyond those that lie between two ticks
+    double decode_milliseconds = 0;  // that a frame took lately
+    double difference = 0;           // seconds from the clock to what is shown; less than 0: it is late
+};
+
 // Counts what playback shows, from its being made on. Main thread.
 class playback_tally {
   public:
     // Both must outlive the tally.
     playback_tally(const std::vector<playback_vistel>& vistels, synchronised_playback& playback);
 
-    // Adds "frames" and "dropped" (by vistel), "largest_difference" (seconds of collection time between what
-    // two vistels show) and "fixes" (corrections of lagging vistels).
+    // In the order of the vistels.
+    std::vector<vistel_health> health() const;
+    // Adds "frames", "dropped", "decode_milliseconds" and "difference" (by vistel), "largest_difference"
+    // (seconds of collection time between what two vistels show) and "fixes" (corrections of lagging
+    // vistels).
     void add_to(property_dictionary& printed) const;
 
   private:

@@ -130,6 +130,11 @@ class synchronised_playback final : public transport {
     // Whether every vistel that is seen shows its very frame, or one within the tolerance of the last seek,
     // or cannot show any.
     bool is_settled() const;
+    // How long a frame of the vistel took to be read lately.
+    double decode_milliseconds(const std::string& uuid) const;
+    // Seconds from the clock to the frame that is shown in place of the right one; 0 when that is there, or
+    // none.
+    double difference(const std::string& uuid) const;
     // Whether a vistel's queue is at work.
     bool is_reading(const std::string& uuid) const;
     // Whether it takes part in the ticks: while the collection's time moves, and half a second longer.

@@ -69,4 +69,15 @@ bool synchronised_playback::is_reading(const std::string& uuid) const {
     return found != nullptr && found->player->progress().is_busy;
 }
 
+double synchronised_playback::decode_milliseconds(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? 0 : found->player->decode_milliseconds();
+}
+
+double synchronised_playback::difference(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    if (found == nullptr || found->state != vistel_state::waiting || !found->shown) return 0;
+    return found->shown_seconds - found->vistel.lead - shown_time();
+}
+
 }  // namespace vistels

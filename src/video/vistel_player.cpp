@@ -2,6 +2,7 @@
 #include "video/vistel_player.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr double next_part_seconds = 1.0;  // a part is opened so long before it is reached
 constexpr double usual_frame_seconds = 1.0 / 30;
+constexpr double share_of_the_last = 0.1;  // piece of work in the time that one takes
 
 std::vector<playback_part> in_order(std::vector<playback_part> parts) {
     std::stable_sort(parts.begin(), parts.end(),
@@ -154,7 +156,7 @@ void vistel_player::work() {
         if (resting) {
             let_go();
         } else {
-            made = work_once(seconds, demand);
+            made = work_timed(seconds, demand);
         }
         ++stages_;
         const bool is_news =
@@ -236,6 +238,18 @@ void vistel_player::share_memory(std::vector<near_part>& parts) {
     for (std::size_t i = 0; i < movies_.size(); ++i) {
         if (!is_near[i]) movies_[i]->keep({});
     }
+}
+
+playback_movie::progress vistel_player::work_timed(double seconds, const playback_demand& demand) {
+    const auto begun = std::chrono::steady_clock::now();
+    const auto made = work_once(seconds, demand);
+    if (made == playback_movie::progress::nothing_to_do || made == playback_movie::progress::failed)
+        return made;
+    const double took =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun).count();
+    const double before = decode_milliseconds_;
+    decode_milliseconds_ = before == 0 ? took : before + (took - before) * share_of_the_last;
+    return made;
 }
 
 playback_movie::progress vistel_player::work_once(double seconds, const playback_demand& demand) {

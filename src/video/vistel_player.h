@@ -67,6 +67,8 @@ class vistel_player {
 
     // How far the queue's work has come.
     work_progress progress() const;
+    // How long a frame took to be read lately; 0 before the first.
+    double decode_milliseconds() const { return decode_milliseconds_; }
     // Does not wait for the piece of work that the queue is at: the player goes away by itself when that
     // ends, which calls `on_arrival` no more than once. What is given back expires then.
     static std::weak_ptr<vistel_player> leave(std::unique_ptr<vistel_player> player);
@@ -103,6 +105,7 @@ class vistel_player {
     void post_work();
     void look_again();
     void work();
+    playback_movie::progress work_timed(double seconds, const playback_demand& demand);
     playback_movie::progress work_once(double seconds, const playback_demand& demand);
     void share_memory(std::vector<near_part>& parts);
     void let_go();
@@ -123,6 +126,7 @@ class vistel_player {
     bool working_ = false;
     bool ending_ = false;
     bool checks_files_ = false;
+    std::atomic<double> decode_milliseconds_{0};
     std::atomic<std::uint64_t> stages_{0};  // begun and ended pieces of work
 
     serial_queue queue_{"vistel"};  // last, so that its work ends before anything else goes

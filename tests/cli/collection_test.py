@@ -394,6 +394,8 @@ class NewCollection(CommandTest):
         played = self.printed("collection", "play", folder, "--from", "0.2", "--seconds", "0.5", "--rate", "2")
         self.assertEqual((played["rate"], list(played["frames"])), (2, uuids))
         self.assertGreater(played["frames"][uuids[0]], 0)
+        self.assertEqual(list(played["difference"]), uuids)
+        self.assertGreater(played["decode_milliseconds"][uuids[0]], 0)
 
     def test_padding_there_and_back(self):
         folder = self.folder / "padded"

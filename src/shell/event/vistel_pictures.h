@@ -11,6 +11,7 @@
 
 #include "media/picture.h"
 #include "util/serial_queue.h"
+#include "video/playback_tally.h"
 
 class QImage;
 
@@ -40,6 +41,8 @@ class vistel_pictures : public QObject {
     void show_vistels();
     // Whether a vistel's name is drawn behind its number.
     void set_shows_names(bool shows);
+    // Whether the header says how each vistel fares in playback, counted from now on.
+    void set_shows_health(bool shows);
     // What playback shows by now.
     void show_pictures();
 
@@ -67,6 +70,7 @@ class vistel_pictures : public QObject {
     void show_overlay(const single_Vistel_CTR& vistel, shown& one);
     void take_overlay(const std::string& vistel, const std::string& path, const QImage& picture);
     QString fact() const;
+    QString health() const;
     // When there is a picture again, on the collection's clock; infinite: never.
     double gap_end(const std::string& vistel) const;
     // For one that is out of sight.
@@ -78,6 +82,8 @@ class vistel_pictures : public QObject {
     picture_wishes* wishes_ = nullptr;
     QTimer size_time_;
     bool shows_names_ = true;
+    bool shows_health_ = false;
+    std::unique_ptr<playback_tally> tally_;  // while health is shown
     std::map<std::string, shown> shown_;
     std::unique_ptr<serial_queue> overlays_;  // reads them; last: its work is done before all else goes
 };

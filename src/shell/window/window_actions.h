@@ -32,6 +32,7 @@ enum class command {
     inspector,
     all_vistels,
     next_vistel,
+    playback_health,
     theme_desktop,
     theme_dark,
     theme_light,
