@@ -37,7 +37,8 @@ struct frame_reader::implementation {
     std::int64_t pending_stamp = 0;
     std::int64_t first_stamp = 0;  // of the stream, where our stamps are 0
     std::int64_t floor_stamp = std::numeric_limits<std::int64_t>::min();  // what is earlier is not whole
-    bool floor_is_open = false;     // the next packet says where the floor is
+    bool floor_is_open = false;     // the next key packet says where the floor is
+    bool floor_by_any = false;      // ... or the next packet of any kind
     std::int64_t needed_from = 0;   // before that, unreferenced frames are passed over
     bool passed_over = false;       // some were
     std::int64_t last_wanted = -1;  // by the last seek
@@ -71,7 +72,11 @@ std::int64_t frame_reader::implementation::end_stamp() const {
 // Before the decoder gets it.
 void frame_reader::implementation::look_at(const AVPacket& packet) {
     const bool has_stamp = packet.pts != AV_NOPTS_VALUE;
-    if (has_stamp && std::exchange(floor_is_open, false)) floor_stamp = packet.pts;
+    // A seek in a file without an index ends between key frames: what lacks others there is no picture.
+    if (floor_is_open && (floor_by_any || (packet.flags & AV_PKT_FLAG_KEY) != 0)) {
+        floor_is_open = false;
+        floor_stamp = has_stamp ? packet.pts : std::numeric_limits<std::int64_t>::min();
+    }
     if (decoded != frames_decoded::all) return;
     const bool is_unneeded = has_stamp && packet.pts - first_stamp < needed_from;
     pictures->context().skip_frame = is_unneeded ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
@@ -122,8 +127,9 @@ result<void> frame_reader::implementation::seek_stream(std::int64_t stamp) {
     has_current = false;
     references_missing = false;
     sparse_frames = decoded == frames_decoded::all ? 0 : 1;
-    floor_stamp = std::numeric_limits<std::int64_t>::min();
+    floor_stamp = std::numeric_limits<std::int64_t>::max();
     floor_is_open = true;
+    floor_by_any = false;
     return {};
 }
 
@@ -224,9 +230,15 @@ result<void> frame_reader::seek(std::int64_t stamp, std::int64_t needed_from) {
             !moved.ok()) {
             return moved;
         }
+        its.floor_by_any = last_try;
         auto decoded = its.decode_pending();
         if (!decoded.ok()) return decoded.error();
-        if (last_try || (decoded.value() && its.pending_stamp <= wanted)) return {};
+        if (decoded.value() && its.pending_stamp <= wanted) return {};
+        if (last_try) {
+            // Nothing before this frame can be decoded: it stands in its place.
+            its.pending_stamp = std::min(its.pending_stamp, wanted);
+            return {};
+        }
         back = std::max(2 * back, static_cast<std::int64_t>(1 / its.tick_seconds()));
     }
 }

@@ -20,7 +20,8 @@ enum class frames_decoded { all, without_unreferenced, key_frames_only };
 
 // Reads the pictures of one movie, exactly: the frame shown at a time is the last one whose time stamp is not
 // later; before the first frame it is the first, after the last one the last. Time stamps count from the
-// first frame, in the stream's own time base. Decodes and scales on the caller's thread; one thread at a time
+// first frame, in the stream's own time base. Where a movie is so damaged that no frame up to a time can be
+// decoded, the first that can stands there. Decodes and scales on the caller's thread; one thread at a time
 // may use a reader. Packets that are broken are passed over; after many in a row the reader fails.
 class frame_reader {
   public:
