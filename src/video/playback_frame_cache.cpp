@@ -15,10 +15,15 @@ bool follows(const picture& earlier, const picture& later) {
 }  // namespace
 
 void playback_frame_cache::insert(picture_pointer made) {
-    picture_pointer& place = frames_[made->stamp];
-    if (place) bytes_ -= place->bytes.size();
+    auto gone = frames_.lower_bound(made->stamp);
+    while (gone != frames_.end() &&
+           (made->last || gone->first == made->stamp || gone->first < made->until_stamp)) {
+        const auto next = std::next(gone);
+        erase(gone);
+        gone = next;
+    }
     bytes_ += made->bytes.size();
-    place = std::move(made);
+    frames_.emplace_hint(gone, made->stamp, std::move(made));
 }
 
 playback_frame_cache::frame_map::const_iterator playback_frame_cache::standing_at(std::int64_t stamp) const {

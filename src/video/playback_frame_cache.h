@@ -22,7 +22,8 @@ class playback_frame_cache {
         bool reaches_end = false;  // of the movie
     };
 
-    // Replaces a frame of the same stamp.
+    // Replaces a frame of the same stamp, and those that would begin while this one stands: a damaged movie
+    // need not give the same frames each time.
     void insert(picture_pointer made);
     // The frame that stands at `stamp`; null when it is not held. The movie's last frame stands for ever
     // after.

@@ -294,12 +294,15 @@ void synchronised_playback::show(double now) {
     }
     need_watch();
     update_sound(clock_.time());
-    if (is_playing() && !clock_.can_move()) {
+    const bool ends = is_playing() && !clock_.can_move();
+    if (ends) {
         clock_.pause();
         state_changed.emit();
     }
     if (changed) pictures_changed.emit();
     for (const auto& done : sought) done();
+    // A frame that will do while playing need not be the very one at rest.
+    if (ends) return show(clock_.time());
     settle();
 }
 

@@ -196,6 +196,27 @@ TEST(playback_frame_cache, knows_what_stands_when) {
     EXPECT_TRUE(cache.run_at(50).reaches_end);
 }
 
+// What stands over others takes their place, or it would never be found between them.
+TEST(playback_frame_cache, holds_what_was_read_last_of_a_damaged_movie) {
+    const struct {
+        picture_pointer read;
+        std::int64_t held_after;
+    } cases[] = {{frame(10, 60), 60}, {frame(10, 15, true), -1}, {frame(10, 20), 20}};
+    for (const auto& c : cases) {
+        playback_frame_cache cache;
+        for (int i = 0; i < 8; ++i) cache.insert(frame(i * 10, i * 10 + 10));
+        cache.insert(c.read);
+        for (const std::int64_t asked : {10, 14, 19}) {
+            ASSERT_TRUE(cache.at(asked) || asked >= c.read->until_stamp) << asked;
+        }
+        EXPECT_EQ(cache.at(c.read->last ? 999 : c.read->until_stamp - 1), c.read);
+        EXPECT_EQ(cache.bytes(), c.held_after < 0 ? 200U : (8U - (c.held_after - 20) / 10) * 100);
+        if (c.held_after > 0) {
+            EXPECT_EQ(cache.at(c.held_after)->stamp, c.held_after);
+        }
+    }
+}
+
 TEST(playback_frame_cache, forgets_the_farthest_first) {
     struct {
         std::size_t before, after;  // of the frame that stands at 46
