@@ -8,6 +8,7 @@
 
 #include "media/decoder.h"
 #include "media/demultiplexer.h"
+#include "media/key_packets.h"
 #include "media/picture_scaler.h"
 
 namespace vistels {
@@ -28,6 +29,7 @@ struct frame_reader::implementation {
     std::string path;
     std::unique_ptr<demultiplexer> file;
     AVStream* stream = nullptr;
+    std::optional<key_packets> packets;
     std::optional<decoder> pictures;
     ffmpeg_owner<AVFrame> current{av_frame_alloc()};
     ffmpeg_owner<AVFrame> pending{av_frame_alloc()};  // the one after current
@@ -45,6 +47,8 @@ struct frame_reader::implementation {
     frames_decoded decoded = frames_decoded::all;
     bool references_missing = false;  // after key frames only, reading on gives damaged frames
     int sparse_frames = 0;            // how many frames from here on may have a gap before them
+    std::int64_t spacing = 0;         // frames nearer than that to the one before are not given
+    bool left_out = false;            // some were, since the current frame
     bool pending_is_sparse = false;
     picture_scaler scaler;
 
@@ -91,13 +95,19 @@ bool frame_reader::implementation::take_pending() {
     if (stamp < floor_stamp) return false;
     pending_stamp = stamp - first_stamp;
     if (has_current && pending_stamp <= current_stamp) return false;
-    pending_is_sparse = sparse_frames > 0;
+    // With key frames the same ones are given wherever reading began.
+    if (has_current && pending_stamp < current_stamp + spacing && pending->key_frame == 0) {
+        left_out = true;
+        return false;
+    }
+    pending_is_sparse = sparse_frames > 0 || left_out;
     if (decoded == frames_decoded::all && sparse_frames > 0) --sparse_frames;
     return true;
 }
 
 result<bool> frame_reader::implementation::decode_pending() {
     has_pending = false;
+    left_out = false;
     for (;;) {
         auto decoded_one = pictures->next(*pending);
         if (!decoded_one.ok() || !decoded_one.value()) return decoded_one;
@@ -111,15 +121,15 @@ void frame_reader::implementation::apply_decoded() {
     pictures->context().skip_frame = decoded == frames_decoded::all                    ? AVDISCARD_DEFAULT
                                      : decoded == frames_decoded::without_unreferenced ? AVDISCARD_NONREF
                                                                                        : AVDISCARD_NONKEY;
-    stream->discard = decoded == frames_decoded::key_frames_only ? AVDISCARD_NONKEY : AVDISCARD_DEFAULT;
+    packets->set_only_keys(decoded == frames_decoded::key_frames_only);
 }
 
 result<void> frame_reader::implementation::seek_stream(std::int64_t stamp) {
     apply_decoded();
-    const int error = file->seek(*stream, stamp);
+    const int error = packets->seek(stamp);
     if (error < 0) {
-        const int again = file->seek(*stream, std::numeric_limits<std::int64_t>::min() / 4);
-        if (again < 0 && file->seek(*stream, first_stamp) < 0) {
+        const int again = packets->seek(std::numeric_limits<std::int64_t>::min() / 4);
+        if (again < 0 && packets->seek(first_stamp) < 0) {
             return ffmpeg_failure(movie_could_not_be_moved_in, path, error);
         }
     }
@@ -147,7 +157,8 @@ result<std::unique_ptr<frame_reader>> frame_reader::open(const std::string& path
     made->stream = made->file->video();
     if (made->stream == nullptr) return movie_has_no_pictures(path);
     made->file->read_only(*made->stream);
-    made->pictures.emplace(*made->file, movie_could_not_be_read);
+    made->packets.emplace(*made->file, *made->stream);
+    made->pictures.emplace(*made->packets, movie_could_not_be_read);
     if (auto ready = made->pictures->open(*made->stream, threads); !ready.ok()) return ready.error();
     made->pictures->set_look([its = made.get()](AVPacket& packet) -> result<void> {
         if (packet.stream_index == its->stream->index) its->look_at(packet);
@@ -273,7 +284,8 @@ result<picture_pointer> frame_reader::paint(int width, int height) {
     shown.until = seconds_at(shown.until_stamp);
     shown.last = !its.has_pending;
     // The last key frame need not be the last frame.
-    shown.sparse = its.has_pending ? its.pending_is_sparse : its.decoded == frames_decoded::key_frames_only;
+    shown.sparse = its.has_pending ? its.pending_is_sparse
+                                   : its.left_out || its.decoded == frames_decoded::key_frames_only;
     return picture_pointer(std::move(made).value());
 }
 
@@ -310,6 +322,10 @@ result<picture_pointer> frame_reader::next(int width, int height) {
     if (!advanced.ok()) return advanced.error();
     if (!advanced.value()) return picture_pointer();
     return paint(width, height);
+}
+
+void frame_reader::set_spacing(std::int64_t ticks) {
+    its_->spacing = ticks;
 }
 
 void frame_reader::set_decoded(frames_decoded which) {

@@ -66,6 +66,9 @@ class frame_reader {
 
     // Takes effect at the next seek, or with `all` and `without_unreferenced` at the next frame.
     void set_decoded(frames_decoded which);
+    // From the next frame on, those that follow the one before by less than so many ticks are decoded and not
+    // given, but for key frames. 0: all are given.
+    void set_spacing(std::int64_t ticks);
 
   private:
     struct implementation;

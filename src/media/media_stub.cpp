@@ -106,6 +106,7 @@ result<picture_pointer> frame_reader::paint(int, int) {
     return without_media();
 }
 void frame_reader::set_decoded(frames_decoded) {}
+void frame_reader::set_spacing(std::int64_t) {}
 
 growing_movie::~growing_movie() = default;
 result<std::unique_ptr<growing_movie>> growing_movie::open(const std::string& path) {

@@ -108,6 +108,30 @@ INSTANTIATE_TEST_SUITE_P(movies, exact_frames,
                                            movie_case{"without_index", "stream.ts", 2, 25, 1, false}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
+TEST(frame_reader, key_frames_alone_stand_at_their_own_times) {
+    const temporary_folder folder;
+    for (const char* const name : {"a.mp4", "a.mkv"}) {
+        ASSERT_TRUE(write_small_coded_movie(folder / name, 100, 20).ok());
+        auto opened = frame_reader::open(folder / name);
+        ASSERT_TRUE(opened.ok()) << opened.message();
+        frame_reader& reader = *opened.value();
+        reader.set_decoded(frames_decoded::key_frames_only);
+        for (const int from : {0, 30, 79}) {
+            ASSERT_TRUE(reader.seek(reader.stamp_at(from / 30.0)).ok());
+            for (int key = from / 20 * 20; key < 100; key += 20) {
+                const auto shown = reader.next(320, 240);
+                ASSERT_TRUE(shown.ok() && shown.value()) << name << " " << key;
+                EXPECT_EQ(read_frame_number(*shown.value()), key) << name;
+                EXPECT_NEAR(shown.value()->time, key / 30.0, 0.001) << name << " from " << from;
+                if (key < 80) {
+                    EXPECT_NEAR(shown.value()->until, (key + 20) / 30.0, 0.001) << name;
+                }
+            }
+            EXPECT_EQ(reader.next(320, 240).value(), nullptr);
+        }
+    }
+}
+
 TEST(movie_information, says_what_was_written) {
     const temporary_folder folder;
     for (const int rotation : {0, 90, 180, 270}) {
