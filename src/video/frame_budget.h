@@ -20,7 +20,7 @@ class frame_budget {
     struct holder;
 
   public:
-    static constexpr std::size_t usual_bytes = 300'000'000;
+    static constexpr std::size_t usual_bytes = 256'000'000;
 
     // One keeper of pictures. What it holds no longer counts once its pictures are gone. ask() and limit()
     // are called by one thread at a time.

@@ -43,6 +43,11 @@ picture_pointer playback_frame_cache::at_or_before(std::int64_t stamp) const {
     return after == frames_.begin() ? nullptr : std::prev(after)->second;
 }
 
+picture_pointer playback_frame_cache::after(std::int64_t stamp) const {
+    const auto found = frames_.upper_bound(stamp);
+    return found == frames_.end() ? nullptr : found->second;
+}
+
 picture_pointer playback_frame_cache::near(std::int64_t stamp, std::int64_t from, std::int64_t until) const {
     const auto after = frames_.upper_bound(stamp);
     if (after != frames_.begin() && std::prev(after)->second->until_stamp > from)

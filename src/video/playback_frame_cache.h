@@ -30,6 +30,8 @@ class playback_frame_cache {
     picture_pointer at(std::int64_t stamp) const;
     // The last frame held that is not later; null when there is none.
     picture_pointer at_or_before(std::int64_t stamp) const;
+    // The first frame held that is later; null when there is none.
+    picture_pointer after(std::int64_t stamp) const;
     // A frame that stands at some time from `from` to `until`, the latest up to `stamp` or else the first
     // after it; null when none is held.
     picture_pointer near(std::int64_t stamp, std::int64_t from, std::int64_t until) const;

@@ -15,13 +15,11 @@ namespace vistels {
 
 namespace {
 
-constexpr double ahead_seconds = 0.4;  // held ahead while playing, of the machine's time
-constexpr double fallen_behind_seconds = 0.3;
-constexpr double recovered_seconds = 3;  // enough was held for so long: decode more again
-constexpr double fast_forward_rate = 4;  // beyond, unreferenced frames are passed over
-constexpr double key_frame_rate = 8;     // beyond, all but key frames
-constexpr double key_frame_reverse_rate = 3;
+constexpr double ahead_seconds = 0.4;   // held ahead while playing, of the machine's time
+constexpr double behind_seconds = 0.8;  // ... and behind while playing backwards, where groups are read whole
+constexpr double late_picture_seconds = 0.1;     // of the machine's time, from one late picture to the next
 constexpr std::size_t most_playing_frames = 36;  // held ahead at most, however fast it goes
+constexpr std::size_t most_reverse_frames = 60;
 constexpr std::size_t least_playing_frames = 3;
 constexpr std::size_t still_ahead_frames = 8;
 constexpr std::size_t still_behind_frames = 3;
@@ -33,11 +31,6 @@ constexpr std::size_t reverse_group =
 constexpr std::size_t least_frames = 2;   // the one that is shown and the one that is made meanwhile
 constexpr std::size_t moving_frames = 3;  // ... and one that was shown before and is still on the screen
 constexpr std::size_t frames_on_the_way = 6;  // painted before the wanted one, for stepping back
-
-frames_decoded usual_decoded(double rate) {
-    if (rate > key_frame_rate || rate < -key_frame_reverse_rate) return frames_decoded::key_frames_only;
-    return rate > fast_forward_rate ? frames_decoded::without_unreferenced : frames_decoded::all;
-}
 
 int direction_of(const playback_demand& demand) {
     return demand.rate > 0 ? 1 : demand.rate < 0 ? -1 : demand.direction;
@@ -99,7 +92,8 @@ playback_movie::progress playback_movie::open() {
     reader_ = std::move(opened).value();
     reader_has_current_ = false;
     nothing_before_.reset();
-    reader_->set_decoded(decoded_);
+    reader_->set_decoded(pace_.decoded());
+    set_spacing();
     const double frame_rate = reader_->information().frame_rate;
     const std::lock_guard lock(mutex_);
     seconds_per_tick_ = reader_->seconds_per_tick();
@@ -140,9 +134,18 @@ std::size_t playback_movie::frame_bytes(int width, int height) const {
     return picture_bytes(width > 0 ? width : known.width, height > 0 ? height : known.height);
 }
 
+// How far one frame that is shown is from the next.
+double playback_movie::shown_seconds() const {
+    const double frame = frame_seconds();
+    return std::max(frame, pace_.spacing(frame));
+}
+
 std::size_t playback_movie::playing_frames(const playback_demand& demand) const {
-    const double frames = std::ceil(ahead_seconds * std::abs(demand.rate) / frame_seconds());
-    return std::clamp(static_cast<std::size_t>(frames), least_playing_frames, most_playing_frames);
+    const double seconds = demand.rate < 0 ? behind_seconds : ahead_seconds;
+    const double frames = std::ceil(seconds * std::abs(demand.rate) / shown_seconds());
+    const std::size_t least = demand.rate < 0 ? stepping_frames : least_playing_frames;
+    return std::clamp(static_cast<std::size_t>(frames), least,
+                      demand.rate < 0 ? most_reverse_frames : most_playing_frames);
 }
 
 playback_needs playback_movie::needs(const playback_demand& demand) const {
@@ -153,7 +156,7 @@ playback_needs playback_movie::needs(const playback_demand& demand) const {
     if (demand.rate > 0) {
         frames = playing_frames(demand) + passed_frames;
     } else if (demand.rate < 0) {
-        frames = std::max(playing_frames(demand), stepping_frames) + reverse_group;
+        frames = playing_frames(demand) + reverse_group;
     } else if (demand.direction < 0) {
         frames = stepping_frames + stepping_group;
     } else {
@@ -169,11 +172,12 @@ playback_movie::targets playback_movie::targets_for(const playback_demand& deman
     targets wanted;
     if (demand.rate > 0) {
         wanted.ahead = std::min(playing_frames(demand), room);
-    } else if (demand.rate < 0 || demand.direction < 0) {
-        const std::size_t playing = demand.rate < 0 ? playing_frames(demand) : 0;
-        wanted.behind = std::min(std::max(playing, stepping_frames), room / 3);
-        const std::size_t usual = demand.rate < 0 ? reverse_group : stepping_group;
-        wanted.group = std::min(room - wanted.behind, usual);
+    } else if (demand.rate < 0) {
+        wanted.behind = std::min(playing_frames(demand), room / 2);
+        wanted.group = std::min(room - wanted.behind, reverse_group);
+    } else if (demand.direction < 0) {
+        wanted.behind = std::min(stepping_frames, room / 3);
+        wanted.group = std::min(room - wanted.behind, stepping_group);
     } else {
         wanted.behind = std::min(still_behind_frames, room / 4);
         wanted.group = wanted.behind;
@@ -182,55 +186,30 @@ playback_movie::targets playback_movie::targets_for(const playback_demand& deman
     return wanted;
 }
 
-// Passes over more when decoding falls behind, and over less again when it has kept up for a while.
-void playback_movie::choose_decoded(const playback_demand& demand, bool is_missing, std::int64_t stamp,
-                                    bool is_full) {
-    frames_decoded wanted = std::max(decoded_, usual_decoded(demand.rate));
-    const double tick = reader_->seconds_per_tick();
-    const auto next = reader_->next_stamp();
-    has_caught_up_ = has_caught_up_ || (next && *next > stamp);
-    if (demand.rate != last_rate_) {
-        wanted = usual_decoded(demand.rate);
-        full_since_.reset();
-    } else if (is_missing && demand.rate > 0 && next && reader_has_current_) {
-        const double behind = static_cast<double>(stamp - *next) * tick / demand.rate;
-        // The way from a key frame to the frame that was sought is no falling behind, unless it takes too
-        // long.
-        const double under_way = static_cast<double>(stamp - sought_stamp_) * tick / demand.rate;
-        const bool has_fallen = behind > fallen_behind_seconds &&
-                                (has_caught_up_ || under_way > fallen_behind_seconds || under_way < 0);
-        if (has_fallen && wanted != frames_decoded::key_frames_only) {
-            wanted = wanted == frames_decoded::all ? frames_decoded::without_unreferenced
-                                                   : frames_decoded::key_frames_only;
-        }
-    }
-    if (!is_full || is_missing) {
-        full_since_.reset();
-    } else if (!full_since_) {
-        full_since_ = stamp;
-    } else if (std::abs(static_cast<double>(stamp - *full_since_)) * tick >
-               recovered_seconds * std::abs(demand.rate)) {
-        wanted = usual_decoded(demand.rate);
-        full_since_.reset();
-    }
-    last_rate_ = demand.rate;
-    if (wanted == decoded_) return;
-    decoded_ = wanted;
-    reader_->set_decoded(wanted);
+void playback_movie::set_spacing() {
+    reader_->set_spacing(ticks_in(pace_.spacing(frame_seconds())));
+}
+
+void playback_movie::choose_decoded(const playback_demand& demand, bool is_missing, bool is_full) {
+    pace_.look({demand.rate, demand.seconds, is_missing, is_full});
+    reader_->set_decoded(pace_.decoded());
+    set_spacing();
 }
 
 playback_movie::progress playback_movie::seek(std::int64_t stamp, std::int64_t needed_from) {
     reader_has_current_ = false;
-    has_caught_up_ = false;
-    sought_stamp_ = wanted_stamp_;
     if (auto moved = reader_->seek(stamp, needed_from); !moved.ok()) return fail(moved.error());
     if (!reader_->next_stamp()) return fail(movie_has_no_picture_here(path_));
     return progress::worked;
 }
 
+std::int64_t playback_movie::ticks_in(double seconds) const {
+    return static_cast<std::int64_t>(seconds / reader_->seconds_per_tick());
+}
+
+// That many frames that are shown take.
 std::int64_t playback_movie::ticks_of(std::size_t frames) const {
-    return static_cast<std::int64_t>(static_cast<double>(frames) * frame_seconds() /
-                                     reader_->seconds_per_tick());
+    return ticks_in(static_cast<double>(frames) * shown_seconds());
 }
 
 // Lets go of what is wanted least, so that its memory is that of the picture that comes. False when there is
@@ -249,13 +228,15 @@ bool playback_movie::make_room(bool is_wanted) {
 playback_movie::progress playback_movie::paint_current() {
     auto painted = reader_->paint(width_, height_);
     if (!painted.ok()) return fail(painted.error());
+    last_painted_ = painted.value()->stamp;
     const std::lock_guard lock(mutex_);
     cache_.insert(std::move(painted).value());
     return progress::worked;
 }
 
-// Reads the next frame, and scales it when it stands at or after `paint_from` and is not held yet.
-playback_movie::progress playback_movie::read_one(std::int64_t paint_from) {
+// Reads the next frame, and scales it when it stands at or after `paint_from` and is not held yet;
+// `in_any_case`: even though there is no room beside others.
+playback_movie::progress playback_movie::read_one(std::int64_t paint_from, bool in_any_case) {
     auto advanced = reader_->advance();
     if (!advanced.ok()) return fail(advanced.error());
     if (!advanced.value()) return progress::nothing_to_do;
@@ -267,9 +248,18 @@ playback_movie::progress playback_movie::read_one(std::int64_t paint_from) {
         const auto held = cache_.at(reader_->current_stamp());
         if (held && !held->sparse && held->stamp == reader_->current_stamp()) return progress::worked;
     }
-    const bool is_wanted =
-        reader_->current_stamp() <= wanted_stamp_ && wanted_stamp_ < reader_->current_until();
+    const bool is_wanted = in_any_case || (reader_->current_stamp() <= wanted_stamp_ &&
+                                           wanted_stamp_ < reader_->current_until());
     return make_room(is_wanted) || is_wanted ? paint_current() : progress::worked;
+}
+
+// From where on frames are scaled on the way to the wanted one.
+std::int64_t playback_movie::painted_from(const playback_demand& demand, std::int64_t stamp) const {
+    if (demand.alone) return stamp;
+    if (demand.rate < 0) return stamp - ticks_of(std::max(frames_on_the_way, targets_.group));
+    if (demand.rate == 0) return stamp - ticks_of(frames_on_the_way);
+    if (!pace_.is_behind()) return stamp;
+    return std::min(stamp, last_painted_ + ticks_in(late_picture_seconds * demand.rate));
 }
 
 playback_movie::progress playback_movie::fetch(const playback_demand& demand, std::int64_t stamp) {
@@ -280,9 +270,16 @@ playback_movie::progress playback_movie::fetch(const playback_demand& demand, st
         make_room(true);
         return paint_current();
     }
-    const std::int64_t needed_from = stamp - ticks_of(demand.alone ? 0 : frames_on_the_way);
-    if (reader_->should_seek(stamp)) return seek(stamp, needed_from);
-    return read_one(demand.rate > 0 ? stamp : needed_from);
+    // The wanted time moves on while a picture is on its way. Each seek yields one, however slow it is.
+    const bool is_chased =
+        pace_.decoded() == frames_decoded::key_frames_only || (demand.rate > 0 && pace_.is_behind());
+    const auto next = reader_->next_stamp();
+    if (demand.rate != 0 && is_chased && !reader_has_current_ && next) return read_one(*next, true);
+    if (reader_->should_seek(stamp)) {
+        const std::int64_t on_the_way = stamp - ticks_of(demand.alone ? 0 : frames_on_the_way);
+        return seek(stamp, std::min(on_the_way, painted_from(demand, stamp)));
+    }
+    return read_one(painted_from(demand, stamp));
 }
 
 // Reads on from the key frame until a frame is near enough.
@@ -363,8 +360,8 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
     if (!standing && demand.tolerance > 0) return fetch_near(demand, stamp);
     const bool needs_ahead = held.frames_after < targets_.ahead && !held.reaches_end;
     const bool needs_behind = held.frames_before < targets_.behind && held.from > 0;
-    choose_decoded(demand, !standing, stamp, !needs_ahead && !needs_behind);
-    if (standing && standing->sparse && decoded_ == frames_decoded::all) {
+    choose_decoded(demand, !standing, !needs_ahead && !needs_behind);
+    if (standing && standing->sparse && pace_.shows_all(frame_seconds())) {
         {
             const std::lock_guard lock(mutex_);
             cache_.forget_sparse();
@@ -399,6 +396,11 @@ picture_pointer playback_movie::frame_at(double seconds) const {
 picture_pointer playback_movie::frame_before(double seconds) const {
     const std::lock_guard lock(mutex_);
     return cache_.at_or_before(stamp_at(seconds));
+}
+
+picture_pointer playback_movie::frame_after(double seconds) const {
+    const std::lock_guard lock(mutex_);
+    return cache_.after(stamp_at(seconds));
 }
 
 picture_pointer playback_movie::frame_near(double seconds, double tolerance) const {

@@ -10,6 +10,7 @@
 
 #include "media/frame_reader.h"
 #include "video/playback_frame_cache.h"
+#include "video/playback_pace.h"
 
 namespace vistels {
 
@@ -49,8 +50,8 @@ struct file_stand {
 };
 
 // Reads one movie for playback: fetches the frame that is wanted, then those that will be wanted next, within
-// the memory that the demand names. When decoding cannot keep up it passes over frames that no other needs,
-// then all but key frames. work(), keep(), check_file(), is_open(), needs() and close() are called on the
+// the memory that the demand names. When decoding cannot keep up it passes over frames as playback_pace has
+// it. work(), keep(), check_file(), is_open(), needs() and close() are called on the
 // vistel's queue, everything else on any thread.
 class playback_movie {
   public:
@@ -78,6 +79,8 @@ class playback_movie {
     picture_pointer frame_at(double seconds) const;
     // The latest frame held that is not later than that, for showing while the right one is being read.
     picture_pointer frame_before(double seconds) const;
+    // The earliest frame held that is later, for the same while playing backwards.
+    picture_pointer frame_after(double seconds) const;
     // A frame that stands within so many seconds of that; null when none is held.
     picture_pointer frame_near(double seconds, double tolerance) const;
     // The frame that precedes `shown`, when it is held.
@@ -104,14 +107,18 @@ class playback_movie {
     progress fetch_ahead(const playback_frame_cache::run& held);
     progress fetch_behind(const playback_frame_cache::run& held);
     progress seek(std::int64_t stamp, std::int64_t needed_from);
+    std::int64_t ticks_in(double seconds) const;
     std::int64_t ticks_of(std::size_t frames) const;
-    progress read_one(std::int64_t paint_from);
+    double shown_seconds() const;
+    std::int64_t painted_from(const playback_demand& demand, std::int64_t stamp) const;
+    progress read_one(std::int64_t paint_from, bool in_any_case = false);
     bool make_room(bool is_wanted);
     progress paint_current();
     std::size_t frame_bytes(int width, int height) const;
     std::size_t playing_frames(const playback_demand& demand) const;
     targets targets_for(const playback_demand& demand) const;
-    void choose_decoded(const playback_demand& demand, bool is_missing, std::int64_t stamp, bool is_full);
+    void set_spacing();
+    void choose_decoded(const playback_demand& demand, bool is_missing, bool is_full);
     void set_size(int width, int height);
 
     const std::string path_;
@@ -125,14 +132,11 @@ class playback_movie {
     int width_ = 0;
     int height_ = 0;
     std::int64_t wanted_stamp_ = 0;
-    std::int64_t sought_stamp_ = 0;  // what was wanted at the last seek
-    bool has_caught_up_ = false;     // the reader came to what was wanted since then
-    std::size_t memory_ = 0;         // what the demand allows
+    std::int64_t last_painted_ = 0;
+    std::size_t memory_ = 0;  // what the demand allows
     targets targets_;
-    double last_rate_ = 0;
     int last_direction_ = 0;
-    frames_decoded decoded_ = frames_decoded::all;
-    std::optional<std::int64_t> full_since_;      // wanted stamp from which on enough was held ahead
+    playback_pace pace_;
     std::optional<std::int64_t> nothing_before_;  // going back from here brought nothing
 
     mutable std::mutex mutex_;

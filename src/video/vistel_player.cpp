@@ -175,7 +175,7 @@ bool vistel_player::has_missed_frame(double seconds) {
     const place here = place_of(seconds);
     if (!is_missed_ || here.part < 0) return false;
     const auto frame = movies_[static_cast<std::size_t>(here.part)]->frame_at(here.seconds);
-    return frame && !(frame->sparse && is_at_rest()) && is_missed_.exchange(false);
+    return frame && !(frame->sparse && demanded_rate() == 0) && is_missed_.exchange(false);
 }
 
 void vistel_player::let_go() {
@@ -270,9 +270,9 @@ playback_movie::progress vistel_player::work_once(double seconds, const playback
     return playback_movie::progress::nothing_to_do;
 }
 
-bool vistel_player::is_at_rest() const {
+double vistel_player::demanded_rate() const {
     const std::lock_guard lock(mutex_);
-    return demand_.rate == 0;
+    return demand_.rate;
 }
 
 vistel_player::view vistel_player::look(double seconds, double tolerance) const {
@@ -287,10 +287,11 @@ vistel_player::view vistel_player::look(double seconds, double tolerance) const 
         seen.state = vistel_state::unreadable;
         return seen;
     }
+    const double rate = demanded_rate();
     is_missed_ = true;  // first, so that a frame that comes from now on is told
     seen.frame = movie.frame_at(here.seconds);
     // What was passed over while playing fast may be nearer: at rest it is waited for.
-    if (seen.frame && !(seen.frame->sparse && is_at_rest())) {
+    if (seen.frame && !(seen.frame->sparse && rate == 0)) {
         is_missed_ = false;
         seen.state = vistel_state::showing;
     } else if (const auto near = tolerance > 0 ? movie.frame_near(here.seconds, tolerance) : nullptr) {
@@ -298,7 +299,7 @@ vistel_player::view vistel_player::look(double seconds, double tolerance) const 
         seen.is_near = true;
         seen.frame = near;
     } else if (!seen.frame) {
-        seen.frame = movie.frame_before(here.seconds);
+        seen.frame = rate < 0 ? movie.frame_after(here.seconds) : movie.frame_before(here.seconds);
     }
     if (seen.frame) {
         seen.frame_seconds = start + seen.frame->time;

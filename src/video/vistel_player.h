@@ -40,7 +40,9 @@ class vistel_player {
   public:
     struct view {
         vistel_state state = vistel_state::waiting;
-        picture_pointer frame;  // the right one when `showing`; while `waiting`, the latest before it or null
+        // The right one when `showing`; while `waiting`, the latest before it (playing backwards the
+        // earliest after it) or null.
+        picture_pointer frame;
         double frame_seconds = 0;  // the frame's time on the vistel's own time line
         double until_seconds = 0;  // ... and the next one's, or the part's end
         failure problem;           // when unreadable
@@ -101,7 +103,7 @@ class vistel_player {
     place place_of(double seconds) const;
     int part_at_or_after(double seconds) const;
     std::vector<near_part> near_parts(double seconds, const playback_demand& demand) const;
-    bool is_at_rest() const;
+    double demanded_rate() const;
     void post_work();
     void look_again();
     void work();
