@@ -254,6 +254,10 @@ result<void> frame_reader::seek(std::int64_t stamp, std::int64_t needed_from) {
     }
 }
 
+void frame_reader::set_needed_from(std::int64_t stamp) {
+    its_->needed_from = stamp;
+}
+
 bool frame_reader::is_certain() const {
     return !its_->passed_over || its_->current_stamp >= its_->needed_from;
 }

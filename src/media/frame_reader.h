@@ -47,6 +47,8 @@ class frame_reader {
     // over on the way, where no other frame needs them.
     result<void> seek(std::int64_t stamp, std::int64_t needed_from);
     result<void> seek(std::int64_t stamp) { return seek(stamp, 0); }
+    // The same while reading on.
+    void set_needed_from(std::int64_t stamp);
     // Whether the frame that advance() read is followed by the very next one of the movie, as far as
     // passing over on the way is concerned.
     bool is_certain() const;

@@ -106,6 +106,7 @@ result<picture_pointer> frame_reader::paint(int, int) {
     return without_media();
 }
 void frame_reader::set_decoded(frames_decoded) {}
+void frame_reader::set_needed_from(std::int64_t) {}
 void frame_reader::set_spacing(std::int64_t) {}
 
 growing_movie::~growing_movie() = default;

@@ -16,7 +16,7 @@ namespace vistels {
 namespace {
 
 constexpr double ahead_seconds = 0.4;   // held ahead while playing, of the machine's time
-constexpr double behind_seconds = 0.8;  // ... and behind while playing backwards, where groups are read whole
+constexpr double behind_seconds = 1.6;  // ... and behind while playing backwards, where groups are read whole
 constexpr double late_picture_seconds = 0.1;     // of the machine's time, from one late picture to the next
 constexpr std::size_t most_playing_frames = 36;  // held ahead at most, however fast it goes
 constexpr std::size_t most_reverse_frames = 60;
@@ -25,11 +25,10 @@ constexpr std::size_t still_ahead_frames = 8;
 constexpr std::size_t still_behind_frames = 3;
 constexpr std::size_t passed_frames = 16;  // kept after they were shown, for stepping back
 constexpr std::size_t stepping_frames = 24;
-constexpr std::size_t stepping_group = 40;  // read at once while stepping back
-constexpr std::size_t reverse_group =
-    60;                                   // ... and while playing backwards: mostly a whole group of pictures
-constexpr std::size_t least_frames = 2;   // the one that is shown and the one that is made meanwhile
-constexpr std::size_t moving_frames = 3;  // ... and one that was shown before and is still on the screen
+constexpr std::size_t stepping_group = 40;    // read at once while stepping back
+constexpr std::size_t reverse_group = 72;     // ... and while playing backwards
+constexpr std::size_t least_frames = 2;       // the one that is shown and the one that is made meanwhile
+constexpr std::size_t moving_frames = 3;      // ... and one that was shown before and is still on the screen
 constexpr std::size_t frames_on_the_way = 6;  // painted before the wanted one, for stepping back
 
 int direction_of(const playback_demand& demand) {
@@ -265,7 +264,10 @@ std::int64_t playback_movie::painted_from(const playback_demand& demand, std::in
 playback_movie::progress playback_movie::fetch(const playback_demand& demand, std::int64_t stamp) {
     const bool is_read = reader_has_current_ && reader_->current_stamp() <= stamp &&
                          (!reader_->next_stamp() || stamp < reader_->current_until());
-    if (is_read && !reader_->is_certain()) return seek(stamp, 0);
+    if (is_read && !reader_->is_certain()) {
+        read_whole_for_ = stamp;
+        return seek(stamp, 0);
+    }
     if (is_read) {
         make_room(true);
         return paint_current();
@@ -279,6 +281,7 @@ playback_movie::progress playback_movie::fetch(const playback_demand& demand, st
         const std::int64_t on_the_way = stamp - ticks_of(demand.alone ? 0 : frames_on_the_way);
         return seek(stamp, std::min(on_the_way, painted_from(demand, stamp)));
     }
+    if (demand.rate == 0 && read_whole_for_ != stamp) reader_->set_needed_from(painted_from(demand, stamp));
     return read_one(painted_from(demand, stamp));
 }
 
@@ -374,6 +377,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         if (made == progress::nothing_to_do) return fail(movie_has_no_picture_here(path_));
         return made == progress::worked && frame_at(demand.seconds) ? progress::wanted_frame_came : made;
     }
+    if (demand.hurries) return progress::nothing_to_do;
     if (needs_behind && direction < 0) {
         if (const progress made = fetch_behind(held); made != progress::nothing_to_do) return made;
     }

@@ -25,6 +25,7 @@ struct playback_demand {
     int width = 0;       // of the pictures; 0: the movie's own size
     int height = 0;
     bool alone = false;    // the very frame will do, no other is going to be asked for soon
+    bool hurries = false;  // the very frame is asked for, and others will be once that has come
     double tolerance = 0;  // seconds before and after by which the frame may be another; no more is read then
     std::size_t memory = 0;  // bytes that this movie's pictures may take; the wanted one comes in any case
 };
@@ -133,7 +134,8 @@ class playback_movie {
     int height_ = 0;
     std::int64_t wanted_stamp_ = 0;
     std::int64_t last_painted_ = 0;
-    std::size_t memory_ = 0;  // what the demand allows
+    std::int64_t read_whole_for_ = -1;  // passing over frames on the way to that one hid what stands there
+    std::size_t memory_ = 0;            // what the demand allows
     targets targets_;
     int last_direction_ = 0;
     playback_pace pace_;

@@ -2,6 +2,7 @@
 #include "video/playback_sound.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
@@ -19,8 +20,7 @@ namespace vistels {
 namespace {
 
 constexpr double added_ahead_seconds = 0.2;
-constexpr std::size_t frames_at_once = 1920;                   // 40 ms
-constexpr auto longest_wait = std::chrono::milliseconds(500);  // for a read, when all else ends
+constexpr std::size_t frames_at_once = 1920;  // 40 ms
 constexpr auto feeding_pause = std::chrono::milliseconds(15);
 constexpr double largest_drift_seconds = 0.25;  // beyond, sound starts afresh
 constexpr int most_reads = 64;                  // for one piece of sound of another speed
@@ -39,7 +39,7 @@ struct playback_sound::implementation {
     bool feeding = false;
     bool ending = false;
     std::optional<double> heard;
-    std::optional<std::chrono::steady_clock::time_point> reads_since;
+    std::atomic<std::uint64_t> stages{0};  // begun and ended pieces of feeding
 
     // Of the queue.
     std::unique_ptr<sound_output> output;
@@ -93,8 +93,8 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
     bool afresh = std::exchange(restart, false) || !running || fed_rate != at_rate;
     if (heard && std::abs(*heard - at) > largest_drift_seconds) afresh = true;
     const auto from = parts;
-    reads_since = std::chrono::steady_clock::now();
     lock.unlock();
+    ++stages;
     if (!output) {
         auto opened = sound_output::open();
         if (opened.ok()) output = std::move(opened).value();
@@ -109,8 +109,8 @@ bool playback_sound::implementation::feed_once(std::unique_lock<std::mutex>& loc
         if (added) add_some(from);
         if (output->heard_seconds() > 0) now = from_seconds + output->heard_seconds() * fed_rate;
     }
+    ++stages;
     lock.lock();
-    reads_since.reset();
     if (!output) output_failed = true;
     if (!restart) heard = now;
     return added;
@@ -168,19 +168,38 @@ void playback_sound::implementation::read_from(const std::vector<playback_part>&
     }
 }
 
-playback_sound::playback_sound() : its_(std::make_shared<implementation>()) {}
+playback_sound::playback_sound(const clock& patience)
+    : patience_(patience), its_(std::make_shared<implementation>()) {}
 
 playback_sound::~playback_sound() {
+    look_at_reading();
+    leave();
+}
+
+void playback_sound::look_at_reading() {
+    const std::uint64_t stages = its_->stages;
+    watch_.look({stages / 2, stages % 2 != 0}, patience_.seconds());
+}
+
+// What hangs at a file ends by itself.
+void playback_sound::leave() {
     its_->end();
-    std::unique_lock lock(its_->mutex);
-    const auto since = its_->reads_since;
-    lock.unlock();
-    if (since && std::chrono::steady_clock::now() - *since > longest_wait) {
-        its_->queue.post([held = its_] {});  // its last owner
-    }
+    if (watch_.is_slow()) its_->queue.post([held = its_] {});  // its last owner
 }
 
 void playback_sound::set_parts(std::vector<playback_part> parts) {
+    look_at_reading();
+    if (watch_.is_slow()) {
+        auto made = std::make_shared<implementation>();
+        {
+            const std::lock_guard lock(its_->mutex);
+            made->pitch = its_->pitch;
+            made->volume = its_->volume;
+        }
+        leave();
+        its_ = std::move(made);
+        watch_ = {};
+    }
     const std::lock_guard lock(its_->mutex);
     its_->parts = std::move(parts);
     its_->restart = true;
@@ -206,6 +225,7 @@ void playback_sound::restart() {
 }
 
 void playback_sound::update(double seconds, double rate) {
+    look_at_reading();
     implementation& its = *its_;
     {
         const std::lock_guard lock(its.mutex);
@@ -219,6 +239,7 @@ void playback_sound::update(double seconds, double rate) {
 }
 
 std::optional<double> playback_sound::heard_seconds() const {
+    if (watch_.is_slow()) return std::nullopt;
     const std::lock_guard lock(its_->mutex);
     return its_->heard;
 }

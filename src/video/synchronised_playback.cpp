@@ -35,6 +35,7 @@ synchronised_playback::synchronised_playback(run_loop& loop, std::shared_ptr<fra
       clock_(loop.time()),
       ticks_(loop),
       task_(ticks_, tick_step::players, [this] { timer_tick(); }),
+      sound_(patience_),
       arrivals_(std::make_shared<arrival_link>()) {
     arrivals_->playback = this;
     arrivals_->loop = &loop_;
@@ -244,13 +245,32 @@ void synchronised_playback::take_arrivals() {
     show(shown_time());
 }
 
+double synchronised_playback::tolerance_of(const entry& vistel) const {
+    return vistel.seeks ? vistel.seeks->wish.tolerance : is_playing() ? 0 : tolerance_;
+}
+
+double synchronised_playback::seconds_of(const entry& vistel, double now) {
+    return (vistel.seeks ? vistel.seeks->wish.collection_seconds : now) + vistel.vistel.lead;
+}
+
+void synchronised_playback::ask(const entry& vistel, double now) {
+    vistel.player->want(seconds_of(vistel, now), is_playing() ? clock_.rate() : 0, direction_,
+                        !is_in_front_ && !is_playing(), tolerance_of(vistel), hurries_);
+}
+
+void synchronised_playback::end_hurry() {
+    if (!hurries_ || !is_settled()) return;
+    hurries_ = false;
+    for (const auto& vistel : vistels_) {
+        if (is_followed(vistel)) ask(vistel, shown_time_);
+    }
+}
+
 // What a vistel shows as of now, or where it is sought alone; true when that is something else than before.
 bool synchronised_playback::show(entry& vistel, double now) {
-    const double at = vistel.seeks ? vistel.seeks->wish.collection_seconds : now;
-    const double tolerance = vistel.seeks ? vistel.seeks->wish.tolerance : is_playing() ? 0 : tolerance_;
-    const double seconds = at + vistel.vistel.lead;
-    vistel.player->want(seconds, is_playing() ? clock_.rate() : 0, direction_, !is_in_front_ && !is_playing(),
-                        tolerance);
+    const double tolerance = tolerance_of(vistel);
+    const double seconds = seconds_of(vistel, now);
+    ask(vistel, now);
     auto seen = vistel.player->look(seconds, tolerance);
     if (!vistel.watch.answers()) {
         seen = {};
@@ -268,6 +288,14 @@ bool synchronised_playback::show(entry& vistel, double now) {
                                             : !vistel.returns || away < late_frame_seconds;
         if (!is_playing() || !seen.frame || !is_nearer) return is_news;
     }
+    // Of frames that stand for others which were left out, one farther away is no progress.
+    if (is_playing() && seen.frame && seen.frame->sparse && vistel.shown && !vistel.is_from_before &&
+        !vistel.returns) {
+        const bool is_against = (seen.frame_seconds - vistel.shown_seconds) * clock_.rate() < 0;
+        const bool is_farther =
+            std::abs(seen.frame_seconds - seconds) > std::abs(vistel.shown_seconds - seconds);
+        if (is_against && is_farther) return is_news;
+    }
     vistel.returns = false;
     vistel.is_from_before = false;
     const bool is_same = vistel.shown == seen.frame;
@@ -278,6 +306,7 @@ bool synchronised_playback::show(entry& vistel, double now) {
 
 void synchronised_playback::show(double now) {
     shown_time_ = now;
+    hurries_ = hurries_ && !is_playing();
     bool changed = false;
     std::vector<std::function<void()>> sought;
     for (auto& vistel : vistels_) {
@@ -292,6 +321,7 @@ void synchronised_playback::show(double now) {
             if (vistel.state == vistel_state::showing) vistel.state = vistel_state::waiting;
         }
     }
+    end_hurry();
     need_watch();
     update_sound(clock_.time());
     const bool ends = is_playing() && !clock_.can_move();

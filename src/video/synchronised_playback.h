@@ -190,6 +190,10 @@ class synchronised_playback final : public transport {
     void take_arrivals();
     void show(double now);
     bool show(entry& vistel, double now);
+    void ask(const entry& vistel, double now);
+    double tolerance_of(const entry& vistel) const;
+    static double seconds_of(const entry& vistel, double now);
+    void end_hurry();
     std::function<void()> end_own_seek(entry& vistel);
     bool is_answering_now(const entry& vistel) const;
     void correct_lags();
@@ -224,6 +228,7 @@ class synchronised_playback final : public transport {
     run_loop::timer_id rest_timer_ = 0;  // until a hand that drags has rested
     bool snap_to_frame_ = false;         // stand at the frame's own time once it is known
     double tolerance_ = 0;               // of the last seek
+    bool hurries_ = false;               // until all show what was sought none reads anything else
     std::function<void()> done_;
     playback_timer_record timer_record_;
     std::string correction_note_;

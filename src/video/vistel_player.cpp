@@ -78,13 +78,15 @@ void vistel_player::set_size(int width, int height) {
     demand_.height = height;
 }
 
-void vistel_player::want(double seconds, double rate, int direction, bool alone, double tolerance) {
+void vistel_player::want(double seconds, double rate, int direction, bool alone, double tolerance,
+                         bool hurries) {
     if (parts_.empty()) return;
     const std::lock_guard lock(mutex_);
     wanted_seconds_ = seconds;
     demand_.rate = rate;
     demand_.direction = direction;
     demand_.alone = alone;
+    demand_.hurries = hurries;
     demand_.tolerance = tolerance;
     resting_ = false;
     post_work();
@@ -261,7 +263,7 @@ playback_movie::progress vistel_player::work_once(double seconds, const playback
     auto parts = near_parts(seconds, demand);
     share_memory(parts);
     for (const auto& part : parts) {
-        if (!part.is_read) continue;
+        if (!part.is_read || (demand.hurries && part.index != here.part)) continue;
         const auto made = movies_[static_cast<std::size_t>(part.index)]->work(part.demand);
         if (made == playback_movie::progress::nothing_to_do) continue;
         // Nobody waits for a part that comes.

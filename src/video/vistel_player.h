@@ -58,8 +58,10 @@ class vistel_player {
 
     // Asks for the frame at a time of the vistel's own time line, and for those that playing at `rate` (0:
     // standing still, having last stepped in `direction`) will need; `alone`: the very frame will do. With a
-    // tolerance, in seconds, one as near as that will do. Takes the place of what was asked before.
-    void want(double seconds, double rate, int direction, bool alone = false, double tolerance = 0);
+    // tolerance, in seconds, one as near as that will do. `hurries`: nothing else is read yet, so that others
+    // come to theirs sooner. Takes the place of what was asked before.
+    void want(double seconds, double rate, int direction, bool alone = false, double tolerance = 0,
+              bool hurries = false);
     // Has the queue look whether the movies are still the files that were opened.
     void check_files();
     // Nothing is asked for until the next want(): lets go of the pictures.
