@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # bench/NAME.cpp -> program bench_NAME; bench/shell/NAME.cpp -> bench_shell_NAME.
 # A benchmark has its own main, takes "--short", and is run by scripts/run_benchmarks.
-# The peers it compares with are libplist, when it is installed (VISTELS_HAVE_PLIST), and SQLite.
-# What they share is bench/support, and what tests share as well tests/support; both are included as
+# The peers it compares with are libplist and libmpv, when they are installed (VISTELS_HAVE_PLIST,
+# VISTELS_HAVE_MPV), and SQLite. What is one benchmark's alone and too long for its source is bench/NAME/*.h; what
+# they share is bench/support, and what tests share as well tests/support; both are included as
 # "support/NAME.h".
 
 pkg_check_modules(vistels_plist IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(vistels_mpv IMPORTED_TARGET mpv)
 pkg_check_modules(vistels_sqlite REQUIRED IMPORTED_TARGET sqlite3)
 
 add_library(vistels_peers INTERFACE)
@@ -14,6 +16,10 @@ target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_sqlite)
 if(TARGET PkgConfig::vistels_plist)
     target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_plist)
     target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_PLIST=1)
+endif()
+if(TARGET PkgConfig::vistels_mpv)
+    target_link_libraries(vistels_peers INTERFACE PkgConfig::vistels_mpv)
+    target_compile_definitions(vistels_peers INTERFACE VISTELS_HAVE_MPV=1)
 endif()
 
 get_property(folders GLOBAL PROPERTY vistels_folders)
