@@ -29,6 +29,7 @@ inline std::vector<camera> cameras_of_collection(const std::string& path) {
 inline std::string make_demo_movies(const std::filesystem::path& folder, int seconds, int cameras) {
     std::printf("making a demo event of %d s ...\n", seconds);
     std::fflush(stdout);
+    std::filesystem::remove_all(folder);  // of a run before
     demo_options options;
     options.seconds = seconds;
     options.cameras = cameras;
