@@ -53,6 +53,7 @@ void press_engine::shift_times(double seconds) {
         if (state.due_at) *state.due_at += seconds;
     }
     if (playhead_) playhead_->at += seconds;
+    if (drag_) drag_ = {drag_->from + seconds, drag_->to + seconds};
     triggers_.shift(seconds);
     recorder_.shift_times(seconds);
 }
@@ -99,6 +100,7 @@ double press_engine::reached(double at) const {
 
 // What the playhead brings about on its way there.
 void press_engine::come_to(double at) {
+    let_go_of_playhead();
     const double now = reached(at);
     pass_triggers(now);
     release_due(now);
@@ -183,7 +185,21 @@ bool press_engine::escape(double at) {
     return true;
 }
 
+void press_engine::playhead_dragged(double from, double to) {
+    if (!drag_) {
+        pass_triggers(from);
+        release_due(from);
+        drag_ = {from, to};
+    }
+    drag_->to = to;
+}
+
+void press_engine::let_go_of_playhead() {
+    if (drag_) playhead_jumped(drag_->from, drag_->to);
+}
+
 void press_engine::playhead_jumped(double from, double to, bool is_loop_turn) {
+    if (drag_) from = std::exchange(drag_, std::nullopt)->from;
     pass_triggers(from);
     release_due(from);
     triggers_.jump(to);
@@ -220,6 +236,7 @@ void press_engine::give_up_attributes() {
 }
 
 void press_engine::tick(double at) {
+    if (drag_) return recorder_.tick(drag_->from, !down_.empty());
     follow_playhead(at);
     come_to(at);
     recorder_.tick(at, !down_.empty());

@@ -152,6 +152,10 @@ class press_engine {
     // The playhead went from one time to another without playing or stepping; the turn of a loop ends clips
     // wherever it leads to.
     void playhead_jumped(double from, double to, bool is_loop_turn = false);
+    // A hand drags the playhead: nothing is passed on its way. Where it lets go, which is told by
+    // playhead_jumped(), the playhead has jumped once, from where it was taken; something pressed meanwhile
+    // finds it where it is, as though it were let go.
+    void playhead_dragged(double from, double to);
     // Playback begins, goes on in another direction, or ends. Without it no trigger is passed.
     void follow_playing(double at, bool runs_forwards);
     // Called at every display tick, playing or not: auto-ups, triggers, the time on record, what could not be
@@ -228,6 +232,7 @@ class press_engine {
     void follow_playhead(double at);
     void release_due(double at);
     void come_to(double at);
+    void let_go_of_playhead();
     double reached(double at) const;
     bool follows_triggers() const;
     void press_beside(const markup_Button_Item& button, double at, bool is_down);
@@ -264,6 +269,11 @@ class press_engine {
     bool is_recording_ = false;
     bool puts_down_ = true;           // links do
     std::optional<double> jumps_to_;  // while the playhead's jump is followed
+    struct playhead_drag {
+        double from = 0;
+        double to = 0;
+    };
+    std::optional<playhead_drag> drag_;  // while a hand has the playhead
     struct planned_trigger {
         button_record button;  // with it
         bool is_on_record = false;

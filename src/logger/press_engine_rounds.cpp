@@ -343,6 +343,10 @@ void press_engine::take_triggers(bool is_recorded) {
 }
 
 void press_engine::follow_playing(double at, bool runs_forwards) {
+    if (drag_) {
+        if (runs_forwards == triggers_.is_running()) return;
+        let_go_of_playhead();
+    }
     if (runs_forwards || triggers_.is_before(at)) pass_triggers(at);
     if (!runs_forwards) {
         triggers_.stop();

@@ -27,6 +27,8 @@ class transport {
     virtual void pause() = 0;
     virtual void set_rate(double rate) = 0;
     virtual void seek(double collection_seconds) = 0;
+    // The same for a hand that drags: what is at hand may be shown first. A seek is its end.
+    virtual void scrub(double collection_seconds) { seek(collection_seconds); }
 };
 
 }  // namespace vistels

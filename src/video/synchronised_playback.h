@@ -107,7 +107,7 @@ class synchronised_playback final : public transport {
     void step(int frames, std::function<void()> done = nullptr);
     // For a hand that drags: the key frame before that time is shown at once, and the very frame when the
     // hand has rested for a moment. The same as a seek while playing.
-    void scrub(double collection_seconds);
+    void scrub(double collection_seconds) override;
 
     double first_time() const { return clock_.first(); }
     double last_time() const { return clock_.last(); }

@@ -73,6 +73,54 @@ TEST_F(player, a_jump_while_playing_passes_no_triggers_on_its_way) {
     EXPECT_EQ(fired, "+");
     operated.seek(20);
     EXPECT_EQ(fired, "+-") << "the jump ends the clip";
+    // Dragged while it plays, over triggers and up to the end, where it stops playing.
+    for (const double last : {13.0, 20.0}) {
+        fired.clear();
+        operated.seek(5);
+        opened->playback().play();
+        for (const double to : {7.0, 9.0, last}) {
+            operated.scrub(to);
+            loop.advance(1.5);
+        }
+        operated.seek(7.5);
+        EXPECT_EQ(fired, "") << last;
+        opened->playback().play();
+        loop.advance(1);
+        EXPECT_EQ(fired, "+") << last;
+        opened->playback().pause();
+        opened->logger().release_all(now());
+    }
+}
+
+// Whatever the rate, each once and in their order, at their own times.
+TEST_F(player, triggers_are_passed_at_every_rate) {
+    std::vector<markup_Button_Item> buttons;
+    const struct {
+        const char* uuid;
+        std::vector<trigger_event_ITEM> triggers;
+    } with[] = {
+        {"goal", {{2, shared_text("going down"), {}}, {2.02, shared_text("going up"), {}}}},
+        {"pass", {{2.01, shared_text("going down"), {}}, {2.4, shared_text("going up"), {}}}},
+    };
+    for (const auto& one : with) {
+        buttons.emplace_back().set_uuid(one.uuid);
+        buttons.back().set_type(button_type::clip);
+        buttons.back().set_triggers(one.triggers);
+    }
+    opened->logger().set_buttons({buttons[0], buttons[1]}, 0);
+    std::string fired;
+    const connection told = opened->logger().fired.connect([&](const button_fired& one) {
+        fired += one.button + (one.is_down ? "+" : "-") + std::to_string(std::lround(one.at * 100)) + " ";
+    });
+    for (const double rate : {0.1, 0.25, 1.0, 64.0}) {
+        fired.clear();
+        operated.seek(1.9);
+        operated.set_rate(rate);
+        opened->playback().play();
+        loop.advance(0.6 / rate + 0.1);
+        operated.pause();
+        EXPECT_EQ(fired, "goal+200 pass+201 goal-202 pass-240 ") << rate;
+    }
 }
 
 // Whether a button that went down at 5 is down after it, with the end of its clip when it is not.
@@ -102,6 +150,28 @@ TEST_F(player, a_jump_ends_what_is_coded_and_a_step_does_not) {
         {"to the end", [&] { operated.to_end(); }, false},
         {"a clip is played", [&] { operated.play_clip("late"); }, false},
         {"a pane seeks", [&] { operated.commands().seek(12); }, false},
+        {"dragged out and back",
+         [&] {
+             for (const double to : {3.0, 12.0, 5.5}) {
+                 operated.commands().scrub(to);
+                 loop.advance(0.3);  // the hand rests
+             }
+             operated.commands().seek(5.5);
+         },
+         true},
+        {"dragged back and out",
+         [&] {
+             for (const double to : {5.5, 3.0}) operated.scrub(to);
+             operated.seek(2.9);
+         },
+         false},
+        {"something else is pressed while it is dragged out",
+         [&] {
+             operated.scrub(2.9);
+             EXPECT_TRUE(opened->logger().is_down(button));
+             opened->logger().press("nobody", 2.9);
+         },
+         false},
     };
     for (const auto& one : cases) {
         opened->playback().seek(6);

@@ -145,9 +145,18 @@ class standing_transport final : public transport {
     void play() override { playing = true; }
     void pause() override { playing = false; }
     void set_rate(double) override {}
-    void seek(double to) override { seconds = to; }
+    void seek(double to) override {
+        seconds = to;
+        ++seeks;
+    }
+    void scrub(double to) override {
+        seconds = to;
+        ++scrubs;
+    }
 
     double seconds = 0;
+    int seeks = 0;
+    int scrubs = 0;
     bool playing = false;
 };
 
@@ -314,6 +323,31 @@ TEST_F(timeline_pane, the_playhead_is_dragged_by_its_flag_and_set_on_the_ruler) 
     EXPECT_NEAR(transport_.seconds, 60, 1e-6);
     drag(QPoint(610, 10), QPoint(710, 10));  // held ten pixels beside its line
     EXPECT_NEAR(transport_.seconds, 70, 1e-6);
+}
+
+// While the hand drags, and once where it lets go.
+TEST_F(timeline_pane, a_drag_of_the_playhead_scrubs_and_seeks_once_at_its_end) {
+    const auto expect = [&](const char* what, double seconds, int scrubs, int seeks) {
+        EXPECT_NEAR(transport_.seconds, seconds, 0.051) << what;
+        EXPECT_EQ(std::exchange(transport_.scrubs, 0), scrubs) << what;
+        EXPECT_EQ(std::exchange(transport_.seeks, 0), seeks) << what;
+    };
+    drag(QPoint(600, 10), QPoint(710, 10));
+    expect("from the ruler", 71, 2, 1);
+    QTest::mouseClick(canvas_, Qt::LeftButton, {}, QPoint(715, 10));
+    expect("a click on the flag", 71, 0, 0);
+    drag(QPoint(715, 10), QPoint(815, 10));
+    expect("by the flag", 81, 1, 1);
+    drag(at(65, 1), at(75, 1));
+    expect("beside all clips", 75, 1, 1);
+    drag(at(65, 1), at(65.2, 1));
+    expect("a click there", 65, 0, 1);
+    QTest::mousePress(canvas_, Qt::LeftButton, {}, QPoint(600, 10));
+    canvas_->setFocus();
+    QTest::keyClick(canvas_, Qt::Key_Escape);
+    expect("Escape lets go", 60, 1, 1);
+    QTest::mouseRelease(canvas_, Qt::LeftButton, {}, QPoint(600, 10));
+    expect("and then nothing is held", 60, 0, 0);
 }
 
 TEST_F(timeline_pane, the_wheel_scrolls_time_with_shift_zooms_with_control) {

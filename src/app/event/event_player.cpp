@@ -42,6 +42,7 @@ class event_player::person_commands final : public transport {
     }
     void set_rate(double rate) override { player_.set_rate(rate); }
     void seek(double collection_seconds) override { player_.seek(collection_seconds); }
+    void scrub(double collection_seconds) override { player_.scrub(collection_seconds); }
 
   private:
     synchronised_playback* playing() const { return player_.event_ ? &player_.event_->playback() : nullptr; }
@@ -138,12 +139,9 @@ void event_player::step_several(int direction) {
 }
 
 void event_player::scrub(double seconds) {
-    if (!event_ || event_->runs_on_clock()) return seek(seconds);
+    if (!event_) return;
     played_.reset();
-    synchronised_playback& playback = event_->playback();
-    const double from = playback.collection_time();
-    playback.scrub(std::clamp(seconds, event_->start_seconds(), event_->end_seconds()));
-    event_->logger().playhead_jumped(from, playback.collection_time(), false);
+    event_->scrub(within(seconds));
     sought.emit();
 }
 
@@ -157,14 +155,18 @@ void event_player::seek(double seconds) {
 
 void event_player::move_to(double seconds, bool is_jump) {
     played_.reset();
-    const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
-    const double within = std::clamp(seconds, event_->start_seconds(), end);
+    const double to = within(seconds);
     if (is_jump) {
-        go_to(within);
+        go_to(to);
     } else {
-        event_->playback().seek(within);
+        event_->playback().seek(to);
     }
     sought.emit();
+}
+
+double event_player::within(double seconds) const {
+    const double end = event_->runs_on_clock() ? event_->playback().last_time() : event_->end_seconds();
+    return std::clamp(seconds, event_->start_seconds(), end);
 }
 
 void event_player::go_to(double seconds, bool is_loop_turn) {

@@ -43,7 +43,7 @@ class event_player {
     void jump(double seconds);
     // Brought within the event.
     void seek(double seconds);
-    // The same for a hand that drags, see synchronised_playback::scrub(). A seek is its end.
+    // The same for a hand that drags, see open_event::scrub(). A seek is its end.
     void scrub(double seconds);
     void to_start();
     void to_end();
@@ -104,6 +104,7 @@ class event_player {
 
     void tick();
     void move_to(double seconds, bool is_jump);
+    double within(double seconds) const;
     void go_to(double seconds, bool is_loop_turn = false);
     bool halt_at_pause_point(double seconds);
     void apply_volume();

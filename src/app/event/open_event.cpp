@@ -401,6 +401,16 @@ void open_event::jump(double seconds, bool is_loop_turn) {
     follow_playing();
 }
 
+// What a seek that ends playing says of it comes behind where the hand is by then.
+void open_event::scrub(double seconds) {
+    const double from = playback_->collection_time();
+    is_jumping_ = true;
+    playback_->scrub(seconds);
+    is_jumping_ = false;
+    logger_->playhead_dragged(from, playback_->collection_time());
+    follow_playing();
+}
+
 void open_event::follow_playing() {
     if (is_jumping_) return;
     logger_->follow_playing(playback_->collection_time(), playback_->is_playing() && playback_->rate() > 0);

@@ -97,6 +97,9 @@ class open_event {
     // The playhead goes there without playing what lies between; what is being coded ends, or goes on, with
     // it. A seek of playback() itself is a step: it ends nothing.
     void jump(double collection_seconds, bool is_loop_turn = false);
+    // The same for a hand that drags it, see synchronised_playback::scrub(): all of it is one jump, which a
+    // jump() ends.
+    void scrub(double collection_seconds);
 
     // Why a vistel, or the movie part at the present time, cannot be shown; none when all is well.
     failure problem(const std::string& vistel) const;

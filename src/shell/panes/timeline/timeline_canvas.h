@@ -63,6 +63,7 @@ class timeline_canvas final : public QWidget {
         double end = 0;
         QPointF from;
         bool has_moved = false;
+        std::optional<double> scrubbed_to = std::nullopt;  // the playhead
     };
 
     QRect row_place(std::size_t row) const;

@@ -146,7 +146,8 @@ void timeline_canvas::move_drag(const QPointF& point) {
     drag_->has_moved = true;
     const double wanted = state_.scale().seconds_at(point.x()) - drag_->grip_seconds;
     if (drag_->kind == drag_kind::playhead) {
-        state_.seek(wanted);
+        drag_->scrubbed_to = wanted;
+        state_.scrub(wanted);
         return;
     }
     const std::string clip = drag_->on.clip->id();
@@ -178,8 +179,12 @@ void timeline_canvas::end_drag() {
     drag_.reset();
     update();
     if (done.kind == drag_kind::playhead) {
-        // A click beside all clips goes there.
-        if (!done.has_moved) state_.seek(state_.scale().seconds_at(done.from.x()));
+        if (done.scrubbed_to) {
+            state_.seek(*done.scrubbed_to);
+        } else if (!done.has_moved) {
+            // A click beside all clips goes there.
+            state_.seek(state_.scale().seconds_at(done.from.x()));
+        }
         return;
     }
     const std::string clip = done.on.clip->id();
@@ -269,6 +274,7 @@ void timeline_canvas::keyPressEvent(QKeyEvent* event) {
             return;
         case Qt::Key_Escape:
             if (drag_) {
+                if (drag_->scrubbed_to) state_.seek(*drag_->scrubbed_to);
                 drag_.reset();
                 update();
             } else if (state_.selected_count() > 0) {

@@ -203,6 +203,12 @@ void timeline_state::seek(double seconds) {
     tick();
 }
 
+void timeline_state::scrub(double seconds) {
+    if (!playing_) return;
+    playing_->scrub(std::clamp(seconds, start_seconds_, end_seconds_));
+    tick();
+}
+
 bool timeline_state::apply(timeline_edit edit) {
     if (!document_ || edit.operations.empty()) return false;
     const auto done = document_->apply(std::move(edit));

@@ -71,6 +71,8 @@ class timeline_state {
     // Reads the transport.
     void tick();
     void seek(double seconds);
+    // For a hand that drags the playhead; a seek is its end.
+    void scrub(double seconds);
 
     // The UUIDs of what is selected and not hidden, in row order.
     std::vector<std::string> selected() const;
