@@ -77,6 +77,47 @@ TEST(clip_playlist, plays_each_clip_and_nothing_twice) {
     }
 }
 
+TEST(clip_playlist, leads_in_and_halts_at_pause_points) {
+    {
+        // Of what was played just now nothing comes again; where it is told to begin there is no lead-in.
+        listening all;
+        all.list.play({{"a", 10, 12}, {"b", 13, 15}, {"c", 20, 21}}, {}, 2);
+        EXPECT_EQ(all.playback.collection_time(), 8);
+        EXPECT_EQ(played(all, 12), "aaaabbbccc--");
+        EXPECT_EQ(all.playback.seeks, 2);
+        all.list.play({{"a", 10, 12}}, 11, 2);
+        EXPECT_EQ(all.playback.collection_time(), 11);
+    }
+    const std::vector<playlist_clip> clips{{"a", 10, 13, {{12, false}, {11, false}, {9, false}, {13, false}}},
+                                           {"b", 20, 22, {{20.5, false}}}};
+    for (const double rate : {0.1, 1.0, 64.0}) {
+        listening all;
+        all.playback.set_rate(rate);
+        all.list.play(clips, {}, 1.5);
+        for (const double halt : {11.0, 12.0, 20.5}) {
+            all.loop.advance(100);
+            EXPECT_TRUE(all.list.is_playing());
+            EXPECT_FALSE(all.playback.is_playing());
+            EXPECT_DOUBLE_EQ(all.playback.collection_time(), halt) << rate;
+            all.playback.play();
+        }
+        all.loop.advance(100);
+        EXPECT_FALSE(all.list.is_playing());
+        EXPECT_NEAR(all.playback.collection_time(), 22, rate * 0.05);
+    }
+    // A person who goes away from there ends the list.
+    for (const bool plays : {false, true}) {
+        listening all;
+        all.list.play(clips);
+        all.loop.advance(5);
+        all.playback.seek(5);
+        if (plays) all.playback.play();
+        all.loop.advance(1);
+        EXPECT_FALSE(all.list.is_playing());
+        EXPECT_EQ(all.playback.is_playing(), plays);
+    }
+}
+
 TEST(clip_playlist, ends_when_a_person_takes_over) {
     const std::vector<playlist_clip> clips{{"a", 10, 20}, {"b", 50, 60}};
     {

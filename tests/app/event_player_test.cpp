@@ -281,6 +281,27 @@ TEST_F(player, a_loop_goes_round_the_one_selected_clip_or_the_event) {
         EXPECT_NEAR(now(), one.ends_at, 3 * a_tick) << one.from << " at " << one.rate;
         operated.pause();
     }
+    // A clip with its lead-in each time, and with its halts.
+    step_settings steps;
+    steps.lead_in_seconds = 1;
+    ASSERT_TRUE(save_step_settings(find_home_places(home.path()), steps));
+    auto halting = clip_of("halting", 6, 8);
+    halting.set_pause_items({{7, false}});
+    ASSERT_TRUE(
+        opened->timeline().apply({"clip", "", {operation::insert_clip{shared_text("row"), halting}}}));
+    select({"halting"});
+    operated.play_clip();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_NEAR(now(), 5, 2 * a_tick);
+        loop.advance(5);
+        EXPECT_FALSE(plays());
+        EXPECT_DOUBLE_EQ(now(), 7);
+        operated.play_or_pause();
+        loop.advance(1 + a_tick);
+        EXPECT_TRUE(plays());
+    }
+    operated.pause();
+    ASSERT_TRUE(save_step_settings(find_home_places(home.path()), {}));
     // Turned on and off in the middle, and not while clips are played one after another.
     select({"early"});
     operated.set_looping(false);

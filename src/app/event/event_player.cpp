@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/event/open_event.h"
+#include "app/event/pause_points.h"
 #include "app/event/shuttle.h"
 #include "app/settings/step_settings.h"
 #include "logger/press_engine.h"
@@ -57,14 +58,13 @@ void event_player::set_event(open_event* event) {
     state_.disconnect();
     task_.reset();
     if (event_) event_->logger().set_selected_clips({});
-    played_.reset();
+    forget_played();
     plays_list_ = false;
     event_ = event;
     followed_ = nullptr;
     if (!event_) return;
     task_ = std::make_unique<tick_task>(event_->playback().ticks(), tick_step::time, [this] { tick(); });
-    state_ = event_->playback().state_changed.connect(
-        [this] { task_->set_running(event_->playback().is_playing()); });
+    state_ = event_->playback().state_changed.connect([this] { follow_playing(); });
     event_->logger().set_selected_clips([this] {
         std::vector<std::string> clips;
         for (const auto& place : selection().clips()) clips.push_back(place.clip->id());
@@ -74,25 +74,47 @@ void event_player::set_event(open_event* event) {
     apply_volume();
 }
 
+void event_player::follow_playing() {
+    const bool plays = event_->playback().is_playing();
+    if (plays && !task_->is_running()) seen_ = event_->playback().collection_time();
+    task_->set_running(plays);
+}
+
 void event_player::tick() {
     synchronised_playback& playback = event_->playback();
-    if (plays_list_) return;
     const double seconds = playback.collection_time();
+    const double from = std::exchange(seen_, seconds);
+    if (plays_list_) return;
     if (looping_) {
+        if (halt_at_pause_point(loop_, from, seconds)) return;
         const double to = looped(seconds, playback.rate(), loop_.start, loop_.end);
-        if (to != seconds) go_to(to, true);
-    } else if (played_ && halt_at_pause_point(seconds)) {
-        playback.pause();
-    } else if (played_ && seconds_still_to_play(played_->start, played_->end, *clip_fraction()) <= 0) {
-        played_.reset();
+        const double lead_in = playback.rate() > 0 && !loop_.clip.empty() ? lead_in_seconds() : 0;
+        if (to != seconds) go_to(std::max(to - lead_in, event_->start_seconds()), true);
+    } else if (played_ && !halt_at_pause_point(*played_, from, seconds) &&
+               seconds_still_to_play(played_->start, played_->end, *clip_fraction()) <= 0) {
+        forget_played();
         playback.pause();
     }
+}
+
+void event_player::forget_played() {
+    played_.reset();
+    halts_ = false;
+}
+
+// A clip that halts is played on.
+void event_player::forget_played_unless_halting() {
+    if (!std::exchange(halts_, false)) played_.reset();
+}
+
+double event_player::lead_in_seconds() const {
+    return load_step_settings(event_->places()).lead_in_seconds;
 }
 
 void event_player::play_or_pause() {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    if (!std::exchange(halts_, false)) played_.reset();
+    forget_played_unless_halting();
     if (playback.is_playing()) return playback.pause();
     if (playback.rate() < 0) playback.set_rate(1);
     // At the end there is nothing left to play: begin anew. A clock without pictures runs on, to code more.
@@ -110,7 +132,7 @@ void event_player::pause() {
 void event_player::shuttle(int direction) {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    played_.reset();
+    direction > 0 ? forget_played_unless_halting() : forget_played();
     playback.set_rate(
         next_shuttle_rate(playback.rate(), playback.is_playing(), direction, playback.top_speed(direction)));
     playback.play();
@@ -119,7 +141,7 @@ void event_player::shuttle(int direction) {
 void event_player::play_slower(int direction) {
     if (!event_) return;
     synchronised_playback& playback = event_->playback();
-    played_.reset();
+    direction > 0 ? forget_played_unless_halting() : forget_played();
     playback.set_rate(
         next_slow_rate(playback.rate(), playback.is_playing(), direction, playback.top_speed(direction)));
     playback.play();
@@ -140,8 +162,9 @@ void event_player::step_several(int direction) {
 
 void event_player::scrub(double seconds) {
     if (!event_) return;
-    played_.reset();
+    forget_played();
     event_->scrub(within(seconds));
+    seen_ = event_->playback().collection_time();
     sought.emit();
 }
 
@@ -154,12 +177,13 @@ void event_player::seek(double seconds) {
 }
 
 void event_player::move_to(double seconds, bool is_jump) {
-    played_.reset();
+    forget_played();
     const double to = within(seconds);
     if (is_jump) {
         go_to(to);
     } else {
         event_->playback().seek(to);
+        seen_ = to;
     }
     sought.emit();
 }
@@ -171,6 +195,7 @@ double event_player::within(double seconds) const {
 
 void event_player::go_to(double seconds, bool is_loop_turn) {
     event_->jump(seconds, is_loop_turn);
+    seen_ = event_->playback().collection_time();
 }
 
 void event_player::to_start() {
@@ -208,6 +233,7 @@ void event_player::follow_selection() {
     if (!event_ || !looping_) return;
     const auto chosen = selection().clips();
     const bool one = chosen.size() == 1;
+    loop_.clip = one ? chosen.front().clip->id() : std::string();
     loop_.start = one ? chosen.front().clip->secs_start() : event_->start_seconds();
     loop_.end = one ? chosen.front().clip->secs_end() : event_->end_seconds();
 }
@@ -217,19 +243,16 @@ std::optional<double> event_player::clip_fraction() const {
     return fraction_at(played_->start, played_->end, event_->playback().collection_time());
 }
 
-// Whether the clip that is played has come to a pause point since the last one. What is edited meanwhile
-// counts.
-bool event_player::halt_at_pause_point(double seconds) {
-    const auto place = event_->timeline().timeline().find_clip(played_clip_);
+// Whether it did, on the way from one time to another. What is edited meanwhile counts.
+bool event_player::halt_at_pause_point(const stretch& clip, double from, double to) {
+    const auto place = event_->timeline().timeline().find_clip(clip.clip);
     if (!place) return false;
-    for (const auto& point : place->clip->pause_items()) {
-        if (point.seconds <= passed_ || point.seconds > seconds) continue;
-        passed_ = point.seconds;
-        halts_ = true;
-        event_->playback().seek(point.seconds);
-        return true;
-    }
-    return false;
+    const auto pause = pause_point_between(place->clip->pause_items(), from, to, clip.start, clip.end);
+    if (!pause) return false;
+    event_->playback().pause();
+    event_->playback().seek(*pause);
+    halts_ = true;
+    return true;
 }
 
 void event_player::play_clip(const std::string& clip, double from) {
@@ -240,14 +263,10 @@ void event_player::play_clip(const std::string& clip, double from) {
                        : chosen.empty() ? std::nullopt
                                         : std::optional(chosen.front());
     if (!place) return;
-    const stretch played{place->clip->secs_start(), place->clip->secs_end()};
-    const double lead_in = from > 0 ? 0 : load_step_settings(event_->places()).lead_in_seconds;
-    const double at = played.end - seconds_still_to_play(played.start, played.end, from);
-    seek(at - lead_in);
+    const stretch played{place->clip->secs_start(), place->clip->secs_end(), place->clip->id()};
+    const double lead_in = from > 0 ? 0 : lead_in_seconds();
+    seek(played.end - seconds_still_to_play(played.start, played.end, from) - lead_in);
     played_ = played;
-    played_clip_ = place->clip->id();
-    passed_ = at;
-    halts_ = false;
     if (event_->playback().rate() < 0) event_->playback().set_rate(1);
     event_->playback().play();
 }

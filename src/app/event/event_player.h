@@ -49,7 +49,8 @@ class event_player {
     void to_end();
     void set_rate(double rate);
 
-    // Plays the one selected clip again and again, or else the event.
+    // Plays the one selected clip again and again, each time with its lead-in and halts as play_clip() does,
+    // or else the event.
     void set_looping(bool looping);
     bool is_looping() const { return looping_; }
     // The selected clips, or their times, are others.
@@ -98,6 +99,7 @@ class event_player {
     struct stretch {
         double start = 0;
         double end = 0;
+        std::string clip;  // empty: the event
     };
 
     class person_commands;
@@ -106,7 +108,11 @@ class event_player {
     void move_to(double seconds, bool is_jump);
     double within(double seconds) const;
     void go_to(double seconds, bool is_loop_turn = false);
-    bool halt_at_pause_point(double seconds);
+    void follow_playing();
+    double lead_in_seconds() const;
+    void forget_played();
+    void forget_played_unless_halting();
+    bool halt_at_pause_point(const stretch& clip, double from, double to);
     void apply_volume();
 
     const clip_selection& selection() const;
@@ -119,9 +125,8 @@ class event_player {
     bool looping_ = false;
     stretch loop_;                   // what is played again and again
     std::optional<stretch> played_;  // the clip that is played
-    std::string played_clip_;
-    double passed_ = 0;   // pause points up to here have been
-    bool halts_ = false;  // at one of them
+    double seen_ = 0;                // the time of the last tick, or where playing began after it
+    bool halts_ = false;             // at a pause point of what is played
     bool plays_list_ = false;
     bool muted_ = false;
     bool heard_ = true;

@@ -6,6 +6,7 @@
 
 #include "app/event/event_player.h"
 #include "app/event/open_event.h"
+#include "app/settings/step_settings.h"
 #include "shell/kit/escape_key.h"
 #include "shell/panes/timeline/timeline_state.h"
 #include "shell/panes/timeline/timeline_view.h"
@@ -98,7 +99,8 @@ std::size_t filter_control::first_to_play() const {
 
 void filter_control::play_from(std::size_t index) {
     playing_ = index;
-    list_->play({clips_.begin() + static_cast<std::ptrdiff_t>(index), clips_.end()});
+    list_->play({clips_.begin() + static_cast<std::ptrdiff_t>(index), clips_.end()}, {},
+                load_step_settings(event_->places()).lead_in_seconds);
 }
 
 void filter_control::follow_list() {
