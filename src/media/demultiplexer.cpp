@@ -30,11 +30,21 @@ double duration_of(const AVFormatContext& format, const AVStream* stream) {
     return format.duration > 0 ? static_cast<double>(format.duration) / AV_TIME_BASE : 0;
 }
 
+// The header of a recording that was broken off, or went through a pipe, does not say how long it is; some
+// say only when the last picture ends, though the first comes late.
+bool knows_duration(const AVStream& stream, double duration) {
+    const bool comes_late = stream.start_time != AV_NOPTS_VALUE && stream.start_time > 0;
+    return stream.duration > 0 || (duration > 0 && !comes_late);
+}
+
 movie_information information_of(const AVFormatContext& format, const AVStream* video,
                                  const AVStream* sound) {
     movie_information known;
     known.tracks = static_cast<int>(format.nb_streams);
-    known.duration = duration_of(format, video != nullptr ? video : sound);
+    const AVStream* const main = video != nullptr ? video : sound;
+    known.duration = duration_of(format, main);
+    if (main != nullptr && knows_duration(*main, known.duration))
+        known.duration_of_all = std::max(known.duration, duration_of(format, nullptr));
     known.data_rate = static_cast<double>(format.bit_rate);
     if (video != nullptr) {
         known.has_video = true;
@@ -150,14 +160,6 @@ const AVStream& main_stream(const demultiplexer& movie) {
     return movie.video() != nullptr ? *movie.video() : *movie.sound();
 }
 
-// The header of a recording that was broken off, or went through a pipe, does not say how long it is; some
-// say only when the last picture ends, though the first comes late.
-bool knows_duration(const demultiplexer& movie) {
-    const AVStream& stream = main_stream(movie);
-    const bool comes_late = stream.start_time != AV_NOPTS_VALUE && stream.start_time > 0;
-    return stream.duration > 0 || (movie.information().duration > 0 && !comes_late);
-}
-
 double measured_duration(demultiplexer& movie) {
     const AVStream& stream = main_stream(movie);
     constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max() / 4;
@@ -174,7 +176,7 @@ result<movie_information> probe_movie(const std::string& path) {
     auto opened = demultiplexer::open(path);
     if (!opened.ok()) return opened.error();
     auto known = opened.value()->information();
-    if (knows_duration(*opened.value())) return known;
+    if (knows_duration(main_stream(*opened.value()), known.duration)) return known;
     const double measured = measured_duration(*opened.value());
     if (measured > 0) known.duration = measured;
     return known;

@@ -10,8 +10,9 @@ namespace vistels {
 
 // What is known of a movie file without decoding it.
 struct movie_information {
-    double duration = 0;  // seconds: of the pictures, or of the sound where there are none
-    int tracks = 0;       // of all kinds
+    double duration = 0;         // seconds: of the pictures, or of the sound where there are none
+    double duration_of_all = 0;  // ... and of the track that lasts longest; 0: the header does not say
+    int tracks = 0;              // of all kinds
     bool has_video = false;
     bool has_sound = false;
     int width = 0;  // as shown: after rotation

@@ -15,7 +15,9 @@ namespace vistels {
 
 namespace {
 
-constexpr double ahead_seconds = 0.4;   // held ahead while playing, of the machine's time
+constexpr double unknown_frame_seconds = 0.04;
+constexpr double least_difference_seconds = 0.1;  // from what is on record: what can be told in tenths
+constexpr double ahead_seconds = 0.4;             // held ahead while playing, of the machine's time
 constexpr double behind_seconds = 1.6;  // ... and behind while playing backwards, where groups are read whole
 constexpr double late_picture_seconds = 0.1;     // of the machine's time, from one late picture to the next
 constexpr std::size_t most_playing_frames = 36;  // held ahead at most, however fast it goes
@@ -35,10 +37,25 @@ int direction_of(const playback_demand& demand) {
     return demand.rate > 0 ? 1 : demand.rate < 0 ? -1 : demand.direction;
 }
 
+std::string tenths_of_seconds(double seconds) {
+    const auto tenths = std::llround(seconds * 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+}
+
+// A record counts the longest track, or the pictures alone: by either it may be right.
+failure difference_of(const movie_information& movie, double recorded) {
+    const double frame = movie.frame_rate > 0 ? 1 / movie.frame_rate : unknown_frame_seconds;
+    const double tolerance = std::max(frame, least_difference_seconds);
+    const bool is_known = recorded > 0 && movie.duration_of_all > 0;
+    if (!is_known || (recorded > movie.duration - tolerance && recorded < movie.duration_of_all + tolerance))
+        return {};
+    return movie_is_changed(tenths_of_seconds(movie.duration), tenths_of_seconds(recorded));
+}
+
 }  // namespace
 
-playback_movie::playback_movie(std::string path, std::shared_ptr<picture_pool> pool)
-    : path_(std::move(path)), pool_(std::move(pool)) {}
+playback_movie::playback_movie(std::string path, std::shared_ptr<picture_pool> pool, double recorded_seconds)
+    : path_(std::move(path)), pool_(std::move(pool)), recorded_seconds_(recorded_seconds) {}
 
 file_stand file_stand::of(const std::string& path) {
     const wait_note note("stat", path);
@@ -94,7 +111,9 @@ playback_movie::progress playback_movie::open() {
     reader_->set_decoded(pace_.decoded());
     set_spacing();
     const double frame_rate = reader_->information().frame_rate;
+    failure difference = difference_of(reader_->information(), recorded_seconds_);
     const std::lock_guard lock(mutex_);
+    difference_ = std::move(difference);
     seconds_per_tick_ = reader_->seconds_per_tick();
     if (frame_rate > 0) frame_seconds_ = 1 / frame_rate;
     return progress::worked;
@@ -426,6 +445,11 @@ picture_pointer playback_movie::frame_preceding(const picture& shown) const {
 failure playback_movie::problem() const {
     const std::lock_guard lock(mutex_);
     return problem_;
+}
+
+failure playback_movie::difference_from_record() const {
+    const std::lock_guard lock(mutex_);
+    return difference_;
 }
 
 double playback_movie::frame_seconds() const {

@@ -58,8 +58,8 @@ class playback_movie {
   public:
     enum class progress { nothing_to_do, worked, wanted_frame_came, failed };
 
-    // Pictures are made in `pool`.
-    playback_movie(std::string path, std::shared_ptr<picture_pool> pool);
+    // Pictures are made in `pool`. `recorded_seconds`: how long the movie is on record; 0: not known.
+    playback_movie(std::string path, std::shared_ptr<picture_pool> pool, double recorded_seconds = 0);
 
     bool is_open() const { return reader_ != nullptr; }
     // What serves a demand; nothing before the movie is open.
@@ -88,6 +88,8 @@ class playback_movie {
     picture_pointer frame_preceding(const picture& shown) const;
     // Why the movie cannot be shown; none when it can.
     failure problem() const;
+    // What tells the movie from the one on record, though it is shown; none when nothing does.
+    failure difference_from_record() const;
     double frame_seconds() const;  // how long a frame stands on average
 
   private:
@@ -124,6 +126,7 @@ class playback_movie {
 
     const std::string path_;
     const std::shared_ptr<picture_pool> pool_;
+    const double recorded_seconds_;
 
     // Of the queue.
     file_stand opened_;  // what was opened, or could not be
@@ -146,6 +149,7 @@ class playback_movie {
     std::int64_t near_to_ = -1;    // guarded by mutex_; for that one a frame from near_from_ on will do
     std::int64_t near_from_ = 0;   // guarded by mutex_
     failure problem_;              // guarded by mutex_
+    failure difference_;           // guarded by mutex_
     double seconds_per_tick_ = 0;  // guarded by mutex_; 0: not open yet
     double frame_seconds_ = 0.04;  // guarded by mutex_
 };

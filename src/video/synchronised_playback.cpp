@@ -277,10 +277,12 @@ bool synchronised_playback::show(entry& vistel, double now) {
         seen.state = vistel_state::unreadable;
         seen.problem = movie_does_not_answer(vistel.vistel.parts.front().path);
     }
-    const bool is_news = seen.state != vistel.state || seen.problem != vistel.problem;
+    const bool is_news =
+        seen.state != vistel.state || seen.problem != vistel.problem || seen.difference != vistel.difference;
     vistel.state = seen.state;
     vistel.is_near = seen.is_near;
     vistel.problem = std::move(seen.problem);
+    vistel.difference = std::move(seen.difference);
     if (seen.state == vistel_state::waiting && !seen.is_near) {
         // Better the last picture than none; while playing, better a late one than one that stands still.
         const double away = std::abs(seen.frame_seconds - seconds);
@@ -377,6 +379,11 @@ vistel_state synchronised_playback::state(const std::string& uuid) const {
 failure synchronised_playback::problem(const std::string& uuid) const {
     const entry* const found = find(uuid);
     return found == nullptr ? failure() : found->problem;
+}
+
+failure synchronised_playback::difference_from_record(const std::string& uuid) const {
+    const entry* const found = find(uuid);
+    return found == nullptr ? failure() : found->difference;
 }
 
 }  // namespace vistels

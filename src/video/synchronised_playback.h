@@ -127,6 +127,8 @@ class synchronised_playback final : public transport {
     double frame_seconds(const std::string& uuid) const;
     vistel_state state(const std::string& uuid) const;
     failure problem(const std::string& uuid) const;
+    // What tells the movie that the vistel shows from the one on record; none when nothing does.
+    failure difference_from_record(const std::string& uuid) const;
     // Whether every vistel that is seen shows its very frame, or one within the tolerance of the last seek,
     // or cannot show any.
     bool is_settled() const;
@@ -161,6 +163,7 @@ class synchronised_playback final : public transport {
         int height = 0;
         vistel_state state = vistel_state::waiting;
         failure problem;
+        failure difference;
         bool is_near = false;  // what is shown is within the tolerance of what was asked for
         std::optional<own_seek> seeks;
         std::optional<double> last_correction_seconds;

@@ -30,7 +30,7 @@ vistel_player::vistel_player(std::vector<playback_part> parts, std::function<voi
       share_(std::move(budget), [this] { look_again(); }),
       on_arrival_(std::move(on_arrival)) {
     for (const auto& part : parts_) {
-        movies_.push_back(std::make_unique<playback_movie>(part.path, share_.pictures()));
+        movies_.push_back(std::make_unique<playback_movie>(part.path, share_.pictures(), part.duration));
     }
     if (parts_.empty()) share_.ask(0, 0);
 }
@@ -278,9 +278,9 @@ double vistel_player::demanded_rate() const {
 }
 
 vistel_player::view vistel_player::look(double seconds, double tolerance) const {
-    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, no_movie_parts(), false};
+    if (parts_.empty()) return {vistel_state::unreadable, nullptr, 0, 0, no_movie_parts(), {}, false};
     const place here = place_of(seconds);
-    if (here.part < 0) return {vistel_state::blank, nullptr, seconds, seconds, {}, false};
+    if (here.part < 0) return {vistel_state::blank, nullptr, seconds, seconds, {}, {}, false};
     const playback_movie& movie = *movies_[static_cast<std::size_t>(here.part)];
     const double start = parts_[static_cast<std::size_t>(here.part)].start;
     view seen;
@@ -289,6 +289,7 @@ vistel_player::view vistel_player::look(double seconds, double tolerance) const 
         seen.state = vistel_state::unreadable;
         return seen;
     }
+    seen.difference = movie.difference_from_record();
     const double rate = demanded_rate();
     is_missed_ = true;  // first, so that a frame that comes from now on is told
     seen.frame = movie.frame_at(here.seconds);

@@ -46,6 +46,7 @@ class vistel_player {
         double frame_seconds = 0;  // the frame's time on the vistel's own time line
         double until_seconds = 0;  // ... and the next one's, or the part's end
         failure problem;           // when unreadable
+        failure difference;        // what tells the movie that is shown from the one on record
         bool is_near = false;      // the frame stands within the tolerance that was asked for
     };
 

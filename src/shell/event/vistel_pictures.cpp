@@ -218,6 +218,7 @@ void vistel_pictures::show_picture(const std::string& vistel, shown& one) {
     }
     if (!one.in_sight && one.aspect > 0) return;
     view.set_over(vistel, playback.is_over(vistel));
+    view.set_difference(vistel, playback.difference_from_record(vistel));
     switch (playback.state(vistel)) {
         case vistel_state::unreadable:
             return;

@@ -123,6 +123,13 @@ void collection_view::set_over(const std::string& vistel, bool over) {
     update_place(vistel);
 }
 
+void collection_view::set_difference(const std::string& vistel, const failure& difference) {
+    vistel_tile* one = find(vistel);
+    if (!one || one->difference == difference) return;
+    one->difference = difference;
+    update_place(vistel);
+}
+
 void collection_view::set_problem(const std::string& vistel, const failure& problem) {
     vistel_tile* one = find(vistel);
     if (!one || one->vistel.problem == problem) return;
@@ -362,7 +369,9 @@ bool collection_view::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* help = static_cast<QHelpEvent*>(event);
         const vistel_tile* one = find(vistel_at(help->pos()));
-        QToolTip::showText(help->globalPos(), one ? words_of(one->vistel.problem) : QString(), this);
+        // In full what the vistel may have no room for.
+        const failure told = !one ? failure() : one->vistel.problem ? one->vistel.problem : one->difference;
+        QToolTip::showText(help->globalPos(), words_of(told), this);
         return true;
     }
     return QWidget::event(event);

@@ -41,6 +41,8 @@ class collection_view : public QWidget {
     void set_gap(const std::string& vistel, double seconds, bool marks_start = false);
     // Its movie is over and the picture its last one: its chip says so.
     void set_over(const std::string& vistel, bool over);
+    // What tells its movie from the one on record, for its chip; none: nothing does.
+    void set_difference(const std::string& vistel, const failure& difference);
     // What stands on its chip; empty: it has none.
     QString chip_words(const std::string& vistel) const;
     void set_problem(const std::string& vistel, const failure& problem);

@@ -27,7 +27,10 @@ QString words_in_place(const vistel_tile& tile) {
 
 QString chip_words_of(const vistel_tile& tile) {
     if (tile.vistel.name.isEmpty() || tile.vistel.problem) return {};
-    return tile.is_over ? tr("%1 · ended").arg(tile.vistel.name) : tile.vistel.name;
+    QStringList words{tile.vistel.name};
+    if (tile.is_over) words << tr("ended");
+    if (tile.difference) words << words_of(tile.difference);
+    return words.join(QStringLiteral(" · "));
 }
 
 }  // namespace vistels

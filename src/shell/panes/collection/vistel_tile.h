@@ -29,6 +29,7 @@ struct vistel_tile {
     double gap_end = 0;  // seconds; not finite: none
     bool marks_start = false;
     bool is_over = false;
+    failure difference;  // of its movie from the one on record
     QString note;
     QImage overlay;
     rectangle overlay_frame;
