@@ -31,6 +31,7 @@ struct play_values {
     double rate = 1;
     bool has_from = false;
     bool has_seconds = false;
+    bool tells_health = false;
 };
 
 struct seek_values {
@@ -122,6 +123,7 @@ result<command_outcome> run_play(const play_values& values, command_line& line) 
     printed.add("seconds", played);
     printed.add("rate", playback.rate());
     tally.add_to(printed);
+    if (values.tells_health) tally.add_health_to(printed);
     return command_outcome{std::move(printed)};
 }
 
@@ -140,6 +142,10 @@ void register_play(CLI::App& collection, command_line& line) {
     CLI::App* command = line.command(collection, "play", "play without a window, in real time",
                                      [values, &line] { return run_play(*values, line); });
     command->add_option("FOLDER", values->folder, "the collection's folder")->required();
+    command->add_flag(
+        "--health", values->tells_health,
+        "prints for each vistel also \"decode_milliseconds\", how long a frame took to be read lately, "
+        "and \"difference\", the seconds from the clock to what is shown at the end");
     add_number(command, "--from", values->from, "collection time to begin at")->each([values](const auto&) {
         values->has_from = true;
     });

@@ -73,20 +73,25 @@ std::vector<vistel_health> playback_tally::health() const {
 void playback_tally::add_to(property_dictionary& printed) const {
     property_dictionary frames;
     property_dictionary dropped;
-    property_dictionary decoding;
-    property_dictionary differences;
-    for (const auto& vistel : health()) {
+    for (const auto& vistel : counts_) {
         frames.add(vistel.uuid, vistel.frames);
         dropped.add(vistel.uuid, vistel.dropped);
-        decoding.add(vistel.uuid, vistel.decode_milliseconds);
-        differences.add(vistel.uuid, vistel.difference);
     }
     printed.add("frames", std::move(frames));
     printed.add("dropped", std::move(dropped));
-    printed.add("decode_milliseconds", std::move(decoding));
-    printed.add("difference", std::move(differences));
     printed.add("largest_difference", largest_difference_);
     printed.add("fixes", playback_.corrections() - fixes_before_);
+}
+
+void playback_tally::add_health_to(property_dictionary& printed) const {
+    property_dictionary decoding;
+    property_dictionary differences;
+    for (const auto& vistel : health()) {
+        decoding.add(vistel.uuid, vistel.decode_milliseconds);
+        differences.add(vistel.uuid, vistel.difference);
+    }
+    printed.add("decode_milliseconds", std::move(decoding));
+    printed.add("difference", std::move(differences));
 }
 
 }  // namespace vistels

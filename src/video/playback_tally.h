@@ -29,10 +29,11 @@ class playback_tally {
 
     // In the order of the vistels.
     std::vector<vistel_health> health() const;
-    // Adds "frames", "dropped", "decode_milliseconds" and "difference" (by vistel), "largest_difference"
-    // (seconds of collection time between what two vistels show) and "fixes" (corrections of lagging
-    // vistels).
+    // Adds "frames" and "dropped" (by vistel), "largest_difference" (seconds of collection time between what
+    // two vistels show) and "fixes" (corrections of lagging vistels).
     void add_to(property_dictionary& printed) const;
+    // Adds "decode_milliseconds" and "difference" (by vistel), as health() has them.
+    void add_health_to(property_dictionary& printed) const;
 
   private:
     struct count {

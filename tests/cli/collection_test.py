@@ -394,6 +394,10 @@ class NewCollection(CommandTest):
         played = self.printed("collection", "play", folder, "--from", "0.2", "--seconds", "0.5", "--rate", "2")
         self.assertEqual((played["rate"], list(played["frames"])), (2, uuids))
         self.assertGreater(played["frames"][uuids[0]], 0)
+        told = ["seconds", "rate", "frames", "dropped", "largest_difference", "fixes"]
+        self.assertEqual(list(played), told)
+        played = self.printed("collection", "play", folder, "--seconds", "0.5", "--health")
+        self.assertEqual(list(played), told + ["decode_milliseconds", "difference"])
         self.assertEqual(list(played["difference"]), uuids)
         self.assertGreater(played["decode_milliseconds"][uuids[0]], 0)
 
