@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // None, one and several panes of a kind that show one event.
 #include <QAction>
+#include <algorithm>
 #include <utility>
 
 #include "shell/event/read_only_guard.h"
@@ -92,6 +93,28 @@ TEST_F(several_panes, two_of_a_kind_show_one_event_and_one_goes_while_it_plays) 
     EXPECT_FALSE(is_down(*first_buttons, "Attack"));
     insert_clip("Goal", "three");
     EXPECT_EQ(first.state().rows().size(), 4U);
+}
+
+TEST_F(several_panes, a_pane_that_is_made_while_playback_health_is_shown_shows_it) {
+    collection_pane& first = *window->findChild<collection_pane*>();
+    auto& second = add<collection_pane>(pane_kind::collection);
+    const auto vistels = event().collection().vistels();
+    const auto told_in = [&](collection_pane& one) {
+        return std::count_if(vistels.begin(), vistels.end(), [&](const auto& vistel) {
+            return one.view().chip_words(vistel->uuid()).contains(QStringLiteral("dropped"));
+        });
+    };
+    QAction* const health = window->actions()[command::playback_health];
+    health->trigger();
+    auto& third = add<collection_pane>(pane_kind::collection);
+    const std::pair<collection_pane*, const char*> panes[] = {
+        {&first, "first"}, {&second, "second"}, {&third, "made meanwhile"}};
+    for (const auto& [one, what] : panes) {
+        EXPECT_TRUE(comes_true([&] { return told_in(*one) == std::ssize(vistels); })) << what;
+    }
+    EXPECT_TRUE(window->memory().playback_health_shown);
+    health->trigger();
+    for (const auto& [one, what] : panes) EXPECT_EQ(told_in(*one), 0) << what;
 }
 
 // A view that lives on shows no event and asks nothing of it.

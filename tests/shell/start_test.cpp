@@ -126,6 +126,7 @@ TEST(window_memory, comes_back) {
     memory.is_maximized = true;
     memory.side_bar_width = 240;
     memory.inspector_shown = false;
+    memory.playback_health_shown = true;
     memory.tab = 1;
     memory.theme = "light";
     memory.folded_vaults = {"/a/Cup.VVault"};
@@ -147,6 +148,7 @@ TEST(window_memory, comes_back) {
     EXPECT_EQ(read.side_bar_width, 240);
     EXPECT_TRUE(read.side_bar_shown);
     EXPECT_FALSE(read.inspector_shown);
+    EXPECT_TRUE(read.playback_health_shown && !behind.playback_health_shown);
     EXPECT_EQ(read.tab, 1);
     EXPECT_EQ(read.theme, "light");
     EXPECT_EQ(read.folded_vaults, memory.folded_vaults);

@@ -28,6 +28,9 @@ collection_binder::collection_binder(collection_pane& view, event_session& sessi
     connect_transport();
     connect_view(commands);
     view_.bar().setEnabled(false);
+    connect(&session, &event_session::shows_health_changed, this,
+            [this](bool shows) { pictures_.set_shows_health(shows); });
+    pictures_.set_shows_health(session.shows_health());
 }
 
 collection_binder::~collection_binder() = default;

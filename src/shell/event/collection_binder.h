@@ -36,7 +36,6 @@ class collection_binder final : public QObject, public event_binder {
     align_control& alignment() { return *alignment_; }
     // Whether a vistel's name is drawn behind its number.
     void set_shows_names(bool shows) { pictures_.set_shows_names(shows); }
-    void set_shows_health(bool shows) { pictures_.set_shows_health(shows); }
 
   private:
     void connect_transport();

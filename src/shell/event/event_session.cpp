@@ -137,6 +137,12 @@ void event_session::take_pitch(pitch_algorithm pitch) {
     Q_EMIT facts_changed();
 }
 
+void event_session::set_shows_health(bool shows) {
+    if (shows == shows_health_) return;
+    shows_health_ = shows;
+    Q_EMIT shows_health_changed(shows);
+}
+
 void event_session::set_sound_vistel(const std::string& vistel) {
     if (event_) notices_.tell(event_->set_sound_vistel(vistel));
 }

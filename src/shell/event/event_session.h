@@ -66,6 +66,9 @@ class event_session : public QObject {
     // elsewhere.
     void choose_pitch(pitch_algorithm pitch);
     void take_pitch(pitch_algorithm pitch);
+    // Whether the vistels' chips say how they fare in playback.
+    void set_shows_health(bool shows);
+    bool shows_health() const { return shows_health_; }
     void set_sound_vistel(const std::string& vistel);
     void save();
     // Begins to save what is unsaved and does not wait for it.
@@ -79,6 +82,7 @@ class event_session : public QObject {
     void facts_changed();
     void application_volume_chosen(double volume);
     void pitch_chosen(pitch_algorithm pitch);
+    void shows_health_changed(bool shows);
 
   private:
     void connect_event();
@@ -93,6 +97,7 @@ class event_session : public QObject {
     std::vector<connection> connections_;  // of the event that is open
     connection when_saved_;                // the same
     posted_work_guard saved_guard_;
+    bool shows_health_ = false;
     binder_list binders_;
 };
 

@@ -41,7 +41,8 @@ class vistel_pictures : public QObject {
     void show_vistels();
     // Whether a vistel's name is drawn behind its number.
     void set_shows_names(bool shows);
-    // Whether the header says how each vistel fares in playback, counted from now on.
+    // Whether each chip says how its vistel fares in playback, counted from now on, and anew when one comes
+    // or goes.
     void set_shows_health(bool shows);
     // What playback shows by now.
     void show_pictures();
@@ -70,7 +71,7 @@ class vistel_pictures : public QObject {
     void show_overlay(const single_Vistel_CTR& vistel, shown& one);
     void take_overlay(const std::string& vistel, const std::string& path, const QImage& picture);
     QString fact() const;
-    QString health() const;
+    void show_health();
     // When there is a picture again, on the collection's clock; infinite: never.
     double gap_end(const std::string& vistel) const;
     // For one that is out of sight.

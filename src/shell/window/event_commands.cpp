@@ -84,9 +84,9 @@ void event_commands::connect_transport() {
         if (auto* shown = session_.binders().current<collection_binder>()) shown->view().bar().show_volumes();
     });
     on(command::all_vistels, [&player] { player.enlarge({}); });
-    on(command::playback_health, [this](bool shows) {
-        for (auto* one : session_.binders().all_of<collection_binder>()) one->set_shows_health(shows);
-    });
+    on(command::playback_health, [this](bool shows) { session_.set_shows_health(shows); });
+    connect(&session_, &event_session::shows_health_changed, actions_[command::playback_health],
+            &QAction::setChecked);
     on(command::next_vistel, [&player] { player.enlarge_next(); });
 }
 

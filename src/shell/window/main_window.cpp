@@ -326,6 +326,7 @@ void main_window::restore() {
     if (memory_.inspector_width > 0) frame_->set_column_width(side::right, memory_.inspector_width);
     frame_->set_wanted(side::left, memory_.side_bar_shown);
     frame_->set_wanted(side::right, memory_.inspector_shown);
+    session_->set_shows_health(memory_.playback_health_shown);
     work_->set_sizes(memory_.work_sizes);
     content_->set_folded(memory_.folded_vaults);
     show_tab(memory_.tab == code_tab ? code_tab : code_tab + 1);
@@ -341,6 +342,7 @@ window_memory main_window::memory() const {
     now.inspector_width = frame_->column_width(side::right);
     now.side_bar_shown = frame_->is_wanted(side::left);
     now.inspector_shown = frame_->is_wanted(side::right);
+    now.playback_health_shown = session_->shows_health();
     now.tab = tabs_->current();
     now.folded_vaults = content_->folded();
     now.work_sizes = work_->sizes();

@@ -38,6 +38,7 @@ void read_window(const property_dictionary& stored, window_memory& memory) {
     memory.inspector_width = small_number(stored, "inspector width");
     memory.side_bar_shown = stored.boolean("side bar shown").value_or(true);
     memory.inspector_shown = stored.boolean("inspector shown").value_or(true);
+    memory.playback_health_shown = stored.boolean("playback health shown").value_or(false);
     memory.tab = small_number(stored, "tab");
     if (const auto* sizes = stored.dictionary("pane sizes")) memory.work_sizes = *sizes;
 }
@@ -54,6 +55,7 @@ void write_window(const window_memory& memory, property_dictionary& stored) {
     if (memory.inspector_width > 0) stored.add("inspector width", memory.inspector_width);
     stored.add("side bar shown", memory.side_bar_shown);
     stored.add("inspector shown", memory.inspector_shown);
+    stored.add("playback health shown", memory.playback_health_shown);
     stored.add("tab", memory.tab);
     if (!memory.work_sizes.empty()) stored.add("pane sizes", memory.work_sizes);
 }

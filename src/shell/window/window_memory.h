@@ -20,6 +20,7 @@ struct window_memory {
     int inspector_width = 0;  // 0: not known
     bool side_bar_shown = true;
     bool inspector_shown = true;
+    bool playback_health_shown = false;
     int tab = 0;
     std::string theme;                       // "dark", "light", or empty: as the desktop has it
     std::vector<std::string> folded_vaults;  // paths

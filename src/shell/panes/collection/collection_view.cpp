@@ -130,6 +130,13 @@ void collection_view::set_difference(const std::string& vistel, const failure& d
     update_place(vistel);
 }
 
+void collection_view::set_health(const std::string& vistel, const QString& words) {
+    vistel_tile* one = find(vistel);
+    if (!one || one->health == words) return;
+    one->health = words;
+    update_place(vistel);
+}
+
 void collection_view::set_problem(const std::string& vistel, const failure& problem) {
     vistel_tile* one = find(vistel);
     if (!one || one->vistel.problem == problem) return;

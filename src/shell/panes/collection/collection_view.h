@@ -43,6 +43,8 @@ class collection_view : public QWidget {
     void set_over(const std::string& vistel, bool over);
     // What tells its movie from the one on record, for its chip; none: nothing does.
     void set_difference(const std::string& vistel, const failure& difference);
+    // How it fares in playback, for its chip; empty: the chip does not say.
+    void set_health(const std::string& vistel, const QString& words);
     // What stands on its chip; empty: it has none.
     QString chip_words(const std::string& vistel) const;
     void set_problem(const std::string& vistel, const failure& problem);

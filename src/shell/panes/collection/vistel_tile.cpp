@@ -30,6 +30,7 @@ QString chip_words_of(const vistel_tile& tile) {
     QStringList words{tile.vistel.name};
     if (tile.is_over) words << tr("ended");
     if (tile.difference) words << words_of(tile.difference);
+    if (!tile.health.isEmpty()) words << tile.health;
     return words.join(QStringLiteral(" · "));
 }
 

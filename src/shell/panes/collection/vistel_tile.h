@@ -30,6 +30,7 @@ struct vistel_tile {
     bool marks_start = false;
     bool is_over = false;
     failure difference;  // of its movie from the one on record
+    QString health;      // how it fares in playback; empty: it does not say
     QString note;
     QImage overlay;
     rectangle overlay_frame;
