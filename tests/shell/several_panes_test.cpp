@@ -117,6 +117,21 @@ TEST_F(several_panes, a_pane_that_is_made_while_playback_health_is_shown_shows_i
     for (const auto& [one, what] : panes) EXPECT_EQ(told_in(*one), 0) << what;
 }
 
+// None of the window's keys takes those of the timeline that has the focus.
+TEST_F(several_panes, arrows_walk_along_clips_in_a_window) {
+    insert_clip("Shot", "one");
+    ASSERT_TRUE(event().timeline().apply(
+        {"made", "", {operation::insert_clip{shared_text("Shot"), testing::clip_of("two", 3, 4)}}}));
+    timeline_view& timeline = window->timeline();
+    auto* canvas = timeline.findChild<QWidget*>(QStringLiteral("timeline_canvas"));
+    timeline.select({"one"});
+    canvas->setFocus();
+    QTest::keyClick(canvas, Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(timeline.state().selected(), names{"two"});
+    QTest::keyClick(canvas, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(timeline.state().selected(), names{"one"});
+}
+
 // A view that lives on shows no event and asks nothing of it.
 TEST_F(several_panes, a_pane_that_was_let_go_keeps_nothing_of_the_event) {
     timeline_view view;
