@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vistels {
 
@@ -13,17 +14,20 @@ constexpr double ticks_a_second = 60;
 }  // namespace
 
 playback_tally::playback_tally(const std::vector<playback_vistel>& vistels, synchronised_playback& playback)
-    : playback_(playback), fixes_before_(playback.corrections()) {
+    : playback_(playback), fixes_before_(playback.corrections()), jumps_(playback.jumps()) {
     for (const auto& vistel : vistels) {
         if (vistel.parts.empty()) continue;
         const auto& last = vistel.parts.back();
         counts_.push_back({vistel.uuid, vistel.lead, vistel.parts.front().start, last.start + last.duration,
-                           0, 0, nullptr, std::nullopt});
+                           0, 0, nullptr, std::nullopt, false});
     }
     pictures_changed_ = playback.pictures_changed.connect([this] { look(); });
 }
 
 void playback_tally::look() {
+    if (std::exchange(jumps_, playback_.jumps()) != playback_.jumps()) {
+        for (auto& vistel : counts_) vistel.has_jumped = true;
+    }
     std::optional<double> first;
     std::optional<double> last;
     for (auto& vistel : counts_) {
@@ -51,14 +55,18 @@ void playback_tally::look_at(count& vistel) {
         ++vistel.frames;
         // Frames that lie between two ticks are passed over on purpose; more than those are dropped.
         const double length = shown->until - shown->time;
-        if (vistel.last && vistel.last_seconds && length > 0) {
+        const bool goes_on = vistel.last && vistel.last_seconds && !vistel.has_jumped;
+        if (goes_on && length > 0 && playback_.is_playing()) {
             const double moved = std::abs(*seconds - *vistel.last_seconds);
             const double wanted = std::max(length, std::abs(playback_.rate()) / ticks_a_second);
             vistel.dropped += std::max<std::int64_t>(std::llround((moved - wanted) / length - 0.25), 0);
         }
     }
     vistel.last = shown;
-    vistel.last_seconds = shown ? seconds : std::nullopt;
+    // What a jump passes over is not dropped, and what is shown until the right frame is there may be from
+    // before it.
+    if (playback_.state(vistel.uuid) == vistel_state::showing) vistel.has_jumped = false;
+    vistel.last_seconds = shown && !vistel.has_jumped ? seconds : std::nullopt;
 }
 
 std::vector<vistel_health> playback_tally::health() const {

@@ -45,6 +45,7 @@ class playback_tally {
         std::int64_t dropped = 0;
         picture_pointer last;
         std::optional<double> last_seconds;
+        bool has_jumped = false;  // and has not shown a right frame since
     };
 
     void look();
@@ -55,6 +56,7 @@ class playback_tally {
     std::vector<count> counts_;
     double largest_difference_ = 0;
     const int fixes_before_;
+    int jumps_;
     connection pictures_changed_;
 };
 

@@ -144,6 +144,8 @@ class synchronised_playback final : public transport {
     // What the last correction of lagging vistels had to say, and how many moved some vistel.
     const std::string& correction_note() const { return correction_note_; }
     int corrections() const { return corrections_; }
+    // How often it was sought, stepped or scrubbed.
+    int jumps() const { return jumps_; }
 
     signal<> pictures_changed;  // what some vistel shows, or with none the time that was sought
     signal<> state_changed;     // playing or not, rate, range, a vistel's state
@@ -236,6 +238,7 @@ class synchronised_playback final : public transport {
     playback_timer_record timer_record_;
     std::string correction_note_;
     int corrections_ = 0;
+    int jumps_ = 0;
     playback_sound sound_;
     double last_follow_seconds_ = 0;      // machine time
     run_loop::timer_id watch_timer_ = 0;  // while vistels are looked after

@@ -70,6 +70,7 @@ void synchronised_playback::move_to(double seconds, int direction, bool snap, st
     if (rest_timer_ != 0) loop_.stop_timer(std::exchange(rest_timer_, 0));
     tolerance_ = std::max(tolerance, 0.0);
     hurries_ = true;
+    ++jumps_;
     clock_.seek(seconds);
     direction_ = direction;
     snap_to_frame_ = snap;
