@@ -124,6 +124,25 @@ TEST(transport_bar, a_drag_seeks_along_and_the_clock_does_not_pull_it_back) {
     EXPECT_NEAR(slider->value(), 0.2, 1e-9);
 }
 
+TEST(transport_bar, tells_a_rate_that_no_button_stands_for) {
+    transport_bar bar;
+    bar.resize(1000, bar.height());
+    bar.set_range(0, 60);
+    bar.show();
+    const auto at = [&](double rate) {
+        bar.set_rate(rate);
+        const auto* rates = bar.findChild<segmented_control*>("transport.rates");
+        EXPECT_EQ(rates->chosen() == -1, !rates->accessibleDescription().isEmpty()) << rate;
+        return bar.grab(QRect(0, 0, rates->x(), bar.height())).toImage();
+    };
+    const QImage usual = at(1);
+    EXPECT_EQ(at(4), usual);
+    EXPECT_NE(at(64), usual);
+    EXPECT_NE(at(64), at(-8));
+    EXPECT_NE(at(0.1), at(0.25));
+    EXPECT_EQ(at(0.5), usual);
+}
+
 TEST(transport_bar, keeps_what_is_pressed_where_room_is_short) {
     transport_bar bar;
     bar.set_range(0, 60);

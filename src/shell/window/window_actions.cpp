@@ -181,6 +181,15 @@ constexpr action_line action_lines[] = {
     {command::about, "Help", "about", "About Vistels", "", "About this program", false, false, true},
 };
 
+constexpr bool are_in_order() {
+    std::size_t place = 0;
+    for (const action_line& one : action_lines) {
+        if (static_cast<std::size_t>(one.which) != place++) return false;
+    }
+    return true;
+}
+static_assert(are_in_order());
+
 const char* const menu_order[] = {"File",     "Edit",   "View",   "Play",   "Code",
                                   "Timeline", "Filter", "Vaults", "Window", "Help"};
 

@@ -28,7 +28,8 @@ QString split_hundredths(QString& text) {
 
 QString rate_words(double rate) {
     if (rate == 0.5) return QStringLiteral("½×");
-    return QStringLiteral("%1×").arg(rate);
+    const QString sign = rate < 0 ? QStringLiteral("−") : QString();
+    return QStringLiteral("%1%2×").arg(sign).arg(std::abs(rate));
 }
 
 }  // namespace
@@ -219,7 +220,13 @@ void transport_bar::set_playing(bool playing) {
 }
 
 void transport_bar::set_rate(double rate) {
-    rates_->set_chosen(static_cast<int>(rates().indexOf(rate)));
+    const auto index = rates().indexOf(rate);
+    rates_->set_chosen(static_cast<int>(index));
+    const QString other = index < 0 ? rate_words(rate) : QString();
+    if (other == other_rate_) return;
+    other_rate_ = other;
+    rates_->setAccessibleDescription(other);
+    update(frame_room_->geometry());
 }
 
 void transport_bar::set_looping(bool looping) {
@@ -269,6 +276,14 @@ void transport_bar::paintEvent(QPaintEvent*) {
     const QString frame = frame_ < 0 ? QString() : tr("frame %1").arg(QLocale::c().toString(frame_));
     const QFontMetrics small(theme::font(type_step::smallest));
     QRect room = frame_room_->geometry().adjusted(look.metrics.padding, 0, -look.metrics.padding, 0);
+    if (!other_rate_.isEmpty()) {
+        const QFont font = theme::font(type_step::title);
+        painter.setFont(font);
+        painter.setPen(look.text);
+        painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, other_rate_);
+        room.setRight(room.right() - QFontMetrics(font).horizontalAdvance(other_rate_) -
+                      look.metrics.padding);
+    }
     if (std::max(small.horizontalAdvance(of), small.horizontalAdvance(frame)) > room.width()) return;
     room.setTop(clock_->geometry().center().y() - small.height());
     room.setHeight(2 * small.height());

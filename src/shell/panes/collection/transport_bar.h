@@ -80,6 +80,7 @@ class transport_bar : public QWidget {
     double end_ = 0;
     double seconds_ = 0;
     long long frame_ = -1;
+    QString other_rate_;  // that none of the buttons stands for; empty: one does
     value_slider* position_;
     clock_label* clock_;
     QWidget* frame_room_;
