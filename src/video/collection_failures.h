@@ -36,8 +36,8 @@ inline constexpr failure_of<a_text, a_cause> vistel_was_not_loaded{
 inline constexpr failure_of<a_path> movie_does_not_answer{
     "movie does not answer", "\"%1\" is not answering. It is tried again and again."};
 inline constexpr failure_of<a_path> movie_is_gone{"movie is gone", "\"%1\" is not there any more."};
-inline constexpr failure_of<a_text, a_text> movie_is_changed{
-    "movie is changed", "changed: %1 s, on record %2 s"};
+inline constexpr failure_of<a_text, a_text> movie_is_changed{"movie is changed",
+                                                             "changed: %1 s, on record %2 s"};
 inline constexpr failure_of<> no_movie_parts{"no movie parts", "There are no movie parts."};
 inline constexpr failure_of<> item_has_no_movie_parts{"item has no movie parts",
                                                       "File list item has no movie parts."};

@@ -59,8 +59,7 @@ TEST(changed_movies, are_told_and_play_as_they_are) {
             EXPECT_EQ(bool(played.difference_from_record("other")), one.differs) << one.recorded;
         }
         if (one.recorded == 34) {
-            EXPECT_EQ(played.difference_from_record("other").message(),
-                      "changed: 2.0 s, on record 34.0 s");
+            EXPECT_EQ(played.difference_from_record("other").message(), "changed: 2.0 s, on record 34.0 s");
         }
     }
 }
