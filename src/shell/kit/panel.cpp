@@ -40,4 +40,12 @@ QPushButton* panel::add_button(const QString& name, const QString& words, const 
     return button;
 }
 
+void panel::add_cancel_and_use() {
+    auto* cancel = add_button(QStringLiteral("cancel"), tr("Cancel"), {});
+    auto* keep = add_button(QStringLiteral("keep"), tr("Use This"), QStringLiteral("first"));
+    keep->setDefault(true);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(keep, &QPushButton::clicked, this, &QDialog::accept);
+}
+
 }  // namespace vistels

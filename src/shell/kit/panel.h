@@ -17,6 +17,8 @@ class panel : public QDialog {
     QVBoxLayout& content() { return *content_; }
     // The buttons from left to right; the one that does it stands right, before it the safe one.
     QPushButton* add_button(const QString& name, const QString& words, const QString& kind);
+    // "Cancel" and "Use This", which close the panel; Return is the latter.
+    void add_cancel_and_use();
 
   private:
     QVBoxLayout* content_;

@@ -49,11 +49,7 @@ presser_panel::presser_panel(const test_press_settings& settings, QWidget* paren
     content().addLayout(form);
     content().addWidget(deletes_);
     content().addStretch(1);
-    auto* cancel = add_button(QStringLiteral("cancel"), tr("Cancel"), {});
-    auto* keep = add_button(QStringLiteral("keep"), tr("Use This"), QStringLiteral("first"));
-    keep->setDefault(true);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(keep, &QPushButton::clicked, this, &QDialog::accept);
+    add_cancel_and_use();
     is_on_->setFocus();
 }
 

@@ -39,11 +39,7 @@ steps_panel::steps_panel(const step_settings& settings, QWidget* parent)
     add(tr("&Lead-in of clips"), lead_in_);
     content().addLayout(form);
     content().addStretch(1);
-    auto* cancel = add_button(QStringLiteral("cancel"), tr("Cancel"), {});
-    auto* keep = add_button(QStringLiteral("keep"), tr("Use This"), QStringLiteral("first"));
-    keep->setDefault(true);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(keep, &QPushButton::clicked, this, &QDialog::accept);
+    add_cancel_and_use();
     back_->setFocus();
 }
 

@@ -289,11 +289,7 @@ vault_warning_panel::vault_warning_panel(int percent, bool shows_unavailable, QW
     form->addRow(tr("&Warn when less is free than"), percent_);
     content().addLayout(form);
     content().addWidget(shows_unavailable_);
-    auto* cancel = add_button(QStringLiteral("cancel"), tr("Cancel"), {});
-    auto* keep = add_button(QStringLiteral("keep"), tr("Use This"), QStringLiteral("first"));
-    keep->setDefault(true);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(keep, &QPushButton::clicked, this, &QDialog::accept);
+    add_cancel_and_use();
     percent_->selectAll();
 }
 
