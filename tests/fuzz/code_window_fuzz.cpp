@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,23 @@ void check(const sxy_DATA_root& timeline) {
     }
 }
 
+// They are written as they were read, what is none between them, each has a UUID of its own, and from its
+// fields alone it is written so that it reads the same.
+void check(const button_dict& all, const property_dictionary& document) {
+    const auto written = write_button_dict(all);
+    expect(write_button_dict(read_button_dict(written)) == written);
+    const auto* elements = document.array("array objects");
+    expect(!elements || *written.array("array objects") == *elements);
+    std::set<std::string> uuids;
+    for (const auto& button : all.buttons) {
+        expect(!button->uuid().empty() && uuids.insert(button->uuid()).second);
+        markup_Button_Item bare = *button;
+        for (const auto& entry : button->stored()) bare.set_stored(entry.key, {});
+        const auto once = write_button(bare);
+        expect(write_button(read_button(once)) == once);
+    }
+}
+
 }  // namespace
 
 // {"array objects": [buttons], "events": [steps]}: whatever the buttons say, every press goes on record, each
@@ -38,7 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto read = read_json(std::string_view(reinterpret_cast<const char*>(data), size), "fuzz");
     const auto* document = read ? read.value().dictionary() : nullptr;
     if (!document) return 0;
-    const auto buttons = read_button_dict(*document).buttons;
+    const auto all = read_button_dict(*document);
+    check(all, *document);
+    const auto& buttons = all.buttons;
     const auto steps = read_press_script(read.value(), buttons, "fuzz");
     if (!steps) return 0;
 
