@@ -80,7 +80,7 @@ row_pointer button_set::row_among(const sxy_DATA_root& timeline, const markup_Bu
 row_pointer button_set::row_of(const sxy_DATA_root& timeline, const markup_Button_Item& button) const {
     return row_among(timeline, button, [&](const std::string& name, const auto& take) {
         for (const auto& row : timeline.rows()) {
-            if (row->name() == name && take(row)) return;
+            if (row->has_name(name) && take(row)) return;
         }
     });
 }

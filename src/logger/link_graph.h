@@ -29,6 +29,7 @@ class link_graph {
     bool has_links() const { return has_links_; }
 
     void note_state(std::size_t button, bool is_down);
+    bool is_down(std::size_t button) const { return down_[button]; }
     // Whether the link's condition holds now, over the sources that have a link of this kind to its target.
     bool holds(const link& one) const;
 

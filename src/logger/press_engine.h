@@ -244,7 +244,6 @@ class press_engine {
     void note_state(const std::string& button, bool is_down);
     void follow_links(const markup_Button_Item& button, bool is_down, double at);
     void follow_link(const link_graph::link& link, const button_record& target, double at);
-    bool may_change(const std::string& button) const;
     std::optional<document_part> plan_trigger(const std::string& button, const trigger_event_ITEM& trigger);
     void take_triggers(bool is_recorded);
     void pass_triggers(double at);

@@ -55,7 +55,7 @@ struct press_engine::round {
     };
     press_round made;
     std::vector<change> changes;
-    std::unordered_set<std::string> fired;
+    std::vector<bool> fired;  // by the places of the buttons
     std::unordered_set<std::string> blocked;
     bool pauses = false;
     bool changes_looks = false;
@@ -92,6 +92,7 @@ void press_engine::in_round(const markup_Button_Item& first, const std::function
     if (round_) return act();
     round_ = std::make_unique<round>();
     round_->made.number = ++rounds_;
+    round_->fired.resize(buttons_.all().size());
     round_->made.button = first.uuid();
     round_->made.name = first.name();
     if (round_->made.name.empty()) round_->made.name = button_type_name(first.type_code());
@@ -131,7 +132,10 @@ void press_engine::tell_of(const button_fired& event, const markup_Button_Item& 
 }
 
 void press_engine::note_state(const std::string& button, bool is_down) {
-    if (const auto place = buttons_.place_of(button)) graph_.note_state(*place, is_down);
+    const auto place = buttons_.place_of(button);
+    if (!place) return;
+    graph_.note_state(*place, is_down);
+    if (round_) round_->fired[*place] = true;
 }
 
 // What a jump of the playhead sets off begins behind the jump.
@@ -160,7 +164,6 @@ void press_engine::go_down(const button_record& pressed, double told_at, const p
     event.is_down = true;
     event.cause = manner.cause;
     event.blocked = is_blocked;
-    round_->fired.insert(uuid);
     round_->add(std::move(event), pressed, std::move(action));
     follow_links(*pressed, true, told_at);
     press_beside(*pressed, told_at, true);
@@ -220,7 +223,6 @@ void press_engine::go_up_in_round(const button_record& released, double at, pres
         action->clip = state.clip;
         action->held = {state.down.since, at, state.jumped_back};
     }
-    round_->fired.insert(uuid);
     round_->add(std::move(event), released, std::move(action));
     if (drops) return;
     follow_links(*released, false, at);
@@ -247,18 +249,14 @@ void press_engine::note_trace(const markup_Button_Item& pressed, const press_man
     round_->changes_looks = true;
 }
 
-// In what one press sets off each button changes once.
-bool press_engine::may_change(const std::string& button) const {
-    return !round_->fired.contains(button);
-}
-
 void press_engine::follow_links(const markup_Button_Item& button, bool is_down, double at) {
     const auto place = buttons_.place_of(button.uuid());
     if (!place) return;
     for (const link_graph::link& link : graph_.links_of(*place)) {
         if (link.kind->acts_on_down() != is_down || !graph_.holds(link)) continue;
+        // In what one press sets off each button changes once.
+        if (link.kind->sets_state() && round_->fired[link.target]) continue;
         const button_record target = buttons_.all()[link.target];
-        if (link.kind->sets_state() && !may_change(target->uuid())) continue;
         link_fired.emit(button.uuid(), target->uuid(), *link.kind);
         follow_link(link, target, at);
     }
@@ -266,7 +264,7 @@ void press_engine::follow_links(const markup_Button_Item& button, bool is_down, 
 
 void press_engine::follow_link(const link_graph::link& link, const button_record& target, double at) {
     const std::string uuid = target->uuid();
-    const bool is_down_now = is_down(uuid);
+    const bool is_down_now = graph_.is_down(link.target);
     switch (link.kind->effect) {
         case link_effect::set_up:
         case link_effect::set_down:
@@ -308,7 +306,7 @@ void press_engine::press_beside(const markup_Button_Item& button, double at, boo
         if (!beside) continue;
         const button_record pressed = *beside;
         const std::string uuid = pressed->uuid();
-        if (!may_change(uuid) || this->is_down(uuid)) continue;
+        if (round_->fired[*buttons_.place_of(uuid)] || this->is_down(uuid)) continue;
         go_down(pressed, at, {press_cause::link, false, std::nullopt});
         if (this->is_down(uuid)) go_up_in_round(pressed, jumps_to_.value_or(at), press_cause::link, false);
     }

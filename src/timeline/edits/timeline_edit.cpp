@@ -289,6 +289,7 @@ class edit_applier {
     bool run(const operation::finish_clip& one) {
         const auto place = timeline_.find_clip(one.clip);
         if (!place || !place->is_live || !timeline_.row_index(place->row)) return false;
+        if (!std::isfinite(one.secs_start) || !std::isfinite(one.secs_end)) return false;
         sxy_CLIP clip = *place->clip;
         clip.set_secs_start(one.secs_start);
         clip.set_secs_end(one.secs_end);
@@ -369,12 +370,14 @@ void expect_clips_of(const timeline_edit& edit, sxy_DATA_root& timeline) {
 }  // namespace
 
 result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& edit, change_set& touched) {
-    const auto growing_before = timeline.live_clips();
+    // A single operation that cannot be done has changed nothing.
+    const bool is_single = edit.operations.size() == 1;
+    const auto growing_before = is_single ? std::vector<clip_place>() : timeline.live_clips();
     edit_applier applier(timeline, touched, edit.operations, edit.stamp);
     expect_clips_of(edit, timeline);
     for (const auto& one : edit.operations) {
         if (applier.apply(one)) continue;
-        withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before);
+        if (!is_single) withdraw_edit(timeline, {"", "", applier.take_inverse()}, growing_before);
         return edit_could_not_be_done(edit.name, what_it_changes_is_gone());
     }
     if (!edit.others.empty()) touched.kinds |= change_set::others_changed;

@@ -229,16 +229,16 @@ void timeline_document::finish_growing(const char* name) {
 struct timeline_document::joint_edit {
     struct made_edit {
         timeline_edit inverse;
-        std::vector<clip_place> growing_before;
         change_set touched;
     };
     timeline_edit whole;
     edit_stamp stamp;
+    std::vector<clip_place> growing_before;
+    bool can_edit = false;  // looked at with the first of them
     std::vector<made_edit> made;
 
     void withdraw(sxy_DATA_root& timeline) {
-        for (; !made.empty(); made.pop_back())
-            withdraw_edit(timeline, made.back().inverse, std::move(made.back().growing_before));
+        withdraw_edit(timeline, take_inverse(), std::move(growing_before));
     }
     timeline_edit take_inverse() {
         timeline_edit inverse{whole.name, whole.scope, {}};
@@ -271,7 +271,7 @@ struct timeline_document::joint_edit {
 
 result<void> timeline_document::make_jointly(timeline_edit edit) {
     complete_edit(edit, joint_->stamp);
-    joint_edit::made_edit coming{{}, timeline_.live_clips(), {}};
+    joint_edit::made_edit coming;
     auto applied = apply_edit(timeline_, edit, coming.touched);
     if (!applied) return applied.error();
     coming.inverse = std::move(applied).value();
@@ -290,6 +290,7 @@ result<void> timeline_document::apply_jointly(std::string name, std::string scop
     joint.whole.scope = std::move(scope);
     joint.whole.is_complete = true;
     joint.stamp = {author_, seconds_since_1970(), collection_number_};
+    joint.growing_before = timeline_.live_clips();
     joint_ = &joint;
     auto done = edits();
     joint_ = nullptr;
@@ -307,7 +308,10 @@ result<void> timeline_document::apply_jointly(std::string name, std::string scop
 
 result<void> timeline_document::apply(timeline_edit edit) {
     if (!joint_) complete_edit(edit, {author_, seconds_since_1970(), collection_number_});
-    if (!can_edit()) return read_only_reason();
+    if (!joint_ || !joint_->can_edit) {
+        if (!can_edit()) return read_only_reason();
+        if (joint_) joint_->can_edit = true;
+    }
     if (joint_) return make_jointly(std::move(edit));
     change_set touched;
     timeline_edit inverse;

@@ -145,11 +145,8 @@ sxy_ROW& sxy_DATA_root::editable(std::size_t index) {
 
 std::size_t sxy_DATA_root::live_index(std::string_view uuid) const {
     if (live_.empty()) return 0;
-    const compact_text wanted(uuid);
-    const auto found = std::find_if(live_.begin(), live_.end(), [&](const clip_place& place) {
-        return place.clip->short_id() == wanted;
-    });
-    return static_cast<std::size_t>(found - live_.begin());
+    const auto found = std::find(live_ids_.begin(), live_ids_.end(), compact_text(uuid));
+    return static_cast<std::size_t>(found - live_ids_.begin());
 }
 
 // Rows that stand at `first` or behind it have come to where they are.
@@ -239,6 +236,7 @@ std::optional<clip_place> sxy_DATA_root::remove_clip(std::string_view uuid) {
     if (const std::size_t live = live_index(uuid); live < live_.size()) {
         auto removed = std::move(live_[live]);
         live_.erase(live_.begin() + static_cast<std::ptrdiff_t>(live));
+        live_ids_.erase(live_ids_.begin() + static_cast<std::ptrdiff_t>(live));
         return removed;
     }
     auto* found = clips_.find(uuid);
@@ -302,11 +300,18 @@ bool sxy_DATA_root::shift_times(double seconds) {
     return true;
 }
 
+void sxy_DATA_root::set_live_clips(std::vector<clip_place> live) {
+    live_ = std::move(live);
+    live_ids_.clear();
+    for (const auto& one : live_) live_ids_.push_back(one.clip->short_id());
+}
+
 bool sxy_DATA_root::insert_live_clip(const shared_text& row, shared_record<sxy_CLIP> clip) {
     const auto index = row_index(row);
     const auto uuid = clip->id();
     if (!index || !has_finite_times(*clip) || uuid.empty() || has_clip(uuid)) return false;
     clip->number();
+    live_ids_.push_back(clip->short_id());
     live_.push_back({clip.pointer(), rows_[*index]->uuid(), true});
     return true;
 }

@@ -91,7 +91,7 @@ class sxy_DATA_root : record {
     // Moves all times on the collection's clock: of clips in rows and live, and of tags.
     bool shift_times(double seconds);
     // Puts back an earlier state of live_clips().
-    void set_live_clips(std::vector<clip_place> live) { live_ = std::move(live); }
+    void set_live_clips(std::vector<clip_place> live);
     // Makes room for that many more clips at once.
     void expect_clips(std::size_t more) { clips_.reserve(clips_.size() + more); }
 
@@ -135,6 +135,7 @@ class sxy_DATA_root : record {
     std::vector<std::uint32_t> free_numbers_;  // of rows that are gone
     clip_index clips_;                         // the clips in rows
     std::vector<clip_place> live_;
+    std::vector<compact_text> live_ids_;  // theirs
 
     bool only_add_Selected_and_filtered_in_clips_to_Save_Dictionary__ = false;
     double padding_on_timeline_end = 0;

@@ -93,6 +93,10 @@ class sxy_ROW : record, row_fields {
     record_lock& lock() const { return lk; }
 
     std::string name() const { return read(row_name); }
+    bool has_name(std::string_view name) const {
+        const record_guard guard(lk);
+        return row_name == name;
+    }
     void set_name(std::string name) { write(row_name, std::move(name)); }
     std::string category() const { return read(row_category).str(); }
     void set_category(std::string_view category) { write(row_category, shared_text(category)); }
