@@ -15,7 +15,9 @@ if(VISTELS_MEDIA)
     pkg_check_modules(vistels_ffmpeg REQUIRED IMPORTED_TARGET
                       libavformat libavcodec libavfilter libswscale libswresample libavutil)
     pkg_check_modules(vistels_gstreamer REQUIRED IMPORTED_TARGET gstreamer-1.0 gstreamer-app-1.0)
-    vistels_link(media PkgConfig::vistels_ffmpeg PkgConfig::vistels_gstreamer)
+    find_library(VISTELS_LIBYUV yuv REQUIRED)
+    mark_as_advanced(VISTELS_LIBYUV)
+    vistels_link(media PkgConfig::vistels_ffmpeg PkgConfig::vistels_gstreamer ${VISTELS_LIBYUV})
 
     pkg_check_modules(vistels_cairo REQUIRED IMPORTED_TARGET cairo)
     vistels_link(demo PkgConfig::vistels_cairo)
