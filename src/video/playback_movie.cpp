@@ -107,7 +107,7 @@ playback_movie::progress playback_movie::open() {
     if (!opened.ok()) return fail(opened.error());
     reader_ = std::move(opened).value();
     reader_has_current_ = false;
-    nothing_before_.reset();
+    forget_dead_ends();
     reader_->set_decoded(pace_.decoded());
     set_spacing();
     const double frame_rate = reader_->information().frame_rate;
@@ -117,6 +117,11 @@ playback_movie::progress playback_movie::open() {
     seconds_per_tick_ = reader_->seconds_per_tick();
     if (frame_rate > 0) frame_seconds_ = 1 / frame_rate;
     return progress::worked;
+}
+
+void playback_movie::forget_dead_ends() {
+    nothing_before_.reset();
+    nothing_after_.reset();
 }
 
 void playback_movie::close() {
@@ -129,7 +134,7 @@ void playback_movie::set_size(int width, int height) {
     if (width == width_ && height == height_) return;
     width_ = width;
     height_ = height;
-    nothing_before_.reset();
+    forget_dead_ends();
     const std::lock_guard lock(mutex_);
     cache_.clear();
 }
@@ -144,7 +149,7 @@ void playback_movie::keep(const playback_demand& demand) {
         cache_.keep_within(demand.alone ? 0 : demand.memory, stamp_at(demand.seconds),
                            wanted.behind + wanted.group, wanted.ahead);
     }
-    if (cache_.bytes() < before) nothing_before_.reset();
+    if (cache_.bytes() < before) forget_dead_ends();
 }
 
 std::size_t playback_movie::frame_bytes(int width, int height) const {
@@ -346,7 +351,12 @@ playback_movie::progress playback_movie::fetch_from_key(std::int64_t stamp) {
 
 playback_movie::progress playback_movie::fetch_ahead(const playback_frame_cache::run& held) {
     if (!make_room(false)) return progress::nothing_to_do;
-    if (reader_->should_seek(held.until)) return seek(held.until, held.until);
+    if (reader_->should_seek(held.until)) {
+        // Here again with the frames after read already: of those that are decoded none joins what is held.
+        if (nothing_after_ == held.until) return progress::nothing_to_do;
+        nothing_after_ = held.until;
+        return seek(held.until, held.until);
+    }
     return read_one(held.until);
 }
 
@@ -361,6 +371,17 @@ playback_movie::progress playback_movie::fetch_behind(const playback_frame_cache
     return read_one(held.from - ticks_of(targets_.group));
 }
 
+// While playing, what is held ahead runs down to a part before it is filled up again: several frames read one
+// after the other cost less than each alone, when its time has come, since what they need is in the
+// processor's memory then.
+bool playback_movie::needs_more_ahead(const playback_demand& demand, const playback_frame_cache::run& held) {
+    if (held.reaches_end) return false;
+    const std::size_t low = std::max(targets_.ahead / 2, std::min(targets_.ahead, least_playing_frames));
+    const std::size_t enough = demand.rate > 0 && !is_filling_ahead_ ? low : targets_.ahead;
+    is_filling_ahead_ = held.frames_after < enough;
+    return is_filling_ahead_;
+}
+
 playback_movie::progress playback_movie::work(const playback_demand& demand) {
     if (problem()) return progress::nothing_to_do;
     if (!reader_) return open();
@@ -370,7 +391,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
     memory_ = demand.memory;
     targets_ = targets_for(demand);
     const int direction = direction_of(demand);
-    if (std::exchange(last_direction_, direction) != direction) nothing_before_.reset();
+    if (std::exchange(last_direction_, direction) != direction) forget_dead_ends();
 
     picture_pointer standing;
     playback_frame_cache::run held;
@@ -380,7 +401,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         if (standing) held = cache_.run_at(stamp);
     }
     if (!standing && demand.tolerance > 0) return fetch_near(demand, stamp);
-    const bool needs_ahead = held.frames_after < targets_.ahead && !held.reaches_end;
+    const bool needs_ahead = needs_more_ahead(demand, held);
     const bool needs_behind = held.frames_before < targets_.behind && held.from > 0;
     choose_decoded(demand, !standing, !needs_ahead && !needs_behind);
     if (standing && standing->sparse && pace_.shows_all(frame_seconds())) {
@@ -391,7 +412,7 @@ playback_movie::progress playback_movie::work(const playback_demand& demand) {
         return seek(stamp, 0);
     }
     if (!standing) {
-        nothing_before_.reset();
+        forget_dead_ends();
         const progress made = fetch(demand, stamp);
         if (made == progress::nothing_to_do) return fail(movie_has_no_picture_here(path_));
         return made == progress::worked && frame_at(demand.seconds) ? progress::wanted_frame_came : made;

@@ -109,6 +109,7 @@ class playback_movie {
     progress fetch_from_key(std::int64_t stamp);
     progress fetch_ahead(const playback_frame_cache::run& held);
     progress fetch_behind(const playback_frame_cache::run& held);
+    bool needs_more_ahead(const playback_demand& demand, const playback_frame_cache::run& held);
     progress seek(std::int64_t stamp, std::int64_t needed_from);
     std::int64_t ticks_in(double seconds) const;
     std::int64_t ticks_of(std::size_t frames) const;
@@ -121,6 +122,7 @@ class playback_movie {
     std::size_t playing_frames(const playback_demand& demand) const;
     targets targets_for(const playback_demand& demand) const;
     void set_spacing();
+    void forget_dead_ends();
     void choose_decoded(const playback_demand& demand, bool is_missing, bool is_full);
     void set_size(int width, int height);
 
@@ -141,8 +143,10 @@ class playback_movie {
     std::size_t memory_ = 0;            // what the demand allows
     targets targets_;
     int last_direction_ = 0;
+    bool is_filling_ahead_ = false;
     playback_pace pace_;
     std::optional<std::int64_t> nothing_before_;  // going back from here brought nothing
+    std::optional<std::int64_t> nothing_after_;   // ... and going on
 
     mutable std::mutex mutex_;
     playback_frame_cache cache_;   // guarded by mutex_, changed on the queue only
