@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is done to the selected clips by the window's commands, and their note in the inspector.
 #include <QAction>
+#include <QListView>
 #include <QPlainTextEdit>
 
 #include "app/event/undo_stack.h"
@@ -75,6 +76,39 @@ TEST_F(clip_commands, merge_duplicate_and_split_by_their_keys_each_one_step) {
     press(Qt::Key_K);
     EXPECT_EQ(told, 2) << "one clip cannot be merged, and nothing overlaps it";
     EXPECT_EQ(timeline().clip_count(), clips_before);
+}
+
+TEST_F(clip_commands, the_history_goes_to_any_step_and_follows_what_is_done) {
+    const auto state = [this] { return testing::state_text(timeline()); };
+    std::vector<std::string> states{state()};
+    for (const Qt::Key key : {Qt::Key_K, Qt::Key_D, Qt::Key_J}) {
+        if (key == Qt::Key_K) view->select({"a", "b"});
+        press(key);
+        states.push_back(state());
+    }
+    press(Qt::Key_Z, Qt::ControlModifier | Qt::AltModifier);
+    const auto* lines = find<QListView>("history.steps");
+    ASSERT_NE(lines, nullptr);
+    const auto line_count = [&] { return lines->model()->rowCount(); };
+    const auto click = [&](int line) {
+        QTest::mouseClick(lines->viewport(), Qt::LeftButton, {},
+                          lines->visualRect(lines->model()->index(line, 0)).center());
+    };
+    const int now = line_count() - 1;
+    ASSERT_GE(now, 4) << "with the step that made the clips";
+    EXPECT_EQ(lines->currentIndex().row(), now);
+    for (const int back : {3, 1, 2, 0, 3}) {
+        click(now - back);
+        EXPECT_EQ(state(), states[static_cast<std::size_t>(3 - back)]) << back;
+        EXPECT_EQ(lines->currentIndex().row(), now - back);
+    }
+    // What is done anew takes the place of what was taken back.
+    view->select({"c"});
+    press(Qt::Key_D);
+    EXPECT_EQ(line_count(), now - 3 + 2);
+    click(0);
+    EXPECT_FALSE(event().undo().can_undo());
+    EXPECT_EQ(line_count(), now - 3 + 2);
 }
 
 TEST_F(clip_commands, marks_move_the_edges_of_the_selected_clips_to_the_playhead_but_not_across) {

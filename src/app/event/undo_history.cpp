@@ -108,6 +108,7 @@ property_dictionary write_undo_history(const undo_history& history) {
     property_array undo = write_steps(history.undo, room);
     property_array redo = write_steps(history.redo, room);
     property_dictionary stored;
+    if (history.lacks_older || undo.size() < history.undo.size()) stored.add("older steps gone", true);
     stored.add("undo", std::move(undo));
     stored.add("redo", std::move(redo));
     property_array prepared;
@@ -123,6 +124,9 @@ property_dictionary write_undo_history(const undo_history& history) {
 
 undo_history read_undo_history(const property_dictionary& stored) {
     undo_history history{read_steps(stored, "undo"), read_steps(stored, "redo"), {}};
+    const auto* undo = stored.array("undo");
+    history.lacks_older =
+        stored.boolean("older steps gone").value_or(false) || (undo && history.undo.size() < undo->size());
     if (const auto* prepared = stored.array("prepared")) {
         for (const auto& value : *prepared) {
             const auto* one = value.dictionary();

@@ -31,6 +31,7 @@ struct undo_history {
     // What takes back what was made for things that still grow (the rows of clips), by the place: see
     // editable_document::growing_things.
     std::map<std::string, std::vector<document_part>> prepared;
+    bool lacks_older = false;  // there were steps before those in `undo`
 };
 
 property_dictionary write_undo_history(const undo_history& history);

@@ -60,7 +60,10 @@ void undo_stack::take(const document_edit& edit, const document_edit& inverse) {
         undo_.push_back({in_group ? group_name_ : edit.name, edit.scope, shared(std::move(back)), now,
                          !in_group && only_sets_values(edit)});
         group_has_step_ = in_group;
-        if (undo_.size() > most_steps) undo_.erase(undo_.begin());
+        if (undo_.size() > most_steps) {
+            undo_.erase(undo_.begin());
+            lacks_older_ = true;
+        }
     }
     redo_.clear();
     forget_void_steps();
@@ -173,6 +176,7 @@ void undo_stack::restore(undo_history history) {
     undo_ = std::move(history.undo);
     redo_ = std::move(history.redo);
     prepared_ = std::move(history.prepared);
+    lacks_older_ = history.lacks_older;
     forget_void_steps();
     changed.emit();
 }
@@ -201,6 +205,7 @@ void undo_stack::clear() {
     undo_.clear();
     redo_.clear();
     prepared_.clear();
+    lacks_older_ = false;
     changed.emit();
 }
 

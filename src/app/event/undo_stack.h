@@ -38,6 +38,13 @@ class undo_stack {
     const undo_step* next_undo() const { return undo_.empty() ? nullptr : &undo_.back(); }
     const undo_step* next_redo() const { return redo_.empty() ? nullptr : &redo_.back(); }
 
+    // The steps that can be taken back, the last one at the end, and those that can be done again, the next
+    // one at the end.
+    const std::vector<undo_step>& done() const { return undo_; }
+    const std::vector<undo_step>& taken_back() const { return redo_; }
+    // Whether there were steps before done() that are no longer kept.
+    bool lacks_older_steps() const { return lacks_older_; }
+
     // Takes back the last step, or does the last one that was taken back again. Nothing to do is no error.
     result<void> undo();
     result<void> redo();
@@ -52,7 +59,7 @@ class undo_stack {
     void forget_redo();
 
     // The steps as they are now, at little cost; kept when the timeline is saved.
-    undo_history history() const { return {undo_, redo_, prepared_}; }
+    undo_history history() const { return {undo_, redo_, prepared_, lacks_older_}; }
     // Takes over steps that were kept. The timeline must be in the state to which they belong.
     void restore(undo_history history);
     // Adds an edit that was done before this stack was connected.
@@ -85,7 +92,8 @@ class undo_stack {
     std::vector<step> undo_;
     std::vector<step> redo_;
     std::map<std::string, part_list> prepared_;  // see undo_history
-    std::optional<document_edit> moved_;         // the inverse that comes while a step is taken back
+    bool lacks_older_ = false;
+    std::optional<document_edit> moved_;  // the inverse that comes while a step is taken back
     bool is_moving_ = false;
     int group_depth_ = 0;
     bool group_has_step_ = false;

@@ -20,17 +20,44 @@ constexpr const char* what_undo = "undo";
 
 undo_commands::undo_commands(event_session& session, job_group& jobs) : session_(session), jobs_(jobs) {}
 
-void undo_commands::take(direction which) {
+void undo_commands::go(direction which) {
+    wanted_.reset();
+    (void)take(which);
+}
+
+void undo_commands::go_to(std::size_t done) {
+    wanted_ = done;
+    go_on();
+}
+
+void undo_commands::go_on() {
+    auto made = taking::done;
+    while (wanted_ && made == taking::done) {
+        open_event* event = session_.shown_event();
+        const std::size_t done = event ? event->undo().done().size() : *wanted_;
+        if (done == *wanted_) break;
+        made = take(done > *wanted_ ? direction::back : direction::again);
+    }
+    if (made != taking::waits) wanted_.reset();
+}
+
+undo_commands::taking undo_commands::take(direction which) {
     open_event* event = session_.shown_event();
     // While a step waits for its movies the next press would take another one before it.
-    if (!event || jobs_.has(what_undo)) return;
+    if (!event) return taking::nothing_to_do;
+    if (jobs_.has(what_undo)) return taking::waits;
     undo_stack& stack = event->undo();
     const undo_step* step = which == direction::back ? stack.next_undo() : stack.next_redo();
-    if (!step) return;
+    if (!step) return taking::nothing_to_do;
     const bool may_need = event->has_collection() && !event->timeline().is_read_only();
     auto needed = may_need ? padding_needed_by(*step, event->collection()) : std::vector<padding_file>();
-    if (!needed.empty()) return take_with(which, std::move(needed));
-    session_.notices().tell(which == direction::back ? stack.undo() : stack.redo());
+    if (!needed.empty()) {
+        take_with(which, std::move(needed));
+        return taking::waits;
+    }
+    const auto made = which == direction::back ? stack.undo() : stack.redo();
+    session_.notices().tell(made);
+    return made ? taking::done : taking::refused;
 }
 
 void undo_commands::take_with(direction which, std::vector<padding_file> needed) {
@@ -68,9 +95,16 @@ void undo_commands::finish(direction which, const std::shared_ptr<const std::vec
     undo_stack& stack = session_.shown_event()->undo();
     const undo_step* now = which == direction::back ? stack.next_undo() : stack.next_redo();
     if (!now || now->parts != step) {
+        wanted_.reset();
         return session_.notices().tell(event_changed_meanwhile());
     }
-    session_.notices().tell(which == direction::back ? stack.undo() : stack.redo());
+    const auto made = which == direction::back ? stack.undo() : stack.redo();
+    session_.notices().tell(made);
+    if (made) {
+        go_on();
+    } else {
+        wanted_.reset();
+    }
 }
 
 }  // namespace vistels

@@ -10,6 +10,7 @@
 #include "shell/kit/failure_words.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/transport_bar.h"
+#include "shell/window/history_window.h"
 #include "shell/window/steps_panel.h"
 #include "shell/window/window_actions.h"
 
@@ -44,6 +45,18 @@ void event_commands::connect_event() {
     on(command::save, [this] { session_.save(); });
     on(command::undo, [this] { steps_.undo(); });
     on(command::redo, [this] { steps_.redo(); });
+    on(command::undo_history, [this] { show_history(); });
+}
+
+void event_commands::show_history() {
+    if (!history_) {
+        history_ = new history_window(session_, qobject_cast<QWidget*>(actions_.parent()));
+        history_->setAttribute(Qt::WA_DeleteOnClose);
+        connect(history_, &history_window::asked, this, [this](std::size_t done) { steps_.go_to(done); });
+    }
+    history_->show();
+    history_->raise();
+    history_->activateWindow();
 }
 
 void event_commands::connect_transport() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <string>
 
 #include "shell/event/undo_commands.h"
@@ -10,6 +11,7 @@
 namespace vistels {
 
 class event_session;
+class history_window;
 class window_actions;
 
 // The window's commands that concern the open event as a whole: saving, undo, what its buttons hold, and the
@@ -24,11 +26,13 @@ class event_commands : public QObject {
     void connect_event();
     void connect_transport();
     void ask_steps();
+    void show_history();
     void show_state();
 
     window_actions& actions_;
     event_session& session_;
     undo_commands steps_;
+    QPointer<history_window> history_;
 };
 
 }  // namespace vistels

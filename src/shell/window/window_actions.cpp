@@ -43,6 +43,8 @@ constexpr action_line action_lines[] = {
      "Save and close all windows; they come back at the next start", false},
     {command::undo, "Edit", "undo", "Undo", "Ctrl+Z", "Take back the last change", false},
     {command::redo, "Edit", "redo", "Redo", "Ctrl+Shift+Z Ctrl+Y", "Do again what was taken back", false},
+    {command::undo_history, "Edit", "undo_history", "Undo History…", "Ctrl+Alt+Z",
+     "All steps that can be taken back or done again: go to any of them"},
     {command::delete_clips, "Edit", "delete_clips", "Delete Clips", "Delete Backspace",
      "Delete the selected clips", true, false, true},
     {command::merge_clips, "Edit", "merge_clips", "Merge Clips", "Ctrl+J",

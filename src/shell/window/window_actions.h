@@ -22,6 +22,7 @@ enum class command {
     quit,
     undo,
     redo,
+    undo_history,
     delete_clips,
     merge_clips,
     duplicate_clips,

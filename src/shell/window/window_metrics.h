@@ -19,6 +19,8 @@ struct window_metrics {
     int key_map_column = 240;            // least width of its columns
     int key_map_key = 32;                // least width of a key
     int press_note_width = 280;          // of the note that a press asks for
+    int history_width = 320;             // of the undo history
+    int history_height = 420;
     double key_map_ground_share = 0.94;  // how much it covers what is below it
 };
 inline constexpr window_metrics window_sizes;
