@@ -21,6 +21,7 @@ inline constexpr failure_of<> row_to_merge_is_gone{"row to merge is gone",
                                                    "A row that was to be merged is no longer there."};
 inline constexpr failure_of<> too_few_rows_to_merge{"too few rows to merge",
                                                     "Choose two rows or more to merge them."};
+inline constexpr failure_of<> row_needs_a_name{"row needs a name", "A row needs a name."};
 inline constexpr failure_of<> row_was_not_merged{"row was not merged", "This row was not merged of others."};
 
 // Clips
@@ -36,6 +37,10 @@ inline constexpr failure_of<> clip_copied_to_no_time{"clip copied to no time",
                                                      "A clip cannot be copied to a time that is none."};
 inline constexpr failure_of<> clip_trimmed_to_no_time{"clip trimmed to no time",
                                                       "A clip cannot be trimmed to a time that is none."};
+inline constexpr failure_of<> clip_moved_to_no_time{"clip moved to no time",
+                                                    "A clip cannot be moved to a time that is none."};
+inline constexpr failure_of<> no_clip_lies_here{"no clip lies here",
+                                                "None of the selected clips lies at the playhead."};
 inline constexpr failure_of<> clip_starts_behind_its_end{"clip starts behind its end",
                                                          "A clip cannot start where it has ended already."};
 inline constexpr failure_of<> clip_ends_before_its_start{"clip ends before its start",

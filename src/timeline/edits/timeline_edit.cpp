@@ -15,10 +15,6 @@
 
 namespace vistels {
 
-namespace {
-
-// What makes `before` of `after`. Not only the values that were asked for: a start moved behind the end moves
-// the end too.
 value_change inverse_values(const property_dictionary& before, const property_dictionary& after) {
     value_change back;
     for (const auto& entry : before) {
@@ -30,6 +26,8 @@ value_change inverse_values(const property_dictionary& before, const property_di
     }
     return back;
 }
+
+namespace {
 
 // The changes of which a stamp tells.
 bool is_stamped(const operation::any& one) {

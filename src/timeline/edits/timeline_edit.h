@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "document/document_edit.h"
+#include "timeline/form/value_change.h"
 #include "timeline/records/sxy_DATA_root.h"
 #include "util/property_value.h"
 #include "util/result.h"
@@ -154,6 +155,10 @@ result<timeline_edit> apply_edit(sxy_DATA_root& timeline, const timeline_edit& e
 // Takes back an edit that counts as never made: by the inverse that apply_edit gave, and with the growing
 // clips as they were (taking back a finish does not make its clip grow again).
 void withdraw_edit(sxy_DATA_root& timeline, const timeline_edit& inverse, std::vector<clip_place> growing);
+
+// What makes `before` of `after`, by stored keys: all that differs, whatever was asked for (a start moved
+// behind the end moves the end, too).
+value_change inverse_values(const property_dictionary& before, const property_dictionary& after);
 
 // By how much the edit moves the times of the timeline.
 double seconds_shifted(const timeline_edit& edit);
