@@ -4,6 +4,8 @@
 // on all clips brought onto the rows, and a clip that is coded while one is on. Milliseconds.
 #include <QApplication>
 #include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cstdio>
@@ -141,6 +143,44 @@ spread code_a_clip(timeline_document& document, timeline_canvas& canvas, QImage&
     });
 }
 
+// Selected clips, all in view, are dragged along and between rows: each move of the pointer with the paint
+// after it.
+void print_dragging(timeline_state& state, timeline_canvas& canvas, QImage& image) {
+    constexpr std::size_t dragged = 1000;
+    state.set_scale({2000, 0.3});
+    std::vector<std::string> clips;
+    const std::size_t of_each_row = std::max<std::size_t>(1, dragged / state.rows().size());
+    for (const timeline_row& row : state.rows()) {
+        const std::size_t beyond = row.shown.first_starting(2100);
+        const std::size_t first = beyond < row.shown.size() ? beyond : 0;
+        for (std::size_t at = first; at < std::min(first + of_each_row, row.shown.size()); ++at)
+            clips.push_back(clip_of(row, row.shown[at].index)->id());
+    }
+    state.select(clips);
+    const timeline_row& middle = state.rows()[state.rows().size() / 2];
+    const track_clip& held = middle.selected[0];
+    state.scroll_to(held.start - 100);
+    const QPointF from(state.scale().x_of((held.start + held.end) / 2),
+                       timeline_sizes.ruler_height + middle.top + timeline_sizes.row_least_height / 2.0);
+    const auto send = [&](QEvent::Type type, const QPointF& at, Qt::MouseButton button) {
+        QMouseEvent event(type, at, canvas.mapToGlobal(at), button, Qt::LeftButton, {});
+        QApplication::sendEvent(&canvas, &event);
+    };
+    send(QEvent::MouseButtonPress, from, Qt::LeftButton);
+    int step = 0;
+    const spread taken = measure([&] {
+        ++step;
+        send(QEvent::MouseMove, from + QPointF(step % 200 + 5, step % 3 * timeline_sizes.row_height),
+             Qt::NoButton);
+        canvas.render(&image);
+    });
+    std::printf("%zu selected clips dragged: %.2f, p95 %.2f, wall median %.2f\n", clips.size(), taken.median,
+                taken.p95, taken.wall_median);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, {});
+    QApplication::sendEvent(&canvas, &escape);
+    state.select({});
+}
+
 void print_filtering(clip_view& view, timeline_state& state, timeline_canvas& canvas, QImage& image) {
     timeline_document& document = view.document();
     state.set_scale({2000, 0.3});
@@ -221,6 +261,7 @@ int main(int count, char** arguments) {
     }
     const spread all_rows = measure([&] { state.read_again(); });
     std::printf("reading all rows anew %.2f, p95 %.2f\n", all_rows.median, all_rows.p95);
+    print_dragging(state, canvas, image);
     print_filtering(*view, state, canvas, image);
     state.set_timeline(nullptr, nullptr);
     view.reset();

@@ -29,6 +29,7 @@
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/collection/collection_view.h"
 #include "shell/panes/side_bar/content_side_bar.h"
+#include "shell/panes/timeline/timeline_view.h"
 #include "shell/window/closing_questions.h"
 #include "shell/window/code_commands.h"
 #include "shell/window/event_commands.h"
@@ -141,7 +142,8 @@ void main_window::build() {
     panes_ = std::make_unique<pane_host>(*session_, *commands_, places_);
     collection_ = &panes_->add<collection_pane>(pane_kind::collection);
     code_ = &panes_->add<code_window_view>(pane_kind::code_window);
-    pane& timeline = panes_->add(pane_kind::timeline);
+    auto& timeline = panes_->add<timeline_view>(pane_kind::timeline);
+    timeline_commands_->serve(timeline);
     pane& inspector = panes_->add(pane_kind::inspector);
     work_ = new work_area(collection_, code_, &timeline.widget());
     auto* middle = new QWidget;

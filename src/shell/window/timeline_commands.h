@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
 
 namespace vistels {
 
@@ -19,7 +20,11 @@ class timeline_commands : public QObject {
     // Both must outlive this.
     timeline_commands(const window_actions& actions, event_session& session);
 
+    // A menu for what is selected in it, and playing by a double click. The view must not outlive this.
+    void serve(timeline_view& view);
+
   private:
+    void show_menu(timeline_view& view, QPoint at, bool for_clips);
     template <class does>
     void on_view(command which, does what);
     template <class does>

@@ -18,8 +18,9 @@ timeline_canvas::timeline_canvas(timeline_state& state, QWidget* parent) : QWidg
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    connect(&scrolls_, &QTimer::timeout, this, &timeline_canvas::scroll_with_drag);
     connections_.push_back(state_.scale_changed.connect([this] { update(); }));
-    connections_.push_back(state_.rows_changed.connect([this] { update(); }));
+    connections_.push_back(state_.rows_changed.connect([this] { follow_rows(); }));
     connections_.push_back(state_.rows_scrolled.connect([this] { update(); }));
     connections_.push_back(state_.playhead_moved.connect([this] { follow_playhead(); }));
     connections_.push_back(state_.selection_changed.connect([this] { describe_selection(); }));
@@ -217,17 +218,6 @@ void timeline_canvas::paint_empty(QPainter& painter) const {
     painter.setPen(look.muted);
     painter.drawText(middle.translated(0, line), Qt::AlignCenter,
                      tr("Press a button in the code window while the event plays."));
-}
-
-void timeline_canvas::paint_drag(QPainter& painter) {
-    if (!drag_ || drag_->kind == drag_kind::playhead || !drag_->has_moved) return;
-    const timeline_row& row = state_.rows()[drag_->on.row];
-    const QRect place = row_place(drag_->on.row);
-    const int left = static_cast<int>(std::lround(state_.scale().x_of(drag_->start)));
-    const int right = static_cast<int>(std::lround(state_.scale().x_of(drag_->end)));
-    const auto colour = drag_->on.clip->col();
-    painter_in_use().paint_ghost(painter, colour ? to_qt(*colour) : row.colour,
-                                 QRect(left, place.top(), std::max(1, right - left), place.height()));
 }
 
 }  // namespace vistels

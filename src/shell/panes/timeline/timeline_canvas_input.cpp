@@ -18,8 +18,6 @@ namespace {
 constexpr double wheel_zoom = 1.2;          // for each notch
 constexpr double wheel_scroll_share = 0.1;  // of the width for each notch
 constexpr double notch = 120;               // of a wheel, in the units of its events
-constexpr double drag_from_pixels = 3;      // a press that moves less is a click
-constexpr double shortest_clip_seconds = 0.04;
 
 }  // namespace
 
@@ -81,131 +79,12 @@ QString timeline_canvas::description(const hit& found) const {
     return note.isEmpty() ? made : made + QStringLiteral("<br>%1").arg(note);
 }
 
-void timeline_canvas::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !state_.has_timeline()) return;
-    const QPointF point = event->position();
-    const hit found = hit_at(point);
-    if (found.what == hit::part::ruler) {
-        drag_ = drag{drag_kind::playhead, found, 0, 0, 0, point, true};
-        // Held by its flag, the playhead does not jump to the pointer.
-        if (flag_place().contains(point.toPoint())) {
-            drag_->grip_seconds = state_.scale().seconds_at(point.x()) - state_.playhead();
-        } else {
-            move_drag(point);
-        }
-    } else if (found.clip) {
-        press_clip(found, *event);
-    } else if ((event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) == 0) {
-        state_.select({});
-        drag_ = drag{drag_kind::playhead, found, 0, 0, 0, point, false};
-    }
-}
-
-void timeline_canvas::press_clip(const hit& found, const QMouseEvent& event) {
-    const std::string clip = found.clip->id();
-    const double start = found.clip->secs_start();
-    const double end = found.clip->secs_end();
-    const double pointer = state_.scale().seconds_at(event.position().x());
-    if ((event.modifiers() & Qt::AltModifier) != 0) {
-        drag_ = drag{drag_kind::copy, found, pointer - start, start, end, event.position(), false};
-        return;
-    }
-    if ((event.modifiers() & Qt::ControlModifier) != 0) {
-        state_.toggle(clip);
-        return;
-    }
-    if ((event.modifiers() & Qt::ShiftModifier) != 0) {
-        state_.extend_to(clip);
-        return;
-    }
-    state_.select({clip});
-    if (found.what == hit::part::clip) {
-        state_.seek(start);
-        return;
-    }
-    const bool at_start = found.what == hit::part::start_edge;
-    drag_ = drag{at_start ? drag_kind::start_edge : drag_kind::end_edge,
-                 found,
-                 pointer - (at_start ? start : end),
-                 start,
-                 end,
-                 event.position(),
-                 false};
-}
-
-void timeline_canvas::mouseMoveEvent(QMouseEvent* event) {
-    if (drag_) {
-        move_drag(event->position());
-    } else {
-        show_cursor(event->position());
-    }
-}
-
-void timeline_canvas::move_drag(const QPointF& point) {
-    if (!drag_->has_moved && std::abs(point.x() - drag_->from.x()) < drag_from_pixels) return;
-    drag_->has_moved = true;
-    const double wanted = state_.scale().seconds_at(point.x()) - drag_->grip_seconds;
-    if (drag_->kind == drag_kind::playhead) {
-        drag_->scrubbed_to = wanted;
-        state_.scrub(wanted);
-        return;
-    }
-    const std::string clip = drag_->on.clip->id();
-    const double length = drag_->on.clip->secs_end() - drag_->on.clip->secs_start();
-    const double seconds = std::max(state_.snapped(wanted, clip), state_.reach().start_seconds);
-    switch (drag_->kind) {
-        case drag_kind::start_edge:
-            drag_->start = std::min(seconds, drag_->end - shortest_clip_seconds);
-            break;
-        case drag_kind::end_edge:
-            drag_->end = std::max(seconds, drag_->start + shortest_clip_seconds);
-            break;
-        case drag_kind::copy:
-            drag_->start = seconds;
-            drag_->end = seconds + length;
-            break;
-        case drag_kind::playhead:
-            break;
-    }
-    update();
-}
-
-void timeline_canvas::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && drag_) end_drag();
-}
-
-void timeline_canvas::end_drag() {
-    const drag done = *drag_;
-    drag_.reset();
-    update();
-    if (done.kind == drag_kind::playhead) {
-        if (done.scrubbed_to) {
-            state_.seek(*done.scrubbed_to);
-        } else if (!done.has_moved) {
-            // A click beside all clips goes there.
-            state_.seek(state_.scale().seconds_at(done.from.x()));
-        }
-        return;
-    }
-    const std::string clip = done.on.clip->id();
-    if (done.kind == drag_kind::copy) {
-        if (done.has_moved) state_.copy(clip, done.start);
-    } else if (done.has_moved) {
-        state_.trim(clip, done.start, done.end);
-    } else {
-        state_.seek(done.start);
-    }
-}
-
-void timeline_canvas::mouseDoubleClickEvent(QMouseEvent* event) {
-    mousePressEvent(event);
-}
-
 void timeline_canvas::show_cursor(const QPointF& point) {
     const hit found = hit_at(point);
     const bool on_edge = found.what == hit::part::start_edge || found.what == hit::part::end_edge;
     const bool on_flag = found.what == hit::part::ruler && flag_place().contains(point.toPoint());
-    setCursor(on_edge || on_flag ? Qt::SizeHorCursor : Qt::ArrowCursor);
+    const bool draws = draws_ && found.what == hit::part::row;
+    setCursor(on_edge || on_flag ? Qt::SizeHorCursor : draws ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
 void timeline_canvas::leaveEvent(QEvent*) {
@@ -274,14 +153,17 @@ void timeline_canvas::keyPressEvent(QKeyEvent* event) {
             return;
         case Qt::Key_Escape:
             if (drag_) {
-                if (drag_->scrubbed_to) state_.seek(*drag_->scrubbed_to);
-                drag_.reset();
-                update();
+                give_up_drag();
             } else if (state_.selected_count() > 0) {
                 state_.select({});
             } else {
                 break;  // whoever is around may have a use for it
             }
+            return;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            if (state_.selected_count() == 0) break;
+            Q_EMIT play_asked();
             return;
         case Qt::Key_Plus:
         case Qt::Key_Equal:

@@ -24,7 +24,8 @@ struct timeline_metrics {
     int playhead_flag_height = 20;
     int whole_event_height = 24;
     int zoom_slider_width = 84;
-    int edge_grip = 5;  // how near to a clip's edge a drag trims
+    double band_share = 0.15;  // of the accent, inside what a hand goes round
+    int edge_grip = 5;         // how near to a clip's edge a drag trims
 
     // Widths from which a clip shows its parts.
     int clip_merge_below = 3;

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/panes/timeline/timeline_names.h"
 
-#include <QAction>
-#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLinearGradient>
-#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -157,6 +154,7 @@ void timeline_names::paintEvent(QPaintEvent*) {
             painter.drawRect(QRectF(place).adjusted(1, 1, -2, -2));
         }
     }
+    paint_gap(painter);
     painter.setClipping(false);
     painter.fillRect(head, look.window);
     painter.fillRect(QRect(0, head.bottom(), width(), metrics.line), look.line);
@@ -250,6 +248,9 @@ void timeline_names::mousePressEvent(QMouseEvent* event) {
     if (!is_row) return choose({});
     const shared_text row = state_.rows()[index].uuid;
     current_ = row;
+    pressed_at_ = event->pos().y();
+    const bool is_plain = (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) == 0;
+    if (is_plain && is_chosen(row) && chosen_.size() > 1) return;  // they may be dragged
     if (event->modifiers() & Qt::ShiftModifier) return choose_up_to(index);
     anchor_ = row;
     if (!(event->modifiers() & Qt::ControlModifier)) return choose({row});
@@ -260,7 +261,16 @@ void timeline_names::mousePressEvent(QMouseEvent* event) {
 
 void timeline_names::keyPressEvent(QKeyEvent* event) {
     const timeline_rows& rows = state_.rows();
+    if (event->key() == Qt::Key_Escape && gap_) {
+        gap_.reset();
+        pressed_at_.reset();
+        return update();
+    }
     if (event->key() == Qt::Key_Escape && !chosen_.empty()) return choose({});
+    if (event->key() == Qt::Key_F2 && !current_.empty()) return edit_name(current_);
+    if ((event->modifiers() & Qt::AltModifier) != 0 &&
+        (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down))
+        return move_chosen_by(event->key() == Qt::Key_Up ? -1 : 1);
     const bool moves = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
     if (!moves || rows.empty()) return QWidget::keyPressEvent(event);
     const std::size_t at = rows.row_with(current_);
@@ -276,48 +286,6 @@ void timeline_names::keyPressEvent(QKeyEvent* event) {
     if (event->modifiers() & Qt::ShiftModifier) return choose_up_to(to);
     anchor_ = current_;
     choose({current_});
-}
-
-void timeline_names::contextMenuEvent(QContextMenuEvent* event) {
-    if (event->reason() == QContextMenuEvent::Keyboard) {
-        const std::size_t index = state_.rows().row_with(current_);
-        if (index == state_.rows().size()) return;
-        const timeline_row& row = state_.rows()[index];
-        const int y = timeline_sizes.ruler_height + row.top + row.height - state_.first_y();
-        return show_menu(mapToGlobal(QPoint(theme::current().metrics.wide_padding, y)));
-    }
-    const std::size_t index = row_at(event->pos().y());
-    if (index == state_.rows().size()) return;
-    current_ = state_.rows()[index].uuid;
-    if (!is_chosen(current_)) {
-        anchor_ = current_;
-        choose({current_});
-    }
-    show_menu(event->globalPos());
-}
-
-void timeline_names::show_menu(QPoint at) {
-    const std::vector<shared_text> rows = chosen();
-    const auto merged = std::count_if(rows.begin(), rows.end(), [this](const shared_text& row) {
-        return !state_.rows()[state_.rows().row_with(row)].merged.empty();
-    });
-    QMenu menu(this);
-    menu.setObjectName(QStringLiteral("timeline_rows.menu"));
-    menu.setToolTipsVisible(true);
-    const bool many = rows.size() > 1;
-    QAction* compact = menu.addAction(many ? tr("Compact %1 Rows").arg(rows.size()) : tr("Compact Rows"),
-                                      this, &timeline_names::compact_chosen);
-    compact->setObjectName(QStringLiteral("timeline_rows.compact"));
-    compact->setToolTip(many ? tr("Show the chosen rows as one, until it is expanded again")
-                             : tr("Choose two or more rows: hold Ctrl or Shift and click their names"));
-    compact->setEnabled(many);
-    QAction* expand = menu.addAction(merged > 1 ? tr("Expand %1 Rows").arg(merged) : tr("Expand Row"), this,
-                                     &timeline_names::expand_chosen);
-    expand->setObjectName(QStringLiteral("timeline_rows.expand"));
-    expand->setToolTip(merged > 0 ? tr("Show the rows again that were compacted into it")
-                                  : tr("This row was not compacted of others"));
-    expand->setEnabled(merged > 0);
-    menu.exec(at);
 }
 
 void timeline_names::focusInEvent(QFocusEvent* event) {

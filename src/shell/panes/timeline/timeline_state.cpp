@@ -15,11 +15,6 @@ namespace {
 
 constexpr double least_reach_seconds = 10;
 constexpr double follow_share = 0.85;
-constexpr double snap_pixels = 6;
-
-edit_stamp stamp_now(const timeline_document& document) {
-    return {document.author(), seconds_since_1970()};
-}
 
 // "Attack + Defence": what a row that stands for these is called.
 std::string name_of_rows(const timeline_rows& rows, const std::vector<shared_text>& chosen) {
@@ -232,8 +227,7 @@ bool timeline_state::apply(result<timeline_edit> planned) {
 
 void timeline_state::merge_selected() {
     if (!document_) return;
-    if (apply(plan_clips_Merge(document_->timeline(), selected(), stamp_now(*document_))))
-        selection_changed.emit();
+    if (apply(plan_clips_Merge(document_->timeline(), selected(), stamp_now()))) selection_changed.emit();
 }
 
 void timeline_state::duplicate_selected() {
@@ -247,19 +241,7 @@ void timeline_state::duplicate_selected() {
         start = std::min(start, place->clip->secs_start());
         end = std::max(end, place->clip->secs_end());
     }
-    duplicate(clips, end - start);
-}
-
-void timeline_state::duplicate(const std::vector<std::string>& clips, double later_by) {
-    auto edit = plan_duplicate_clips(document_->timeline(), clips, later_by, stamp_now(*document_));
-    std::vector<std::string> made;
-    if (edit) {
-        for (const auto& one : edit.value().operations) {
-            if (const auto* insert = std::get_if<operation::insert_clip>(&one))
-                made.push_back(insert->clip->id());
-        }
-    }
-    if (apply(std::move(edit))) select(made);
+    copy(clips, end - start, 0);
 }
 
 void timeline_state::split_selected() {
@@ -273,16 +255,6 @@ void timeline_state::trim_selected(bool start, double seconds) {
     const std::optional<double> as_it_is;
     apply(plan_clips_Trim_Mark_in_Mark_Out(document_->timeline(), clips, start ? here : as_it_is,
                                            start ? as_it_is : here));
-}
-
-void timeline_state::trim(const std::string& clip, double start, double end) {
-    if (!document_ || !(end > start)) return;
-    apply(plan_clip_times(document_->timeline(), clip, start, end));
-}
-
-void timeline_state::copy(const std::string& clip, double start) {
-    const auto place = document_ ? document_->timeline().find_clip(clip) : std::nullopt;
-    if (place) duplicate({clip}, start - place->clip->secs_start());
 }
 
 std::vector<shared_text> timeline_state::compact_rows(const std::vector<shared_text>& rows) {
@@ -317,31 +289,6 @@ std::vector<shared_text> timeline_state::apply_to_rows(result<timeline_edit> pla
 
 void timeline_state::set_snaps(bool snaps) {
     snaps_ = snaps;
-}
-
-double timeline_state::snapped(double seconds, const std::string& moving_clip) const {
-    if (!snaps_) return seconds;
-    const double reach_seconds = snap_pixels * scale_.seconds_per_pixel;
-    double nearest = seconds;
-    double nearest_distance = reach_seconds;
-    const auto consider = [&](double edge) {
-        const double distance = std::abs(edge - seconds);
-        if (distance > nearest_distance) return;
-        nearest = edge;
-        nearest_distance = distance;
-    };
-    for (const timeline_row& row : rows_) {
-        const clip_track& track = row.shown;
-        for (std::size_t at = track.first_reaching(seconds - reach_seconds); at < track.size(); ++at) {
-            if (track[at].start > seconds + reach_seconds) break;
-            const auto clip = clip_of(row, track[at].index);
-            if (!clip || clip->id() == moving_clip) continue;
-            consider(track[at].start);
-            consider(track[at].end);
-        }
-    }
-    consider(playhead_);  // last, so that it wins when equally near
-    return nearest;
 }
 
 void timeline_state::take_change(const change_set& change) {

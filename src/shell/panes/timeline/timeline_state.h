@@ -101,8 +101,34 @@ class timeline_state {
     void split_selected();
     // Moves the start or the end of the selected clips to `seconds`.
     void trim_selected(bool start, double seconds);
-    void trim(const std::string& clip, double start, double end);
-    void copy(const std::string& clip, double start);
+    // Parts those selected clips that lie at the playhead.
+    void split_at_playhead();
+
+    // What drags end in. Rows are counted as they are shown, down from where each clip is.
+    void move(const std::vector<std::string>& clips, double seconds, int rows);
+    // The copies are selected.
+    void copy(const std::vector<std::string>& clips, double later_by, int rows);
+    void trim_edges(const std::vector<std::string>& clips, double starts_by, double ends_by);
+    // The joint of two clips that touch.
+    void roll(const std::string& before, const std::string& after, double seconds);
+    // A new clip, which is selected.
+    void draw(const shared_text& row, double start, double end);
+    // Whether the pictures may show another moment while a hand drags: nothing plays or grows.
+    bool may_show_moment() const;
+
+    // The selected clips, to be pasted anywhere; nothing when none is, or it was refused.
+    std::optional<property_dictionary> copied();
+    // So that the earliest starts at the playhead; they are selected.
+    void paste(const property_dictionary& clips);
+
+    // Only while there is a timeline.
+    const sxy_DATA_root& timeline() const { return document_->timeline(); }
+    edit_stamp stamp_now() const;
+    // Makes a planned edit; false when it was refused, which is told, or would change nothing.
+    bool make(result<timeline_edit> planned) { return apply(std::move(planned)); }
+    bool is_selected(const sxy_CLIP& clip) const { return view_->selection().contains(clip); }
+    // The clips of those rows that are not hidden.
+    void select_rows(const std::vector<shared_text>& rows);
 
     // Makes one row of two or more, named after them, which expand_rows() parts again. The rows that came of
     // it; none when it was refused.
@@ -111,8 +137,15 @@ class timeline_state {
 
     bool snaps() const { return snaps_; }
     void set_snaps(bool snaps);
-    // The nearest of the playhead and the edges of other clips, when it is near and snapping is on.
-    double snapped(double seconds, const std::string& moving_clip) const;
+    // What moves does not hold itself.
+    struct snap_sides {
+        std::string moving_clip;
+        bool selected_move = false;
+        std::optional<double> playhead = std::nullopt;  // where it counts as; none: where it is
+    };
+    // The nearest of the playhead, the edges of other clips and, where they lie far apart, whole seconds;
+    // nothing when none is near.
+    std::optional<double> snap_to(double seconds, const snap_sides& sides) const;
 
     signal<> scale_changed;
     signal<> rows_changed;  // clips, marks, live ones, row positions
@@ -125,7 +158,8 @@ class timeline_state {
     bool apply(result<timeline_edit> planned);
     // The rows that the edit makes; none when it was refused.
     std::vector<shared_text> apply_to_rows(result<timeline_edit> planned);
-    void duplicate(const std::vector<std::string>& clips, double later_by);
+    void apply_and_select(result<timeline_edit> planned);
+    std::vector<shared_text> row_order() const;
     void take_change(const change_set& change);
     void read_rows();
     void grow_reach();

@@ -57,6 +57,20 @@ void timeline_state::select_passing() {
     view_->selection().select_where([this](const sxy_CLIP& clip) { return verdicts().passes(clip); });
 }
 
+void timeline_state::select_rows(const std::vector<shared_text>& rows) {
+    std::vector<std::string> found;
+    for (const shared_text& wanted : rows) {
+        const std::size_t index = rows_.row_with(wanted);
+        if (index == rows_.size()) continue;
+        for (const clip_track* track : {&rows_[index].shown, &rows_[index].dimmed}) {
+            for (std::size_t at = 0; at < track->size(); ++at) {
+                if (const auto clip = clip_of(rows_[index], (*track)[at].index)) found.push_back(clip->id());
+            }
+        }
+    }
+    select(found);
+}
+
 void timeline_state::read_again() {
     read_rows();
     selection_changed.emit();

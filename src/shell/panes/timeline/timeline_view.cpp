@@ -52,6 +52,8 @@ timeline_view::timeline_view(QWidget* parent) : QWidget(parent), state_(std::mak
     }));
     connections_.push_back(
         state_->refused.connect([this](const failure& why) { Q_EMIT failed(words_of(why)); }));
+    connect(canvas_, &timeline_canvas::menu_asked, this, &timeline_view::menu_asked);
+    connect(canvas_, &timeline_canvas::play_asked, this, &timeline_view::play_asked);
 }
 
 timeline_view::~timeline_view() {
@@ -71,7 +73,11 @@ void timeline_view::build_header() {
         header_->add_control(button);
         return button;
     };
-    snap_ = add("snap", "timeline_snap", tr("Snap to the playhead and to clips' edges"));
+    draw_ = add("pen", "timeline_draw", tr("Draw clips by a drag"));
+    draw_->setCheckable(true);
+    connect(draw_, &QAbstractButton::toggled, this, &timeline_view::draws_asked);
+    snap_ =
+        add("snap", "timeline_snap", tr("Snap to the playhead and to clips' edges; not while Ctrl is held"));
     snap_->setCheckable(true);
     snap_->setChecked(state_->snaps());
     connect(snap_, &QAbstractButton::toggled, this, [this](bool on) { state_->set_snaps(on); });

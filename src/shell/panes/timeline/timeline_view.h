@@ -10,6 +10,7 @@
 #include "util/signal.h"
 
 class QLabel;
+class QMenu;
 class QScrollBar;
 
 namespace vistels {
@@ -61,6 +62,16 @@ class timeline_view final : public QWidget, public pane {
     void merge_selected();
     void duplicate_selected();
     void split_selected();
+    void split_at_playhead();
+    // The selected clips onto the clipboard, those there to the playhead. Cut ones are deleted.
+    void copy_selected();
+    void cut_selected();
+    void paste();
+    // The pen: a drag beside clips draws one.
+    void set_draws(bool draws);
+    void add_row();
+    // What is chosen for the selected clips: stars, colour, row.
+    void add_to_menu(QMenu& menu);
     // Moves the start or the end of the selected clips to `seconds`.
     void trim_selected(bool start, double seconds);
     void zoom_in();
@@ -87,6 +98,10 @@ class timeline_view final : public QWidget, public pane {
 
   Q_SIGNALS:
     void selection_changed();
+    // For the selected clips, or for what is beside them.
+    void menu_asked(QPoint at, bool for_clips);
+    void play_asked();
+    void draws_asked(bool draws);
     void hides_asked(bool hides);
     void clear_filter_asked();
     void play_passing_asked(bool plays);
@@ -112,6 +127,7 @@ class timeline_view final : public QWidget, public pane {
     filter_count* count_ = nullptr;
     QWidget* filter_mode_place_ = nullptr;
     QLabel* selected_ = nullptr;
+    icon_button* draw_ = nullptr;
     icon_button* snap_ = nullptr;
     value_slider* zoom_ = nullptr;
     filter_mode_control* mode_ = nullptr;
