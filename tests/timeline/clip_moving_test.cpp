@@ -3,15 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include "support/timeline_builder.h"
+#include "support/checked_edit.h"
 
 namespace vistels {
 namespace {
 
+using testing::apply_and_check;
 using testing::clip_of;
 using testing::qualifier_of;
 using testing::row_of;
-using testing::state_text;
 using testing::timeline_of;
 using strings = std::vector<std::string>;
 
@@ -47,21 +47,6 @@ sxy_DATA_root coded() {
                         operation::begin_clip{shared_text("R"), clip_of("live", 40, 40)}});
 }
 
-// Applies the edit; taken back, everything is as it was to the last bit.
-void apply(sxy_DATA_root& timeline, const result<timeline_edit>& edit) {
-    ASSERT_TRUE(edit) << edit.message();
-    const auto before = state_text(timeline);
-    change_set touched;
-    auto back = apply_edit(timeline, edit.value(), touched);
-    ASSERT_TRUE(back) << back.message();
-    const auto after = state_text(timeline);
-    auto again = apply_edit(timeline, back.value(), touched);
-    ASSERT_TRUE(again) << again.message();
-    EXPECT_EQ(state_text(timeline), before);
-    ASSERT_TRUE(apply_edit(timeline, again.value(), touched));
-    EXPECT_EQ(state_text(timeline), after);
-}
-
 std::string times(const sxy_DATA_root& timeline, const std::string& clip) {
     const auto place = timeline.find_clip(clip);
     if (!place) return "gone";
@@ -91,7 +76,7 @@ TEST(clip_moving, clips_keep_their_distance_in_time_and_rows_and_all_that_is_on_
     };
     for (const auto& c : cases) {
         auto timeline = coded();
-        apply(timeline, plan_move_clips(timeline, c.clips, c.seconds, shown_rows, c.rows));
+        apply_and_check(timeline, plan_move_clips(timeline, c.clips, c.seconds, shown_rows, c.rows));
         const strings names = c.expected.size() == 1 ? strings{"c"} : strings{"a", "b", "c"};
         for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(times(timeline, names[i]), c.expected[i]);
         const auto clip = timeline.find_clip("a")->clip;
@@ -121,12 +106,12 @@ TEST(clip_moving, trims_and_rolls_leave_something_of_every_clip) {
     };
     for (const auto& c : cases) {
         auto timeline = coded();
-        apply(timeline, plan_trim_edges(timeline, c.clips, c.starts_by, c.ends_by));
+        apply_and_check(timeline, plan_trim_edges(timeline, c.clips, c.starts_by, c.ends_by));
         EXPECT_EQ((strings{times(timeline, "a"), times(timeline, "b"), times(timeline, "c")}), c.expected);
     }
     for (const auto& [at, joint] : {std::pair{5.0, "5"}, {-3.0, "0.14"}, {99.0, "19.96"}}) {
         auto timeline = coded();
-        apply(timeline, plan_roll_joint(timeline, "a", "b", at));
+        apply_and_check(timeline, plan_roll_joint(timeline, "a", "b", at));
         EXPECT_EQ(times(timeline, "a"), std::string("R 0.1 ") + joint);
         EXPECT_EQ(times(timeline, "b"), std::string("R ") + joint + " 20");
     }
@@ -135,7 +120,7 @@ TEST(clip_moving, trims_and_rolls_leave_something_of_every_clip) {
 TEST(clip_moving, a_clip_is_split_with_what_has_a_time_in_its_own_half) {
     auto timeline = coded();
     auto edit = plan_split_at(timeline, {"a", "b"}, 5, stamp);
-    apply(timeline, edit);
+    apply_and_check(timeline, edit);
     EXPECT_EQ(times(timeline, "a"), "R 0.1 5");
     EXPECT_EQ(times(timeline, "b"), "R 10.3 20") << "it lies elsewhere";
     const auto row = timeline.row(shared_text("R"));
@@ -158,14 +143,14 @@ TEST(clip_moving, a_clip_is_split_with_what_has_a_time_in_its_own_half) {
 
 TEST(clip_moving, clips_are_drawn_and_pasted_with_identities_of_their_own) {
     auto timeline = coded();
-    apply(timeline, plan_draw_clip(timeline, shared_text("T"), 8, 6));
+    apply_and_check(timeline, plan_draw_clip(timeline, shared_text("T"), 8, 6));
     ASSERT_EQ(timeline.row(shared_text("T"))->clips().size(), 1U);
     EXPECT_EQ(timeline.row(shared_text("T"))->clips()[0]->secs_start(), 6);
     EXPECT_FALSE(plan_draw_clip(timeline, shared_text("nowhere"), 6, 8));
 
     const auto copied = copied_clips(timeline, {"a", "c"});
     ASSERT_TRUE(copied) << copied.message();
-    apply(timeline, plan_paste(timeline, copied.value(), 100, stamp));
+    apply_and_check(timeline, plan_paste(timeline, copied.value(), 100, stamp));
     const auto here = timeline.row(shared_text("R"))->clips();
     ASSERT_EQ(here.size(), 3U);
     EXPECT_DOUBLE_EQ(here[2]->secs_start(), 100);
@@ -176,7 +161,7 @@ TEST(clip_moving, clips_are_drawn_and_pasted_with_identities_of_their_own) {
     // Elsewhere: one row is known by its name, the other is made.
     auto other = timeline_of({operation::insert_row{0, row_of("P", "Pass")}});
     for (int n = 0; n < 2; ++n) {
-        apply(other, plan_paste(other, copied.value(), 0, stamp));
+        apply_and_check(other, plan_paste(other, copied.value(), 0, stamp));
         ASSERT_EQ(other.rows().size(), 2U);
         EXPECT_EQ(other.rows()[0]->clips().size(), static_cast<std::size_t>(n + 1));
         EXPECT_EQ(other.rows()[1]->name(), "Shot");

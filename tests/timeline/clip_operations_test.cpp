@@ -7,12 +7,13 @@
 #include <regex>
 #include <set>
 
-#include "support/timeline_builder.h"
+#include "support/checked_edit.h"
 #include "timeline/edits/row_compaction.h"
 
 namespace vistels {
 namespace {
 
+using testing::apply_and_check;
 using testing::clip_of;
 using testing::qualifier_of;
 using testing::row_of;
@@ -50,21 +51,6 @@ sxy_DATA_root coded() {
          operation::insert_clip{r, noted(clip_of("c", 15, 20), "three")},
          operation::insert_clip{shared_text("S"), noted(clip_of("d", 2, 30), "four")},
          operation::begin_clip{r, clip_of("live", 40, 40)}});
-}
-
-// Applies the edit and takes it back, with the state compared; the timeline is left with the edit done.
-void apply_and_check(sxy_DATA_root& timeline, const result<timeline_edit>& edit) {
-    ASSERT_TRUE(edit) << edit.message();
-    const auto before = state_text(timeline);
-    change_set touched;
-    auto back = apply_edit(timeline, edit.value(), touched);
-    ASSERT_TRUE(back) << back.message();
-    const auto after = state_text(timeline);
-    auto again = apply_edit(timeline, back.value(), touched);
-    ASSERT_TRUE(again) << again.message();
-    EXPECT_EQ(state_text(timeline), before);
-    ASSERT_TRUE(apply_edit(timeline, again.value(), touched));
-    EXPECT_EQ(state_text(timeline), after);
 }
 
 std::string names_of(const sxy_CLIP& clip) {

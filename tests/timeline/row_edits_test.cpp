@@ -3,14 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "support/timeline_builder.h"
+#include "support/checked_edit.h"
 
 namespace vistels {
 namespace {
 
+using testing::apply_and_check;
 using testing::clip_of;
 using testing::row_of;
-using testing::state_text;
 using testing::timeline_of;
 using rows = std::vector<shared_text>;
 
@@ -45,36 +45,22 @@ std::string order_of(const sxy_DATA_root& timeline) {
     return order;
 }
 
-void apply(sxy_DATA_root& timeline, const result<timeline_edit>& edit) {
-    ASSERT_TRUE(edit) << edit.message();
-    const auto before = state_text(timeline);
-    change_set touched;
-    const auto back = apply_edit(timeline, edit.value(), touched);
-    ASSERT_TRUE(back) << back.message();
-    const auto after = state_text(timeline);
-    const auto again = apply_edit(timeline, back.value(), touched);
-    ASSERT_TRUE(again) << again.message();
-    EXPECT_EQ(state_text(timeline), before);
-    ASSERT_TRUE(apply_edit(timeline, again.value(), touched));
-    EXPECT_EQ(state_text(timeline), after);
-}
-
 TEST(row_edits, rows_are_made_named_and_coloured_with_the_clips_that_had_their_colour) {
     auto timeline = coded();
-    apply(timeline, plan_new_row(timeline, shared_text("A"), blue));
-    apply(timeline, plan_new_row(timeline, {}, blue));
+    apply_and_check(timeline, plan_new_row(timeline, shared_text("A"), blue));
+    apply_and_check(timeline, plan_new_row(timeline, {}, blue));
     ASSERT_EQ(timeline.rows().size(), 5U);
     EXPECT_EQ(timeline.rows()[1]->name(), "Row");
     EXPECT_EQ(timeline.rows()[4]->name(), "Row 2");
-    apply(timeline, plan_rename_row(timeline, shared_text("B"), "  Pass \n"));
+    apply_and_check(timeline, plan_rename_row(timeline, shared_text("B"), "  Pass \n"));
     EXPECT_EQ(timeline.row(shared_text("B"))->name(), "Pass");
     EXPECT_FALSE(plan_rename_row(timeline, shared_text("B"), " \t"));
     EXPECT_FALSE(plan_rename_row(timeline, shared_text("Z"), "x"));
-    apply(timeline, plan_row_category(timeline, {shared_text("A"), shared_text("B")}, "play"));
+    apply_and_check(timeline, plan_row_category(timeline, {shared_text("A"), shared_text("B")}, "play"));
     EXPECT_EQ(timeline.row(shared_text("B"))->category(), "play");
 
     const colour green{0, 1, 0, 1};
-    apply(timeline, plan_row_colour(timeline, {shared_text("A"), shared_text("B")}, green));
+    apply_and_check(timeline, plan_row_colour(timeline, {shared_text("A"), shared_text("B")}, green));
     EXPECT_EQ(timeline.row(shared_text("A"))->col(), green);
     EXPECT_EQ(timeline.find_clip("a")->clip->col(), green);
     EXPECT_EQ(timeline.find_clip("b")->clip->col(), blue);
@@ -96,7 +82,7 @@ TEST(row_edits, rows_are_moved_and_sorted_and_keep_their_order_where_they_are_eq
     };
     for (const auto& move : moves) {
         auto timeline = coded();
-        apply(timeline, plan_move_rows(timeline, move.moved, move.before));
+        apply_and_check(timeline, plan_move_rows(timeline, move.moved, move.before));
         EXPECT_EQ(order_of(timeline), move.order);
     }
     const std::pair<row_order, const char*> orders[] = {{row_order::by_name, "BCA"},
@@ -105,7 +91,7 @@ TEST(row_edits, rows_are_moved_and_sorted_and_keep_their_order_where_they_are_eq
                                                         {row_order::by_time, "BAC"}};
     for (const auto& [order, expected] : orders) {
         auto timeline = coded();
-        apply(timeline, plan_sort_rows(timeline, order));
+        apply_and_check(timeline, plan_sort_rows(timeline, order));
         EXPECT_EQ(order_of(timeline), expected);
         EXPECT_TRUE(plan_sort_rows(timeline, order).operations.empty());
     }
@@ -114,11 +100,11 @@ TEST(row_edits, rows_are_moved_and_sorted_and_keep_their_order_where_they_are_eq
 
 TEST(row_edits, hidden_rows_come_back_as_high_as_they_were) {
     auto timeline = coded();
-    apply(timeline, plan_row_height(timeline, {shared_text("A")}, 50));
+    apply_and_check(timeline, plan_row_height(timeline, {shared_text("A")}, 50));
     for (int n = 0; n < 2; ++n)
-        apply(timeline, plan_hide_rows(timeline, {shared_text("A"), shared_text("B")}));
+        apply_and_check(timeline, plan_hide_rows(timeline, {shared_text("A"), shared_text("B")}));
     EXPECT_TRUE(is_hidden(*timeline.row(shared_text("A"))));
-    apply(timeline, plan_show_hidden_rows(timeline));
+    apply_and_check(timeline, plan_show_hidden_rows(timeline));
     EXPECT_FALSE(is_hidden(*timeline.row(shared_text("A"))));
     EXPECT_EQ(timeline.row(shared_text("A"))->height(), 50);
     EXPECT_TRUE(plan_show_hidden_rows(timeline).operations.empty());
