@@ -6,6 +6,7 @@
 #include "timeline/edits/clip_operations.h"
 #include "timeline/edits/edit_failures.h"
 #include "timeline/edits/edit_names.h"
+#include "timeline/records/shift_times.h"
 #include "util/uuid.h"
 
 namespace vistels {
@@ -121,6 +122,15 @@ timeline_snapshot duplicate_copy_sxy_data(const timeline_snapshot& timeline) {
     return copy;
 }
 
+sxy_CLIP copy_moved(const sxy_CLIP& clip, double later_by, const edit_stamp& stamp) {
+    auto copy = clip_shifted(duplicate_copy_sxy_data(clip), later_by);
+    auto info = copy->edit_info();
+    info.edit_seconds = stamp.edit_seconds;
+    if (!stamp.author.empty()) info.author = shared_text(stamp.author);
+    copy->set_edit_info(std::move(info));
+    return std::move(*copy);
+}
+
 result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,
                                            const std::vector<std::string>& clips, double later_by,
                                            const edit_stamp& stamp) {
@@ -130,13 +140,8 @@ result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,
         const auto place = timeline.find_clip(uuid);
         if (!place) return clip_to_copy_is_gone();
         if (place->is_live) return growing_clip_cannot_be_copied();
-        property_dictionary set;
-        set.add("time_start", place->clip->secs_start() + later_by);
-        set.add("time_end", place->clip->secs_end() + later_by);
-        set.add("edit_seconds", stamp.edit_seconds);
-        if (!stamp.author.empty()) set.add("author", stamp.author);
         edit.operations.emplace_back(
-            operation::insert_clip{place->row, clip_with(duplicate_copy_sxy_data(*place->clip), set, {})});
+            operation::insert_clip{place->row, copy_moved(*place->clip, later_by, stamp)});
     }
     return edit;
 }

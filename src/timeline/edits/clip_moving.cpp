@@ -56,7 +56,7 @@ void add_shift(const sxy_CLIP& clip, double seconds, operation_list& to) {
 clip_span trimmed(const sxy_CLIP& clip, double starts_by, double ends_by) {
     const double start = clip.secs_start();
     const double end = clip.secs_end();
-    const double least = std::min(shortest_clip_seconds, end - start);
+    const double least = std::min(least_seconds_left, end - start);
     clip_span span{start + starts_by, end + ends_by};
     // The edge that is moved gives way; of two the end.
     if (span.end - span.start >= least) return span;
@@ -100,7 +100,7 @@ sxy_CLIP with_span(const sxy_CLIP& clip, clip_span span) {
 void add_split(const clip_place& place, double seconds, const edit_stamp& stamp, operation_list& to) {
     const sxy_CLIP& clip = *place.clip;
     sxy_CLIP first = with_span(clip, {clip.secs_start(), seconds});
-    sxy_CLIP second = with_span(duplicate_copy_sxy_data(clip), {seconds, clip.secs_end()});
+    sxy_CLIP second = with_span(copy_moved(clip, 0, stamp), {seconds, clip.secs_end()});
     put_in_halves(clip, seconds, first, second);
     qual_ROOT later;
     const auto all = clip.qualifiers();
@@ -111,10 +111,6 @@ void add_split(const clip_place& place, double seconds, const edit_stamp& stamp,
         later.push_back((*copies)[i]);
     }
     second.set_qualifiers(std::move(later));
-    auto info = second.edit_info();
-    info.edit_seconds = stamp.edit_seconds;
-    if (!stamp.author.empty()) info.author = shared_text(stamp.author);
-    second.set_edit_info(std::move(info));
     add_changed_values(clip, first, to);
     to.emplace_back(operation::insert_clip{place.row, std::move(second)});
 }
@@ -184,8 +180,8 @@ result<timeline_edit> plan_roll_joint(const sxy_DATA_root& timeline, const std::
     const clip_pointer first = timeline.find_clip(before)->clip;
     const clip_pointer second = timeline.find_clip(after)->clip;
     timeline_edit edit{edit_name::roll_joint, before, {}};
-    const double from = first->secs_start() + shortest_clip_seconds;
-    const double to = second->secs_end() - shortest_clip_seconds;
+    const double from = first->secs_start() + least_seconds_left;
+    const double to = second->secs_end() - least_seconds_left;
     if (from > to) return edit;
     const double at = std::clamp(seconds, from, to);
     if (at == first->secs_end() && at == second->secs_start()) return edit;
@@ -253,8 +249,7 @@ result<timeline_edit> plan_paste(const sxy_DATA_root& timeline, const property_d
     if (!std::isfinite(seconds)) return clip_copied_to_no_time();
     timeline_edit edit;
     std::map<std::string, shared_text> row_for;
-    std::vector<sxy_CLIP> made;
-    std::vector<shared_text> rows;
+    std::vector<operation::insert_clip> made;
     double earliest = HUGE_VAL;
     std::size_t last = timeline.rows().size();
     for (const auto& any : read.value().operations) {
@@ -270,20 +265,15 @@ result<timeline_edit> plan_paste(const sxy_DATA_root& timeline, const property_d
         } else if (const auto* clip = std::get_if<operation::insert_clip>(&any)) {
             const auto to = row_for.find(clip->row.str());
             if (to == row_for.end()) return what_it_changes_is_gone();
-            rows.push_back(to->second);
-            made.push_back(duplicate_copy_sxy_data(*clip->clip));
+            made.push_back({to->second, clip->clip});
             earliest = std::min(earliest, clip->clip->secs_start());
         }
     }
     edit.name = name_for(made.size(), edit_name::paste_clip, edit_name::paste_clips);
-    for (std::size_t i = 0; i < made.size(); ++i) {
-        auto clip = clip_shifted(made[i], seconds - earliest);
-        clip->set_coll_id(0);  // that of the collection it goes to
-        auto info = clip->edit_info();
-        info.edit_seconds = stamp.edit_seconds;
-        if (!stamp.author.empty()) info.author = shared_text(stamp.author);
-        clip->set_edit_info(std::move(info));
-        edit.operations.emplace_back(operation::insert_clip{rows[i], std::move(*clip)});
+    for (const auto& one : made) {
+        sxy_CLIP clip = copy_moved(*one.clip, seconds - earliest, stamp);
+        clip.set_coll_id(0);  // that of the collection it goes to
+        edit.operations.emplace_back(operation::insert_clip{one.row, std::move(clip)});
     }
     return edit;
 }

@@ -14,7 +14,7 @@ namespace vistels {
 // nothing has no operations. Times in seconds on the collection's clock. Any thread that owns the timeline.
 
 // A trim leaves so much of a clip.
-inline constexpr double shortest_clip_seconds = 0.04;
+inline constexpr double least_seconds_left = 0.04;
 
 // Moves clips along the clock, with the times of all that is on them, and by so many of the rows in `order`;
 // a clip on another row, and one that would leave them, stays on its row.
@@ -26,7 +26,7 @@ result<timeline_edit> plan_move_clips(const sxy_DATA_root& timeline, const std::
 result<timeline_edit> plan_to_row(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
                                   const shared_text& row);
 
-// Moves the starts and the ends of the clips by so much each; shortest_clip_seconds is left of each, or what
+// Moves the starts and the ends of the clips by so much each; least_seconds_left is left of each, or what
 // it had where that is less.
 result<timeline_edit> plan_trim_edges(const sxy_DATA_root& timeline, const std::vector<std::string>& clips,
                                       double starts_by, double ends_by);

@@ -65,6 +65,8 @@ sxy_ROW duplicate_copy_sxy_data(const sxy_ROW& row);
 // The copy of a whole timeline; growing clips are left out.
 timeline_snapshot duplicate_copy_sxy_data(const timeline_snapshot& timeline);
 
+// A copy, later by so many seconds with all that is on it, edited now.
+sxy_CLIP copy_moved(const sxy_CLIP& clip, double later_by, const edit_stamp& stamp);
 // Puts a copy of each clip into its row, `later_by` seconds later. The edit's insert_clip operations stand in
 // the order of `clips`.
 result<timeline_edit> plan_duplicate_clips(const sxy_DATA_root& timeline,

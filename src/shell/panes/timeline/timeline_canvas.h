@@ -86,7 +86,8 @@ class timeline_canvas final : public QWidget {
         std::optional<double> snapped_to = std::nullopt;
         std::optional<double> scrubbed_to = std::nullopt;      // the playhead
         std::optional<double> playhead_before = std::nullopt;  // where it was, while a moment is shown
-        std::vector<std::string> selected_before;              // of a band that adds
+        bool adds = false;                                     // a band, to what is selected
+        std::vector<std::string> selected_before;              // of a band, or of drawing
     };
     // A clip as it would be.
     struct landing {

@@ -22,7 +22,7 @@ constexpr double edge_scroll_share = 0.5;   // of how far it is beyond that, at 
 constexpr int edge_scroll_turn = 30;        // milliseconds
 constexpr std::size_t most_overlaps = 200;  // clips of a drag whose overlaps are marked
 
-bool is_of_clips(const QMouseEvent& event, Qt::KeyboardModifier key) {
+bool holds(const QMouseEvent& event, Qt::KeyboardModifier key) {
     return (event.modifiers() & key) != 0;
 }
 
@@ -69,9 +69,9 @@ void timeline_canvas::mousePressEvent(QMouseEvent* event) {
 
 void timeline_canvas::press_clip(const hit& found, const QMouseEvent& event) {
     const std::string clip = found.clip->id();
-    const bool with_alt = is_of_clips(event, Qt::AltModifier);
-    if (!with_alt && is_of_clips(event, Qt::ControlModifier)) return state_.toggle(clip);
-    if (!with_alt && is_of_clips(event, Qt::ShiftModifier)) return state_.extend_to(clip);
+    const bool with_alt = holds(event, Qt::AltModifier);
+    if (!with_alt && holds(event, Qt::ControlModifier)) return state_.toggle(clip);
+    if (!with_alt && holds(event, Qt::ShiftModifier)) return state_.extend_to(clip);
     const bool is_selected = state_.is_selected(*found.clip);
     if (!is_selected) state_.select({clip});
     const bool at_start = found.what == hit::part::start_edge;
@@ -89,12 +89,13 @@ void timeline_canvas::press_clip(const hit& found, const QMouseEvent& event) {
 }
 
 void timeline_canvas::press_ground(const hit& found, const QMouseEvent& event) {
-    const bool adds = is_of_clips(event, Qt::ControlModifier) || is_of_clips(event, Qt::ShiftModifier);
+    const bool adds = holds(event, Qt::ControlModifier) || holds(event, Qt::ShiftModifier);
     const bool is_row = found.what == hit::part::row;
     const bool is_empty_row = is_row && state_.rows()[found.row].clips == 0;
     const bool draws = is_row && !adds && (draws_ || is_empty_row);
     drag_ = drag_from(draws ? drag_kind::draw : drag_kind::band, found, event.position());
-    if (adds) drag_->selected_before = state_.selected();
+    drag_->adds = adds;
+    drag_->selected_before = state_.selected();
     if (!adds) state_.select({});
 }
 
@@ -122,7 +123,7 @@ double timeline_canvas::dragged_seconds() const {
 
 void timeline_canvas::mouseMoveEvent(QMouseEvent* event) {
     if (drag_) {
-        move_drag(event->position(), !is_of_clips(*event, Qt::ControlModifier));
+        move_drag(event->position(), !holds(*event, Qt::ControlModifier));
     } else {
         show_cursor(event->position());
     }
@@ -219,7 +220,8 @@ void timeline_canvas::select_in_band() {
     const QRectF band = band_place();
     const double from = state_.scale().seconds_at(band.left());
     const double to = state_.scale().seconds_at(band.right());
-    std::vector<std::string> found = drag_->selected_before;
+    std::vector<std::string> found;
+    if (drag_->adds) found = drag_->selected_before;
     for (std::size_t index = 0; index < state_.rows().size(); ++index) {
         const timeline_row& row = state_.rows()[index];
         const QRect place = row_place(index);
@@ -260,7 +262,8 @@ void timeline_canvas::give_up_drag() {
     scrolls_.stop();
     if (given_up.scrubbed_to) state_.seek(*given_up.scrubbed_to);
     if (given_up.playhead_before) state_.seek(*given_up.playhead_before);
-    if (given_up.kind == drag_kind::band) state_.select(given_up.selected_before);
+    if (given_up.kind == drag_kind::band || given_up.kind == drag_kind::draw)
+        state_.select(given_up.selected_before);
     update();
 }
 
@@ -305,7 +308,7 @@ void timeline_canvas::end_drag() {
             state_.copy(done.clips, done.seconds, done.rows);
             break;
         case drag_kind::draw:
-            if (std::abs(done.drawn_to - done.from_seconds) >= shortest_clip_seconds)
+            if (std::abs(done.drawn_to - done.from_seconds) >= least_seconds_left)
                 state_.draw(state_.rows()[done.on.row].uuid, done.from_seconds, done.drawn_to);
             break;
         case drag_kind::band:
@@ -318,7 +321,7 @@ void timeline_canvas::click_of(const drag& done) {
     switch (done.kind) {
         case drag_kind::draw:
         case drag_kind::band:
-            if (done.selected_before.empty()) state_.seek(done.from_seconds);
+            if (!done.adds) state_.seek(done.from_seconds);
             break;
         case drag_kind::copy:
         case drag_kind::playhead:
@@ -387,7 +390,7 @@ std::vector<timeline_canvas::landing> timeline_canvas::landings() const {
         for (std::size_t at = 0; !moves && at < row.selected.size(); ++at) {
             const track_clip& one = row.selected[at];
             landing made{index, one.start, one.end, row.palette[one.colour]};
-            const double least = std::min(shortest_clip_seconds, one.end - one.start);
+            const double least = std::min(least_seconds_left, one.end - one.start);
             if (now.kind == drag_kind::start_edge)
                 made.start = std::min(one.start + now.seconds, one.end - least);
             if (now.kind == drag_kind::end_edge)

@@ -238,9 +238,11 @@ void timeline_names::mouseMoveEvent(QMouseEvent* event) {
     update();
 }
 
-void timeline_names::mouseReleaseEvent(QMouseEvent*) {
-    pressed_at_.reset();
+void timeline_names::mouseReleaseEvent(QMouseEvent* event) {
+    const bool was_pressed = std::exchange(pressed_at_, std::nullopt).has_value();
     const auto gap = std::exchange(gap_, std::nullopt);
+    if (!gap && was_pressed && event->modifiers() == Qt::NoModifier && chosen_.size() > 1)
+        return choose({current_});
     if (!gap) return;
     update();
     move_chosen(*gap);
