@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is done to the selected clips by the window's commands, and their note in the inspector.
 #include <QAction>
+#include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
 
 #include "app/event/undo_stack.h"
+#include "shell/kit/inspector_parts.h"
 #include "shell/kit/message_bar.h"
 #include "shell/panes/collection/collection_pane.h"
 #include "shell/panes/timeline/timeline_view.h"
+#include "shell/window/window_actions.h"
 #include "support/shown_event.h"
 #include "support/timeline_builder.h"
+#include "timeline/edits/qualifier_edits.h"
 #include "video/synchronised_playback.h"
 
 namespace vistels {
@@ -125,6 +129,46 @@ TEST_F(clip_commands, marks_move_the_edges_of_the_selected_clips_to_the_playhead
     find<QAction>("mark_out")->trigger();
     EXPECT_EQ(times("a")[1], times("b")[1]);
     EXPECT_EQ(times("c"), (std::vector<double>{3, 3.5}));
+}
+
+TEST_F(clip_commands, qualifiers_are_added_to_all_selected_and_written_one_by_one) {
+    view->select({"a", "b"});
+    auto* added = find<QLineEdit>("inspector.add_qualifier");
+    added->setFocus();
+    QTest::keyClicks(added, "Marek");
+    QTest::keyClick(added, Qt::Key_Return);
+    const auto first_of = [this](const char* clip) {
+        const auto all = timeline().find_clip(clip)->clip->qualifiers();
+        return all->empty() ? qualifier_words() : words_in(all->front());
+    };
+    EXPECT_EQ(first_of("a").name, "Marek");
+    EXPECT_EQ(first_of("b").name, "Marek");
+    view->select({"a"});
+    auto* chips = find<qualifier_chips>("inspector.qualifiers");
+    auto* actor = find<QLineEdit>("inspector.qualifier.actor");
+    EXPECT_FALSE(actor->isVisibleTo(window.get()));
+    QTest::mouseClick(chips, Qt::LeftButton, {}, chips->place_of(0).center() - QPoint(15, 0));
+    ASSERT_TRUE(actor->isVisibleTo(window.get()));
+    actor->setFocus();
+    QTest::keyClicks(actor, "Okafor");
+    QTest::keyClick(actor, Qt::Key_Return);
+    auto* value = find<QLineEdit>("inspector.qualifier.value");
+    value->setFocus();
+    QTest::keyClicks(value, "0,31");
+    QTest::keyClick(value, Qt::Key_Return);
+    EXPECT_EQ(first_of("a"), (qualifier_words{"Marek", "", "Okafor", "", "", 0.31}));
+    EXPECT_EQ(first_of("b").actor, "") << "it is another clip's";
+    value->selectAll();
+    QTest::keyClicks(value, "much");
+    QTest::keyClick(value, Qt::Key_Return);
+    EXPECT_EQ(value->text(), "0.31");
+    for (const char* expected : {"Okafor", ""}) {
+        window->actions()[command::undo]->trigger();
+        EXPECT_EQ(first_of("a").actor, expected);
+    }
+    window->actions()[command::undo]->trigger();
+    EXPECT_EQ(first_of("b").name, "") << "one step for both";
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(clip_commands, a_note_is_written_in_the_inspector_by_one_step) {

@@ -276,6 +276,17 @@ void qualifier_chips::set_chips(std::vector<qualifier_chip> chips) {
     lay_out(width(), &places_);
     updateGeometry();
     update();
+    choose(chosen_);
+}
+
+void qualifier_chips::choose(const std::string& uuid) {
+    const bool is_there = std::any_of(chips_.begin(), chips_.end(),
+                                      [&](const qualifier_chip& one) { return one.uuid == uuid; });
+    const std::string now = is_there ? uuid : std::string();
+    if (now == chosen_) return;
+    chosen_ = now;
+    update();
+    Q_EMIT chosen_changed();
 }
 
 int qualifier_chips::lay_out(int width, std::vector<QRect>* places) const {
@@ -330,7 +341,7 @@ void qualifier_chips::paintEvent(QPaintEvent*) {
         const bool focused = hasFocus() && i == focused_;
         const double pen = chip.passes || focused ? look.metrics.focus_ring : look.metrics.line;
         painter.setPen(QPen(chip.passes || focused ? look.accent : look.line, pen));
-        painter.setBrush(look.raised);
+        painter.setBrush(chip.uuid == chosen_ ? look.accent_ground : look.raised);
         const double radius = place.height() / 2.0;
         painter.drawRoundedRect(QRectF(place).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2), radius, radius);
         QRect words = place.adjusted(look.metrics.padding, 0, -look.metrics.padding, 0);
@@ -362,6 +373,9 @@ void qualifier_chips::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     for (std::size_t i = 0; i < places_.size(); ++i) {
         if (cross_of(i).contains(event->position().toPoint())) return remove(i);
+        if (!places_[i].contains(event->position().toPoint())) continue;
+        focused_ = i;
+        return choose(chips_[i].uuid == chosen_ ? std::string() : chips_[i].uuid);
     }
 }
 
@@ -373,6 +387,8 @@ void qualifier_chips::keyPressEvent(QKeyEvent* event) {
         return update();
     }
     if (event->key() == Qt::Key_Delete) return remove(focused_);
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        return choose(chips_[focused_].uuid == chosen_ ? std::string() : chips_[focused_].uuid);
     QWidget::keyPressEvent(event);
 }
 

@@ -108,7 +108,7 @@ struct qualifier_chip {
     bool passes = false;  // it made its clip pass the filter
 };
 
-// Chips in lines, each with a cross that removes it.
+// Chips in lines, each with a cross that removes it; one may be chosen, by a click or Return, again: none.
 class qualifier_chips : public QWidget {
     Q_OBJECT
   public:
@@ -119,9 +119,14 @@ class qualifier_chips : public QWidget {
     QSize sizeHint() const override;
     // Where the cross of chip `index` is.
     QRect cross_of(std::size_t index) const;
+    QRect place_of(std::size_t index) const { return index < places_.size() ? places_[index] : QRect(); }
+    // The UUID of the one that is chosen; empty: none. One that is not there chooses none.
+    const std::string& chosen() const { return chosen_; }
+    void choose(const std::string& uuid);
 
   Q_SIGNALS:
     void remove_asked(const QString& uuid);
+    void chosen_changed();
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -135,6 +140,7 @@ class qualifier_chips : public QWidget {
     void remove(std::size_t index);
 
     std::vector<qualifier_chip> chips_;
+    std::string chosen_;
     std::vector<QRect> places_;
     std::size_t focused_ = 0;
 };

@@ -45,6 +45,10 @@ inline constexpr failure_of<> clip_starts_behind_its_end{"clip starts behind its
                                                          "A clip cannot start where it has ended already."};
 inline constexpr failure_of<> clip_ends_before_its_start{"clip ends before its start",
                                                          "A clip cannot end before it has started."};
+inline constexpr failure_of<> qualifier_is_gone{"qualifier is gone",
+                                                "The qualifier is no longer on the clip."};
+inline constexpr failure_of<> qualifier_needs_a_name{"qualifier needs a name",
+                                                     "A qualifier needs a name."};
 inline constexpr failure_of<> too_few_clips_to_merge{"too few clips to merge",
                                                      "Select two clips or more to merge them."};
 inline constexpr failure_of<> neither_one_clip_nor_two{"neither one clip nor two",

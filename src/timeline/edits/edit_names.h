@@ -8,6 +8,8 @@ namespace vistels::edit_name {
 inline constexpr const char* clip_times = "Clip Times";
 inline constexpr const char* stars = "Stars";
 inline constexpr const char* clip_colour = "Clip Colour";
+inline constexpr const char* add_qualifier = "Add Qualifier";
+inline constexpr const char* change_qualifier = "Qualifier";
 inline constexpr const char* remove_qualifier = "Remove Qualifier";
 inline constexpr const char* note = "Note";
 inline constexpr const char* trim_clip = "Trim Clip";

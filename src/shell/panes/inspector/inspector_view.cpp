@@ -20,6 +20,8 @@
 #include "shell/kit/theme_time_text.h"
 #include "shell/panes/inspector/clip_title_block.h"
 #include "shell/panes/inspector/note_field.h"
+#include "shell/panes/inspector/qualifier_entry.h"
+#include "shell/panes/inspector/qualifier_fields.h"
 #include "timeline/edits/clip_edits.h"
 #include "timeline/edits/clip_operations.h"
 
@@ -73,6 +75,8 @@ inspector_view::inspector_view(QWidget* parent)
       swatches_(new swatch_row),
       stars_(new star_row),
       chips_(new qualifier_chips),
+      qualifier_(new qualifier_fields),
+      added_(new qualifier_entry),
       note_(new note_field),
       note_section_(new QWidget) {
     const theme_metrics& metrics = theme::current().metrics;
@@ -114,6 +118,12 @@ QWidget* inspector_view::build_body() {
     auto* chips = new QVBoxLayout;
     chips->setContentsMargins(metrics.wide_padding, 0, metrics.wide_padding, metrics.wide_padding);
     chips->addWidget(chips_);
+    chips->addWidget(qualifier_);
+    added_->setObjectName(QStringLiteral("inspector.add_qualifier"));
+    added_->setAccessibleName(tr("Add a qualifier"));
+    added_->setPlaceholderText(tr("Add a qualifier"));
+    added_->setFixedHeight(metrics.field_height);
+    chips->addWidget(added_);
     column->addLayout(chips);
 
     auto* note = new QVBoxLayout(note_section_);
@@ -215,6 +225,17 @@ void inspector_view::connect_parts() {
         if (!document_ || clips_.size() != 1) return;
         apply(plan_remove_qualifier(document_->timeline(), clips_.front(), qualifier.toStdString()));
     });
+    connect(chips_, &qualifier_chips::chosen_changed, this, &inspector_view::show_qualifier);
+    connect(qualifier_, &qualifier_fields::words_asked, this, [this](const qualifier_words& words) {
+        if (!document_ || clips_.size() != 1) return;
+        apply(plan_change_qualifier(document_->timeline(), clips_.front(), chips_->chosen(), words));
+    });
+    connect(added_, &qualifier_entry::qualifier_asked, this,
+            [this](const QString& name, const QString& category) {
+                if (!document_ || clips_.empty()) return;
+                apply(plan_add_qualifier(document_->timeline(), clips_, name.toStdString(),
+                                         category.toStdString(), now_()));
+            });
     note_->set_acceptor([this](const std::string& clip, const std::string& text) {
         return document_ && apply(plan_note(document_->timeline(), clip, text));
     });
@@ -225,6 +246,9 @@ void inspector_view::set_view(clip_view* view, std::function<double()> now) {
     changed_.disconnect();
     view_ = view;
     document_ = view ? &view->document() : nullptr;
+    added_->set_known([this] {
+        return document_ ? known_qualifiers(document_->timeline()) : qualifier_entry::known_list();
+    });
     now_ = std::move(now);
     if (document_) {
         changed_ = document_->changed.connect([this](const change_set& change) {
@@ -336,6 +360,22 @@ void inspector_view::show_chips(const std::vector<clip_place>& clips) {
         single ? chips_of(*clips.front().clip, view_->verdicts()) : std::vector<qualifier_chip>();
     qualifier_count_->setText(single ? QString::number(chips.size()) : tr("several"));
     chips_->set_chips(chips);
+    show_qualifier();
+}
+
+// The one that is chosen, to be written.
+void inspector_view::show_qualifier() {
+    const auto place =
+        document_ && clips_.size() == 1 ? document_->timeline().find_clip(clips_.front()) : std::nullopt;
+    if (!place || chips_->chosen().empty()) return qualifier_->set_qualifier(std::nullopt, {});
+    const auto all = place->clip->qualifiers();
+    for (const qual_ITEM& one : *all) {
+        if (one.uuid() != chips_->chosen()) continue;
+        const QString at = time_text(one.time(), time_form::field);
+        return qualifier_->set_qualifier(
+            words_in(one), tr("%1, stamped at %2").arg(QString::fromStdString(one.name().str()), at));
+    }
+    qualifier_->set_qualifier(std::nullopt, {});
 }
 
 void inspector_view::show_values(const std::vector<clip_place>& clips) {

@@ -24,6 +24,8 @@ class icon_button;
 class note_field;
 class pane_header;
 class qualifier_chips;
+class qualifier_entry;
+class qualifier_fields;
 class star_row;
 class swatch_row;
 class time_field;
@@ -66,6 +68,7 @@ class inspector_view : public QWidget, public pane {
     std::vector<clip_place> seen_of(const std::vector<clip_place>& all) const;
     QString verdict_on(const std::vector<clip_place>& clips) const;
     void show_chips(const std::vector<clip_place>& clips);
+    void show_qualifier();
     void show_clips(const std::vector<clip_place>& clips);
     void show_title(const std::vector<clip_place>& clips);
     void show_values(const std::vector<clip_place>& clips);
@@ -101,6 +104,8 @@ class inspector_view : public QWidget, public pane {
     star_row* stars_;
     QLabel* qualifier_count_ = nullptr;
     qualifier_chips* chips_;
+    qualifier_fields* qualifier_;
+    qualifier_entry* added_;
     note_field* note_;
     QWidget* note_section_;
 };
