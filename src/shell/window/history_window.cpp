@@ -81,8 +81,9 @@ class undo_steps_model final : public QAbstractListModel {
                 again ? again->parts.get() : nullptr};
     }
     QString first_words() const {
-        return is_cut_ ? history_window::tr("Older steps are no longer kept")
-                       : history_window::tr("As it was before these steps");
+        if (is_cut_) return history_window::tr("Older steps are no longer kept");
+        return names_.isEmpty() ? history_window::tr("Nothing was done yet")
+                                : history_window::tr("As it was before these steps");
     }
     static QString state_words(bool is_now, bool is_done) {
         if (is_now) return history_window::tr("%1, as it is now");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/panes/inspector/qualifier_entry.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QKeyEvent>
 #include <QStringListModel>
@@ -22,6 +23,7 @@ qualifier_entry::qualifier_entry(QWidget* parent) : QLineEdit(parent), lines_(ne
     auto* completer = new QCompleter(lines_, this);
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     completer->setFilterMode(Qt::MatchContains);
+    completer->popup()->setProperty("kind", "popover");
     setCompleter(completer);
     connect(this, &QLineEdit::returnPressed, this, &qualifier_entry::ask);
 }

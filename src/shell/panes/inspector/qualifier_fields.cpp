@@ -32,7 +32,7 @@ qualifier_fields::qualifier_fields(QWidget* parent)
     const theme_metrics& metrics = theme::current().metrics;
     setObjectName(QStringLiteral("inspector.qualifier"));
     auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(0, metrics.padding, 0, 0);
+    grid->setContentsMargins(0, metrics.padding, 0, metrics.padding);
     grid->setHorizontalSpacing(metrics.padding);
     grid->setVerticalSpacing(metrics.grid);
     grid->setColumnMinimumWidth(0, metrics.inspector_label_width);
